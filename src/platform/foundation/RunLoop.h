@@ -1,0 +1,74 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/foundation/Time.h"
+
+namespace platform {
+
+using Block = std::function<void()>;
+
+/// A queue of blocks. Serial queues run one block at a time in posting order; a global queue may
+/// run several at once in real time. Any thread may post.
+class DispatchQueue {
+ public:
+  virtual ~DispatchQueue() = default;
+  virtual void async(Block block) = 0;
+  /// Posts the block once `delay` has passed on the run loop's clock.
+  virtual void asyncAfter(Duration delay, Block block) = 0;
+};
+
+enum class QualityOfService { userInteractive, userInitiated, utility, background };
+
+/// A timer on the main queue. It holds its block until it is invalidated or, one-shot, has fired.
+/// Letting go of the handle does not stop it.
+class Timer {
+ public:
+  virtual ~Timer() = default;
+  virtual void invalidate() = 0;
+  virtual bool isValid() const = 0;
+};
+
+/// The order of events that fall on the same instant of virtual time: frames come before all else.
+enum class EventClass { frame, task };
+
+/// Time, queues and timers of one process. Three make it real: a window's event loop, a plain loop
+/// on the wall clock, and the virtual-time loop of tests and replays.
+class RunLoop {
+ public:
+  virtual ~RunLoop() = default;
+
+  /// Any thread.
+  virtual TimePoint now() const = 0;
+  /// Runs the flow, its views and every completion.
+  virtual DispatchQueue& mainQueue() = 0;
+  virtual DispatchQueue& globalQueue(QualityOfService qos) = 0;
+  virtual std::shared_ptr<DispatchQueue> makeSerialQueue(const std::string& label) = 0;
+  /// Main queue only. A one-shot timer is invalid once its block has begun.
+  virtual std::shared_ptr<Timer> scheduledTimer(Duration interval, bool repeats, Block block) = 0;
+  /// Runs a device's block at `time` (at once if that has passed) on a thread of the device floor;
+  /// in virtual time inline, before every other event of the same instant when a frame.
+  virtual void scheduleDevice(TimePoint time, EventClass eventClass, Block block) = 0;
+  /// True where time stands still while work is done: frames are then pulled, never dropped.
+  virtual bool isVirtual() const = 0;
+};
+
+/// Ends with the last owner's handle: the shared pointer is let go on the main queue, so that
+/// controllers and views that a capture thread happened to own last are destroyed there.
+template <class T>
+void releaseOnMain(RunLoop& loop, std::shared_ptr<T> owner) {
+  if (owner) loop.mainQueue().async([owner = std::move(owner)]() mutable { owner.reset(); });
+}
+
+/// Calls a weakly held delegate from any thread; nothing happens when it is gone.
+template <class Delegate, class Call>
+void callDelegate(RunLoop& loop, const std::weak_ptr<Delegate>& delegate, Call&& call) {
+  if (std::shared_ptr<Delegate> owner = delegate.lock()) {
+    call(*owner);
+    releaseOnMain(loop, std::move(owner));
+  }
+}
+
+}  // namespace platform

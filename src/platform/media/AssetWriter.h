@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <tl/expected.hpp>
+
+#include "platform/media/SampleBuffer.h"
+#include "platform/media/WriterSettings.h"
+
+namespace platform {
+
+/// What a film has taken in so far.
+struct AssetWriterCounters {
+  std::uint64_t videoFramesReceived = 0;
+  std::uint64_t videoFramesWritten = 0;
+  std::uint64_t videoFramesDropped = 0;
+  std::uint64_t audioBuffersReceived = 0;
+  double secondsWritten = 0;        ///< from the first frame to the end of the last
+  double secondsOfSilence = 0;      ///< digital silence before the first microphone buffer
+};
+
+/// One film on disk. It begins with its first video frame; sound that lies before it is left out,
+/// and digital silence stands in for sound that has not come yet, so that the file plays whenever
+/// the process dies. Without audio settings it has no sound track.
+class AssetWriter {
+ public:
+  virtual ~AssetWriter() = default;
+
+  /// Any one thread at a time each for `append(video)` and `append(audio)`; false after an error.
+  virtual bool appendVideo(const CMSampleBufferRef& sample) = 0;
+  virtual bool appendAudio(const CMSampleBufferRef& sample) = 0;
+  /// Ends the film and closes the file; blocks until that is done, so not on the main queue in real
+  /// time. The error is one sentence. A second call returns the same answer.
+  virtual tl::expected<void, std::string> finish() = 0;
+  /// Ends and removes the film.
+  virtual void cancel() = 0;
+  virtual AssetWriterCounters counters() const = 0;
+};
+
+/// Makes films; implemented by the device floor.
+class AssetWriterFactory {
+ public:
+  virtual ~AssetWriterFactory() = default;
+  /// `path` must not exist yet. Absent settings mean the maker's defaults for video and no sound
+  /// track for audio.
+  virtual tl::expected<std::shared_ptr<AssetWriter>, std::string> make(
+      const std::filesystem::path& path, const std::optional<WriterSettings>& video,
+      const std::optional<WriterSettings>& audio) = 0;
+};
+
+}  // namespace platform

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/media/SampleBuffer.h"
+#include "platform/media/WriterSettings.h"
+
+namespace platform {
+
+enum class AVMediaType { video, audio };
+
+/// A camera or a microphone. A device produces one upright stream of samples while it runs; their
+/// presentation times are instants of the run loop's clock.
+class AVCaptureDevice {
+ public:
+  using SampleHandler = std::function<void(CMSampleBufferRef)>;
+
+  virtual ~AVCaptureDevice() = default;
+  virtual std::string localizedName() const = 0;
+  virtual AVMediaType mediaType() const = 0;
+  /// False when the device can't be opened (busy, gone).
+  virtual bool open() = 0;
+  /// Starts the flow of samples; the handler is called on a thread of the device. May take time:
+  /// not to be called on the main queue. Harmless when already running.
+  virtual void start(SampleHandler handler) = 0;
+  /// Ends the flow; no handler call begins after it returns.
+  virtual void stop() = 0;
+
+  /// Codecs in which this device's pictures can be encoded in real time, best first; empty for a
+  /// microphone.
+  virtual std::vector<AVVideoCodecType> availableVideoCodecTypes(const AVFileType& fileType) const = 0;
+  /// Settings that suit this device's stream; false when there are none.
+  virtual bool recommendedVideoSettings(const AVVideoCodecType& codec, const AVFileType& fileType,
+                                        WriterSettings& settings) const = 0;
+  virtual bool recommendedAudioSettings(const AVFileType& fileType,
+                                        WriterSettings& settings) const = 0;
+};
+
+using AVCaptureDeviceRef = std::shared_ptr<AVCaptureDevice>;
+
+enum class AVAuthorizationStatus { notDetermined, restricted, denied, authorized };
+
+/// The cameras and microphones of the machine and the leave to use them.
+class MediaDevices {
+ public:
+  virtual ~MediaDevices() = default;
+  /// Null when there is none.
+  virtual AVCaptureDeviceRef defaultDevice(AVMediaType type) = 0;
+  virtual AVAuthorizationStatus authorizationStatus(AVMediaType type) = 0;
+  /// Asks the user; the answer may come on any thread, once.
+  virtual void requestAccess(AVMediaType type, std::function<void(bool granted)> answer) = 0;
+};
+
+}  // namespace platform

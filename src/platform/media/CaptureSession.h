@@ -1,0 +1,98 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "platform/foundation/RunLoop.h"
+#include "platform/media/CaptureDevice.h"
+
+namespace platform {
+
+class AVCaptureOutput;
+
+/// Receives the samples of an output on the queue that was given with it.
+class AVCaptureSampleBufferDelegate {
+ public:
+  virtual ~AVCaptureSampleBufferDelegate() = default;
+  virtual void captureOutput(AVCaptureOutput& output, const CMSampleBufferRef& sampleBuffer) = 0;
+};
+
+/// An output hands each sample to its delegate (held weakly, loaded afresh for every sample).
+class AVCaptureOutput : public std::enable_shared_from_this<AVCaptureOutput> {
+ public:
+  AVCaptureOutput(RunLoop& loop, AVMediaType mediaType);
+  virtual ~AVCaptureOutput() = default;
+
+  AVMediaType mediaType() const { return mediaType_; }
+  void setSampleBufferDelegate(std::weak_ptr<AVCaptureSampleBufferDelegate> delegate,
+                               std::shared_ptr<DispatchQueue> queue);
+  bool hasSampleBufferDelegate() const;
+
+ protected:
+  const AVCaptureDevice* device() const { return device_.get(); }
+
+ private:
+  friend class AVCaptureSession;
+  void connect(AVCaptureDeviceRef device) { device_ = std::move(device); }
+  void deliver(CMSampleBufferRef sample);
+
+  RunLoop& loop_;
+  AVMediaType mediaType_;
+  std::weak_ptr<AVCaptureSampleBufferDelegate> delegate_;
+  std::shared_ptr<DispatchQueue> queue_;
+  AVCaptureDeviceRef device_;
+};
+
+class AVCaptureVideoDataOutput final : public AVCaptureOutput {
+ public:
+  explicit AVCaptureVideoDataOutput(RunLoop& loop) : AVCaptureOutput(loop, AVMediaType::video) {}
+  std::vector<AVVideoCodecType> availableVideoCodecTypesForAssetWriter(
+      const AVFileType& fileType) const;
+  /// Absent when the output has none.
+  std::optional<WriterSettings> recommendedVideoSettings(const AVVideoCodecType& codec,
+                                                         const AVFileType& fileType) const;
+};
+
+class AVCaptureAudioDataOutput final : public AVCaptureOutput {
+ public:
+  explicit AVCaptureAudioDataOutput(RunLoop& loop) : AVCaptureOutput(loop, AVMediaType::audio) {}
+  /// Absent when the output has none, as before it was added to a session with a microphone.
+  std::optional<WriterSettings> recommendedAudioSettingsForAssetWriter(
+      const AVFileType& fileType) const;
+};
+
+/// A device that was opened as the source of a session.
+struct AVCaptureDeviceInput {
+  AVCaptureDeviceRef device;
+  /// Absent when the device can't be opened.
+  static std::optional<AVCaptureDeviceInput> make(const AVCaptureDeviceRef& device);
+};
+
+/// Connects inputs to outputs of the same media type. Configured on the main queue; started and
+/// stopped on any thread, since starting may take time.
+class AVCaptureSession {
+ public:
+  ~AVCaptureSession();
+
+  const std::vector<AVCaptureDeviceInput>& inputs() const { return inputs_; }
+  const std::vector<std::shared_ptr<AVCaptureOutput>>& outputs() const { return outputs_; }
+  bool canAddInput(const AVCaptureDeviceInput& input) const;
+  void addInput(AVCaptureDeviceInput input);
+  bool canAddOutput(const std::shared_ptr<AVCaptureOutput>& output) const;
+  void addOutput(std::shared_ptr<AVCaptureOutput> output);
+  void startRunning();
+  void stopRunning();
+  bool isRunning() const { return running_; }
+
+ private:
+  void connect();
+
+  std::vector<AVCaptureDeviceInput> inputs_;
+  std::vector<std::shared_ptr<AVCaptureOutput>> outputs_;
+  std::atomic<bool> running_ = false;
+};
+
+}  // namespace platform
