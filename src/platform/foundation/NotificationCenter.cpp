@@ -13,7 +13,9 @@ struct NotificationCenter::Observation::Entry {
 NotificationCenter::Observation::Observation(std::shared_ptr<Entry> entry)
     : entry_(std::move(entry)) {}
 
-NotificationCenter::Observation::~Observation() { entry_->active = false; }
+NotificationCenter::Observation::~Observation() {
+  entry_->active = false;
+}
 
 std::unique_ptr<NotificationCenter::Observation> NotificationCenter::addObserver(
     const std::string& name, Handler handler) {

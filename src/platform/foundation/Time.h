@@ -3,7 +3,8 @@
 #include <chrono>
 #include <ratio>
 
-/// Time of the system: monotonic, counted from the start of a run loop. The wall clock is never read.
+/// Time of the system: monotonic, counted from the start of a run loop. The wall clock is never
+/// read.
 namespace platform {
 
 using Duration = std::chrono::nanoseconds;

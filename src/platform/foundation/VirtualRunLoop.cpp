@@ -51,12 +51,17 @@ VirtualRunLoop::VirtualRunLoop() : queue_(std::make_shared<Queue>(*this)) {}
 
 VirtualRunLoop::~VirtualRunLoop() {
   // A block may own the last handle to something that posts while it is destroyed.
-  while (!events_.empty()) std::exchange(events_, {}).clear();
+  while (!events_.empty())
+    std::exchange(events_, {}).clear();
 }
 
-DispatchQueue& VirtualRunLoop::mainQueue() { return *queue_; }
+DispatchQueue& VirtualRunLoop::mainQueue() {
+  return *queue_;
+}
 
-DispatchQueue& VirtualRunLoop::globalQueue(QualityOfService) { return *queue_; }
+DispatchQueue& VirtualRunLoop::globalQueue(QualityOfService) {
+  return *queue_;
+}
 
 std::shared_ptr<DispatchQueue> VirtualRunLoop::makeSerialQueue(const std::string&) {
   return queue_;

@@ -20,8 +20,8 @@ struct AssetWriterCounters {
   std::uint64_t videoFramesWritten = 0;
   std::uint64_t videoFramesDropped = 0;
   std::uint64_t audioBuffersReceived = 0;
-  double secondsWritten = 0;        ///< from the first frame to the end of the last
-  double secondsOfSilence = 0;      ///< digital silence before the first microphone buffer
+  double secondsWritten = 0;    ///< from the first frame to the end of the last
+  double secondsOfSilence = 0;  ///< digital silence before the first microphone buffer
 };
 
 /// One film on disk. It begins with its first video frame; sound that lies before it is left out,

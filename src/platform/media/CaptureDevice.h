@@ -31,7 +31,8 @@ class AVCaptureDevice {
 
   /// Codecs in which this device's pictures can be encoded in real time, best first; empty for a
   /// microphone.
-  virtual std::vector<AVVideoCodecType> availableVideoCodecTypes(const AVFileType& fileType) const = 0;
+  virtual std::vector<AVVideoCodecType> availableVideoCodecTypes(
+      const AVFileType& fileType) const = 0;
   /// Settings that suit this device's stream; false when there are none.
   virtual bool recommendedVideoSettings(const AVVideoCodecType& codec, const AVFileType& fileType,
                                         WriterSettings& settings) const = 0;

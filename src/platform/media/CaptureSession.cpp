@@ -14,7 +14,9 @@ void AVCaptureOutput::setSampleBufferDelegate(std::weak_ptr<AVCaptureSampleBuffe
   queue_ = std::move(queue);
 }
 
-bool AVCaptureOutput::hasSampleBufferDelegate() const { return !delegate_.expired(); }
+bool AVCaptureOutput::hasSampleBufferDelegate() const {
+  return !delegate_.expired();
+}
 
 void AVCaptureOutput::deliver(CMSampleBufferRef sample) {
   if (!queue_) return;
@@ -49,7 +51,9 @@ std::optional<AVCaptureDeviceInput> AVCaptureDeviceInput::make(const AVCaptureDe
   return AVCaptureDeviceInput{device};
 }
 
-AVCaptureSession::~AVCaptureSession() { stopRunning(); }
+AVCaptureSession::~AVCaptureSession() {
+  stopRunning();
+}
 
 bool AVCaptureSession::canAddInput(const AVCaptureDeviceInput& input) const {
   return std::ranges::none_of(inputs_, [&](const auto& other) {
@@ -84,14 +88,16 @@ void AVCaptureSession::startRunning() {
   for (const auto& input : inputs_) {
     for (const auto& output : outputs_) {
       if (input.device->mediaType() != output->mediaType()) continue;
-      input.device->start([output](CMSampleBufferRef sample) { output->deliver(std::move(sample)); });
+      input.device->start(
+          [output](CMSampleBufferRef sample) { output->deliver(std::move(sample)); });
     }
   }
 }
 
 void AVCaptureSession::stopRunning() {
   if (!running_.exchange(false)) return;
-  for (const auto& input : inputs_) input.device->stop();
+  for (const auto& input : inputs_)
+    input.device->stop();
 }
 
 }  // namespace platform

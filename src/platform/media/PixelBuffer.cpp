@@ -13,8 +13,7 @@ std::size_t product(int width, int height) {
 
 }  // namespace
 
-PixelBuffer::PixelBuffer(int width, int height, PixelFormat format,
-                         std::vector<std::uint8_t> bytes)
+PixelBuffer::PixelBuffer(int width, int height, PixelFormat format, std::vector<std::uint8_t> bytes)
     : width_(width), height_(height), format_(format), bytes_(std::move(bytes)) {
   require(width > 0 && height > 0 && bytes_.size() == byteCount(width, height, format),
           "PixelBuffer: the byte count does not fit the size");

@@ -16,13 +16,14 @@ inline constexpr const char* kAVVideoCodecTypeH264 = "avc1";
 /// Output settings of a writer's track: the keys below, any values.
 using WriterSettings = std::map<std::string, std::any>;
 
-inline constexpr const char* kAVVideoCodecKey = "AVVideoCodecKey";        ///< std::string
-inline constexpr const char* kAVVideoWidthKey = "AVVideoWidthKey";        ///< int, pixels
-inline constexpr const char* kAVVideoHeightKey = "AVVideoHeightKey";      ///< int, pixels
+inline constexpr const char* kAVVideoCodecKey = "AVVideoCodecKey";          ///< std::string
+inline constexpr const char* kAVVideoWidthKey = "AVVideoWidthKey";          ///< int, pixels
+inline constexpr const char* kAVVideoHeightKey = "AVVideoHeightKey";        ///< int, pixels
 inline constexpr const char* kAVVideoAverageBitRateKey = "AverageBitRate";  ///< int, bit/s
-inline constexpr const char* kAVVideoMaxKeyFrameIntervalKey = "MaxKeyFrameInterval";  ///< int, frames
-inline constexpr const char* kAVFormatIDKey = "AVFormatIDKey";            ///< std::string, "aac "
-inline constexpr const char* kAVSampleRateKey = "AVSampleRateKey";        ///< int, Hz
+inline constexpr const char* kAVVideoMaxKeyFrameIntervalKey =
+    "MaxKeyFrameInterval";                                          ///< int, frames
+inline constexpr const char* kAVFormatIDKey = "AVFormatIDKey";      ///< std::string, "aac "
+inline constexpr const char* kAVSampleRateKey = "AVSampleRateKey";  ///< int, Hz
 inline constexpr const char* kAVNumberOfChannelsKey = "AVNumberOfChannelsKey";  ///< int
 inline constexpr const char* kAVEncoderBitRateKey = "AVEncoderBitRateKey";      ///< int, bit/s
 

@@ -10,7 +10,9 @@ struct UIColor {
   double alpha = 1;
   bool operator==(const UIColor&) const = default;
 
-  static constexpr UIColor white(double level, double alpha) { return {level, level, level, alpha}; }
+  static constexpr UIColor white(double level, double alpha) {
+    return {level, level, level, alpha};
+  }
 };
 
 namespace colors {

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+
+#include "corvana/CaptureSession.h"
+#include "platform/uikit/UIViewController.h"
+
+namespace corvana {
+
+/// A screen with a camera behind it. The camera starts when the screen is about to appear and stops
+/// when it has disappeared.
+class CaptureSessionViewController : public platform::UIViewController {
+ public:
+  explicit CaptureSessionViewController(platform::Environment& environment);
+  ~CaptureSessionViewController() override;
+
+  /// The background of success prompts where the tables give none: #2E7D32, 5.1:1 under white.
+  static constexpr platform::UIColor greenColor{0.180, 0.490, 0.196, 1};
+
+  virtual CameraPosition cameraPosition() const { return CameraPosition::back; }
+  /// Any thread; called when the camera session runs.
+  virtual void captureSessionDidStartRunning() {}
+
+  /// Made at the first use.
+  CaptureSession& captureSession();
+  /// Where the camera picture is shown; null on a screen without one. Set before the view appears.
+  const std::shared_ptr<platform::CALayer>& videoPreviewLayer() const { return previewLayer_; }
+  void setVideoPreviewLayer(std::shared_ptr<platform::CALayer> layer);
+
+  void viewWillAppear(bool animated) override;
+  void viewDidDisappear(bool animated) override;
+
+ private:
+  std::shared_ptr<CaptureSession> captureSession_;
+  std::shared_ptr<platform::CALayer> previewLayer_;
+};
+
+}  // namespace corvana

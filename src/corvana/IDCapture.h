@@ -1,0 +1,97 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+
+#include "corvana/Appearance.h"
+#include "corvana/DetectedData.h"
+
+namespace corvana {
+
+struct AutofillResult {
+  std::map<std::string, std::string> fields;
+};
+
+/// Progress of reading one side of a card.
+struct IDCaptureState {
+  struct DetectingBox {};
+  struct DetectedBox {
+    DetectedData data;
+  };
+  struct ClassifiedDocument {
+    DetectedData data;
+  };
+  struct Success {
+    DetectedData data;
+  };
+  struct TimedOut {
+    DetectedData data;
+  };
+  struct Failed {
+    DetectedData data;
+  };
+  struct Autofill {
+    std::optional<AutofillResult> result;
+  };
+  struct TooMuchGlare {};
+  struct MoveCloser {};
+  struct MoveAway {};
+  struct AlignRectangle {};
+  using Value = std::variant<DetectingBox, DetectedBox, ClassifiedDocument, Success, TimedOut,
+                             Failed, Autofill, TooMuchGlare, MoveCloser, MoveAway, AlignRectangle>;
+
+  Value value;
+};
+
+/// Hears the progress of document capture; any thread.
+class IDCaptureDelegate {
+ public:
+  virtual ~IDCaptureDelegate() = default;
+  virtual void update(const IDCaptureState& state) = 0;
+};
+
+/// Tables of document capture: one writer, before the entry.
+struct IDCapture {
+  struct Options {
+    bool capture4K = false;
+  };
+  struct Strings {
+    std::string captureFront = "Show the Front of Your ID";
+    std::string captureBack = "Show the Back of Your ID";
+    std::string useFront = "Show the front side";
+    std::string flipToBack = "Turn your ID over";
+    std::string frontBackMismatch = "This back does not belong to the front";
+    std::string moveCloser = "Move the ID closer";
+    std::string moveAway = "Move the ID away";
+    std::string tooMuchGlare = "Too much glare";
+    std::string alignRectangle = "Align your ID with the frame";
+    std::string makeSurePhotoTextVisible = "Make sure photo and text are visible";
+    std::string makeSureBarcodeVisible = "Make sure the barcode is visible";
+    std::string scanBarcode = "Scanning the barcode";
+    std::string retryScreenText = "Your ID could not be read. Please try again";
+    std::string retryButtonText = "Try Again";
+    std::string cancelButtonText = "Cancel";
+  };
+  struct Images {
+    platform::UIImageRef retryScreenImage;
+    platform::UIImageRef frontSilhouetteImage;
+    platform::UIImageRef backSilhouetteImage;
+  };
+
+  static Options options;
+  static Strings strings;
+  static Colors colors;
+  static Fonts fonts;
+  static Images images;
+  static Layout layout;
+};
+
+inline IDCapture::Options IDCapture::options;
+inline IDCapture::Strings IDCapture::strings;
+inline Colors IDCapture::colors;
+inline Fonts IDCapture::fonts;
+inline IDCapture::Images IDCapture::images;
+inline Layout IDCapture::layout;
+
+}  // namespace corvana

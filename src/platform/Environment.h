@@ -1,0 +1,56 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/foundation/Console.h"
+#include "platform/foundation/NotificationCenter.h"
+#include "platform/foundation/RunLoop.h"
+#include "platform/geometry/Geometry.h"
+#include "platform/media/AssetWriter.h"
+#include "platform/media/CaptureDevice.h"
+#include "platform/media/Speech.h"
+#include "platform/media/SystemSounds.h"
+
+namespace corvana {
+class HostFactories;
+}
+
+namespace platform {
+
+class AnimationPlayer;
+class Bundle;
+class PresentationObserver;
+
+/// The screen's size in points.
+struct UIScreen {
+  CGRect bounds;
+};
+
+/// The system's page with the settings of the application.
+class UIApplication {
+ public:
+  virtual ~UIApplication() = default;
+  /// Absent where there is no such page.
+  virtual std::optional<std::string> openSettingsURLString() const = 0;
+  /// Main queue.
+  virtual void open(const std::string& url) = 0;
+};
+
+/// The world, handed down to each controller. Everything in it outlives the controllers.
+struct Environment {
+  RunLoop& runLoop;
+  Bundle& bundle;  ///< resources of the module
+  NotificationCenter& notificationCenter;
+  Console& console;
+  UIApplication& application;
+  MediaDevices& mediaDevices;
+  SpeechAuthorization& speechAuthorization;
+  SystemSounds& systemSounds;
+  corvana::HostFactories& host;
+  UIScreen mainScreen;
+  AnimationPlayer* animations = nullptr;         ///< null: only final states are shown
+  PresentationObserver* presentations = nullptr;  ///< null: nobody watches the stack of screens
+};
+
+}  // namespace platform

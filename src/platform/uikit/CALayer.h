@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "platform/geometry/Geometry.h"
+#include "platform/uikit/UIColor.h"
+
+namespace platform {
+
+/// A node of the tree of drawings behind the views. Main queue only.
+class CALayer : public std::enable_shared_from_this<CALayer> {
+ public:
+  virtual ~CALayer();
+
+  const std::vector<std::shared_ptr<CALayer>>& sublayers() const { return sublayers_; }
+  /// Null when it hangs nowhere.
+  CALayer* superlayer() const { return superlayer_; }
+  /// Takes the layer out of its former superlayer first.
+  void addSublayer(const std::shared_ptr<CALayer>& layer);
+  void removeFromSuperlayer();
+
+  double zPosition() const { return zPosition_; }
+  void setZPosition(double z);
+
+ private:
+  std::vector<std::shared_ptr<CALayer>> sublayers_;
+  CALayer* superlayer_ = nullptr;
+  double zPosition_ = 0;
+};
+
+/// An outline: an ellipse inscribed in a rectangle, or the rectangle itself.
+class CAShapeLayer final : public CALayer {
+ public:
+  enum class Path { ellipse, rectangle };
+
+  Path path = Path::rectangle;
+  CGRect pathRect;
+  UIColor strokeColor = colors::kClear;
+  UIColor fillColor = colors::kBlack;
+  double lineWidth = 1;  ///< points
+};
+
+}  // namespace platform

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/foundation/Require.h"
+#include "platform/uikit/Controls.h"
+#include "platform/uikit/UIViewController.h"
+
+namespace platform {
+
+/// A reference to a view that the storyboard connects. Using one that is not connected ends the
+/// program, naming it.
+template <class View>
+class Outlet {
+ public:
+  View* operator->() const { return &**this; }
+  View& operator*() const {
+    require(view_ != nullptr, "the outlet \"" + name_ + "\" is not connected");
+    return *view_;
+  }
+  /// Null when not connected.
+  const std::shared_ptr<View>& view() const { return view_; }
+  void connect(std::string name, std::shared_ptr<View> view) {
+    name_ = std::move(name);
+    view_ = std::move(view);
+  }
+
+ private:
+  std::string name_ = "?";
+  std::shared_ptr<View> view_;
+};
+
+template <class View>
+using OutletCollection = std::vector<std::shared_ptr<View>>;
+
+/// Takes down what a controller wants connected. A controller names each outlet and action once.
+class OutletBinder {
+ public:
+  virtual ~OutletBinder() = default;
+
+  template <class View>
+  void outlet(const std::string& name, Outlet<View>& outlet) {
+    connect(name, kindOf(static_cast<View*>(nullptr)), [&](std::shared_ptr<UIView> view) {
+      outlet.connect(name, std::dynamic_pointer_cast<View>(std::move(view)));
+    });
+  }
+  virtual void constraint(const std::string& name, Outlet<NSLayoutConstraint>& outlet) = 0;
+  virtual void collection(const std::string& name, OutletCollection<UIView>& outlets) = 0;
+  virtual void collection(const std::string& name, OutletCollection<UIButton>& outlets) = 0;
+  /// A method that a control of the scene may call.
+  virtual void action(const std::string& name, std::function<void()> handler) = 0;
+
+ protected:
+  enum class ViewKind { view, label, imageView, button, progressView, stackView };
+  virtual void connect(const std::string& name, ViewKind kind,
+                       const std::function<void(std::shared_ptr<UIView>)>& assign) = 0;
+
+ private:
+  static ViewKind kindOf(UIView*) { return ViewKind::view; }
+  static ViewKind kindOf(UILabel*) { return ViewKind::label; }
+  static ViewKind kindOf(UIImageView*) { return ViewKind::imageView; }
+  static ViewKind kindOf(UIButton*) { return ViewKind::button; }
+  static ViewKind kindOf(UIProgressView*) { return ViewKind::progressView; }
+  static ViewKind kindOf(UIStackView*) { return ViewKind::stackView; }
+};
+
+/// Makes the controllers of a storyboard by their identifiers; filled by the program or a test.
+using ControllerFactories =
+    std::map<std::string, std::function<std::shared_ptr<UIViewController>(Environment&)>>;
+
+/// Scenes by identifier. Main queue only.
+class UIStoryboard : public std::enable_shared_from_this<UIStoryboard> {
+ public:
+  virtual ~UIStoryboard() = default;
+  /// A new controller with its outlets and actions connected and this storyboard as its own; null
+  /// when no scene has this identifier. A scene that lacks an outlet or an action of its controller
+  /// ends the program, naming it.
+  virtual std::shared_ptr<UIViewController> instantiateViewController(
+      const std::string& identifier) = 0;
+};
+
+}  // namespace platform
