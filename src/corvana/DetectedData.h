@@ -12,8 +12,8 @@ namespace corvana {
 
 enum class DocumentSide { front, back };
 
-/// The machine-readable zone of a card: its lines as read, check digits verified. Two are equal when
-/// every line is.
+/// The machine-readable zone of a card: its lines as read, check digits verified. Two are equal
+/// when every line is.
 struct MRZResult {
   /// Upper case, digits and '<'; three lines of 30 (TD1), two of 36 (TD2) or two of 44 (TD3).
   std::vector<std::string> lines;

@@ -10,8 +10,8 @@
 
 namespace corvana {
 
-/// Bilinear scaling with half-pixel centres: the centre of the first output pixel lies at the centre
-/// of the area that it stands for. No low-pass: what the face model was measured with.
+/// Bilinear scaling with half-pixel centres: the centre of the first output pixel lies at the
+/// centre of the area that it stands for. No low-pass: what the face model was measured with.
 class MetalBilinearScaler {
  public:
   /// `pixels` is RGB, three bytes a pixel, rows from the top.

@@ -31,9 +31,9 @@ class VideoCaptureDelegate : public SelfieCaptureDelegate, public IDCaptureDeleg
                              const platform::CGSize& fullSize, VideoCaptureMode mode) = 0;
 };
 
-/// The recorder: writes the film, watches the live face, and runs selfie and document capture on the
-/// camera's frames. docs/host-contract.md says what it owes its delegate. Main queue, except for the
-/// frames.
+/// The recorder: writes the film, watches the live face, and runs selfie and document capture on
+/// the camera's frames. docs/host-contract.md says what it owes its delegate. Main queue, except
+/// for the frames.
 class VideoCapture : public CaptureSessionDelegate {
  public:
   struct Options {

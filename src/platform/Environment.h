@@ -49,7 +49,7 @@ struct Environment {
   SystemSounds& systemSounds;
   corvana::HostFactories& host;
   UIScreen mainScreen;
-  AnimationPlayer* animations = nullptr;         ///< null: only final states are shown
+  AnimationPlayer* animations = nullptr;          ///< null: only final states are shown
   PresentationObserver* presentations = nullptr;  ///< null: nobody watches the stack of screens
 };
 
