@@ -13,8 +13,9 @@
 #include "platform/media/SystemSounds.h"
 
 namespace corvana {
+class DecisionObserver;
 class HostFactories;
-}
+}  // namespace corvana
 
 namespace platform {
 
@@ -49,8 +50,9 @@ struct Environment {
   SystemSounds& systemSounds;
   corvana::HostFactories& host;
   UIScreen mainScreen;
-  AnimationPlayer* animations = nullptr;          ///< null: only final states are shown
-  PresentationObserver* presentations = nullptr;  ///< null: nobody watches the stack of screens
+  AnimationPlayer* animations = nullptr;           ///< null: only final states are shown
+  PresentationObserver* presentations = nullptr;   ///< null: nobody watches the stack of screens
+  corvana::DecisionObserver* decisions = nullptr;  ///< null: no record of the run is kept
 };
 
 }  // namespace platform
