@@ -54,7 +54,11 @@ class IDCaptureDelegate {
 /// Tables of document capture: one writer, before the entry.
 struct IDCapture {
   struct Options {
+    /// Analyse the camera picture at its full size instead of at most 1280 pixels a side.
     bool capture4K = false;
+    /// Seconds from the accepted selfie until cards that were not accepted time out, both sides
+    /// together.
+    double timeOutSeconds = 30;
   };
   struct Strings {
     std::string captureFront = "Show the Front of Your ID";

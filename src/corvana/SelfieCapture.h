@@ -46,7 +46,10 @@ class SelfieCaptureDelegate {
 /// Tables of selfie capture: one writer, before the entry.
 struct SelfieCapture {
   struct Options {
+    /// Analyse the camera picture at its full size instead of at most 1280 pixels a side.
     bool capture4K = false;
+    /// Seconds from the start of a run until an unaccepted selfie times out.
+    double timeOutSeconds = 20;
   };
   struct Strings {
     std::string captureSelfie = "Take a Selfie";

@@ -49,6 +49,9 @@ class VideoCapture : public CaptureSessionDelegate {
     int readTextCountdownSeconds = 20;
     /// Least share of the text's words that must be heard.
     float readTextWordMatchThreshold = 0.6F;
+    /// Seconds that the live face may be out of sight once the selfie was accepted. A hand that
+    /// turns a card over passes before the face for less than one.
+    double liveFaceLostSeconds = 2;
     bool isDebugMode = false;
   };
   struct Strings {

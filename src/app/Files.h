@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+#include <nlohmann/json.hpp>
+#include <tl/expected.hpp>
+
+/// Files and folders with errors of one sentence: what, where, what to do.
+namespace app {
+
+template <class T>
+using Expected = tl::expected<T, std::string>;
+
+/// Refuses folders, missing files and files of more than `maxBytes`.
+Expected<std::string> readFile(const std::filesystem::path& path, std::uint64_t maxBytes);
+
+/// Replaces the file as a whole, or not at all; readable by its owner only.
+Expected<void> writeFile(const std::filesystem::path& path, const std::string& content);
+
+/// Parses JSON text; refuses what is nested deeper than 64 levels.
+Expected<nlohmann::json> parseJson(const std::string& text, const std::string& name);
+
+/// Lower-case hexadecimal SHA-256 of the file's bytes.
+Expected<std::string> sha256(const std::filesystem::path& path);
+
+/// Makes the folder for its owner only, or takes an existing one that is empty and writable.
+Expected<void> makeEmptyFolder(const std::filesystem::path& path);
+
+}  // namespace app

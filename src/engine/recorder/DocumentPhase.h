@@ -1,0 +1,41 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "corvana/IDCapture.h"
+#include "engine/recorder/FrameAnalyzer.h"
+
+namespace engine {
+
+/// Turns what is seen frame by frame into the states of document capture. For each side the order
+/// is detectingBox, detectedBox, classifiedDocument, success; a card is classified before each
+/// success, and success comes at most twice a second. Pure.
+class DocumentPhase {
+ public:
+  std::vector<corvana::IDCaptureState> judge(const DocumentView& view, platform::TimePoint now);
+  /// What was read last; empty when nothing was.
+  const corvana::DetectedData& last() const { return last_; }
+
+  static constexpr platform::Duration kSuccessInterval = std::chrono::milliseconds(500);
+  /// How long a card may be out of sight before the user is told to show it: a hand's tremor hides
+  /// its outline for a frame or two.
+  static constexpr platform::Duration kPatience = std::chrono::milliseconds(400);
+
+ private:
+  std::optional<corvana::IDCaptureState> outlineState(const DocumentView& view,
+                                                      platform::TimePoint now);
+  void read(const corvana::DetectedData& data, platform::TimePoint now,
+            std::vector<corvana::IDCaptureState>& states);
+
+  std::optional<DocumentView::Verdict> reported_;
+  std::optional<DocumentView::Verdict> pending_;
+  platform::TimePoint pendingSince_;
+  std::optional<platform::TimePoint> lastSuccess_;
+  corvana::DetectedData last_;
+};
+
+/// Everything that such a card must carry was found on it.
+bool isComplete(const corvana::DetectedData& data);
+
+}  // namespace engine

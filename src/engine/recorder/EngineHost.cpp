@@ -1,0 +1,30 @@
+#include "engine/recorder/EngineHost.h"
+
+#include "engine/recorder/Recorder.h"
+
+namespace engine {
+
+std::shared_ptr<corvana::CaptureSession> EngineHost::makeCaptureSession(corvana::CameraPosition) {
+  auto session = corvana::CaptureSession::make(
+      setup_.loop, setup_.mediaDevices.defaultDevice(platform::AVMediaType::video));
+  captureSession_ = session;
+  return session;
+}
+
+std::shared_ptr<corvana::VideoCapture> EngineHost::makeVideoCapture(
+    const platform::CGRect& selfieOverlayFrame, const platform::CGRect& idOverlayFrame,
+    const std::optional<platform::WriterSettings>& videoSettings,
+    const std::optional<platform::WriterSettings>& audioSettings) {
+  auto film = Film::make(setup_.loop, setup_.assetWriterFactory,
+                         {setup_.folder, setup_.keepFailedRuns, videoSettings, audioSettings});
+  if (!film) {
+    fault_ = film.error();
+    return nullptr;
+  }
+  film_ = std::move(*film);
+  return Recorder::make({setup_.loop, setup_.notificationCenter, setup_.analyzer,
+                         setup_.speechRecognizer, film_, captureSession_, selfieOverlayFrame,
+                         idOverlayFrame, setup_.screenSize, setup_.observer});
+}
+
+}  // namespace engine

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "corvana/HostFactories.h"
+#include "engine/recorder/Film.h"
+#include "engine/recorder/FrameAnalyzer.h"
+#include "engine/recorder/RecorderObserver.h"
+#include "platform/foundation/NotificationCenter.h"
+
+namespace engine {
+
+/// The reference host: recorders that see, read and hear for themselves. Main queue; one flow at a
+/// time, since films of one folder share their names.
+class EngineHost final : public corvana::HostFactories {
+ public:
+  struct Setup {
+    platform::RunLoop& loop;
+    platform::NotificationCenter& notificationCenter;
+    platform::MediaDevices& mediaDevices;
+    platform::AssetWriterFactory& assetWriterFactory;
+    std::shared_ptr<FrameAnalyzer> analyzer;
+    /// Null when the host has none.
+    std::shared_ptr<corvana::SpeechRecognizer> speechRecognizer;
+    /// Folder of the run.
+    std::filesystem::path folder;
+    bool keepFailedRuns = false;
+    platform::CGSize screenSize;
+    RecorderObserver* observer = nullptr;
+  };
+
+  explicit EngineHost(Setup setup) : setup_(std::move(setup)) {}
+
+  std::shared_ptr<corvana::CaptureSession> makeCaptureSession(
+      corvana::CameraPosition position) override;
+  std::shared_ptr<corvana::VideoCapture> makeVideoCapture(
+      const platform::CGRect& selfieOverlayFrame, const platform::CGRect& idOverlayFrame,
+      const std::optional<platform::WriterSettings>& videoSettings,
+      const std::optional<platform::WriterSettings>& audioSettings) override;
+
+  /// Why the last recorder could not be made; one sentence.
+  const std::optional<std::string>& fault() const { return fault_; }
+  /// Of the last recorder; null before. It outlives the recorder, so that its end can be awaited.
+  const std::shared_ptr<Film>& film() const { return film_; }
+
+ private:
+  Setup setup_;
+  std::weak_ptr<corvana::CaptureSession> captureSession_;
+  std::shared_ptr<Film> film_;
+  std::optional<std::string> fault_;
+};
+
+}  // namespace engine

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "corvana/CaptureSession.h"
+#include "corvana/DetectedData.h"
+#include "corvana/Selfie.h"
+#include "corvana/VideoCapture.h"
+#include "platform/foundation/Time.h"
+#include "platform/geometry/Geometry.h"
+#include "platform/media/SampleBuffer.h"
+
+namespace engine {
+
+/// What to look for in a frame.
+struct AnalysisTask {
+  /// Counts the runs of a flow: an observation of a run that is over is dropped.
+  int run = 0;
+  corvana::VideoCaptureMode mode = corvana::VideoCaptureMode::selfieCapture;
+  corvana::CaptureMode captureMode = corvana::CaptureMode::standard;
+  /// Overlay frames on the screen, in points, and the screen's size.
+  platform::CGRect selfieOverlayFrame;
+  platform::CGRect idOverlayFrame;
+  platform::CGSize screenSize;
+};
+
+/// A frame seen as a selfie.
+struct SelfieView {
+  enum class Verdict { noFace, multipleFaces, moveCloser, moveAway, alignFace, issue, good };
+  Verdict verdict = Verdict::noFace;
+  std::string issue;  ///< with `Verdict::issue`
+  /// The frame and its face crop, with `Verdict::good`.
+  std::optional<corvana::Selfie> selfie;
+  double sharpness = 0;  ///< of the face; comparable between frames of a run
+  float leftEyeOpen = 0;
+  float rightEyeOpen = 0;
+  float livenessScore = 0;
+};
+
+/// A frame seen as a picture of a card.
+struct DocumentView {
+  enum class Verdict { none, moveCloser, moveAway, alignRectangle, tooMuchGlare, found };
+  Verdict verdict = Verdict::none;
+  /// Bounding box of the card, in the analysed picture.
+  std::optional<platform::CGRect> location;
+  /// What was read, when this frame was read.
+  std::optional<corvana::DetectedData> reading;
+};
+
+/// What one frame shows.
+struct Observation {
+  AnalysisTask task;
+  platform::TimePoint frameTime;
+  platform::CGSize fullSize;  ///< of the analysed picture, pixels
+  /// The live face; absent when it is not seen in this frame.
+  std::optional<platform::CGRect> liveFace;
+  platform::Duration liveFaceLostFor{};
+  std::optional<SelfieView> selfie;      ///< in the selfie mode
+  std::optional<DocumentView> document;  ///< in the document mode
+};
+
+/// Looks at frames, one at a time, on one queue. It remembers what it needs to follow the live face
+/// and to choose the frames worth reading; the judgement over time is the recorder's.
+class FrameAnalyzer {
+ public:
+  virtual ~FrameAnalyzer() = default;
+  virtual Observation analyze(const platform::CMSampleBufferRef& frame,
+                              const AnalysisTask& task) = 0;
+};
+
+}  // namespace engine

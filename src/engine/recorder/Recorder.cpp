@@ -1,0 +1,232 @@
+#include "engine/recorder/Recorder.h"
+
+#include <utility>
+
+#include "corvana/Notifications.h"
+#include "engine/recorder/StateEvents.h"
+
+namespace engine {
+
+using corvana::IDCapture;
+using corvana::IDCaptureState;
+using corvana::SelfieCapture;
+using corvana::SelfieCaptureState;
+using corvana::VideoCaptureMode;
+using platform::CMSampleBuffer;
+using platform::CMSampleBufferRef;
+using Kind = RecorderEvent::Kind;
+
+const char* nameOf(VideoCaptureMode mode) {
+  switch (mode) {
+    case VideoCaptureMode::selfieCapture:
+      return "selfieCapture";
+    case VideoCaptureMode::idCapture:
+      return "idCapture";
+    case VideoCaptureMode::readingText:
+      return "readingText";
+    case VideoCaptureMode::liveFaceLost:
+      return "liveFaceLost";
+  }
+  return "";
+}
+
+std::shared_ptr<Recorder> Recorder::make(Setup setup) {
+  std::shared_ptr<Recorder> recorder(new Recorder(std::move(setup)));
+  recorder->analysisQueue_ = recorder->setup_.loop.makeSerialQueue("AnalysisQueue");
+  recorder->active_ = true;
+  recorder->enter(VideoCaptureMode::selfieCapture);
+  return recorder;
+}
+
+Recorder::~Recorder() {
+  if (timeOut_) timeOut_->invalidate();
+  setup_.film->abandon();
+}
+
+void Recorder::setDelegate(std::weak_ptr<corvana::VideoCaptureDelegate> delegate) {
+  delegate_ = std::move(delegate);
+}
+
+void Recorder::publishTask() {
+  AnalysisTask task;
+  task.run = run_;
+  task.mode = mode_;
+  task.selfieOverlayFrame = setup_.selfieOverlayFrame;
+  task.idOverlayFrame = setup_.idOverlayFrame;
+  task.screenSize = setup_.screenSize;
+  const std::lock_guard lock(taskMutex_);
+  task_ = active_ ? std::optional(task) : std::nullopt;
+}
+
+void Recorder::enter(VideoCaptureMode mode) {
+  mode_ = mode;
+  selfie_ = {};
+  document_ = {};
+  publishTask();
+  startTimeOut();
+  note({Kind::mode, nameOf(mode), {}});
+}
+
+void Recorder::setMode(VideoCaptureMode mode) {
+  if (mode != mode_) enter(mode);
+}
+
+void Recorder::startTimeOut() {
+  if (timeOut_) timeOut_->invalidate();
+  timeOut_.reset();
+  double limit = 0;
+  if (mode_ == VideoCaptureMode::selfieCapture) limit = SelfieCapture::options.timeOutSeconds;
+  if (mode_ == VideoCaptureMode::idCapture) limit = IDCapture::options.timeOutSeconds;
+  if (!active_ || limit <= 0) return;
+  timeOut_ = setup_.loop.scheduledTimer(platform::seconds(limit), false, [weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->timedOut();
+  });
+}
+
+void Recorder::timedOut() {
+  if (!active_) return;
+  pause();
+  if (mode_ == VideoCaptureMode::selfieCapture) {
+    report(SelfieCaptureState{SelfieCaptureState::TimedOut{selfie_.best()}});
+  } else {
+    report(IDCaptureState{IDCaptureState::TimedOut{document_.last()}});
+  }
+}
+
+void Recorder::pause() {
+  active_ = false;
+  if (timeOut_) timeOut_->invalidate();
+  publishTask();
+}
+
+void Recorder::stopVideoWriter(StopCompletion completion) {
+  note({Kind::call, "stopVideoWriter", {}});
+  pause();
+  setup_.film->stop(std::move(completion));
+}
+
+void Recorder::retry() {
+  note({Kind::call, "retry", {}});
+  ++run_;
+  active_ = true;
+  liveFaceInSight_ = false;
+  setup_.film->restart();
+  enter(VideoCaptureMode::selfieCapture);
+  if (setup_.speechRecognizer) setup_.speechRecognizer->start();
+}
+
+void Recorder::typeMismatch() {
+  note({Kind::call, "typeMismatch", {}});
+}
+
+std::optional<AnalysisTask> Recorder::taskFor(const CMSampleBuffer& sample) {
+  if (nextAnalysis_ && sample.presentationTime < *nextAnalysis_) return {};
+  if (analyzing_) return {};
+  std::optional<AnalysisTask> task;
+  {
+    const std::lock_guard lock(taskMutex_);
+    task = task_;
+  }
+  if (!task) return {};
+  if (const auto session = setup_.captureSession.lock()) task->captureMode = session->captureMode();
+  nextAnalysis_ = sample.presentationTime + kAnalysisInterval;
+  return task;
+}
+
+void Recorder::capturedVideo(const CMSampleBufferRef& sample) {
+  setup_.film->writeVideo(sample);
+  const auto task = taskFor(*sample);
+  if (!task) return;
+  const auto deliver = [weak = weak_from_this()](const Observation& observation) {
+    if (const auto self = weak.lock()) self->observe(observation);
+  };
+  if (setup_.loop.isVirtual()) {
+    setup_.loop.mainQueue().asyncAfter(
+        kVirtualLatency,
+        [deliver, observation = setup_.analyzer->analyze(sample, *task)] { deliver(observation); });
+    return;
+  }
+  analyzing_ = true;
+  analysisQueue_->async([weak = weak_from_this(), analyzer = setup_.analyzer, sample, task, deliver,
+                         &loop = setup_.loop] {
+    auto observation = std::make_shared<Observation>(analyzer->analyze(sample, *task));
+    loop.mainQueue().async([deliver, observation] { deliver(*observation); });
+    if (auto self = weak.lock()) {
+      self->analyzing_ = false;
+      platform::releaseOnMain(loop, std::move(self));
+    }
+  });
+}
+
+void Recorder::observe(const Observation& observation) {
+  if (!active_ || observation.task.run != run_) return;
+  watchLiveFace(observation);
+  if (!active_ || observation.task.mode != mode_) return;
+  if (corvana::VideoCapture::options.isDebugMode) postDebugData(observation);
+  const auto now = setup_.loop.now();
+  if (observation.selfie) {
+    for (const auto& state : selfie_.judge(*observation.selfie, now))
+      report(state);
+  }
+  if (observation.document) {
+    for (const auto& state : document_.judge(*observation.document, now))
+      report(state);
+  }
+}
+
+void Recorder::watchLiveFace(const Observation& observation) {
+  const auto delegate = delegate_.lock();
+  if (observation.liveFace) {
+    if (!std::exchange(liveFaceInSight_, true)) note({Kind::liveFace, "found", {}});
+    if (delegate) delegate->foundLiveFace(observation.liveFace, observation.fullSize, mode_);
+    return;
+  }
+  // Before a selfie is accepted an empty oval is no loss: the user is only told to look into it.
+  if (mode_ == VideoCaptureMode::selfieCapture) return;
+  const double lostFor = platform::inSeconds(observation.liveFaceLostFor);
+  if (lostFor <= corvana::VideoCapture::options.liveFaceLostSeconds) return;
+  pause();
+  mode_ = VideoCaptureMode::liveFaceLost;
+  liveFaceInSight_ = false;
+  note({Kind::liveFace, "lost", {{"seconds", lostFor}}});
+  if (delegate) delegate->foundLiveFace({}, observation.fullSize, mode_);
+}
+
+void Recorder::report(const SelfieCaptureState& state) {
+  note(eventOf(state));
+  if (const auto delegate = delegate_.lock()) delegate->update(state);
+}
+
+void Recorder::report(const IDCaptureState& state) {
+  note(eventOf(state));
+  if (const auto delegate = delegate_.lock()) delegate->update(state);
+}
+
+void Recorder::postDebugData(const Observation& observation) {
+  platform::Notification notification;
+  auto userInfo = std::make_shared<std::map<std::string, std::any>>();
+  if (observation.selfie) {
+    notification.name = corvana::kSelfieCaptureDebugData;
+    if (observation.liveFace) (*userInfo)["faceRect"] = *observation.liveFace;
+    (*userInfo)["fullSize"] = observation.fullSize;
+    (*userInfo)["faceLivenessScore"] = observation.selfie->livenessScore;
+    (*userInfo)["leftEyeOpenProbability"] = observation.selfie->leftEyeOpen;
+    (*userInfo)["rightEyeOpenProbability"] = observation.selfie->rightEyeOpen;
+  } else if (observation.document && observation.document->location) {
+    notification.name = corvana::kIDCaptureDebugData;
+    corvana::DebugData data;
+    data.fullSize = observation.fullSize;
+    data.documentLocation = *observation.document->location;
+    (*userInfo)["debugData"] = data;
+  } else {
+    return;
+  }
+  notification.userInfo = std::move(userInfo);
+  setup_.notificationCenter.post(notification);
+}
+
+void Recorder::note(RecorderEvent event) {
+  if (setup_.observer) setup_.observer->happened(event);
+}
+
+}  // namespace engine

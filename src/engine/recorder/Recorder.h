@@ -1,0 +1,97 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+#include "corvana/HostFactories.h"
+#include "corvana/VideoCapture.h"
+#include "engine/recorder/DocumentPhase.h"
+#include "engine/recorder/Film.h"
+#include "engine/recorder/FrameAnalyzer.h"
+#include "engine/recorder/RecorderObserver.h"
+#include "engine/recorder/SelfiePhase.h"
+#include "platform/foundation/NotificationCenter.h"
+
+namespace engine {
+
+/// The reference host's recorder. Frames come on the capture queue: each goes to the film, ten a
+/// second are analysed on a queue of their own. What was seen is judged on the main queue, which
+/// alone holds the state of the flow.
+class Recorder final : public corvana::VideoCapture, public std::enable_shared_from_this<Recorder> {
+ public:
+  struct Setup {
+    platform::RunLoop& loop;
+    platform::NotificationCenter& notificationCenter;
+    std::shared_ptr<FrameAnalyzer> analyzer;
+    /// Null when the host has none.
+    std::shared_ptr<corvana::SpeechRecognizer> speechRecognizer;
+    std::shared_ptr<Film> film;
+    std::weak_ptr<corvana::CaptureSession> captureSession;
+    platform::CGRect selfieOverlayFrame;
+    platform::CGRect idOverlayFrame;
+    platform::CGSize screenSize;
+    RecorderObserver* observer = nullptr;
+  };
+
+  static std::shared_ptr<Recorder> make(Setup setup);
+  ~Recorder() override;
+
+  void setDelegate(std::weak_ptr<corvana::VideoCaptureDelegate> delegate) override;
+  corvana::SpeechRecognizer* speechRecognizer() override { return setup_.speechRecognizer.get(); }
+  corvana::VideoWriter& videoWriter() override { return *setup_.film; }
+  corvana::VideoCaptureMode mode() const override { return mode_; }
+  void setMode(corvana::VideoCaptureMode mode) override;
+  void stopVideoWriter(StopCompletion completion) override;
+  void retry() override;
+  void typeMismatch() override;
+  void capturedVideo(const platform::CMSampleBufferRef& sampleBuffer) override;
+
+  static constexpr platform::Duration kAnalysisInterval = std::chrono::milliseconds(100);
+  /// In virtual time an observation arrives this long after its frame, about as late as on the wall
+  /// clock of the machines that this was built on.
+  static constexpr platform::Duration kVirtualLatency = std::chrono::milliseconds(60);
+
+ private:
+  explicit Recorder(Setup setup) : setup_(std::move(setup)) {}
+
+  std::optional<AnalysisTask> taskFor(const platform::CMSampleBuffer& sample);
+  void publishTask();
+  void enter(corvana::VideoCaptureMode mode);
+  void startTimeOut();
+  void timedOut();
+  void pause();
+
+  void observe(const Observation& observation);
+  void watchLiveFace(const Observation& observation);
+  void report(const corvana::SelfieCaptureState& state);
+  void report(const corvana::IDCaptureState& state);
+  void postDebugData(const Observation& observation);
+  void note(RecorderEvent event);
+
+  Setup setup_;
+
+  // Main queue.
+  std::weak_ptr<corvana::VideoCaptureDelegate> delegate_;
+  corvana::VideoCaptureMode mode_ = corvana::VideoCaptureMode::selfieCapture;
+  int run_ = 0;
+  bool active_ = false;  ///< false from an end of a run to `retry()`: nothing is reported
+  bool liveFaceInSight_ = false;
+  SelfiePhase selfie_;
+  DocumentPhase document_;
+  std::shared_ptr<platform::Timer> timeOut_;
+
+  // Capture queue.
+  std::optional<platform::TimePoint> nextAnalysis_;
+
+  std::shared_ptr<platform::DispatchQueue> analysisQueue_;
+  std::atomic<bool> analyzing_ = false;
+  std::mutex taskMutex_;
+  std::optional<AnalysisTask> task_;  ///< guarded by taskMutex_; absent while nothing is reported
+};
+
+/// "selfieCapture", "idCapture", "readingText", "liveFaceLost".
+const char* nameOf(corvana::VideoCaptureMode mode);
+
+}  // namespace engine

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace engine {
+
+/// Something that the recorder reported, or that was asked of it.
+struct RecorderEvent {
+  enum class Kind {
+    state,     ///< a state of selfie or document capture, by its name
+    liveFace,  ///< "found" or "lost"
+    mode,      ///< the new mode, by its name
+    call,      ///< "stopVideoWriter", "retry", "typeMismatch"
+  };
+  using Detail = std::pair<std::string, std::variant<double, bool, std::string>>;
+
+  Kind kind;
+  std::string name;
+  /// Measurements; nothing that identifies a person.
+  std::vector<Detail> details;
+};
+
+/// Hears all that passes between recorder and screen, on the main queue, before the screen does.
+class RecorderObserver {
+ public:
+  virtual ~RecorderObserver() = default;
+  virtual void happened(const RecorderEvent& event) = 0;
+};
+
+}  // namespace engine
