@@ -41,8 +41,11 @@ std::optional<WriterSettings> AVCaptureVideoDataOutput::recommendedVideoSettings
 
 std::optional<WriterSettings> AVCaptureAudioDataOutput::recommendedAudioSettingsForAssetWriter(
     const AVFileType& fileType) const {
-  WriterSettings settings;
-  if (!device() || !device()->recommendedAudioSettings(fileType, settings)) return {};
+  WriterSettings settings{{kAVFormatIDKey, std::string("aac ")},
+                          {kAVSampleRateKey, 48000},
+                          {kAVNumberOfChannelsKey, 1},
+                          {kAVEncoderBitRateKey, 96000}};
+  if (device() && !device()->recommendedAudioSettings(fileType, settings)) return {};
   return settings;
 }
 

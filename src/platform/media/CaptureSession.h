@@ -59,7 +59,8 @@ class AVCaptureVideoDataOutput final : public AVCaptureOutput {
 class AVCaptureAudioDataOutput final : public AVCaptureOutput {
  public:
   explicit AVCaptureAudioDataOutput(RunLoop& loop) : AVCaptureOutput(loop, AVMediaType::audio) {}
-  /// Absent when the output has none, as before it was added to a session with a microphone.
+  /// Absent when the microphone recommends none. Without a microphone (none there, or not allowed)
+  /// the field's usual settings: the film then has a track of silence.
   std::optional<WriterSettings> recommendedAudioSettingsForAssetWriter(
       const AVFileType& fileType) const;
 };
