@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <vector>
+
+#include "platform/media/SampleBuffer.h"
+
+namespace devices {
+
+/// The film's sound track before it is encoded: microphone buffers are laid on the film's time line
+/// by their presentation time, to the sample, and digital silence stands wherever there is none.
+///
+/// The muxer waits for both tracks, so the sound must follow the picture: what the microphone has
+/// not delivered `kPatience` after its time is silence, and comes too late after that. Not thread
+/// safe.
+class AudioTimeline {
+ public:
+  static constexpr platform::Duration kPatience = std::chrono::milliseconds(100);
+  /// Sound that runs ahead of the picture by more than this is left out.
+  static constexpr platform::Duration kAheadLimit = std::chrono::seconds(30);
+
+  AudioTimeline(int sampleRate, int channels) : sampleRate_(sampleRate), channels_(channels) {}
+
+  /// The instant of the film's first frame; sound before it is left out.
+  void begin(platform::TimePoint origin);
+  void add(const platform::CMSampleBuffer& buffer);
+
+  /// The samples (interleaved) that follow those taken before, up to the film time `pictureEnd`:
+  /// sound as far as there is any, silence as far as nothing can come any more.
+  std::vector<std::int16_t> take(platform::Duration pictureEnd);
+  /// The rest, up to `frames` sample frames from the film's beginning.
+  std::vector<std::int16_t> takeRest(std::int64_t frames);
+
+  /// Sample frames taken so far.
+  std::int64_t position() const { return position_; }
+  double secondsOfSilenceAtStart() const;
+  std::int64_t framesIn(platform::Duration time) const;
+
+ private:
+  struct Run {
+    std::int64_t start;
+    std::vector<std::int16_t> samples;
+  };
+
+  void place(const platform::CMSampleBuffer& buffer);
+  void takeSilence(std::int64_t end, std::vector<std::int16_t>& out);
+  void takeSound(std::int64_t end, std::vector<std::int16_t>& out);
+  std::int64_t framesOf(const Run& run) const;
+
+  const int sampleRate_;
+  const int channels_;
+  bool begun_ = false;
+  platform::TimePoint origin_{};
+  std::deque<platform::CMSampleBuffer> early_;  ///< came before the first frame
+  std::deque<Run> runs_;                        ///< in order, without overlap, from `position_` on
+  std::int64_t position_ = 0;
+  std::int64_t silenceAtStart_ = 0;
+  bool heard_ = false;
+};
+
+}  // namespace devices

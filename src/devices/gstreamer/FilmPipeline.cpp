@@ -1,0 +1,271 @@
+#include "devices/gstreamer/FilmPipeline.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstring>
+#include <mutex>
+#include <utility>
+
+#include <gst/app/gstappsrc.h>
+#include <gst/audio/audio.h>
+#include <gst/video/video.h>
+
+namespace devices {
+namespace {
+
+/// Far more than an encoder needs for what waits in front of it: only a hung one takes so long.
+constexpr auto kAnswerLimit = std::chrono::seconds(60);
+constexpr std::uint64_t kIndexPeriod = 500 * GST_MSECOND;
+/// Index bytes for a second of one track; 30 frames of irregular rate take 400.
+constexpr int kIndexBytesPerSecond = 700;
+/// The usual clock of video: every common frame rate comes out exact.
+constexpr int kVideoTimescale = 90000;
+
+std::string replaced(std::string text, const std::string& mark, int value) {
+  for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark)) {
+    text.replace(at, mark.size(), std::to_string(value));
+  }
+  return text;
+}
+
+GstVideoFormat videoFormat(platform::PixelFormat format) {
+  switch (format) {
+    case platform::PixelFormat::rgb24:
+      return GST_VIDEO_FORMAT_RGB;
+    case platform::PixelFormat::gray8:
+      return GST_VIDEO_FORMAT_GRAY8;
+    case platform::PixelFormat::i420:
+      return GST_VIDEO_FORMAT_I420;
+  }
+  return GST_VIDEO_FORMAT_UNKNOWN;
+}
+
+/// Chroma at half size leaves no room for an odd row or column: the last one is cut off.
+int even(int size) {
+  return size / 2 * 2;
+}
+
+std::string errorSentence(const std::filesystem::path& path, const GError& error) {
+  const std::string film = "The film " + path.string();
+  if (g_error_matches(&error, GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_NO_SPACE_LEFT)) {
+    return film + " can't grow: the disk is full; free some space. What was recorded plays.";
+  }
+  if (error.domain == GST_RESOURCE_ERROR) {
+    return film + " can't be written (" + describe(error) + "): check its folder and disk.";
+  }
+  return film + " can't be encoded: " + describe(error) + ".";
+}
+
+}  // namespace
+
+/// Shared with the streaming threads and with every frame on its way, which may outlive the film.
+struct FilmPipeline::State {
+  std::filesystem::path path;
+  std::mutex mutex;
+  std::condition_variable changed;
+  int framesWaiting = 0;
+  bool ended = false;
+  std::optional<std::string> error;
+
+  void fail(std::string sentence) {
+    const std::lock_guard lock(mutex);
+    if (!error) error = std::move(sentence);
+    changed.notify_all();
+  }
+
+  template <class Condition>
+  void wait(std::unique_lock<std::mutex>& lock, Condition condition) {
+    if (changed.wait_for(lock, kAnswerLimit, [&] { return error || condition(); })) return;
+    error = "The film " + path.string() + " stopped: the encoder does not answer any more.";
+  }
+
+  static GstBusSyncReply onMessage(GstBus*, GstMessage* message, gpointer data) {
+    State& state = **static_cast<std::shared_ptr<State>*>(data);
+    if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
+      GError* raw = nullptr;
+      gst_message_parse_error(message, &raw, nullptr);
+      const GstPtr<GError> error(raw);
+      state.fail(errorSentence(state.path, *error));
+    } else if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS) {
+      const std::lock_guard lock(state.mutex);
+      state.ended = true;
+      state.changed.notify_all();
+    }
+    gst_message_unref(message);
+    return GST_BUS_DROP;
+  }
+
+  static void release(gpointer data) { delete static_cast<std::shared_ptr<State>*>(data); }
+};
+
+namespace {
+
+/// Keeps a frame's memory alive while the encoder reads it, and counts it out.
+template <class State>
+struct FrameHold {
+  platform::PixelBufferRef image;
+  std::shared_ptr<State> state;
+
+  static void release(gpointer data) {
+    const std::unique_ptr<FrameHold> hold(static_cast<FrameHold*>(data));
+    const std::lock_guard lock(hold->state->mutex);
+    --hold->state->framesWaiting;
+    hold->state->changed.notify_all();
+  }
+};
+
+void describePlanes(GstBuffer* buffer, const platform::PixelBuffer& image) {
+  gsize offsets[GST_VIDEO_MAX_PLANES] = {};
+  gint strides[GST_VIDEO_MAX_PLANES] = {};
+  for (int plane = 0; plane < image.planeCount(); ++plane) {
+    offsets[plane] = static_cast<gsize>(image.plane(plane) - image.bytes().data());
+    strides[plane] = image.stride(plane);
+  }
+  gst_buffer_add_video_meta_full(buffer, GST_VIDEO_FRAME_FLAG_NONE, videoFormat(image.format()),
+                                 static_cast<guint>(even(image.width())),
+                                 static_cast<guint>(even(image.height())),
+                                 static_cast<guint>(image.planeCount()), offsets, strides);
+}
+
+}  // namespace
+
+std::string FilmPipeline::launchLine(const FilmFormat& format) {
+  const std::string source = " format=time max-bytes=0 max-buffers=0 max-time=0 ! ";
+  std::string settings = replaced(format.videoEncoder.settings, "%b", format.videoBitRate / 1000);
+  settings = replaced(settings, "%B", format.videoBitRate);
+  settings = replaced(settings, "%k", format.keyFrameInterval);
+  std::string line =
+      "mp4mux name=mux reserved-bytes-per-sec=" + std::to_string(kIndexBytesPerSecond) +
+      " ! filesink name=file buffer-mode=unbuffered sync=false async=false"
+      " appsrc name=video" +
+      source + "videoconvert ! " + format.videoEncoder.element + " " + settings + " ! mux.video_0";
+  if (!format.hasAudio) return line;
+  return line + " appsrc name=audio" + source + "audioconvert ! " + format.audioEncoder.element +
+         " bitrate=" + std::to_string(format.audioBitRate) + " ! mux.audio_0";
+}
+
+FilmPipeline::FilmPipeline(const FilmFormat& format)
+    : format_(format), state_(std::make_shared<State>()), pipeline_(launch(launchLine(format))) {
+  state_->path = format.path;
+}
+
+FilmPipeline::~FilmPipeline() {
+  if (pipeline_) gst_element_set_state(pipeline_.get(), GST_STATE_NULL);
+}
+
+void FilmPipeline::configureSources() {
+  video_ = child(pipeline_, "video");
+  GstVideoInfo video;
+  gst_video_info_set_format(&video, videoFormat(format_.pixelFormat),
+                            static_cast<guint>(even(format_.width)),
+                            static_cast<guint>(even(format_.height)));
+  video.fps_n = format_.framesPerSecond;
+  video.fps_d = 1;
+  if (format_.pixelFormat != platform::PixelFormat::rgb24) {
+    gst_video_colorimetry_from_string(&video.colorimetry, GST_VIDEO_COLORIMETRY_BT601);
+  }
+  const GstPtr<GstCaps> videoCaps(gst_video_info_to_caps(&video));
+  gst_app_src_set_caps(GST_APP_SRC(video_), videoCaps.get());
+  if (!format_.hasAudio) return;
+
+  audio_ = child(pipeline_, "audio");
+  GstAudioInfo audio;
+  gst_audio_info_set_format(&audio, GST_AUDIO_FORMAT_S16, format_.sampleRate, format_.channels,
+                            nullptr);
+  const GstPtr<GstCaps> audioCaps(gst_audio_info_to_caps(&audio));
+  gst_app_src_set_caps(GST_APP_SRC(audio_), audioCaps.get());
+}
+
+tl::expected<std::unique_ptr<FilmPipeline>, std::string> FilmPipeline::start(
+    const FilmFormat& format) {
+  std::unique_ptr<FilmPipeline> film(new FilmPipeline(format));
+  if (!film->pipeline_) {
+    return tl::unexpected("The film " + format.path.string() +
+                          " can't be encoded: elements of GStreamer are missing; install "
+                          "gstreamer1.0-plugins-good, -ugly and gstreamer1.0-libav.");
+  }
+  film->configureSources();
+  GstElement* mux = child(film->pipeline_, "mux");
+  g_object_set(mux, "reserved-max-duration",
+               static_cast<guint64>(clockTime(kLongestFilm + std::chrono::minutes(1))),
+               "reserved-moov-update-period", static_cast<guint64>(kIndexPeriod), nullptr);
+  const GstPtr<GstPad> track(gst_element_get_static_pad(mux, "video_0"));
+  g_object_set(track.get(), "trak-timescale", kVideoTimescale, nullptr);
+  g_object_set(child(film->pipeline_, "file"), "location", format.path.c_str(), nullptr);
+
+  const GstPtr<GstBus> bus(gst_element_get_bus(film->pipeline_.get()));
+  gst_bus_set_sync_handler(bus.get(), &State::onMessage, new std::shared_ptr<State>(film->state_),
+                           &State::release);
+  if (gst_element_set_state(film->pipeline_.get(), GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
+    film->state_->fail("The film " + format.path.string() + " can't be written.");
+    return tl::unexpected(*film->error());
+  }
+  return film;
+}
+
+int FilmPipeline::framesWaiting() const {
+  const std::lock_guard lock(state_->mutex);
+  return state_->framesWaiting;
+}
+
+bool FilmPipeline::waitForRoom(int limit) {
+  std::unique_lock lock(state_->mutex);
+  state_->wait(lock, [&] { return state_->framesWaiting < limit; });
+  return !state_->error;
+}
+
+void FilmPipeline::pushVideo(platform::PixelBufferRef image, platform::Duration time,
+                             platform::Duration duration) {
+  using Hold = FrameHold<State>;
+  {
+    const std::lock_guard lock(state_->mutex);
+    ++state_->framesWaiting;
+  }
+  const platform::PixelBuffer& pixels = *image;
+  auto bytes = const_cast<std::uint8_t*>(pixels.bytes().data());
+  GstBuffer* buffer = gst_buffer_new_wrapped_full(
+      GST_MEMORY_FLAG_READONLY, bytes, pixels.bytes().size(), 0, pixels.bytes().size(),
+      new Hold{std::move(image), state_}, &Hold::release);
+  describePlanes(buffer, pixels);
+  GST_BUFFER_PTS(buffer) = clockTime(time);
+  GST_BUFFER_DURATION(buffer) = clockTime(duration);
+  gst_app_src_push_buffer(GST_APP_SRC(video_), buffer);
+}
+
+void FilmPipeline::pushAudio(const std::vector<std::int16_t>& samples, std::int64_t position) {
+  // The encoder adds a start of its own: leaving that much out keeps sound and picture in step.
+  const auto rate = static_cast<guint64>(format_.sampleRate);
+  const std::int64_t count = static_cast<std::int64_t>(samples.size()) / format_.channels;
+  const std::int64_t skipped =
+      std::clamp<std::int64_t>(format_.audioEncoder.delay - position, 0, count);
+  if (skipped == count) return;
+  const auto bytes =
+      static_cast<gsize>((count - skipped) * format_.channels) * sizeof(std::int16_t);
+  GstBuffer* buffer = gst_buffer_new_memdup(samples.data() + skipped * format_.channels, bytes);
+  const auto first = static_cast<guint64>(position + skipped - format_.audioEncoder.delay);
+  const auto end = static_cast<guint64>(position + count - format_.audioEncoder.delay);
+  GST_BUFFER_PTS(buffer) = gst_util_uint64_scale(first, GST_SECOND, rate);
+  GST_BUFFER_DURATION(buffer) =
+      gst_util_uint64_scale(end, GST_SECOND, rate) - GST_BUFFER_PTS(buffer);
+  gst_app_src_push_buffer(GST_APP_SRC(audio_), buffer);
+}
+
+tl::expected<void, std::string> FilmPipeline::finish() {
+  gst_app_src_end_of_stream(GST_APP_SRC(video_));
+  if (audio_) gst_app_src_end_of_stream(GST_APP_SRC(audio_));
+  {
+    std::unique_lock lock(state_->mutex);
+    state_->wait(lock, [&] { return state_->ended; });
+  }
+  gst_element_set_state(pipeline_.get(), GST_STATE_NULL);
+  if (const auto sentence = error()) return tl::unexpected(*sentence);
+  return {};
+}
+
+std::optional<std::string> FilmPipeline::error() const {
+  const std::lock_guard lock(state_->mutex);
+  return state_->error;
+}
+
+}  // namespace devices

@@ -1,0 +1,103 @@
+#include "devices/gstreamer/MediaElements.h"
+
+#include <algorithm>
+
+#include "devices/gstreamer/GstSupport.h"
+
+namespace devices {
+namespace {
+
+const char* const kBase = "gstreamer1.0-plugins-base";
+const char* const kGood = "gstreamer1.0-plugins-good";
+const char* const kUgly = "gstreamer1.0-plugins-ugly";
+const char* const kLibav = "gstreamer1.0-libav";
+
+struct NeededElement {
+  const char* element;
+  const char* package;
+  const char* purpose;
+};
+
+const NeededElement kNeeded[] = {
+    {"filesrc", "libgstreamer1.0-0", "reading and writing media files"},
+    {"appsrc", kBase, "handing pictures and sound to GStreamer"},
+    {"decodebin", kBase, "reading media files"},
+    {"videoconvert", kBase, "converting pictures"},
+    {"videoscale", kBase, "scaling pictures"},
+    {"audioconvert", kBase, "converting sound"},
+    {"audioresample", kBase, "converting sound"},
+    {"videoflip", kGood, "turning pictures upright"},
+    {"qtdemux", kGood, "reading MP4 files"},
+    {"mp4mux", kGood, "writing the film"},
+    {"jpegdec", kGood, "reading JPEG pictures"},
+    {"jpegenc", kGood, "writing JPEG pictures"},
+    {"pngdec", kGood, "reading PNG pictures"},
+    {"pngenc", kGood, "writing PNG pictures"},
+    {"avdec_h264", kLibav, "reading H.264 video"},
+    {"avdec_aac", kLibav, "reading AAC sound"},
+};
+
+/// Best first. Fixed threads: the same frames give the same bytes whatever the number of cores.
+const VideoEncoder kVideoEncoders[] = {
+    {"vah265enc", platform::kAVVideoCodecTypeHEVC, true,
+     "rate-control=cbr bitrate=%b key-int-max=%k b-frames=0 ! h265parse"},
+    {"vaapih265enc", platform::kAVVideoCodecTypeHEVC, true,
+     "rate-control=cbr bitrate=%b keyframe-period=%k max-bframes=0 ! h265parse"},
+    {"nvh265enc", platform::kAVVideoCodecTypeHEVC, true,
+     "zerolatency=true bitrate=%b gop-size=%k ! h265parse"},
+    {"x265enc", platform::kAVVideoCodecTypeHEVC, false,
+     "speed-preset=ultrafast tune=zerolatency bitrate=%b key-int-max=%k ! h265parse"},
+    {"x264enc", platform::kAVVideoCodecTypeH264, false,
+     "speed-preset=superfast tune=zerolatency threads=2 bitrate=%b key-int-max=%k"},
+    {"openh264enc", platform::kAVVideoCodecTypeH264, false,
+     "complexity=low multi-thread=1 rate-control=bitrate bitrate=%B gop-size=%k ! h264parse"},
+};
+
+/// Delays measured with a click that was encoded and decoded again.
+const AudioEncoder kAudioEncoders[] = {{"avenc_aac", 1024}, {"voaacenc", 1600}};
+
+}  // namespace
+
+bool isElementInstalled(const std::string& element) {
+  initGStreamer();
+  return GstPtr<GstElementFactory>(gst_element_factory_find(element.c_str())) != nullptr;
+}
+
+std::vector<MissingElement> missingElements() {
+  std::vector<MissingElement> missing;
+  for (const NeededElement& needed : kNeeded) {
+    if (isElementInstalled(needed.element)) continue;
+    missing.push_back({needed.element, needed.package, needed.purpose});
+  }
+  if (!encoderFor(platform::kAVVideoCodecTypeH264)) {
+    missing.push_back({"x264enc", kUgly, "encoding the film's pictures"});
+  }
+  if (!aacEncoder()) missing.push_back({"avenc_aac", kLibav, "encoding the film's sound"});
+  return missing;
+}
+
+std::optional<VideoEncoder> encoderFor(const platform::AVVideoCodecType& codec) {
+  for (const VideoEncoder& encoder : kVideoEncoders) {
+    if (encoder.codec == codec && isElementInstalled(encoder.element)) return encoder;
+  }
+  return {};
+}
+
+std::vector<platform::AVVideoCodecType> realTimeVideoCodecs() {
+  std::vector<platform::AVVideoCodecType> codecs;
+  const auto hevc = encoderFor(platform::kAVVideoCodecTypeHEVC);
+  if (hevc && hevc->hardware) codecs.push_back(hevc->codec);
+  if (encoderFor(platform::kAVVideoCodecTypeH264)) {
+    codecs.push_back(platform::kAVVideoCodecTypeH264);
+  }
+  return codecs;
+}
+
+std::optional<AudioEncoder> aacEncoder() {
+  for (const AudioEncoder& encoder : kAudioEncoders) {
+    if (isElementInstalled(encoder.element)) return encoder;
+  }
+  return {};
+}
+
+}  // namespace devices
