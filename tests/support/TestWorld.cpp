@@ -1,0 +1,80 @@
+#include "support/TestWorld.h"
+
+#include <vector>
+
+namespace tests {
+namespace {
+
+constexpr double kVisibleAlpha = 0.01;
+
+}  // namespace
+
+TestWorld::TestWorld()
+    : bundle(CORVANA_TEST_RESOURCES,
+             [this](platform::Environment& env, const std::string& name) {
+               platform::require(name == "VideoCapture", "the tests have one storyboard");
+               storyboard_ = std::make_shared<devices::HeadlessStoryboard>(env, scenes, factories);
+               return storyboard_;
+             }),
+      environment{loop,
+                  bundle,
+                  notificationCenter,
+                  console,
+                  application,
+                  mediaDevices,
+                  speechAuthorization,
+                  sounds,
+                  host,
+                  {devices::kHeadlessScreen}},
+      root(std::make_shared<platform::UIViewController>(environment)),
+      window_(std::make_unique<platform::UIWindow>(root)) {}
+
+TestWorld::~TestWorld() {
+  window_.reset();
+  root.reset();
+}
+
+void TestWorld::advance(double seconds) {
+  loop.advance(platform::seconds(seconds));
+}
+
+void TestWorld::postWillEnterForeground() {
+  notificationCenter.post({platform::kApplicationWillEnterForeground, nullptr});
+}
+
+devices::ScriptedRecorder& TestWorld::recorder() {
+  platform::require(host.recorder() != nullptr, "the test's host has not been asked to record yet");
+  return *host.recorder();
+}
+
+platform::UIView& TestWorld::findAny(const std::string& name) {
+  std::vector<platform::UIViewController*> stack;
+  for (auto* controller = root.get(); controller;
+       controller = controller->presentedViewController())
+    stack.push_back(controller);
+  for (auto controller = stack.rbegin(); controller != stack.rend(); ++controller) {
+    auto* navigation = dynamic_cast<platform::UINavigationController*>(*controller);
+    auto& shown = navigation ? *navigation->rootViewController() : **controller;
+    if (platform::UIView* found = devices::findView(shown.view(), name)) return *found;
+  }
+  platform::fatal("no screen of the test has a view \"" + name + "\"");
+}
+
+platform::NSLayoutConstraint& TestWorld::constraint(const std::string& name) {
+  const auto constraint = storyboard_ ? storyboard_->constraint(name) : nullptr;
+  platform::require(constraint != nullptr, "no screen has a constraint \"" + name + "\"");
+  return *constraint;
+}
+
+std::string TestWorld::text(const std::string& name) {
+  return label(name).text().value_or("");
+}
+
+bool TestWorld::isVisible(const std::string& name) {
+  for (platform::UIView* view = &findAny(name); view; view = view->superview()) {
+    if (view->isHidden() || view->alpha() < kVisibleAlpha) return false;
+  }
+  return true;
+}
+
+}  // namespace tests
