@@ -17,8 +17,8 @@ class TestBundle final : public platform::Bundle {
   using StoryboardMaker = std::function<std::shared_ptr<platform::UIStoryboard>(
       platform::Environment&, const std::string& name)>;
 
-  TestBundle(std::filesystem::path folder, StoryboardMaker makeStoryboard)
-      : folder(std::move(folder)), makeStoryboard_(std::move(makeStoryboard)) {}
+  TestBundle(std::filesystem::path resources, StoryboardMaker makeStoryboard)
+      : folder(std::move(resources)), makeStoryboard_(std::move(makeStoryboard)) {}
 
   std::filesystem::path folder;
   /// Names of images, storyboards and "resource.type" that are not there.
