@@ -1,0 +1,131 @@
+#include "engine/selfie/SelfieAnalyzer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "engine/vision/FaceCrop.h"
+#include "engine/vision/ImageOps.h"
+#include "platform/foundation/Require.h"
+
+namespace engine {
+namespace {
+
+using platform::CGRect;
+using platform::PixelBuffer;
+
+/// A second face must be this sure to hold up a selfie: patterns now and then look like faces.
+constexpr float kOtherPersonScore = 0.75F;
+
+// Limits of a usable face. Low on purpose: they refuse what the matcher cannot use, no more.
+constexpr float kMinPresence = 0.5F;
+constexpr double kMaxYaw = 35;
+constexpr double kMaxPitch = 40;
+constexpr double kMaxRoll = 35;
+constexpr double kMinBrightness = 40;
+constexpr double kMaxBrightness = 235;
+constexpr double kMinSharpness = 8;
+constexpr float kEyesClosed = 0.2F;
+
+double visiblePart(const CGRect& box, const PixelBuffer& frame) {
+  const double width = std::min<double>(box.maxX(), frame.width()) - std::max(box.minX(), 0.0);
+  const double height = std::min<double>(box.maxY(), frame.height()) - std::max(box.minY(), 0.0);
+  return std::max(width, 0.0) * std::max(height, 0.0) / (box.width * box.height);
+}
+
+/// 0 at the oval's centre, 1 on its edge.
+double offCentre(const CGRect& box, const CGRect& oval) {
+  return std::hypot((box.midX() - oval.midX()) / (oval.width / 2),
+                    (box.midY() - oval.midY()) / (oval.height / 2));
+}
+
+bool showsSeveralPeople(std::span<const Face> faces) {
+  return std::ranges::any_of(faces.subspan(1), [&](const Face& face) {
+    return face.size() >= kOtherPersonSize * faces.front().size() &&
+           face.score >= kOtherPersonScore;
+  });
+}
+
+/// `good` when the face is where it belongs.
+SelfieVerdict placeOf(const Face& face, const PixelBuffer& frame, const CGRect& oval) {
+  if (oval.isEmpty()) return SelfieVerdict::alignFace;
+  const double part = face.box.width / oval.width;
+  if (part < kMinFaceOfGuide || face.box.width < kMinFaceWidth) return SelfieVerdict::moveCloser;
+  if (part > kMaxFaceOfGuide) return SelfieVerdict::moveAway;
+  if (offCentre(face.box, oval) > kMaxOffCentre || visiblePart(face.box, frame) < kMinVisible) {
+    return SelfieVerdict::alignFace;
+  }
+  return SelfieVerdict::good;
+}
+
+bool isTurnedAway(const HeadPose& pose) {
+  return std::abs(pose.yaw) > kMaxYaw || std::abs(pose.pitch) > kMaxPitch ||
+         std::abs(pose.roll) > kMaxRoll;
+}
+
+/// Empty when the face is fit for a selfie.
+std::string issueOf(const SelfieJudgement& judgement) {
+  const FaceDetails& details = *judgement.details;
+  const std::pair<bool, const char*> issues[] = {
+      {details.presence < kMinPresence, "Show your whole face"},
+      {judgement.brightness < kMinBrightness, "It is too dark here"},
+      {judgement.brightness > kMaxBrightness, "It is too bright here"},
+      {judgement.sharpness < kMinSharpness, "Hold still, the picture is blurred"},
+      {isTurnedAway(details.pose), "Look straight into the camera"},
+      {std::max(details.leftEyeOpen, details.rightEyeOpen) < kEyesClosed, "Open your eyes"},
+  };
+  for (const auto& [found, message] : issues) {
+    if (found) return message;
+  }
+  return {};
+}
+
+double ramp(double value, double zero, double full) {
+  return std::clamp((value - zero) / (full - zero), 0.0, 1.0);
+}
+
+/// A picture of a picture tends to be softer and paler than a face, and seldom more.
+float passiveLiveness(float presence, double sharpness, double contrast) {
+  return presence * static_cast<float>((ramp(sharpness, kMinSharpness, 150) +  //
+                                        ramp(contrast, 10, 40)) /
+                                       2);
+}
+
+}  // namespace
+
+SelfieAnalyzer::SelfieAnalyzer(std::shared_ptr<FaceDetector> detector,
+                               std::shared_ptr<FaceLandmarks> landmarks)
+    : detector_(std::move(detector)), landmarks_(std::move(landmarks)) {
+  platform::require(detector_ && landmarks_, "SelfieAnalyzer: needs a detector and landmarks");
+}
+
+SelfieJudgement SelfieAnalyzer::analyze(const platform::PixelBufferRef& frame,
+                                        const CGRect& guideInFrame) {
+  SelfieJudgement judgement;
+  const std::vector<Face> faces = detector_->detect(*frame);
+  if (faces.empty()) return judgement;
+
+  const Face& face = faces.front();
+  judgement.face = face;
+  judgement.verdict = showsSeveralPeople(faces) ? SelfieVerdict::multipleFaces
+                                                : placeOf(face, *frame, guideInFrame);
+  if (judgement.verdict != SelfieVerdict::good) return judgement;
+
+  const Luma light = luma(*frame, face.box);
+  judgement.details = landmarks_->locate(*frame, face);
+  judgement.brightness = light.mean;
+  judgement.sharpness = sharpness(*frame, face.box);
+  judgement.passiveLiveness =
+      passiveLiveness(judgement.details->presence, judgement.sharpness, light.deviation);
+  judgement.issueMessage = issueOf(judgement);
+  if (judgement.issueMessage.empty()) {
+    judgement.faceImage = cropFace(*frame, face);
+    if (judgement.faceImage == nullptr) judgement.issueMessage = "Look straight into the camera";
+  }
+  if (judgement.faceImage == nullptr) judgement.verdict = SelfieVerdict::issue;
+  return judgement;
+}
+
+}  // namespace engine
