@@ -1,0 +1,28 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace app {
+
+/// Where the program's resources lie.
+struct Resources {
+  std::filesystem::path module;  ///< of the capture module: facenet.tflite, drawings
+  std::filesystem::path engine;  ///< of the reference host: face detection models
+
+  std::filesystem::path faceModel() const { return module / "facenet.tflite"; }
+  std::filesystem::path faceDetector() const {
+    return engine / "face_detection_short_range.tflite";
+  }
+  std::filesystem::path faceLandmarks() const { return engine / "face_landmark.tflite"; }
+  std::vector<std::filesystem::path> models() const {
+    return {faceModel(), faceDetector(), faceLandmarks()};
+  }
+};
+
+/// The folder named by the environment variable CORVANA_RESOURCES if it is set, else the installed
+/// one beside the program, else the source tree that the program was built from.
+Resources findResources();
+
+}  // namespace app
