@@ -89,8 +89,10 @@ TEST_F(RecorderTest, EachSideIsDetectedAndClassifiedBeforeItSucceeds) {
   world->recorder->setMode(VideoCaptureMode::idCapture);
   world->analyzer->fill = showCard(corvana::DocumentSide::front);
   world->film(0.4);
-  EXPECT_EQ(world->heard, (Names{"detectingBox", "detectedBox", "classifiedDocument", "idSuccess",
-                                 "classifiedDocument", "classifiedDocument"}));
+  ASSERT_GE(world->heard.size(), 4U);
+  EXPECT_EQ(Names(world->heard.begin(), world->heard.begin() + 4),
+            (Names{"detectingBox", "detectedBox", "classifiedDocument", "idSuccess"}));
+  EXPECT_EQ(countHeard("idSuccess"), 1);
   world->heard.clear();
   world->analyzer->fill = showCard(corvana::DocumentSide::back);
   world->film(1);
