@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <tl/expected.hpp>
+
+#include "devices/gstreamer/GstSupport.h"
+#include "devices/gstreamer/MediaProbe.h"
+#include "platform/media/PixelBuffer.h"
+
+namespace devices {
+
+/// One decoded stream of a file, pulled piece by piece; decoding runs a few pieces ahead. No call
+/// takes longer than half a minute. One thread at a time.
+class StreamReader {
+ public:
+  static tl::expected<StreamReader, std::string> open(const std::filesystem::path& path,
+                                                      const std::string& conversion);
+  /// Null at the end of the stream; the error is one sentence.
+  tl::expected<GstPtr<GstSample>, std::string> pull();
+
+  /// The place of a sample on the file's time line; absent when it has none.
+  static std::optional<platform::Duration> timeOf(GstSample* sample);
+
+ private:
+  StreamReader(const std::filesystem::path& path, GstPtr<GstElement> pipeline);
+
+  std::string name_;
+  GstPtr<GstElement> pipeline_;
+  GstElement* sink_ = nullptr;
+};
+
+/// Upright I420 pictures (BT.601, limited range) of one size, in order of strictly growing time.
+class VideoReader {
+ public:
+  struct Picture {
+    platform::PixelBufferRef image;
+    platform::Duration time{};  ///< since the stream's first picture
+  };
+
+  static tl::expected<std::unique_ptr<VideoReader>, std::string> open(
+      const std::filesystem::path& path, const MediaInfo& info);
+  /// Absent at the end.
+  tl::expected<std::optional<Picture>, std::string> next();
+  /// Where the first picture lies on the file's time line.
+  platform::Duration origin() const { return origin_.value_or(platform::Duration::zero()); }
+
+ private:
+  VideoReader(const std::filesystem::path& path, const MediaInfo& info, StreamReader reader);
+  tl::expected<bool, std::string> placePicture(GstSample* sample);
+
+  std::string name_;
+  MediaInfo info_;
+  StreamReader reader_;
+  std::optional<platform::Duration> origin_;
+  std::optional<platform::Duration> last_;
+};
+
+/// A file's sound as 48 kHz mono, read forward by position, silence where there is none.
+class AudioReader {
+ public:
+  static constexpr int kSampleRate = 48000;
+
+  /// `origin` is the instant on the file's time line that counts as position 0.
+  static tl::expected<std::unique_ptr<AudioReader>, std::string> open(
+      const std::filesystem::path& path, platform::Duration origin);
+  /// `count` samples from `position` on, which must not lie before the end of an earlier call.
+  tl::expected<std::vector<std::int16_t>, std::string> read(std::int64_t position,
+                                                            std::int64_t count);
+  bool hasEnded() const { return ended_; }
+
+ private:
+  AudioReader(StreamReader reader, platform::Duration origin);
+  tl::expected<void, std::string> readChunk();
+  std::int64_t chunkEnd() const;
+
+  StreamReader reader_;
+  platform::Duration origin_;
+  std::vector<std::int16_t> chunk_;
+  std::int64_t chunkStart_ = 0;
+  bool started_ = false;
+  bool ended_ = false;
+};
+
+}  // namespace devices
