@@ -2,13 +2,10 @@
 
 #include <vector>
 
+#include "devices/headless/ScreenHub.h"
+#include "devices/headless/ViewSearch.h"
+
 namespace tests {
-namespace {
-
-constexpr double kVisibleAlpha = 0.01;
-
-}  // namespace
-
 TestWorld::TestWorld()
     : bundle(CORVANA_TEST_RESOURCES,
              [this](platform::Environment& env, const std::string& name) {
@@ -53,9 +50,8 @@ platform::UIView& TestWorld::findAny(const std::string& name) {
        controller = controller->presentedViewController())
     stack.push_back(controller);
   for (auto controller = stack.rbegin(); controller != stack.rend(); ++controller) {
-    auto* navigation = dynamic_cast<platform::UINavigationController*>(*controller);
-    auto& shown = navigation ? *navigation->rootViewController() : **controller;
-    if (platform::UIView* found = devices::findView(shown.view(), name)) return *found;
+    platform::UIView& shown = devices::shownBy(**controller).view();
+    if (platform::UIView* found = devices::findView(shown, name)) return *found;
   }
   platform::fatal("no screen of the test has a view \"" + name + "\"");
 }
@@ -71,10 +67,7 @@ std::string TestWorld::text(const std::string& name) {
 }
 
 bool TestWorld::isVisible(const std::string& name) {
-  for (platform::UIView* view = &findAny(name); view; view = view->superview()) {
-    if (view->isHidden() || view->alpha() < kVisibleAlpha) return false;
-  }
-  return true;
+  return devices::isInSight(findAny(name));
 }
 
 }  // namespace tests

@@ -182,12 +182,4 @@ std::shared_ptr<platform::NSLayoutConstraint> HeadlessStoryboard::constraint(
   return entry == constraints_.end() ? nullptr : entry->second.lock();
 }
 
-platform::UIView* findView(platform::UIView& root, const std::string& name) {
-  if (root.name() == name) return &root;
-  for (const auto& view : root.subviews()) {
-    if (UIView* found = findView(*view, name)) return found;
-  }
-  return nullptr;
-}
-
 }  // namespace devices

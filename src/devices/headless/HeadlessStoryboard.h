@@ -31,7 +31,4 @@ class HeadlessStoryboard final : public platform::UIStoryboard {
   std::map<std::string, std::weak_ptr<platform::NSLayoutConstraint>> constraints_;
 };
 
-/// The view of that name in the tree below `root`, or null.
-platform::UIView* findView(platform::UIView& root, const std::string& name);
-
 }  // namespace devices

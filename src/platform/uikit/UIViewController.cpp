@@ -69,10 +69,14 @@ void UIViewController::afterTransition(bool animated, Block block) {
 void UIViewController::present(const std::shared_ptr<UIViewController>& controller, bool animated,
                                Block completion) {
   UIViewController& presenter = outermost();
-  if (presenter.presented_) {
-    environment_.console.print("WARNING: a screen was not presented: another one is being shown");
+  if (presenter.presented_ || presenter.dismissing_) {
+    environment_.console.print(
+        presenter.presented_
+            ? "WARNING: a screen was not presented: another one is being shown"
+            : "WARNING: a screen was not presented: the one below it is going away");
     return;
   }
+  controller->dismissing_ = false;
   presenter.presented_ = controller;
   controller->presenting_ = &presenter;
   controller->view();
@@ -150,6 +154,10 @@ UINavigationController::UINavigationController(Environment& environment,
 
 UINavigationController::~UINavigationController() {
   root_->navigation_ = nullptr;
+}
+
+void UINavigationController::viewDidLoad() {
+  root_->view();
 }
 
 void UINavigationController::tell(Step step, bool animated) {

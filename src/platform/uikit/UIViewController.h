@@ -50,8 +50,8 @@ class UIViewController : public std::enable_shared_from_this<UIViewController> {
   UIModalPresentationStyle modalPresentationStyle() const { return style_; }
   void setModalPresentationStyle(UIModalPresentationStyle style) { style_ = style; }
 
-  /// Refused with a line on the console when this controller already presents another. A full
-  /// screen gives this controller will- and didDisappear; an alert does not.
+  /// Refused with a line on the console when this controller already presents another or has been
+  /// dismissed. A full screen gives this controller will- and didDisappear; an alert does not.
   void present(const std::shared_ptr<UIViewController>& controller, bool animated,
                Block completion = nullptr);
   /// Takes away this controller (with the navigation controller around it) and all above it; of one
@@ -111,6 +111,7 @@ class UINavigationController final : public UIViewController {
   const std::shared_ptr<UIViewController>& rootViewController() const { return root_; }
   bool isNavigationBarHidden() const { return barHidden_; }
   void setNavigationBarHidden(bool hidden) { barHidden_ = hidden; }
+  void viewDidLoad() override;
 
  private:
   void tell(Step step, bool animated) override;

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <tuple>
+
+#include "platform/foundation/RunLoop.h"
+
+namespace devices {
+
+/// Blocks in the order of their due times, waited for on the steady clock. Any thread.
+class BlockTimeline {
+ public:
+  explicit BlockTimeline(std::chrono::steady_clock::time_point origin) : origin_(origin) {}
+
+  std::chrono::steady_clock::time_point origin() const { return origin_; }
+  platform::TimePoint now() const;
+  void post(platform::TimePoint due, platform::EventClass eventClass, platform::Block block);
+  /// Blocks posted with equal delays run in posting order.
+  void postAfter(platform::Duration delay, platform::Block block);
+  /// Waits for a block that is due; null once `deadline` has come, after `interrupt` or `close`.
+  platform::Block take(platform::TimePoint deadline);
+  /// Makes one waiting or the next `take` return.
+  void interrupt();
+  /// From now on `take` gives nothing; what is left waits for `clear`.
+  void close();
+  bool isClosed() const { return closed_; }
+  /// Destroys the blocks that are left, on this thread; false when there were none.
+  bool clear();
+
+ private:
+  using Key = std::tuple<platform::TimePoint, platform::EventClass, std::uint64_t>;
+
+  void insert(platform::TimePoint due, platform::EventClass eventClass, platform::Block block);
+
+  const std::chrono::steady_clock::time_point origin_;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::map<Key, platform::Block> blocks_;
+  std::uint64_t sequence_ = 0;
+  bool interrupted_ = false;
+  std::atomic<bool> closed_ = false;
+};
+
+}  // namespace devices

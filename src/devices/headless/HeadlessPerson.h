@@ -1,0 +1,52 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "devices/headless/ScreenHub.h"
+#include "platform/foundation/RunLoop.h"
+
+namespace platform {
+class UIAlertController;
+}
+
+namespace devices {
+
+/// What the person before a headless screen does. Alerts get their first button, always.
+struct PersonHabits {
+  enum class OnRetry { retry, cancel };
+
+  OnRetry onRetry = OnRetry::cancel;
+  /// Retry screens that are answered with retry; those after them are cancelled.
+  int maxRetries = 3;
+  /// From the moment that the Done button is in sight; absent: never touched.
+  std::optional<platform::Duration> doneAfter;
+  /// Between a screen's appearance and its answer.
+  platform::Duration reactionTime = std::chrono::seconds(1);
+};
+
+/// Answers the screens of a run without a window by touching their buttons, as a user would. Add it
+/// to the `ScreenHub`; it must outlive the run loop's work. Main queue.
+class HeadlessPerson final : public ScreenListener {
+ public:
+  HeadlessPerson(platform::RunLoop& loop, PersonHabits habits) : loop_(loop), habits_(habits) {}
+
+  int retries() const { return retries_; }
+
+  void didPresent(platform::UIViewController& controller) override;
+  void viewChanged(platform::UIView& view, const char* property) override;
+
+ private:
+  void answerAlert(platform::UIAlertController& alert);
+  void answerRetryScreen(platform::UIViewController& screen);
+  void touchDone(const std::weak_ptr<platform::UIView>& button, int sighting);
+  void after(platform::Duration delay, platform::Block block);
+
+  platform::RunLoop& loop_;
+  PersonHabits habits_;
+  int retries_ = 0;
+  bool seesDone_ = false;
+  int sighting_ = 0;
+};
+
+}  // namespace devices

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "devices/headless/BlockTimeline.h"
+#include "platform/foundation/RunLoop.h"
+
+namespace devices {
+
+/// The plain loop on the wall clock for runs without a window. The thread that calls `runUntil` is
+/// the main queue; it makes and destroys the loop, too. Devices get a thread of their own, all
+/// other queues share a few workers.
+class RealRunLoop final : public platform::RunLoop {
+ public:
+  enum class Stop { condition, deadline };
+
+  explicit RealRunLoop(int workers = 3);
+  /// As `shutDown`.
+  ~RealRunLoop() override;
+
+  platform::TimePoint now() const override { return main_.now(); }
+  platform::DispatchQueue& mainQueue() override { return *mainQueue_; }
+  platform::DispatchQueue& globalQueue(platform::QualityOfService qos) override;
+  std::shared_ptr<platform::DispatchQueue> makeSerialQueue(const std::string& label) override;
+  std::shared_ptr<platform::Timer> scheduledTimer(platform::Duration interval, bool repeats,
+                                                  platform::Block block) override;
+  void scheduleDevice(platform::TimePoint time, platform::EventClass eventClass,
+                      platform::Block block) override;
+  bool isVirtual() const override { return false; }
+
+  /// Runs the main queue until `done` holds (asked between blocks) or `deadline` has come.
+  Stop runUntil(const std::function<bool()>& done, platform::TimePoint deadline);
+  /// Makes `runUntil` ask `done` again; any thread.
+  void wake() { main_.interrupt(); }
+  /// Waits for the blocks that are running on other threads, then destroys all that have not begun,
+  /// on the main thread and without running them. Nothing runs afterwards.
+  void shutDown();
+
+ private:
+  class TimelineQueue;
+  class SerialQueue;
+  class MainTimer;
+
+  void startThread(BlockTimeline& timeline);
+
+  BlockTimeline main_;
+  BlockTimeline shared_;
+  BlockTimeline device_;
+  std::unique_ptr<platform::DispatchQueue> mainQueue_;
+  std::unique_ptr<platform::DispatchQueue> globalQueue_;
+  std::vector<std::thread> threads_;
+};
+
+}  // namespace devices

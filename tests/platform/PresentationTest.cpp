@@ -1,0 +1,191 @@
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "platform/uikit/Controls.h"
+#include "support/TestWorld.h"
+
+namespace {
+
+using platform::UIAlertController;
+using platform::UIModalPresentationStyle;
+using platform::UIViewController;
+using Log = std::vector<std::string>;
+
+/// Notes its appearance steps under its name.
+class Screen final : public UIViewController {
+ public:
+  Screen(platform::Environment& environment, std::string name, Log& log)
+      : UIViewController(environment), name_(std::move(name)), log_(log) {
+    setModalPresentationStyle(UIModalPresentationStyle::fullScreen);
+  }
+  void viewDidLoad() override { note("loaded"); }
+  void viewWillAppear(bool) override { note("will appear"); }
+  void viewDidAppear(bool) override { note("did appear"); }
+  void viewWillDisappear(bool) override { note("will disappear"); }
+  void viewDidDisappear(bool) override { note("did disappear"); }
+
+ private:
+  void note(const char* step) { log_.push_back(name_ + " " + step); }
+  std::string name_;
+  Log& log_;
+};
+
+class Presentation : public testing::Test {
+ protected:
+  std::shared_ptr<Screen> screen(const std::string& name) {
+    return std::make_shared<Screen>(world.environment, name, log);
+  }
+  std::shared_ptr<UIAlertController> makeAlert() {
+    auto alert = std::make_shared<UIAlertController>(world.environment, "Error", "message");
+    alert->addAction({"OK", platform::UIAlertAction::Style::standard,
+                      [this] { log.push_back("alert answered"); }});
+    return alert;
+  }
+  platform::Block noting(const std::string& line) {
+    return [this, line] { log.push_back(line); };
+  }
+  std::shared_ptr<Screen> shown(const std::string& name, UIViewController& on) {
+    auto s = screen(name);
+    on.present(s, true);
+    world.advance(1);
+    log.clear();
+    return s;
+  }
+
+  tests::TestWorld world;
+  Log log;
+};
+
+TEST_F(Presentation, FullScreenHidesItsPresenterAndGivesItBackBeforeTheCompletion) {
+  const auto a = shown("a", *world.root);
+  const auto b = screen("b");
+  a->present(b, true, noting("presented"));
+  world.advance(1);
+  EXPECT_EQ(log, (Log{"b loaded", "a will disappear", "b will appear", "a did disappear",
+                      "b did appear", "presented"}));
+  log.clear();
+  b->dismiss(true, noting("dismissed"));
+  world.advance(1);
+  EXPECT_EQ(log, (Log{"b will disappear", "a will appear", "b did disappear", "a did appear",
+                      "dismissed"}));
+}
+
+TEST_F(Presentation, AnAlertLeavesItsPresenterInPlaceAndAnswersOnce) {
+  const auto a = shown("a", *world.root);
+  const auto alert = makeAlert();
+  a->present(alert, true);
+  EXPECT_FALSE(alert->choose(0)) << "it is not there yet";
+  world.advance(1);
+  EXPECT_FALSE(alert->choose(1)) << "it has one button";
+  EXPECT_TRUE(alert->choose(0));
+  alert->choose(0);
+  EXPECT_EQ(log, Log{}) << "the answer comes after the alert has gone";
+  world.advance(1);
+  EXPECT_EQ(log, Log{"alert answered"});
+  EXPECT_EQ(&world.topmost(), a.get());
+  EXPECT_FALSE(alert->choose(0));
+}
+
+TEST_F(Presentation, ARefusedSecondPresentationIsToldOnTheConsole) {
+  const auto a = shown("a", *world.root);
+  a->present(makeAlert(), true);
+  a->present(screen("b"), true, noting("never"));
+  world.advance(1);
+  EXPECT_EQ(log, Log{});
+  ASSERT_EQ(world.console.lines.size(), 1u);
+  EXPECT_NE(world.console.lines[0].find("WARNING"), std::string::npos);
+}
+
+TEST_F(Presentation, NothingIsPresentedOnAScreenThatIsGoingAwayOrGone) {
+  const auto a = shown("a", *world.root);
+  a->dismiss(true, noting("dismissed"));
+  a->present(screen("b"), true);
+  world.advance(1);
+  a->present(screen("c"), true);
+  world.advance(1);
+  EXPECT_EQ(log, (Log{"a will disappear", "a did disappear", "dismissed"}));
+  EXPECT_EQ(world.console.lines.size(), 2u);
+  EXPECT_EQ(&world.topmost(), world.root.get());
+
+  world.root->present(a, false);
+  a->present(screen("d"), false);
+  EXPECT_EQ(world.console.lines.size(), 2u) << "presented anew, it presents again";
+}
+
+TEST_F(Presentation, DismissingAScreenTakesAwayItsNavigationControllerAndAllAbove) {
+  const auto inner = screen("inner");
+  const auto navigation =
+      std::make_shared<platform::UINavigationController>(world.environment, inner);
+  navigation->setModalPresentationStyle(UIModalPresentationStyle::fullScreen);
+  world.root->present(navigation, true);
+  world.advance(1);
+  EXPECT_EQ(log, (Log{"inner loaded", "inner will appear", "inner did appear"}));
+  EXPECT_EQ(&world.topmost(), inner.get());
+  const auto above = shown("above", *inner);
+  above->present(makeAlert(), true);
+  world.advance(1);
+
+  inner->dismiss(true, noting("first"));
+  inner->dismiss(true, noting("second"));
+  world.advance(1);
+  EXPECT_EQ(log, (Log{"above will disappear", "above did disappear", "first", "second"}));
+  EXPECT_EQ(&world.topmost(), world.root.get());
+  EXPECT_EQ(world.root->presentedViewController(), nullptr);
+}
+
+TEST_F(Presentation, ADismissalDuringThePresentationEndsItInOrder) {
+  const auto a = shown("a", *world.root);
+  const auto b = screen("b");
+  a->present(b, true, noting("presented"));
+  world.advance(0.1);
+  b->dismiss(true, noting("dismissed"));
+  world.advance(1);
+  EXPECT_EQ(log,
+            (Log{"b loaded", "a will disappear", "b will appear", "b will disappear",
+                 "a will appear", "presented", "b did disappear", "a did appear", "dismissed"}));
+  EXPECT_TRUE(a->isTopmost());
+}
+
+TEST_F(Presentation, AControlAnswersOnlyWhereItCanBeTouched) {
+  const auto screenA = screen("a");
+  const auto outer = std::make_shared<platform::UIView>();
+  const auto button = std::make_shared<platform::UIButton>();
+  outer->addSubview(button);
+  screenA->view().addSubview(outer);
+  int touches = 0;
+  button->setAction([&] { ++touches; });
+  EXPECT_FALSE(button->touchUpInside()) << "its screen is not shown";
+  world.root->present(screenA, false);
+  EXPECT_TRUE(button->touchUpInside());
+
+  outer->setAlpha(0.009);
+  EXPECT_FALSE(button->touchUpInside()) << "it can hardly be seen";
+  outer->setAlpha(0.01);
+  EXPECT_TRUE(button->touchUpInside());
+  outer->setHidden(true);
+  EXPECT_FALSE(button->touchUpInside());
+  outer->setHidden(false);
+  button->setEnabled(false);
+  EXPECT_FALSE(button->touchUpInside());
+  button->setEnabled(true);
+  screenA->present(makeAlert(), false);
+  EXPECT_FALSE(button->touchUpInside()) << "an alert lies above it";
+  screenA->dismiss(false);
+  EXPECT_EQ(touches, 2);
+}
+
+TEST_F(Presentation, AnAnimationShowsItsEndAtOnceAndCompletesLater) {
+  platform::UIView view;
+  platform::UIView::animate(
+      world.environment, platform::seconds(0.5), [&] { view.setAlpha(0); }, noting("done"));
+  EXPECT_EQ(view.alpha(), 0);
+  world.advance(0.49);
+  EXPECT_EQ(log, Log{});
+  world.advance(0.01);
+  EXPECT_EQ(log, Log{"done"});
+}
+
+}  // namespace
