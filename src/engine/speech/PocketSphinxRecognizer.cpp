@@ -1,0 +1,157 @@
+#include "engine/speech/PocketSphinxRecognizer.h"
+
+#include <atomic>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "engine/speech/MonoResampler.h"
+#include "engine/speech/SpeechModel.h"
+#include "engine/speech/Transcriber.h"
+
+namespace engine {
+namespace {
+
+/// The number of no run.
+constexpr std::uint64_t kStopped = 0;
+
+/// Sound that may wait to be heard: far more than the building of a model takes. Beyond it the
+/// machine is too slow for speech, and memory counts more.
+constexpr platform::Duration kMostWaiting = std::chrono::seconds(60);
+
+platform::Duration soundLength(const platform::CMSampleBuffer& buffer) {
+  if (buffer.sampleRate < 1 || buffer.channels < 1) return {};
+  const double frames = static_cast<double>(buffer.samples.size()) / buffer.channels;
+  return platform::seconds(frames / buffer.sampleRate);
+}
+
+}  // namespace
+
+/// The main queue's side: knows the delegate and which run may still reach it.
+class PocketSphinxRecognizer::Listener {
+ public:
+  explicit Listener(platform::RunLoop& loop) : loop_(loop) {}
+
+  void setDelegate(std::weak_ptr<corvana::SpeechRecognizerDelegate> delegate) {
+    delegate_ = std::move(delegate);
+  }
+  void setRun(std::uint64_t run) { run_ = run; }
+
+  template <class Message>
+  void deliver(std::uint64_t run, const Message& message) {
+    if (run != run_) return;
+    platform::callDelegate(loop_, delegate_,
+                           [&](auto& delegate) { delegate.speechRecognition(message); });
+  }
+
+ private:
+  platform::RunLoop& loop_;
+  std::weak_ptr<corvana::SpeechRecognizerDelegate> delegate_;
+  std::uint64_t run_ = kStopped;
+};
+
+/// The serial queue's side; the two atomics are shared with the main and the audio queue.
+class PocketSphinxRecognizer::Worker {
+ public:
+  Worker(platform::RunLoop& loop, SpeechModelPaths paths, std::shared_ptr<Listener> listener)
+      : loop_(loop), paths_(std::move(paths)), listener_(std::move(listener)) {}
+
+  std::uint64_t run() const { return run_; }
+  void setRun(std::uint64_t run) { run_ = run; }
+
+  /// Audio queue. False when too much is waiting already.
+  bool reserve(platform::Duration length) {
+    if (waiting_.load() + length.count() > kMostWaiting.count()) return false;
+    waiting_ += length.count();
+    return true;
+  }
+
+  void begin(std::uint64_t run, const std::string& text) {
+    transcriber_.reset();
+    if (run != run_) return;
+    build(run, text);
+    resampler_.reset();
+    if (model_) transcriber_.emplace(*model_);
+  }
+
+  void end() { transcriber_.reset(); }
+
+  void hear(std::uint64_t run, const platform::CMSampleBuffer& buffer) {
+    waiting_ -= soundLength(buffer).count();
+    if (run != run_ || !transcriber_) return;
+    transcriber_->append(resampler_.convert(buffer),
+                         [&](const auto& result) { send(run, result); });
+  }
+
+ private:
+  void build(std::uint64_t run, const std::string& text) {
+    if (builtFor_ == text) return;
+    model_.reset();
+    builtFor_ = text;
+    auto model = SpeechModel::load(paths_, text);
+    if (model) {
+      model_ = std::move(*model);
+    } else if (!std::exchange(faultTold_, true)) {
+      send(run, model.error());
+    }
+  }
+
+  template <class Message>
+  void send(std::uint64_t run, const Message& message) {
+    loop_.mainQueue().async(
+        [listener = listener_, run, message] { listener->deliver(run, message); });
+  }
+
+  platform::RunLoop& loop_;
+  const SpeechModelPaths paths_;
+  const std::shared_ptr<Listener> listener_;
+  std::atomic<std::uint64_t> run_{kStopped};
+  std::atomic<platform::Duration::rep> waiting_{0};
+
+  std::optional<std::string> builtFor_;
+  bool faultTold_ = false;
+  std::unique_ptr<SpeechModel> model_;
+  MonoResampler resampler_{SpeechModel::kSampleRate};
+  std::optional<Transcriber> transcriber_;
+};
+
+PocketSphinxRecognizer::PocketSphinxRecognizer(platform::RunLoop& loop, SpeechModelPaths paths)
+    : paths_(std::move(paths)),
+      queue_(loop.makeSerialQueue("SpeechRecognizerQueue")),
+      listener_(std::make_shared<Listener>(loop)),
+      worker_(std::make_shared<Worker>(loop, paths_, listener_)) {}
+
+PocketSphinxRecognizer::~PocketSphinxRecognizer() {
+  stop();
+}
+
+bool PocketSphinxRecognizer::isAvailable() const {
+  return !paths_.findFault();
+}
+
+void PocketSphinxRecognizer::setDelegate(
+    std::weak_ptr<corvana::SpeechRecognizerDelegate> delegate) {
+  listener_->setDelegate(std::move(delegate));
+}
+
+void PocketSphinxRecognizer::start() {
+  const std::uint64_t run = ++lastRun_;
+  listener_->setRun(run);
+  worker_->setRun(run);
+  queue_->async(
+      [worker = worker_, run, text = options.contextualText] { worker->begin(run, text); });
+}
+
+void PocketSphinxRecognizer::stop() {
+  listener_->setRun(kStopped);
+  worker_->setRun(kStopped);
+  queue_->async([worker = worker_] { worker->end(); });
+}
+
+void PocketSphinxRecognizer::append(const platform::CMSampleBufferRef& sampleBuffer) {
+  const std::uint64_t run = worker_->run();
+  if (run == kStopped || !sampleBuffer || !worker_->reserve(soundLength(*sampleBuffer))) return;
+  queue_->async([worker = worker_, run, sampleBuffer] { worker->hear(run, *sampleBuffer); });
+}
+
+}  // namespace engine

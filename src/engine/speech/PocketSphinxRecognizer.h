@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "corvana/SpeechRecognizer.h"
+#include "engine/speech/SpeechModelPaths.h"
+#include "platform/foundation/RunLoop.h"
+
+namespace engine {
+
+/// Hears the reader with PocketSphinx. The model is built on a queue of its own at the first
+/// `start`, for the text that `options.contextualText` then holds, and again when a later `start`
+/// finds another text; sound that comes meanwhile is kept and heard afterwards. Words are reported
+/// as the text spells them, in lower case. A model that cannot be built is reported once.
+class PocketSphinxRecognizer final : public corvana::SpeechRecognizer {
+ public:
+  /// The loop must outlive it. Main queue.
+  PocketSphinxRecognizer(platform::RunLoop& loop, SpeechModelPaths paths);
+  ~PocketSphinxRecognizer() override;
+
+  bool isAvailable() const override;
+  void setDelegate(std::weak_ptr<corvana::SpeechRecognizerDelegate> delegate) override;
+  void start() override;
+  void stop() override;
+  void append(const platform::CMSampleBufferRef& sampleBuffer) override;
+
+ private:
+  class Listener;
+  class Worker;
+
+  const SpeechModelPaths paths_;
+  const std::shared_ptr<platform::DispatchQueue> queue_;
+  const std::shared_ptr<Listener> listener_;
+  const std::shared_ptr<Worker> worker_;
+  std::uint64_t lastRun_ = 0;
+};
+
+}  // namespace engine
