@@ -9,6 +9,9 @@
 
 namespace corvana {
 
+/// What a prompt says about the user's last move; it chooses the colours.
+enum class PromptType { success, error, info };
+
 /// Where a prompt sits relative to its oval or frame.
 enum class LabelPosition { top, center, bottom };
 

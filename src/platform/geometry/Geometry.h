@@ -27,6 +27,7 @@ struct CGRect {
   double midY() const { return y + height * 0.5; }
   double maxX() const { return x + width; }
   double maxY() const { return y + height; }
+  CGSize size() const { return {width, height}; }
   bool isEmpty() const { return width <= 0 || height <= 0; }
   bool operator==(const CGRect&) const = default;
 };

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/Environment.h"
+#include "platform/foundation/Bundle.h"
+
+namespace capture {
+
+/// Where the module's own resources are: the storyboard "VideoCapture", the drawings
+/// "overlay_portrait_id_front" and "overlay_landscape_id_back", and the model "facenet.tflite".
+inline platform::Bundle& moduleBundle(platform::Environment& environment) {
+  return environment.bundle;
+}
+
+}  // namespace capture

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <tl/expected.hpp>
+
+#include "corvana/ImageData.h"
+#include "platform/foundation/Bundle.h"
+#include "platform/foundation/Console.h"
+
+namespace capture {
+
+struct FaceMatchResult {
+  /// Euclidean distance of the unit-length embeddings: 0 (identical) to 2 (opposite).
+  float distance = 0;
+  bool isMatched = false;
+};
+
+/// Says whether two pictures show the same face, with the embedding network "facenet.tflite" of the
+/// module's bundle. Never fails to be built: without a usable model no comparison can be made.
+/// One thread at a time.
+class FaceMatchDetector {
+ public:
+  FaceMatchDetector(const platform::Bundle& bundle, platform::Console& console);
+  ~FaceMatchDetector();
+
+  /// Matched when the distance is at most `faceMatchMax`. Absent when no comparison could be made,
+  /// which is not the same as no match.
+  std::optional<FaceMatchResult> faceMatch(const platform::UIImageRef& selfieImage,
+                                           const platform::UIImageRef& idFaceImage,
+                                           float faceMatchMax);
+
+ private:
+  friend struct FaceMatchDetectorProbe;  // lets a test look at an embedding
+
+  class Interpreter;
+  using Bytes = std::vector<std::uint8_t>;
+  using Embedding = std::vector<double>;
+  template <class T>
+  using Expected = tl::expected<T, std::string>;  // the error is a sentence
+
+  Expected<void> load(const std::filesystem::path& model);
+  Expected<void> load(const std::filesystem::path& model,
+                      std::unique_ptr<Interpreter>& interpreter);
+  std::optional<Bytes> scaled(const platform::UIImageRef& image) const;
+  static std::optional<std::vector<float>> preprocess(std::span<const std::uint8_t> data);
+  /// Absent, with a line on the console unless the output is no list of floats.
+  std::optional<Embedding> embedding(Interpreter& interpreter, std::span<const float> input) const;
+  static float distance(const Embedding& a, const Embedding& b);
+
+  platform::Console& console_;
+  // Each picture of a comparison has an interpreter, and so tensors, of its own.
+  std::unique_ptr<Interpreter> interpreter1_;
+  std::unique_ptr<Interpreter> interpreter2_;
+  corvana::MetalBilinearScaler scaler_;
+};
+
+}  // namespace capture

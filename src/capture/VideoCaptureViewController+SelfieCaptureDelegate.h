@@ -1,0 +1,11 @@
+#pragma once
+
+#include "platform/geometry/Geometry.h"
+
+namespace capture {
+
+/// The rectangle reflected about the vertical centre line of `size`, as a front camera's picture is
+/// shown.
+platform::CGRect mirrored(const platform::CGRect& rect, const platform::CGSize& size);
+
+}  // namespace capture
