@@ -20,7 +20,7 @@ struct PersonHabits {
   /// Retry screens that are answered with retry; those after them are cancelled.
   int maxRetries = 3;
   /// From the moment that the Done button is in sight; absent: never touched.
-  std::optional<platform::Duration> doneAfter;
+  std::optional<platform::Duration> doneAfter = {};
   /// Between a screen's appearance and its answer.
   platform::Duration reactionTime = std::chrono::seconds(1);
 };

@@ -1,0 +1,150 @@
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "devices/headless/RealRunLoop.h"
+
+namespace {
+
+using devices::RealRunLoop;
+using platform::EventClass;
+using platform::QualityOfService;
+using platform::seconds;
+
+// Only orders and ends are asked for, never durations: a slow machine must not fail.
+constexpr platform::TimePoint kFarAway = platform::TimePoint::max();
+
+TEST(RealRunLoop, MainQueueRunsInOrderOnTheCallersThread) {
+  RealRunLoop loop;
+  std::vector<int> order;
+  const auto here = std::this_thread::get_id();
+  loop.mainQueue().asyncAfter(seconds(0.01), [&] { order.push_back(4); });
+  for (int i = 1; i <= 3; ++i) {
+    loop.mainQueue().async([&, i] {
+      EXPECT_EQ(std::this_thread::get_id(), here);
+      order.push_back(i);
+    });
+  }
+  EXPECT_EQ(loop.runUntil([&] { return order.size() == 4; }, kFarAway),
+            RealRunLoop::Stop::condition);
+  EXPECT_EQ(order, (std::vector{1, 2, 3, 4}));
+}
+
+TEST(RealRunLoop, StopsAtItsDeadlineAndWhenWoken) {
+  RealRunLoop loop;
+  EXPECT_EQ(loop.runUntil([] { return false; }, loop.now() + seconds(0.01)),
+            RealRunLoop::Stop::deadline);
+  std::atomic<bool> done = false;
+  std::thread other([&] {
+    done = true;
+    loop.wake();
+  });
+  EXPECT_EQ(loop.runUntil([&] { return done.load(); }, kFarAway), RealRunLoop::Stop::condition);
+  other.join();
+}
+
+TEST(RealRunLoop, ASerialQueueKeepsPostingOrderOneAtATime) {
+  RealRunLoop loop(4);
+  const auto queue = loop.makeSerialQueue("test");
+  std::vector<int> order;  // without a lock: the queue is one
+  std::atomic<bool> done = false;
+  for (int i = 0; i < 500; ++i)
+    queue->async([&, i] { order.push_back(i); });
+  queue->asyncAfter(seconds(0.001), [&] {
+    queue->async([&] {
+      done = true;
+      loop.wake();
+    });
+  });
+  loop.runUntil([&] { return done.load(); }, kFarAway);
+  queue->async([&] { order.push_back(-1); });
+  loop.shutDown();
+  ASSERT_GE(order.size(), 500u);
+  for (int i = 0; i < 500; ++i)
+    EXPECT_EQ(order[static_cast<std::size_t>(i)], i);
+}
+
+TEST(RealRunLoop, DeviceBlocksRunByTimeFramesFirst) {
+  RealRunLoop loop;
+  std::vector<int> order;
+  std::atomic<bool> done = false;
+  const auto device = loop.now() + seconds(0.02);
+  loop.scheduleDevice(device + seconds(0.001), EventClass::task, [&] {
+    order.push_back(3);
+    done = true;
+    loop.wake();
+  });
+  loop.scheduleDevice(device, EventClass::task, [&] { order.push_back(2); });
+  loop.scheduleDevice(device, EventClass::frame, [&] { order.push_back(1); });
+  loop.runUntil([&] { return done.load(); }, kFarAway);
+  loop.shutDown();
+  EXPECT_EQ(order, (std::vector{1, 2, 3}));
+}
+
+TEST(RealRunLoop, TimersRepeatUntilInvalidatedAndFireOnceOtherwise) {
+  RealRunLoop loop;
+  int ticks = 0;
+  int once = 0;
+  std::shared_ptr<platform::Timer> repeating;
+  repeating = loop.scheduledTimer(seconds(0.002), true, [&] {
+    if (++ticks == 3) repeating->invalidate();
+  });
+  std::shared_ptr<platform::Timer> single;
+  single = loop.scheduledTimer(seconds(0.001), false, [&] {
+    EXPECT_FALSE(single->isValid());
+    ++once;
+  });
+  auto never = loop.scheduledTimer(seconds(0.001), false, [&] { FAIL(); });
+  never->invalidate();
+  loop.runUntil([&] { return ticks == 3 && once == 1; }, kFarAway);
+  loop.runUntil([] { return false; }, loop.now() + seconds(0.01));
+  EXPECT_EQ(ticks, 3);
+  EXPECT_EQ(once, 1);
+}
+
+TEST(RealRunLoop, ShutDownRunsNothingMoreAndDestroysWhatIsLeftOnTheMainThread) {
+  struct Probe {
+    std::thread::id& destroyedOn;
+    ~Probe() { destroyedOn = std::this_thread::get_id(); }
+  };
+  std::thread::id onMain;
+  std::thread::id onWorkers;
+  std::atomic<int> ran = 0;
+  RealRunLoop loop;
+  loop.mainQueue().async([&, probe = std::make_shared<Probe>(onMain)] { ++ran; });
+  loop.globalQueue(QualityOfService::utility)
+      .asyncAfter(seconds(1000), [&, probe = std::make_shared<Probe>(onWorkers)] { ++ran; });
+  loop.shutDown();
+  loop.shutDown();
+  loop.globalQueue(QualityOfService::utility).async([&] { ++ran; });
+  EXPECT_EQ(loop.runUntil([] { return false; }, loop.now()), RealRunLoop::Stop::deadline);
+  EXPECT_EQ(ran, 0);
+  EXPECT_EQ(onMain, std::this_thread::get_id());
+  EXPECT_EQ(onWorkers, std::this_thread::get_id());
+}
+
+TEST(RealRunLoop, AnOwnerLetGoOnAWorkerIsDestroyedOnMain) {
+  struct Owner {
+    std::function<void()> atEnd;
+    ~Owner() { atEnd(); }
+  };
+  RealRunLoop loop;
+  std::thread::id destroyedOn;
+  bool gone = false;
+  auto owner = std::make_shared<Owner>([&] {
+    destroyedOn = std::this_thread::get_id();
+    gone = true;
+  });
+  loop.globalQueue(QualityOfService::utility).async([&loop, owner = std::move(owner)]() mutable {
+    platform::releaseOnMain(loop, std::move(owner));
+  });
+  loop.runUntil([&] { return gone; }, kFarAway);
+  EXPECT_EQ(destroyedOn, std::this_thread::get_id());
+}
+
+}  // namespace
