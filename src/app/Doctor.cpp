@@ -49,8 +49,9 @@ Finding diskSpace(const fs::path& folder) {
   const fs::space_info space = fs::space(existing, error);
   const bool enough = !error && space.available >= kLeastFreeBytes;
   return {"disk space", enough,
-          enough ? "" : "less than 512 MiB are free at \"" + existing.string() +
-                            "\"; free some, or name another folder"};
+          enough ? ""
+                 : "less than 512 MiB are free at \"" + existing.string() +
+                       "\"; free some, or name another folder"};
 }
 
 Finding mediaPlugins() {
@@ -67,7 +68,8 @@ Finding mediaPlugins() {
 
 std::vector<Finding> examine(const Resources& resources, const fs::path& folder) {
   std::vector<Finding> findings;
-  for (const fs::path& path : resources.models()) findings.push_back(model(path));
+  for (const fs::path& path : resources.models())
+    findings.push_back(model(path));
   findings.push_back(mediaPlugins());
   findings.push_back(textModel());
   findings.push_back(anyFile("font OCR-B", engine::defaultOcrBFonts(), "fonts-ocr-b"));

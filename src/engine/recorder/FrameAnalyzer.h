@@ -7,6 +7,7 @@
 #include "corvana/DetectedData.h"
 #include "corvana/Selfie.h"
 #include "corvana/VideoCapture.h"
+#include "engine/selfie/SelfieVerdict.h"
 #include "platform/foundation/Time.h"
 #include "platform/geometry/Geometry.h"
 #include "platform/media/SampleBuffer.h"
@@ -27,10 +28,9 @@ struct AnalysisTask {
 
 /// A frame seen as a selfie.
 struct SelfieView {
-  enum class Verdict { noFace, multipleFaces, moveCloser, moveAway, alignFace, issue, good };
-  Verdict verdict = Verdict::noFace;
-  std::string issue;  ///< with `Verdict::issue`
-  /// The frame and its face crop, with `Verdict::good`.
+  SelfieVerdict verdict = SelfieVerdict::noFace;
+  std::string issue;  ///< with `SelfieVerdict::issue`
+  /// The frame and its face crop, with `SelfieVerdict::good`.
   std::optional<corvana::Selfie> selfie;
   double sharpness = 0;  ///< of the face; comparable between frames of a run
   float leftEyeOpen = 0;

@@ -48,8 +48,8 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   void typeMismatch() override;
   void capturedVideo(const platform::CMSampleBufferRef& sampleBuffer) override;
 
-  /// Ten looks a second at 30 frames a second: a little less than three frames, so that a frame that
-  /// comes a hair early is not passed over.
+  /// Ten looks a second at 30 frames a second: a little less than three frames, so that a frame
+  /// that comes a hair early is not passed over.
   static constexpr platform::Duration kAnalysisInterval = std::chrono::milliseconds(90);
   /// In virtual time an observation arrives this long after its frame, about as late as on the wall
   /// clock of the machines that this was built on.

@@ -4,7 +4,7 @@ namespace engine {
 namespace {
 
 using corvana::SelfieCaptureState;
-using Verdict = SelfieView::Verdict;
+using Verdict = SelfieVerdict;
 
 SelfieCaptureState stateOf(const SelfieView& view) {
   switch (view.verdict) {

@@ -24,7 +24,7 @@ class SelfiePhase {
  private:
   void remember(const SelfieView& view);
 
-  std::optional<SelfieView::Verdict> lastVerdict_;
+  std::optional<SelfieVerdict> lastVerdict_;
   std::string lastIssue_;
   std::optional<platform::TimePoint> goodSince_;
   std::optional<platform::TimePoint> lastSuccess_;

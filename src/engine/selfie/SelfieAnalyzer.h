@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "engine/selfie/SelfieVerdict.h"
 #include "engine/vision/Face.h"
 #include "engine/vision/FaceDetector.h"
 #include "engine/vision/FaceLandmarks.h"
@@ -12,16 +13,6 @@
 #include "platform/uikit/UIImage.h"
 
 namespace engine {
-
-enum class SelfieVerdict {
-  noFace,
-  multipleFaces,
-  moveCloser,
-  moveAway,
-  alignFace,
-  issue,  ///< the face is in place but not fit for a selfie: `issueMessage` says what to do
-  good,
-};
 
 /// What one frame says. Measures are filled in as far as the judgement got.
 struct SelfieJudgement {

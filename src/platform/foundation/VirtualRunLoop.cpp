@@ -50,6 +50,10 @@ class VirtualRunLoop::VirtualTimer final : public Timer,
 VirtualRunLoop::VirtualRunLoop() : queue_(std::make_shared<Queue>(*this)) {}
 
 VirtualRunLoop::~VirtualRunLoop() {
+  discardPending();
+}
+
+void VirtualRunLoop::discardPending() {
   // A block may own the last handle to something that posts while it is destroyed.
   while (!events_.empty())
     std::exchange(events_, {}).clear();

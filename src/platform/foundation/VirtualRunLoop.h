@@ -32,6 +32,8 @@ class VirtualRunLoop final : public RunLoop {
                 std::uint64_t stepLimit = kDefaultStepLimit);
   /// Runs all events of the next `duration`, then stands at its end.
   Stop advance(Duration duration);
+  /// Destroys all events that have not run, and what only they kept alive.
+  void discardPending();
 
   static constexpr std::uint64_t kDefaultStepLimit = 50'000'000;
 

@@ -17,7 +17,7 @@ void showGoodFace(Observation& observation) {
   observation.liveFace = platform::CGRect{200, 300, 300, 400};
   if (observation.task.mode != VideoCaptureMode::selfieCapture) return;
   observation.selfie = SelfieView{};
-  observation.selfie->verdict = SelfieView::Verdict::good;
+  observation.selfie->verdict = engine::SelfieVerdict::good;
   observation.selfie->selfie = corvana::Selfie{};
 }
 

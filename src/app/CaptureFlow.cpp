@@ -1,0 +1,169 @@
+#include "app/CaptureFlow.h"
+
+#include <iostream>
+#include <utility>
+
+#include "corvana/SpeechRecognizer.h"
+#include "devices/headless/SceneLayout.h"
+#include "engine/speech/PocketSphinxRecognizer.h"
+
+namespace app {
+namespace {
+
+using devices::FlowEvent;
+
+/// A flow that has got its film may still be closing its screens when the camera's file ends.
+constexpr platform::Duration kGraceAfterCamera = std::chrono::seconds(2);
+/// Closing the last film waits for the encoder, not for a person.
+constexpr platform::Duration kLongestClosing = std::chrono::seconds(60);
+
+engine::EngineHost::Setup hostSetup(const CaptureArguments& arguments, const CaptureInputs& inputs,
+                                    Driver& driver, platform::NotificationCenter& notifications,
+                                    platform::MediaDevices& mediaDevices,
+                                    platform::AssetWriterFactory& films,
+                                    std::shared_ptr<engine::FrameAnalyzer> analyzer,
+                                    engine::RecorderObserver& observer) {
+  auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
+      driver.loop(), engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder));
+  return {driver.loop(),
+          notifications,
+          mediaDevices,
+          films,
+          std::move(analyzer),
+          std::move(recognizer),
+          inputs.folder,
+          arguments.keepFailedRuns,
+          {devices::kHeadlessScreen.width, devices::kHeadlessScreen.height},
+          &observer};
+}
+
+bool belongsInLog(FlowEvent::Kind kind) {
+  switch (kind) {
+    case FlowEvent::Kind::screen:
+    case FlowEvent::Kind::caption:
+    case FlowEvent::Kind::prompt:
+    case FlowEvent::Kind::alert:
+    case FlowEvent::Kind::retry:
+    case FlowEvent::Kind::sound:
+      return true;
+    default:
+      return false;
+  }
+}
+
+nlohmann::ordered_json fieldsOf(const FlowEvent& event) {
+  nlohmann::ordered_json fields;
+  if (event.value) {
+    fields["value"] = *event.value;
+  } else {
+    fields["text"] = event.text;
+  }
+  if (!event.tone.empty()) fields["tone"] = event.tone;
+  return fields;
+}
+
+}  // namespace
+
+CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs& inputs,
+                         const Resources& resources, Driver& driver,
+                         std::shared_ptr<devices::MediaFile> media,
+                         std::shared_ptr<engine::FrameAnalyzer> analyzer, Progress progress)
+    : arguments_(arguments),
+      inputs_(inputs),
+      driver_(driver),
+      media_(std::move(media)),
+      progress_(std::move(progress)),
+      events_(driver.loop(), inputs.folder / EventLog::kFileName),
+      reporter_(driver.loop(), [this](const FlowEvent& event) { report(event); }),
+      person_(driver.loop(), arguments.habits),
+      console_(std::cerr),
+      mediaDevices_(media_),
+      sounds_([this](platform::SystemSoundID sound) { reporter_.soundPlayed(sound); }),
+      bundle_(resources.module, devices::headlessStoryboards(capture::controllerFactories())),
+      films_(driver.loop()),
+      host_(hostSetup(arguments, inputs, driver, notificationCenter_, mediaDevices_, films_,
+                      std::move(analyzer), events_)),
+      environment_{driver.loop(),
+                   bundle_,
+                   notificationCenter_,
+                   console_,
+                   application_,
+                   mediaDevices_,
+                   speechAuthorization_,
+                   sounds_,
+                   host_,
+                   {devices::kHeadlessScreen},
+                   nullptr,
+                   &hub_,
+                   &events_} {
+  hub_.add(reporter_);
+  hub_.add(person_);
+}
+
+CaptureFlow::~CaptureFlow() = default;
+
+void CaptureFlow::report(const FlowEvent& event) {
+  if (belongsInLog(event.kind)) events_.add(devices::nameOf(event.kind), fieldsOf(event));
+  if (progress_) progress_(driver_.loop().now(), event);
+}
+
+void CaptureFlow::watchWorld() {
+  media_->onEnd = [this] {
+    driver_.loop().mainQueue().asyncAfter(kGraceAfterCamera, [this] {
+      end_.fail("The camera's recording ended before the identification did.");
+    });
+  };
+  media_->onError = [this](const std::string& sentence) { end_.fail(sentence); };
+  if (media_->microphone()) return;
+  const std::string warning =
+      "The camera's recording has no sound: the film will be silent and no word can be heard.";
+  console_.print("WARNING: " + warning);
+  events_.add("warning", {{"text", warning}});
+}
+
+void CaptureFlow::start() {
+  corvana::SpeechRecognizer::options.contextualText = inputs_.text;
+  auto root = std::make_shared<platform::UIViewController>(environment_);
+  window_ = std::make_unique<platform::UIWindow>(root);
+  capture::videoIDCapture(*root, inputs_.reference.front, inputs_.reference.back, inputs_.text,
+                          [this](const Outcome& outcome) { end_.set(outcome); });
+  if (!root->presentedViewController()) {
+    end_.fail("The capture screen could not be built from the program's resources.");
+  }
+}
+
+void CaptureFlow::close() {
+  media_->onEnd = nullptr;
+  media_->onError = nullptr;
+  window_.reset();
+  if (const auto film = host_.film()) {
+    // The recorder goes with the screen, by way of the queues that still hold it.
+    bool closed = false;
+    driver_.run([] { return false; }, std::chrono::milliseconds(1));
+    film->stop([&closed](const auto&) { closed = true; });
+    driver_.run([&closed] { return closed; }, kLongestClosing);
+  }
+  driver_.shutDown();
+}
+
+RunRecord CaptureFlow::run() {
+  watchWorld();
+  start();
+  const auto ended = [this] {
+    if (host_.fault()) end_.fail(*host_.fault());
+    return end_.isThere();
+  };
+  if (driver_.run(ended, platform::seconds(arguments_.maxDurationSeconds)) !=
+      Driver::Stop::condition) {
+    end_.fail("The identification took longer than the allowed time of " +
+              std::to_string(static_cast<long>(arguments_.maxDurationSeconds)) + " s.");
+  }
+  const bool succeeded = end_.outcome().has_value();
+  events_.add("end", {{"outcome", succeeded ? "result" : "error"}});
+  close();
+  const auto film = host_.film();
+  return {end_.outcome(), film ? film->counters() : platform::AssetWriterCounters{},
+          1 + person_.retries()};
+}
+
+}  // namespace app

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/CaptureCommand.h"
+#include "app/CaptureInputs.h"
+#include "app/EventLog.h"
+#include "app/FileMediaDevices.h"
+#include "app/FlowEnd.h"
+#include "app/Resources.h"
+#include "capture/Corvana+VideoCapture.h"
+#include "devices/gstreamer/FilmWriterFactory.h"
+#include "devices/headless/DirectoryBundle.h"
+#include "devices/headless/FlowReporter.h"
+#include "devices/headless/HeadlessSystem.h"
+#include "engine/recorder/EngineHost.h"
+#include "platform/Environment.h"
+
+namespace app {
+
+/// The world of one headless run, from the entry to the closed film. Main thread; used once.
+class CaptureFlow {
+ public:
+  /// What the user would see, line by line; may be empty.
+  using Progress = std::function<void(platform::TimePoint now, const devices::FlowEvent& event)>;
+
+  CaptureFlow(const CaptureArguments& arguments, const CaptureInputs& inputs,
+              const Resources& resources, Driver& driver, std::shared_ptr<devices::MediaFile> media,
+              std::shared_ptr<engine::FrameAnalyzer> analyzer, Progress progress);
+  ~CaptureFlow();
+
+  /// Runs to the end and closes film and events: every flow ends, with a result or an error.
+  RunRecord run();
+
+ private:
+  void start();
+  void watchWorld();
+  void close();
+  void report(const devices::FlowEvent& event);
+
+  const CaptureArguments& arguments_;
+  const CaptureInputs& inputs_;
+  Driver& driver_;
+  std::shared_ptr<devices::MediaFile> media_;
+  Progress progress_;
+  FlowEnd end_;
+
+  EventLog events_;
+  devices::FlowReporter reporter_;
+  devices::HeadlessPerson person_;
+  devices::ScreenHub hub_;
+  platform::NotificationCenter notificationCenter_;
+  devices::StreamConsole console_;
+  devices::NoSettingsApplication application_;
+  FileMediaDevices mediaDevices_;
+  LocalSpeechAuthorization speechAuthorization_;
+  devices::ReportingSystemSounds sounds_;
+  devices::DirectoryBundle bundle_;
+  devices::FilmWriterFactory films_;
+  engine::EngineHost host_;
+  platform::Environment environment_;
+  std::unique_ptr<platform::UIWindow> window_;
+};
+
+}  // namespace app

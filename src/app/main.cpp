@@ -1,0 +1,48 @@
+#include <exception>
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+
+#include "app/CaptureCommand.h"
+#include "app/Commands.h"
+#include "app/SimulateCommand.h"
+
+namespace {
+
+int run(int argc, char** argv) {
+  using app::ExitCode;
+  ExitCode exitCode = ExitCode::result;
+  CLI::App program(
+      "Proves in one continuous video that a person and an identity card belong together.\n"
+      "A run: `videoid enroll` reads photos of the card, `videoid capture` films the person who\n"
+      "looks into the camera, shows the card's front and back and reads a text aloud.",
+      "videoid");
+  program.set_version_flag("--version", "videoid " CORVANA_VERSION);
+  program.require_subcommand(1);
+  program.footer(
+      "Exit code: 0 result, 1 the flow ended with an error, 2 wrong use, 3 the machine lacks "
+      "something.");
+  app::addEnrollCommand(program, exitCode);
+  app::addCaptureCommand(program, exitCode);
+  app::addSimulateCommand(program, exitCode);
+  app::addVerifyCommand(program, exitCode);
+  app::addDoctorCommand(program, exitCode);
+  app::addOptionsCommand(program, exitCode);
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return program.exit(error) == 0 ? 0 : static_cast<int>(ExitCode::wrongUse);
+  }
+  return static_cast<int>(exitCode);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& error) {
+    std::cerr << "videoid: an unexpected fault: " << error.what() << '\n';
+    return static_cast<int>(app::ExitCode::machineLacks);
+  }
+}

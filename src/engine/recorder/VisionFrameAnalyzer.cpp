@@ -1,0 +1,129 @@
+#include "engine/recorder/VisionFrameAnalyzer.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "engine/vision/ImageOps.h"
+
+namespace engine {
+namespace {
+
+using corvana::VideoCaptureMode;
+using platform::CGRect;
+using platform::CGSize;
+using platform::PixelBuffer;
+using platform::PixelBufferRef;
+
+/// Longest side of the analysed picture, in pixels: enough for a card that fills the width of a
+/// phone held upright, and a quarter of the work of 4K.
+constexpr int kStandardSide = 1280;
+
+PixelBufferRef analysisPicture(const PixelBufferRef& image, corvana::CaptureMode mode) {
+  const int longest = std::max(image->width(), image->height());
+  if (mode != corvana::CaptureMode::standard || longest <= kStandardSide) return rgbPicture(image);
+  const double scale = static_cast<double>(kStandardSide) / longest;
+  return resized(*image, static_cast<int>(image->width() * scale),
+                 static_cast<int>(image->height() * scale));
+}
+
+CGSize sizeOf(const PixelBuffer& picture) {
+  return {static_cast<double>(picture.width()), static_cast<double>(picture.height())};
+}
+
+}  // namespace
+
+CGRect guideInPicture(const CGRect& overlay, const CGSize& screen, const CGSize& picture) {
+  if (picture.width <= 0 || picture.height <= 0) return {};
+  const double scale = std::max(screen.width / picture.width, screen.height / picture.height);
+  if (scale <= 0) return {};
+  const double left = (overlay.x - (screen.width - picture.width * scale) / 2) / scale;
+  const double top = (overlay.y - (screen.height - picture.height * scale) / 2) / scale;
+  const double width = overlay.width / scale;
+  return {picture.width - left - width, top, width, overlay.height / scale};
+}
+
+VisionFrameAnalyzer::VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
+                                         std::shared_ptr<FaceLandmarks> landmarks,
+                                         DocumentAnalyzer documents)
+    : detector_(detector),
+      selfies_(std::move(detector), std::move(landmarks)),
+      documents_(std::move(documents)) {}
+
+tl::expected<std::shared_ptr<VisionFrameAnalyzer>, corvana::IDError> VisionFrameAnalyzer::load(
+    const Models& models) {
+  auto detector = FaceDetector::load(models.faceDetector);
+  if (!detector) return tl::unexpected(detector.error());
+  auto landmarks = FaceLandmarks::load(models.faceLandmarks);
+  if (!landmarks) return tl::unexpected(landmarks.error());
+  auto shared = std::make_shared<FaceDetector>(std::move(*detector));
+  auto documents = DocumentAnalyzer::load(shared);
+  if (!documents) return tl::unexpected(documents.error());
+  return std::shared_ptr<VisionFrameAnalyzer>(new VisionFrameAnalyzer(
+      std::move(shared), std::make_shared<FaceLandmarks>(std::move(*landmarks)),
+      std::move(*documents)));
+}
+
+Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& frame,
+                                         const AnalysisTask& task) {
+  if (task.run != std::exchange(run_, task.run)) {
+    liveness_ = {};
+    tracker_.stop();
+    lastReading_.reset();
+  }
+  const PixelBufferRef picture = analysisPicture(frame->image, task.captureMode);
+  Observation observation;
+  observation.task = task;
+  observation.frameTime = frame->presentationTime;
+  observation.fullSize = sizeOf(*picture);
+  if (task.mode == VideoCaptureMode::selfieCapture) {
+    observation.selfie = lookForSelfie(picture, observation);
+    return observation;
+  }
+  followLiveFace(*picture, observation);
+  if (task.mode == VideoCaptureMode::idCapture) {
+    observation.document = lookForDocument(picture, observation);
+  }
+  return observation;
+}
+
+SelfieView VisionFrameAnalyzer::lookForSelfie(const PixelBufferRef& picture,
+                                              Observation& observation) {
+  const AnalysisTask& task = observation.task;
+  const SelfieJudgement judgement = selfies_.analyze(
+      picture, guideInPicture(task.selfieOverlayFrame, task.screenSize, observation.fullSize));
+  SelfieView view;
+  view.verdict = judgement.verdict;
+  view.issue = judgement.issueMessage;
+  view.sharpness = judgement.sharpness;
+  if (judgement.face) {
+    observation.liveFace = judgement.face->box;
+    tracker_.start(judgement.face->box, observation.frameTime);
+  }
+  if (judgement.details) {
+    view.leftEyeOpen = judgement.details->leftEyeOpen;
+    view.rightEyeOpen = judgement.details->rightEyeOpen;
+    view.livenessScore = liveness_.add({observation.frameTime, judgement.details->mesh,
+                                        (eyeAspectRatio(judgement.details->mesh, true) +
+                                         eyeAspectRatio(judgement.details->mesh, false)) /
+                                            2,
+                                        judgement.passiveLiveness});
+  }
+  if (judgement.verdict == SelfieVerdict::good) {
+    view.selfie = corvana::Selfie{std::make_shared<platform::UIImage>(picture), judgement.faceImage,
+                                  view.livenessScore};
+  }
+  return view;
+}
+
+void VisionFrameAnalyzer::followLiveFace(const PixelBuffer& picture, Observation& observation) {
+  const auto faces = detector_->detect(picture);
+  if (!tracker_.isFollowing()) {
+    if (faces.empty()) return;
+    tracker_.start(faces.front().box, observation.frameTime);
+  }
+  const auto sighting = tracker_.update(faces, observation.frameTime);
+  observation.liveFace = sighting.box;
+  observation.liveFaceLostFor = sighting.lostFor;
+}
+
+}  // namespace engine

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include <tl/expected.hpp>
+
+#include "corvana/IDError.h"
+#include "engine/document/DocumentAnalyzer.h"
+#include "engine/recorder/FrameAnalyzer.h"
+#include "engine/selfie/LivenessEvidence.h"
+#include "engine/selfie/SelfieAnalyzer.h"
+#include "engine/vision/FaceDetector.h"
+#include "engine/vision/LiveFaceTracker.h"
+
+namespace engine {
+
+/// Looks at frames with the face and document models.
+class VisionFrameAnalyzer final : public FrameAnalyzer {
+ public:
+  struct Models {
+    std::filesystem::path faceDetector;
+    std::filesystem::path faceLandmarks;
+  };
+
+  /// The error is one sentence: a model, language data or a font is missing or broken.
+  static tl::expected<std::shared_ptr<VisionFrameAnalyzer>, corvana::IDError> load(
+      const Models& models);
+
+  Observation analyze(const platform::CMSampleBufferRef& frame, const AnalysisTask& task) override;
+
+  /// A card is read this often at most: one reading costs as much as ten looks.
+  static constexpr platform::Duration kReadInterval = std::chrono::milliseconds(500);
+
+ private:
+  VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
+                      std::shared_ptr<FaceLandmarks> landmarks, DocumentAnalyzer documents);
+
+  SelfieView lookForSelfie(const platform::PixelBufferRef& picture, Observation& observation);
+  void followLiveFace(const platform::PixelBuffer& picture, Observation& observation);
+  DocumentView lookForDocument(const platform::PixelBufferRef& picture,
+                               const Observation& observation);
+
+  std::shared_ptr<FaceDetector> detector_;
+  SelfieAnalyzer selfies_;
+  DocumentAnalyzer documents_;
+
+  int run_ = -1;
+  LivenessEvidence liveness_;
+  LiveFaceTracker tracker_;
+  std::optional<platform::TimePoint> lastReading_;
+};
+
+/// Where a rectangle of the screen lies in a camera picture that fills the screen mirrored.
+platform::CGRect guideInPicture(const platform::CGRect& overlay, const platform::CGSize& screen,
+                                const platform::CGSize& picture);
+
+}  // namespace engine
