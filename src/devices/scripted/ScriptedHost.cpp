@@ -1,12 +1,14 @@
 #include "devices/scripted/ScriptedHost.h"
 
 #include <algorithm>
+#include <array>
 #include <sstream>
 #include <utility>
 
 namespace devices {
 
 using corvana::VideoCaptureMode;
+using Kind = HostEvent::Kind;
 
 const char* nameOf(VideoCaptureMode mode) {
   switch (mode) {
@@ -22,22 +24,43 @@ const char* nameOf(VideoCaptureMode mode) {
   return "unknown";
 }
 
+const char* nameOf(const corvana::SelfieCaptureState& state) {
+  static constexpr std::array kNames = {
+      "detectedIssue", "selfieSuccess",         "selfieTimedOut",   "selfieFailed",
+      "detectingFace", "multipleFacesDetected", "selfieMoveCloser", "selfieMoveAway",
+      "alignFace",     "capturingFace"};
+  static_assert(kNames.size() == std::variant_size_v<corvana::SelfieCaptureState::Value>);
+  return kNames[state.value.index()];
+}
+
+const char* nameOf(const corvana::IDCaptureState& state) {
+  static constexpr std::array kNames = {"detectingBox", "detectedBox",   "classifiedDocument",
+                                        "idSuccess",    "idTimedOut",    "idFailed",
+                                        "autofill",     "tooMuchGlare",  "idMoveCloser",
+                                        "idMoveAway",   "alignRectangle"};
+  static_assert(kNames.size() == std::variant_size_v<corvana::IDCaptureState::Value>);
+  return kNames[state.value.index()];
+}
+
 void ScriptedSpeechRecognizer::hear(const std::string& transcript) {
   platform::SFSpeechRecognitionResult result;
   std::istringstream words(transcript);
   for (std::string word; words >> word;)
     result.bestTranscription.segments.push_back({word});
-  post([result](auto& delegate) { delegate.speechRecognition(result); });
+  post("result", [result](auto& delegate) { delegate.speechRecognition(result); });
 }
 
 void ScriptedSpeechRecognizer::fail(const std::string& message) {
-  post([error = corvana::IDError(message)](auto& delegate) { delegate.speechRecognition(error); });
+  post("error",
+       [error = corvana::IDError(message)](auto& delegate) { delegate.speechRecognition(error); });
 }
 
-void ScriptedSpeechRecognizer::post(std::function<void(corvana::SpeechRecognizerDelegate&)> call) {
-  loop_.mainQueue().async([weak = weak_from_this(), call = std::move(call), run = run_] {
+void ScriptedSpeechRecognizer::post(const char* name,
+                                    std::function<void(corvana::SpeechRecognizerDelegate&)> call) {
+  loop_.mainQueue().async([weak = weak_from_this(), name, call = std::move(call), run = run_] {
     const auto self = weak.lock();
     if (!self || !self->running_ || run != self->run_) return;
+    if (self->onEvent_) self->onEvent_(name);
     if (const auto delegate = self->delegate_.lock()) call(*delegate);
   });
 }
@@ -51,11 +74,13 @@ void ScriptedSpeechRecognizer::start() {
   running_ = true;
   ++run_;
   ++starts_;
+  if (onEvent_) onEvent_("start");
 }
 
 void ScriptedSpeechRecognizer::stop() {
   running_ = false;
   ++stops_;
+  if (onEvent_) onEvent_("stop");
 }
 
 void ScriptedSpeechRecognizer::append(const platform::CMSampleBufferRef&) {
@@ -71,20 +96,31 @@ ScriptedRecorder::ScriptedRecorder(platform::RunLoop& loop, RecorderSetup record
   speech_ = std::make_shared<ScriptedSpeechRecognizer>(loop);
   speech_->available = setup.speechAvailable;
   speech_->audioLog_ = &audioCalls_;
+  speech_->onEvent_ = [this](const char* name) { note(Kind::speech, name); };
 }
 
-void ScriptedRecorder::post(std::function<void(corvana::VideoCaptureDelegate&)> call) {
-  captureQueue_->async([&loop = loop_, delegate = delegate_, call = std::move(call)] {
-    platform::callDelegate(loop, delegate, call);
+ScriptedRecorder::~ScriptedRecorder() {
+  if (speech_) speech_->onEvent_ = nullptr;
+}
+
+void ScriptedRecorder::post(Kind kind, const char* name,
+                            std::function<void(corvana::VideoCaptureDelegate&)> call) {
+  captureQueue_->async([weak = weak_from_this(), kind, name, call = std::move(call)] {
+    const auto self = weak.lock();
+    if (!self) return;
+    self->note(kind, name);
+    platform::callDelegate(self->loop_, self->delegate_, call);
   });
 }
 
 void ScriptedRecorder::report(corvana::SelfieCaptureState state) {
-  post([state = std::move(state)](auto& delegate) { delegate.update(state); });
+  const char* name = nameOf(state);
+  post(Kind::state, name, [state = std::move(state)](auto& delegate) { delegate.update(state); });
 }
 
 void ScriptedRecorder::report(corvana::IDCaptureState state) {
-  post([state = std::move(state)](auto& delegate) { delegate.update(state); });
+  const char* name = nameOf(state);
+  post(Kind::state, name, [state = std::move(state)](auto& delegate) { delegate.update(state); });
 }
 
 void ScriptedRecorder::reportLiveFace(const platform::CGRect& frame,
@@ -99,16 +135,18 @@ void ScriptedRecorder::reportLiveFaceLost() {
 
 void ScriptedRecorder::reportLiveFace(const std::optional<platform::CGRect>& frame,
                                       const platform::CGSize& fullSize, VideoCaptureMode mode) {
-  post([=](auto& delegate) { delegate.foundLiveFace(frame, fullSize, mode); });
+  const bool lost = !frame || mode == VideoCaptureMode::liveFaceLost;
+  post(Kind::liveFace, lost ? "lost" : "found",
+       [=](auto& delegate) { delegate.foundLiveFace(frame, fullSize, mode); });
 }
 
 int ScriptedRecorder::count(const std::string& call) const {
   return static_cast<int>(std::ranges::count(calls_, call));
 }
 
-void ScriptedRecorder::note(const std::string& call) {
-  calls_.push_back(call);
-  if (onCall) onCall(call);
+void ScriptedRecorder::note(Kind kind, const std::string& name) {
+  if (kind == Kind::call) calls_.push_back(name);
+  if (onEvent) onEvent({loop_.now(), kind, name});
 }
 
 void ScriptedRecorder::setDelegate(std::weak_ptr<corvana::VideoCaptureDelegate> delegate) {
@@ -117,24 +155,31 @@ void ScriptedRecorder::setDelegate(std::weak_ptr<corvana::VideoCaptureDelegate> 
 
 void ScriptedRecorder::setMode(VideoCaptureMode mode) {
   mode_ = mode;
-  note(std::string("setMode ") + nameOf(mode));
+  calls_.push_back(std::string("setMode ") + nameOf(mode));
+  note(Kind::mode, nameOf(mode));
 }
 
 void ScriptedRecorder::stopVideoWriter(StopCompletion completion) {
-  note("stopVideoWriter");
+  note(Kind::call, "stopVideoWriter");
   if (!completion) return;
-  loop_.mainQueue().asyncAfter(setup.stopLatency, [completion = std::move(completion),
-                                                   film = setup.film] { completion(film); });
+  note(Kind::completion, "expected");
+  loop_.mainQueue().asyncAfter(
+      setup.stopLatency,
+      [self = shared_from_this(), completion = std::move(completion), film = setup.film] {
+        self->note(Kind::completion, film ? "film" : "error");
+        completion(film);
+      });
 }
 
 void ScriptedRecorder::retry() {
+  note(Kind::call, "retry");
   mode_ = VideoCaptureMode::selfieCapture;
-  note("retry");
+  note(Kind::mode, nameOf(mode_));
   if (speech_ && speech_->available) speech_->start();
 }
 
 void ScriptedRecorder::typeMismatch() {
-  note("typeMismatch");
+  note(Kind::call, "typeMismatch");
 }
 
 void ScriptedRecorder::capturedVideo(const platform::CMSampleBufferRef&) {

@@ -7,12 +7,16 @@
 #include <vector>
 
 #include "corvana/HostFactories.h"
+#include "devices/scripted/HostContractValidator.h"
 #include "devices/scripted/ScriptedMedia.h"
 
 namespace devices {
 
 /// "selfieCapture", "idCapture", "readingText" or "liveFaceLost".
 const char* nameOf(corvana::VideoCaptureMode mode);
+/// The state's name in a `HostEvent`.
+const char* nameOf(const corvana::SelfieCaptureState& state);
+const char* nameOf(const corvana::IDCaptureState& state);
 
 /// Hears what a script says was spoken. Results and errors come on the main queue and only between
 /// start and stop.
@@ -40,11 +44,12 @@ class ScriptedSpeechRecognizer final
 
  private:
   friend class ScriptedRecorder;
-  void post(std::function<void(corvana::SpeechRecognizerDelegate&)> call);
+  void post(const char* name, std::function<void(corvana::SpeechRecognizerDelegate&)> call);
 
   platform::RunLoop& loop_;
   std::weak_ptr<corvana::SpeechRecognizerDelegate> delegate_;
   std::vector<std::string>* audioLog_ = nullptr;
+  std::function<void(const char* name)> onEvent_;
   bool running_ = false;
   int starts_ = 0;
   int stops_ = 0;
@@ -67,9 +72,11 @@ struct RecorderSetup {
 
 /// A recorder that reports what a script says, from a queue of its own, and notes every call made
 /// on it. It keeps the host's promises for what it does by itself: modes, the film's end, retry.
-class ScriptedRecorder final : public corvana::VideoCapture {
+class ScriptedRecorder final : public corvana::VideoCapture,
+                               public std::enable_shared_from_this<ScriptedRecorder> {
  public:
   ScriptedRecorder(platform::RunLoop& loop, RecorderSetup setup);
+  ~ScriptedRecorder() override;
 
   RecorderSetup setup;
 
@@ -92,8 +99,8 @@ class ScriptedRecorder final : public corvana::VideoCapture {
   const std::vector<std::string>& audioCalls() const { return audioCalls_; }
   int framesReceived() const { return framesReceived_; }
   bool hasDelegate() const { return !delegate_.expired(); }
-  /// Heard besides the notes; may be empty.
-  std::function<void(const std::string& call)> onCall;
+  /// Hears everything that passes between it and the module; may be empty.
+  std::function<void(const HostEvent&)> onEvent;
 
   ScriptedSpeechRecognizer* speechRecognizer() override { return speech_.get(); }
   void setDelegate(std::weak_ptr<corvana::VideoCaptureDelegate> delegate) override;
@@ -115,8 +122,9 @@ class ScriptedRecorder final : public corvana::VideoCapture {
     std::vector<std::string>& log_;
   };
 
-  void note(const std::string& call);
-  void post(std::function<void(corvana::VideoCaptureDelegate&)> call);
+  void note(HostEvent::Kind kind, const std::string& name);
+  void post(HostEvent::Kind kind, const char* name,
+            std::function<void(corvana::VideoCaptureDelegate&)> call);
 
   platform::RunLoop& loop_;
   std::shared_ptr<platform::DispatchQueue> captureQueue_;
