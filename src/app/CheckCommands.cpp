@@ -16,7 +16,8 @@ ExitCode runVerify(const fs::path& folder) {
     std::cerr << "videoid: " << names.error() << '\n';
     return ExitCode::flowError;
   }
-  for (const std::string& name : *names) std::cout << name << ": unchanged\n";
+  for (const std::string& name : *names)
+    std::cout << name << ": unchanged\n";
   return ExitCode::result;
 }
 
@@ -55,8 +56,8 @@ void addVerifyCommand(CLI::App& app, ExitCode& exitCode) {
 }
 
 void addDoctorCommand(CLI::App& app, ExitCode& exitCode) {
-  CLI::App& command = *app.add_subcommand(
-      "doctor", "Say what the machine lacks, and the package that cures it");
+  CLI::App& command =
+      *app.add_subcommand("doctor", "Say what the machine lacks, and the package that cures it");
   auto folder = std::make_shared<fs::path>(".");
   command.add_option("--output", *folder, "folder whose disk space is looked at (default: here)");
   command.callback([folder, &exitCode] { exitCode = runDoctor(*folder); });

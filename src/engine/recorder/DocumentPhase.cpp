@@ -5,21 +5,38 @@ namespace {
 
 using corvana::DetectedData;
 using corvana::IDCaptureState;
-using Verdict = DocumentView::Verdict;
+using Sight = DocumentPhase::Sight;
 
-IDCaptureState stateOf(Verdict verdict) {
-  switch (verdict) {
-    case Verdict::none:
+Sight sightOf(const DocumentView& view) {
+  if (view.tooMuchGlare) return Sight::tooMuchGlare;
+  switch (view.verdict) {
+    case CardVerdict::none:
       break;
-    case Verdict::moveCloser:
+    case CardVerdict::found:
+      return Sight::found;
+    case CardVerdict::moveCloser:
+      return Sight::moveCloser;
+    case CardVerdict::moveAway:
+      return Sight::moveAway;
+    case CardVerdict::alignRectangle:
+      return Sight::alignRectangle;
+  }
+  return Sight::none;
+}
+
+IDCaptureState stateOf(Sight sight) {
+  switch (sight) {
+    case Sight::none:
+      break;
+    case Sight::moveCloser:
       return {IDCaptureState::MoveCloser{}};
-    case Verdict::moveAway:
+    case Sight::moveAway:
       return {IDCaptureState::MoveAway{}};
-    case Verdict::alignRectangle:
+    case Sight::alignRectangle:
       return {IDCaptureState::AlignRectangle{}};
-    case Verdict::tooMuchGlare:
+    case Sight::tooMuchGlare:
       return {IDCaptureState::TooMuchGlare{}};
-    case Verdict::found:
+    case Sight::found:
       return {IDCaptureState::DetectedBox{}};
   }
   return {IDCaptureState::DetectingBox{}};
@@ -33,22 +50,21 @@ bool isComplete(const DetectedData& data) {
          (!data.shouldHaveMrz || data.mrz) && (!data.shouldHaveBarcode || data.barcode);
 }
 
-std::optional<IDCaptureState> DocumentPhase::outlineState(const DocumentView& view,
-                                                          platform::TimePoint now) {
-  if (view.verdict == reported_) {
+std::optional<IDCaptureState> DocumentPhase::change(Sight sight, platform::TimePoint now) {
+  if (sight == reported_) {
     pending_.reset();
     return {};
   }
-  if (view.verdict != pending_) {
-    pending_ = view.verdict;
+  if (sight != pending_) {
+    pending_ = sight;
     pendingSince_ = now;
   }
   // A card in sight is told at once; a complaint must last.
-  const bool atOnce = view.verdict == Verdict::found || !reported_;
+  const bool atOnce = sight == Sight::found || !reported_;
   if (!atOnce && now - pendingSince_ < kPatience) return {};
-  reported_ = view.verdict;
+  reported_ = sight;
   pending_.reset();
-  return stateOf(view.verdict);
+  return stateOf(sight);
 }
 
 void DocumentPhase::read(const DetectedData& data, platform::TimePoint now,
@@ -69,11 +85,12 @@ std::vector<IDCaptureState> DocumentPhase::judge(const DocumentView& view,
                                                  platform::TimePoint now) {
   std::vector<IDCaptureState> states;
   // Each side begins with an empty frame, also when a card is in view from the start.
-  if (!reported_ && view.verdict != Verdict::none) {
+  const Sight sight = sightOf(view);
+  if (!reported_ && sight != Sight::none) {
     states.push_back({IDCaptureState::DetectingBox{}});
   }
-  if (auto state = outlineState(view, now)) states.push_back(std::move(*state));
-  if (view.verdict == Verdict::found && view.reading) read(*view.reading, now, states);
+  if (auto state = change(sight, now)) states.push_back(std::move(*state));
+  if (sight == Sight::found && view.reading) read(*view.reading, now, states);
   return states;
 }
 

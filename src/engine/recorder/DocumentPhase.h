@@ -17,19 +17,21 @@ class DocumentPhase {
   /// What was read last; empty when nothing was.
   const corvana::DetectedData& last() const { return last_; }
 
+  /// What the user is told of the card's place and light.
+  enum class Sight { none, moveCloser, moveAway, alignRectangle, tooMuchGlare, found };
+
   static constexpr platform::Duration kSuccessInterval = std::chrono::milliseconds(500);
   /// How long a card may be out of sight before the user is told to show it: a hand's tremor hides
   /// its outline for a frame or two.
   static constexpr platform::Duration kPatience = std::chrono::milliseconds(400);
 
  private:
-  std::optional<corvana::IDCaptureState> outlineState(const DocumentView& view,
-                                                      platform::TimePoint now);
+  std::optional<corvana::IDCaptureState> change(Sight sight, platform::TimePoint now);
   void read(const corvana::DetectedData& data, platform::TimePoint now,
             std::vector<corvana::IDCaptureState>& states);
 
-  std::optional<DocumentView::Verdict> reported_;
-  std::optional<DocumentView::Verdict> pending_;
+  std::optional<Sight> reported_;
+  std::optional<Sight> pending_;
   platform::TimePoint pendingSince_;
   std::optional<platform::TimePoint> lastSuccess_;
   corvana::DetectedData last_;

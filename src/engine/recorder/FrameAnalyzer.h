@@ -7,6 +7,7 @@
 #include "corvana/DetectedData.h"
 #include "corvana/Selfie.h"
 #include "corvana/VideoCapture.h"
+#include "engine/document/CardFinder.h"
 #include "engine/selfie/SelfieVerdict.h"
 #include "platform/foundation/Time.h"
 #include "platform/geometry/Geometry.h"
@@ -40,8 +41,9 @@ struct SelfieView {
 
 /// A frame seen as a picture of a card.
 struct DocumentView {
-  enum class Verdict { none, moveCloser, moveAway, alignRectangle, tooMuchGlare, found };
-  Verdict verdict = Verdict::none;
+  CardVerdict verdict = CardVerdict::none;
+  /// Only judged when a card is found and would be read.
+  bool tooMuchGlare = false;
   /// Bounding box of the card, in the analysed picture.
   std::optional<platform::CGRect> location;
   /// What was read, when this frame was read.

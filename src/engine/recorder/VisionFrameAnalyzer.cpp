@@ -42,11 +42,10 @@ CGRect guideInPicture(const CGRect& overlay, const CGSize& screen, const CGSize&
   return {picture.width - left - width, top, width, overlay.height / scale};
 }
 
-VisionFrameAnalyzer::VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
-                                         std::shared_ptr<FaceLandmarks> landmarks,
+VisionFrameAnalyzer::VisionFrameAnalyzer(FaceDetector detector, FaceLandmarks landmarks,
                                          DocumentAnalyzer documents)
-    : detector_(detector),
-      selfies_(std::move(detector), std::move(landmarks)),
+    : detector_(std::make_shared<FaceDetector>(std::move(detector))),
+      selfies_(detector_, std::make_shared<FaceLandmarks>(std::move(landmarks))),
       documents_(std::move(documents)) {}
 
 tl::expected<std::shared_ptr<VisionFrameAnalyzer>, corvana::IDError> VisionFrameAnalyzer::load(
@@ -55,12 +54,10 @@ tl::expected<std::shared_ptr<VisionFrameAnalyzer>, corvana::IDError> VisionFrame
   if (!detector) return tl::unexpected(detector.error());
   auto landmarks = FaceLandmarks::load(models.faceLandmarks);
   if (!landmarks) return tl::unexpected(landmarks.error());
-  auto shared = std::make_shared<FaceDetector>(std::move(*detector));
-  auto documents = DocumentAnalyzer::load(shared);
+  auto documents = DocumentAnalyzer::load({.faceModel = models.faceDetector});
   if (!documents) return tl::unexpected(documents.error());
-  return std::shared_ptr<VisionFrameAnalyzer>(new VisionFrameAnalyzer(
-      std::move(shared), std::make_shared<FaceLandmarks>(std::move(*landmarks)),
-      std::move(*documents)));
+  return std::shared_ptr<VisionFrameAnalyzer>(
+      new VisionFrameAnalyzer(std::move(*detector), std::move(*landmarks), std::move(*documents)));
 }
 
 Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& frame,
@@ -124,6 +121,24 @@ void VisionFrameAnalyzer::followLiveFace(const PixelBuffer& picture, Observation
   const auto sighting = tracker_.update(faces, observation.frameTime);
   observation.liveFace = sighting.box;
   observation.liveFaceLostFor = sighting.lostFor;
+}
+
+DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
+                                                  const Observation& observation) {
+  const AnalysisTask& task = observation.task;
+  const CardSighting sighting = documents_.find(
+      *picture, guideInPicture(task.idOverlayFrame, task.screenSize, observation.fullSize));
+  DocumentView view;
+  view.verdict = sighting.verdict;
+  if (sighting.outline) view.location = sighting.outline->bounds();
+  const bool due = !lastReading_ || observation.frameTime - *lastReading_ >= kReadInterval;
+  if (sighting.verdict != CardVerdict::found || !sighting.outline || !due) return view;
+  const CardView card = documents_.view(*picture, *sighting.outline);
+  view.tooMuchGlare = card.hasTooMuchGlare();
+  if (view.tooMuchGlare || card.isBlurred()) return view;
+  lastReading_ = observation.frameTime;
+  view.reading = documents_.read(card).data;
+  return view;
 }
 
 }  // namespace engine

@@ -34,8 +34,7 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   static constexpr platform::Duration kReadInterval = std::chrono::milliseconds(500);
 
  private:
-  VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
-                      std::shared_ptr<FaceLandmarks> landmarks, DocumentAnalyzer documents);
+  VisionFrameAnalyzer(FaceDetector detector, FaceLandmarks landmarks, DocumentAnalyzer documents);
 
   SelfieView lookForSelfie(const platform::PixelBufferRef& picture, Observation& observation);
   void followLiveFace(const platform::PixelBuffer& picture, Observation& observation);

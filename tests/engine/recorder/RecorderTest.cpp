@@ -34,7 +34,7 @@ std::function<void(Observation&)> showCard(corvana::DocumentSide side) {
     showGoodFace(observation);
     if (observation.task.mode != VideoCaptureMode::idCapture) return;
     observation.document = DocumentView{};
-    observation.document->verdict = DocumentView::Verdict::found;
+    observation.document->verdict = engine::CardVerdict::found;
     observation.document->reading = readSide(side);
   };
 }
