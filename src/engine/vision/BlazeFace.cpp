@@ -55,7 +55,8 @@ void fillInput(std::span<float> input, const cv::Mat& rgb, const cv::Rect& windo
   cv::Mat square = rgb(inside);
   if (inside != window) {
     cv::copyMakeBorder(square, square, inside.y - window.y, window.br().y - inside.br().y,
-                       inside.x - window.x, window.br().x - inside.br().x, cv::BORDER_CONSTANT);
+                       inside.x - window.x, window.br().x - inside.br().x,
+                       cv::BORDER_CONSTANT | cv::BORDER_ISOLATED);
   }
   cv::Mat small;
   cv::resize(square, small, {kInputSide, kInputSide}, 0, 0,
@@ -127,6 +128,7 @@ std::vector<Face> merged(std::vector<Face> faces) {
 
 std::vector<Face> look(TfliteModel& model, const cv::Mat& rgb, const cv::Rect& window) {
   static const std::vector<CGPoint> anchors = makeAnchors();
+  if ((window & cv::Rect({}, rgb.size())).empty()) return {};
   fillInput(model.input(), rgb, window);
   model.run();
   const std::span<const float> values = model.output(0);

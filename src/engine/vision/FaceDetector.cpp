@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include <opencv2/imgproc.hpp>
+
 #include "engine/vision/BlazeFace.h"
 #include "engine/vision/MatViews.h"
 
@@ -13,6 +15,9 @@ namespace {
 /// The second look's crop is this many times as wide as the face: the scale at which the network is
 /// most exact.
 constexpr double kSecondLookScale = 3;
+
+/// Less sure than this at the best scale, it is a pattern that looked like a face; faces get 0.9.
+constexpr float kMinSecondScore = 0.65F;
 
 /// A first look at least this sure stays when the second does not see the face (it may be half
 /// hidden); one less sure was a mistake.
@@ -59,25 +64,68 @@ bool isOnPicture(const Face& face, cv::Size picture) {
          face.box.midY() < picture.height;
 }
 
-void append(std::vector<Face>& faces, const std::vector<Face>& more) {
-  faces.insert(faces.end(), more.begin(), more.end());
+platform::CGPoint twice(const platform::CGPoint& point) {
+  return {2 * point.x, 2 * point.y};
 }
 
+Face twice(Face face) {
+  face.box = {2 * face.box.x, 2 * face.box.y, 2 * face.box.width, 2 * face.box.height};
+  for (platform::CGPoint& point : face.keypoints)
+    point = twice(point);
+  return face;
+}
+
+/// The picture and its half, from which wide windows are taken: shrinking them costs as much as the
+/// network does.
+class Looker {
+ public:
+  Looker(TfliteModel& model, cv::Mat rgb) : model_(model), rgb_(std::move(rgb)) {}
+
+  cv::Size size() const { return rgb_.size(); }
+
+  std::vector<Face> look(const cv::Rect& window) {
+    if (window.width < kHalvedWindow) return blazeface::look(model_, rgb_, window);
+    if (half_.empty()) {
+      cv::resize(rgb_, half_, {(rgb_.cols + 1) / 2, (rgb_.rows + 1) / 2}, 0, 0, cv::INTER_AREA);
+    }
+    const cv::Rect halved(window.x / 2, window.y / 2, window.width / 2, window.height / 2);
+    std::vector<Face> faces = blazeface::look(model_, half_, halved);
+    for (Face& face : faces)
+      face = twice(face);
+    return faces;
+  }
+
+ private:
+  static constexpr int kHalvedWindow = 4 * blazeface::kInputSide;
+
+  TfliteModel& model_;
+  cv::Mat rgb_;
+  cv::Mat half_;
+};
+
 /// The faces again, each seen through a crop around it.
-std::vector<Face> secondLook(TfliteModel& model, const cv::Mat& rgb,
-                             const std::vector<Face>& found) {
+std::vector<Face> secondLook(Looker& looker, const std::vector<Face>& found) {
   std::vector<Face> faces;
   for (const Face& first : found) {
     const std::vector<Face> seen =
-        blazeface::look(model, rgb, squareAround(first.box, kSecondLookScale * first.size()));
+        looker.look(squareAround(first.box, kSecondLookScale * first.size()));
     const auto closest = std::ranges::max_element(
         seen, {}, [&](const Face& face) { return overlap(face.box, first.box); });
     if (closest != seen.end() && overlap(closest->box, first.box) > kSameFaceOverlap) {
-      faces.push_back(*closest);
+      if (closest->score >= kMinSecondScore) faces.push_back(*closest);
     } else if (first.score >= kSureScore) {
       faces.push_back(first);
     }
   }
+  return faces;
+}
+
+/// What is left of the faces after the second look, the largest first.
+std::vector<Face> settled(Looker& looker, std::vector<Face> found) {
+  std::vector<Face> faces =
+      blazeface::merged(secondLook(looker, blazeface::merged(std::move(found))));
+  std::erase_if(faces, [&](const Face& face) { return !isOnPicture(face, looker.size()); });
+  std::ranges::stable_sort(faces, std::ranges::greater{}, &Face::size);
   return faces;
 }
 
@@ -91,26 +139,28 @@ tl::expected<FaceDetector, corvana::IDError> FaceDetector::load(
 }
 
 std::vector<Face> FaceDetector::detect(const platform::PixelBuffer& picture, Search search) {
-  const cv::Mat rgb = rgbMat(picture);
-  const cv::Size size = rgb.size();
-  const auto [shorter, longer] = std::minmax(size.width, size.height);
-  const auto lookAtSquares = [&](std::vector<Face>& found, int side) {
-    for (const cv::Rect& window : squares(size, side)) {
-      append(found, blazeface::look(model_, rgb, window));
+  Looker looker(model_, rgbMat(picture));
+  const auto [shorter, longer] = std::minmax({picture.width(), picture.height()});
+  std::vector<Face> found;
+  const auto lookAtSquares = [&](int side) {
+    for (const cv::Rect& window : squares(looker.size(), side)) {
+      const std::vector<Face> faces = looker.look(window);
+      found.insert(found.end(), faces.begin(), faces.end());
     }
   };
-
-  std::vector<Face> found;
-  lookAtSquares(found, longer);
-  if (longer > shorter) lookAtSquares(found, shorter);
+  lookAtSquares(longer);
+  if (longer > shorter) lookAtSquares(shorter);
   if (found.empty() || search == Search::everywhere) {
-    lookAtSquares(found, std::max(1, static_cast<int>(shorter / kSmallSquares)));
+    lookAtSquares(std::max(1, static_cast<int>(shorter / kSmallSquares)));
   }
-  std::vector<Face> faces =
-      blazeface::merged(secondLook(model_, rgb, blazeface::merged(std::move(found))));
-  std::erase_if(faces, [&](const Face& face) { return !isOnPicture(face, size); });
-  std::ranges::stable_sort(faces, std::ranges::greater{}, &Face::size);
-  return faces;
+  return settled(looker, std::move(found));
+}
+
+std::vector<Face> FaceDetector::detectNear(const platform::PixelBuffer& picture,
+                                           const platform::CGRect& box) {
+  Looker looker(model_, rgbMat(picture));
+  const double side = kSecondLookScale * std::max(box.width, box.height);
+  return settled(looker, looker.look(squareAround(box, side)));
 }
 
 }  // namespace engine
