@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
-#include <cstring>
 #include <mutex>
 #include <utility>
 
 #include <gst/app/gstappsrc.h>
 #include <gst/audio/audio.h>
-#include <gst/video/video.h>
+
+#include "devices/gstreamer/GstPicture.h"
 
 namespace devices {
 namespace {
@@ -27,18 +27,6 @@ std::string replaced(std::string text, const std::string& mark, int value) {
     text.replace(at, mark.size(), std::to_string(value));
   }
   return text;
-}
-
-GstVideoFormat videoFormat(platform::PixelFormat format) {
-  switch (format) {
-    case platform::PixelFormat::rgb24:
-      return GST_VIDEO_FORMAT_RGB;
-    case platform::PixelFormat::gray8:
-      return GST_VIDEO_FORMAT_GRAY8;
-    case platform::PixelFormat::i420:
-      return GST_VIDEO_FORMAT_I420;
-  }
-  return GST_VIDEO_FORMAT_UNKNOWN;
 }
 
 /// Chroma at half size leaves no room for an odd row or column: the last one is cut off.
@@ -115,19 +103,6 @@ struct FrameHold {
   }
 };
 
-void describePlanes(GstBuffer* buffer, const platform::PixelBuffer& image) {
-  gsize offsets[GST_VIDEO_MAX_PLANES] = {};
-  gint strides[GST_VIDEO_MAX_PLANES] = {};
-  for (int plane = 0; plane < image.planeCount(); ++plane) {
-    offsets[plane] = static_cast<gsize>(image.plane(plane) - image.bytes().data());
-    strides[plane] = image.stride(plane);
-  }
-  gst_buffer_add_video_meta_full(buffer, GST_VIDEO_FRAME_FLAG_NONE, videoFormat(image.format()),
-                                 static_cast<guint>(even(image.width())),
-                                 static_cast<guint>(even(image.height())),
-                                 static_cast<guint>(image.planeCount()), offsets, strides);
-}
-
 }  // namespace
 
 std::string FilmPipeline::launchLine(const FilmFormat& format) {
@@ -156,16 +131,8 @@ FilmPipeline::~FilmPipeline() {
 
 void FilmPipeline::configureSources() {
   video_ = child(pipeline_, "video");
-  GstVideoInfo video;
-  gst_video_info_set_format(&video, videoFormat(format_.pixelFormat),
-                            static_cast<guint>(even(format_.width)),
-                            static_cast<guint>(even(format_.height)));
-  video.fps_n = format_.framesPerSecond;
-  video.fps_d = 1;
-  if (format_.pixelFormat != platform::PixelFormat::rgb24) {
-    gst_video_colorimetry_from_string(&video.colorimetry, GST_VIDEO_COLORIMETRY_BT601);
-  }
-  const GstPtr<GstCaps> videoCaps(gst_video_info_to_caps(&video));
+  const auto videoCaps = pictureCaps(format_.pixelFormat, even(format_.width), even(format_.height),
+                                     format_.framesPerSecond);
   gst_app_src_set_caps(GST_APP_SRC(video_), videoCaps.get());
   if (!format_.hasAudio) return;
 
@@ -223,14 +190,11 @@ void FilmPipeline::pushVideo(platform::PixelBufferRef image, platform::Duration 
     ++state_->framesWaiting;
   }
   const platform::PixelBuffer& pixels = *image;
-  auto bytes = const_cast<std::uint8_t*>(pixels.bytes().data());
-  GstBuffer* buffer = gst_buffer_new_wrapped_full(
-      GST_MEMORY_FLAG_READONLY, bytes, pixels.bytes().size(), 0, pixels.bytes().size(),
-      new Hold{std::move(image), state_}, &Hold::release);
-  describePlanes(buffer, pixels);
-  GST_BUFFER_PTS(buffer) = clockTime(time);
-  GST_BUFFER_DURATION(buffer) = clockTime(duration);
-  gst_app_src_push_buffer(GST_APP_SRC(video_), buffer);
+  GstPtr<GstBuffer> buffer = wrapPicture(pixels, even(pixels.width()), even(pixels.height()),
+                                         new Hold{std::move(image), state_}, &Hold::release);
+  GST_BUFFER_PTS(buffer.get()) = clockTime(time);
+  GST_BUFFER_DURATION(buffer.get()) = clockTime(duration);
+  gst_app_src_push_buffer(GST_APP_SRC(video_), buffer.release());
 }
 
 void FilmPipeline::pushAudio(const std::vector<std::int16_t>& samples, std::int64_t position) {

@@ -37,7 +37,8 @@ const NeededElement kNeeded[] = {
     {"avdec_aac", kLibav, "reading AAC sound"},
 };
 
-/// Best first. Fixed threads: the same frames give the same bytes whatever the number of cores.
+/// Best first. One thread for x264: with more, its rate control depends on which slice is done
+/// first, and the same frames no longer give the same bytes.
 const VideoEncoder kVideoEncoders[] = {
     {"vah265enc", platform::kAVVideoCodecTypeHEVC, true,
      "rate-control=cbr bitrate=%b key-int-max=%k b-frames=0 ! h265parse"},
@@ -48,7 +49,7 @@ const VideoEncoder kVideoEncoders[] = {
     {"x265enc", platform::kAVVideoCodecTypeHEVC, false,
      "speed-preset=ultrafast tune=zerolatency bitrate=%b key-int-max=%k ! h265parse"},
     {"x264enc", platform::kAVVideoCodecTypeH264, false,
-     "speed-preset=superfast tune=zerolatency threads=2 bitrate=%b key-int-max=%k"},
+     "speed-preset=superfast tune=zerolatency threads=1 bitrate=%b key-int-max=%k"},
     {"openh264enc", platform::kAVVideoCodecTypeH264, false,
      "complexity=low multi-thread=1 rate-control=bitrate bitrate=%B gop-size=%k ! h264parse"},
 };

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <utility>
 
 #include <gst/app/gstappsink.h>
-#include <gst/video/video.h>
+
+#include "devices/gstreamer/GstPicture.h"
 
 namespace devices {
 namespace {
@@ -33,49 +33,32 @@ void replace(std::string& text, const std::string& mark, int value) {
   text.replace(text.find(mark), mark.size(), std::to_string(value));
 }
 
-platform::PixelBufferRef copyPicture(GstSample* sample) {
-  GstVideoInfo info;
-  GstVideoFrame frame;
-  if (!gst_video_info_from_caps(&info, gst_sample_get_caps(sample)) ||
-      !gst_video_frame_map(&frame, &info, gst_sample_get_buffer(sample), GST_MAP_READ)) {
-    return nullptr;
-  }
-  const int width = GST_VIDEO_INFO_WIDTH(&info);
-  const int height = GST_VIDEO_INFO_HEIGHT(&info);
-  std::vector<std::uint8_t> bytes(
-      platform::PixelBuffer::byteCount(width, height, platform::PixelFormat::i420));
-  std::uint8_t* out = bytes.data();
-  for (guint plane = 0; plane < 3; ++plane) {
-    const auto* row = static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&frame, plane));
-    const int rowBytes = GST_VIDEO_FRAME_COMP_WIDTH(&frame, plane);
-    for (int y = 0; y < GST_VIDEO_FRAME_COMP_HEIGHT(&frame, plane); ++y) {
-      std::memcpy(out, row, static_cast<std::size_t>(rowBytes));
-      out += rowBytes;
-      row += GST_VIDEO_FRAME_PLANE_STRIDE(&frame, plane);
-    }
-  }
-  gst_video_frame_unmap(&frame);
-  return std::make_shared<platform::PixelBuffer>(width, height, platform::PixelFormat::i420,
-                                                 std::move(bytes));
+/// The decoder of a file, started.
+tl::expected<StreamReader, std::string> decode(const std::filesystem::path& path,
+                                               const std::string& conversion) {
+  auto reader = StreamReader::open(path.string(), "filesrc name=file ! decodebin ! " + conversion);
+  if (!reader) return reader;
+  g_object_set(reader->element("file"), "location", path.c_str(), nullptr);
+  reader->start();
+  return reader;
 }
 
 }  // namespace
 
-StreamReader::StreamReader(const std::filesystem::path& path, GstPtr<GstElement> pipeline)
-    : name_(path.string()), pipeline_(std::move(pipeline)), sink_(child(pipeline_, "sink")) {}
+StreamReader::StreamReader(std::string name, GstPtr<GstElement> pipeline)
+    : name_(std::move(name)), pipeline_(std::move(pipeline)), sink_(element("sink")) {}
 
-tl::expected<StreamReader, std::string> StreamReader::open(const std::filesystem::path& path,
-                                                           const std::string& conversion) {
-  GstPtr<GstElement> pipeline = launch("filesrc name=file ! decodebin ! " + conversion +
-                                       " ! appsink name=sink sync=false max-buffers=4");
-  if (!pipeline) {
-    return tl::unexpected(path.string() +
-                          " can't be decoded: elements of GStreamer are missing; install "
-                          "gstreamer1.0-plugins-base, -good and gstreamer1.0-libav.");
-  }
-  g_object_set(child(pipeline, "file"), "location", path.c_str(), nullptr);
-  gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
-  return StreamReader(path, std::move(pipeline));
+tl::expected<StreamReader, std::string> StreamReader::open(std::string name,
+                                                           const std::string& line) {
+  GstPtr<GstElement> pipeline = launch(line + " ! appsink name=sink sync=false max-buffers=4");
+  if (pipeline) return StreamReader(std::move(name), std::move(pipeline));
+  return tl::unexpected(name +
+                        " can't be read or written: elements of GStreamer are missing; install "
+                        "gstreamer1.0-plugins-base, -good and gstreamer1.0-libav.");
+}
+
+void StreamReader::start() {
+  gst_element_set_state(pipeline_.get(), GST_STATE_PLAYING);
 }
 
 tl::expected<GstPtr<GstSample>, std::string> StreamReader::pull() {
@@ -113,7 +96,7 @@ tl::expected<std::unique_ptr<VideoReader>, std::string> VideoReader::open(
   std::string conversion = kPictureConversion;
   replace(conversion, "%w", info.width);
   replace(conversion, "%h", info.height);
-  auto reader = StreamReader::open(path, conversion);
+  auto reader = decode(path, conversion);
   if (!reader) return tl::unexpected(reader.error());
   return std::unique_ptr<VideoReader>(new VideoReader(path, info, std::move(*reader)));
 }
@@ -142,7 +125,7 @@ tl::expected<std::optional<VideoReader::Picture>, std::string> VideoReader::next
     const auto placed = placePicture(sample->get());
     if (!placed) return tl::unexpected(placed.error());
     if (!*placed) continue;
-    platform::PixelBufferRef image = copyPicture(sample->get());
+    platform::PixelBufferRef image = copyPicture(sample->get(), platform::PixelFormat::i420);
     if (!image) return tl::unexpected(name_ + " holds a picture that can't be read.");
     return Picture{std::move(image), *last_};
   }
@@ -153,7 +136,7 @@ AudioReader::AudioReader(StreamReader reader, platform::Duration origin)
 
 tl::expected<std::unique_ptr<AudioReader>, std::string> AudioReader::open(
     const std::filesystem::path& path, platform::Duration origin) {
-  auto reader = StreamReader::open(path, kSoundConversion);
+  auto reader = decode(path, kSoundConversion);
   if (!reader) return tl::unexpected(reader.error());
   return std::unique_ptr<AudioReader>(new AudioReader(std::move(*reader), origin));
 }

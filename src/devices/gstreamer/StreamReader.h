@@ -15,12 +15,15 @@
 
 namespace devices {
 
-/// One decoded stream of a file, pulled piece by piece; decoding runs a few pieces ahead. No call
+/// One stream pulled piece by piece out of a pipeline, which works a few pieces ahead. No call
 /// takes longer than half a minute. One thread at a time.
 class StreamReader {
  public:
-  static tl::expected<StreamReader, std::string> open(const std::filesystem::path& path,
-                                                      const std::string& conversion);
+  /// `name` is the file's in errors, `line` the launch line up to what is pulled.
+  static tl::expected<StreamReader, std::string> open(std::string name, const std::string& line);
+  /// An element of the line, to be set up before the start.
+  GstElement* element(const char* elementName) { return child(pipeline_, elementName); }
+  void start();
   /// Null at the end of the stream; the error is one sentence.
   tl::expected<GstPtr<GstSample>, std::string> pull();
 
@@ -28,7 +31,7 @@ class StreamReader {
   static std::optional<platform::Duration> timeOf(GstSample* sample);
 
  private:
-  StreamReader(const std::filesystem::path& path, GstPtr<GstElement> pipeline);
+  StreamReader(std::string name, GstPtr<GstElement> pipeline);
 
   std::string name_;
   GstPtr<GstElement> pipeline_;

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include <tl/expected.hpp>
+
+#include "platform/media/PixelBuffer.h"
+
+/// Picture files. Blocking; any thread. Errors are one sentence each.
+namespace devices {
+
+/// Pictures of more pixels are not read: a small file can claim any size.
+constexpr int kMaxImagePixels = 64'000'000;
+
+/// A JPEG or PNG file as rgb24, turned upright by the camera's note on its orientation.
+tl::expected<platform::PixelBufferRef, std::string> readImage(const std::filesystem::path& path);
+
+/// Writes a picture of any pixel format, readable by its owner only; an existing file is replaced,
+/// and nothing half-written stays.
+tl::expected<void, std::string> writePng(const std::filesystem::path& path,
+                                         const platform::PixelBuffer& image);
+tl::expected<void, std::string> writeJpeg(const std::filesystem::path& path,
+                                          const platform::PixelBuffer& image);
+
+}  // namespace devices

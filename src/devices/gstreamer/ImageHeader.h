@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+namespace devices {
+
+/// What the first bytes of a picture file tell, read without decoding it.
+struct ImageHeader {
+  enum class Type { jpeg, png };
+
+  Type type = Type::jpeg;
+  int width = 0;
+  int height = 0;
+  /// The camera's notes (EXIF) from their byte order mark on; empty when there are none.
+  std::string_view exif;
+};
+
+/// Absent when the bytes are neither JPEG nor PNG, or are damaged before their size.
+std::optional<ImageHeader> readImageHeader(std::string_view bytes);
+
+}  // namespace devices

@@ -1,0 +1,143 @@
+#include <algorithm>
+
+#include <sys/stat.h>
+
+#include "MediaTestSupport.h"
+#include "devices/gstreamer/ImageFile.h"
+#include "devices/gstreamer/MediaElements.h"
+
+namespace devices::test {
+namespace {
+
+using platform::PixelBuffer;
+using platform::PixelFormat;
+
+constexpr int kWidth = 37;
+constexpr int kHeight = 24;
+
+/// Left half red, right half blue, with a green band at the top.
+PixelBuffer flag() {
+  std::vector<std::uint8_t> bytes;
+  for (int y = 0; y < kHeight; ++y) {
+    for (int x = 0; x < kWidth; ++x) {
+      const bool top = y < kHeight / 3;
+      const bool left = x < kWidth / 2;
+      for (const bool on : {left && !top, top, !left && !top})
+        bytes.push_back(on ? 255 : 0);
+    }
+  }
+  return PixelBuffer(kWidth, kHeight, PixelFormat::rgb24, bytes);
+}
+
+/// The strongest colour near the middle of the left, right, top or bottom edge.
+char colourAt(const PixelBuffer& image, char edge) {
+  const int x = edge == 'l' ? 1 : edge == 'r' ? 8 : 5;
+  const int y = edge == 't' ? 1 : edge == 'b' ? 8 : 5;
+  const std::uint8_t* pixel =
+      image.plane(0) + y * image.height() / 10 * image.stride(0) + x * image.width() / 10 * 3;
+  return "RGB"[std::max_element(pixel, pixel + 3) - pixel];
+}
+
+/// Puts an EXIF note on the orientation behind the first marker of a JPEG file.
+std::string withOrientation(const std::string& jpeg, char orientation) {
+  using namespace std::string_literals;
+  const std::string note =
+      "Exif\0\0MM\0\x2a\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0"s + orientation + "\0\0\0\0\0\0"s;
+  const auto length = static_cast<char>(note.size() + 2);
+  return jpeg.substr(0, 2) + "\xff\xe1\0"s + length + note + jpeg.substr(2);
+}
+
+TEST(ImageFileTest, readsWhatItWrites) {
+  TemporaryFolder folder;
+  const PixelBuffer image = flag();
+  ASSERT_TRUE(writePng(folder / "flag.png", image));
+  const auto png = readImage(folder / "flag.png");
+  ASSERT_TRUE(png) << png.error();
+  EXPECT_EQ((*png)->bytes(), image.bytes());
+
+  ASSERT_TRUE(writeJpeg(folder / "flag.jpg", image));
+  ASSERT_TRUE(writeJpeg(folder / "flag.jpg", image)) << "a second writing replaces the file";
+  const auto jpeg = readImage(folder / "flag.jpg");
+  ASSERT_TRUE(jpeg) << jpeg.error();
+  ASSERT_EQ((*jpeg)->width(), kWidth);
+  const std::uint8_t* red = (*jpeg)->plane(0) + 20 * (*jpeg)->stride(0) + 5 * 3;
+  EXPECT_NEAR(red[0], 255, 8);
+  EXPECT_NEAR(red[1], 0, 8);
+  EXPECT_NEAR(red[2], 0, 8);
+  struct stat status {};
+  ASSERT_EQ(::stat((folder / "flag.jpg").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0600u);
+}
+
+TEST(ImageFileTest, writesLimitedRangeColoursAsTheyAre) {
+  TemporaryFolder folder;
+  // BT.601: this is a strong, pure red.
+  std::vector<std::uint8_t> bytes(64 * 64, 81);
+  bytes.resize(bytes.size() + 32 * 32, 90);
+  bytes.resize(bytes.size() + 32 * 32, 240);
+  ASSERT_TRUE(writePng(folder / "red.png", PixelBuffer(64, 64, PixelFormat::i420, bytes)));
+  const auto red = readImage(folder / "red.png");
+  ASSERT_TRUE(red) << red.error();
+  EXPECT_NEAR((*red)->bytes()[0], 254, 3);
+  EXPECT_NEAR((*red)->bytes()[1], 0, 3);
+  EXPECT_NEAR((*red)->bytes()[2], 0, 3);
+}
+
+TEST(ImageFileTest, turnsPicturesUpright) {
+  TemporaryFolder folder;
+  ASSERT_TRUE(writeJpeg(folder / "flag.jpg", flag()));
+  const std::string jpeg = bytesOf(folder / "flag.jpg");
+  // At which edge of the upright picture green and red lie.
+  const struct {
+    char orientation;
+    char green;
+    char red;
+  } kCases[] = {{1, 't', 'l'}, {2, 't', 'r'}, {3, 'b', 'r'}, {4, 'b', 'l'},
+                {5, 'l', 't'}, {6, 'r', 't'}, {7, 'r', 'b'}, {8, 'l', 'b'}};
+  for (const auto& test : kCases) {
+    SCOPED_TRACE(static_cast<int>(test.orientation));
+    writeBytes(folder / "turned.jpg", withOrientation(jpeg, test.orientation));
+    const auto image = readImage(folder / "turned.jpg");
+    ASSERT_TRUE(image) << image.error();
+    EXPECT_EQ((*image)->width(), test.orientation > 4 ? kHeight : kWidth);
+    EXPECT_EQ(colourAt(**image, test.green), 'G');
+    EXPECT_EQ(colourAt(**image, test.red), 'R');
+  }
+}
+
+TEST(ImageFileTest, saysInOneSentenceWhatIsWrong) {
+  TemporaryFolder folder;
+  ASSERT_TRUE(writePng(folder / "flag.png", flag()));
+  ASSERT_TRUE(writeJpeg(folder / "flag.jpg", flag()));
+  const std::string png = bytesOf(folder / "flag.png");
+  const std::string jpeg = bytesOf(folder / "flag.jpg");
+  std::string bomb = png;
+  bomb.replace(16, 8, std::string("\0\0\xff\xff\0\0\xff\xff", 8));
+  writeBytes(folder / "bomb.png", bomb);
+  writeBytes(folder / "cut.png", png.substr(0, 60));
+  writeBytes(folder / "cut.jpg", jpeg.substr(0, 30));
+  writeBytes(folder / "text.jpg", "no picture");
+  const struct {
+    const char* name;
+    const char* part;
+  } kCases[] = {{"none.png", "There is no file"}, {".", "is not a file"},
+                {"text.jpg", "is not a picture"}, {"bomb.png", "claims 65535x65535"},
+                {"cut.png", "is damaged"},        {"cut.jpg", "is not a picture"}};
+  for (const auto& test : kCases) {
+    const auto image = readImage(folder / test.name);
+    ASSERT_FALSE(image) << test.name;
+    EXPECT_NE(image.error().find(test.part), std::string::npos) << image.error();
+  }
+  EXPECT_FALSE(writePng(folder / "none/flag.png", flag()));
+}
+
+TEST(MediaElementsTest, findsAllThatThisMachineNeeds) {
+  for (const MissingElement& missing : missingElements()) {
+    ADD_FAILURE() << missing.element << ": install " << missing.package;
+  }
+  EXPECT_FALSE(realTimeVideoCodecs().empty());
+  EXPECT_FALSE(isElementInstalled("no-such-element"));
+}
+
+}  // namespace
+}  // namespace devices::test
