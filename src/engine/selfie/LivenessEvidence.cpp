@@ -98,15 +98,21 @@ double nonPlanarMotion(const FaceMesh& reference, const FaceMesh& face) {
 }
 
 void LivenessEvidence::watchLids(const Observation& observation) {
+  if (closedSince_ && observation.time - *closedSince_ > kLongestBlink) {
+    // No blink: other light, another angle. What is usual has to be learned anew.
+    closedSince_.reset();
+    recentOpenings_.clear();
+  }
   if (recentOpenings_.size() >= kFewestOpenings) {
     const double usual = median({recentOpenings_.begin(), recentOpenings_.end()});
     if (observation.lidOpening < kClosedPart * usual) {
       if (!closedSince_) closedSince_ = observation.time;
     } else if (closedSince_ && observation.lidOpening > kReopenedPart * usual) {
-      blinkSeen_ = blinkSeen_ || observation.time - *closedSince_ <= kLongestBlink;
+      blinkSeen_ = true;
       closedSince_.reset();
     }
   }
+  if (closedSince_) return;
   recentOpenings_.push_back(observation.lidOpening);
   if (recentOpenings_.size() > kMostOpenings) recentOpenings_.pop_front();
 }

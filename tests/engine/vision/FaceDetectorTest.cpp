@@ -1,0 +1,87 @@
+#include <cmath>
+
+#include <gtest/gtest.h>
+
+#include "engine/vision/FaceDetector.h"
+#include "engine/vision/FaceLandmarks.h"
+#include "engine/vision/MatViews.h"
+#include "engine/vision/Portraits.h"
+
+namespace engine {
+namespace {
+
+struct Expected {
+  char person;
+  double tolerance;
+  std::array<platform::CGPoint, 4> points;  // right eye, left eye, nose tip, mouth
+  double yaw, roll;
+};
+
+// Points read off the enlarged photographs by eye.
+class Portrait : public testing::TestWithParam<Expected> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    Samples, Portrait,
+    testing::Values(Expected{'a', 4, {{{204, 101}, {246, 104}, {224, 129}, {222, 147}}}, 0, 3},
+                    Expected{'b', 10, {{{437, 267}, {536, 287}, {490, 333}, {470, 384}}}, 9, 12}));
+
+TEST_P(Portrait, HasItsFeaturesWhereTheEyeSeesThem) {
+  const auto picture = pixelBufferFrom(tests::portrait(GetParam().person));
+  const std::vector<Face> faces = tests::detector().detect(*picture);
+  ASSERT_EQ(faces.size(), 1U);
+  for (std::size_t i = 0; i < GetParam().points.size(); ++i) {
+    EXPECT_NEAR(faces[0].keypoints[i].x, GetParam().points[i].x, GetParam().tolerance) << i;
+    EXPECT_NEAR(faces[0].keypoints[i].y, GetParam().points[i].y, GetParam().tolerance) << i;
+  }
+
+  const FaceDetails details = tests::landmarks().locate(*picture, faces[0]);
+  EXPECT_GT(details.presence, 0.9F);
+  EXPECT_GT(details.leftEyeOpen, 0.8F);
+  EXPECT_GT(details.rightEyeOpen, 0.8F);
+  EXPECT_NEAR(details.pose.yaw, GetParam().yaw, 5);
+  EXPECT_NEAR(details.pose.roll, GetParam().roll, 3);
+  EXPECT_NEAR(details.mouth.midX(), GetParam().points[3].x, GetParam().tolerance);
+  EXPECT_NEAR(details.mouth.midY(), GetParam().points[3].y, GetParam().tolerance);
+}
+
+TEST(FaceDetector, FindsOneFaceWhereverAndHoweverLargeItIs) {
+  for (const tests::Placed& placed : {tests::Placed{'a', 360, 640, 90},
+                                      {'b', 140, 250, 90},
+                                      {'a', 600, 1100, 120},
+                                      {'b', 500, 400, 160},
+                                      {'b', 250, 900, 240},
+                                      {'a', 400, 500, 320},
+                                      {'b', 360, 640, 420},
+                                      {'a', 360, 600, 520}}) {
+    const auto picture = tests::cameraFrame({placed});
+    const std::vector<Face> faces = tests::detector().detect(*picture);
+    ASSERT_EQ(faces.size(), 1U) << placed.person << " " << placed.faceWidth;
+    const double half = placed.faceWidth / 2;
+    const platform::CGRect place{placed.x - half, placed.y - half, 2 * half, 2 * half};
+    EXPECT_GT(overlap(faces[0].box, place), 0.8) << placed.person << " " << placed.faceWidth;
+
+    const std::vector<Face> near = tests::detector().detectNear(*picture, place);
+    ASSERT_EQ(near.size(), 1U);
+    EXPECT_GT(overlap(near[0].box, faces[0].box), 0.9);
+  }
+}
+
+TEST(FaceDetector, TellsPeopleApartAndSortsThemBySize) {
+  const auto two = tests::cameraFrame({{'b', 220, 800, 150}, {'a', 520, 400, 200}});
+  const std::vector<Face> faces = tests::detector().detect(*two);
+  ASSERT_EQ(faces.size(), 2U);
+  EXPECT_GT(faces[0].size(), faces[1].size());
+  EXPECT_NEAR(faces[0].box.midX(), 520, 15);
+}
+
+TEST(FaceDetector, SeesNothingInEmptyOrOddPictures) {
+  EXPECT_TRUE(tests::detector().detect(*tests::cameraFrame({})).empty());
+  for (const cv::Size size : {cv::Size(1, 1), cv::Size(1, 900), cv::Size(900, 1), cv::Size(7, 5)}) {
+    const auto picture = pixelBufferFrom(cv::Mat(size, CV_8UC1, cv::Scalar(90)));
+    EXPECT_TRUE(tests::detector().detect(*picture).empty()) << size;
+    EXPECT_TRUE(tests::detector().detectNear(*picture, {5000, 5000, 10, 10}).empty()) << size;
+  }
+}
+
+}  // namespace
+}  // namespace engine
