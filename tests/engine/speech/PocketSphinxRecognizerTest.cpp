@@ -2,11 +2,12 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <sstream>
+#include <thread>
 
 #include <gtest/gtest.h>
 
 #include "Voice.h"
+#include "devices/headless/RealRunLoop.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
 #include "engine/speech/ReadingText.h"
 #include "platform/foundation/VirtualRunLoop.h"
@@ -57,6 +58,14 @@ struct Notes final : corvana::SpeechRecognizerDelegate {
   std::vector<std::string> errors;
 };
 
+platform::CMSampleBufferRef bufferOf(Samples samples, int rate, int channels) {
+  auto buffer = std::make_shared<platform::CMSampleBuffer>();
+  buffer->samples = std::move(samples);
+  buffer->sampleRate = rate;
+  buffer->channels = channels;
+  return buffer;
+}
+
 const auto kPaths = engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder);
 
 class PocketSphinxRecognizer : public testing::Test {
@@ -72,11 +81,7 @@ class PocketSphinxRecognizer : public testing::Test {
   }
 
   void append(Samples samples, int rate = 16000, int channels = 1) {
-    auto buffer = std::make_shared<platform::CMSampleBuffer>();
-    buffer->samples = std::move(samples);
-    buffer->sampleRate = rate;
-    buffer->channels = channels;
-    recognizer->append(buffer);
+    recognizer->append(bufferOf(std::move(samples), rate, channels));
   }
   /// Plays the samples as a microphone that gives 20 ms at a time.
   void hear(const Samples& samples, int rate = 16000, int channels = 1) {
@@ -210,6 +215,35 @@ TEST_F(PocketSphinxRecognizer, TellsOfABrokenModelOnce) {
   ASSERT_EQ(notes->errors.size(), 1U);
   EXPECT_NE(notes->errors[0].find("absent is missing"), std::string::npos);
   std::filesystem::remove_all(folder);
+}
+
+TEST(PocketSphinxRecognizerInRealTime, HearsOnItsOwnThreadWhatCameWhileTheModelWasBuilt) {
+  devices::RealRunLoop loop;
+  const auto notes = std::make_shared<Notes>();
+  corvana::SpeechRecognizer::options.contextualText = kText;
+  auto recognizer = std::make_unique<engine::PocketSphinxRecognizer>(loop, kPaths);
+  recognizer->setDelegate(notes);
+  const Samples voice = speak("that I open this account for myself");
+  const auto heardAll = [&] { return heardShare(notes->words, "open this account") == 1; };
+  for (int run = 0; run < 2; ++run) {
+    notes->words.clear();
+    recognizer->start();
+    std::thread microphone([&] {
+      for (std::size_t from = 0; from + 320 < voice.size(); from += 320)
+        recognizer->append(bufferOf(Samples(&voice[from], &voice[from + 320]), 16000, 1));
+    });
+    // A deadline only so that a failure ends: nothing is said about how long hearing takes.
+    loop.runUntil(heardAll, loop.now() + std::chrono::minutes(5));
+    EXPECT_TRUE(heardAll());
+    recognizer->stop();
+    microphone.join();
+  }
+  // Nor do a loop and a recogniser that end while sound is waiting lose their way.
+  recognizer->start();
+  recognizer->append(bufferOf(voice, 16000, 1));
+  recognizer.reset();
+  loop.shutDown();
+  corvana::SpeechRecognizer::options = {};
 }
 
 }  // namespace
