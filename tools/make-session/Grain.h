@@ -1,0 +1,26 @@
+#pragma once
+
+#include <vector>
+
+#include <opencv2/core.hpp>
+
+#include "Random.h"
+
+namespace session {
+
+/// What a phone's camera adds to a picture: noise and an exposure that drifts a little.
+class Grain {
+ public:
+  explicit Grain(Random& random);
+
+  /// luma: the picture's brightness plane, changed in place.
+  void add(cv::Mat luma, double seconds);
+
+ private:
+  Random random_;
+  Wobble exposure_;
+  cv::Mat lighter_;
+  cv::Mat darker_;
+};
+
+}  // namespace session

@@ -1,0 +1,76 @@
+#include "PersonMotion.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "Ease.h"
+#include "Picture.h"
+
+namespace session {
+namespace {
+
+constexpr double kTurn = 6.283185307179586;
+constexpr double kBlinkClosing = 0.09;
+constexpr double kBlinkOpening = 0.17;
+constexpr double kBreathsPerSecond = 0.27;
+constexpr double kLeaving = 0.9;  ///< seconds from in view to out of view
+
+}  // namespace
+
+PersonMotion::PersonMotion(const Script& script, double length, Random& random)
+    : time_(script.time),
+      person_(script.person),
+      leavesAt_(script.faults.faceLeavesAt),
+      leavesSeconds_(script.faults.faceLeavesSeconds),
+      turnDegrees_(random.uniform(8.0, 10.0)),
+      yaw_(random, 0.13),
+      pitch_(random, 0.11),
+      roll_(random, 0.09),
+      swayX_(random, 0.12),
+      swayY_(random, 0.10),
+      handX_(random, 0.35),
+      handY_(random, 0.40) {
+  double next = random.uniform(0.9, 1.4);
+  while (next < length) {
+    blinks_.push_back(next);
+    next += random.uniform(2.2, 4.6);
+  }
+}
+
+double PersonMotion::lids(double seconds) const {
+  const auto blink = std::upper_bound(blinks_.begin(), blinks_.end(), seconds);
+  if (blink == blinks_.begin()) return 0.0;
+  const double since = seconds - *(blink - 1);
+  return ease(since, 0.0, kBlinkClosing) -
+         ease(since, kBlinkClosing + 0.03, kBlinkClosing + 0.03 + kBlinkOpening);
+}
+
+double PersonMotion::away(double seconds) const {
+  if (!leavesAt_) return 0.0;
+  const double distance = kPictureWidth - person_.x + 0.8 * person_.faceWidth + 30.0;
+  return distance *
+         pulse(seconds, *leavesAt_, *leavesAt_ + leavesSeconds_ + 2.0 * kLeaving, kLeaving);
+}
+
+PersonPose PersonMotion::at(double seconds, double mouth) const {
+  const double unrest = person_.headMotion;
+  const double selfie = time_.frontAt;
+  const double right = pulse(seconds, 0.24 * selfie, 0.52 * selfie, 0.12 * selfie);
+  const double left = pulse(seconds, 0.50 * selfie, 0.80 * selfie, 0.12 * selfie);
+  const double atCard = pulse(seconds, time_.frontAt + 0.2, time_.frontAt + 2.0, 0.6) +
+                        pulse(seconds, time_.flipAt, time_.flipAt + time_.flipSeconds, 0.6);
+  PersonPose pose;
+  pose.yaw = unrest * (turnDegrees_ * (right - left) + 2.2 * yaw_.at(seconds));
+  pose.pitch = unrest * (1.8 * pitch_.at(seconds) + 3.0 * atCard + 0.8 * mouth);
+  pose.roll = unrest * 1.6 * roll_.at(seconds);
+  pose.swayX = unrest * 0.030 * swayX_.at(seconds);
+  pose.swayY = unrest * 0.020 * swayY_.at(seconds);
+  pose.breath = std::sin(kTurn * kBreathsPerSecond * seconds);
+  pose.lids = lids(seconds);
+  pose.mouth = mouth;
+  pose.cameraX = unrest * 5.0 * handX_.at(seconds) + away(seconds);
+  pose.cameraY = unrest * 4.0 * handY_.at(seconds);
+  return pose;
+}
+
+}  // namespace session

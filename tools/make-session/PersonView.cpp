@@ -1,0 +1,56 @@
+#include "PersonView.h"
+
+#include <opencv2/imgproc.hpp>
+
+#include "Picture.h"
+#include "Room.h"
+
+namespace session {
+namespace {
+
+// The canvas holds what comes into view when the camera looks away from the person.
+constexpr int kMarginX = 960;
+constexpr int kMarginY = 100;
+const cv::Size kCanvas(kPictureWidth + 2 * kMarginX, kPictureHeight + 2 * kMarginY);
+
+constexpr std::size_t kRightCheek = 50;
+constexpr std::size_t kLeftCheek = 280;
+
+}  // namespace
+
+PersonView::PersonView(const Portrait& portrait, const PersonScript& script)
+    : place_(script.x, script.y),
+      scale_(script.faceWidth / portrait.faceWidth()),
+      rest_(setIntoRoom(portrait.image, scale_,
+                        place_ + cv::Point2d(kMarginX, kMarginY) - portrait.centre() * scale_,
+                        kCanvas)),
+      canvas_(rest_.clone()),
+      warp_(inCanvas(portrait, {0, 0}), place_, script.faceWidth),
+      expression_(inCanvas(portrait, {kMarginX, kMarginY}), script.faceWidth, rest_),
+      skin_(cheekColour(inCanvas(portrait, {kMarginX, kMarginY}))) {}
+
+engine::FaceMesh PersonView::inCanvas(const Portrait& portrait, cv::Point2d corner) const {
+  engine::FaceMesh face = portrait.mesh;
+  const cv::Point2d shift = place_ + corner - portrait.centre() * scale_;
+  for (engine::SurfacePoint& point : face)
+    point = {point.x * scale_ + shift.x, point.y * scale_ + shift.y, point.z * scale_};
+  return face;
+}
+
+cv::Scalar PersonView::cheekColour(const engine::FaceMesh& face) const {
+  cv::Scalar sum;
+  for (const std::size_t index : {kRightCheek, kLeftCheek}) {
+    const cv::Rect patch(static_cast<int>(face[index].x) - 6, static_cast<int>(face[index].y) - 6,
+                         12, 12);
+    sum += 0.5 * cv::mean(rest_(patch & cv::Rect({0, 0}, rest_.size())));
+  }
+  return sum;
+}
+
+void PersonView::draw(const PersonPose& pose, cv::Mat& picture) {
+  expression_.draw(rest_, canvas_, pose.lids, pose.mouth);
+  warp_.maps(pose, {kMarginX, kMarginY}, mapX_, mapY_);
+  cv::remap(canvas_, picture, mapX_, mapY_, cv::INTER_LINEAR, cv::BORDER_REPLICATE);
+}
+
+}  // namespace session

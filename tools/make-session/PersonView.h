@@ -1,0 +1,37 @@
+#pragma once
+
+#include <opencv2/core.hpp>
+
+#include "Expression.h"
+#include "HeadWarp.h"
+#include "PersonMotion.h"
+#include "Portrait.h"
+#include "Script.h"
+
+namespace session {
+
+/// The person in a room, as the camera sees them. One thread.
+class PersonView {
+ public:
+  PersonView(const Portrait& portrait, const PersonScript& script);
+
+  /// Draws the film's picture (RGB) without card and noise.
+  void draw(const PersonPose& pose, cv::Mat& picture);
+  /// Of the cheeks, for the hand.
+  cv::Scalar skinColour() const { return skin_; }
+
+ private:
+  engine::FaceMesh inCanvas(const Portrait& portrait, cv::Point2d corner) const;
+  cv::Scalar cheekColour(const engine::FaceMesh& face) const;
+
+  cv::Point2d place_;
+  double scale_;
+  cv::Mat rest_;
+  cv::Mat canvas_;
+  HeadWarp warp_;
+  Expression expression_;
+  cv::Scalar skin_;
+  cv::Mat mapX_, mapY_;
+};
+
+}  // namespace session

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Result.h"
+
+namespace session {
+
+/// Who stands before the camera. Lengths in pixels of the 720×1280 picture.
+struct PersonScript {
+  std::filesystem::path portrait;
+  double faceWidth = 300.0;  ///< from cheek to cheek
+  double x = 360.0;          ///< centre of the face
+  double y = 500.0;
+  double headMotion = 1.0;  ///< 0 still, 1 as a person holding a phone, 2 restless
+};
+
+/// What is printed on the card. Dates are YYYY-MM-DD.
+struct CardData {
+  std::filesystem::path photo;  ///< a picture with one face; the person's portrait when left out
+  std::string state = "UTO";
+  std::string stateName = "UTOPIA";
+  std::string surname = "ERIKSSON";
+  std::string givenNames = "ANNA MARIA";
+  std::string nationality = "UTOPIAN";
+  std::string nationalityCode = "UTO";
+  std::string dateOfBirth = "1984-08-12";
+  std::string sex = "F";  ///< F, M or X
+  std::string documentNumber = "D23145890";
+  std::string dateOfIssue = "2022-04-15";
+  std::string dateOfExpiry = "2032-04-15";
+  std::string placeOfBirth = "ZENITH";
+  std::string address = "17 HARBOUR ROAD, ZENITH";
+  std::string height = "174 CM";
+  std::string authority = "CITY OF ZENITH";
+  std::string optionalData;   ///< first line of the machine-readable zone, up to 15 characters
+  std::string optionalData2;  ///< second line, up to 11 characters
+};
+
+/// Where the card is held in the picture, in pixels.
+struct CardPlace {
+  double x = 360.0;  ///< centre
+  double y = 1002.0;
+  double width = 628.0;
+};
+
+struct VoiceScript {
+  std::string engine = "flite";  ///< flite or espeak-ng
+  std::string name = "slt";
+  double level = -20.0;     ///< of the speech, dBFS (root mean square)
+  double roomTone = -62.0;  ///< of the noise under everything, dBFS
+};
+
+/// Seconds from the film's start.
+struct TimeScript {
+  double frontAt = 7.0;  ///< the card begins to come into the picture
+  double flipAt = 15.0;
+  double flipSeconds = 2.0;
+  double leaveAt = 24.0;
+  double handOverAt = 21.0;  ///< when the back is expected to have been accepted
+  double speechAt = 24.0;    ///< three seconds after the hand-over when left out
+  double countdownSeconds = 20.0;
+  double length = 0.0;  ///< of the film; 0: until all is over
+};
+
+struct FaultScript {
+  std::filesystem::path wrongPerson;   ///< portrait shown in the film in place of the person's
+  std::optional<CardData> wrongCard;   ///< the front that the film shows
+  std::optional<CardData> wrongBack;   ///< the back that the film shows
+  std::optional<double> faceLeavesAt;  ///< the face leaves the picture for faceLeavesSeconds
+  double faceLeavesSeconds = 5.0;
+  bool silence = false;    ///< nothing is spoken
+  std::string wrongWords;  ///< spoken in place of the text
+};
+
+/// All that a recorded session is made from.
+struct Script {
+  std::uint64_t seed = 1;
+  std::string text;
+  PersonScript person;
+  CardData card;
+  CardPlace cardPlace;
+  VoiceScript voice;
+  TimeScript time;
+  FaultScript faults;
+};
+
+/// Reads the script; paths in it are relative to `folder` and come back joined with it. An unknown
+/// key, a value of the wrong kind or out of its range, or a missing file is an error.
+Result<Script> parseScript(const std::string& json, const std::filesystem::path& folder);
+
+/// Every picture that the script names.
+std::vector<std::filesystem::path> referencedFiles(const Script& script);
+
+}  // namespace session
