@@ -1,0 +1,224 @@
+#include "engine/document/CardFinder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <vector>
+
+#include <opencv2/imgproc.hpp>
+
+#include "engine/document/EdgeLines.h"
+#include "engine/document/SideFit.h"
+#include "engine/vision/MatViews.h"
+
+namespace engine {
+namespace {
+
+/// Lines are sought in a picture whose longer side is at most this.
+constexpr double kSearchSide = 640;
+/// Around the guide, in guide widths: cards are seen, to be sent back, as far as this beside it.
+constexpr double kSearchMargin = 0.35;
+constexpr std::size_t kMaxLines = 26;
+
+// A side counts as seen when this share of it lies on an edge. A hand covers one side in part.
+constexpr double kMinSupport = 0.36;
+constexpr double kMinSecondSupport = 0.55;
+constexpr double kMinScore = 0.58;
+/// Small outlines are common in any room; only a clear one counts.
+constexpr double kMinSmallScore = 0.74;
+constexpr double kMaxAspectError = 0.20;  ///< of the ratio's logarithm
+constexpr double kMaxTaper = 1.5;         ///< of a side against the opposite one
+
+// What the user is asked for.
+constexpr double kMinWidthOfGuide = 0.55;
+constexpr double kMaxWidthOfGuide = 1.30;
+constexpr double kMaxOffsetOfGuide = 0.30;
+constexpr double kMaxRoll = 18;
+constexpr double kMaxGoodTaper = 1.25;
+constexpr double kSmallestOfGuide = 0.25;
+
+double squared(double value) {
+  return value * value;
+}
+
+struct Candidate {
+  Quad quad;
+  double score = 0;
+};
+
+platform::CGPoint pointOf(cv::Point2d point) {
+  return {point.x, point.y};
+}
+cv::Point2d pointOf(platform::CGPoint point) {
+  return {point.x, point.y};
+}
+
+Quad scaled(const Quad& quad, double factor, cv::Point2d offset) {
+  Quad result;
+  for (std::size_t i = 0; i < 4; ++i) {
+    result.corners[i] = {quad.corners[i].x * factor + offset.x,
+                         quad.corners[i].y * factor + offset.y};
+  }
+  return result;
+}
+
+double taper(const Quad& quad) {
+  const double a = quad.topLength() / quad.bottomLength();
+  const double b = quad.leftLength() / quad.rightLength();
+  return std::max({a, 1 / a, b, 1 / b});
+}
+
+double aspectError(const Quad& quad) {
+  return std::abs(std::log(quad.width() / quad.height() / kCardAspect));
+}
+
+/// The search in one picture: lines across and down, paired to outlines and judged.
+class OutlineSearch {
+ public:
+  OutlineSearch(const cv::Mat& rgb, const platform::CGRect& guide)
+      : edges_(rgb),
+        guide_(guide),
+        across_(edges_.lines(Course::across, kMaxLines)),
+        down_(edges_.lines(Course::down, kMaxLines)) {}
+
+  /// The likeliest outline; its score is 0 when there is none.
+  Candidate best() const {
+    Candidate best;
+    forEachOutline(across_, down_, [&](const Quad& quad) {
+      if (aspectError(quad) > kMaxAspectError || taper(quad) > kMaxTaper) return;
+      const double support = supportOf(quad);
+      if (support == 0) return;
+      const double score = support + preference(quad);
+      if (score > best.score + preferenceOfBest_) {
+        preferenceOfBest_ = score - support;
+        best = {quad, support};
+      }
+    });
+    return best;
+  }
+
+ private:
+  template <typename Visit>
+  void forEachOutline(const std::vector<EdgeLine>& across, const std::vector<EdgeLine>& down,
+                      Visit visit) const {
+    const double minWidth = kSmallestOfGuide * guide_.width;
+    for (const EdgeLine& top : across) {
+      for (const EdgeLine& bottom : across) {
+        if (gapAt(bottom, top, true) < minWidth / kCardAspect) continue;
+        for (const EdgeLine& left : down) {
+          for (const EdgeLine& right : down) {
+            if (gapAt(right, left, false) < minWidth) continue;
+            const Quad quad{{pointOf(meeting(top, left)), pointOf(meeting(top, right)),
+                             pointOf(meeting(bottom, right)), pointOf(meeting(bottom, left))}};
+            if (quad.isConvex()) visit(quad);
+          }
+        }
+      }
+    }
+  }
+
+  /// How far the second line lies below (or right of) the first, at the guide's middle.
+  double gapAt(const EdgeLine& second, const EdgeLine& first, bool across) const {
+    const auto place = [&](const EdgeLine& line) {
+      return across ? line.point.y +
+                          (guide_.midX() - line.point.x) * line.direction[1] / line.direction[0]
+                    : line.point.x +
+                          (guide_.midY() - line.point.y) * line.direction[0] / line.direction[1];
+    };
+    return place(second) - place(first);
+  }
+
+  /// The mean share of the sides that lies on edges; 0 when a side is not seen.
+  double supportOf(const Quad& quad) const {
+    std::array<double, 4> supports{};
+    for (std::size_t i = 0; i < 4; ++i) {
+      const Course course = i % 2 == 0 ? Course::across : Course::down;
+      supports[i] =
+          distinctSupport(course, pointOf(quad.corners[i]), pointOf(quad.corners[(i + 1) % 4]));
+      if (supports[i] < kMinSupport) return 0;
+    }
+    std::array<double, 4> sorted = supports;
+    std::sort(sorted.begin(), sorted.end());
+    if (sorted[1] < kMinSecondSupport) return 0;
+    return (supports[0] + supports[1] + supports[2] + supports[3]) / 4;
+  }
+
+  /// A side stands out; where lines beside it on both sides lie on edges too, it is mere texture.
+  double distinctSupport(Course course, cv::Point2d a, cv::Point2d b) const {
+    const double own = edges_.support(course, a, b);
+    if (own < kMinSupport) return own;
+    const cv::Point2d along = (b - a) / cv::norm(b - a);
+    const cv::Point2d normal(-along.y * 5, along.x * 5);
+    const double beside = std::min(edges_.support(course, a + normal, b + normal),
+                                   edges_.support(course, a - normal, b - normal));
+    return own - 0.5 * beside;
+  }
+
+  /// Among supported outlines the one of a card's shape, the outermost, near the guide.
+  double preference(const Quad& quad) const {
+    const auto center = quad.center();
+    const double offset =
+        std::hypot(center.x - guide_.midX(), center.y - guide_.midY()) / guide_.width;
+    return 0.20 * std::log(quad.width() / guide_.width) - 1.0 * aspectError(quad) -
+           0.25 * (taper(quad) - 1) - 0.20 * squared(offset);
+  }
+
+  EdgeMap edges_;
+  platform::CGRect guide_;
+  std::vector<EdgeLine> across_;
+  std::vector<EdgeLine> down_;
+  mutable double preferenceOfBest_ = 0;
+};
+
+bool touchesEdge(const Quad& quad, const platform::PixelBuffer& picture) {
+  const double margin = 0.006 * picture.width();
+  const auto box = quad.bounds();
+  return box.minX() < margin || box.minY() < margin || box.maxX() > picture.width() - margin ||
+         box.maxY() > picture.height() - margin;
+}
+
+CardVerdict judged(const Quad& quad, const platform::PixelBuffer& picture,
+                   const platform::CGRect& guide) {
+  if (touchesEdge(quad, picture) || quad.width() > kMaxWidthOfGuide * guide.width) {
+    return CardVerdict::moveAway;
+  }
+  if (quad.width() < kMinWidthOfGuide * guide.width) return CardVerdict::moveCloser;
+  const auto center = quad.center();
+  const double offset =
+      std::max(std::abs(center.x - guide.midX()), std::abs(center.y - guide.midY()));
+  const bool isTilted = std::abs(quad.roll()) > kMaxRoll || taper(quad) > kMaxGoodTaper;
+  if (isTilted || offset > kMaxOffsetOfGuide * guide.width) return CardVerdict::alignRectangle;
+  return CardVerdict::found;
+}
+
+cv::Rect searchWindow(const platform::CGRect& guide, cv::Size picture) {
+  const double margin = kSearchMargin * guide.width;
+  return pixelRect(
+      {guide.x - margin, guide.y - margin, guide.width + 2 * margin, guide.height + 2 * margin},
+      picture);
+}
+
+}  // namespace
+
+CardSighting findCard(const platform::PixelBuffer& picture, const platform::CGRect& guide) {
+  const cv::Mat rgb = rgbMat(picture);
+  const cv::Rect window = searchWindow(guide, rgb.size());
+  if (guide.isEmpty() || window.empty()) return {};
+  const double factor = std::max(1.0, std::max(rgb.cols, rgb.rows) / kSearchSide);
+  cv::Mat small;
+  cv::resize(rgb(window), small, cv::Size(), 1 / factor, 1 / factor, cv::INTER_AREA);
+  const platform::CGRect smallGuide{(guide.x - window.x) / factor, (guide.y - window.y) / factor,
+                                    guide.width / factor, guide.height / factor};
+
+  const Candidate best = OutlineSearch(small, smallGuide).best();
+  CardSighting sighting;
+  if (best.score < kMinScore) return sighting;
+  // A pixel of the small picture stands for the middle of those it was made from.
+  const cv::Point2d offset(window.x + (factor - 1) / 2, window.y + (factor - 1) / 2);
+  const Quad quad = fitSides(rgb, scaled(best.quad, factor, offset), 1.5 * factor + 2);
+  const bool isSmall = quad.width() < kMinWidthOfGuide * guide.width;
+  if (isSmall && best.score < kMinSmallScore) return sighting;
+  return {judged(quad, picture, guide), quad, best.score};
+}
+
+}  // namespace engine

@@ -1,0 +1,79 @@
+#include "engine/document/CardWarp.h"
+
+#include <vector>
+
+#include <opencv2/imgproc.hpp>
+
+#include "engine/vision/MatViews.h"
+
+namespace engine {
+namespace {
+
+constexpr int kSaturated = 250;
+/// Glare fades: what lies around a patch is still bright. A printed white field ends at once.
+constexpr double kBrightRing = 205;
+constexpr double kWhiteCard = 0.5;
+
+cv::Mat saturatedPatches(const cv::Mat& rgb) {
+  cv::Mat mask;
+  cv::inRange(rgb, cv::Scalar::all(kSaturated), cv::Scalar::all(255), mask);
+  // Letters between white letters and specks are no patch.
+  cv::morphologyEx(mask, mask, cv::MORPH_OPEN, cv::Mat::ones(7, 7, CV_8U));
+  return mask;
+}
+
+}  // namespace
+
+platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, const Quad& outline) {
+  const cv::Mat rgb = rgbMat(picture);
+  std::vector<cv::Point2f> from;
+  for (const auto& corner : outline.corners) {
+    from.emplace_back(static_cast<float>(corner.x), static_cast<float>(corner.y));
+  }
+  const std::vector<cv::Point2f> to{{-0.5F, -0.5F},
+                                    {kCardWidth - 0.5F, -0.5F},
+                                    {kCardWidth - 0.5F, kCardHeight - 0.5F},
+                                    {-0.5F, kCardHeight - 0.5F}};
+  const double shrink = outline.width() / kCardWidth;
+  cv::Mat source = rgb;
+  // Interpolation looks at four pixels only: what shrinks must be smoothed first.
+  if (shrink > 1.3) cv::GaussianBlur(rgb, source, cv::Size(), 0.4 * shrink);
+  cv::Mat card;
+  cv::warpPerspective(source, card, cv::getPerspectiveTransform(from, to),
+                      cv::Size(kCardWidth, kCardHeight), cv::INTER_CUBIC, cv::BORDER_REPLICATE);
+  return pixelBufferFrom(card);
+}
+
+double cardSharpness(const platform::PixelBuffer& card) {
+  cv::Mat half;
+  cv::resize(grayMat(card), half, cv::Size(kCardWidth / 2, kCardHeight / 2), 0, 0, cv::INTER_AREA);
+  cv::Mat laplacian;
+  cv::Laplacian(half, laplacian, CV_32F);
+  cv::Scalar mean;
+  cv::Scalar edges;
+  cv::Scalar contrast;
+  cv::meanStdDev(laplacian, mean, edges);
+  cv::meanStdDev(half, mean, contrast);
+  return contrast[0] < 1 ? 0 : edges[0] * edges[0] / (contrast[0] * contrast[0]);
+}
+
+double glareFraction(const platform::PixelBuffer& card) {
+  const cv::Mat rgb = rgbMat(card);
+  const cv::Mat mask = saturatedPatches(rgb);
+  const double total = static_cast<double>(mask.total());
+  if (cv::countNonZero(mask) > kWhiteCard * total) return 0;
+  const cv::Mat gray = grayMat(card);
+  cv::Mat labels;
+  const int count = cv::connectedComponents(mask, labels);
+  double lost = 0;
+  for (int label = 1; label < count; ++label) {
+    const cv::Mat patch = labels == label;
+    cv::Mat around;
+    cv::dilate(patch, around, cv::Mat::ones(15, 15, CV_8U));
+    const double brightness = cv::mean(gray, around & ~patch)[0];
+    if (brightness >= kBrightRing) lost += cv::countNonZero(patch);
+  }
+  return lost / total;
+}
+
+}  // namespace engine

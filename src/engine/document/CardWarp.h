@@ -1,0 +1,25 @@
+#pragma once
+
+#include "engine/document/Quad.h"
+#include "platform/media/PixelBuffer.h"
+
+/// The straightened card and the measures of its picture. Pure.
+namespace engine {
+
+/// Size of a straightened card: about 300 dots an inch, what text recognition is made for.
+inline constexpr int kCardWidth = 1000;
+inline constexpr int kCardHeight = 630;
+
+/// The card inside the outline as seen from straight above, rgb24; small cards are scaled up.
+platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, const Quad& outline);
+
+/// How crisp the print on a straightened card is: variance of the Laplacian at half size over the
+/// picture's own variance, so that pale cards compare with bold ones. Between about 0.02 (useless)
+/// and 0.5; a card with little print is lower than one with much.
+double cardSharpness(const platform::PixelBuffer& card);
+
+/// Share of the card lost in glare, 0 to 1: white patches that fade into what surrounds them. A
+/// card that is white itself has none.
+double glareFraction(const platform::PixelBuffer& card);
+
+}  // namespace engine

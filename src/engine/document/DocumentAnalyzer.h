@@ -1,0 +1,73 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+#include <tl/expected.hpp>
+
+#include "corvana/DetectedData.h"
+#include "corvana/IDError.h"
+#include "engine/document/CardFinder.h"
+#include "engine/document/TextReader.h"
+#include "engine/document/mrz/MrzReader.h"
+#include "engine/vision/FaceDetector.h"
+
+namespace engine {
+
+/// A card taken out of a picture, straightened to 1000×630, with the measures of its quality.
+struct CardView {
+  platform::PixelBufferRef picture;
+  double sharpness = 0;      ///< `cardSharpness`
+  double glareFraction = 0;  ///< `glareFraction`
+  bool isBlurred() const { return sharpness < kMinSharpness; }
+  bool hasTooMuchGlare() const { return glareFraction > kMaxGlare; }
+
+  /// Below it print of usual size is no longer read.
+  static constexpr double kMinSharpness = 0.03;
+  /// From about here glare covers a line of print.
+  static constexpr double kMaxGlare = 0.02;
+};
+
+struct CardReading {
+  corvana::DetectedData data;
+  /// The portrait's face, in pixels of the straightened card.
+  std::optional<platform::CGRect> faceBox;
+  /// Where a machine-readable zone seems to be, read or not.
+  std::optional<platform::CGRect> mrzBand;
+};
+
+/// Finds and reads identity cards, one picture at a time, in stages of rising cost: `find` for
+/// every frame that there is time for, `view` for those with a card, `read` (some tenths of a
+/// second) once or twice a second. It remembers nothing between calls. One thread at a time.
+/// Movable.
+class DocumentAnalyzer {
+ public:
+  struct Setup {
+    std::filesystem::path faceModel;
+    std::filesystem::path tessdata = kDebianTessdataFolder;
+    std::vector<std::filesystem::path> ocrBFonts = defaultOcrBFonts();
+  };
+
+  /// Errors name what is missing and the package that has it.
+  static tl::expected<DocumentAnalyzer, corvana::IDError> load(const Setup& setup);
+
+  /// The guide is where the user is asked to hold the card, in pixels of the frame.
+  CardSighting find(const platform::PixelBuffer& frame, const platform::CGRect& guide) const;
+  CardView view(const platform::PixelBuffer& frame, const Quad& outline) const;
+  CardReading read(const CardView& card);
+
+  /// A photo or scan of one side, however large, upright or turned by quarters: the card lies on
+  /// something else or fills the picture. Error: no card is seen, or it is too small to be read.
+  tl::expected<CardReading, corvana::IDError> analyzeStill(const platform::PixelBuffer& picture);
+
+ private:
+  DocumentAnalyzer(FaceDetector faces, TextReader text, MrzReader mrz);
+  std::optional<Face> portrait(const platform::PixelBuffer& card);
+
+  FaceDetector faces_;
+  TextReader text_;
+  MrzReader mrz_;
+};
+
+}  // namespace engine

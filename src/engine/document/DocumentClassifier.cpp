@@ -1,0 +1,140 @@
+#include "engine/document/DocumentClassifier.h"
+
+#include <algorithm>
+#include <array>
+#include <numeric>
+#include <string_view>
+#include <utility>
+
+namespace engine {
+namespace {
+
+constexpr std::string_view kIdentityCard = "IDENTITY_CARD";
+constexpr std::string_view kDrivingLicence = "DRIVING_LICENCE";
+constexpr std::string_view kResidencePermit = "RESIDENCE_PERMIT";
+constexpr std::string_view kPassportCard = "PASSPORT_CARD";
+
+using Word = std::pair<std::string_view, std::string_view>;
+
+/// What cards other than identity cards call themselves, without blanks and accents; recognition
+/// trained on English reads accented letters as plain ones or not at all.
+constexpr std::array<Word, 26> kWords{{
+    {"PASSPORTCARD", kPassportCard},
+    {"RESIDENCEPERMIT", kResidencePermit},
+    {"RESIDENCECARD", kResidencePermit},
+    {"PERMANENTRESIDENT", kResidencePermit},
+    {"AUFENTHALTSTITEL", kResidencePermit},
+    {"AUFENTHALTSKARTE", kResidencePermit},
+    {"TITREDESEJOUR", kResidencePermit},
+    {"PERMESSODISOGGIORNO", kResidencePermit},
+    {"PERMISODERESIDENCIA", kResidencePermit},
+    {"AUTORIZACAODERESIDENCIA", kResidencePermit},
+    {"VERBLIJFSTITEL", kResidencePermit},
+    {"DOKUMENTPOBYTU", kResidencePermit},
+    {"DRIVINGLICENCE", kDrivingLicence},
+    {"DRIVINGLICENSE", kDrivingLicence},
+    {"DRIVERLICENSE", kDrivingLicence},
+    {"DRIVERLICENCE", kDrivingLicence},
+    {"DRIVERSLICENSE", kDrivingLicence},
+    {"DRIVERSLICENCE", kDrivingLicence},
+    {"FUHRERSCHEIN", kDrivingLicence},
+    {"FUEHRERSCHEIN", kDrivingLicence},
+    {"PERMISDECONDUIRE", kDrivingLicence},
+    {"PATENTEDIGUIDA", kDrivingLicence},
+    {"PERMISODECONDUCCION", kDrivingLicence},
+    {"CARTADECONDUCAO", kDrivingLicence},
+    {"RIJBEWIJS", kDrivingLicence},
+    {"PRAWOJAZDY", kDrivingLicence},
+}};
+
+/// One letter in so many may be misread.
+constexpr std::size_t kLettersPerError = 7;
+
+/// Capitals of ASCII only: the rest of the text falls away, accented letters to their plain forms.
+std::string plainLetters(const std::string& text) {
+  // The second bytes of U+00C0 to U+00DF in UTF-8 and the plain capitals; small letters follow 32
+  // later.
+  constexpr std::string_view kPlain = "AAAAAAACEEEEIIIIDNOOOOO OUUUUYTS";
+  std::string plain;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto c = static_cast<unsigned char>(text[i]);
+    if (c == 0xC3 && i + 1 < text.size()) {
+      const auto next = static_cast<unsigned char>(text[++i]);
+      const char letter = kPlain[next & 0x1F];
+      if (letter != ' ') plain += letter;
+    } else if ((c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z')) {
+      plain += static_cast<char>(c & 0xDF);
+    }
+  }
+  return plain;
+}
+
+/// The fewest edits that turn some stretch of the text into the word.
+std::size_t editsToFind(std::string_view word, std::string_view text) {
+  std::vector<std::size_t> row(word.size() + 1);
+  std::iota(row.begin(), row.end(), 0U);
+  std::size_t fewest = row.back();
+  for (const char c : text) {
+    std::size_t diagonal = row[0];
+    for (std::size_t i = 1; i <= word.size(); ++i) {
+      const std::size_t above = row[i];
+      row[i] = std::min({diagonal + (word[i - 1] == c ? 0U : 1U), above + 1, row[i - 1] + 1});
+      diagonal = above;
+    }
+    fewest = std::min(fewest, row.back());
+  }
+  return fewest;
+}
+
+std::optional<std::string_view> familyByWords(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines)
+    text += plainLetters(line);
+  for (const auto& [word, family] : kWords) {
+    if (editsToFind(word, text) <= word.size() / kLettersPerError) return family;
+  }
+  return std::nullopt;
+}
+
+/// The document code's first letter is the kind, the second the issuing state's choice, except for
+/// these.
+std::optional<std::string_view> familyByCode(const std::string& code) {
+  if (code == "IP") return kPassportCard;
+  if (code == "IR" || code == "AR") return kResidencePermit;
+  if (code.front() == 'D') return kDrivingLicence;
+  return std::nullopt;
+}
+
+bool isLicenceRecord(const std::map<std::string, std::string>& barcode) {
+  return barcode.count("DAQ") != 0 || barcode.count("DCA") != 0;
+}
+
+std::optional<corvana::DocumentSide> sideOf(const DocumentFeatures& features) {
+  if (features.mrz || features.barcode) return corvana::DocumentSide::back;
+  if (features.hasFace) return corvana::DocumentSide::front;
+  if (features.hasMrzBand) return corvana::DocumentSide::back;
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::string documentFamily(const DocumentFeatures& features) {
+  if (features.mrz) {
+    if (const auto family = familyByCode(features.mrz->documentCode)) return std::string(*family);
+  }
+  if (features.barcode && isLicenceRecord(*features.barcode)) return std::string(kDrivingLicence);
+  return std::string(familyByWords(features.lines).value_or(kIdentityCard));
+}
+
+void classify(const DocumentFeatures& features, corvana::DetectedData& data) {
+  data.side = sideOf(features);
+  if (!data.side) return;
+  const bool isFront = *data.side == corvana::DocumentSide::front;
+  const std::string family = documentFamily(features);
+  data.type = family + (isFront ? "_FRONT" : "_BACK");
+  data.shouldHavePhoto = isFront;
+  data.shouldHaveMrz = !isFront && family != kDrivingLicence;
+  data.shouldHaveBarcode = !isFront && family == kDrivingLicence && !features.mrz;
+}
+
+}  // namespace engine

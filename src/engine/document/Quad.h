@@ -1,0 +1,31 @@
+#pragma once
+
+#include <array>
+
+#include "platform/geometry/Geometry.h"
+
+namespace engine {
+
+/// An ID-1 card: 85.60 × 53.98 mm (ISO/IEC 7810).
+inline constexpr double kCardAspect = 85.60 / 53.98;
+
+/// A card's outline in a picture, in pixels: its corners from the top left clockwise, where the
+/// straight sides would meet (the card's own corners are rounded).
+struct Quad {
+  std::array<platform::CGPoint, 4> corners;
+
+  platform::CGPoint center() const;
+  double topLength() const;
+  double bottomLength() const;
+  double leftLength() const;
+  double rightLength() const;
+  double width() const { return (topLength() + bottomLength()) / 2; }
+  double height() const { return (leftLength() + rightLength()) / 2; }
+  /// Degrees clockwise by which the card is turned.
+  double roll() const;
+  /// The smallest upright rectangle around it.
+  platform::CGRect bounds() const;
+  bool isConvex() const;
+};
+
+}  // namespace engine

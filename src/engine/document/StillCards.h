@@ -1,0 +1,25 @@
+#pragma once
+
+#include <vector>
+
+#include <tl/expected.hpp>
+
+#include "corvana/IDError.h"
+#include "engine/document/Quad.h"
+#include "platform/media/PixelBuffer.h"
+
+namespace engine {
+
+/// A card's outline in a still, in pixels of `picture`: the still or one of its turns.
+struct StillCard {
+  platform::PixelBufferRef picture;
+  Quad outline;
+};
+
+/// Where the card may lie in a photo or scan, the likeliest way up first; at least one. A card is
+/// sought as an outline; failing that, a picture of a card's shape is taken for the card itself.
+/// Error: neither, or fewer than 320 pixels of width.
+tl::expected<std::vector<StillCard>, corvana::IDError> cardsInStill(
+    const platform::PixelBuffer& picture);
+
+}  // namespace engine

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/geometry/Geometry.h"
+
+namespace engine {
+
+/// A word as recognised.
+struct TextWord {
+  std::string text;  ///< UTF-8
+  platform::CGRect box;
+  double confidence = 0;  ///< 0 to 100
+};
+
+/// The words worth keeping, in lines from top to bottom and from left to right. Pure.
+std::vector<std::string> textLines(const std::vector<TextWord>& words);
+
+}  // namespace engine

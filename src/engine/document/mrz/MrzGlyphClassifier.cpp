@@ -1,0 +1,101 @@
+#include "engine/document/mrz/MrzGlyphClassifier.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+#include <opencv2/ml.hpp>
+
+#include "engine/document/mrz/GlyphSamples.h"
+
+namespace engine {
+namespace {
+
+constexpr std::size_t kLetters = MrzGlyphClassifier::kAlphabet.size();
+constexpr int kPairs = static_cast<int>(kLetters * (kLetters - 1) / 2);
+
+cv::Ptr<cv::ml::SVM> trained(const GlyphSamples& samples) {
+  auto machine = cv::ml::SVM::create();
+  machine->setType(cv::ml::SVM::C_SVC);
+  machine->setKernel(cv::ml::SVM::LINEAR);
+  machine->setC(0.01);
+  machine->setTermCriteria({cv::TermCriteria::MAX_ITER + cv::TermCriteria::EPS, 1000, 1e-3});
+  machine->train(samples.cells, cv::ml::ROW_SAMPLE, samples.labels);
+  return machine;
+}
+
+/// The allowed letter whose hardest duel against another allowed one went best; its margin tells
+/// how clear that was.
+MrzGlyphClassifier::Reading winner(const float* decisions, std::string_view allowed) {
+  std::array<bool, kLetters> isAllowed{};
+  for (std::size_t i = 0; i < kLetters; ++i) {
+    isAllowed[i] = allowed.find(MrzGlyphClassifier::kAlphabet[i]) != std::string_view::npos;
+  }
+  std::array<float, kLetters> closest;
+  closest.fill(std::numeric_limits<float>::max());
+  for (std::size_t i = 0; i < kLetters; ++i) {
+    for (std::size_t j = i + 1; j < kLetters; ++j, ++decisions) {
+      if (!isAllowed[i] || !isAllowed[j]) continue;
+      closest[i] = std::min(closest[i], *decisions);
+      closest[j] = std::min(closest[j], -*decisions);
+    }
+  }
+  MrzGlyphClassifier::Reading best{0, std::numeric_limits<float>::lowest()};
+  for (std::size_t i = 0; i < kLetters; ++i) {
+    if (isAllowed[i] && closest[i] > best.margin) {
+      best = {MrzGlyphClassifier::kAlphabet[i], closest[i]};
+    }
+  }
+  return best;
+}
+
+}  // namespace
+
+tl::expected<MrzGlyphClassifier, corvana::IDError> MrzGlyphClassifier::train(
+    const std::vector<std::filesystem::path>& fonts) {
+  const auto found = std::find_if(fonts.begin(), fonts.end(), [](const auto& file) {
+    std::error_code error;
+    return std::filesystem::is_regular_file(file, error);
+  });
+  if (found == fonts.end()) {
+    return tl::unexpected(corvana::IDError(
+        "The OCR-B font, from which reading machine-readable zones is learned, was not found: "
+        "install the package fonts-ocr-b."));
+  }
+  auto font = FontFace::load(*found);
+  if (!font) return tl::unexpected(font.error());
+
+  const auto machine = trained(drawGlyphSamples(*font));
+  const cv::Mat vectors = machine->getSupportVectors();
+  MrzGlyphClassifier classifier;
+  classifier.weights_.create(kPairs, vectors.cols, CV_32F);
+  classifier.offsets_.create(1, kPairs, CV_32F);
+  for (int pair = 0; pair < kPairs; ++pair) {
+    // A linear machine keeps one vector, already summed up, for each pair.
+    cv::Mat alpha;
+    cv::Mat index;
+    const double rho = machine->getDecisionFunction(pair, alpha, index);
+    const double scale = alpha.at<double>(0);
+    cv::Mat(vectors.row(index.at<int>(0)) * scale).copyTo(classifier.weights_.row(pair));
+    classifier.offsets_.at<float>(pair) = static_cast<float>(rho);
+  }
+  return classifier;
+}
+
+std::vector<MrzGlyphClassifier::Reading> MrzGlyphClassifier::classify(
+    const cv::Mat& cells, const std::vector<std::string_view>& alphabets) const {
+  cv::Mat normalized = cells.clone();
+  normalizeCells(normalized);
+  const cv::Mat decisions = normalized * weights_.t() - cv::repeat(offsets_, cells.rows, 1);
+  std::vector<Reading> readings;
+  for (int i = 0; i < cells.rows; ++i) {
+    readings.push_back(winner(decisions.ptr<float>(i), alphabets[static_cast<std::size_t>(i)]));
+  }
+  return readings;
+}
+
+std::vector<std::filesystem::path> defaultOcrBFonts() {
+  return {"/usr/share/fonts/opentype/ocr-b/OCRB.otf", "/usr/share/fonts/truetype/ocr-b/OCRB.ttf"};
+}
+
+}  // namespace engine

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <tl/expected.hpp>
+
+#include "corvana/DetectedData.h"
+
+/// Machine-readable zones of ICAO Doc 9303: TD1 (three lines of 30), TD2 (two of 36) and TD3 (two
+/// of 44). Pure.
+namespace engine {
+
+/// The check digit of a field: weights 7, 3, 1; digits count as themselves, letters A to Z as 10 to
+/// 35, the filler as 0.
+int mrzCheckDigit(std::string_view field);
+
+/// Reads the lines, with every check digit, date and character verified. The error is a reason in a
+/// few words ("the check digit of the expiry date is wrong"), not yet a sentence for the user.
+tl::expected<corvana::MRZResult, std::string> parseMrz(const std::vector<std::string>& lines);
+
+/// The same from one text: any line ends; blanks at a line's end and empty lines do not count.
+tl::expected<corvana::MRZResult, std::string> parseMrz(std::string_view text);
+
+}  // namespace engine

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <tl/expected.hpp>
+
+#include "corvana/DetectedData.h"
+#include "corvana/IDError.h"
+#include "engine/document/mrz/MrzGlyphClassifier.h"
+#include "platform/geometry/Geometry.h"
+#include "platform/media/PixelBuffer.h"
+
+namespace engine {
+
+/// What was seen of a machine-readable zone on a straightened card.
+struct MrzReading {
+  /// Rows that look like a zone, in pixels of the card; absent when there are none.
+  std::optional<platform::CGRect> band;
+  /// The lines as read, right or wrong; empty without a band.
+  std::vector<std::string> lines;
+  /// Only if all check digits hold and every unprotected letter is clear.
+  std::optional<corvana::MRZResult> mrz;
+};
+
+/// Reads the machine-readable zone (TD1, three lines of thirty OCR-B letters) of a straightened
+/// card. Immutable once made.
+class MrzReader {
+ public:
+  /// Learns the letters from the first of the fonts that exists (0.2 s). Error: none does.
+  static tl::expected<MrzReader, corvana::IDError> load(
+      const std::vector<std::filesystem::path>& fonts = defaultOcrBFonts());
+
+  /// The card must be upright, about 1000 pixels wide.
+  MrzReading read(const platform::PixelBuffer& card) const;
+
+ private:
+  explicit MrzReader(MrzGlyphClassifier classifier) : classifier_(std::move(classifier)) {}
+
+  MrzGlyphClassifier classifier_;
+};
+
+}  // namespace engine
