@@ -52,8 +52,7 @@ class FlowTest : public testing::Test, protected corvana::DecisionObserver {
   }
 
   void enter() {
-    capture::videoIDCapture(*world.root, front,
-                            oneSided ? std::nullopt : std::optional(back), text,
+    capture::videoIDCapture(*world.root, front, oneSided ? std::nullopt : std::optional(back), text,
                             [this](const Result& result) { results.push_back(result); });
     world.advance(1);
   }

@@ -130,8 +130,8 @@ TEST_F(Entry, IsSilentWhenTheScreenCannotBeBuilt) {
 
 TEST_F(Entry, HidesTheNavigationBarAndFillsTheScreen) {
   enter();
-  auto* navigation = dynamic_cast<platform::UINavigationController*>(
-      world.root->presentedViewController());
+  auto* navigation =
+      dynamic_cast<platform::UINavigationController*>(world.root->presentedViewController());
   ASSERT_NE(navigation, nullptr);
   EXPECT_TRUE(navigation->isNavigationBarHidden());
   EXPECT_EQ(navigation->modalPresentationStyle(), platform::UIModalPresentationStyle::fullScreen);

@@ -1,0 +1,144 @@
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "capture/FaceMatchDetector.h"
+#include "devices/scripted/ScriptedSystem.h"
+#include "support/TestBundle.h"
+#include "support/TestImages.h"
+
+namespace capture {
+
+struct FaceMatchDetectorProbe {
+  static auto preprocess(const std::vector<std::uint8_t>& data) {
+    return FaceMatchDetector::preprocess(data);
+  }
+  static float distance(const std::vector<double>& a, const std::vector<double>& b) {
+    return FaceMatchDetector::distance(a, b);
+  }
+  static std::optional<std::vector<double>> embedding(FaceMatchDetector& detector,
+                                                      const platform::UIImageRef& image) {
+    return detector.embedding(*detector.interpreter1_, *preprocess(*detector.scaled(image)));
+  }
+};
+
+namespace {
+
+using Probe = FaceMatchDetectorProbe;
+namespace fs = std::filesystem;
+
+class FaceMatching : public testing::Test {
+ protected:
+  static tests::TestBundle bundleOf(const fs::path& folder) {
+    return tests::TestBundle(folder, [](auto&, auto&) { return nullptr; });
+  }
+  /// A detector whose model is the first `bytes` of the file.
+  FaceMatchDetector withModel(const fs::path& model, std::size_t bytes = SIZE_MAX) {
+    const auto* info = testing::UnitTest::GetInstance()->current_test_info();
+    const fs::path folder = fs::path(testing::TempDir()) / info->name();
+    fs::create_directories(folder);
+    fs::copy_file(model, folder / "facenet.tflite", fs::copy_options::overwrite_existing);
+    if (bytes < fs::file_size(model)) fs::resize_file(folder / "facenet.tflite", bytes);
+    return FaceMatchDetector(bundleOf(folder), console);
+  }
+
+  devices::CapturingConsole console;
+  const fs::path tinyModel = fs::path(TEST_RESOURCES) / "facenet.tflite";
+  const platform::UIImageRef face = tests::faceImage(0);
+  const platform::UIImageRef other = tests::faceImage(1);
+};
+
+TEST_F(FaceMatching, GivesTheOriginalNetworksEmbedding) {
+  constexpr int kSide = 160;
+  std::vector<std::uint8_t> bytes;
+  for (int y = 0; y < kSide; ++y) {
+    for (int x = 0; x < kSide; ++x) {
+      bytes.push_back(static_cast<std::uint8_t>(x * 255 / 159));
+      bytes.push_back(static_cast<std::uint8_t>(y * 255 / 159));
+      bytes.push_back(static_cast<std::uint8_t>(x * y / 100 % 256));
+    }
+  }
+  const auto picture = std::make_shared<platform::UIImage>(
+      std::make_shared<platform::PixelBuffer>(kSide, kSide, platform::PixelFormat::rgb24, bytes));
+  std::ifstream file(GOLDEN_EMBEDDING, std::ios::binary);
+  std::array<float, 128> golden{};
+  ASSERT_TRUE(file.read(reinterpret_cast<char*>(golden.data()), sizeof golden));
+
+  FaceMatchDetector detector(bundleOf(MODULE_RESOURCES), console);
+  const auto embedding = Probe::embedding(detector, picture);
+  ASSERT_TRUE(embedding);
+  ASSERT_EQ(embedding->size(), golden.size());
+  for (std::size_t i = 0; i < golden.size(); ++i)
+    EXPECT_NEAR((*embedding)[i], golden[i], 1e-3) << i;
+}
+
+TEST_F(FaceMatching, MatchesUpToTheThresholdAndNoFurther) {
+  FaceMatchDetector detector(bundleOf(TEST_RESOURCES), console);
+  const auto same = detector.faceMatch(face, tests::faceImage(0), 0);
+  ASSERT_TRUE(same);
+  EXPECT_EQ(same->distance, 0);
+  EXPECT_TRUE(same->isMatched);
+  const auto different = detector.faceMatch(face, other, 0.44F);
+  ASSERT_TRUE(different);
+  EXPECT_FALSE(different->isMatched);
+  const float distance = different->distance;
+  EXPECT_TRUE(detector.faceMatch(face, other, distance)->isMatched);
+  EXPECT_FALSE(detector.faceMatch(face, other, std::nextafter(distance, 0.0F))->isMatched);
+  EXPECT_FALSE(detector.faceMatch(face, other, std::nanf(""))->isMatched);
+  EXPECT_EQ(detector.faceMatch(face, face, 0)->distance, 0) << "a call leaves nothing behind";
+  EXPECT_TRUE(detector.faceMatch(tests::flatImage(9, 9, 9), face, 0)) << "flat pictures compare";
+}
+
+TEST_F(FaceMatching, IsImpossibleWithoutPixelsAndSaysNothing) {
+  FaceMatchDetector detector(bundleOf(TEST_RESOURCES), console);
+  const auto drawing = std::make_shared<platform::UIImage>(nullptr, "drawing");
+  EXPECT_FALSE(detector.faceMatch(nullptr, face, 2));
+  EXPECT_FALSE(detector.faceMatch(face, drawing, 2));
+  EXPECT_TRUE(console.lines.empty());
+}
+
+TEST_F(FaceMatching, IsImpossibleWithoutAModel) {
+  FaceMatchDetector missing(bundleOf(fs::path(TEST_RESOURCES) / "nowhere"), console);
+  EXPECT_FALSE(missing.faceMatch(face, face, 2));
+  EXPECT_TRUE(console.lines.empty()) << "a missing model is silent";
+
+  for (const std::size_t bytes : {0U, 4U, 1000U}) {
+    console.lines.clear();
+    FaceMatchDetector broken = withModel(tinyModel, bytes);
+    EXPECT_FALSE(broken.faceMatch(face, face, 2));
+    ASSERT_EQ(console.lines.size(), 1u) << bytes;
+    EXPECT_EQ(console.lines[0],
+              "ERROR initializing FaceMatchDetector: "
+              "The face model facenet.tflite is not a TensorFlow Lite model.");
+  }
+}
+
+TEST_F(FaceMatching, ReportsAModelThatTakesAnotherPicture) {
+  FaceMatchDetector detector = withModel(OTHER_MODEL);
+  EXPECT_TRUE(console.lines.empty());
+  EXPECT_FALSE(detector.faceMatch(face, face, 2));
+  ASSERT_EQ(console.lines.size(), 1u);
+  EXPECT_EQ(console.lines[0],
+            "ERROR detecting face match: "
+            "The face model's input takes 196608 bytes, but the picture has 307200.");
+}
+
+TEST_F(FaceMatching, WhitensEachPictureAsAWhole) {
+  EXPECT_EQ(Probe::preprocess({0, 10}), (std::vector<float>{-1, 1}));
+  EXPECT_EQ(Probe::preprocess({7, 7, 7, 7}), std::vector<float>(4, 0));
+  EXPECT_EQ(Probe::preprocess({0, 0, 0, 1})->at(3), 0.75F / 0.5F) << "the floor is 1 / sqrt(n)";
+  EXPECT_FALSE(Probe::preprocess({}));
+}
+
+TEST_F(FaceMatching, MeasuresUnitLengthEmbeddings) {
+  EXPECT_EQ(Probe::distance({}, {}), 0);
+  EXPECT_EQ(Probe::distance({0, 0}, {3, 0}), 1) << "nothing stays nothing";
+  EXPECT_EQ(Probe::distance({5, 0}, {-0.5, 0}), 2);
+  EXPECT_FLOAT_EQ(Probe::distance({1, 0}, {0, 7}), std::sqrt(2.0F));
+}
+
+}  // namespace
+}  // namespace capture

@@ -1,0 +1,224 @@
+#include <functional>
+
+#include "FlowTest.h"
+
+namespace tests {
+namespace {
+
+using platform::UIColor;
+using platform::UIFont;
+
+class Retry : public FlowTest {
+ protected:
+  bool isAsked() { return world.topmostScene() == "VideoRetryViewController"; }
+  void answer(const char* button) {
+    ASSERT_TRUE(world.tap(button));
+    world.advance(1);
+  }
+  /// What brings the retry screen up, and what it says.
+  struct Case {
+    const char* message;
+    std::function<void()> fail;
+  };
+  const Case selfieTimedOut{SelfieCapture::strings.retryScreenText.c_str(),
+                            [this] { selfie(Face::TimedOut{}); }};
+  const Case selfieFailed{SelfieCapture::strings.retryScreenText.c_str(),
+                          [this] { selfie(Face::Failed{}); }};
+  const Case cardTimedOut{IDCapture::strings.retryScreenText.c_str(), [this] {
+                            passSelfie();
+                            card(ID::TimedOut{});
+                          }};
+  const Case backFailed{IDCapture::strings.retryScreenText.c_str(), [this] {
+                          passSelfie();
+                          passFront();
+                          card(ID::Failed{});
+                        }};
+  const Case lostAtTheCard{"Live Face Lost. Please try again", [this] {
+                             passSelfie();
+                             world.recorder().reportLiveFaceLost();
+                           }};
+  const Case lostWhileReading{"Live Face Lost. Please try again", [this] {
+                                reachReading();
+                                world.recorder().reportLiveFace(std::nullopt, {}, mode());
+                              }};
+  const Case silent{"Voice does not match text. Please try again", [this] {
+                      reachReading();
+                      world.advance(21);
+                    }};
+  const Case all[7] = {selfieTimedOut, selfieFailed,     cardTimedOut, backFailed,
+                       lostAtTheCard,  lostWhileReading, silent};
+};
+
+TEST_F(Retry, OfEveryKindLeadsThroughTheWholeFlowAgain) {
+  enter();
+  for (const Case& test : all) {
+    SCOPED_TRACE(test.message);
+    const int stopped = world.recorder().count("stopVideoWriter");
+    const int restarted = world.recorder().count("retry");
+    test.fail();
+    world.advance(1);
+    ASSERT_TRUE(isAsked());
+    EXPECT_EQ(world.text("label"), test.message);
+    EXPECT_EQ(world.recorder().count("stopVideoWriter"), stopped + 1);
+    EXPECT_EQ(world.recorder().count("retry"), restarted);
+    EXPECT_FALSE(world.speech().isRunning());
+    EXPECT_FALSE(world.mediaDevices.microphone->isRunning());
+    answer("retryButton");
+    EXPECT_EQ(world.recorder().count("retry"), restarted + 1);
+    EXPECT_EQ(world.recorder().count("stopVideoWriter"), stopped + 1);
+    EXPECT_TRUE(world.speech().isRunning()) << "the host has restarted it";
+  }
+  EXPECT_EQ(world.host.recordersMade(), 1);
+  EXPECT_EQ(mode(), VideoCaptureMode::selfieCapture);
+  reachReading();
+  EXPECT_TRUE(world.mediaDevices.microphone->isRunning());
+  readAndFinish();
+  expectAccepted();
+}
+
+TEST_F(Retry, PutsTheScreenBackAtOnceBehindTheQuestion) {
+  VideoCapture::options.isDebugMode = true;
+  enter();
+  reachReading();
+  hear("herons");
+  world.recorder().reportLiveFace();
+  world.advance(5);
+  world.recorder().reportLiveFaceLost();
+  world.advance(0);
+  EXPECT_EQ(world.text("readingTextCountdownLabel"), "0:20");
+  EXPECT_FALSE(world.label("readingTextLabel").attributedText());
+  EXPECT_EQ(world.text("readingTextLabel"), text);
+  EXPECT_EQ(world.text("captureLabel"), SelfieCapture::strings.captureSelfie);
+  EXPECT_EQ(world.view("selfieOverlayView").alpha(), 1);
+  EXPECT_EQ(world.view("idOverlayView").alpha(), 0);
+  EXPECT_EQ(world.view("readingTextOverlayView").alpha(), 0);
+  EXPECT_EQ(facePrompt(), "");
+  EXPECT_EQ(cardPrompt(), "");
+  // The card's opening state is handled after the accepted front was forgotten.
+  EXPECT_EQ(world.imageView("idImageView").image()->name(), "overlay_portrait_id_front");
+  EXPECT_TRUE(world.view("captureLabel").root().layer().sublayers().back()->sublayers().empty());
+  world.advance(60);
+  EXPECT_EQ(world.text("readingTextCountdownLabel"), "0:20") << "the countdown stands still";
+}
+
+TEST_F(Retry, ForgetsTheFrontAndEveryGraceTime) {
+  enter();
+  showFace(kStranger);
+  passSelfie();
+  passFront();
+  DetectedData wrong = back;
+  wrong.mrz.reset();
+  card(ID::Success{wrong});
+  card(ID::TimedOut{});
+  world.advance(4);
+  answer("retryButton");
+  showFace(kStranger);
+  EXPECT_EQ(facePrompt(), SelfieCapture::strings.capturingFace);
+  passSelfie();
+  card(ID::ClassifiedDocument{back});
+  EXPECT_EQ(cardPrompt(), IDCapture::strings.useFront);
+  front.ocrStrings = {{"somebody else"}};
+  card(ID::Success{front});
+  EXPECT_EQ(cardPrompt(), "");
+}
+
+TEST_F(Retry, CancelIsDeliveredOnceWhenTheScreenHasGone) {
+  enter();
+  selfie(Face::TimedOut{});
+  world.advance(1);
+  ASSERT_TRUE(world.tap("cancelButton"));
+  EXPECT_FALSE(world.tap("cancelButton")) << "it is going away";
+  world.advance(0.5);
+  EXPECT_TRUE(results.empty());
+  world.advance(1);
+  expectFailed(IDError::Strings::canceled);
+  EXPECT_EQ(&world.topmost(), world.root.get());
+  EXPECT_EQ(world.recorder().count("retry"), 0);
+}
+
+TEST_F(Retry, WithoutItsSceneTheFlowStaysPaused) {
+  world.factories.erase("VideoRetryViewController");
+  enter();
+  selfie(Face::TimedOut{});
+  world.advance(1);
+  EXPECT_EQ(world.topmostScene(), "VideoCaptureViewController");
+  EXPECT_EQ(world.recorder().count("stopVideoWriter"), 1);
+}
+
+TEST_F(Retry, ClosingEndsEveryPhaseWithTheCancellation) {
+  const std::function<void()> phases[] = {
+      [] {}, [this] { passSelfie(); }, [this] { passSelfie(), passFront(); },
+      [this] { reachReading(); }, [this] { reachReading(), world.advance(5); }};
+  for (const auto& reach : phases) {
+    results.clear();
+    enter();
+    reach();
+    ASSERT_TRUE(world.tap("closeButton"));
+    EXPECT_TRUE(results.empty());
+    world.advance(60);
+    expectFailed(IDError::Strings::canceled);
+    EXPECT_EQ(world.recorder().count("stopVideoWriter"), 0) << "the host closes or discards it";
+  }
+}
+
+/// Gives every value of a table that a retry screen shows, made from one number.
+template <class Capture>
+void fillTables(double level) {
+  const std::string name(1, static_cast<char>('A' + static_cast<int>(level * 10)));
+  Capture::strings.retryScreenText = name + " text";
+  Capture::strings.retryButtonText = name + " again";
+  Capture::strings.cancelButtonText = name + " no";
+  Capture::images.retryScreenImage = std::make_shared<platform::UIImage>(nullptr, name);
+  Capture::colors.retryScreenBackgroundColor = UIColor::white(level, 0.1);
+  Capture::colors.retryScreenLabelTextColor = UIColor::white(level, 0.2);
+  Capture::colors.retryScreenImageTintColor = UIColor::white(level, 0.3);
+  Capture::colors.retryScreenButtonTextColor = UIColor::white(level, 0.4);
+  Capture::colors.retryScreenButtonBackgroundColor = UIColor::white(level, 0.5);
+  Capture::fonts.retryScreenLabelFont = UIFont{name, 10};
+  Capture::fonts.retryScreenButtonFont = UIFont{name, 20};
+}
+
+TEST_F(Retry, ScreenTakesItsLooksFromTheCaptureThatFailed) {
+  fillTables<SelfieCapture>(0);
+  fillTables<IDCapture>(0.1);
+  enter();
+  const std::tuple<std::function<void()>, std::string, std::string, double> cases[] = {
+      {[this] { selfie(Face::Failed{}); }, "A", "A text", 0},
+      {[this] { card(ID::Failed{}); }, "B", "B text", 0.1},
+      {[this] { world.recorder().reportLiveFaceLost(); }, "A", "Live Face Lost. Please try again",
+       0},
+      {[this] { reachReading(), world.advance(21); }, "A",
+       "Voice does not match text. Please try again", 0}};
+  for (const auto& [fail, name, message, level] : cases) {
+    SCOPED_TRACE(message);
+    fail();
+    world.advance(1);
+    EXPECT_EQ(world.text("label"), message);
+    EXPECT_EQ(world.topmost().view().backgroundColor(), UIColor::white(level, 0.1));
+    EXPECT_EQ(world.label("label").textColor(), UIColor::white(level, 0.2));
+    EXPECT_EQ(world.label("label").font().family, name);
+    EXPECT_EQ(world.imageView("imageView").image()->name(), name);
+    EXPECT_EQ(world.imageView("imageView").tintColor(), UIColor::white(level, 0.3));
+    EXPECT_EQ(world.button("retryButton").title(), name + " again");
+    EXPECT_EQ(world.button("cancelButton").title(), name + " no");
+    for (const char* button : {"retryButton", "cancelButton"}) {
+      EXPECT_EQ(world.button(button).titleColor(), UIColor::white(level, 0.4));
+      EXPECT_EQ(world.button(button).backgroundColor(), UIColor::white(level, 0.5));
+      EXPECT_EQ(world.button(button).titleLabel()->font(), (UIFont{name, 20}));
+    }
+    answer("retryButton");
+  }
+}
+
+TEST_F(Retry, ScreenKeepsTheStoryboardsLooksWhereTheTablesAreEmpty) {
+  enter();
+  selfie(Face::Failed{});
+  world.advance(1);
+  EXPECT_EQ(world.text("label"), SelfieCapture::strings.retryScreenText);
+  EXPECT_EQ(world.topmost().view().backgroundColor(), platform::colors::kClear);
+  EXPECT_EQ(world.imageView("imageView").image(), nullptr);
+  EXPECT_EQ(world.button("retryButton").backgroundColor(), platform::colors::kClear);
+}
+
+}  // namespace
+}  // namespace tests
