@@ -16,6 +16,7 @@ struct GstRelease {
   void operator()(GstBus* bus) const { gst_object_unref(bus); }
   void operator()(GstCaps* caps) const { gst_caps_unref(caps); }
   void operator()(GstElementFactory* factory) const { gst_object_unref(factory); }
+  void operator()(GstEvent* event) const { gst_event_unref(event); }
   void operator()(GstMessage* message) const { gst_message_unref(message); }
   void operator()(GstPad* pad) const { gst_object_unref(pad); }
   void operator()(GstSample* sample) const { gst_sample_unref(sample); }

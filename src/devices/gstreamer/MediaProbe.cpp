@@ -1,165 +1,112 @@
 #include "devices/gstreamer/MediaProbe.h"
 
-#include <array>
+#include <algorithm>
+#include <atomic>
 #include <cmath>
-#include <fstream>
 #include <string_view>
-#include <vector>
+#include <utility>
 
-#include <gst/base/gsttypefindhelper.h>
-#include <gst/pbutils/pbutils.h>
+#include <gst/video/video.h>
 
 #include "devices/gstreamer/GstSupport.h"
-#include "devices/gstreamer/MediaElements.h"
+#include "devices/gstreamer/StreamReader.h"
 
 namespace devices {
 namespace {
 
-constexpr GstClockTime kProbeLimit = 30 * GST_SECOND;
-constexpr std::size_t kHeadBytes = 65536;
 constexpr double kUsualRate = 30;
-
-/// Playlists and the like are none of these: a file must not make the program open others.
-constexpr std::array kContainers = {
-    std::string_view("video/quicktime"), std::string_view("video/x-matroska"),
-    std::string_view("video/webm"),      std::string_view("video/x-msvideo"),
-    std::string_view("video/mpeg"),      std::string_view("video/mpegts"),
-    std::string_view("video/x-flv"),     std::string_view("application/ogg"),
-    std::string_view("audio/x-m4a"),     std::string_view("application/x-3gp"),
-};
 
 using Failure = tl::unexpected<std::string>;
 
-struct Unref {
-  void operator()(gpointer object) const { g_object_unref(object); }
+/// What a file's demuxer has found; written by its thread, so it must outlive the pipeline.
+struct Streams {
+  GstElement* sink = nullptr;
+  std::atomic<bool> hasVideo = false;
+  std::atomic<bool> hasAudio = false;
+  std::atomic<bool> isComplete = false;
+
+  static void onPad(GstElement*, GstPad* pad, gpointer data) {
+    auto& streams = *static_cast<Streams*>(data);
+    const std::string_view name = GST_PAD_NAME(pad);
+    if (name.starts_with("video")) streams.hasVideo = true;
+    if (name.starts_with("audio")) streams.hasAudio = true;
+  }
+
+  static void onAllPads(GstElement*, gpointer data) {
+    auto& streams = *static_cast<Streams*>(data);
+    streams.isComplete = true;
+    if (streams.hasVideo) return;
+    // Nothing will ever come: the reader must not wait for it.
+    const GstPtr<GstPad> pad(gst_element_get_static_pad(streams.sink, "sink"));
+    gst_pad_send_event(pad.get(), gst_event_new_eos());
+  }
 };
-template <class T>
-using ObjectPtr = std::unique_ptr<T, Unref>;
 
-Failure notAVideo(const std::string& name, const std::string& why) {
-  return Failure(name + " is not a video (" + why + "): use a recording such as MP4 or Matroska.");
+bool isTurned(GstElement* sink) {
+  const GstPtr<GstPad> pad(gst_element_get_static_pad(sink, "sink"));
+  bool turned = false;
+  for (guint index = 0;; ++index) {
+    const GstPtr<GstEvent> event(gst_pad_get_sticky_event(pad.get(), GST_EVENT_TAG, index));
+    if (!event) return turned;
+    GstTagList* tags = nullptr;
+    gst_event_parse_tag(event.get(), &tags);
+    GstVideoOrientationMethod method = GST_VIDEO_ORIENTATION_IDENTITY;
+    if (!gst_video_orientation_from_tag(tags, &method)) continue;
+    turned = method == GST_VIDEO_ORIENTATION_90R || method == GST_VIDEO_ORIENTATION_90L ||
+             method == GST_VIDEO_ORIENTATION_UL_LR || method == GST_VIDEO_ORIENTATION_UR_LL;
+  }
 }
 
-tl::expected<void, std::string> checkFile(const std::filesystem::path& path) {
-  const std::string name = path.string();
-  std::error_code error;
-  if (!std::filesystem::exists(path, error)) return Failure("There is no file " + name + ".");
-  if (!std::filesystem::is_regular_file(path, error)) {
-    return Failure(name + " is not a file: name a video file.");
+tl::expected<MediaInfo, std::string> readPicture(const std::string& name, GstSample* sample) {
+  GstVideoInfo video;
+  if (!gst_video_info_from_caps(&video, gst_sample_get_caps(sample))) {
+    return Failure(name + " holds a picture that can't be read.");
   }
-  std::ifstream file(path, std::ios::binary);
-  std::vector<char> head(kHeadBytes);
-  file.read(head.data(), static_cast<std::streamsize>(head.size()));
-  if (file.bad() || (!file.is_open())) return Failure(name + " can't be read: check its rights.");
-  const auto count = static_cast<gsize>(file.gcount());
-  if (count == 0) return notAVideo(name, "it is empty");
-  const GstPtr<GstCaps> type(gst_type_find_helper_for_data(
-      nullptr, reinterpret_cast<const guint8*>(head.data()), count, nullptr));
-  if (!type) return notAVideo(name, "its type is unknown");
-  const std::string_view media = gst_structure_get_name(gst_caps_get_structure(type.get(), 0));
-  for (const std::string_view container : kContainers) {
-    if (media == container) return {};
-  }
-  if (media.starts_with("audio/")) return Failure(name + " holds sound but no picture.");
-  return notAVideo(name, "it is " + std::string(media));
-}
-
-std::string missingDecoder(const std::string& name, GstDiscovererInfo* info) {
-  // "gstreamer|1.0|program|description|decoder-type": the description is for people.
-  const gchar** details = gst_discoverer_info_get_missing_elements_installer_details(info);
-  std::string what = "a decoder";
-  if (details && details[0]) {
-    gchar** parts = g_strsplit(details[0], "|", 5);
-    if (g_strv_length(parts) > 3) what = parts[3];
-    g_strfreev(parts);
-  }
-  if (!isElementInstalled("avdec_h264")) {
-    return name + " can't be decoded (" + what + " is missing): install gstreamer1.0-libav.";
-  }
-  return name + " can't be decoded (" + what + " is missing): convert it to H.264 and AAC in MP4.";
-}
-
-bool isTurned(GstDiscovererStreamInfo* stream) {
-  const GstTagList* tags = gst_discoverer_stream_info_get_tags(stream);
-  gchar* raw = nullptr;
-  if (!tags || !gst_tag_list_get_string(tags, GST_TAG_IMAGE_ORIENTATION, &raw)) return false;
-  const GstPtr<gchar> orientation(raw);
-  const std::string_view text = orientation.get();
-  return text.ends_with("rotate-90") || text.ends_with("rotate-270");
-}
-
-tl::expected<MediaInfo, std::string> readPicture(const std::string& name,
-                                                 GstDiscovererStreamInfo* stream) {
-  const auto* video = GST_DISCOVERER_VIDEO_INFO(stream);
-  if (gst_discoverer_video_info_is_image(video)) return notAVideo(name, "it is a single picture");
-  const double width = gst_discoverer_video_info_get_width(video);
-  const double height = gst_discoverer_video_info_get_height(video);
-  const double aspectNum = gst_discoverer_video_info_get_par_num(video);
-  const double aspectDenom = gst_discoverer_video_info_get_par_denom(video);
-  const double aspect = aspectNum > 0 && aspectDenom > 0 ? aspectNum / aspectDenom : 1;
-  const double square = std::round(width * aspect);
-  if (!(std::min(square, height) >= kMinPictureSize) ||
-      !(std::max({square, width, height}) <= kMaxPictureSize)) {
-    return Failure("The picture of " + name + " measures " + std::to_string(std::lround(square)) +
-                   "x" + std::to_string(std::lround(height)) + " pixels: it must be " +
+  const double aspect = video.par_n > 0 && video.par_d > 0 ? double(video.par_n) / video.par_d : 1;
+  const double width = std::round(video.width * aspect);
+  const double largest = std::max({width, double(video.width), double(video.height)});
+  if (!(std::min(width, double(video.height)) >= kMinPictureSize && largest <= kMaxPictureSize)) {
+    return Failure("The picture of " + name + " measures " + std::to_string(std::llround(width)) +
+                   "x" + std::to_string(video.height) + " pixels: it must be " +
                    std::to_string(kMinPictureSize) + " to " + std::to_string(kMaxPictureSize) +
                    " wide and high.");
   }
   MediaInfo info;
-  info.width = static_cast<int>(square);
-  info.height = static_cast<int>(height);
-  if (isTurned(stream)) std::swap(info.width, info.height);
-  const double rateNum = gst_discoverer_video_info_get_framerate_num(video);
-  const double rateDenom = gst_discoverer_video_info_get_framerate_denom(video);
-  const double rate = rateDenom > 0 ? rateNum / rateDenom : 0;
+  info.width = static_cast<int>(width);
+  info.height = video.height;
+  const double rate = video.fps_d > 0 ? double(video.fps_n) / video.fps_d : 0;
   info.frameRate = rate >= 1 && rate <= 240 ? rate : kUsualRate;
-  return info;
-}
-
-tl::expected<MediaInfo, std::string> describeFile(const std::string& name,
-                                                  GstDiscovererInfo* found) {
-  GList* videos = gst_discoverer_info_get_video_streams(found);
-  GList* audios = gst_discoverer_info_get_audio_streams(found);
-  tl::expected<MediaInfo, std::string> info = Failure(name + " holds no picture.");
-  if (videos) {
-    info = readPicture(name, GST_DISCOVERER_STREAM_INFO(videos->data));
-  } else if (audios) {
-    info = Failure(name + " holds sound but no picture.");
-  }
-  if (info) {
-    info->hasAudio = audios != nullptr;
-    const GstClockTime duration = gst_discoverer_info_get_duration(found);
-    if (GST_CLOCK_TIME_IS_VALID(duration)) {
-      info->duration = platform::Duration(static_cast<platform::Duration::rep>(duration));
-    }
-  }
-  gst_discoverer_stream_info_list_free(videos);
-  gst_discoverer_stream_info_list_free(audios);
   return info;
 }
 
 }  // namespace
 
 tl::expected<MediaInfo, std::string> probe(const std::filesystem::path& path) {
-  initGStreamer();
-  if (const auto checked = checkFile(path); !checked) return Failure(checked.error());
+  Streams streams;
+  auto stream = openStream(path, "video_0", "videoconvert");
+  if (!stream) return Failure(stream.error());
+  streams.sink = stream->element("sink");
+  GstElement* demuxer = stream->element("demuxer");
+  g_signal_connect(demuxer, "pad-added", G_CALLBACK(&Streams::onPad), &streams);
+  g_signal_connect(demuxer, "no-more-pads", G_CALLBACK(&Streams::onAllPads), &streams);
+  stream->start();
+
   const std::string name = path.string();
-  const GstPtr<gchar> uri(gst_filename_to_uri(path.c_str(), nullptr));
-  const ObjectPtr<GstDiscoverer> discoverer(gst_discoverer_new(kProbeLimit, nullptr));
-  if (!uri || !discoverer) {
-    return Failure("Media files can't be read: install gstreamer1.0-plugins-base.");
+  const auto sample = stream->pull();
+  if (streams.isComplete && !streams.hasVideo) {
+    return Failure(name + (streams.hasAudio ? " holds sound but no picture." : " is empty."));
   }
-  GError* raw = nullptr;
-  const ObjectPtr<GstDiscovererInfo> found(
-      gst_discoverer_discover_uri(discoverer.get(), uri.get(), &raw));
-  const GstPtr<GError> error(raw);
-  const GstDiscovererResult result =
-      found ? gst_discoverer_info_get_result(found.get()) : GST_DISCOVERER_ERROR;
-  if (result == GST_DISCOVERER_OK) return describeFile(name, found.get());
-  if (result == GST_DISCOVERER_MISSING_PLUGINS) return Failure(missingDecoder(name, found.get()));
-  if (result == GST_DISCOVERER_TIMEOUT) return Failure(name + " can't be read: no picture came.");
-  return Failure(name + " is damaged (" + (error ? describe(*error) : "it can't be read") +
-                 "): record it again.");
+  if (!sample) return Failure(sample.error());
+  if (!*sample) return Failure(name + " holds no picture: record it again.");
+  auto info = readPicture(name, sample->get());
+  if (!info) return info;
+  if (isTurned(streams.sink)) std::swap(info->width, info->height);
+  info->hasAudio = streams.hasAudio;
+  gint64 duration = 0;
+  if (gst_element_query_duration(demuxer, GST_FORMAT_TIME, &duration) && duration > 0) {
+    info->duration = platform::Duration(duration);
+  }
+  return info;
 }
 
 }  // namespace devices

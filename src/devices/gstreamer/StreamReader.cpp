@@ -6,8 +6,11 @@
 #include <utility>
 
 #include <gst/app/gstappsink.h>
+#include <gst/pbutils/pbutils.h>
 
+#include "devices/gstreamer/Container.h"
 #include "devices/gstreamer/GstPicture.h"
+#include "devices/gstreamer/MediaElements.h"
 
 namespace devices {
 namespace {
@@ -33,16 +36,6 @@ void replace(std::string& text, const std::string& mark, int value) {
   text.replace(text.find(mark), mark.size(), std::to_string(value));
 }
 
-/// The decoder of a file, started.
-tl::expected<StreamReader, std::string> decode(const std::filesystem::path& path,
-                                               const std::string& conversion) {
-  auto reader = StreamReader::open(path.string(), "filesrc name=file ! decodebin ! " + conversion);
-  if (!reader) return reader;
-  g_object_set(reader->element("file"), "location", path.c_str(), nullptr);
-  reader->start();
-  return reader;
-}
-
 }  // namespace
 
 StreamReader::StreamReader(std::string name, GstPtr<GstElement> pipeline)
@@ -62,20 +55,32 @@ void StreamReader::start() {
 }
 
 tl::expected<GstPtr<GstSample>, std::string> StreamReader::pull() {
-  const GstPtr<GstBus> bus(gst_element_get_bus(pipeline_.get()));
   for (int slice = 0; slice < kPullSlices; ++slice) {
     GstPtr<GstSample> sample(gst_app_sink_try_pull_sample(GST_APP_SINK(sink_), kPullSlice));
     if (sample) return sample;
-    if (const GstPtr<GstMessage> message(gst_bus_pop_filtered(bus.get(), GST_MESSAGE_ERROR));
-        message) {
-      GError* raw = nullptr;
-      gst_message_parse_error(message.get(), &raw, nullptr);
-      const GstPtr<GError> error(raw);
-      return tl::unexpected(name_ + " is damaged (" + describe(*error) + "): record it again.");
-    }
+    readMessages();
+    if (error_) return tl::unexpected(missing_.value_or(*error_));
     if (gst_app_sink_is_eos(GST_APP_SINK(sink_))) return GstPtr<GstSample>();
   }
   return tl::unexpected(name_ + " can't be decoded any further: record it again.");
+}
+
+void StreamReader::readMessages() {
+  const GstPtr<GstBus> bus(gst_element_get_bus(pipeline_.get()));
+  const auto wanted = static_cast<GstMessageType>(GST_MESSAGE_ERROR | GST_MESSAGE_ELEMENT);
+  while (const GstPtr<GstMessage> message{gst_bus_pop_filtered(bus.get(), wanted)}) {
+    if (gst_is_missing_plugin_message(message.get())) {
+      const GstPtr<gchar> what(gst_missing_plugin_message_get_description(message.get()));
+      missing_ = name_ + " can't be decoded (" + what.get() + " is missing): " +
+                 (isElementInstalled("avdec_h264") ? "convert it to H.264 and AAC in MP4."
+                                                   : "install gstreamer1.0-libav.");
+    } else if (GST_MESSAGE_TYPE(message.get()) == GST_MESSAGE_ERROR && !error_) {
+      GError* raw = nullptr;
+      gst_message_parse_error(message.get(), &raw, nullptr);
+      const GstPtr<GError> error(raw);
+      error_ = name_ + " is damaged (" + describe(*error) + "): record it again.";
+    }
+  }
 }
 
 std::optional<platform::Duration> StreamReader::timeOf(GstSample* sample) {
@@ -87,6 +92,19 @@ std::optional<platform::Duration> StreamReader::timeOf(GstSample* sample) {
   return platform::Duration(static_cast<platform::Duration::rep>(time));
 }
 
+tl::expected<StreamReader, std::string> openStream(const std::filesystem::path& path,
+                                                   const std::string& stream,
+                                                   const std::string& conversion) {
+  const auto demuxer = demuxerOf(path);
+  if (!demuxer) return tl::unexpected(demuxer.error());
+  // The demuxer stands outside of the decoding bin, which may swallow its errors and never end.
+  auto reader = StreamReader::open(path.string(), "filesrc name=file ! " + *demuxer +
+                                                      " name=demuxer demuxer." + stream +
+                                                      " ! decodebin ! " + conversion);
+  if (reader) g_object_set(reader->element("file"), "location", path.c_str(), nullptr);
+  return reader;
+}
+
 VideoReader::VideoReader(const std::filesystem::path& path, const MediaInfo& info,
                          StreamReader reader)
     : name_(path.string()), info_(info), reader_(std::move(reader)) {}
@@ -96,8 +114,9 @@ tl::expected<std::unique_ptr<VideoReader>, std::string> VideoReader::open(
   std::string conversion = kPictureConversion;
   replace(conversion, "%w", info.width);
   replace(conversion, "%h", info.height);
-  auto reader = decode(path, conversion);
+  auto reader = openStream(path, "video_0", conversion);
   if (!reader) return tl::unexpected(reader.error());
+  reader->start();
   return std::unique_ptr<VideoReader>(new VideoReader(path, info, std::move(*reader)));
 }
 
@@ -136,9 +155,12 @@ AudioReader::AudioReader(StreamReader reader, platform::Duration origin)
 
 tl::expected<std::unique_ptr<AudioReader>, std::string> AudioReader::open(
     const std::filesystem::path& path, platform::Duration origin) {
-  auto reader = decode(path, kSoundConversion);
+  auto reader = openStream(path, "audio_0", kSoundConversion);
   if (!reader) return tl::unexpected(reader.error());
-  return std::unique_ptr<AudioReader>(new AudioReader(std::move(*reader), origin));
+  reader->start();
+  std::unique_ptr<AudioReader> audio(new AudioReader(std::move(*reader), origin));
+  if (const auto first = audio->readChunk(); !first) return tl::unexpected(first.error());
+  return audio;
 }
 
 std::int64_t AudioReader::chunkEnd() const {

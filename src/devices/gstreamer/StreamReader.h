@@ -33,10 +33,20 @@ class StreamReader {
  private:
   StreamReader(std::string name, GstPtr<GstElement> pipeline);
 
+  void readMessages();
+
   std::string name_;
   GstPtr<GstElement> pipeline_;
   GstElement* sink_ = nullptr;
+  std::optional<std::string> error_;
+  std::optional<std::string> missing_;
 };
+
+/// A stream of a video file (`video_0`, `audio_0`), decoded and converted; not started yet. The
+/// elements that take the file apart are named `file` and `demuxer`.
+tl::expected<StreamReader, std::string> openStream(const std::filesystem::path& path,
+                                                   const std::string& stream,
+                                                   const std::string& conversion);
 
 /// Upright I420 pictures (BT.601, limited range) of one size, in order of strictly growing time.
 class VideoReader {
