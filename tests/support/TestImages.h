@@ -10,8 +10,8 @@ namespace tests {
 platform::UIImageRef flatImage(std::uint8_t red, std::uint8_t green, std::uint8_t blue,
                                int width = 160, int height = 160);
 
-/// Faces for tests: equal numbers give equal pictures in new objects, different numbers clearly
-/// different ones.
+/// Faces for tests, 0 to 7: equal numbers give equal pictures in new objects, different numbers
+/// clearly different ones.
 platform::UIImageRef faceImage(int person);
 
 }  // namespace tests

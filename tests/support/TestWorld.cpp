@@ -29,6 +29,8 @@ TestWorld::TestWorld()
 TestWorld::~TestWorld() {
   window_.reset();
   root.reset();
+  // What waits on the loop may own controllers, which need this world to the end.
+  loop.discardPending();
 }
 
 void TestWorld::advance(double seconds) {

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include "app/FlowEnd.h"
+#include "app/SimulateScript.h"
+#include "corvana/Decision.h"
+#include "devices/headless/DirectoryBundle.h"
+#include "devices/headless/FlowReporter.h"
+#include "devices/headless/HeadlessSystem.h"
+#include "devices/headless/ScreenHub.h"
+#include "devices/scripted/HostContractValidator.h"
+#include "devices/scripted/ScriptedHost.h"
+#include "devices/scripted/ScriptedMedia.h"
+#include "devices/scripted/ScriptedSystem.h"
+#include "platform/foundation/VirtualRunLoop.h"
+#include "platform/uikit/UIViewController.h"
+
+namespace app {
+
+/// One run of a script: the real module before a scripted host, on a virtual clock. Prints a line
+/// for each thing that the user sees, the recorder is asked and the caller gets.
+class Simulation final : public corvana::DecisionObserver {
+ public:
+  Simulation(SimulateScript script, const std::filesystem::path& resources, std::ostream& out);
+  ~Simulation() override;
+
+  /// Absent when the script ended before the flow did; an error is a fault of the script, in one
+  /// sentence.
+  tl::expected<std::optional<Outcome>, std::string> run();
+
+  void decided(const corvana::Decision& decision) override;
+
+ private:
+  struct Actor;
+
+  void print(const std::string& line);
+  void watchHost();
+  void start();
+  void schedule(const SimulateStep& step);
+  void perform(const SimulateStep& step);
+  void tap(const std::string& button);
+  void hear(const devices::HostEvent& event);
+  void printContractBreaches();
+  void finish(const Outcome& outcome);
+
+  SimulateScript script_;
+  std::ostream& out_;
+  FlowEnd end_;
+  std::optional<std::string> fault_;
+
+  platform::VirtualRunLoop loop_;
+  platform::NotificationCenter notificationCenter_;
+  devices::FlowReporter reporter_;
+  devices::ScreenHub hub_;
+  devices::CapturingConsole console_;
+  devices::ScriptedApplication application_;
+  devices::ScriptedMediaDevices mediaDevices_{loop_};
+  devices::ScriptedSpeechAuthorization speechAuthorization_{loop_};
+  devices::ReportingSystemSounds sounds_;
+  devices::ScriptedHost host_{loop_, mediaDevices_};
+  devices::DirectoryBundle bundle_;
+  platform::Environment environment_;
+  std::unique_ptr<platform::UIWindow> window_;
+  std::optional<devices::HostContractValidator> validator_;
+  std::size_t breachesPrinted_ = 0;
+};
+
+}  // namespace app
