@@ -94,13 +94,9 @@ LanguageModel interpolated(ps_decoder_t* decoder, LanguageModel stock,
   std::string textName = "text";
   std::array<char*, 2> names{stockName.data(), textName.data()};
   const std::array<float32, 2> shares{1 - kTextShare, kTextShare};
-  LanguageModel both(ngram_model_set_init(ps_get_config(decoder), models.data(), names.data(),
-                                          shares.data(), models.size()));
-  if (both) {  // The set has taken both over.
-    static_cast<void>(stock.release());
-    static_cast<void>(text.release());
-  }
-  return both;
+  // The set holds the two models together with us.
+  return LanguageModel(ngram_model_set_init(ps_get_config(decoder), models.data(), names.data(),
+                                            shares.data(), models.size()));
 }
 
 corvana::IDError loadError(const SpeechModelPaths& paths) {
