@@ -25,7 +25,7 @@ constexpr std::size_t kMostOpenings = 31;
 
 /// The landmarks of a still face tremble, and those of a tilted photo follow the network's idea of
 /// faces a little: below the first is nothing, from the second on it is depth without doubt.
-constexpr double kNoParallax = 0.02;
+constexpr double kNoParallax = 0.025;
 constexpr double kFullParallax = 0.05;
 /// So many frames must agree, so that one misplaced mesh is no evidence.
 constexpr std::size_t kAgreeingFrames = 3;

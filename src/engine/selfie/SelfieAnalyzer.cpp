@@ -26,7 +26,7 @@ constexpr double kMaxPitch = 40;
 constexpr double kMaxRoll = 35;
 constexpr double kMinBrightness = 40;
 constexpr double kMaxBrightness = 235;
-constexpr double kMinSharpness = 8;
+constexpr double kMinSharpness = 6;
 constexpr float kEyesClosed = 0.2F;
 
 double visiblePart(const CGRect& box, const PixelBuffer& frame) {
