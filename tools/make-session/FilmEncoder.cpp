@@ -18,7 +18,7 @@ using devices::GstPtr;
 
 constexpr GstClockTime kPatience = 120 * GST_SECOND;
 
-/// The number of threads is fixed since the encoder's decisions depend on it.
+/// One thread: with more, the same pictures need not become the same bytes.
 std::string launchLine(const std::string& audioEncoder) {
   const std::string size = "width=" + std::to_string(kPictureWidth) +
                            ",height=" + std::to_string(kPictureHeight) +
@@ -27,7 +27,7 @@ std::string launchLine(const std::string& audioEncoder) {
          "appsrc name=video format=time block=true max-bytes=11059200 "
          "caps=video/x-raw,format=I420,colorimetry=bt601,pixel-aspect-ratio=1/1," +
          size +
-         " ! x264enc pass=qual quantizer=21 speed-preset=superfast threads=4 key-int-max=60 ! "
+         " ! x264enc pass=qual quantizer=21 speed-preset=superfast threads=1 key-int-max=60 ! "
          "video/x-h264,profile=high ! h264parse ! queue max-size-time=0 max-size-bytes=0 ! mux. "
          "appsrc name=audio format=time max-bytes=0 "
          "caps=audio/x-raw,format=F32LE,layout=interleaved,channels=1,rate=" +

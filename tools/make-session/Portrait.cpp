@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <vector>
 
 #include <opencv2/imgproc.hpp>
 
-#include "MediaReader.h"
+#include "devices/gstreamer/ImageFile.h"
 #include "platform/media/PixelBuffer.h"
 
 namespace session {
@@ -16,12 +18,6 @@ constexpr std::size_t kRightCheekEdge = 234;
 constexpr std::size_t kLeftCheekEdge = 454;
 constexpr std::size_t kRightEyeOuter = 33;
 constexpr std::size_t kLeftEyeOuter = 263;
-
-platform::PixelBuffer pixelBuffer(const cv::Mat& image) {
-  const cv::Mat packed = image.clone();
-  return {packed.cols, packed.rows, platform::PixelFormat::rgb24,
-          std::vector<std::uint8_t>(packed.datastart, packed.dataend)};
-}
 
 }  // namespace
 
@@ -46,14 +42,16 @@ Result<PortraitReader> PortraitReader::create(const std::filesystem::path& model
 }
 
 Result<Portrait> PortraitReader::read(const std::filesystem::path& file) {
-  auto image = readPicture(file);
-  if (!image) return fault(image.error());
-  const platform::PixelBuffer pixels = pixelBuffer(*image);
-  const std::vector<engine::Face> faces = detector_.detect(pixels);
+  const auto pixels = devices::readImage(file);
+  if (!pixels) return fault(pixels.error());
+  const std::vector<engine::Face> faces = detector_.detect(**pixels);
   if (faces.empty())
     return fault("No face is found in " + file.string() +
                  ": give a picture of a person who faces the camera.");
-  return Portrait{*image, landmarks_.locate(pixels, faces.front()).mesh};
+  const cv::Mat shared((*pixels)->height(), (*pixels)->width(), CV_8UC3,
+                       const_cast<std::uint8_t*>((*pixels)->plane(0)),
+                       static_cast<std::size_t>((*pixels)->stride(0)));
+  return Portrait{shared.clone(), landmarks_.locate(**pixels, faces.front()).mesh};
 }
 
 cv::Mat passportPhoto(const Portrait& portrait, double aspect, int width) {

@@ -15,7 +15,6 @@
 #include "CardView.h"
 #include "FilmEncoder.h"
 #include "Grain.h"
-#include "MediaReader.h"
 #include "Mrz.h"
 #include "PersonMotion.h"
 #include "PersonView.h"
@@ -23,6 +22,8 @@
 #include "Portrait.h"
 #include "Still.h"
 #include "Voice.h"
+#include "devices/gstreamer/ImageFile.h"
+#include "platform/media/PixelBuffer.h"
 
 namespace session {
 namespace {
@@ -82,6 +83,12 @@ Result<void> writeText(const fs::path& file, const std::string& text) {
   return fault(file.string() + " cannot be written: check the folder and the disk's free space.");
 }
 
+Result<void> writePicture(const fs::path& file, const cv::Mat& picture) {
+  const std::vector<std::uint8_t> bytes(picture.datastart, picture.dataend);
+  return devices::writePng(
+      file, platform::PixelBuffer(picture.cols, picture.rows, platform::PixelFormat::rgb24, bytes));
+}
+
 Result<Sides> Maker::sides(const CardData& front, const CardData& back) {
   auto holder = portraits_.read(front.photo);
   if (!holder) return fault(holder.error());
@@ -98,9 +105,9 @@ Result<void> Maker::writeStills(const fs::path& folder) {
   auto drawn = sides(script_.card, script_.card);
   if (!drawn) return fault(drawn.error());
   Random random = stream(script_, Stream::stills);
-  if (auto front = writePng(folder / "front.png", photographed(drawn->front, random)); !front)
+  if (auto front = writePicture(folder / "front.png", photographed(drawn->front, random)); !front)
     return front;
-  return writePng(folder / "back.png", photographed(drawn->back, random));
+  return writePicture(folder / "back.png", photographed(drawn->back, random));
 }
 
 double Maker::length(double speechSeconds) const {

@@ -9,8 +9,8 @@
 #include <glib.h>
 #include <glib/gstdio.h>
 
-#include "MediaReader.h"
 #include "Picture.h"
+#include "SoundReader.h"
 
 namespace session {
 namespace {
