@@ -4,8 +4,11 @@
 #include <system_error>
 
 #include "devices/gstreamer/MediaElements.h"
+#include "engine/document/TextReader.h"
 #include "engine/document/mrz/MrzGlyphClassifier.h"
 #include "engine/speech/SpeechModelPaths.h"
+#include "engine/vision/FaceDetector.h"
+#include "engine/vision/FaceLandmarks.h"
 #include "engine/vision/TfliteModel.h"
 
 namespace app {
@@ -13,10 +16,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-Finding model(const fs::path& path) {
-  const auto loaded = engine::TfliteModel::load(path);
+template <class Model>
+Finding model(const fs::path& path, const tl::expected<Model, corvana::IDError>& loaded) {
   return {"model " + path.filename().string(), loaded.has_value(),
           loaded ? "" : loaded.error().localizedDescription()};
+}
+
+Finding embeddingModel(const fs::path& path) {
+  using Model = engine::TfliteModel;
+  return model(path, Model::load(path, {{1, 160, 160, 3}, {std::nullopt}}, Model::Runtime::plain));
 }
 
 Finding anyFile(const std::string& what, const std::vector<fs::path>& candidates,
@@ -67,15 +75,16 @@ Finding mediaPlugins() {
 }  // namespace
 
 std::vector<Finding> examine(const Resources& resources, const fs::path& folder) {
-  std::vector<Finding> findings;
-  for (const fs::path& path : resources.models())
-    findings.push_back(model(path));
-  findings.push_back(mediaPlugins());
-  findings.push_back(textModel());
-  findings.push_back(anyFile("font OCR-B", engine::defaultOcrBFonts(), "fonts-ocr-b"));
-  findings.push_back(speechModel());
-  findings.push_back(diskSpace(folder));
-  return findings;
+  const fs::path detector = resources.faceDetector();
+  const fs::path landmarks = resources.faceLandmarks();
+  return {embeddingModel(resources.faceModel()),
+          model(detector, engine::FaceDetector::load(detector)),
+          model(landmarks, engine::FaceLandmarks::load(landmarks)),
+          mediaPlugins(),
+          textModel(),
+          anyFile("font OCR-B", engine::defaultOcrBFonts(), "fonts-ocr-b"),
+          speechModel(),
+          diskSpace(folder)};
 }
 
 std::string lacks(const std::vector<Finding>& findings) {

@@ -87,7 +87,7 @@ class Loader {
       const std::string number = name->substr(kPattern.size());
       const bool isDigit = number.size() == 1 && number[0] >= '0';
       if (!isDigit || number[0] - '0' >= devices::kPatternFaces) {
-        object.complain("face", "patterns are pattern:0 to pattern:7");
+        object.complain("face", "patterns are pattern:0 and pattern:1");
       }
       return devices::patternFace(number[0] - '0');
     }

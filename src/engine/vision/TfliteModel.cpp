@@ -39,9 +39,9 @@ bool hasShapes(const TfLiteInterpreter* interpreter, const TfliteModel::Shapes& 
   if (outputs != static_cast<int>(shapes.outputValues.size())) return false;
   for (int i = 0; i < outputs; ++i) {
     const TfLiteTensor* output = TfLiteInterpreterGetOutputTensor(interpreter, i);
-    if (!isFloat(output) || valueCount(output) != shapes.outputValues[static_cast<size_t>(i)]) {
-      return false;
-    }
+    if (!isFloat(output)) return false;
+    const auto& expected = shapes.outputValues[static_cast<size_t>(i)];
+    if (expected && valueCount(output) != *expected) return false;
   }
   return true;
 }

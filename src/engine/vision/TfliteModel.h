@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -22,7 +23,8 @@ class TfliteModel {
   /// What a caller relies on; a file that differs is refused when it is loaded.
   struct Shapes {
     std::vector<int> input;                 ///< for example {1, 128, 128, 3}
-    std::vector<std::size_t> outputValues;  ///< number of values of each output, in file order
+    /// Number of values of each output, in file order; absent for one whose length is free.
+    std::vector<std::optional<std::size_t>> outputValues;
   };
 
   enum class Runtime {
