@@ -58,8 +58,8 @@ struct SimulateStep {
   steps::Action action;
 };
 
-/// A simulated flow: what the caller gives, the world it meets, and what happens when. README.md
-/// describes the format.
+/// A simulated flow: what the caller gives, the world it meets, and what happens when;
+/// docs/simulate.md describes the format.
 struct SimulateScript {
   nlohmann::json options = nlohmann::json::object();
   std::string text;
