@@ -123,35 +123,36 @@ void Expression::drawEye(const Eye& eye, const cv::Mat& rest, cv::Mat& canvas, d
       const double cover = std::clamp(edge + lash - y, 0.0, 1.0);
       if (cover <= 0.0) break;
       cv::Vec3b& pixel = canvas.at<cv::Vec3b>(y, x);
-      const double source = y < edge ? mix(fold, upper - lash, (y - fold) / (edge - fold)) : upper;
+      // The lid's lower part lies in the shadow of its lashes, unfit to be stretched.
+      const double skin = mix(upper - lash, mix(fold, upper, 0.6), lids);
+      const double source = mix(fold, skin, std::min(1.0, (y - fold) / (edge - fold)));
       lay(pixel, colourAt(rest, x, source), cover);
       const double line = std::max(0.0, 1.0 - std::abs(y - edge) / (1.6 * lash));
-      lay(pixel, cv::Scalar(46, 34, 32), 0.55 * line * std::min(1.0, 0.3 * opening) * lids);
+      lay(pixel, cv::Scalar(46, 34, 32), 0.5 * line * std::min(1.0, 0.3 * opening) * lids);
     }
   }
 }
 
 void Expression::drawMouth(const cv::Mat& rest, cv::Mat& canvas, double open) const {
+  const double most = open * kJawDrop * faceWidth_;
   const double end = mouthArea_.br().y;
   for (int x = mouthArea_.x; x < mouthArea_.br().x; ++x) {
     const double u = std::abs(x - mouthX_) / halfMouth_;
-    const double drop = open * kJawDrop * faceWidth_ * (1.0 - ease(u, 0.35, 2.05));
-    const double cheek = ease(u, 0.45, 1.15);
+    const double jaw = most * (1.0 - ease(u, 0.4, 2.05));
+    const double gap = most * std::max(0.0, 1.0 - u * u);
     const double lip = lowerLip_.at(x);
-    const double start = mix(lip - 1.0, lip - 0.16 * faceWidth_, cheek);
-    const double moved = mix(lip + 1.0, lip + 0.16 * faceWidth_, cheek);
-    const double chin = std::max(chin_, moved + 1.0);
-    const double gap = drop * (1.0 - cheek);
-    for (int y = std::max(mouthArea_.y, static_cast<int>(start)); y < mouthArea_.br().y; ++y) {
-      double source = y - drop;
-      if (y < moved + drop) source = mix(start, moved, (y - start) / (moved + drop - start));
-      if (y > chin + drop) source = mix(chin, end, (y - chin - drop) / (end - chin - drop));
+    const double whole =
+        std::max(mix(lip, chin_, 0.5), lip + 1.0);  // from here all goes with the jaw
+    const double chin = std::max(chin_, whole + 1.0);
+    for (int y = std::max(mouthArea_.y, static_cast<int>(lip)); y < mouthArea_.br().y; ++y) {
+      double source = lip;
+      if (y > lip + gap) source = mix(lip, whole, (y - lip - gap) / (whole + jaw - lip - gap));
+      if (y > whole + jaw) source = y - jaw;
+      if (y > chin + jaw) source = mix(chin, end, (y - chin - jaw) / (end - chin - jaw));
       cv::Vec3b& pixel = canvas.at<cv::Vec3b>(y, x);
-      pixel = cv::Vec3b(0, 0, 0);
       lay(pixel, colourAt(rest, x, source), 1.0);
-      const double depth = std::min(y - start, moved + drop - y) - 1.0;
-      if (gap > 1.0 && depth > 0.0)
-        lay(pixel, kMouthInside, 0.85 * std::min(1.0, depth / 2.0) * (1.0 - cheek));
+      const double inside = std::clamp(std::min(y - lip, lip + gap - y) + 0.5, 0.0, 1.0);
+      if (gap > 0.5) lay(pixel, kMouthInside, 0.9 * inside);
     }
   }
 }

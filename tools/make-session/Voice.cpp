@@ -120,7 +120,7 @@ std::vector<double> mouthOpening(const std::vector<float>& sound, std::size_t fr
   }
   double jaw = 0.0;
   for (double& value : opening) {
-    jaw += 0.55 * (std::min(1.0, 1.6 * value / loudest) - jaw);
+    jaw += 0.55 * (std::min(1.0, 1.15 * value / loudest) - jaw);
     value = jaw;
   }
   return opening;
