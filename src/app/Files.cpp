@@ -85,6 +85,8 @@ Expected<nlohmann::json> parseJson(const std::string& text, const std::string& n
   } catch (const nlohmann::json::parse_error& error) {
     return fault("\"" + name + "\" is not valid JSON: the fault is at byte " +
                  std::to_string(error.byte) + ".");
+  } catch (const nlohmann::json::exception&) {
+    return fault("\"" + name + "\" holds a number that is too large.");
   }
 }
 

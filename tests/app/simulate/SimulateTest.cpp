@@ -99,6 +99,7 @@ TEST_F(HostileScript, EndsWithOneSentenceThatNamesThePlace) {
       {scriptWith(R"("steps": [1])"), "steps[0] must be a JSON object"},
       {scriptWith(R"("steps": [{"at": -1, "do": "foreground"}])"), "steps[0].at: must be a number"},
       {scriptWith(R"("steps": [{"at": 1e300, "do": "foreground"}])"), "steps[0].at: must be"},
+      {scriptWith(R"("steps": [{"at": 1e999, "do": "foreground"}])"), "a number that is too large"},
       {scriptWith(R"("steps": [{"at": "1", "do": "foreground"}])"), "steps[0].at: must be"},
       {scriptWith(R"("steps": [{"at": 2, "do": "foreground"}, {"at": 1, "do": "foreground"}])"),
        "steps[1].at: must be a number from 2.0"},
