@@ -119,7 +119,8 @@ MrzReading MrzReader::read(const platform::PixelBuffer& card) const {
 
   // A letter's sample covers about 1.6 pixels of the card.
   cv::Mat smooth;
-  cv::GaussianBlur(gray, smooth, cv::Size(), 0.8);
+  gray.convertTo(smooth, CV_32F);  // the cells' type: warping into them must not make new ones
+  cv::GaussianBlur(smooth, smooth, cv::Size(), 0.8);
   // The rows' true height and place show in how clear the letters become.
   Attempt best;
   for (const double taller : {0.9, 1.0, 1.1, 1.2}) {
