@@ -116,7 +116,7 @@ void VideoCaptureViewController::captureSessionDidStartRunning() {
 }
 
 void VideoCaptureViewController::addNotificationObservers() {
-  // Selfie and card measurements, and the camera's mode, come from the host; `this` outlives them.
+  // They end with this controller, and so may hold it plainly.
   platform::NotificationCenter& center = environment().notificationCenter;
   using platform::Notification;
   observations_.clear();

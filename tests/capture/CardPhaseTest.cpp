@@ -66,15 +66,18 @@ TEST_F(CardPhase, ShowsHowFarTheReadingHasCome) {
   } cases[] = {{{}, {}, 0.33333334F, 0.6666667F},
                {false, {}, 0.33333334F, 0.6666667F},
                {true, {}, 0.6666667F, 0.6666667F},
-               {true, "IDENTITY_CARD_FRONT", 0.6666667F, 0.8333333F}};
+               {false, "IDENTITY_CARD_FRONT", 0.6666667F, 0.8333333F}};
   for (const auto& test : cases) {
     box.isReal = test.isReal;
     box.type = test.type;
     card(ID::DetectedBox{box});
     expectPrompt("", kGreen);
     EXPECT_EQ(progress(), test.box);
+    card(ID::DetectingBox{});
     card(ID::ClassifiedDocument{box});
     EXPECT_EQ(progress(), test.classified);
+    EXPECT_EQ(silhouette(), "");
+    card(ID::ClassifiedDocument{{}});
   }
 }
 
@@ -244,6 +247,7 @@ TEST_F(CardPhase, HoldsBackACardOfAnotherTypeForFiveSeconds) {
   show();
   expectPrompt(prompt, colors::kRed);
   EXPECT_EQ(progress(), 0);
+  EXPECT_EQ(silhouette(), "overlay_landscape_id_back") << "not handled at all";
   world.advance(5.0);
   show();
   EXPECT_EQ(progress(), 0);

@@ -122,6 +122,20 @@ TEST_F(Retry, ForgetsTheFrontAndEveryGraceTime) {
   EXPECT_EQ(cardPrompt(), "");
 }
 
+TEST_F(Retry, ForgetsWhatWasHeard) {
+  enter();
+  reachReading();
+  hear(text);
+  world.recorder().reportLiveFaceLost();
+  world.advance(1);
+  answer("retryButton");
+  reachReading();
+  world.tap("doneButton");
+  world.advance(1);
+  EXPECT_TRUE(isAsked());
+  EXPECT_EQ(decisions.back().value, 0.0);
+}
+
 TEST_F(Retry, CancelIsDeliveredOnceWhenTheScreenHasGone) {
   enter();
   selfie(Face::TimedOut{});
