@@ -1,6 +1,5 @@
 #include "Mrz.h"
 
-#include <cctype>
 #include <memory>
 
 #include <glib.h>
@@ -28,8 +27,8 @@ std::string zoneText(const std::string& text) {
   std::string result;
   for (const char* c = ascii.get(); *c != 0; ++c) {
     if (*c == '\'' || *c == '.') continue;
-    if (std::isalnum(static_cast<unsigned char>(*c)))
-      result += static_cast<char>(std::toupper(static_cast<unsigned char>(*c)));
+    if (g_ascii_isalnum(*c))
+      result += static_cast<char>(g_ascii_toupper(*c));
     else if (!result.empty() && result.back() != '<')
       result += '<';
   }

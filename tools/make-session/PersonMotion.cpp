@@ -11,6 +11,7 @@ namespace {
 
 constexpr double kTurn = 6.283185307179586;
 constexpr double kBlinkClosing = 0.09;
+constexpr double kBlinkHeld = 0.08;
 constexpr double kBlinkOpening = 0.17;
 constexpr double kBreathsPerSecond = 0.27;
 constexpr double kLeaving = 0.9;  ///< seconds from in view to out of view
@@ -42,7 +43,7 @@ double PersonMotion::lids(double seconds) const {
   if (blink == blinks_.begin()) return 0.0;
   const double since = seconds - *(blink - 1);
   return ease(since, 0.0, kBlinkClosing) -
-         ease(since, kBlinkClosing + 0.03, kBlinkClosing + 0.03 + kBlinkOpening);
+         ease(since, kBlinkClosing + kBlinkHeld, kBlinkClosing + kBlinkHeld + kBlinkOpening);
 }
 
 double PersonMotion::away(double seconds) const {

@@ -16,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Raised with every change to what the same script makes.
-constexpr const char* kToolVersion = "make-session 1";
+constexpr const char* kToolVersion = "make-session 2";
 
 class Digest {
  public:
