@@ -101,6 +101,9 @@ void Recorder::pause() {
 
 void Recorder::stopVideoWriter(StopCompletion completion) {
   note({Kind::call, "stopVideoWriter", {}});
+  // Whatever is recorded next begins with a selfie. The screen asks for the mode before `retry()`,
+  // when it chooses the caption that the user will come back to.
+  mode_ = VideoCaptureMode::selfieCapture;
   pause();
   setup_.film->stop(std::move(completion));
 }

@@ -100,10 +100,7 @@ SelfieView VisionFrameAnalyzer::lookForSelfie(const PixelBufferRef& picture,
     view.leftEyeOpen = judgement.details->leftEyeOpen;
     view.rightEyeOpen = judgement.details->rightEyeOpen;
     view.livenessScore = liveness_.add({observation.frameTime, judgement.details->mesh,
-                                        (eyeAspectRatio(judgement.details->mesh, true) +
-                                         eyeAspectRatio(judgement.details->mesh, false)) /
-                                            2,
-                                        judgement.passiveLiveness});
+                                        judgement.details->lidOpening, judgement.passiveLiveness});
   }
   if (judgement.verdict == SelfieVerdict::good) {
     view.selfie = corvana::Selfie{std::make_shared<platform::UIImage>(picture), judgement.faceImage,

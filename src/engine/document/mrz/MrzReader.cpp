@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 #include <opencv2/imgproc.hpp>
 
@@ -76,8 +77,11 @@ cv::Mat cellsOf(const cv::Mat& gray, const MrzBand& band, const MrzGrid& grid, d
 /// One attempt at all ninety letters.
 struct Attempt {
   std::vector<std::string> lines;
-  float clearness = 0;       ///< mean margin of all letters
-  float leastClearName = 0;  ///< margin of the least clear letter of the last line
+  float clearness = 0;                    ///< mean margin of all letters
+  float leastClearName = 0;               ///< margin of the least clear letter of the last line
+  std::optional<corvana::MRZResult> mrz;  ///< when every check digit holds
+
+  std::pair<bool, float> rank() const { return {mrz.has_value(), clearness}; }
 };
 
 Attempt attempt(const Classifier& classifier, const cv::Mat& cells) {
@@ -92,6 +96,7 @@ Attempt attempt(const Classifier& classifier, const cv::Mat& cells) {
       result.leastClearName = std::min(result.leastClearName, readings[i].margin);
     }
   }
+  if (auto mrz = parseMrz(result.lines)) result.mrz = *std::move(mrz);
   return result;
 }
 
@@ -121,18 +126,17 @@ MrzReading MrzReader::read(const platform::PixelBuffer& card) const {
   cv::Mat smooth;
   gray.convertTo(smooth, CV_32F);  // the cells' type: warping into them must not make new ones
   cv::GaussianBlur(smooth, smooth, cv::Size(), 0.8);
-  // The rows' true height and place show in how clear the letters become.
+  // The rows' true height and place show in how clear the letters become, and in check digits that
+  // hold.
   Attempt best;
-  for (const double taller : {0.9, 1.0, 1.1, 1.2}) {
-    for (const double lower : {0.0, -2.0, 2.0}) {
+  for (const double taller : {1.0, 1.1, 1.2, 1.3, 1.4}) {
+    for (const double lower : {0.0, -1.5, 1.5, -3.0, 3.0}) {
       Attempt next = attempt(classifier_, cellsOf(smooth, *band, *grid, lower, taller));
-      if (best.lines.empty() || next.clearness > best.clearness) best = std::move(next);
+      if (best.lines.empty() || next.rank() > best.rank()) best = std::move(next);
     }
   }
   reading.lines = best.lines;
-  if (auto mrz = parseMrz(best.lines); mrz && best.leastClearName >= kClearMargin) {
-    reading.mrz = *std::move(mrz);
-  }
+  if (best.mrz && best.leastClearName >= kClearMargin) reading.mrz = std::move(best.mrz);
   return reading;
 }
 
