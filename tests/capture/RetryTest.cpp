@@ -97,7 +97,7 @@ TEST_F(Retry, PutsTheScreenBackAtOnceBehindTheQuestion) {
   // The card's opening state is handled after the accepted front was forgotten.
   EXPECT_EQ(world.imageView("idImageView").image()->name(), "overlay_portrait_id_front");
   EXPECT_TRUE(world.view("captureLabel").root().layer().sublayers().back()->sublayers().empty());
-  world.advance(60);
+  world.advance(5);
   EXPECT_EQ(world.text("readingTextCountdownLabel"), "0:20") << "the countdown stands still";
 }
 
@@ -120,6 +120,18 @@ TEST_F(Retry, ForgetsTheFrontAndEveryGraceTime) {
   front.ocrStrings = {{"somebody else"}};
   card(ID::Success{front});
   EXPECT_EQ(cardPrompt(), "");
+}
+
+TEST_F(Retry, EndsAFlipWhoseDelayedStepsComeAllTheSame) {
+  enter();
+  passSelfie();
+  showSide(front);
+  world.recorder().reportLiveFaceLost();
+  world.advance(0.1);
+  EXPECT_EQ(cardPrompt(), "");
+  EXPECT_EQ(world.imageView("idImageView").image()->name(), "overlay_portrait_id_front");
+  world.advance(0.4);
+  EXPECT_EQ(world.imageView("idImageView").image()->name(), "overlay_landscape_id_back");
 }
 
 TEST_F(Retry, ForgetsWhatWasHeard) {
