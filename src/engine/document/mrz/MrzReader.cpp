@@ -1,7 +1,7 @@
 #include "engine/document/mrz/MrzReader.h"
 
 #include <algorithm>
-#include <numeric>
+#include <initializer_list>
 #include <utility>
 
 #include <opencv2/imgproc.hpp>
@@ -53,52 +53,95 @@ const std::vector<std::string_view>& alphabets() {
   return kAll;
 }
 
-/// The cells' pictures, for rows that may lie a little lower and letters that may be a little
-/// taller than the band's.
-cv::Mat cellsOf(const cv::Mat& gray, const MrzBand& band, const MrzGrid& grid, double lower,
-                double taller) {
-  const double step = band.capHeight * taller / Classifier::kCapSamples;
-  cv::Mat cells(kMrzLines * kMrzColumns, Classifier::kCellWidth * Classifier::kCellHeight, CV_32F);
-  for (int line = 0; line < kMrzLines; ++line) {
-    const auto index = static_cast<std::size_t>(line);
-    for (int column = 0; column < kMrzColumns; ++column) {
-      const double x = grid[index].first + column * grid[index].pitch;
-      const double y = band.middle[index] + band.slope * x + lower;
-      const cv::Matx23d toCard(step, 0, x - 0.5 - step * (Classifier::kCellWidth - 1) / 2.0,  //
-                               0, step, y - 0.5 - step * (Classifier::kCellHeight - 1) / 2.0);
-      cv::Mat cell = cells.row(line * kMrzColumns + column).reshape(1, Classifier::kCellHeight);
-      cv::warpAffine(gray, cell, toCard, cell.size(), cv::INTER_LINEAR | cv::WARP_INVERSE_MAP,
-                     cv::BORDER_REPLICATE);
-    }
-  }
-  return cells;
-}
-
-/// One attempt at all ninety letters.
-struct Attempt {
-  std::vector<std::string> lines;
-  float clearness = 0;                    ///< mean margin of all letters
-  float leastClearName = 0;               ///< margin of the least clear letter of the last line
-  std::optional<corvana::MRZResult> mrz;  ///< when every check digit holds
-
-  std::pair<bool, float> rank() const { return {mrz.has_value(), clearness}; }
+/// Where a line's letters stand, as a correction of what the outline of the zone says.
+struct Row {
+  double lower = 0;   ///< pixels, in the line's middle
+  double tilt = 0;    ///< pixels down per pixel to the right, about the line's middle
+  double taller = 1;  ///< of the capitals' usual height at this pitch
 };
 
-Attempt attempt(const Classifier& classifier, const cv::Mat& cells) {
-  const auto readings = classifier.classify(cells, alphabets());
-  Attempt result;
-  result.leastClearName = readings.back().margin;
-  for (std::size_t i = 0; i < readings.size(); ++i) {
-    if (i % kMrzColumns == 0) result.lines.emplace_back();
-    result.lines.back() += readings[i].letter;
-    result.clearness += readings[i].margin / static_cast<float>(readings.size());
-    if (i / kMrzColumns == 2) {
-      result.leastClearName = std::min(result.leastClearName, readings[i].margin);
+/// Height of a capital over the pitch in zones of OCR-B's usual size.
+constexpr double kCapOfPitch = 0.97;
+
+struct LineReading {
+  std::string letters;
+  float clearness = 0;   ///< mean margin of all letters
+  float leastClear = 0;  ///< margin of the least clear letter
+};
+
+/// One line of the zone and how to read it with its letters supposed at a row.
+class LineReader {
+ public:
+  LineReader(const Classifier& classifier, const cv::Mat& gray, const MrzBand& band,
+             const MrzGrid& grid, std::size_t line)
+      : classifier_(classifier),
+        gray_(gray),
+        cells_(grid[line]),
+        middle_(band.middle[line]),
+        slope_(band.slope),
+        alphabets_(alphabets().begin() + static_cast<std::ptrdiff_t>(line) * kMrzColumns,
+                   alphabets().begin() + static_cast<std::ptrdiff_t>(line + 1) * kMrzColumns) {}
+
+  LineReading read(const Row& row) const {
+    LineReading result;
+    const auto readings = classifier_.classify(cellsAt(row), alphabets_);
+    result.leastClear = readings.front().margin;
+    for (const Classifier::Reading& reading : readings) {
+      result.letters += reading.letter;
+      result.clearness += reading.margin / static_cast<float>(readings.size());
+      result.leastClear = std::min(result.leastClear, reading.margin);
     }
+    return result;
   }
-  if (auto mrz = parseMrz(result.lines)) result.mrz = *std::move(mrz);
-  return result;
-}
+
+  /// The row's true place shows in how clear the letters become: one measure after the other is
+  /// tried, coarse ones first.
+  LineReading readBest() const {
+    Row row;
+    LineReading best = read(row);
+    const auto improve = [&](double Row::*measure, std::initializer_list<double> steps) {
+      const double start = row.*measure;
+      for (const double step : steps) {
+        Row next = row;
+        next.*measure = start + step;
+        LineReading reading = read(next);
+        if (reading.clearness <= best.clearness) continue;
+        best = std::move(reading);
+        row = next;
+      }
+    };
+    improve(&Row::lower, {-4.5, -3.0, -1.5, 1.5, 3.0, 4.5});
+    improve(&Row::tilt, {-0.01, -0.005, 0.005, 0.01});
+    improve(&Row::taller, {-0.08, 0.08});
+    improve(&Row::lower, {-0.8, 0.8});
+    improve(&Row::tilt, {-0.0025, 0.0025});
+    return best;
+  }
+
+ private:
+  cv::Mat cellsAt(const Row& row) const {
+    const double step = cells_.pitch * kCapOfPitch * row.taller / Classifier::kCapSamples;
+    const double pivot = cells_.first + cells_.pitch * (kMrzColumns - 1) / 2;
+    cv::Mat pictures(kMrzColumns, Classifier::kCellWidth * Classifier::kCellHeight, CV_32F);
+    for (int column = 0; column < kMrzColumns; ++column) {
+      const double x = cells_.first + column * cells_.pitch;
+      const double y = middle_ + slope_ * x + row.lower + row.tilt * (x - pivot);
+      const cv::Matx23d toCard(step, 0, x - 0.5 - step * (Classifier::kCellWidth - 1) / 2.0,  //
+                               0, step, y - 0.5 - step * (Classifier::kCellHeight - 1) / 2.0);
+      cv::Mat cell = pictures.row(column).reshape(1, Classifier::kCellHeight);
+      cv::warpAffine(gray_, cell, toCard, cell.size(), cv::INTER_LINEAR | cv::WARP_INVERSE_MAP,
+                     cv::BORDER_REPLICATE);
+    }
+    return pictures;
+  }
+
+  const Classifier& classifier_;
+  const cv::Mat& gray_;
+  const MrzCells cells_;
+  const double middle_;
+  const double slope_;
+  const std::vector<std::string_view> alphabets_;
+};
 
 platform::CGRect rectOf(const cv::Rect& rect) {
   return {double(rect.x), double(rect.y), double(rect.width), double(rect.height)};
@@ -126,17 +169,14 @@ MrzReading MrzReader::read(const platform::PixelBuffer& card) const {
   cv::Mat smooth;
   gray.convertTo(smooth, CV_32F);  // the cells' type: warping into them must not make new ones
   cv::GaussianBlur(smooth, smooth, cv::Size(), 0.8);
-  // The rows' true height and place show in how clear the letters become, and in check digits that
-  // hold.
-  Attempt best;
-  for (const double taller : {1.0, 1.1, 1.2, 1.3, 1.4}) {
-    for (const double lower : {0.0, -1.5, 1.5, -3.0, 3.0}) {
-      Attempt next = attempt(classifier_, cellsOf(smooth, *band, *grid, lower, taller));
-      if (best.lines.empty() || next.rank() > best.rank()) best = std::move(next);
-    }
+  float leastClearName = 0;
+  for (std::size_t line = 0; line < kMrzLines; ++line) {
+    LineReading best = LineReader(classifier_, smooth, *band, *grid, line).readBest();
+    reading.lines.push_back(std::move(best.letters));
+    leastClearName = best.leastClear;
   }
-  reading.lines = best.lines;
-  if (best.mrz && best.leastClearName >= kClearMargin) reading.mrz = std::move(best.mrz);
+  auto mrz = parseMrz(reading.lines);
+  if (mrz && leastClearName >= kClearMargin) reading.mrz = *std::move(mrz);
   return reading;
 }
 
