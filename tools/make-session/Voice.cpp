@@ -4,10 +4,12 @@
 #include <cmath>
 #include <cstddef>
 #include <filesystem>
+#include <iterator>
 #include <memory>
+#include <sstream>
+#include <system_error>
 
 #include <glib.h>
-#include <glib/gstdio.h>
 
 #include "Picture.h"
 #include "SoundReader.h"
@@ -37,20 +39,33 @@ class ScratchFolder {
   std::filesystem::path path_;
 };
 
-Result<void> run(const std::vector<std::string>& command) {
+/// What the program says on its standard output.
+Result<std::string> run(const std::vector<std::string>& command) {
   std::vector<gchar*> arguments;
   for (const std::string& word : command)
     arguments.push_back(const_cast<gchar*>(word.c_str()));
   arguments.push_back(nullptr);
   gint status = 0;
-  const auto flags = static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL |
-                                              G_SPAWN_STDERR_TO_DEV_NULL);
-  if (!g_spawn_sync(nullptr, arguments.data(), nullptr, flags, nullptr, nullptr, nullptr, nullptr,
+  gchar* said = nullptr;
+  const auto flags = static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDERR_TO_DEV_NULL);
+  if (!g_spawn_sync(nullptr, arguments.data(), nullptr, flags, nullptr, nullptr, &said, nullptr,
                     &status, nullptr))
     return fault("The voice cannot be made: install " + command.front() + ".");
+  const std::unique_ptr<gchar, decltype(&g_free)> output(said, g_free);
   if (!g_spawn_check_wait_status(status, nullptr))
     return fault(command.front() + " refused to speak: check the script's voice and text.");
-  return {};
+  return std::string(output ? output.get() : "");
+}
+
+/// flite speaks with a voice of its own choice when it lacks the one asked for.
+Result<void> checkVoice(const VoiceScript& voice) {
+  if (voice.engine != "flite") return {};
+  const auto listed = run({"flite", "-lv"});
+  if (!listed) return fault(listed.error());
+  std::istringstream words(*listed);
+  const std::istream_iterator<std::string> end;
+  if (std::find(std::istream_iterator<std::string>(words), end, voice.name) != end) return {};
+  return fault("flite has no voice " + voice.name + ": choose one that flite -lv lists.");
 }
 
 std::vector<std::string> command(const std::string& text, const VoiceScript& voice,
@@ -84,6 +99,7 @@ void setLevel(std::vector<float>& sound, double decibel) {
 }  // namespace
 
 Result<std::vector<float>> speak(const std::string& text, const VoiceScript& voice) {
+  if (auto known = checkVoice(voice); !known) return fault(known.error());
   const ScratchFolder folder;
   if (folder.path().empty()) return fault("No temporary folder can be made: free some disk space.");
   const std::filesystem::path file = folder.path() / "voice.wav";
