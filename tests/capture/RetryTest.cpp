@@ -59,6 +59,7 @@ TEST_F(Retry, OfEveryKindLeadsThroughTheWholeFlowAgain) {
     world.advance(1);
     ASSERT_TRUE(isAsked());
     EXPECT_EQ(world.text("label"), test.message);
+    EXPECT_EQ(world.text("captureLabel"), SelfieCapture::strings.captureSelfie);
     EXPECT_EQ(world.recorder().count("stopVideoWriter"), stopped + 1);
     EXPECT_EQ(world.recorder().count("retry"), restarted);
     EXPECT_FALSE(world.speech().isRunning());

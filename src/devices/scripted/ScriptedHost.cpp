@@ -161,6 +161,9 @@ void ScriptedRecorder::setMode(VideoCaptureMode mode) {
 
 void ScriptedRecorder::stopVideoWriter(StopCompletion completion) {
   note(Kind::call, "stopVideoWriter");
+  // The screen asks for it before `retry()`, when it chooses the caption that the user comes back
+  // to.
+  mode_ = VideoCaptureMode::selfieCapture;
   if (!completion) return;
   note(Kind::completion, "expected");
   loop_.mainQueue().asyncAfter(
