@@ -1,6 +1,7 @@
 #include "engine/recorder/VisionFrameAnalyzer.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "engine/vision/ImageOps.h"
@@ -66,6 +67,7 @@ Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& fram
     liveness_ = {};
     tracker_.stop();
     lastReading_.reset();
+    lastOutline_.reset();
   }
   const PixelBufferRef picture = analysisPicture(frame->image, task.captureMode);
   Observation observation;
@@ -120,6 +122,18 @@ void VisionFrameAnalyzer::followLiveFace(const PixelBuffer& picture, Observation
   observation.liveFaceLostFor = sighting.lostFor;
 }
 
+bool VisionFrameAnalyzer::isSteady(const CardSighting& sighting) {
+  const auto last = std::exchange(lastOutline_, sighting.outline);
+  if (!last || !sighting.outline) return false;
+  double move = 0;
+  for (std::size_t i = 0; i < last->corners.size(); ++i) {
+    const auto& from = last->corners[i];
+    const auto& to = sighting.outline->corners[i];
+    move = std::max(move, std::hypot(to.x - from.x, to.y - from.y));
+  }
+  return move <= kSteadyMove * sighting.outline->width();
+}
+
 DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
                                                   const Observation& observation) {
   const AnalysisTask& task = observation.task;
@@ -128,8 +142,9 @@ DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
   DocumentView view;
   view.verdict = sighting.verdict;
   if (sighting.outline) view.location = sighting.outline->bounds();
+  const bool steady = isSteady(sighting);
   const bool due = !lastReading_ || observation.frameTime - *lastReading_ >= kReadInterval;
-  if (sighting.verdict != CardVerdict::found || !sighting.outline || !due) return view;
+  if (sighting.verdict != CardVerdict::found || !steady || !due) return view;
   const CardView card = documents_.view(*picture, *sighting.outline);
   view.tooMuchGlare = card.hasTooMuchGlare();
   if (view.tooMuchGlare || card.isBlurred()) return view;

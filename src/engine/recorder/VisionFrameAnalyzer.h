@@ -32,6 +32,9 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
 
   /// A card is read this often at most: one reading costs as much as ten looks.
   static constexpr platform::Duration kReadInterval = std::chrono::milliseconds(500);
+  /// A card that moves further than this from one look to the next is not read, as a part of its
+  /// width: a card that is just coming in is blurred, and half of it looks like another side.
+  static constexpr double kSteadyMove = 0.02;
 
  private:
   VisionFrameAnalyzer(FaceDetector detector, FaceLandmarks landmarks, DocumentAnalyzer documents);
@@ -40,6 +43,7 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   void followLiveFace(const platform::PixelBuffer& picture, Observation& observation);
   DocumentView lookForDocument(const platform::PixelBufferRef& picture,
                                const Observation& observation);
+  bool isSteady(const CardSighting& sighting);
 
   std::shared_ptr<FaceDetector> detector_;
   SelfieAnalyzer selfies_;
@@ -49,6 +53,7 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   LivenessEvidence liveness_;
   LiveFaceTracker tracker_;
   std::optional<platform::TimePoint> lastReading_;
+  std::optional<Quad> lastOutline_;
 };
 
 /// Where a rectangle of the screen lies in a camera picture that fills the screen mirrored.
