@@ -51,6 +51,12 @@ class FlowTest : public testing::Test, protected corvana::DecisionObserver {
     back.mrz.emplace().lines = {"I<UTO1", "8001", "EXEMPLAR"};
   }
 
+  /// A running countdown holds its screen: it has to run out before the world may go.
+  ~FlowTest() override {
+    world.root->dismiss(false);
+    world.advance(1000);
+  }
+
   void enter() {
     capture::videoIDCapture(*world.root, front, oneSided ? std::nullopt : std::optional(back), text,
                             [this](const Result& result) { results.push_back(result); });
