@@ -134,16 +134,19 @@ ExitCode runCapture(const CaptureArguments& arguments) {
   if (!arguments.text && !arguments.textFile) {
     return complain(ExitCode::wrongUse, "Give the text to be read with --text or --text-file.");
   }
-  const Resources resources = findResources();
-  if (const auto lack = lacks(examine(resources, arguments.output.value_or("."))); !lack.empty()) {
-    return complain(ExitCode::machineLacks, lack);
-  }
   auto inputs = checkInputs(arguments);
   if (!inputs) return complain(ExitCode::wrongUse, inputs.error());
+  const Resources resources = findResources();
+  if (const auto lack = lacks(examine(resources, inputs->folder)); !lack.empty()) {
+    return complain(ExitCode::machineLacks, lack);
+  }
   auto analyzer =
       engine::VisionFrameAnalyzer::load({resources.faceDetector(), resources.faceLandmarks()});
   if (!analyzer) {
     return complain(ExitCode::machineLacks, analyzer.error().localizedDescription());
+  }
+  if (auto made = makeEmptyFolder(inputs->folder); !made) {
+    return complain(ExitCode::wrongUse, made.error());
   }
   const auto driver = makeDriver(arguments.time);
   auto media = devices::MediaFile::open(driver->loop(), arguments.camera);

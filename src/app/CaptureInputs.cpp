@@ -56,16 +56,14 @@ Expected<void> setOptions(const std::optional<fs::path>& file) {
   return applyOptions(*object);
 }
 
-Expected<fs::path> makeFolder(const std::optional<fs::path>& wanted) {
+Expected<fs::path> chooseFolder(const std::optional<fs::path>& wanted) {
   if (wanted) {
-    if (auto made = makeEmptyFolder(*wanted); !made) return tl::unexpected(made.error());
+    if (auto checked = checkEmptyFolder(*wanted); !checked) return tl::unexpected(checked.error());
     return *wanted;
   }
   for (int number = 1; number < kMostNumberedFolders; ++number) {
     const fs::path folder = "videoid-run-" + std::to_string(number);
-    if (fs::exists(folder)) continue;
-    if (auto made = makeEmptyFolder(folder); !made) return tl::unexpected(made.error());
-    return folder;
+    if (!fs::exists(folder)) return folder;
   }
   return tl::unexpected(std::string("This folder is full of runs; name one with --output."));
 }
@@ -82,7 +80,7 @@ Expected<CaptureInputs> checkInputs(const CaptureArguments& arguments) {
   if (!reference) return tl::unexpected(reference.error());
   inputs.reference = std::move(*reference);
   if (auto media = devices::probe(arguments.camera); !media) return tl::unexpected(media.error());
-  auto folder = makeFolder(arguments.output);
+  auto folder = chooseFolder(arguments.output);
   if (!folder) return tl::unexpected(folder.error());
   inputs.folder = std::move(*folder);
   return inputs;

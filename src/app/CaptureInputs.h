@@ -14,7 +14,7 @@ namespace app {
 struct CaptureInputs {
   Reference reference;
   std::string text;
-  std::filesystem::path folder;  ///< made, empty, writable
+  std::filesystem::path folder;  ///< of the run: free, but not made yet
 };
 
 /// Also sets the options of the options file. The error is one sentence.

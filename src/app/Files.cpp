@@ -108,25 +108,32 @@ Expected<std::string> sha256(const fs::path& path) {
   return hexadecimal(digest.data(), length);
 }
 
-Expected<void> makeEmptyFolder(const fs::path& path) {
+Expected<void> checkEmptyFolder(const fs::path& path) {
   std::error_code error;
-  if (fs::exists(path, error)) {
-    if (!fs::is_directory(path, error)) {
-      return fault(quoted(path) + " is a file; name a folder for the output.");
-    }
-    if (!fs::is_empty(path, error) || error) {
-      return fault("The folder " + quoted(path) +
-                   " is not empty; name a new one, so that nothing is overwritten.");
-    }
-  } else if (!fs::create_directories(path, error)) {
-    return fault("The folder " + quoted(path) + " can't be made: " + error.message() +
-                 "; name another one.");
+  if (!fs::exists(path, error)) return {};
+  if (!fs::is_directory(path, error)) {
+    return fault(quoted(path) + " is a file; name a folder for the output.");
   }
-  fs::permissions(path, kOwnerFolder, error);
+  if (!fs::is_empty(path, error) || error) {
+    return fault("The folder " + quoted(path) +
+                 " is not empty; name a new one, so that nothing is overwritten.");
+  }
   if (access(path.c_str(), W_OK | X_OK) != 0) {
     return fault("The folder " + quoted(path) + " is not writable; name another one.");
   }
   return {};
+}
+
+Expected<void> makeEmptyFolder(const fs::path& path) {
+  if (auto checked = checkEmptyFolder(path); !checked) return checked;
+  std::error_code error;
+  fs::create_directories(path, error);
+  if (error) {
+    return fault("The folder " + quoted(path) + " can't be made: " + error.message() +
+                 "; name another one.");
+  }
+  fs::permissions(path, kOwnerFolder, error);
+  return checkEmptyFolder(path);
 }
 
 }  // namespace app

@@ -25,6 +25,9 @@ Expected<nlohmann::json> parseJson(const std::string& text, const std::string& n
 /// Lower-case hexadecimal SHA-256 of the file's bytes.
 Expected<std::string> sha256(const std::filesystem::path& path);
 
+/// Refuses what can't become a run's folder: a file, a folder that is not empty or not writable.
+Expected<void> checkEmptyFolder(const std::filesystem::path& path);
+
 /// Makes the folder for its owner only, or takes an existing one that is empty and writable.
 Expected<void> makeEmptyFolder(const std::filesystem::path& path);
 

@@ -5,6 +5,7 @@
 
 #include "app/CaptureCommand.h"
 #include "app/Commands.h"
+#include "app/SimulateCommand.h"
 
 namespace {
 
@@ -23,6 +24,7 @@ int run(int argc, char** argv) {
       "something.");
   app::addEnrollCommand(program, exitCode);
   app::addCaptureCommand(program, exitCode);
+  app::addSimulateCommand(program, exitCode);
   app::addVerifyCommand(program, exitCode);
   app::addDoctorCommand(program, exitCode);
   app::addOptionsCommand(program, exitCode);

@@ -136,6 +136,8 @@ std::shared_ptr<platform::Timer> RealRunLoop::scheduledTimer(Duration interval, 
                                                              Block block) {
   auto timer = std::make_shared<MainTimer>(main_, interval, repeats, std::move(block));
   timer->schedule(now() + std::max(interval, Duration::zero()));
+  std::erase_if(timers_, [](const auto& other) { return other.expired(); });
+  timers_.push_back(timer);
   return timer;
 }
 
@@ -160,6 +162,10 @@ void RealRunLoop::shutDown() {
   for (std::thread& thread : threads_)
     thread.join();
   threads_.clear();
+  // A timer's block may own the one who owns the timer.
+  for (const auto& timer : std::exchange(timers_, {})) {
+    if (const auto alive = timer.lock()) alive->invalidate();
+  }
   // A destroyed block may let go of the last handle to something that posts once more.
   bool any = true;
   while (any) {

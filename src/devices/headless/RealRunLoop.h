@@ -36,8 +36,9 @@ class RealRunLoop final : public platform::RunLoop {
   Stop runUntil(const std::function<bool()>& done, platform::TimePoint deadline);
   /// Makes `runUntil` ask `done` again; any thread.
   void wake() { main_.interrupt(); }
-  /// Waits for the blocks that are running on other threads, then destroys all that have not begun,
-  /// on the main thread and without running them. Nothing runs afterwards.
+  /// Waits for the blocks that are running on other threads, then ends all timers and destroys all
+  /// blocks that have not begun, on the main thread and without running them. Nothing runs
+  /// afterwards.
   void shutDown();
 
  private:
@@ -53,6 +54,7 @@ class RealRunLoop final : public platform::RunLoop {
   std::unique_ptr<platform::DispatchQueue> mainQueue_;
   std::unique_ptr<platform::DispatchQueue> globalQueue_;
   std::vector<std::thread> threads_;
+  std::vector<std::weak_ptr<platform::Timer>> timers_;  ///< main thread only
 };
 
 }  // namespace devices

@@ -54,6 +54,10 @@ VirtualRunLoop::~VirtualRunLoop() {
 }
 
 void VirtualRunLoop::discardPending() {
+  // A timer's block may own the one who owns the timer.
+  for (const auto& timer : std::exchange(timers_, {})) {
+    if (const auto alive = timer.lock()) alive->invalidate();
+  }
   // A block may own the last handle to something that posts while it is destroyed.
   while (!events_.empty())
     std::exchange(events_, {}).clear();
@@ -75,6 +79,8 @@ std::shared_ptr<Timer> VirtualRunLoop::scheduledTimer(Duration interval, bool re
                                                       Block block) {
   auto timer = std::make_shared<VirtualTimer>(*this, interval, repeats, std::move(block));
   timer->schedule(now_ + std::max(interval, Duration::zero()));
+  std::erase_if(timers_, [](const auto& other) { return other.expired(); });
+  timers_.push_back(timer);
   return timer;
 }
 

@@ -4,6 +4,7 @@
 #include <map>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "platform/foundation/RunLoop.h"
 
@@ -32,7 +33,7 @@ class VirtualRunLoop final : public RunLoop {
                 std::uint64_t stepLimit = kDefaultStepLimit);
   /// Runs all events of the next `duration`, then stands at its end.
   Stop advance(Duration duration);
-  /// Destroys all events that have not run, and what only they kept alive.
+  /// Ends all timers and destroys all events that have not run, and what only they kept alive.
   void discardPending();
 
   static constexpr std::uint64_t kDefaultStepLimit = 50'000'000;
@@ -48,6 +49,7 @@ class VirtualRunLoop final : public RunLoop {
   TimePoint now_{};
   std::uint64_t sequence_ = 0;
   std::map<Key, Block> events_;
+  std::vector<std::weak_ptr<Timer>> timers_;
   std::shared_ptr<DispatchQueue> queue_;
 };
 

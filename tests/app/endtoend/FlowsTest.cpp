@@ -1,0 +1,147 @@
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+#include "app/endtoend/Program.h"
+#include "devices/gstreamer/MediaProbe.h"
+
+namespace tests {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using Arguments = std::vector<std::string>;
+
+Arguments captureOf(const Session& session, const fs::path& run, const Arguments& more = {}) {
+  Arguments arguments{"capture",      "--reference", session.reference,
+                      "--text-file",  session.text,  "--camera",
+                      session.camera, "--output",    run};
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return arguments;
+}
+
+/// samples/short.json wants a countdown of eight seconds.
+fs::path shortCountdown(const ScratchFolder& scratch) {
+  const fs::path file = scratch / "options.json";
+  writeText(file, R"({"videoCapture.readTextCountdownSeconds": 8})");
+  return file;
+}
+
+TEST(EndToEnd, AGoodSessionEndsInAResultThatCanBeVerifiedAndRepeated) {
+  const ScratchFolder scratch;
+  const Session session = Session::make("short.json", scratch);
+  const Arguments options{"--options", shortCountdown(scratch)};
+  const fs::path run = scratch / "run";
+  const ProgramRun first = runVideoid(captureOf(session, run, options));
+  ASSERT_EQ(first.exitCode, 0) << first.errors;
+
+  const json result = json::parse(first.output);
+  for (const char* flag :
+       {"idToSelfieMatch", "idToIdPhotoMatch", "idFrontDataMatch", "idBackDataMatch"}) {
+    EXPECT_EQ(result["result"][flag], true) << flag;
+  }
+  EXPECT_EQ(result["recording"]["framesDropped"], 0);
+  EXPECT_EQ(fs::status(run).permissions(), fs::perms::owner_all);
+  EXPECT_FALSE(fs::exists(run / "film.partial.mp4"));
+
+  const auto film = devices::probe(run / "film.mp4");
+  ASSERT_TRUE(film) << film.error();
+  EXPECT_TRUE(film->hasAudio);
+  EXPECT_EQ(film->width, 720);
+  EXPECT_NEAR(platform::inSeconds(film->duration), result["recording"]["seconds"], 0.05);
+  const double stopped = eventsOf(run, "call", "stopVideoWriter").back()["t"];
+  const double started = eventsOf(run, "mode", "selfieCapture").front()["t"];
+  EXPECT_NEAR(platform::inSeconds(film->duration), stopped - started, 0.1);
+
+  EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);
+  const fs::path again = scratch / "again";
+  ASSERT_EQ(runVideoid(captureOf(session, again, options)).exitCode, 0);
+  EXPECT_EQ(readText(run / "events.jsonl"), readText(again / "events.jsonl"));
+  EXPECT_EQ(readText(run / "result.json"), readText(again / "result.json"));
+
+  writeText(run / "events.jsonl", "another story\n");
+  const ProgramRun verified = runVideoid({"verify", run});
+  EXPECT_EQ(verified.exitCode, 1);
+  EXPECT_NE(verified.errors.find("events.jsonl"), std::string::npos) << verified.errors;
+}
+
+struct FaultCase {
+  const char* script;
+  const char* retryMessage;
+  /// The decision that must fail, and no decision of this name may pass; empty: none is made.
+  const char* decision;
+  /// The prompt that must be seen; empty: none.
+  const char* prompt;
+};
+
+class FaultySession : public testing::TestWithParam<FaultCase> {};
+
+TEST_P(FaultySession, LeadsToTheRetryScreenAndCancelsWithoutTrace) {
+  const FaultCase& fault = GetParam();
+  const ScratchFolder scratch;
+  const Session session = Session::make(fault.script, scratch);
+  const fs::path run = scratch / "run";
+  const ProgramRun kept =
+      runVideoid(captureOf(session, run, {"--keep", "--options", shortCountdown(scratch)}));
+  EXPECT_EQ(kept.exitCode, 1) << kept.errors;
+  EXPECT_EQ(json::parse(kept.output)["error"]["message"], "The video identification was canceled.");
+
+  const auto retries = eventsOf(run, "retry");
+  ASSERT_FALSE(retries.empty());
+  EXPECT_EQ(retries.front()["text"], fault.retryMessage);
+  if (*fault.decision) {
+    const auto decisions = eventsOf(run, "decision", fault.decision);
+    ASSERT_FALSE(decisions.empty());
+    for (const json& decision : decisions)
+      EXPECT_EQ(decision["passed"], false) << decision;
+  }
+  if (*fault.prompt) {
+    const auto prompts = eventsOf(run, "prompt");
+    const auto seen =
+        std::ranges::find(prompts, json(fault.prompt), [](const json& e) { return e["text"]; });
+    EXPECT_NE(seen, prompts.end());
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EndToEnd, FaultySession,
+    testing::Values(FaultCase{"wrong-person.json",
+                              "Your face could not be captured. Please try again", "selfieFace",
+                              "The face does not match the ID"},
+                    FaultCase{"wrong-card.json", "Your ID could not be read. Please try again",
+                              "frontText", ""},
+                    FaultCase{"wrong-back.json", "Your ID could not be read. Please try again",
+                              "backMrz", "This is not the same ID"},
+                    FaultCase{"face-leaves.json", "Live Face Lost. Please try again", "", ""},
+                    FaultCase{"silence.json", "Voice does not match text. Please try again",
+                              "spokenWords", ""}),
+    [](const auto& tested) {
+      std::string name = fs::path(tested.param.script).stem();
+      std::ranges::replace(name, '-', '_');
+      return name;
+    });
+
+TEST(EndToEnd, ACancelledRunLeavesNothing) {
+  const ScratchFolder scratch;
+  const Session session = Session::make("face-leaves.json", scratch);
+  const fs::path run = scratch / "run";
+  EXPECT_EQ(runVideoid(captureOf(session, run, {"--on-retry", "cancel"})).exitCode, 1);
+  EXPECT_FALSE(fs::exists(run));
+}
+
+TEST(EndToEnd, TheCamerasEndEndsTheFlowAndLeavesAFilmThatPlays) {
+  const ScratchFolder scratch;
+  const Session session = Session::make("silence.json", scratch);
+  const fs::path run = scratch / "run";
+  const ProgramRun ended =
+      runVideoid(captureOf(session, run, {"--on-retry", "retry", "--max-retries", "5"}));
+  EXPECT_EQ(ended.exitCode, 1);
+  EXPECT_EQ(json::parse(ended.output)["error"]["message"],
+            "The camera's recording ended before the identification did.");
+  const auto film = devices::probe(run / "film.partial.mp4");
+  EXPECT_TRUE(film) << film.error();
+  EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);
+}
+
+}  // namespace
+}  // namespace tests

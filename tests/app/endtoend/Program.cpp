@@ -1,0 +1,89 @@
+#include "app/endtoend/Program.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string quoted(const std::string& word) {
+  std::string result = "'";
+  for (const char c : word) {
+    if (c == '\'') {
+      result += "'\\''";
+    } else {
+      result += c;
+    }
+  }
+  return result + "'";
+}
+
+}  // namespace
+
+std::string readText(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  std::ostringstream text;
+  text << stream.rdbuf();
+  return text.str();
+}
+
+void writeText(const fs::path& file, const std::string& text) {
+  std::ofstream(file, std::ios::binary) << text;
+}
+
+ScratchFolder::ScratchFolder() {
+  std::string pattern = fs::temp_directory_path() / "videoid-XXXXXX";
+  path_ = mkdtemp(pattern.data());
+}
+
+ScratchFolder::~ScratchFolder() {
+  fs::remove_all(path_);
+}
+
+ProgramRun runProgram(const fs::path& program, const std::vector<std::string>& arguments) {
+  const ScratchFolder scratch;
+  std::string command = quoted(program.string());
+  for (const std::string& argument : arguments)
+    command += " " + quoted(argument);
+  command += " >" + quoted((scratch / "out").string()) + " 2>" +
+             quoted((scratch / "err").string()) + " </dev/null";
+  const int status = std::system(command.c_str());
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readText(scratch / "out"),
+          readText(scratch / "err")};
+}
+
+ProgramRun runVideoid(const std::vector<std::string>& arguments) {
+  return runProgram(VIDEOID, arguments);
+}
+
+Session Session::make(const std::string& script, const ScratchFolder& scratch) {
+  const fs::path folder = scratch / "session";
+  const ProgramRun made = runProgram(MAKE_SESSION, {std::string(SAMPLES) + "/" + script, "--cache",
+                                                    SESSION_CACHE, "--output", folder.string()});
+  EXPECT_EQ(made.exitCode, 0) << made.errors;
+  const ProgramRun enrolled = runVideoid({"enroll", "--front", folder / "front.png", "--back",
+                                          folder / "back.png", "--output", scratch / "reference"});
+  EXPECT_EQ(enrolled.exitCode, 0) << enrolled.errors;
+  return {folder / "session.mp4", folder / "text.txt", scratch / "reference"};
+}
+
+std::vector<nlohmann::json> eventsOf(const fs::path& run, const std::string& event,
+                                     const std::string& name) {
+  std::vector<nlohmann::json> found;
+  std::istringstream lines(readText(run / "events.jsonl"));
+  for (std::string line; std::getline(lines, line);) {
+    auto object = nlohmann::json::parse(line);
+    if (object["event"] != event || (!name.empty() && object.value("name", "") != name)) continue;
+    found.push_back(std::move(object));
+  }
+  return found;
+}
+
+}  // namespace tests
