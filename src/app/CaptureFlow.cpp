@@ -137,10 +137,8 @@ void CaptureFlow::close() {
   media_->onError = nullptr;
   window_.reset();
   if (const auto film = host_.film()) {
-    // The recorder goes with the screen, by way of the queues that still hold it.
     bool closed = false;
-    driver_.run([] { return false; }, std::chrono::milliseconds(1));
-    film->stop([&closed](const auto&) { closed = true; });
+    film->abandon([&closed] { closed = true; });
     driver_.run([&closed] { return closed; }, kLongestClosing);
   }
   driver_.shutDown();

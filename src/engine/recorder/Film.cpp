@@ -100,14 +100,17 @@ void Film::restart() {
   });
 }
 
-void Film::abandon() {
-  // The queue's block owns the writer: closing a file takes time, and nobody waits for it.
-  queue_->async([self = shared_from_this(), writer = takeWriter()] {
-    if (!writer) return;
-    writer->finish();
-    const std::lock_guard lock(self->mutex_);
-    self->counters_ = writer->counters();
-  });
+void Film::abandon(platform::Block completion) {
+  // The queue's block owns the writer: closing a file takes time, and the caller may be going.
+  queue_->async(
+      [self = shared_from_this(), writer = takeWriter(), completion = std::move(completion)] {
+        if (writer) {
+          writer->finish();
+          const std::lock_guard lock(self->mutex_);
+          self->counters_ = writer->counters();
+        }
+        if (completion) self->loop_.mainQueue().async(completion);
+      });
 }
 
 platform::AssetWriterCounters Film::counters() const {

@@ -39,9 +39,9 @@ class Film final : public corvana::VideoWriter, public std::enable_shared_from_t
   void stop(corvana::VideoCapture::StopCompletion completion);
   /// Ends the open film if there is one, puts the film of the failed run away, and opens a new one.
   void restart();
-  /// Ends the open film, which stays as film.partial.mp4; nobody is told. Called when the recorder
-  /// goes.
-  void abandon();
+  /// Ends the open film, if there is one, which stays as film.partial.mp4. The completion (may be
+  /// null) comes on the main queue when no film is open any more.
+  void abandon(platform::Block completion = nullptr);
 
   platform::AssetWriterCounters counters() const;
 
