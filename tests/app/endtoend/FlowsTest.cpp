@@ -53,6 +53,7 @@ TEST(EndToEnd, AGoodSessionEndsInAResultThatCanBeVerifiedAndRepeated) {
   const double started = eventsOf(run, "mode", "selfieCapture").front()["t"];
   EXPECT_NEAR(platform::inSeconds(film->duration), stopped - started, 0.1);
 
+  EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
   EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);
   const fs::path again = scratch / "again";
   ASSERT_EQ(runVideoid(captureOf(session, again, options)).exitCode, 0);
@@ -86,6 +87,7 @@ TEST_P(FaultySession, LeadsToTheRetryScreenAndCancelsWithoutTrace) {
   EXPECT_EQ(kept.exitCode, 1) << kept.errors;
   EXPECT_EQ(json::parse(kept.output)["error"]["message"], "The video identification was canceled.");
 
+  EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
   const auto retries = eventsOf(run, "retry");
   ASSERT_FALSE(retries.empty());
   EXPECT_EQ(retries.front()["text"], fault.retryMessage);
@@ -140,6 +142,7 @@ TEST(EndToEnd, TheCamerasEndEndsTheFlowAndLeavesAFilmThatPlays) {
             "The camera's recording ended before the identification did.");
   const auto film = devices::probe(run / "film.partial.mp4");
   EXPECT_TRUE(film) << film.error();
+  EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
   EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);
 }
 

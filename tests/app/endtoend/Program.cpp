@@ -2,11 +2,14 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <map>
 #include <sstream>
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "devices/scripted/HostContractValidator.h"
 
 namespace tests {
 namespace {
@@ -72,6 +75,25 @@ Session Session::make(const std::string& script, const ScratchFolder& scratch) {
                                           folder / "back.png", "--output", scratch / "reference"});
   EXPECT_EQ(enrolled.exitCode, 0) << enrolled.errors;
   return {folder / "session.mp4", folder / "text.txt", scratch / "reference"};
+}
+
+std::vector<std::string> breachesOf(const fs::path& run) {
+  using Kind = devices::HostEvent::Kind;
+  const std::map<std::string, Kind> kinds{{"state", Kind::state},
+                                          {"liveFace", Kind::liveFace},
+                                          {"mode", Kind::mode},
+                                          {"call", Kind::call}};
+  devices::HostContractValidator validator({std::chrono::seconds(20), std::chrono::seconds(30)},
+                                           {});
+  std::istringstream lines(readText(run / "events.jsonl"));
+  for (std::string line; std::getline(lines, line);) {
+    const auto event = nlohmann::json::parse(line);
+    const auto kind = kinds.find(event["event"]);
+    if (kind == kinds.end()) continue;
+    validator.observe(
+        {platform::TimePoint(platform::seconds(event["t"])), kind->second, event["name"]});
+  }
+  return validator.breaches();
 }
 
 std::vector<nlohmann::json> eventsOf(const fs::path& run, const std::string& event,

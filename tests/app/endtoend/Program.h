@@ -47,4 +47,7 @@ struct Session {
 std::vector<nlohmann::json> eventsOf(const std::filesystem::path& run, const std::string& event,
                                      const std::string& name = {});
 
+/// Where the host of that run broke a promise of docs/host-contract.md.
+std::vector<std::string> breachesOf(const std::filesystem::path& run);
+
 }  // namespace tests

@@ -44,6 +44,10 @@ tl::expected<std::shared_ptr<platform::AssetWriter>, std::string> FakeFilms::mak
 
 std::shared_ptr<RecorderWorld> RecorderWorld::make() {
   std::shared_ptr<RecorderWorld> world(new RecorderWorld());
+  const devices::HostContract promises{
+      platform::seconds(corvana::SelfieCapture::options.timeOutSeconds),
+      platform::seconds(corvana::IDCapture::options.timeOutSeconds)};
+  world->contract = std::make_unique<devices::HostContractValidator>(promises, world->loop.now());
   std::string pattern = std::filesystem::temp_directory_path() / "recorder-XXXXXX";
   world->folder = mkdtemp(pattern.data());
   world->openFilm = *engine::Film::make(world->loop, world->films, {world->folder, false, {}, {}});
@@ -93,6 +97,9 @@ void RecorderWorld::foundLiveFace(const std::optional<platform::CGRect>& frame,
   if (!frame) note("liveFaceLost");
 }
 
-void RecorderWorld::happened(const engine::RecorderEvent&) {}
+void RecorderWorld::happened(const engine::RecorderEvent& event) {
+  // Both enumerations name their first four kinds alike, in this order.
+  contract->observe({loop.now(), static_cast<devices::HostEvent::Kind>(event.kind), event.name});
+}
 
 }  // namespace tests

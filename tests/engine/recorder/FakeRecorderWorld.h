@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "devices/scripted/HostContractValidator.h"
 #include "engine/recorder/EngineHost.h"
 #include "engine/recorder/Recorder.h"
 #include "platform/foundation/VirtualRunLoop.h"
@@ -66,6 +67,8 @@ class RecorderWorld final : public corvana::VideoCaptureDelegate,
   std::shared_ptr<FakeAnalyzer> analyzer = std::make_shared<FakeAnalyzer>();
   std::shared_ptr<engine::Film> openFilm;
   std::shared_ptr<engine::Recorder> recorder;
+  /// Watches every run of these tests; whoever takes the world away asks for its breaches.
+  std::unique_ptr<devices::HostContractValidator> contract;
   /// States by name, live faces only when lost.
   std::vector<std::string> heard;
   std::vector<platform::TimePoint> heardAt;

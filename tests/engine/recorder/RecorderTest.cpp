@@ -43,6 +43,7 @@ class RecorderTest : public testing::Test {
  protected:
   std::shared_ptr<RecorderWorld> world = RecorderWorld::make();
 
+  void TearDown() override { EXPECT_EQ(world->contract->breaches(), Names{}); }
   long countHeard(const std::string& name) const { return std::ranges::count(world->heard, name); }
 };
 
