@@ -23,11 +23,13 @@ constexpr std::size_t kMaxLines = 26;
 // A side counts as seen when this share of it lies on an edge. A hand covers one side in part.
 constexpr double kMinSupport = 0.36;
 constexpr double kMinSecondSupport = 0.55;
-constexpr double kMinScore = 0.58;
+constexpr double kMinScore = 0.66;
 /// Small outlines are common in any room; only a clear one counts.
 constexpr double kMinSmallScore = 0.74;
 constexpr double kMaxAspectError = 0.20;  ///< of the ratio's logarithm
 constexpr double kMaxTaper = 1.5;         ///< of a side against the opposite one
+/// The sides of a card that is cut off by the picture's edge must be this clear.
+constexpr double kMinCutOffSupport = 0.7;
 
 // What the user is asked for.
 constexpr double kMinWidthOfGuide = 0.55;
@@ -44,6 +46,7 @@ double squared(double value) {
 struct Candidate {
   Quad quad;
   double score = 0;
+  double preference = 0;
 };
 
 platform::CGPoint pointOf(cv::Point2d point) {
@@ -84,26 +87,48 @@ class OutlineSearch {
   /// The likeliest outline; its score is 0 when there is none.
   Candidate best() const {
     Candidate best;
-    forEachOutline(across_, down_, [&](const Quad& quad) {
+    forEachOutline(down_, [&](const Quad& quad) {
       if (aspectError(quad) > kMaxAspectError || taper(quad) > kMaxTaper) return;
       const double support = supportOf(quad);
       if (support == 0) return;
-      const double score = support + preference(quad);
-      if (score > best.score + preferenceOfBest_) {
-        preferenceOfBest_ = score - support;
-        best = {quad, support};
+      const double preferred = preference(quad);
+      if (best.score == 0 || support + preferred > best.score + best.preference) {
+        best = {quad, support, preferred};
       }
     });
     return best;
   }
 
+  /// Whether a card reaches out of the picture: its upper and lower side are seen, nearer to each
+  /// other than they would be in a whole card of that width. `left` and `right` tell whether these
+  /// edges of the searched part are the picture's.
+  bool isCutOff(bool left, bool right) const {
+    const double width = edges_.size().width;
+    std::vector<EdgeLine> down = down_;
+    if (left) down.push_back({{0, 1}, {0, 0}, 0});
+    if (right) down.push_back({{0, 1}, {width - 1, 0}, 0});
+    bool isCut = false;
+    forEachOutline(down, [&](const Quad& quad) {
+      const bool cutLeft = left && quad.corners[0].x <= 0 && quad.corners[3].x <= 0;
+      const bool cutRight =
+          right && quad.corners[1].x >= width - 1 && quad.corners[2].x >= width - 1;
+      if (isCut || (!cutLeft && !cutRight)) return;
+      const double hidden = quad.height() * kCardAspect / quad.width();
+      if (hidden < 1.05 || hidden > 2.5 || taper(quad) > kMaxGoodTaper) return;
+      isCut = sideSupport(quad, 0) >= kMinCutOffSupport &&
+              sideSupport(quad, 2) >= kMinCutOffSupport &&
+              (cutRight || sideSupport(quad, 1) >= kMinCutOffSupport) &&
+              (cutLeft || sideSupport(quad, 3) >= kMinCutOffSupport);
+    });
+    return isCut;
+  }
+
  private:
   template <typename Visit>
-  void forEachOutline(const std::vector<EdgeLine>& across, const std::vector<EdgeLine>& down,
-                      Visit visit) const {
+  void forEachOutline(const std::vector<EdgeLine>& down, Visit visit) const {
     const double minWidth = kSmallestOfGuide * guide_.width;
-    for (const EdgeLine& top : across) {
-      for (const EdgeLine& bottom : across) {
+    for (const EdgeLine& top : across_) {
+      for (const EdgeLine& bottom : across_) {
         if (gapAt(bottom, top, true) < minWidth / kCardAspect) continue;
         for (const EdgeLine& left : down) {
           for (const EdgeLine& right : down) {
@@ -132,15 +157,19 @@ class OutlineSearch {
   double supportOf(const Quad& quad) const {
     std::array<double, 4> supports{};
     for (std::size_t i = 0; i < 4; ++i) {
-      const Course course = i % 2 == 0 ? Course::across : Course::down;
-      supports[i] =
-          distinctSupport(course, pointOf(quad.corners[i]), pointOf(quad.corners[(i + 1) % 4]));
+      supports[i] = sideSupport(quad, i);
       if (supports[i] < kMinSupport) return 0;
     }
     std::array<double, 4> sorted = supports;
     std::sort(sorted.begin(), sorted.end());
     if (sorted[1] < kMinSecondSupport) return 0;
     return (supports[0] + supports[1] + supports[2] + supports[3]) / 4;
+  }
+
+  double sideSupport(const Quad& quad, std::size_t side) const {
+    const Course course = side % 2 == 0 ? Course::across : Course::down;
+    return distinctSupport(course, pointOf(quad.corners[side]),
+                           pointOf(quad.corners[(side + 1) % 4]));
   }
 
   /// A side stands out; where lines beside it on both sides lie on edges too, it is mere texture.
@@ -167,7 +196,6 @@ class OutlineSearch {
   platform::CGRect guide_;
   std::vector<EdgeLine> across_;
   std::vector<EdgeLine> down_;
-  mutable double preferenceOfBest_ = 0;
 };
 
 bool touchesEdge(const Quad& quad, const platform::PixelBuffer& picture) {
@@ -210,9 +238,15 @@ CardSighting findCard(const platform::PixelBuffer& picture, const platform::CGRe
   const platform::CGRect smallGuide{(guide.x - window.x) / factor, (guide.y - window.y) / factor,
                                     guide.width / factor, guide.height / factor};
 
-  const Candidate best = OutlineSearch(small, smallGuide).best();
+  const OutlineSearch search(small, smallGuide);
+  const Candidate best = search.best();
   CardSighting sighting;
-  if (best.score < kMinScore) return sighting;
+  if (best.score < kMinScore) {
+    if (search.isCutOff(window.x == 0, window.br().x == rgb.cols)) {
+      sighting.verdict = CardVerdict::moveAway;
+    }
+    return sighting;
+  }
   // A pixel of the small picture stands for the middle of those it was made from.
   const cv::Point2d offset(window.x + (factor - 1) / 2, window.y + (factor - 1) / 2);
   const Quad quad = fitSides(rgb, scaled(best.quad, factor, offset), 1.5 * factor + 2);

@@ -6,8 +6,15 @@
 namespace engine {
 namespace {
 
-/// Words below it differ from picture to picture.
+/// Words below it differ from picture to picture; two letters are easily seen in a pattern.
 constexpr double kMinConfidence = 60;
+constexpr double kMinConfidenceOfPairs = 85;
+/// What is printed much smaller than the holder's data is the name of a field, the same on every
+/// card of a kind and the first to blur; what is much taller is no print.
+constexpr double kMinHeight = 0.67;
+constexpr double kMaxHeight = 1.8;
+/// Of all letters, not more than this share are the names of fields.
+constexpr double kSmallPrintShare = 0.75;
 /// Letters of Latin and other scripts begin with a byte from here on; punctuation beyond ASCII
 /// (dashes, quotes, bullets) lies in the blocks of which the first byte is E2.
 constexpr unsigned char kFirstByteBeyondAscii = 0xC3;
@@ -41,6 +48,51 @@ std::string cleaned(const std::string& text) {
   return letters < 2 ? std::string() : text.substr(first, end - first);
 }
 
+bool hasAny(const std::string& text, const char* letters) {
+  return text.find_first_of(letters) != std::string::npos;
+}
+
+/// Height of a capital in the word's print: small letters reach up to three quarters of it, tails a
+/// quarter below the line.
+double capHeight(const TextWord& word) {
+  const bool isTall = hasAny(word.text, "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZbdfhiklt");
+  const bool hasTail = hasAny(word.text, "gjpqy,;");
+  return word.box.height / ((isTall ? 1.0 : 0.75) + (hasTail ? 0.26 : 0.0));
+}
+
+bool isSure(const TextWord& word) {
+  const std::size_t letters = cleaned(word.text).size();
+  return letters > 0 && word.confidence >= (letters <= 2 ? kMinConfidenceOfPairs : kMinConfidence);
+}
+
+/// The height of the holder's data: that of the letter above the small print, by height.
+double usualHeight(const std::vector<const TextWord*>& words) {
+  std::vector<double> heights;
+  for (const TextWord* word : words) {
+    heights.insert(heights.end(), cleaned(word->text).size(), capHeight(*word));
+  }
+  if (heights.empty()) return 0;
+  const auto middle =
+      heights.begin() + static_cast<std::ptrdiff_t>(kSmallPrintShare * double(heights.size()));
+  std::nth_element(heights.begin(), middle, heights.end());
+  return *middle;
+}
+
+std::vector<const TextWord*> worthKeeping(const std::vector<TextWord>& words) {
+  std::vector<const TextWord*> kept;
+  for (const TextWord& word : words) {
+    if (isSure(word)) kept.push_back(&word);
+  }
+  const double usual = usualHeight(kept);
+  kept.erase(std::remove_if(kept.begin(), kept.end(),
+                            [&](const TextWord* word) {
+                              const double height = capHeight(*word);
+                              return height < kMinHeight * usual || height > kMaxHeight * usual;
+                            }),
+             kept.end());
+  return kept;
+}
+
 /// Words on one height.
 struct Line {
   double top;
@@ -67,10 +119,7 @@ std::string joined(Line line) {
 }  // namespace
 
 std::vector<std::string> textLines(const std::vector<TextWord>& words) {
-  std::vector<const TextWord*> kept;
-  for (const TextWord& word : words) {
-    if (word.confidence >= kMinConfidence && !cleaned(word.text).empty()) kept.push_back(&word);
-  }
+  std::vector<const TextWord*> kept = worthKeeping(words);
   std::stable_sort(kept.begin(), kept.end(), [](const TextWord* a, const TextWord* b) {
     return a->box.midY() < b->box.midY();
   });

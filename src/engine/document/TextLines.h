@@ -14,7 +14,8 @@ struct TextWord {
   double confidence = 0;  ///< 0 to 100
 };
 
-/// The words worth keeping, in lines from top to bottom and from left to right. Pure.
+/// The words worth keeping (sure ones in the size of the holder's data), in lines from top to
+/// bottom and from left to right. Pure.
 std::vector<std::string> textLines(const std::vector<TextWord>& words);
 
 }  // namespace engine

@@ -1,5 +1,6 @@
 #include "engine/document/TextReader.h"
 
+#include <leptonica/allheaders.h>
 #include <omp.h>
 #include <opencv2/imgproc.hpp>
 #include <tesseract/baseapi.h>
@@ -12,6 +13,8 @@ namespace engine {
 namespace {
 
 constexpr int kDotsPerInch = 300;
+/// What lies behind the card's rounded corners and beside its sides is no print.
+constexpr int kRim = 14;
 
 /// While it lives, OpenMP makes no threads for this one's parallel sections.
 class SingleThread {
@@ -25,13 +28,14 @@ class SingleThread {
   int levels_ = omp_get_max_active_levels();
 };
 
-/// The card in grey with the blanks painted over in the shade of its paper.
+/// The card in grey with its rim and the blanks painted over in the shade of its paper.
 cv::Mat printOnly(const platform::PixelBuffer& card, const std::vector<platform::CGRect>& blanks) {
   cv::Mat gray = grayMat(card).clone();
   cv::Mat paper;
   cv::blur(gray, paper, cv::Size(25, 25));
   double brightest = 0;
   cv::minMaxLoc(paper, nullptr, &brightest);
+  cv::rectangle(gray, cv::Rect(cv::Point(), gray.size()), cv::Scalar(brightest), 2 * kRim);
   for (const platform::CGRect& blank : blanks) {
     gray(pixelRect(blank, gray.size())).setTo(brightest);
   }
@@ -66,6 +70,8 @@ TextReader& TextReader::operator=(TextReader&&) noexcept = default;
 TextReader::~TextReader() = default;
 
 tl::expected<TextReader, corvana::IDError> TextReader::load(const std::filesystem::path& tessdata) {
+  // Leptonica, beneath Tesseract, prints a line for each speck it cannot crop.
+  setMsgSeverity(L_SEVERITY_NONE);
   auto tesseract = std::make_unique<tesseract::TessBaseAPI>();
   std::error_code error;
   if (!std::filesystem::is_regular_file(tessdata / "eng.traineddata", error) ||

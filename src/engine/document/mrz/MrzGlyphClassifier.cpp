@@ -24,29 +24,18 @@ cv::Ptr<cv::ml::SVM> trained(const GlyphSamples& samples) {
   return machine;
 }
 
-/// The allowed letter whose hardest duel against another allowed one went best; its margin tells
-/// how clear that was.
-MrzGlyphClassifier::Reading winner(const float* decisions, std::string_view allowed) {
-  std::array<bool, kLetters> isAllowed{};
+std::vector<std::size_t> placesOf(std::string_view letters) {
+  std::vector<std::size_t> places;
   for (std::size_t i = 0; i < kLetters; ++i) {
-    isAllowed[i] = allowed.find(MrzGlyphClassifier::kAlphabet[i]) != std::string_view::npos;
+    if (letters.find(MrzGlyphClassifier::kAlphabet[i]) != std::string_view::npos)
+      places.push_back(i);
   }
-  std::array<float, kLetters> closest;
-  closest.fill(std::numeric_limits<float>::max());
-  for (std::size_t i = 0; i < kLetters; ++i) {
-    for (std::size_t j = i + 1; j < kLetters; ++j, ++decisions) {
-      if (!isAllowed[i] || !isAllowed[j]) continue;
-      closest[i] = std::min(closest[i], *decisions);
-      closest[j] = std::min(closest[j], -*decisions);
-    }
-  }
-  MrzGlyphClassifier::Reading best{0, std::numeric_limits<float>::lowest()};
-  for (std::size_t i = 0; i < kLetters; ++i) {
-    if (isAllowed[i] && closest[i] > best.margin) {
-      best = {MrzGlyphClassifier::kAlphabet[i], closest[i]};
-    }
-  }
-  return best;
+  return places;
+}
+
+/// Rows of the pairs (i, j), i < j, in the order (0, 1), (0, 2) ... (1, 2) ...
+int rowOfPair(std::size_t i, std::size_t j) {
+  return static_cast<int>(i * (2 * kLetters - i - 1) / 2 + j - i - 1);
 }
 
 }  // namespace
@@ -86,12 +75,32 @@ std::vector<MrzGlyphClassifier::Reading> MrzGlyphClassifier::classify(
     const cv::Mat& cells, const std::vector<std::string_view>& alphabets) const {
   cv::Mat normalized = cells.clone();
   normalizeCells(normalized);
-  const cv::Mat decisions = normalized * weights_.t() - cv::repeat(offsets_, cells.rows, 1);
   std::vector<Reading> readings;
   for (int i = 0; i < cells.rows; ++i) {
-    readings.push_back(winner(decisions.ptr<float>(i), alphabets[static_cast<std::size_t>(i)]));
+    readings.push_back(winner(normalized.row(i), alphabets[static_cast<std::size_t>(i)]));
   }
   return readings;
+}
+
+MrzGlyphClassifier::Reading MrzGlyphClassifier::winner(const cv::Mat& cell,
+                                                       std::string_view alphabet) const {
+  const std::vector<std::size_t> places = placesOf(alphabet);
+  std::array<float, kLetters> hardest;
+  hardest.fill(std::numeric_limits<float>::max());
+  for (auto i = places.begin(); i != places.end(); ++i) {
+    for (auto j = i + 1; j != places.end(); ++j) {
+      const int pair = rowOfPair(*i, *j);
+      const auto decision =
+          static_cast<float>(weights_.row(pair).dot(cell)) - offsets_.at<float>(pair);
+      hardest[*i] = std::min(hardest[*i], decision);
+      hardest[*j] = std::min(hardest[*j], -decision);
+    }
+  }
+  Reading best{0, std::numeric_limits<float>::lowest()};
+  for (const std::size_t place : places) {
+    if (hardest[place] > best.margin) best = {kAlphabet[place], hardest[place]};
+  }
+  return best;
 }
 
 std::vector<std::filesystem::path> defaultOcrBFonts() {

@@ -41,6 +41,8 @@ class MrzGlyphClassifier {
 
  private:
   MrzGlyphClassifier() = default;
+  /// The letter whose hardest duel against another allowed one went best.
+  Reading winner(const cv::Mat& cell, std::string_view alphabet) const;
 
   // One row and offset per pair of letters (i < j, in the order of the alphabet): a positive
   // decision is for i.
