@@ -50,9 +50,19 @@ std::size_t letterCount(const corvana::DetectedData& data) {
   return count;
 }
 
+/// The detector also finds faces that lie on their side or their head.
+bool isUpright(const Face& face) {
+  const auto& right = face.keypoints[Face::rightEye];
+  const auto& left = face.keypoints[Face::leftEye];
+  const auto& mouth = face.keypoints[Face::mouth];
+  const double across = left.x - right.x;
+  return across > std::abs(left.y - right.y) && mouth.y > (left.y + right.y) / 2;
+}
+
 /// Whether the card was certainly read the right way up.
 bool isUpright(const CardReading& reading) {
-  return reading.faceBox || reading.data.mrz || reading.data.barcode;
+  return reading.data.mrz || reading.data.barcode ||
+         (reading.faceBox && !reading.data.ocrStrings->empty());
 }
 
 }  // namespace
@@ -82,8 +92,10 @@ CardView DocumentAnalyzer::view(const platform::PixelBuffer& frame, const Quad& 
 
 std::optional<Face> DocumentAnalyzer::portrait(const platform::PixelBuffer& card) {
   const auto faces = faces_.detect(card);
-  if (faces.empty()) return std::nullopt;
-  return faces.front();
+  const auto upright =
+      std::ranges::find_if(faces, [](const Face& face) { return isUpright(face); });
+  if (upright == faces.end()) return std::nullopt;
+  return *upright;
 }
 
 CardReading DocumentAnalyzer::read(const CardView& card) {
