@@ -25,6 +25,8 @@ class LiveFaceTracker {
   void start(const platform::CGRect& box, platform::TimePoint now);
   void stop() { last_.reset(); }
   bool isFollowing() const { return last_.has_value(); }
+  /// Where the face was last seen. Only while following.
+  const platform::CGRect& box() const { return last_.value(); }
 
   /// The next frame's faces. Only while following; times must not go back.
   Sighting update(std::span<const Face> faces, platform::TimePoint now);
