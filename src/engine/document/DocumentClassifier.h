@@ -11,11 +11,11 @@ namespace engine {
 
 /// What was found on one side of a card.
 struct DocumentFeatures {
-  std::vector<std::string> lines;
-  std::optional<corvana::MRZResult> mrz;
+  std::vector<std::string> lines{};
+  std::optional<corvana::MRZResult> mrz{};
   /// Rows that look like a machine-readable zone, read or not.
   bool hasMrzBand = false;
-  std::optional<std::map<std::string, std::string>> barcode;
+  std::optional<std::map<std::string, std::string>> barcode{};
   bool hasFace = false;
 };
 

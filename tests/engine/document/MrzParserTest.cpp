@@ -1,0 +1,160 @@
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "engine/document/mrz/MrzParser.h"
+
+namespace {
+
+using engine::parseMrz;
+
+// The specimens of ICAO Doc 9303, parts 5, 6 and 4.
+const std::vector<std::string> kTd1{"I<UTOD231458907<<<<<<<<<<<<<<<",  //
+                                    "7408122F1204159UTO<<<<<<<<<<<6",  //
+                                    "ERIKSSON<<ANNA<MARIA<<<<<<<<<<"};
+const std::vector<std::string> kTd2{"I<UTOERIKSSON<<ANNA<MARIA<<<<<<<<<<<",
+                                    "D231458907UTO7408122F1204159<<<<<<<6"};
+const std::vector<std::string> kTd3{"P<UTOERIKSSON<<ANNA<MARIA<<<<<<<<<<<<<<<<<<<",
+                                    "L898902C36UTO7408122F1204159ZE184226B<<<<<10"};
+
+std::string digitOf(const std::string& field) {
+  return std::to_string(engine::mrzCheckDigit(field));
+}
+
+/// A TD1 zone with right check digits, from its fields as they stand in the lines.
+std::vector<std::string> td1(const std::string& numberToOptional, const std::string& birth,
+                             const std::string& expiry, const std::string& sex = "F") {
+  std::string first = "I<UTO" + numberToOptional;
+  first.resize(30, '<');
+  const std::string dates = birth + digitOf(birth) + sex + expiry + digitOf(expiry);
+  const std::string composite =
+      first.substr(5) + birth + digitOf(birth) + expiry + digitOf(expiry) + std::string(11, '<');
+  return {first, dates + "UTO" + std::string(11, '<') + digitOf(composite), kTd1[2]};
+}
+
+std::string reasonOf(const std::vector<std::string>& lines) {
+  const auto result = parseMrz(lines);
+  return result ? "accepted" : result.error();
+}
+
+TEST(MrzParser, ReadsTheSpecimensOfAllThreeFormats) {
+  for (const auto& lines : {kTd1, kTd2, kTd3}) {
+    const auto result = parseMrz(lines);
+    ASSERT_TRUE(result) << lines[0] << ": " << result.error();
+    EXPECT_EQ(result->lines, lines);
+    EXPECT_EQ(result->issuingState, "UTO");
+    EXPECT_EQ(result->nationality, "UTO");
+    EXPECT_EQ(result->surname, "ERIKSSON");
+    EXPECT_EQ(result->givenNames, "ANNA MARIA");
+    EXPECT_EQ(result->birthDate, "740812");
+    EXPECT_EQ(result->expiryDate, "120415");
+    EXPECT_EQ(result->sex, "F");
+  }
+  EXPECT_EQ(parseMrz(kTd1)->documentNumber, "D23145890");
+  EXPECT_EQ(parseMrz(kTd3)->documentNumber, "L898902C3");
+  EXPECT_EQ(parseMrz(kTd3)->documentCode, "P");
+}
+
+TEST(MrzParser, TakesAnyLineEnds) {
+  const std::string text = "\r\n" + kTd1[0] + "\r\n" + kTd1[1] + "  \t\r\n\r\n  " + kTd1[2] + " ";
+  const auto result = parseMrz(text);
+  ASSERT_TRUE(result) << result.error();
+  EXPECT_EQ(result->lines, kTd1);
+}
+
+TEST(MrzParser, FollowsALongDocumentNumberIntoTheOptionalData) {
+  const std::string number = "D23145890734";
+  const auto lines =
+      td1(number.substr(0, 9) + "<" + number.substr(9) + digitOf(number), "740812", "320415");
+  const auto result = parseMrz(lines);
+  ASSERT_TRUE(result) << result.error();
+  EXPECT_EQ(result->documentNumber, number);
+
+  EXPECT_EQ(reasonOf(td1("D23145890<7340", "740812", "320415")),
+            "the check digit of the document number is wrong");
+  EXPECT_EQ(reasonOf(td1("D23145890<", "740812", "320415")),
+            "the check digit of the document number is wrong");
+}
+
+TEST(MrzParser, LetsTheCheckDigitOfAnEmptyPersonalNumberBeAFiller) {
+  auto lines = kTd3;
+  for (const char digit : {'<', '0'}) {
+    lines[1].replace(28, 15, std::string(14, '<') + digit);
+    const std::string& second = lines[1];
+    lines[1].back() =
+        digitOf(second.substr(0, 10) + second.substr(13, 7) + second.substr(21, 22)).front();
+    EXPECT_EQ(reasonOf(lines), "accepted") << digit;
+  }
+  lines = kTd3;
+  lines[1][42] = '<';
+  EXPECT_EQ(reasonOf(lines), "the check digit of the personal number is wrong");
+}
+
+TEST(MrzParser, RefusesDatesThatNoCalendarHas) {
+  struct Case {
+    std::string birth;
+    std::string expiry;
+    std::string reason;
+  };
+  const std::vector<Case> cases{
+      {"840229", "320415", "accepted"},
+      {"000229", "320415", "accepted"},
+      {"830229", "320415", "the birth date is no date"},
+      {"840230", "320415", "the birth date is no date"},
+      {"841301", "320415", "the birth date is no date"},
+      {"840400", "320415", "the birth date is no date"},
+      {"8404<<", "320415", "accepted"},
+      {"84<<<<", "320415", "accepted"},
+      {"84<<12", "320415", "the birth date is no date"},
+      {"84041<", "320415", "the birth date is no date"},
+      {"840412", "320431", "the expiry date is no date"},
+      {"840412", "3204<<", "the expiry date is no date"},
+  };
+  for (const Case& entry : cases) {
+    EXPECT_EQ(reasonOf(td1("D231458907", entry.birth, entry.expiry)), entry.reason)
+        << entry.birth << " " << entry.expiry;
+  }
+}
+
+TEST(MrzParser, FindsEveryWrongCheckDigit) {
+  struct Case {
+    std::vector<std::string> lines;
+    std::size_t line;
+    std::size_t place;
+    std::string reason;
+  };
+  const std::vector<Case> cases{
+      {kTd1, 0, 14, "the check digit of the document number is wrong"},
+      {kTd1, 1, 6, "the check digit of the birth date is wrong"},
+      {kTd1, 1, 14, "the check digit of the expiry date is wrong"},
+      {kTd1, 1, 29, "the composite check digit is wrong"},
+      {kTd2, 1, 9, "the check digit of the document number is wrong"},
+      {kTd2, 1, 19, "the check digit of the birth date is wrong"},
+      {kTd2, 1, 27, "the check digit of the expiry date is wrong"},
+      {kTd2, 1, 35, "the composite check digit is wrong"},
+      {kTd3, 1, 9, "the check digit of the document number is wrong"},
+      {kTd3, 1, 42, "the check digit of the personal number is wrong"},
+      {kTd3, 1, 43, "the composite check digit is wrong"},
+  };
+  for (const Case& entry : cases) {
+    auto lines = entry.lines;
+    char& digit = lines[entry.line][entry.place];
+    digit = digit == '9' ? '0' : static_cast<char>(digit + 1);
+    EXPECT_EQ(reasonOf(lines), entry.reason) << entry.line << "," << entry.place;
+  }
+}
+
+TEST(MrzParser, RefusesWhatIsNoZone) {
+  EXPECT_NE(reasonOf({}), "accepted");
+  EXPECT_NE(reasonOf({kTd1[0], kTd1[1]}), "accepted");
+  EXPECT_NE(reasonOf({kTd1[0], kTd1[1], kTd1[2] + "<"}), "accepted");
+  for (const auto& [line, place, letter] : std::vector<std::tuple<std::size_t, std::size_t, char>>{
+           {0, 2, '0'}, {1, 7, 'Q'}, {1, 15, '1'}, {2, 3, '5'}, {2, 0, '<'}, {2, 3, 'i'}}) {
+    auto lines = kTd1;
+    lines[line][place] = letter;
+    EXPECT_NE(reasonOf(lines), "accepted") << line << "," << place << " " << letter;
+  }
+}
+
+}  // namespace

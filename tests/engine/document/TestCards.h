@@ -1,0 +1,53 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include <opencv2/core.hpp>
+
+#include "Script.h"
+#include "platform/media/PixelBuffer.h"
+
+/// Fictitious cards of several designs, and pictures of them as a hand holds them before a person.
+namespace tests {
+
+/// Sides drawn flat, RGBA, transparent outside the rounded corners.
+struct CardSides {
+  cv::Mat front;
+  cv::Mat back;
+};
+
+/// Invented holders with names, numbers and dates of all sorts.
+session::CardData holder(int number);
+/// `design` 0 is the sample sessions' card; 1 to 3 differ in colours, letters and places.
+CardSides drawCard(int design, const session::CardData& card, const std::string& portrait);
+
+/// How the card is held in a picture of 720×1280 pixels.
+struct Held {
+  double x = 360;
+  double y = 1000;
+  double width = 600;
+  double roll = 0;     ///< degrees
+  double taper = 0;    ///< the left side is longer by this share
+  int background = 0;  ///< 0 and 1: a person; 2: plain; 3: stripes
+  double blur = 0.6;
+  double noise = 3;
+  bool thumb = true;
+};
+
+struct HeldPicture {
+  platform::PixelBufferRef picture;
+  std::array<cv::Point2f, 4> corners;
+};
+
+HeldPicture hold(const cv::Mat& side, const Held& held);
+/// The side alone, filling a picture.
+platform::PixelBufferRef scan(const cv::Mat& side, int width);
+
+platform::PixelBufferRef pictureOf(const cv::Mat& rgb);
+std::string joined(const std::vector<std::string>& lines);
+/// Edits between the texts over the longer one's length.
+double editRatio(const std::string& a, const std::string& b);
+
+}  // namespace tests
