@@ -20,7 +20,7 @@ struct CardSighting {
   CardVerdict verdict = CardVerdict::none;
   /// The outline in pixels of the picture; absent without a card, and where it is cut off.
   std::optional<Quad> outline;
-  /// How well print-free lines support the four sides, 0 to 1.
+  /// Share of the four sides that lies on edges which stand out, 0 to 1.
   double score = 0;
 };
 

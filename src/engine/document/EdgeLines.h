@@ -10,10 +10,9 @@ namespace engine {
 /// Edges that run across the picture (within 26° of level) and edges that run down it.
 enum class Course { across, down };
 
-/// A line by its angle to its course (radians; clockwise is positive for a line across, and for a
-/// line down the angle by which its lower end lies left) and its offset at the picture's origin.
+/// A straight line in a picture, in its pixels.
 struct EdgeLine {
-  cv::Vec2d direction;  ///< unit length
+  cv::Vec2d direction;  ///< unit length; to the right, or down
   cv::Point2d point;    ///< some point on it
   double votes = 0;     ///< edge pixels along it
 };
