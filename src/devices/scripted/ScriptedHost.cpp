@@ -1,46 +1,14 @@
 #include "devices/scripted/ScriptedHost.h"
 
 #include <algorithm>
-#include <array>
 #include <sstream>
 #include <utility>
 
 namespace devices {
 
+using corvana::nameOf;
 using corvana::VideoCaptureMode;
 using Kind = HostEvent::Kind;
-
-const char* nameOf(VideoCaptureMode mode) {
-  switch (mode) {
-    case VideoCaptureMode::selfieCapture:
-      return "selfieCapture";
-    case VideoCaptureMode::idCapture:
-      return "idCapture";
-    case VideoCaptureMode::readingText:
-      return "readingText";
-    case VideoCaptureMode::liveFaceLost:
-      return "liveFaceLost";
-  }
-  return "unknown";
-}
-
-const char* nameOf(const corvana::SelfieCaptureState& state) {
-  static constexpr std::array kNames = {
-      "detectedIssue", "selfieSuccess",         "selfieTimedOut",   "selfieFailed",
-      "detectingFace", "multipleFacesDetected", "selfieMoveCloser", "selfieMoveAway",
-      "alignFace",     "capturingFace"};
-  static_assert(kNames.size() == std::variant_size_v<corvana::SelfieCaptureState::Value>);
-  return kNames[state.value.index()];
-}
-
-const char* nameOf(const corvana::IDCaptureState& state) {
-  static constexpr std::array kNames = {"detectingBox", "detectedBox",   "classifiedDocument",
-                                        "idSuccess",    "idTimedOut",    "idFailed",
-                                        "autofill",     "tooMuchGlare",  "idMoveCloser",
-                                        "idMoveAway",   "alignRectangle"};
-  static_assert(kNames.size() == std::variant_size_v<corvana::IDCaptureState::Value>);
-  return kNames[state.value.index()];
-}
 
 void ScriptedSpeechRecognizer::hear(const std::string& transcript) {
   platform::SFSpeechRecognitionResult result;

@@ -7,16 +7,11 @@
 #include <vector>
 
 #include "corvana/HostFactories.h"
+#include "corvana/StateNames.h"
 #include "devices/scripted/HostContractValidator.h"
 #include "devices/scripted/ScriptedMedia.h"
 
 namespace devices {
-
-/// "selfieCapture", "idCapture", "readingText" or "liveFaceLost".
-const char* nameOf(corvana::VideoCaptureMode mode);
-/// The state's name in a `HostEvent`.
-const char* nameOf(const corvana::SelfieCaptureState& state);
-const char* nameOf(const corvana::IDCaptureState& state);
 
 /// Hears what a script says was spoken. Results and errors come on the main queue and only between
 /// start and stop.

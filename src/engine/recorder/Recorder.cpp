@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "corvana/Notifications.h"
+#include "corvana/StateNames.h"
 #include "engine/recorder/StateEvents.h"
 
 namespace engine {
@@ -15,20 +16,6 @@ using corvana::VideoCaptureMode;
 using platform::CMSampleBuffer;
 using platform::CMSampleBufferRef;
 using Kind = RecorderEvent::Kind;
-
-const char* nameOf(VideoCaptureMode mode) {
-  switch (mode) {
-    case VideoCaptureMode::selfieCapture:
-      return "selfieCapture";
-    case VideoCaptureMode::idCapture:
-      return "idCapture";
-    case VideoCaptureMode::readingText:
-      return "readingText";
-    case VideoCaptureMode::liveFaceLost:
-      return "liveFaceLost";
-  }
-  return "";
-}
 
 std::shared_ptr<Recorder> Recorder::make(Setup setup) {
   std::shared_ptr<Recorder> recorder(new Recorder(std::move(setup)));

@@ -93,7 +93,4 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   std::optional<AnalysisTask> task_;  ///< guarded by taskMutex_; absent while nothing is reported
 };
 
-/// "selfieCapture", "idCapture", "readingText", "liveFaceLost".
-const char* nameOf(corvana::VideoCaptureMode mode);
-
 }  // namespace engine

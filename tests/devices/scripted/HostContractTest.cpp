@@ -147,11 +147,11 @@ TEST(HostContract, EachBrokenPromiseIsNamedOnce) {
 class Listener final : public corvana::VideoCaptureDelegate,
                        public corvana::SpeechRecognizerDelegate {
  public:
-  void update(const SelfieCaptureState& s) override { heard.push_back(devices::nameOf(s)); }
-  void update(const IDCaptureState& s) override { heard.push_back(devices::nameOf(s)); }
+  void update(const SelfieCaptureState& s) override { heard.push_back(corvana::nameOf(s)); }
+  void update(const IDCaptureState& s) override { heard.push_back(corvana::nameOf(s)); }
   void foundLiveFace(const std::optional<platform::CGRect>& frame, const platform::CGSize&,
                      corvana::VideoCaptureMode m) override {
-    heard.push_back((frame ? "face " : "no face ") + std::string(devices::nameOf(m)));
+    heard.push_back((frame ? "face " : "no face ") + std::string(corvana::nameOf(m)));
   }
   void speechRecognition(const platform::SFSpeechRecognitionResult& result) override {
     std::string line = "speech";
@@ -215,14 +215,14 @@ TEST(ScriptedHost, EveryStateHasANameThatTheContractKnows) {
                                        {SelfieCaptureState::Success{}},
                                        {SelfieCaptureState::CapturingFace{}}};
   for (const auto& s : selfie)
-    EXPECT_TRUE(HostContractValidator::isKnownState(devices::nameOf(s)));
+    EXPECT_TRUE(HostContractValidator::isKnownState(corvana::nameOf(s)));
   const IDCaptureState id[] = {{IDCaptureState::DetectingBox{}},
                                {IDCaptureState::Failed{}},
                                {IDCaptureState::AlignRectangle{}}};
   for (const auto& s : id)
-    EXPECT_TRUE(HostContractValidator::isKnownState(devices::nameOf(s)));
-  EXPECT_STREQ(devices::nameOf(selfie[1]), "selfieSuccess");
-  EXPECT_STREQ(devices::nameOf(id[1]), "idFailed");
+    EXPECT_TRUE(HostContractValidator::isKnownState(corvana::nameOf(s)));
+  EXPECT_STREQ(corvana::nameOf(selfie[1]), "selfieSuccess");
+  EXPECT_STREQ(corvana::nameOf(id[1]), "idFailed");
   EXPECT_FALSE(HostContractValidator::isKnownState(""));
 }
 
