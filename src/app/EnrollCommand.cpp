@@ -52,6 +52,15 @@ tl::expected<DetectedData, Refusal> readSide(engine::DocumentAnalyzer& documents
     return refuse("Nothing could be read on \"" + path.string() +
                   "\"; take a sharper picture without glare.");
   }
+  // Before the camera such a back is never taken for a complete one: the run could only time out.
+  const bool lacksCode =
+      (data.shouldHaveMrz && !data.mrz) || (data.shouldHaveBarcode && !data.barcode);
+  if (!data.side || lacksCode) {
+    return refuse("Neither a machine-readable zone nor a barcode could be read on \"" +
+                  path.string() +
+                  "\"; take a sharper picture of the whole back on a plain ground, or leave out "
+                  "--back for a card that has neither.");
+  }
   return std::move(data);
 }
 
