@@ -39,6 +39,10 @@ struct BadInput {
   const char* sentence;
 };
 
+void PrintTo(const BadInput& input, std::ostream* out) {
+  *out << input.sentence;
+}
+
 class BadInputs : public testing::TestWithParam<BadInput> {};
 
 TEST_P(BadInputs, GetOneSentenceAndExitCodeTwo) {

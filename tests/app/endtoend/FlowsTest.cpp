@@ -75,9 +75,13 @@ struct FaultCase {
   const char* prompt;
 };
 
+void PrintTo(const FaultCase& fault, std::ostream* out) {
+  *out << fault.script;
+}
+
 class FaultySession : public testing::TestWithParam<FaultCase> {};
 
-TEST_P(FaultySession, LeadsToTheRetryScreenAndCancelsWithoutTrace) {
+TEST_P(FaultySession, LeadsToTheRetryScreenAndThenToCancellation) {
   const FaultCase& fault = GetParam();
   const ScratchFolder scratch;
   const Session session = Session::make(fault.script, scratch);
