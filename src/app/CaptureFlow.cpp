@@ -107,12 +107,18 @@ void CaptureFlow::report(const FlowEvent& event) {
   if (progress_) progress_(driver_.loop().now(), event);
 }
 
+void CaptureFlow::endAfterGrace(bool filmWasStopping) {
+  driver_.loop().mainQueue().asyncAfter(kGraceAfterCamera, [this, filmWasStopping] {
+    const auto film = host_.film();
+    const bool filmStops = film && film->isStopping();
+    // The identification is over then, and its result hangs on the encoder alone.
+    if (filmStops || filmWasStopping) return endAfterGrace(filmStops);
+    end_.fail("The camera's recording ended before the identification did.");
+  });
+}
+
 void CaptureFlow::watchWorld() {
-  media_->onEnd = [this] {
-    driver_.loop().mainQueue().asyncAfter(kGraceAfterCamera, [this] {
-      end_.fail("The camera's recording ended before the identification did.");
-    });
-  };
+  media_->onEnd = [this] { endAfterGrace(); };
   media_->onError = [this](const std::string& sentence) { end_.fail(sentence); };
   if (media_->microphone()) return;
   const std::string warning =

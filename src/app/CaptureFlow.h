@@ -37,6 +37,8 @@ class CaptureFlow {
  private:
   void start();
   void watchWorld();
+  /// After the camera's end; a film that is being stopped is waited for.
+  void endAfterGrace(bool filmWasStopping = false);
   void close();
   void report(const devices::FlowEvent& event);
 

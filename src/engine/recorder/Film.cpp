@@ -70,12 +70,15 @@ Film::Outcome Film::finish(platform::AssetWriter& writer) {
 }
 
 void Film::stop(corvana::VideoCapture::StopCompletion completion) {
-  queue_->async([self = shared_from_this(), writer = takeWriter(),
-                 completion = std::move(completion)] {
-    if (writer) self->outcome_ = self->finish(*writer);
-    if (!completion) return;
-    self->loop_.mainQueue().async([completion, outcome = self->outcome_] { completion(outcome); });
-  });
+  ++stopsUnderWay_;
+  queue_->async(
+      [self = shared_from_this(), writer = takeWriter(), completion = std::move(completion)] {
+        if (writer) self->outcome_ = self->finish(*writer);
+        self->loop_.mainQueue().async([self, completion, outcome = self->outcome_] {
+          --self->stopsUnderWay_;
+          if (completion) completion(outcome);
+        });
+      });
 }
 
 void Film::putFailedRunAway() {

@@ -37,6 +37,9 @@ class Film final : public corvana::VideoWriter, public std::enable_shared_from_t
   /// Ends the open film; the completion (may be null) comes on the main queue with film.mp4 or the
   /// error. Without an open film it comes with the answer of the last stop.
   void stop(corvana::VideoCapture::StopCompletion completion);
+  /// From `stop` until its answer: a slow machine may have seconds of pictures still to encode.
+  /// Main queue.
+  bool isStopping() const { return stopsUnderWay_ > 0; }
   /// Ends the open film if there is one, puts the film of the failed run away, and opens a new one.
   void restart();
   /// Ends the open film, if there is one, which stays as film.partial.mp4. The completion (may be
@@ -67,6 +70,7 @@ class Film final : public corvana::VideoWriter, public std::enable_shared_from_t
   Writer writer_;                           // guarded by mutex_
   platform::AssetWriterCounters counters_;  // of the last closed film; guarded by mutex_
   Outcome outcome_ = tl::unexpected(corvana::IDError("No film was recorded."));  // film queue
+  int stopsUnderWay_ = 0;                                                        // main queue
   int failedRuns_ = 0;                                                           // film queue
 };
 
