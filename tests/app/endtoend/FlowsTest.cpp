@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <iterator>
 
 #include <gtest/gtest.h>
 
@@ -133,6 +134,49 @@ TEST(EndToEnd, ACancelledRunLeavesNothing) {
   const fs::path run = scratch / "run";
   EXPECT_EQ(runVideoid(captureOf(session, run, {"--on-retry", "cancel"})).exitCode, 1);
   EXPECT_FALSE(fs::exists(run));
+}
+
+TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAlone) {
+  const ScratchFolder scratch;
+  const ScratchFolder scratchOfSecond;
+  const Session lost = Session::make("face-leaves.json", scratch);
+  const Session good = Session::make("short.json", scratchOfSecond);
+  writeText(scratch / "parts",
+            "file '" + lost.camera.string() + "'\nfile '" + good.camera.string() + "'\n");
+  Session both = good;
+  both.camera = scratch / "both.mp4";
+  const ProgramRun joined = runProgram("ffmpeg", {"-v", "error", "-f", "concat", "-safe", "0", "-i",
+                                                  scratch / "parts", "-c", "copy", both.camera});
+  ASSERT_EQ(joined.exitCode, 0) << joined.errors;
+
+  const fs::path run = scratch / "run";
+  const ProgramRun retried = runVideoid(
+      captureOf(both, run, {"--on-retry", "retry", "--options", shortCountdown(scratch)}));
+  ASSERT_EQ(retried.exitCode, 0) << retried.errors;
+  const json result = json::parse(retried.output);
+  EXPECT_EQ(result["recording"]["runs"], 2);
+  EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
+  const double began = eventsOf(run, "call", "retry").front()["t"];
+  const double stopped = eventsOf(run, "call", "stopVideoWriter").back()["t"];
+  const auto film = devices::probe(run / "film.mp4");
+  ASSERT_TRUE(film) << film.error();
+  EXPECT_NEAR(platform::inSeconds(film->duration), stopped - began, 0.5);
+  EXPECT_EQ(std::distance(fs::directory_iterator(run), fs::directory_iterator()), 4);
+}
+
+TEST(EndToEnd, EnrollRefusesTheWrongSidesAndSaysWhy) {
+  const ScratchFolder scratch;
+  const Session session = Session::make("short.json", scratch);
+  const std::string front = session.camera.parent_path() / "front.png";
+  const std::string back = session.camera.parent_path() / "back.png";
+  const ProgramRun swapped =
+      runVideoid({"enroll", "--front", back, "--back", front, "--output", scratch / "swapped"});
+  EXPECT_EQ(swapped.exitCode, 2);
+  EXPECT_NE(swapped.errors.find("shows the other side"), std::string::npos) << swapped.errors;
+  const ProgramRun twice =
+      runVideoid({"enroll", "--front", front, "--back", front, "--output", scratch / "twice"});
+  EXPECT_EQ(twice.exitCode, 2);
+  EXPECT_FALSE(fs::exists(scratch / "twice"));
 }
 
 TEST(EndToEnd, TheCamerasEndEndsTheFlowAndLeavesAFilmThatPlays) {
