@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <sstream>
 
+// Text as UTF-8; the wide text of old is on its way out of the library.
+#define ZX_USE_UTF8
 #include <ZXing/ReadBarcode.h>
-#include <ZXing/TextUtfEncoding.h>
 
 #include "engine/vision/MatViews.h"
 
@@ -55,7 +56,7 @@ std::optional<std::map<std::string, std::string>> readBarcode(const platform::Pi
   hints.setFormats(ZXing::BarcodeFormat::PDF417);
   const ZXing::Result result = ZXing::ReadBarcode(view, hints);
   if (!result.isValid()) return std::nullopt;
-  return barcodeElements(ZXing::TextUtfEncoding::ToUtf8(result.text()));
+  return barcodeElements(result.text());
 }
 
 }  // namespace engine
