@@ -81,9 +81,11 @@ void addHabits(CLI::App& command, CaptureArguments& arguments) {
       .add_option("--max-retries", arguments.habits.maxRetries,
                   "retry screens answered with retry before one is cancelled (default 3)")
       ->check(CLI::Range(0, 1000).description(""));
-  static const std::string onlyAnswer = "ok";
-  command.add_option("--on-alert", "how an alert is answered: ok (default, the only answer)")
-      ->check(CLI::IsMember({onlyAnswer}).description(""));
+  command
+      .add_option_function<std::string>(
+          "--on-alert", [](const std::string&) {},
+          "how an alert is answered: ok (default, the only answer)")
+      ->check(CLI::IsMember(std::vector<std::string>{"ok"}).description(""));
   command.add_option_function<std::string>(
       "--done",
       [&arguments](const std::string& value) {

@@ -166,11 +166,17 @@ TEST(Commands, OptionsListEveryKeyWithDefaultAndMeaning) {
 }
 
 TEST(Commands, WrongUseIsExitCodeTwo) {
-  for (const std::vector<std::string>& arguments :
-       {std::vector<std::string>{}, {"fly"}, {"capture"}, {"enroll", "--front", "none.png"}}) {
+  for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
+                                                    {"fly"},
+                                                    {"capture"},
+                                                    {"capture", "--on-alert", "cancel"},
+                                                    {"capture", "--done", "soon"},
+                                                    {"enroll", "--front", "none.png"}}) {
     EXPECT_EQ(runVideoid(arguments).exitCode, 2);
   }
-  EXPECT_EQ(runVideoid({"--help"}).exitCode, 0);
+  for (const char* command : {"enroll", "capture", "simulate", "verify", "doctor", "options"}) {
+    EXPECT_EQ(runVideoid({command, "--help"}).exitCode, 0) << command;
+  }
 }
 
 }  // namespace

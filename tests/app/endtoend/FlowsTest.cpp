@@ -150,8 +150,10 @@ TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAlone) {
   ASSERT_EQ(joined.exitCode, 0) << joined.errors;
 
   const fs::path run = scratch / "run";
-  const ProgramRun retried = runVideoid(
-      captureOf(both, run, {"--on-retry", "retry", "--options", shortCountdown(scratch)}));
+  const ProgramRun retried =
+      runVideoid(captureOf(both, run,
+                           {"--on-retry", "retry", "--max-retries", "1", "--on-alert", "ok",
+                            "--done", "never", "--options", shortCountdown(scratch)}));
   ASSERT_EQ(retried.exitCode, 0) << retried.errors;
   const json result = json::parse(retried.output);
   EXPECT_EQ(result["recording"]["runs"], 2);
