@@ -147,12 +147,12 @@ ExitCode runCapture(const CaptureArguments& arguments) {
   if (!analyzer) {
     return complain(ExitCode::machineLacks, analyzer.error().localizedDescription());
   }
-  if (auto made = makeEmptyFolder(inputs->folder); !made) {
-    return complain(ExitCode::wrongUse, made.error());
-  }
   const auto driver = makeDriver(arguments.time);
   auto media = devices::MediaFile::open(driver->loop(), arguments.camera);
   if (!media) return complain(ExitCode::wrongUse, media.error());
+  if (auto made = makeEmptyFolder(inputs->folder); !made) {
+    return complain(ExitCode::wrongUse, made.error());
+  }
   CaptureFlow flow(arguments, *inputs, resources, *driver, *media, std::move(*analyzer),
                    printProgress);
   return finish(flow.run(), arguments, *inputs, resources);

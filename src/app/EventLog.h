@@ -18,8 +18,6 @@ class EventLog final : public engine::RecorderObserver, public corvana::Decision
  public:
   EventLog(const platform::RunLoop& loop, const std::filesystem::path& path);
 
-  /// False once a line could not be written.
-  bool isGood() const { return static_cast<bool>(file_); }
   void add(const std::string& event, nlohmann::ordered_json fields);
 
   void happened(const engine::RecorderEvent& event) override;

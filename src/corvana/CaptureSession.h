@@ -34,7 +34,6 @@ class CaptureSession final : public platform::AVCaptureSampleBufferDelegate,
   CaptureMode captureMode() const { return captureMode_; }
   void setCaptureMode(CaptureMode mode) { captureMode_ = mode; }
   platform::AVCaptureVideoDataOutput& videoDataOutput() { return *output_; }
-  bool hasCamera() const { return !session_.inputs().empty(); }
   /// Any queue but the main one in real time.
   void startRunning() { session_.startRunning(); }
   void stopRunning() { session_.stopRunning(); }

@@ -62,7 +62,6 @@ class UIViewController : public std::enable_shared_from_this<UIViewController> {
   UIViewController* presentedViewController() const { return presented_.get(); }
   UIViewController* presentingViewController() const { return presenting_; }
   UINavigationController* navigationController() const { return navigation_; }
-  bool isBeingDismissed() const { return dismissing_; }
   /// It is on the screen, and nothing lies above it.
   bool isTopmost() const;
 
