@@ -24,6 +24,7 @@ class CaptureSessionViewController : public platform::UIViewController {
   /// Made at the first use.
   CaptureSession& captureSession();
   /// Where the camera picture is shown; null on a screen without one. Set before the view appears.
+  /// The capture screen raises its overlays above it, and without one leaves the first hidden.
   const std::shared_ptr<platform::CALayer>& videoPreviewLayer() const { return previewLayer_; }
   void setVideoPreviewLayer(std::shared_ptr<platform::CALayer> layer);
 

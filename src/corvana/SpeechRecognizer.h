@@ -28,7 +28,8 @@ class SpeechRecognizer {
   static inline Options options;
 
   virtual ~SpeechRecognizer() = default;
-  /// Model and library can be loaded; says nothing about whether the model is built yet.
+  /// Model and library can be loaded; says nothing about whether the model is built yet. Main
+  /// queue, while a screen appears: soon done.
   virtual bool isAvailable() const = 0;
   /// Held weakly. Main queue.
   virtual void setDelegate(std::weak_ptr<SpeechRecognizerDelegate> delegate) = 0;

@@ -33,7 +33,7 @@ class VideoCaptureDelegate : public SelfieCaptureDelegate, public IDCaptureDeleg
 
 /// The recorder: writes the film, watches the live face, and runs selfie and document capture on
 /// the camera's frames. docs/host-contract.md says what it owes its delegate. Main queue, except
-/// for the frames.
+/// for the frames (capture queue) and the two accessors that the audio queue uses as well.
 class VideoCapture : public CaptureSessionDelegate {
  public:
   struct Options {
@@ -66,10 +66,12 @@ class VideoCapture : public CaptureSessionDelegate {
 
   /// Held weakly.
   virtual void setDelegate(std::weak_ptr<VideoCaptureDelegate> delegate) = 0;
-  /// Null when the host has none.
+  /// Null when the host has none. Main and audio queue: the same object for the recorder's life.
   virtual SpeechRecognizer* speechRecognizer() = 0;
+  /// Audio queue.
   virtual VideoWriter& videoWriter() = 0;
   virtual VideoCaptureMode mode() const = 0;
+  /// `mode()` gives it at once.
   virtual void setMode(VideoCaptureMode mode) = 0;
   /// Ends the film; the completion (may be null) comes once, on the main queue. Safe to call again.
   virtual void stopVideoWriter(StopCompletion completion) = 0;

@@ -28,17 +28,18 @@ struct UIScreen {
   CGRect bounds;
 };
 
-/// The system's page with the settings of the application.
+/// The system's page with the settings of the application. Main queue. Whoever implements it posts
+/// `kApplicationWillEnterForeground` when the user comes back.
 class UIApplication {
  public:
   virtual ~UIApplication() = default;
   /// Absent where there is no such page.
   virtual std::optional<std::string> openSettingsURLString() const = 0;
-  /// Main queue.
   virtual void open(const std::string& url) = 0;
 };
 
-/// The world, handed down to each controller. Everything in it outlives the controllers.
+/// The world, handed down to each controller. Everything in it outlives the controllers, also those
+/// that only a block or a timer of the run loop still holds.
 struct Environment {
   RunLoop& runLoop;
   Bundle& bundle;  ///< resources of the module
@@ -53,6 +54,8 @@ struct Environment {
   AnimationPlayer* animations = nullptr;           ///< null: only final states are shown
   PresentationObserver* presentations = nullptr;   ///< null: nobody watches the stack of screens
   corvana::DecisionObserver* decisions = nullptr;  ///< null: no record of the run is kept
+  /// Kept by `UIView::animate`: when the animation ends whose values are being set.
+  std::optional<TimePoint> animationEnd = {};
 };
 
 }  // namespace platform

@@ -21,7 +21,7 @@ class Bundle {
                                                     const std::string& type) const = 0;
   /// The same object at each call; null when there is none of that name.
   virtual UIImageRef image(const std::string& name) = 0;
-  /// Null when there is none of that name.
+  /// Null when there is none of that name; may be a new one at each call.
   virtual std::shared_ptr<UIStoryboard> storyboard(Environment& environment,
                                                    const std::string& name) = 0;
 };

@@ -26,7 +26,7 @@ struct Notification {
 inline constexpr const char* kApplicationWillEnterForeground =
     "UIApplicationWillEnterForegroundNotification";
 
-/// Hands notifications to observers, at once, on the main queue. Any sender.
+/// Hands notifications to observers, at once, before `post` returns. Main queue only; any sender.
 class NotificationCenter {
  public:
   using Handler = std::function<void(const Notification&)>;

@@ -10,11 +10,14 @@ namespace platform {
 
 using Block = std::function<void()>;
 
-/// A queue of blocks. Serial queues run one block at a time in posting order; a global queue may
-/// run several at once in real time. Any thread may post.
+/// A queue of blocks. Serial queues run one block at a time in posting order, and what one block
+/// wrote the next one sees; a global queue may run several at once in real time. Any thread may
+/// post. A block is destroyed where it ran; one that never runs, when the loop ends, on the main
+/// thread.
 class DispatchQueue {
  public:
   virtual ~DispatchQueue() = default;
+  /// Never runs the block itself, not even when called on this queue.
   virtual void async(Block block) = 0;
   /// Posts the block once `delay` has passed on the run loop's clock.
   virtual void asyncAfter(Duration delay, Block block) = 0;
@@ -22,8 +25,8 @@ class DispatchQueue {
 
 enum class QualityOfService { userInteractive, userInitiated, utility, background };
 
-/// A timer on the main queue. It holds its block until it is invalidated or, one-shot, has fired.
-/// Letting go of the handle does not stop it.
+/// A timer on the main queue, and for it only. It holds its block until it is invalidated (also by
+/// the block itself) or, one-shot, has fired. Letting go of the handle does not stop it.
 class Timer {
  public:
   virtual ~Timer() = default;
@@ -44,9 +47,13 @@ class RunLoop {
   virtual TimePoint now() const = 0;
   /// Runs the flow, its views and every completion.
   virtual DispatchQueue& mainQueue() = 0;
+  /// For work that may take long.
   virtual DispatchQueue& globalQueue(QualityOfService qos) = 0;
+  /// Main queue only; never null. Blocks that wait in it run also when nobody else holds the queue
+  /// any more.
   virtual std::shared_ptr<DispatchQueue> makeSerialQueue(const std::string& label) = 0;
-  /// Main queue only. A one-shot timer is invalid once its block has begun.
+  /// Main queue only; fires first after one interval. A one-shot timer is invalid once its block
+  /// has begun.
   virtual std::shared_ptr<Timer> scheduledTimer(Duration interval, bool repeats, Block block) = 0;
   /// Runs a device's block at `time` (at once if that has passed) on a thread of the device floor;
   /// in virtual time inline, before every other event of the same instant when a frame.

@@ -26,12 +26,14 @@ struct AssetWriterCounters {
 
 /// One film on disk. It begins with its first video frame; sound that lies before it is left out,
 /// and digital silence stands in for sound that has not come yet, so that the file plays whenever
-/// the process dies. Without audio settings it has no sound track.
+/// the process dies. Without audio settings it has no sound track. Picture, sound and end may come
+/// from three threads at once.
 class AssetWriter {
  public:
   virtual ~AssetWriter() = default;
 
-  /// Any one thread at a time each for `append(video)` and `append(audio)`; false after an error.
+  /// One thread at a time for each of the two; false after an error, and after the end, when a
+  /// sample that was under way is dropped.
   virtual bool appendVideo(const CMSampleBufferRef& sample) = 0;
   virtual bool appendAudio(const CMSampleBufferRef& sample) = 0;
   /// Ends the film and closes the file; blocks until that is done, so not on the main queue in real
@@ -47,7 +49,7 @@ class AssetWriterFactory {
  public:
   virtual ~AssetWriterFactory() = default;
   /// `path` must not exist yet. Absent settings mean the maker's defaults for video and no sound
-  /// track for audio.
+  /// track for audio. Any thread, one film at a time.
   virtual tl::expected<std::shared_ptr<AssetWriter>, std::string> make(
       const std::filesystem::path& path, const std::optional<WriterSettings>& video,
       const std::optional<WriterSettings>& audio) = 0;

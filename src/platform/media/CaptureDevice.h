@@ -12,8 +12,10 @@ namespace platform {
 
 enum class AVMediaType { video, audio };
 
-/// A camera or a microphone. A device produces one upright stream of samples while it runs; their
-/// presentation times are instants of the run loop's clock.
+/// A camera or a microphone. A device produces one upright stream of samples of one size and format
+/// while it runs; their presentation times are instants of the run loop's clock, and grow. Its
+/// session starts and stops it by turns, never at the same time; the rest is asked on the main
+/// queue, also while it runs.
 class AVCaptureDevice {
  public:
   using SampleHandler = std::function<void(CMSampleBufferRef)>;
@@ -23,10 +25,12 @@ class AVCaptureDevice {
   virtual AVMediaType mediaType() const = 0;
   /// False when the device can't be opened (busy, gone).
   virtual bool open() = 0;
-  /// Starts the flow of samples; the handler is called on a thread of the device. May take time:
-  /// not to be called on the main queue. Harmless when already running.
+  /// Starts the flow of samples; the handler is called on a thread of the device, one sample after
+  /// the other, in the order of time, and returns at once. May take time: not to be called on the
+  /// main queue. Harmless when already running.
   virtual void start(SampleHandler handler) = 0;
-  /// Ends the flow; no handler call begins after it returns.
+  /// Ends the flow and lets go of the handler; no handler call begins after it returns. Any thread,
+  /// also the main one: soon done. Harmless when not running.
   virtual void stop() = 0;
 
   /// Codecs in which this device's pictures can be encoded in real time, best first; empty for a
@@ -44,14 +48,15 @@ using AVCaptureDeviceRef = std::shared_ptr<AVCaptureDevice>;
 
 enum class AVAuthorizationStatus { notDetermined, restricted, denied, authorized };
 
-/// The cameras and microphones of the machine and the leave to use them.
+/// The cameras and microphones of the machine and the leave to use them. Main queue.
 class MediaDevices {
  public:
   virtual ~MediaDevices() = default;
   /// Null when there is none.
   virtual AVCaptureDeviceRef defaultDevice(AVMediaType type) = 0;
   virtual AVAuthorizationStatus authorizationStatus(AVMediaType type) = 0;
-  /// Asks the user; the answer may come on any thread, once.
+  /// Asks the user; the answer comes once, on any thread, perhaps before this returns. Keep it as
+  /// long as the question is open.
   virtual void requestAccess(AVMediaType type, std::function<void(bool granted)> answer) = 0;
 };
 

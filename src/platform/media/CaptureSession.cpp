@@ -87,6 +87,7 @@ void AVCaptureSession::connect() {
 }
 
 void AVCaptureSession::startRunning() {
+  const std::lock_guard lock(turn_);
   if (running_.exchange(true)) return;
   for (const auto& input : inputs_) {
     for (const auto& output : outputs_) {
@@ -98,6 +99,7 @@ void AVCaptureSession::startRunning() {
 }
 
 void AVCaptureSession::stopRunning() {
+  const std::lock_guard lock(turn_);
   if (!running_.exchange(false)) return;
   for (const auto& input : inputs_)
     input.device->stop();

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -72,8 +73,8 @@ struct AVCaptureDeviceInput {
   static std::optional<AVCaptureDeviceInput> make(const AVCaptureDeviceRef& device);
 };
 
-/// Connects inputs to outputs of the same media type. Configured on the main queue; started and
-/// stopped on any thread, since starting may take time.
+/// Connects inputs to outputs of the same media type. Configured on the main queue, before it runs;
+/// started and stopped on any thread, since starting may take time: one waits for the other.
 class AVCaptureSession {
  public:
   ~AVCaptureSession();
@@ -93,6 +94,7 @@ class AVCaptureSession {
 
   std::vector<AVCaptureDeviceInput> inputs_;
   std::vector<std::shared_ptr<AVCaptureOutput>> outputs_;
+  std::mutex turn_;  ///< held while devices start or stop
   std::atomic<bool> running_ = false;
 };
 

@@ -22,7 +22,9 @@ struct SFSpeechRecognitionResult {
 
 enum class SFSpeechRecognizerAuthorizationStatus { notDetermined, denied, restricted, authorized };
 
-/// Asks for leave to recognise speech; the answer may come on any thread, once.
+/// Asks for leave to recognise speech. Main queue. The answer comes once, on any thread, perhaps
+/// before `request` returns. The capture screen asks each time that it appears: a user who has
+/// answered is not to be asked again.
 class SpeechAuthorization {
  public:
   virtual ~SpeechAuthorization() = default;

@@ -5,12 +5,16 @@ namespace platform {
 class UIViewController;
 
 /// A screen, told when a controller comes onto the stack of presentations and when it has left.
+/// Main queue. The controller may be an alert, or a navigation controller, whose root is shown.
 class PresentationObserver {
  public:
   virtual ~PresentationObserver() = default;
-  /// Before the controller's view appears: the last moment to lay it out.
+  /// After `viewDidLoad`, before any step of appearance. Frames have to be true by the time of
+  /// `viewDidAppear`, when the capture screen reads them.
   virtual void willPresent(UIViewController& controller) = 0;
+  /// After `viewDidAppear`; left out when a dismissal began before.
   virtual void didPresent(UIViewController& controller) = 0;
+  /// After `viewDidDisappear`, from the top down, before the presenter's `viewDidAppear`.
   virtual void didDismiss(UIViewController& controller) = 0;
 };
 

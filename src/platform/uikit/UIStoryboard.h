@@ -72,7 +72,7 @@ class OutletBinder {
 using ControllerFactories =
     std::map<std::string, std::function<std::shared_ptr<UIViewController>(Environment&)>>;
 
-/// Scenes by identifier. Main queue only.
+/// Scenes by identifier. Main queue only. Its controllers own it; it must not own them.
 class UIStoryboard : public std::enable_shared_from_this<UIStoryboard> {
  public:
   virtual ~UIStoryboard() = default;

@@ -62,23 +62,32 @@ UIView& UIView::root() {
 }
 
 bool UIView::answersTouch() {
+  const UIViewController* controller = root().controller_;
+  if (!controller || !controller->isTopmost()) return false;
+  const TimePoint now = controller->environment().runLoop.now();
   for (UIView* view = this; view; view = view->superview_) {
-    if (view->hidden_ || view->alpha_ < kLowestTouchableAlpha || !view->isEnabledForTouch()) {
+    if (view->hidden_ || view->alpha_ < kLowestTouchableAlpha || view->animatedUntil_ > now ||
+        !view->isEnabledForTouch()) {
       return false;
     }
   }
-  const UIViewController* controller = root().controller_;
-  return controller && controller->isTopmost();
+  return true;
 }
 
 void UIView::changed(const char* property) {
-  if (ViewObserver* observer = root().observer_) observer->viewChanged(*this, property);
+  const UIView& root = this->root();
+  if (root.controller_) {
+    if (const auto end = root.controller_->environment().animationEnd) animatedUntil_ = *end;
+  }
+  if (root.observer_) root.observer_->viewChanged(*this, property);
 }
 
 void UIView::animate(Environment& environment, Duration duration,
                      const std::function<void()>& animations, Block completion) {
   if (environment.animations) environment.animations->willAnimate(duration);
+  environment.animationEnd = environment.runLoop.now() + duration;
   animations();
+  environment.animationEnd.reset();
   if (completion) environment.runLoop.mainQueue().asyncAfter(duration, std::move(completion));
 }
 

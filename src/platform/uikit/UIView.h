@@ -16,7 +16,8 @@ class UIView;
 class UIViewController;
 struct Environment;
 
-/// A screen: told of each change of a view below the root that it observes. Main queue only.
+/// A screen: told of each change of a view below the root that it observes. Main queue only. Layers
+/// and constraints give no notice: read layers when drawing, constraints when the view has loaded.
 class ViewObserver {
  public:
   virtual ~ViewObserver() = default;
@@ -54,14 +55,14 @@ class UIView : public std::enable_shared_from_this<UIView> {
   void addSubview(const std::shared_ptr<UIView>& view);
   UIView& root();
 
-  /// Set on a root view only.
+  /// Set on a root view only, and taken back (null) before the observer goes.
   void setObserver(ViewObserver* observer) { observer_ = observer; }
   /// The controller whose root view this is.
   UIViewController* controller() const { return controller_; }
   void setController(UIViewController* controller) { controller_ = controller; }
 
   /// A touch, a key or an accessibility action reaches a view only if it and all its ancestors are
-  /// shown, enabled and at alpha 0.01 or more, in the screen that is topmost.
+  /// shown, enabled, at alpha 0.01 or more and not being animated, in the screen that is topmost.
   bool answersTouch();
 
   /// Sets the final values at once, tells the screen the duration, and always runs the completion
@@ -89,6 +90,7 @@ class UIView : public std::enable_shared_from_this<UIView> {
   UIView* superview_ = nullptr;
   UIViewController* controller_ = nullptr;
   ViewObserver* observer_ = nullptr;
+  TimePoint animatedUntil_{};
 };
 
 /// A row or column of views.
@@ -99,11 +101,12 @@ struct NSLayoutConstraint {
   bool isActive = true;
 };
 
-/// Plays animations between states. Implemented by the screen; the default shows only final states.
+/// Plays animations between states; implemented by the screen. Main queue. Completions are none of
+/// its business: the run loop keeps them, and they come after the duration, played or not.
 class AnimationPlayer {
  public:
   virtual ~AnimationPlayer() = default;
-  /// Called before the values change.
+  /// Called before the values change, and when a screen begins to come or go.
   virtual void willAnimate(Duration duration) = 0;
   virtual void willFlip(UIView& view, Duration duration) = 0;
 };
