@@ -43,6 +43,15 @@ class RealRunLoop::SerialQueue final : public platform::DispatchQueue,
       self->async(std::move(block));
     });
   }
+  /// Destroys the blocks that have not begun; false when there were none.
+  bool clear() {
+    std::deque<Block> left;
+    {
+      const std::lock_guard lock(mutex_);
+      left.swap(waiting_);
+    }
+    return !left.empty();
+  }
 
  private:
   void requestTurn() {
@@ -129,7 +138,10 @@ platform::DispatchQueue& RealRunLoop::globalQueue(platform::QualityOfService) {
 }
 
 std::shared_ptr<platform::DispatchQueue> RealRunLoop::makeSerialQueue(const std::string&) {
-  return std::make_shared<SerialQueue>(shared_);
+  auto queue = std::make_shared<SerialQueue>(shared_);
+  std::erase_if(serialQueues_, [](const auto& other) { return other.expired(); });
+  serialQueues_.push_back(queue);
+  return queue;
 }
 
 std::shared_ptr<platform::Timer> RealRunLoop::scheduledTimer(Duration interval, bool repeats,
@@ -172,6 +184,11 @@ void RealRunLoop::shutDown() {
     any = device_.clear();
     any = shared_.clear() || any;
     any = main_.clear() || any;
+    // What waits in a queue often owns the queue.
+    for (const auto& weak : serialQueues_) {
+      const auto queue = weak.lock();
+      any = (queue && queue->clear()) || any;
+    }
   }
 }
 

@@ -54,7 +54,8 @@ class RealRunLoop final : public platform::RunLoop {
   std::unique_ptr<platform::DispatchQueue> mainQueue_;
   std::unique_ptr<platform::DispatchQueue> globalQueue_;
   std::vector<std::thread> threads_;
-  std::vector<std::weak_ptr<platform::Timer>> timers_;  ///< main thread only
+  std::vector<std::weak_ptr<platform::Timer>> timers_;    ///< main thread only
+  std::vector<std::weak_ptr<SerialQueue>> serialQueues_;  ///< main thread only
 };
 
 }  // namespace devices

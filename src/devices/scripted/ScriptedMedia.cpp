@@ -4,16 +4,25 @@ namespace devices {
 
 using platform::AVMediaType;
 
+bool ScriptedCaptureDevice::isRunning() const {
+  const std::lock_guard lock(mutex_);
+  return static_cast<bool>(handler_);
+}
+
 void ScriptedCaptureDevice::push(platform::CMSampleBufferRef sample) const {
+  const std::lock_guard lock(mutex_);
   if (handler_) handler_(std::move(sample));
 }
 
 void ScriptedCaptureDevice::start(SampleHandler handler) {
+  const std::lock_guard lock(mutex_);
+  if (handler_) return;
   handler_ = std::move(handler);
   ++starts_;
 }
 
 void ScriptedCaptureDevice::stop() {
+  const std::lock_guard lock(mutex_);
   handler_ = nullptr;
   ++stops_;
 }

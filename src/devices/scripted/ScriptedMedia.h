@@ -1,8 +1,10 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
@@ -14,7 +16,8 @@
 
 namespace devices {
 
-/// A camera or microphone whose samples, codecs and faults a script decides. Main queue.
+/// A camera or microphone whose samples, codecs and faults a script decides. Samples may be pushed
+/// on any thread; the script's settings belong to the main queue.
 class ScriptedCaptureDevice final : public platform::AVCaptureDevice {
  public:
   explicit ScriptedCaptureDevice(platform::AVMediaType type) : type_(type) {}
@@ -26,7 +29,7 @@ class ScriptedCaptureDevice final : public platform::AVCaptureDevice {
   std::optional<platform::WriterSettings> recommendedVideo = platform::WriterSettings{};
   std::optional<platform::WriterSettings> recommendedAudio = platform::WriterSettings{};
 
-  bool isRunning() const { return static_cast<bool>(handler_); }
+  bool isRunning() const;
   int starts() const { return starts_; }
   int stops() const { return stops_; }
   /// File types that were asked about, in order.
@@ -49,9 +52,10 @@ class ScriptedCaptureDevice final : public platform::AVCaptureDevice {
 
  private:
   platform::AVMediaType type_;
-  SampleHandler handler_;
-  int starts_ = 0;
-  int stops_ = 0;
+  mutable std::mutex mutex_;
+  SampleHandler handler_;  // guarded by mutex_
+  std::atomic<int> starts_ = 0;
+  std::atomic<int> stops_ = 0;
   mutable std::vector<platform::AVFileType> fileTypes_;
 };
 

@@ -3,6 +3,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -126,6 +127,23 @@ TEST(RealRunLoop, ShutDownRunsNothingMoreAndDestroysWhatIsLeftOnTheMainThread) {
   EXPECT_EQ(ran, 0);
   EXPECT_EQ(onMain, std::this_thread::get_id());
   EXPECT_EQ(onWorkers, std::this_thread::get_id());
+}
+
+TEST(RealRunLoop, ShutDownEmptiesAQueueWhoseBlocksOwnIt) {
+  /// Always has one block waiting.
+  struct Endless : std::enable_shared_from_this<Endless> {
+    explicit Endless(RealRunLoop& loop) : queue(loop.makeSerialQueue("test")) {}
+    void goOn() {
+      queue->async([self = shared_from_this()] { self->goOn(); });
+    }
+    std::shared_ptr<platform::DispatchQueue> queue;
+  };
+  RealRunLoop loop;
+  auto endless = std::make_shared<Endless>(loop);
+  endless->goOn();
+  const std::weak_ptr<Endless> weak = std::exchange(endless, nullptr);
+  loop.shutDown();
+  EXPECT_TRUE(weak.expired());
 }
 
 TEST(RealRunLoop, AnOwnerLetGoOnAWorkerIsDestroyedOnMain) {

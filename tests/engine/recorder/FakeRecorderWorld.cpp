@@ -1,5 +1,6 @@
 #include "engine/recorder/FakeRecorderWorld.h"
 
+#include <atomic>
 #include <fstream>
 
 #include "engine/recorder/StateEvents.h"
@@ -16,7 +17,7 @@ class FakeFilm final : public platform::AssetWriter {
   }
 
   bool appendVideo(const platform::CMSampleBufferRef&) override {
-    ++counters_.videoFramesWritten;
+    ++frames_;
     return true;
   }
   bool appendAudio(const platform::CMSampleBufferRef&) override { return true; }
@@ -25,12 +26,16 @@ class FakeFilm final : public platform::AssetWriter {
     return {};
   }
   void cancel() override { log_.push_back("cancel"); }
-  platform::AssetWriterCounters counters() const override { return counters_; }
+  platform::AssetWriterCounters counters() const override {
+    platform::AssetWriterCounters counters;
+    counters.videoFramesWritten = frames_;
+    return counters;
+  }
 
  private:
   std::vector<std::string>& log_;
   std::filesystem::path path_;
-  platform::AssetWriterCounters counters_;
+  std::atomic<std::uint64_t> frames_ = 0;
 };
 
 }  // namespace
