@@ -47,6 +47,11 @@ std::optional<std::string> ScriptObject::optionalText(const std::string& key) {
   return has(key) ? std::optional(text(key)) : std::nullopt;
 }
 
+std::string ScriptObject::brief(const std::string& key) {
+  const json& found = value(key);
+  return found.is_object() ? found.value("type", "other") : text(key);
+}
+
 bool ScriptObject::flag(const std::string& key, bool otherwise) {
   if (!has(key)) return otherwise;
   const json& found = value(key);
@@ -73,6 +78,18 @@ std::vector<std::string> ScriptObject::texts(const std::string& key) {
     if (!element.is_string()) complain(key, "must be a list of texts");
     result.push_back(element.get<std::string>());
     if (result.back().size() > kLongestText) complain(key, "holds more than 20000 bytes");
+  }
+  return result;
+}
+
+std::vector<double> ScriptObject::numbers(const std::string& key, std::size_t count) {
+  const json& found = value(key);
+  std::vector<double> result;
+  for (const json& element : found) {
+    if (element.is_number()) result.push_back(element.get<double>());
+  }
+  if (!found.is_array() || found.size() != count || result.size() != count) {
+    complain(key, "must be a list of " + std::to_string(count) + " numbers");
   }
   return result;
 }

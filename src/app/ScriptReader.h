@@ -28,9 +28,13 @@ class ScriptObject {
   bool has(const std::string& key);
   std::string text(const std::string& key);
   std::optional<std::string> optionalText(const std::string& key);
+  /// A text as it is; an object by its key "type", or as "other".
+  std::string brief(const std::string& key);
   bool flag(const std::string& key, bool otherwise);
   double number(const std::string& key, double lowest, double highest);
   std::vector<std::string> texts(const std::string& key);
+  /// Just as many.
+  std::vector<double> numbers(const std::string& key, std::size_t count);
   ScriptObject object(const std::string& key);
   std::vector<ScriptObject> objects(const std::string& key, std::size_t most);
   const nlohmann::json& value(const std::string& key);

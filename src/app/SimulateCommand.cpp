@@ -8,6 +8,8 @@
 #include "app/Resources.h"
 #include "app/SimulateScript.h"
 #include "app/Simulation.h"
+#include "corvana/IDCapture.h"
+#include "corvana/SelfieCapture.h"
 
 namespace app {
 namespace {
@@ -15,6 +17,12 @@ namespace {
 ExitCode complain(std::ostream& err, ExitCode code, const std::string& sentence) {
   err << "videoid: " << sentence << '\n';
   return code;
+}
+
+template <class Capture>
+void apply(const ScriptAppearance& appearance) {
+  Capture::colors = appearance.colors;
+  Capture::images.retryScreenImage = appearance.retryScreenImage;
 }
 
 }  // namespace
@@ -25,6 +33,8 @@ ExitCode runSimulate(const SimulateOptions& options, std::ostream& out, std::ost
   if (const auto applied = applyOptions(script->options); !applied) {
     return complain(err, ExitCode::wrongUse, applied.error());
   }
+  apply<corvana::SelfieCapture>(script->selfieAppearance);
+  apply<corvana::IDCapture>(script->cardAppearance);
   Simulation simulation(*script, options.resources, out);
   const auto end = simulation.run();
   if (!end) return complain(err, ExitCode::wrongUse, end.error());

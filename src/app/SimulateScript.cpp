@@ -1,12 +1,16 @@
 #include "app/SimulateScript.h"
 
-#include <array>
+#include <any>
+#include <charconv>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <utility>
 
 #include "app/Files.h"
 #include "app/ScriptReader.h"
+#include "corvana/CaptureSession.h"
+#include "corvana/Notifications.h"
 #include "devices/gstreamer/ImageFile.h"
 #include "devices/scripted/PatternFaces.h"
 
@@ -22,6 +26,7 @@ constexpr std::uint64_t kLargestScript = 4 << 20;
 constexpr std::size_t kMostSteps = 10'000;
 constexpr double kLongestRun = 24 * 3600;
 constexpr double kAfterLastStep = 120;
+constexpr std::size_t kMostResults = 20;
 
 /// Reads one script; its folder is where pictures are.
 class Loader {
@@ -35,6 +40,7 @@ class Loader {
     script_.text = root.text("text");
     readReference(root);
     if (root.has("world")) readWorld(root.object("world"));
+    if (root.has("appearance")) readAppearance(root.object("appearance"));
     readSteps(root);
     const double last = platform::inSeconds(lastStep());
     const double until =
@@ -59,6 +65,46 @@ class Loader {
     script_.settingsURL = world.optionalText("settingsURL");
     script_.permissions = permissions(world);
     world.refuseOtherKeys();
+  }
+
+  void readAppearance(ScriptObject object) {
+    if (object.has("selfie")) script_.selfieAppearance = appearance(object.object("selfie"));
+    if (object.has("card")) script_.cardAppearance = appearance(object.object("card"));
+    object.refuseOtherKeys();
+  }
+
+  static ScriptAppearance appearance(ScriptObject object) {
+    using corvana::Colors;
+    static const std::map<std::string, std::optional<platform::UIColor> Colors::*> kColors = {
+        {"successLabelTextColor", &Colors::successLabelTextColor},
+        {"successLabelBackgroundColor", &Colors::successLabelBackgroundColor},
+        {"errorLabelTextColor", &Colors::errorLabelTextColor},
+        {"errorLabelBackgroundColor", &Colors::errorLabelBackgroundColor},
+        {"retryScreenBackgroundColor", &Colors::retryScreenBackgroundColor},
+        {"retryScreenLabelTextColor", &Colors::retryScreenLabelTextColor},
+        {"retryScreenImageTintColor", &Colors::retryScreenImageTintColor},
+        {"retryScreenButtonTextColor", &Colors::retryScreenButtonTextColor},
+        {"retryScreenButtonBackgroundColor", &Colors::retryScreenButtonBackgroundColor}};
+    ScriptAppearance result;
+    for (const auto& [key, field] : kColors) {
+      if (object.has(key)) result.colors.*field = color(object, key);
+    }
+    if (const auto name = object.optionalText("retryScreenImage")) {
+      result.retryScreenImage = std::make_shared<platform::UIImage>(nullptr, *name);
+    }
+    object.refuseOtherKeys();
+    return result;
+  }
+
+  static platform::UIColor color(ScriptObject& object, const std::string& key) {
+    const std::string text = object.text(key);
+    std::uint32_t bits = 0;
+    const char* end = text.data() + text.size();
+    const bool isColor = text.size() == 7 && text[0] == '#' &&
+                         std::from_chars(text.data() + 1, end, bits, 16).ptr == end;
+    if (!isColor) object.complain(key, "must be a colour as \"#20C060\"");
+    const auto part = [bits](int shift) { return ((bits >> shift) & 0xFF) / 255.0; };
+    return {part(16), part(8), part(0), 1};
   }
 
   static steps::Permission permissions(ScriptObject& object) {
@@ -194,7 +240,58 @@ class Loader {
     static const std::map<std::string, CaptureMode> kModes = {{"standard", CaptureMode::standard},
                                                               {"high", CaptureMode::high},
                                                               {"barcode", CaptureMode::barcode}};
-    return steps::CaptureMode{step.choice("mode", kModes)};
+    return notice(corvana::kIDCaptureMode, {{"captureMode", step.choice("mode", kModes)}});
+  }
+
+  static steps::Notice notice(const char* name, std::map<std::string, std::any> userInfo) {
+    return {{name, std::make_shared<std::map<std::string, std::any>>(std::move(userInfo))}};
+  }
+
+  static platform::CGRect rect(ScriptObject& object, const std::string& key) {
+    const auto n = object.numbers(key, 4);
+    return {n[0], n[1], n[2], n[3]};
+  }
+
+  static platform::CGSize size(ScriptObject& object, const std::string& key) {
+    const auto n = object.numbers(key, 2);
+    return {n[0], n[1]};
+  }
+
+  static float measure(ScriptObject& object, const std::string& key) {
+    constexpr double kGreatest = 1e6;
+    return static_cast<float>(object.number(key, -kGreatest, kGreatest));
+  }
+
+  static steps::Action selfieDebugStep(ScriptObject& step) {
+    std::map<std::string, std::any> userInfo;
+    if (step.has("faceRect")) userInfo["faceRect"] = rect(step, "faceRect");
+    if (step.has("fullSize")) userInfo["fullSize"] = size(step, "fullSize");
+    for (const char* key : {"faceLivenessScore", "leftEyeOpenProbability",
+                            "rightEyeOpenProbability", "faceMaskProbability"}) {
+      if (step.has(key)) userInfo[key] = measure(step, key);
+    }
+    return notice(corvana::kSelfieCaptureDebugData, std::move(userInfo));
+  }
+
+  static steps::Action cardDebugStep(ScriptObject& step) {
+    corvana::DebugData data;
+    data.documentLocation = rect(step, "documentLocation");
+    if (step.has("fullSize")) data.fullSize = size(step, "fullSize");
+    if (step.has("faceLocation")) data.faceLocation = rect(step, "faceLocation");
+    if (step.has("realnessScores")) {
+      ScriptObject scores = step.object("realnessScores");
+      data.realnessScores = {measure(scores, "photocopyScore"), measure(scores, "realScore"),
+                             measure(scores, "screenScore")};
+      scores.refuseOtherKeys();
+    }
+    if (step.has("topClassifierResults")) {
+      data.topClassifierResults.emplace();
+      for (ScriptObject& result : step.objects("topClassifierResults", kMostResults)) {
+        data.topClassifierResults->emplace_back(result.text("name"), measure(result, "score"));
+        result.refuseOtherKeys();
+      }
+    }
+    return notice(corvana::kIDCaptureDebugData, {{"debugData", std::move(data)}});
   }
 
   SimulateStep step(ScriptObject object) {
@@ -205,9 +302,14 @@ class Loader {
         {"speech", [&] { return speechStep(object); }},
         {"tap", [&] { return tapStep(object); }},
         {"permission", [&] { return permissionStep(object); }},
-        {"foreground", [] { return steps::Foreground{}; }},
+        {"foreground",
+         [] {
+           return steps::Notice{{platform::kApplicationWillEnterForeground, nullptr}};
+         }},
         {"film", [&] { return steps::Film{object.optionalText("error")}; }},
-        {"captureMode", [&] { return captureModeStep(object); }}};
+        {"captureMode", [&] { return captureModeStep(object); }},
+        {"selfieDebug", [&] { return selfieDebugStep(object); }},
+        {"cardDebug", [&] { return cardDebugStep(object); }}};
     SimulateStep result;
     result.where = object.where();
     const double earliest = platform::inSeconds(lastStep());
@@ -215,11 +317,14 @@ class Loader {
     const auto action = object.choice("do", table);
     result.label = object.text("do");
     result.action = action();
-    for (const char* key : {"state", "button", "mode", "heard", "error"}) {
-      if (object.has(key)) result.label += " " + object.text(key);
+    object.refuseOtherKeys();
+    for (const char* key : {"state", "card", "face", "message", "button", "mode", "heard"}) {
+      if (object.has(key)) result.label += " " + object.brief(key);
+    }
+    for (const char* key : {"microphone", "speech", "error"}) {
+      if (object.has(key)) result.label += std::string(" ") + key + " " + object.text(key);
     }
     if (object.has("found")) result.label += object.flag("found", true) ? " found" : " lost";
-    object.refuseOtherKeys();
     return result;
   }
 

@@ -9,9 +9,9 @@
 #include <nlohmann/json.hpp>
 #include <tl/expected.hpp>
 
-#include "corvana/CaptureSession.h"
 #include "corvana/IDCapture.h"
 #include "corvana/SelfieCapture.h"
+#include "platform/foundation/NotificationCenter.h"
 #include "platform/foundation/Time.h"
 #include "platform/media/CaptureDevice.h"
 #include "platform/media/Speech.h"
@@ -40,15 +40,14 @@ struct Permission {
   std::optional<platform::AVAuthorizationStatus> microphone;
   std::optional<platform::SFSpeechRecognizerAuthorizationStatus> speech;
 };
-struct Foreground {};
 struct Film {
   std::optional<std::string> error;  ///< what the writer will answer; absent: success
 };
-struct CaptureMode {
-  corvana::CaptureMode mode = corvana::CaptureMode::standard;
+/// Debug data, another capture mode, the return to the foreground.
+struct Notice {
+  platform::Notification notification;
 };
-using Action =
-    std::variant<Selfie, Card, LiveFace, Speech, Tap, Permission, Foreground, Film, CaptureMode>;
+using Action = std::variant<Selfie, Card, LiveFace, Speech, Tap, Permission, Film, Notice>;
 }  // namespace steps
 
 struct SimulateStep {
@@ -58,10 +57,18 @@ struct SimulateStep {
   steps::Action action;
 };
 
+/// What the host's tables hold for one of its two captures instead of the defaults.
+struct ScriptAppearance {
+  corvana::Colors colors;
+  platform::UIImageRef retryScreenImage;
+};
+
 /// A simulated flow: what the caller gives, the world it meets, and what happens when;
 /// docs/simulate.md describes the format.
 struct SimulateScript {
   nlohmann::json options = nlohmann::json::object();
+  ScriptAppearance selfieAppearance;
+  ScriptAppearance cardAppearance;
   std::string text;
   corvana::DetectedData front;
   std::optional<corvana::DetectedData> back;

@@ -1,11 +1,8 @@
 #include "app/Simulation.h"
 
-#include <array>
-#include <charconv>
 #include <utility>
 
 #include "capture/Corvana+VideoCapture.h"
-#include "corvana/Notifications.h"
 #include "corvana/SpeechRecognizer.h"
 #include "devices/headless/SceneLayout.h"
 #include "devices/headless/ViewSearch.h"
@@ -16,25 +13,26 @@ namespace {
 
 using devices::HostEvent;
 
-/// Fixed decimals in any locale.
-std::string fixed(double value, int decimals) {
-  std::array<char, 64> text{};
-  const auto end = std::to_chars(text.data(), text.data() + text.size(), value,
-                                 std::chars_format::fixed, decimals);
-  return end.ec == std::errc() ? std::string(text.data(), end.ptr) : "?";
-}
-
 std::string describe(const corvana::Decision& decision) {
   std::string line = "decision " + decision.name;
-  if (decision.value) line += " " + fixed(*decision.value, 2);
-  if (decision.threshold) line += " (threshold " + fixed(*decision.threshold, 2) + ")";
+  if (decision.value) line += " " + fixedDecimals(*decision.value, 2);
+  if (decision.threshold) line += " (threshold " + fixedDecimals(*decision.threshold, 2) + ")";
   return line + (decision.passed ? " passed" : " not passed");
 }
 
-platform::Notification captureModeNotification(corvana::CaptureMode mode) {
-  auto userInfo = std::make_shared<std::map<std::string, std::any>>();
-  (*userInfo)["captureMode"] = mode;
-  return {corvana::kIDCaptureMode, std::move(userInfo)};
+std::string describe(const capture::VideoIdResult& result) {
+  std::string line = "caller result " + result.videoURL.string();
+  if (result.selfie.faceImage) line += " selfie";
+  if (result.idToSelfieMatch) line += " idToSelfieMatch";
+  if (result.idToIdPhotoMatch) line += " idToIdPhotoMatch";
+  if (result.idFrontDataMatch) line += " idFrontDataMatch";
+  if (result.idBackDataMatch) line += " idBackDataMatch";
+  return line;
+}
+
+const char* nameOf(corvana::CaptureMode mode) {
+  static constexpr const char* kNames[] = {"standard", "high", "barcode"};
+  return kNames[static_cast<std::size_t>(mode)];
 }
 
 }  // namespace
@@ -43,8 +41,10 @@ Simulation::Simulation(SimulateScript script, const std::filesystem::path& resou
                        std::ostream& out)
     : script_(std::move(script)),
       out_(out),
-      reporter_(loop_, [this](const auto& event) { print(devices::describe(event)); }),
-      sounds_([this](platform::SystemSoundID sound) { reporter_.soundPlayed(sound); }),
+      application_(makeApplication()),
+      sounds_([this](platform::SystemSoundID sound) { print("sound " + std::to_string(sound)); }),
+      watch_(
+          loop_, [this](const std::string& line) { print(line); }, gauges()),
       bundle_(resources, devices::headlessStoryboards(capture::controllerFactories())),
       environment_{loop_,
                    bundle_,
@@ -56,12 +56,11 @@ Simulation::Simulation(SimulateScript script, const std::filesystem::path& resou
                    sounds_,
                    host_,
                    {devices::kHeadlessScreen},
-                   nullptr,
+                   &watch_,
                    &hub_,
                    this} {
-  hub_.add(reporter_);
+  hub_.add(watch_);
   console_.onPrint = [this](std::string_view line) { print("console " + std::string(line)); };
-  application_.settingsURL = script_.settingsURL;
 }
 
 Simulation::~Simulation() {
@@ -70,8 +69,25 @@ Simulation::~Simulation() {
   loop_.discardPending();
 }
 
+devices::NoSettingsApplication Simulation::makeApplication() {
+  if (!script_.settingsURL) return {};
+  return {*script_.settingsURL, [this](const std::string& url) { print("settings " + url); }};
+}
+
+std::vector<SimulateWatch::Gauge> Simulation::gauges() {
+  return {{"microphone",
+           [this] {
+             const auto& microphone = mediaDevices_.microphone;
+             return microphone && microphone->isRunning() ? "on" : "off";
+           }},
+          {"camera", [this] {
+             const auto& session = host_.captureSession();
+             return nameOf(session ? session->captureMode() : corvana::CaptureMode::standard);
+           }}};
+}
+
 void Simulation::print(const std::string& line) {
-  std::string time = fixed(platform::inSeconds(loop_.now().time_since_epoch()), 3);
+  std::string time = fixedDecimals(platform::inSeconds(loop_.now().time_since_epoch()), 3);
   time.insert(0, time.size() < 8 ? 8 - time.size() : 0, ' ');
   out_ << time << "  " << line << '\n';
 }
@@ -97,6 +113,8 @@ void Simulation::watchHost() {
 void Simulation::hear(const HostEvent& event) {
   if (event.kind == HostEvent::Kind::mode) print("recorder mode " + event.name);
   if (event.kind == HostEvent::Kind::call) print("recorder " + event.name);
+  const bool runs = event.name == "start" || event.name == "stop";
+  if (event.kind == HostEvent::Kind::speech && runs) print("recogniser " + event.name);
   validator_->observe(event);
   printContractBreaches();
 }
@@ -120,7 +138,7 @@ void Simulation::start() {
 
 void Simulation::finish(const Outcome& outcome) {
   if (outcome) {
-    print("caller result " + outcome->videoURL.string());
+    print(describe(*outcome));
   } else {
     print("caller error " + outcome.error().localizedDescription());
   }
@@ -164,16 +182,13 @@ struct Simulation::Actor {
     if (permission.microphone) world.mediaDevices_.microphoneStatus = *permission.microphone;
     if (permission.speech) world.speechAuthorization_.status = *permission.speech;
   }
-  void operator()(const steps::Foreground&) const {
-    world.notificationCenter_.post({platform::kApplicationWillEnterForeground, nullptr});
-  }
   void operator()(const steps::Film& film) const {
     auto* r = recorder();
     if (r && film.error) r->setup.film = tl::unexpected(corvana::IDError(*film.error));
     if (r && !film.error) r->setup.film = corvana::FileURL("film.mp4");
   }
-  void operator()(const steps::CaptureMode& mode) const {
-    world.notificationCenter_.post(captureModeNotification(mode.mode));
+  void operator()(const steps::Notice& notice) const {
+    world.notificationCenter_.post(notice.notification);
   }
 };
 
@@ -192,6 +207,7 @@ void Simulation::perform(const SimulateStep& step) {
   if (end_.isThere() || fault_) return;
   print("> " + step.label);
   std::visit(Actor{*this, step}, step.action);
+  watch_.lookSoon();
 }
 
 void Simulation::schedule(const SimulateStep& step) {

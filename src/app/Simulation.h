@@ -8,9 +8,9 @@
 
 #include "app/FlowEnd.h"
 #include "app/SimulateScript.h"
+#include "app/SimulateWatch.h"
 #include "corvana/Decision.h"
 #include "devices/headless/DirectoryBundle.h"
-#include "devices/headless/FlowReporter.h"
 #include "devices/headless/HeadlessSystem.h"
 #include "devices/headless/ScreenHub.h"
 #include "devices/scripted/HostContractValidator.h"
@@ -23,7 +23,7 @@
 namespace app {
 
 /// One run of a script: the real module before a scripted host, on a virtual clock. Prints a line
-/// for each thing that the user sees, the recorder is asked and the caller gets.
+/// for each thing that the user sees and hears, the recorder is asked and the caller gets.
 class Simulation final : public corvana::DecisionObserver {
  public:
   Simulation(SimulateScript script, const std::filesystem::path& resources, std::ostream& out);
@@ -38,6 +38,8 @@ class Simulation final : public corvana::DecisionObserver {
  private:
   struct Actor;
 
+  devices::NoSettingsApplication makeApplication();
+  std::vector<SimulateWatch::Gauge> gauges();
   void print(const std::string& line);
   void watchHost();
   void start();
@@ -55,14 +57,14 @@ class Simulation final : public corvana::DecisionObserver {
 
   platform::VirtualRunLoop loop_;
   platform::NotificationCenter notificationCenter_;
-  devices::FlowReporter reporter_;
   devices::ScreenHub hub_;
   devices::CapturingConsole console_;
-  devices::ScriptedApplication application_;
+  devices::NoSettingsApplication application_;
   devices::ScriptedMediaDevices mediaDevices_{loop_};
   devices::ScriptedSpeechAuthorization speechAuthorization_{loop_};
   devices::ReportingSystemSounds sounds_;
   devices::ScriptedHost host_{loop_, mediaDevices_};
+  SimulateWatch watch_;
   devices::DirectoryBundle bundle_;
   platform::Environment environment_;
   std::unique_ptr<platform::UIWindow> window_;
