@@ -1,3 +1,4 @@
+#include <latch>
 #include <memory>
 #include <thread>
 
@@ -18,11 +19,15 @@ TEST(CaptureSession, StartsAndStopsItsDeviceByTurnsFromAnyThread) {
   session.addInput(*platform::AVCaptureDeviceInput::make(device));
   session.addOutput(std::make_shared<platform::AVCaptureAudioDataOutput>(loop));
 
+  constexpr int kTimes = 100'000;
+  std::latch ready(2);
   std::thread starter([&] {
-    for (int i = 0; i < 2000; ++i)
+    ready.arrive_and_wait();
+    for (int i = 0; i < kTimes; ++i)
       session.startRunning();
   });
-  for (int i = 0; i < 2000; ++i)
+  ready.arrive_and_wait();
+  for (int i = 0; i < kTimes; ++i)
     session.stopRunning();
   starter.join();
   EXPECT_EQ(device->isRunning(), session.isRunning());
