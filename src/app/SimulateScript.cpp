@@ -159,6 +159,7 @@ class Loader {
     data.shouldHavePhoto = object.flag("shouldHavePhoto", data.faceImage != nullptr);
     data.shouldHaveMrz = object.flag("shouldHaveMrz", data.mrz.has_value());
     data.shouldHaveBarcode = object.flag("shouldHaveBarcode", false);
+    if (object.flag("hasBarcode", false)) data.barcode.emplace();
     if (object.has("isReal")) data.isReal = object.flag("isReal", true);
     object.refuseOtherKeys();
     return data;

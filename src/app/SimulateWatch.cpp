@@ -75,7 +75,7 @@ std::string picture(UIView& root, const char* name) {
 
 std::string progress(UIView& root, const char* name) {
   const auto* bar = seenView<platform::UIProgressView>(root, name);
-  return bar ? fixedDecimals(bar->progress(), 2) : "";
+  return bar ? fixedDecimals(bar->progress(), 3) : "";
 }
 
 std::string buttonTitle(UIView& root, const char* name) {
