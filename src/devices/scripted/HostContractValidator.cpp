@@ -29,6 +29,10 @@ constexpr std::array<std::string_view, 4> kFinalStates = {"selfieTimedOut", "sel
                                                           "idTimedOut", "idFailed"};
 /// Twice a second, less a hair for the rounding of frame times.
 constexpr platform::Duration kSuccessInterval = std::chrono::milliseconds(499);
+/// The delayed steps of the module's animations are over by then.
+constexpr platform::Duration kQuietAfterRetry = std::chrono::milliseconds(1999);
+constexpr platform::Duration kQuietBeforeReading = std::chrono::milliseconds(499);
+constexpr platform::Duration kRepetition = std::chrono::seconds(1);
 
 template <class Array>
 bool contains(const Array& names, const std::string& name) {
@@ -63,6 +67,7 @@ void HostContractValidator::breach(const std::string& sentence) {
 void HostContractValidator::observe(const HostEvent& event) {
   now_ = event.time;
   checkTimeOut();
+  checkRepetition();
   switch (event.kind) {
     case Kind::state:
       return observeState(event.name);
@@ -84,6 +89,7 @@ void HostContractValidator::observe(const HostEvent& event) {
 void HostContractValidator::end(platform::TimePoint time) {
   now_ = time;
   checkTimeOut();
+  checkRepetition();
   if (openStops_ > 0) breach("the film was stopped, and its completion never came");
 }
 
@@ -99,6 +105,12 @@ void HostContractValidator::checkTimeOut() {
   if (now_ - modeStart_ <= *limit + contract_.tolerance) return;
   timeOutDue_ = false;
   breach("the mode " + mode_ + " has lasted longer than its time-out, which never came");
+}
+
+void HostContractValidator::checkRepetition() {
+  if (!unanswered_ || now_ - *unanswered_ <= kRepetition + contract_.tolerance) return;
+  unanswered_.reset();
+  breach(paused_ + " was neither answered nor repeated");
 }
 
 void HostContractValidator::pause(const std::string& reason) {
@@ -119,6 +131,10 @@ void HostContractValidator::requireReportable(const std::string& what) {
 }
 
 void HostContractValidator::observeState(const std::string& name) {
+  if (unanswered_ && name == paused_) {
+    unanswered_ = now_;
+    return;
+  }
   requireReportable(name);
   if (contains(kSelfieStates, name)) {
     observeSelfieState(name);
@@ -134,6 +150,7 @@ void HostContractValidator::observeState(const std::string& name) {
     breach(name + " came before its time, which starts afresh with each mode and each retry");
   }
   pause(name);
+  unanswered_ = now_;
 }
 
 void HostContractValidator::observeSelfieState(const std::string& name) {
@@ -164,12 +181,18 @@ void HostContractValidator::observeSuccess(const std::string& name) {
     breach(name + " was reported more than twice a second");
   }
   lastSuccess_ = now_;
+  if (retried_ && now_ - *retried_ < kQuietAfterRetry) {
+    breach(name + " was reported less than two seconds after a retry");
+  }
 }
 
 void HostContractValidator::observeLiveFace(const std::string& name) {
   requireReportable("the live face");
   if (name != "lost") return;
   if (mode_ == "selfieCapture") breach("a live face was lost before a selfie was accepted");
+  if (mode_ == "readingText" && now_ - modeStart_ < kQuietBeforeReading) {
+    breach("a live face was lost in the first half second of the mode readingText");
+  }
   pause("the loss of the live face");
 }
 
@@ -186,8 +209,12 @@ void HostContractValidator::observeMode(const std::string& name) {
 }
 
 void HostContractValidator::observeCall(const std::string& name) {
-  if (name == "stopVideoWriter") pause("stopVideoWriter");
+  if (name == "stopVideoWriter") {
+    unanswered_.reset();
+    pause("stopVideoWriter");
+  }
   if (name != "retry") return;
+  retried_ = now_;
   paused_.clear();
   owesMode_ = true;
   owesSpeech_ = speech_ != Speech::unknown;
@@ -212,7 +239,8 @@ void HostContractValidator::observeSpeech(const HostEvent& event) {
     speech_ = Speech::running;
     owesSpeech_ = false;
   } else if (event.name == "stop") {
-    speech_ = Speech::stopped;
+    // The module also stops a recogniser that it has found unavailable and never started.
+    if (speech_ != Speech::unknown) speech_ = Speech::stopped;
   } else {
     if (!event.onMainQueue) breach("a speech " + event.name + " came on another queue");
     if (speech_ != Speech::running) {

@@ -66,6 +66,7 @@ class HostContractValidator {
   void observeFrame(const std::string& size);
   void requireReportable(const std::string& what);
   void checkTimeOut();
+  void checkRepetition();
   std::optional<platform::Duration> timeOut() const;
   void pause(const std::string& reason);
 
@@ -85,6 +86,9 @@ class HostContractValidator {
   bool boxFound_ = false;
   bool classified_ = false;
   std::optional<platform::TimePoint> lastSuccess_;
+  std::optional<platform::TimePoint> retried_;
+  /// When a final state was reported that no `stopVideoWriter` has answered yet.
+  std::optional<platform::TimePoint> unanswered_;
   int openStops_ = 0;
   Speech speech_ = Speech::unknown;
   std::string frameSize_;

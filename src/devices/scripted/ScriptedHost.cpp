@@ -137,8 +137,10 @@ void ScriptedRecorder::stopVideoWriter(StopCompletion completion) {
   loop_.mainQueue().asyncAfter(
       setup.stopLatency,
       [self = shared_from_this(), completion = std::move(completion), film = setup.film] {
-        self->note(Kind::completion, film ? "film" : "error");
-        completion(film);
+        for (int i = 0; i < self->setup.stopAnswers; ++i) {
+          self->note(Kind::completion, film ? "film" : "error");
+          completion(film);
+        }
       });
 }
 

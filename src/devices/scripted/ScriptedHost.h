@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -14,7 +15,7 @@
 namespace devices {
 
 /// Hears what a script says was spoken. Results and errors come on the main queue and only between
-/// start and stop.
+/// start and stop. Alone, without a scripted recorder, its sound may come on any thread.
 class ScriptedSpeechRecognizer final
     : public corvana::SpeechRecognizer,
       public std::enable_shared_from_this<ScriptedSpeechRecognizer> {
@@ -48,7 +49,7 @@ class ScriptedSpeechRecognizer final
   bool running_ = false;
   int starts_ = 0;
   int stops_ = 0;
-  int buffers_ = 0;
+  std::atomic<int> buffers_ = 0;
   int run_ = 0;
 };
 
@@ -63,6 +64,8 @@ struct RecorderSetup {
   /// How the film ends, and how long closing it takes.
   tl::expected<corvana::FileURL, corvana::IDError> film = corvana::FileURL("film.mp4");
   platform::Duration stopLatency{};
+  /// How often the end of a film is told; a host that keeps its word tells it once.
+  int stopAnswers = 1;
 };
 
 /// A recorder that reports what a script says, from a queue of its own, and notes every call made

@@ -47,6 +47,7 @@ void Recorder::publishTask() {
 
 void Recorder::enter(VideoCaptureMode mode) {
   mode_ = mode;
+  modeStart_ = setup_.loop.now();
   selfie_ = {};
   document_ = {};
   publishTask();
@@ -73,6 +74,13 @@ void Recorder::startTimeOut() {
 void Recorder::timedOut() {
   if (!active_) return;
   pause();
+  timeOut_ = setup_.loop.scheduledTimer(kTimeOutRepetition, true, [weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->reportTimeOut();
+  });
+  reportTimeOut();
+}
+
+void Recorder::reportTimeOut() {
   if (mode_ == VideoCaptureMode::selfieCapture) {
     report(SelfieCaptureState{SelfieCaptureState::TimedOut{selfie_.best()}});
   } else {
@@ -102,6 +110,7 @@ void Recorder::retry() {
   liveFaceInSight_ = false;
   setup_.film->restart();
   enter(VideoCaptureMode::selfieCapture);
+  selfie_.holdBackUntil(setup_.loop.now() + kQuietAfterRetry);
   if (setup_.speechRecognizer) setup_.speechRecognizer->start();
 }
 
@@ -175,6 +184,9 @@ void Recorder::watchLiveFace(const Observation& observation) {
   if (mode_ == VideoCaptureMode::selfieCapture) return;
   const double lostFor = platform::inSeconds(observation.liveFaceLostFor);
   if (lostFor <= corvana::VideoCapture::options.liveFaceLostSeconds) return;
+  const bool fadingIn = mode_ == VideoCaptureMode::readingText &&
+                        setup_.loop.now() - modeStart_ < kQuietBeforeReading;
+  if (fadingIn) return;
   pause();
   mode_ = VideoCaptureMode::liveFaceLost;
   liveFaceInSight_ = false;

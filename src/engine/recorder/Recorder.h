@@ -54,6 +54,13 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   /// In virtual time an observation arrives this long after its frame, about as late as on the wall
   /// clock of the machines that this was built on.
   static constexpr platform::Duration kVirtualLatency = std::chrono::milliseconds(60);
+  /// The screen's delayed steps outlive a retry by up to two seconds; nothing may succeed among
+  /// them.
+  static constexpr platform::Duration kQuietAfterRetry = std::chrono::seconds(2);
+  /// The screen starts its countdown when the text has faded in, whatever happens before.
+  static constexpr platform::Duration kQuietBeforeReading = std::chrono::milliseconds(500);
+  /// While a card is turned over the screen hears no time-out: it is said again.
+  static constexpr platform::Duration kTimeOutRepetition = std::chrono::seconds(1);
 
  private:
   explicit Recorder(Setup setup) : setup_(std::move(setup)) {}
@@ -63,6 +70,7 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   void enter(corvana::VideoCaptureMode mode);
   void startTimeOut();
   void timedOut();
+  void reportTimeOut();
   void pause();
 
   void observe(const Observation& observation);
@@ -77,6 +85,7 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   // Main queue.
   std::weak_ptr<corvana::VideoCaptureDelegate> delegate_;
   corvana::VideoCaptureMode mode_ = corvana::VideoCaptureMode::selfieCapture;
+  platform::TimePoint modeStart_{};
   int run_ = 0;
   bool active_ = false;  ///< false from an end of a run to `retry()`: nothing is reported
   bool liveFaceInSight_ = false;

@@ -50,7 +50,7 @@ std::vector<SelfieCaptureState> SelfiePhase::judge(const SelfieView& view,
   if (!goodSince_) goodSince_ = now;
   const bool steady = now - *goodSince_ >= kSteadyTime;
   const bool due = !lastSuccess_ || now - *lastSuccess_ >= kSuccessInterval;
-  if (!steady || !due || !best_) return states;
+  if (!steady || !due || !best_ || now < earliestSuccess_) return states;
   lastSuccess_ = now;
   states.push_back({SelfieCaptureState::Success{*best_}});
   // The next success shows another picture of the face, in case this one was refused.

@@ -13,6 +13,8 @@ namespace engine {
 class SelfiePhase {
  public:
   std::vector<corvana::SelfieCaptureState> judge(const SelfieView& view, platform::TimePoint now);
+  /// No success comes before.
+  void holdBackUntil(platform::TimePoint time) { earliestSuccess_ = time; }
   /// The sharpest good selfie so far.
   const std::optional<corvana::Selfie>& best() const { return best_; }
 
@@ -28,6 +30,7 @@ class SelfiePhase {
   std::string lastIssue_;
   std::optional<platform::TimePoint> goodSince_;
   std::optional<platform::TimePoint> lastSuccess_;
+  platform::TimePoint earliestSuccess_{};
   std::optional<corvana::Selfie> best_;
   double bestSharpness_ = 0;
 };
