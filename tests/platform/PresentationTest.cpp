@@ -177,6 +177,27 @@ TEST_F(Presentation, AControlAnswersOnlyWhereItCanBeTouched) {
   EXPECT_EQ(touches, 2);
 }
 
+TEST_F(Presentation, AViewAnswersTouchOnlyWhenItsAnimationIsOver) {
+  const auto shown = screen("a");
+  const auto fading = std::make_shared<platform::UIButton>();
+  const auto still = std::make_shared<platform::UIButton>();
+  for (const auto& button : {fading, still}) {
+    button->setAction([] {});
+    shown->view().addSubview(button);
+  }
+  world.root->present(shown, false);
+  platform::UIView::animate(world.environment, platform::seconds(0.5),
+                            [&] { fading->setAlpha(0.9); });
+  EXPECT_FALSE(fading->touchUpInside());
+  EXPECT_TRUE(still->touchUpInside());
+  world.advance(0.49);
+  still->setAlpha(0.5);  // no part of the animation
+  EXPECT_FALSE(fading->touchUpInside());
+  EXPECT_TRUE(still->touchUpInside());
+  world.advance(0.01);
+  EXPECT_TRUE(fading->touchUpInside());
+}
+
 TEST_F(Presentation, AnAnimationShowsItsEndAtOnceAndCompletesLater) {
   platform::UIView view;
   platform::UIView::animate(
