@@ -1,0 +1,103 @@
+#include "Beginning.h"
+
+#include "support/TestImages.h"
+
+namespace tests {
+
+using corvana::DetectedData;
+using corvana::DocumentSide;
+using corvana::IDCapture;
+using corvana::SelfieCapture;
+using corvana::VideoCapture;
+
+const platform::UIImageRef& holdersFace() {
+  static const platform::UIImageRef image = faceImage(0);
+  return image;
+}
+const platform::UIImageRef& strangersFace() {
+  static const platform::UIImageRef image = faceImage(1);
+  return image;
+}
+const platform::UIImageRef& unreadableFace() {
+  static const platform::UIImageRef image =
+      std::make_shared<platform::UIImage>(nullptr, "unreadable");
+  return image;
+}
+
+Beginning randomBeginning(Dice& dice, float strangersDistance) {
+  Beginning result;
+  std::string& text = result.text;
+  const auto rarely = [&](const char* what, int percent = 4) {
+    if (!dice.chance(percent)) return false;
+    text += std::string(", ") + what;
+    return true;
+  };
+
+  result.front.type = "IDENTITY_CARD_FRONT";
+  result.front.side = DocumentSide::front;
+  result.front.ocrStrings = {{"MARTA", "EXEMPLAR"}};
+  result.front.faceImage = holdersFace();
+  if (rarely("front without face")) result.front.faceImage = nullptr;
+  if (rarely("front with unreadable face", 2)) result.front.faceImage = unreadableFace();
+  if (rarely("front without text")) result.front.ocrStrings.reset();
+  if (rarely("front with empty text", 2)) result.front.ocrStrings.emplace();
+  if (rarely("front without type", 2)) result.front.type.reset();
+  if (!rarely("one-sided", 25)) {
+    DetectedData& back = result.back.emplace();
+    back.type = "IDENTITY_CARD_BACK";
+    back.side = DocumentSide::back;
+    back.ocrStrings = {{"HARBOUR", "LANE"}};
+    if (!rarely("back without zone", 40)) back.mrz.emplace().lines = {"I<UTO1", "EXEMPLAR"};
+    if (rarely("back without text", 6)) back.ocrStrings.reset();
+  }
+  result.reading = rarely("a text without words") ? " " : "Seven grey herons";
+
+  auto& options = VideoCapture::options;
+  options.readTextCountdownSeconds = rarely("countdown of 3 s", 30) ? 3 : 20;
+  if (rarely("debug mode", 30)) options.isDebugMode = true;
+  if (rarely("a third of the words is enough", 20)) options.readTextWordMatchThreshold = 1.0F / 3;
+  if (rarely("no word is needed")) options.readTextWordMatchThreshold = 0;
+  if (rarely("strict text", 10)) options.frontLevenshteinThreshold = 0.3F;
+  if (rarely("threshold at the strangers' distance", 3)) {
+    options.idToSelfieMatchThreshold = options.idToIdPhotoMatchThreshold = strangersDistance;
+  }
+  SelfieCapture::options.capture4K = rarely("selfie in 4K", 10);
+  IDCapture::options.capture4K = rarely("card in 4K", 20);
+  if (rarely("own colours", 20)) {
+    SelfieCapture::colors.errorLabelBackgroundColor = platform::colors::kPurple;
+    IDCapture::colors.successLabelTextColor = platform::colors::kBlack;
+    IDCapture::colors.successLabelBackgroundColor = platform::colors::kYellow;
+    IDCapture::colors.errorLabelTextColor = platform::colors::kGray;
+  }
+
+  using Microphone = platform::AVAuthorizationStatus;
+  using Speech = platform::SFSpeechRecognizerAuthorizationStatus;
+  const bool noRecorder = rarely("no recorder", 2);
+  const bool noSpeech = rarely("no recogniser", 2);
+  const bool deaf = rarely("recogniser not available", 2);
+  const bool noModel = rarely("no face model", 3);
+  const bool noRetryScene = rarely("no retry scene", 2);
+  const bool noSettings = rarely("no settings page", 5);
+  const bool noMicrophone = rarely("no microphone", 5);
+  const bool microphoneDenied = rarely("microphone denied", 6);
+  const bool microphoneAsked = rarely("microphone asked for", 10);
+  const bool speechDenied = rarely("speech denied", 6);
+  result.prepare = [=](TestWorld& world) {
+    world.host.makesRecorder = !noRecorder;
+    world.host.setup.hasSpeechRecognizer = !noSpeech;
+    world.host.setup.speechAvailable = !deaf;
+    if (noModel) world.bundle.missing = {"facenet.tflite"};
+    if (noRetryScene) world.factories.erase("VideoRetryViewController");
+    if (noSettings) world.application.settingsURL.reset();
+    if (noMicrophone) world.mediaDevices.microphone->canOpen = false;
+    if (microphoneDenied) world.mediaDevices.microphoneStatus = Microphone::denied;
+    if (microphoneAsked) {
+      world.mediaDevices.microphoneStatus = Microphone::notDetermined;
+      world.mediaDevices.answerDelay = platform::seconds(0.7);
+    }
+    if (speechDenied) world.speechAuthorization.status = Speech::restricted;
+  };
+  return result;
+}
+
+}  // namespace tests

@@ -1,0 +1,264 @@
+#include <array>
+#include <cstdlib>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "FlowModel.h"
+#include "Hosts.h"
+#include "capture/Bundle+Framework.h"
+#include "capture/Corvana+VideoCapture.h"
+#include "capture/FaceMatchDetector.h"
+#include "corvana/Decision.h"
+#include "corvana/StateNames.h"
+
+namespace tests {
+namespace {
+
+/// A world, the screen that was entered in it, and what the caller got.
+struct Side {
+  TestWorld world;
+  std::weak_ptr<platform::UIViewController> screen;
+  std::vector<std::string> results;
+
+  void enter(const Beginning& beginning) {
+    beginning.prepare(world);
+    capture::videoIDCapture(*world.root, beginning.front, beginning.back, beginning.reading,
+                            [this](const auto& result) {
+                              results.push_back(result ? "film " + result->videoURL.string()
+                                                       : result.error().localizedDescription());
+                            });
+    screen = world.topmost().shared_from_this();
+  }
+};
+
+/// Everything but the views of the capture screen: what other screens show, what was asked of the
+/// host and the machine, what the caller got.
+std::string surroundings(Side& side) {
+  TestWorld& world = side.world;
+  std::ostringstream text;
+  text << "on top: " << world.topmostScene();
+  if (auto* alert = world.alert()) {
+    text << "alert " << alert->title() << ": " << alert->message();
+    for (const auto& [title, style, handler] : alert->actions())
+      text << " [" << title << static_cast<int>(style) << "]";
+  }
+  if (world.topmostScene() == "VideoRetryViewController") text << ": " << world.text("label");
+  text << "\nscreen: " << (side.screen.expired() ? "gone" : "there") << "\nresults:";
+  for (const std::string& result : side.results)
+    text << " [" << result << "]";
+  text << "\ncapture mode: " << static_cast<int>(world.host.captureSession()->captureMode())
+       << "\nsounds: " << world.sounds.played.size()
+       << "\nsettings opened: " << world.application.opened.size()
+       << "\nconsole: " << world.console.lines.size()
+       << "\nmicrophone: " << world.mediaDevices.microphone->isRunning() << ' '
+       << world.mediaDevices.microphone->starts() << "\nasked: " << world.mediaDevices.requests()
+       << ' ' << world.speechAuthorization.requests();
+  if (!world.host.recorder()) return text.str();
+  text << "\nrecorder:";
+  for (const std::string& call : world.recorder().calls())
+    text << " [" << call << "]";
+  text << " in " << corvana::nameOf(world.recorder().mode())
+       << ", heard: " << world.recorder().hasDelegate();
+  if (const auto* speech = world.recorder().speechRecognizer())
+    text << ", speech: " << speech->isRunning() << speech->starts() << speech->stops();
+  return text.str();
+}
+
+std::string lineDifference(const std::string& expected, const std::string& seen) {
+  std::istringstream left(expected);
+  std::istringstream right(seen);
+  std::string lines;
+  for (std::string a, b; std::getline(left, a) && std::getline(right, b);) {
+    if (a != b) lines += "  `" + a + "` but `" + b + "`\n";
+  }
+  return lines;
+}
+
+/// One flow in two worlds: the module's screen in one, the model in the other.
+class TwinFlow final : private corvana::DecisionObserver {
+ public:
+  TwinFlow(std::uint64_t seed, bool careful, float strangersDistance)
+      : dice_(seed),
+        careful_(careful),
+        beginning_(randomBeginning(dice_, strangersDistance)),
+        host_(beginning_, seen_.world),
+        log_((careful ? "  a careful host" : "  any host") + beginning_.text + "\n") {
+    const bool comparable = beginning_.text.find("no face model") == std::string::npos;
+    const auto distance = [=](const auto& one, const auto& other) -> std::optional<float> {
+      const bool readable = one != unreadableFace() && other != unreadableFace();
+      if (!readable || !comparable) return {};
+      return one == other ? 0 : strangersDistance;
+    };
+    seen_.world.factories = capture::controllerFactories();
+    seen_.world.environment.decisions = this;
+    told_.world.factories = FlowModel::factories(distance);
+    seen_.enter(beginning_);
+    told_.enter(beginning_);
+  }
+
+  /// Empty when both agree and every invariant holds after each step; else the steps so far, which
+  /// no shorter run of this seed would fail, and what is wrong.
+  std::string run(int steps) {
+    std::string fault = faultNow();
+    if (fault.empty()) fault = take({"wait 0.4", nullptr, 0.4});
+    for (int i = 0; fault.empty() && i < steps; ++i)
+      fault = take(careful_ ? host_.next(dice_) : wildStep(dice_, beginning_));
+    for (int i = 0; fault.empty() && i < kTouchesToTheEnd && !seen_.screen.expired(); ++i)
+      fault = take(leave(i));
+    if (fault.empty() && !seen_.screen.expired()) fault = "  the screen has not gone\n";
+    return fault.empty() ? fault : log_ + fault;
+  }
+
+  /// What has happened, to tell a simulation that goes nowhere.
+  std::set<std::string> events;
+
+ private:
+  static constexpr int kTouchesToTheEnd = 12;
+
+  static Step leave(int touch);
+  std::string take(const Step& step);
+  std::string faultNow();
+  std::string brokenInvariant(const Step& step, const std::optional<Sight>& before);
+  void noteEvents();
+  void decided(const corvana::Decision& decision) override {
+    passed_[decision.name] = decision.passed;
+  }
+
+  Dice dice_;
+  bool careful_;
+  Side told_;
+  Side seen_;
+  Beginning beginning_;
+  CarefulHost host_;
+  std::string log_;
+  /// The last decision of each name since the run began.
+  std::map<std::string, bool> passed_;
+  int retries_ = 0;
+  std::optional<Sight> sight_;
+  std::string surroundings_;
+};
+
+/// One touch after the other closes whatever stands open; then nothing may be left.
+Step TwinFlow::leave(int touch) {
+  static const std::array buttons = {"alert", "cancelButton", "closeButton"};
+  Step step = tap(buttons.at(static_cast<std::size_t>(touch) % buttons.size()));
+  step.seconds = 60;
+  return step;
+}
+
+std::string TwinFlow::take(const Step& step) {
+  log_ += "  " + step.text + (step.settles ? "\n" : " (and at once)\n");
+  const auto before = sight_;
+  for (Side* side : {&seen_, &told_}) {
+    if (step.apply) step.apply(side->world);
+    if (step.settles) side->world.advance(step.seconds);
+  }
+  if (std::string fault = faultNow(); !fault.empty()) return fault;
+  noteEvents();
+  return careful_ ? brokenInvariant(step, before) : "";
+}
+
+std::string TwinFlow::faultNow() {
+  surroundings_ = surroundings(seen_);
+  if (std::string told = surroundings(told_); told != surroundings_)
+    return lineDifference(told, surroundings_);
+  sight_.reset();
+  const auto seen = seen_.screen.lock();
+  const auto told = told_.screen.lock();
+  if (!seen || !told) return "";
+  sight_ = sightOf(seen->view());
+  return difference(dynamic_cast<FlowModel&>(*told).sight(), *sight_);
+}
+
+void TwinFlow::noteEvents() {
+  events.insert(surroundings_.substr(0, surroundings_.find('\n')));
+  for (const std::string& result : seen_.results)
+    events.insert("result " + result);
+  if (sight_ && sight_->caption) events.insert("caption " + *sight_->caption);
+  if (sight_ && sight_->card.text) events.insert("card " + *sight_->card.text);
+  if (!seen_.world.host.recorder()) return;
+  const int retries = seen_.world.recorder().count("retry");
+  if (retries > retries_) passed_.clear();
+  retries_ = retries;
+}
+
+/// What a host that keeps its promises may rely on.
+std::string TwinFlow::brokenInvariant(const Step& step, const std::optional<Sight>& before) {
+  if (!host_.breaches().empty())
+    return "  the host broke a promise: " + host_.breaches().front() + "\n";
+  if (seen_.results.size() > 1) return "  the completion ran more than once\n";
+  const bool flips = before && !before->card.hidden && before->progress == 1.0F;
+  if (flips && step.isCardState && step.seconds == 0 && sight_ && !(*sight_ == *before))
+    return "  a state was handled during the flip\n";
+  if (seen_.results.empty() || !seen_.results[0].starts_with("film ")) return "";
+  std::vector<std::string> checks = {"selfieFace", "frontFace", "frontText", "spokenWords"};
+  if (beginning_.back) checks.push_back(beginning_.back->mrz ? "backMrz" : "backText");
+  for (const std::string& check : checks) {
+    if (!passed_[check]) return "  a result without the check " + check + " in its run\n";
+  }
+  return "";
+}
+
+float distanceOfStrangers() {
+  TestWorld world;
+  capture::FaceMatchDetector detector(world.bundle, world.console);
+  const auto match = detector.faceMatch(holdersFace(), strangersFace(), 0);
+  platform::require(match.has_value(), "the tests' face model does not work");
+  return match->distance;
+}
+
+std::uint64_t numberFrom(const char* variable, std::uint64_t otherwise) {
+  const char* text = std::getenv(variable);
+  return text ? std::strtoull(text, nullptr, 10) : otherwise;
+}
+
+constexpr int kSteps = 70;
+constexpr std::uint64_t kEnoughFlows = 1000;
+/// A simulation that does not come to all of these goes nowhere.
+const std::vector<std::string> kAnyThousandFlowsCome = {
+    "result film film.mp4",
+    "result The disk is full.",
+    "result videoIdResultSelfie == nil",
+    "result The video identification was canceled.",
+    "on top: VideoRetryViewController: Live Face Lost. Please try again",
+    "on top: VideoRetryViewController: Voice does not match text. Please try again",
+    "on top: VideoRetryViewController: Your ID could not be read. Please try again",
+    "on top: VideoRetryViewController: Your face could not be captured. Please try again",
+    "on top: alert Error: Microphone Permission Not Granted [OK0]",
+    "on top: alert Error: Microphone Permission Not Granted [Settings0]",
+    "on top: alert Error: Speech Recognition Is Not Available [OK1]",
+    "on top: alert Error: Speech Recognition Permission Not Granted [Settings0]",
+    "on top: alert Speech Recognition Error: deaf [OK1]",
+    "card Scanning the barcode",
+    "card The face does not match the ID\nThis is not the same ID",
+    "card This back does not belong to the front",
+    "card Turn your ID over",
+};
+
+/// CORVANA_FLOWS flows from the seed CORVANA_FIRST_SEED on, half of them with a careful host.
+TEST(FlowSimulator, TheScreenDoesWhatTheModelTells) {
+  const std::uint64_t first = numberFrom("CORVANA_FIRST_SEED", 1);
+  const std::uint64_t count = numberFrom("CORVANA_FLOWS", 1000);
+  const float strangers = distanceOfStrangers();
+  std::set<std::string> events;
+  for (std::uint64_t seed = first; seed < first + count; ++seed) {
+    const HostTablesGuard tables;
+    TwinFlow flow(seed, seed % 2 == 0, strangers);
+    const std::string fault = flow.run(kSteps);
+    if (!fault.empty()) {
+      FAIL() << "after these steps, which CORVANA_FIRST_SEED=" << seed
+             << " CORVANA_FLOWS=1 replays:\n"
+             << fault;
+    }
+    events.merge(flow.events);
+  }
+  if (count < kEnoughFlows) return;
+  for (const std::string& event : kAnyThousandFlowsCome)
+    EXPECT_TRUE(events.contains(event)) << "no flow came to: " << event;
+}
+
+}  // namespace
+}  // namespace tests
