@@ -87,6 +87,7 @@ std::vector<SimulateWatch::Gauge> Simulation::gauges() {
 }
 
 void Simulation::print(const std::string& line) {
+  if (isOver_) return;
   std::string time = fixedDecimals(platform::inSeconds(loop_.now().time_since_epoch()), 3);
   time.insert(0, time.size() < 8 ? 8 - time.size() : 0, ' ');
   out_ << time << "  " << line << '\n';
@@ -221,6 +222,7 @@ tl::expected<std::optional<Outcome>, std::string> Simulation::run() {
   start();
   const auto ended = [this] { return end_.isThere() || fault_; };
   loop_.runUntil(ended, loop_.now() + script_.until);
+  isOver_ = true;
   if (fault_) return tl::unexpected(*fault_);
   if (!end_.isThere()) return std::nullopt;
   return end_.outcome();

@@ -54,6 +54,7 @@ class Simulation final : public corvana::DecisionObserver {
   std::ostream& out_;
   FlowEnd end_;
   std::optional<std::string> fault_;
+  bool isOver_ = false;  ///< what is taken down from now on nobody sees
 
   platform::VirtualRunLoop loop_;
   platform::NotificationCenter notificationCenter_;
