@@ -3,20 +3,7 @@
 namespace tests {
 namespace {
 
-class CaptureScreen : public FlowTest {
- protected:
-  void expectAlert(const std::string& message, const std::string& button) {
-    ASSERT_NE(world.alert(), nullptr) << message;
-    EXPECT_EQ(world.alert()->title(), "Error");
-    EXPECT_EQ(world.alert()->message(), message);
-    ASSERT_EQ(world.alert()->actions().size(), 1u);
-    EXPECT_EQ(world.alert()->actions()[0].title, button);
-  }
-  void answerAlert() {
-    world.alert()->choose(0);
-    world.advance(1);
-  }
-};
+class CaptureScreen : public FlowTest {};
 
 TEST_F(CaptureScreen, PlacesPromptsWhereTheLayoutSays) {
   using corvana::LabelPosition;
@@ -63,52 +50,6 @@ TEST_F(CaptureScreen, WithoutAPreviewTheSelfieOverlayStaysHidden) {
       .setVideoPreviewLayer(nullptr);
   world.advance(1);
   EXPECT_TRUE(world.view("selfieOverlayView").isHidden());
-}
-
-TEST_F(CaptureScreen, RaisesTheCameraForEither4KOptionOnly) {
-  for (const auto& [selfie4K, id4K] : {std::pair{false, false}, {true, false}, {false, true}}) {
-    SelfieCapture::options.capture4K = selfie4K;
-    IDCapture::options.capture4K = id4K;
-    enter();
-    EXPECT_EQ(world.host.captureSession()->captureMode(),
-              selfie4K || id4K ? CaptureMode::high : CaptureMode::standard);
-    world.tap("closeButton");
-    world.advance(1);
-  }
-}
-
-TEST_F(CaptureScreen, MakesOneRecorderAndStartsSpeechOnceForAllItsAppearances) {
-  enter();
-  EXPECT_EQ(world.speech().starts(), 1);
-  world.topmost().present(std::make_shared<platform::UIViewController>(world.environment), true);
-  world.advance(1);
-  EXPECT_FALSE(world.speech().isRunning());
-  SelfieCapture::options.capture4K = true;
-  world.topmost().dismiss(true);
-  world.advance(1);
-  EXPECT_EQ(world.topmostScene(), "VideoCaptureViewController");
-  EXPECT_EQ(world.host.recordersMade(), 1);
-  EXPECT_EQ(world.speech().starts(), 1);
-  EXPECT_EQ(world.host.captureSession()->captureMode(), CaptureMode::high) << "looked at anew";
-}
-
-TEST_F(CaptureScreen, SaysWhenSpeechCannotBeRecognised) {
-  for (const bool hasRecognizer : {true, false}) {
-    world.host.setup.hasSpeechRecognizer = hasRecognizer;
-    world.host.setup.speechAvailable = false;
-    SelfieCapture::options.capture4K = true;
-    enter();
-    world.advance(1);
-    expectAlert("Speech Recognition Is Not Available", "OK");
-    EXPECT_EQ(world.alert()->actions()[0].style, platform::UIAlertAction::Style::cancel);
-    EXPECT_EQ(world.host.captureSession()->captureMode(), CaptureMode::standard)
-        << "the capture mode is not looked at";
-    answerAlert();
-    showFace(kHolder);
-    EXPECT_EQ(mode(), VideoCaptureMode::idCapture) << "the recorder is kept";
-    world.tap("closeButton");
-    world.advance(1);
-  }
 }
 
 TEST_F(CaptureScreen, StaysUpSilentlyWithoutARecorder) {
@@ -171,72 +112,6 @@ TEST_F(CaptureScreen, GoesOnWithoutAMicrophone) {
     EXPECT_EQ(microphone->starts(), 0);
     world.mediaDevices.microphone = nullptr;
   }
-}
-
-TEST_F(CaptureScreen, AsksOnceForTheMicrophone) {
-  world.mediaDevices.microphoneStatus = platform::AVAuthorizationStatus::notDetermined;
-  world.mediaDevices.answerDelay = platform::seconds(0.1);
-  enter();
-  EXPECT_EQ(world.mediaDevices.requests(), 1);
-  EXPECT_EQ(world.speechAuthorization.requests(), 1);
-  EXPECT_TRUE(world.recorder().setup.audioSettings) << "the microphone was prepared";
-  EXPECT_EQ(world.alert(), nullptr);
-}
-
-TEST_F(CaptureScreen, LeadsToTheSettingsForTheMicrophone) {
-  using enum platform::AVAuthorizationStatus;
-  for (const auto status : {denied, restricted, notDetermined}) {
-    world.mediaDevices.microphoneStatus = status;
-    world.mediaDevices.grantsWhenAsked = false;
-    world.application.opened.clear();
-    const int starts = world.mediaDevices.microphone->starts();
-    enter();
-    expectAlert("Microphone Permission Not Granted", "Settings");
-    EXPECT_EQ(world.alert()->actions()[0].style, platform::UIAlertAction::Style::standard);
-    EXPECT_EQ(world.speechAuthorization.requests(), 0);
-    world.postWillEnterForeground();
-    answerAlert();
-    EXPECT_EQ(world.application.opened, std::vector<std::string>{"app-settings:"});
-    world.postWillEnterForeground();
-    world.postWillEnterForeground();
-    world.advance(0);
-    EXPECT_EQ(world.mediaDevices.microphone->starts(), starts) << "it was never prepared";
-    EXPECT_EQ(world.speech().starts(), 1);
-    world.tap("closeButton");
-    world.advance(1);
-  }
-}
-
-TEST_F(CaptureScreen, LeadsToTheSettingsForSpeech) {
-  using enum platform::SFSpeechRecognizerAuthorizationStatus;
-  for (const auto status : {denied, restricted, notDetermined}) {
-    world.speechAuthorization.status = status;
-    world.application.settingsURL = "app-settings:";
-    enter();
-    expectAlert("Speech Recognition Permission Not Granted", "Settings");
-    world.postWillEnterForeground();
-    EXPECT_EQ(world.speech().starts(), 1);
-    answerAlert();
-    world.postWillEnterForeground();
-    world.postWillEnterForeground();
-    EXPECT_EQ(world.speech().starts(), 2) << "once for one way to the settings";
-    world.tap("closeButton");
-    world.advance(1);
-
-    world.application.settingsURL.reset();
-    enter();
-    expectAlert("Speech Recognition Permission Not Granted", "OK");
-    answerAlert();
-    world.postWillEnterForeground();
-    EXPECT_EQ(world.speech().starts(), 1);
-    world.tap("closeButton");
-    world.advance(1);
-  }
-}
-
-TEST_F(CaptureScreen, StopsTheProgramWhenAnOutletIsMissing) {
-  EXPECT_DEATH(capture::VideoCaptureViewController(world.environment).view(), "not connected");
-  EXPECT_DEATH(capture::VideoRetryViewController(world.environment).view(), "not connected");
 }
 
 }  // namespace

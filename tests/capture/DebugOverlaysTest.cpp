@@ -78,31 +78,6 @@ TEST_F(DebugOverlays, ShowTheCardsNumbersAndOutlines) {
   EXPECT_EQ(shapes().size(), 1u);
 }
 
-TEST_F(DebugOverlays, StayASecondAfterTheLastAndShareTheirTimer) {
-  postCard(cardInfo);
-  world.advance(0.5);
-  postCard(cardInfo);
-  world.advance(0.9);
-  EXPECT_TRUE(shows("idDebugStackView"));
-  world.advance(0.1);
-  EXPECT_FALSE(shows("idDebugStackView"));
-
-  postSelfie();
-  world.advance(0.5);
-  postCard(cardInfo);
-  world.advance(5);
-  EXPECT_TRUE(shows("selfieDebugStackView")) << "its hiding was cancelled";
-  EXPECT_FALSE(shows("idDebugStackView"));
-}
-
-TEST_F(DebugOverlays, LeaveTheFaceEllipseAlone) {
-  world.recorder().reportLiveFace();
-  world.advance(0);
-  postSelfie(faceInfo);
-  world.advance(2);
-  EXPECT_EQ(world.view("captureLabel").root().layer().sublayers().back()->sublayers().size(), 1u);
-}
-
 TEST_F(DebugOverlays, AreQuietWhileABarcodeIsScannedOrNothingIsMeasured) {
   postCard({});
   post(corvana::kIDCaptureDebugData, {{"debugData", 1}});
@@ -113,21 +88,6 @@ TEST_F(DebugOverlays, AreQuietWhileABarcodeIsScannedOrNothingIsMeasured) {
   postCard(cardInfo);
   EXPECT_FALSE(shows("idDebugStackView"));
   EXPECT_TRUE(shapes().empty());
-}
-
-TEST_F(DebugOverlays, AreNotObservedWhileAnotherScreenIsUp) {
-  selfie(Face::TimedOut{});
-  world.advance(1);
-  postSelfie(faceInfo);
-  EXPECT_FALSE(shows("selfieDebugStackView"));
-  world.tap("retryButton");
-  world.advance(1);
-  postSelfie(faceInfo);
-  EXPECT_TRUE(shows("selfieDebugStackView"));
-  EXPECT_EQ(shapes().size(), 1u);
-  world.tap("closeButton");
-  world.advance(5);
-  EXPECT_EQ(results.size(), 1u) << "a timer of a screen that has gone does nothing";
 }
 
 }  // namespace

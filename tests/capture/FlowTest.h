@@ -108,21 +108,10 @@ class FlowTest : public testing::Test, protected corvana::DecisionObserver {
   }
 
   VideoCaptureMode mode() { return world.recorder().mode(); }
-  /// What the card prompt says; "" while it is hidden.
-  std::string cardPrompt() {
-    return world.view("idOverlayLabelView").isHidden() ? "" : world.text("idOverlayLabel");
-  }
+  /// What the face prompt says; "" while it is hidden.
   std::string facePrompt() {
     return world.view("selfieOverlayLabelView").isHidden() ? "" : world.text("selfieOverlayLabel");
   }
-  /// Outlines directly on the screen.
-  int outlines() {
-    int count = 0;
-    for (const auto& layer : world.view("captureLabel").root().layer().sublayers())
-      count += dynamic_cast<platform::CAShapeLayer*>(layer.get()) != nullptr;
-    return count;
-  }
-
   void decided(const corvana::Decision& decision) override { decisions.push_back(decision); }
 
   TestWorld world;

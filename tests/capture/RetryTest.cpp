@@ -77,117 +77,6 @@ TEST_F(Retry, OfEveryKindLeadsThroughTheWholeFlowAgain) {
   expectAccepted();
 }
 
-TEST_F(Retry, PutsTheScreenBackAtOnceBehindTheQuestion) {
-  VideoCapture::options.isDebugMode = true;
-  enter();
-  reachReading();
-  hear("herons");
-  world.recorder().reportLiveFace();
-  world.advance(5);
-  world.recorder().reportLiveFaceLost();
-  world.advance(0);
-  EXPECT_EQ(world.text("readingTextCountdownLabel"), "0:20");
-  EXPECT_FALSE(world.label("readingTextLabel").attributedText());
-  EXPECT_EQ(world.text("readingTextLabel"), text);
-  EXPECT_EQ(world.text("captureLabel"), SelfieCapture::strings.captureSelfie);
-  EXPECT_EQ(world.view("selfieOverlayView").alpha(), 1);
-  EXPECT_EQ(world.view("idOverlayView").alpha(), 0);
-  EXPECT_EQ(world.view("readingTextOverlayView").alpha(), 0);
-  EXPECT_EQ(facePrompt(), "");
-  EXPECT_EQ(cardPrompt(), "");
-  // The card's opening state is handled after the accepted front was forgotten.
-  EXPECT_EQ(world.imageView("idImageView").image()->name(), "overlay_portrait_id_front");
-  EXPECT_TRUE(world.view("captureLabel").root().layer().sublayers().back()->sublayers().empty());
-  world.advance(5);
-  EXPECT_EQ(world.text("readingTextCountdownLabel"), "0:20") << "the countdown stands still";
-}
-
-TEST_F(Retry, ForgetsTheFrontAndEveryGraceTime) {
-  enter();
-  showFace(kStranger);
-  passSelfie();
-  passFront();
-  DetectedData wrong = back;
-  wrong.mrz.reset();
-  card(ID::Success{wrong});
-  card(ID::TimedOut{});
-  world.advance(4);
-  answer("retryButton");
-  showFace(kStranger);
-  EXPECT_EQ(facePrompt(), SelfieCapture::strings.capturingFace);
-  passSelfie();
-  card(ID::ClassifiedDocument{back});
-  EXPECT_EQ(cardPrompt(), IDCapture::strings.useFront);
-  front.ocrStrings = {{"somebody else"}};
-  card(ID::Success{front});
-  EXPECT_EQ(cardPrompt(), "");
-}
-
-TEST_F(Retry, EndsAFlipWhoseDelayedStepsComeAllTheSame) {
-  enter();
-  passSelfie();
-  showSide(front);
-  world.recorder().reportLiveFaceLost();
-  world.advance(0.1);
-  EXPECT_EQ(cardPrompt(), "");
-  EXPECT_EQ(world.imageView("idImageView").image()->name(), "overlay_portrait_id_front");
-  world.advance(0.4);
-  EXPECT_EQ(world.imageView("idImageView").image()->name(), "overlay_landscape_id_back");
-}
-
-TEST_F(Retry, ForgetsWhatWasHeard) {
-  enter();
-  reachReading();
-  hear(text);
-  world.recorder().reportLiveFaceLost();
-  world.advance(1);
-  answer("retryButton");
-  reachReading();
-  world.tap("doneButton");
-  world.advance(1);
-  EXPECT_TRUE(isAsked());
-  EXPECT_EQ(decisions.back().value, 0.0);
-}
-
-TEST_F(Retry, CancelIsDeliveredOnceWhenTheScreenHasGone) {
-  enter();
-  selfie(Face::TimedOut{});
-  world.advance(1);
-  ASSERT_TRUE(world.tap("cancelButton"));
-  EXPECT_FALSE(world.tap("cancelButton")) << "it is going away";
-  world.advance(0.5);
-  EXPECT_TRUE(results.empty());
-  world.advance(1);
-  expectFailed(IDError::Strings::canceled);
-  EXPECT_EQ(&world.topmost(), world.root.get());
-  EXPECT_EQ(world.recorder().count("retry"), 0);
-}
-
-TEST_F(Retry, WithoutItsSceneTheFlowStaysPaused) {
-  world.factories.erase("VideoRetryViewController");
-  enter();
-  selfie(Face::TimedOut{});
-  world.advance(1);
-  EXPECT_EQ(world.topmostScene(), "VideoCaptureViewController");
-  EXPECT_EQ(world.recorder().count("stopVideoWriter"), 1);
-}
-
-TEST_F(Retry, ClosingEndsEveryPhaseWithTheCancellation) {
-  const std::function<void()> phases[] = {
-      [] {}, [this] { passSelfie(); }, [this] { passSelfie(), passFront(); },
-      [this] { reachReading(); }, [this] { reachReading(), world.advance(5); }};
-  for (const auto& reach : phases) {
-    results.clear();
-    enter();
-    reach();
-    ASSERT_TRUE(world.tap("closeButton"));
-    EXPECT_TRUE(results.empty());
-    world.advance(60);
-    expectFailed(IDError::Strings::canceled);
-    EXPECT_EQ(world.recorder().count("stopVideoWriter"), 0) << "the host closes or discards it";
-  }
-}
-
 /// Gives every value of a table that a retry screen shows, made from one number.
 template <class Capture>
 void fillTables(double level) {
@@ -235,16 +124,6 @@ TEST_F(Retry, ScreenTakesItsLooksFromTheCaptureThatFailed) {
     }
     answer("retryButton");
   }
-}
-
-TEST_F(Retry, ScreenKeepsTheStoryboardsLooksWhereTheTablesAreEmpty) {
-  enter();
-  selfie(Face::Failed{});
-  world.advance(1);
-  EXPECT_EQ(world.text("label"), SelfieCapture::strings.retryScreenText);
-  EXPECT_EQ(world.topmost().view().backgroundColor(), platform::colors::kClear);
-  EXPECT_EQ(world.imageView("imageView").image(), nullptr);
-  EXPECT_EQ(world.button("retryButton").backgroundColor(), platform::colors::kClear);
 }
 
 }  // namespace

@@ -68,19 +68,6 @@ TEST_F(StraightRun, RecordsEachDecisionWithItsNumbers) {
   EXPECT_EQ(decisions[5].value, 1.0);
 }
 
-TEST_F(StraightRun, AOneSidedCardGoesFromItsFrontToTheText) {
-  oneSided = true;
-  enter();
-  passSelfie();
-  showSide(front);
-  EXPECT_EQ(world.text("captureLabel"), "Read Text");
-  EXPECT_EQ(mode(), VideoCaptureMode::readingText);
-  world.advance(0.5);
-  readAndFinish();
-  expectAccepted();
-  EXPECT_TRUE(results[0]->idBackDataMatch) << "every flag is true, whatever was compared";
-}
-
 TEST_F(StraightRun, TwoEntriesShareNothing) {
   enter();
   auto& first = *world.host.recorder();
@@ -97,16 +84,6 @@ TEST_F(StraightRun, TwoEntriesShareNothing) {
   world.advance(1);
   EXPECT_EQ(second.size(), 1u);
   EXPECT_TRUE(results.empty());
-}
-
-TEST_F(StraightRun, TheScreenAndItsRecorderGoWhenTheFlowIsOver) {
-  enter();
-  reachReading();
-  const std::weak_ptr<platform::UIViewController> screen = world.topmost().shared_from_this();
-  readAndFinish();
-  world.advance(30);
-  EXPECT_TRUE(screen.expired());
-  EXPECT_FALSE(world.recorder().hasDelegate());
 }
 
 class Entry : public FlowTest {};

@@ -1,0 +1,58 @@
+#include "FlowTest.h"
+#include "capture/VideoCaptureViewController+SelfieCaptureDelegate.h"
+
+namespace tests {
+namespace {
+
+namespace colors = platform::colors;
+class Looks : public FlowTest {};
+
+TEST_F(Looks, ColoursAndFontComeFromTheHostsTables) {
+  SelfieCapture::colors.errorLabelTextColor = colors::kBlack;
+  SelfieCapture::colors.errorLabelBackgroundColor = colors::kYellow;
+  SelfieCapture::fonts.labelFont = platform::UIFont{"Serif", 21};
+  enter();
+  selfie(Face::MoveAway{});
+  EXPECT_EQ(world.label("selfieOverlayLabel").textColor(), colors::kBlack);
+  EXPECT_EQ(world.label("selfieOverlayLabel").font().pointSize, 21);
+  EXPECT_EQ(world.view("selfieOverlayLabelView").backgroundColor(), colors::kYellow);
+}
+
+TEST_F(Looks, OneEllipseLiesMirroredOverTheLiveFace) {
+  enter();
+  world.recorder().reportLiveFace({10, 10, 10, 10}, {360, 640});
+  world.recorder().reportLiveFace({100, 200, 160, 200}, {720, 1280});
+  world.advance(0);
+  const auto& layers = world.view("captureLabel").root().layer().sublayers();
+  ASSERT_EQ(layers.back()->sublayers().size(), 1u);
+  const auto& ellipse = dynamic_cast<platform::CAShapeLayer&>(*layers.back()->sublayers()[0]);
+  EXPECT_EQ(ellipse.path, platform::CAShapeLayer::Path::ellipse);
+  // 50 to 130 on a screen of 360, narrowed to 75 around its middle, seen in a mirror.
+  EXPECT_EQ(ellipse.pathRect, (platform::CGRect{232.5, 100, 75, 100}));
+  EXPECT_EQ(ellipse.strokeColor, colors::kGreen);
+  EXPECT_EQ(ellipse.fillColor, colors::kClear);
+  EXPECT_EQ(ellipse.lineWidth, 3);
+}
+
+TEST_F(Looks, OfTheCardAreTheHostsSilhouettesWhereItHasSome) {
+  IDCapture::images.frontSilhouetteImage = std::make_shared<platform::UIImage>(nullptr, "my front");
+  IDCapture::images.backSilhouetteImage = std::make_shared<platform::UIImage>(nullptr, "my back");
+  enter();
+  passSelfie();
+  card(ID::DetectingBox{});
+  EXPECT_EQ(world.imageView("idImageView").image()->name(), "my front");
+  passFront();
+  EXPECT_EQ(world.imageView("idImageView").image()->name(), "my back");
+  EXPECT_EQ(world.text("captureLabel"), IDCapture::strings.captureBack);
+}
+
+TEST(Mirrored, ReflectsAboutTheVerticalCentreLine) {
+  using platform::CGRect;
+  EXPECT_EQ(capture::mirrored({0, 5, 100, 7}, {400, 1}), (CGRect{300, 5, 100, 7}));
+  EXPECT_EQ(capture::mirrored({300, 5, 100, 7}, {400, 1}), (CGRect{0, 5, 100, 7}));
+  EXPECT_EQ(capture::mirrored({150, 5, 100, 7}, {400, 1}), (CGRect{150, 5, 100, 7}));
+  EXPECT_EQ(capture::mirrored({-50, 0, 100, 1}, {400, 1}), (CGRect{350, 0, 100, 1}));
+}
+
+}  // namespace
+}  // namespace tests
