@@ -40,6 +40,14 @@ TEST_F(CaptureScreen, LiesOverThePreviewOnceTheCameraRuns) {
             world.view("selfieOverlayImageView").frame());
   EXPECT_EQ(world.recorder().setup.idOverlayFrame, world.view("idFrameImageView").frame());
   EXPECT_FALSE(world.recorder().setup.selfieOverlayFrame.isEmpty());
+
+  // However the storyboard has drawn them.
+  world.view("overlayTopView").setBackgroundColor(platform::colors::kRed);
+  world.view("selfieOverlayImageBackground").setHidden(true);
+  dynamic_cast<capture::VideoCaptureViewController&>(world.topmost()).viewDidLoad();
+  EXPECT_EQ(world.view("overlayTopView").backgroundColor(), platform::colors::kClear);
+  EXPECT_FALSE(world.view("selfieOverlayImageBackground").isHidden());
+  EXPECT_TRUE(world.view("selfieOverlayView").isHidden()) << "until the camera runs";
 }
 
 TEST_F(CaptureScreen, WithoutAPreviewTheSelfieOverlayStaysHidden) {
@@ -54,6 +62,8 @@ TEST_F(CaptureScreen, WithoutAPreviewTheSelfieOverlayStaysHidden) {
 
 TEST_F(CaptureScreen, StaysUpSilentlyWithoutARecorder) {
   world.host.makesRecorder = false;
+  oneSided = true;
+  VideoCapture::options.readTextWordMatchThreshold = 0;
   SelfieCapture::options.capture4K = true;
   enter();
   EXPECT_EQ(world.topmostScene(), "VideoCaptureViewController");
@@ -62,6 +72,10 @@ TEST_F(CaptureScreen, StaysUpSilentlyWithoutARecorder) {
   auto& screen = dynamic_cast<capture::VideoCaptureViewController&>(world.topmost());
   screen.update(Face{Face::Success{{nullptr, faceImage(kHolder)}}});
   screen.update(ID{ID::Success{front}});
+  world.advance(1);
+  EXPECT_TRUE(world.tap("doneButton"));
+  world.advance(1);
+  EXPECT_EQ(world.topmostScene(), "VideoCaptureViewController") << "there is no film to end";
   screen.update(Face{Face::TimedOut{}});
   world.advance(1);
   EXPECT_EQ(world.topmostScene(), "VideoRetryViewController");
@@ -112,6 +126,25 @@ TEST_F(CaptureScreen, GoesOnWithoutAMicrophone) {
     EXPECT_EQ(microphone->starts(), 0);
     world.mediaDevices.microphone = nullptr;
   }
+}
+
+TEST_F(CaptureScreen, StartsTheMicrophoneOnTheWayBackFromTheSettings) {
+  using enum platform::AVAuthorizationStatus;
+  const auto& microphone = *world.mediaDevices.microphone;
+  world.mediaDevices.microphoneStatus = denied;
+  enter();
+  ASSERT_NE(world.alert(), nullptr);
+  world.alert()->choose(0);
+  world.advance(1);
+  world.mediaDevices.microphoneStatus = authorized;
+  selfie(Face::TimedOut{});  // the screen goes and appears again, and so prepares the microphone
+  world.advance(1);
+  world.tap("retryButton");
+  world.advance(1);
+  EXPECT_FALSE(microphone.isRunning());
+  world.postWillEnterForeground();
+  world.advance(0);
+  EXPECT_TRUE(microphone.isRunning());
 }
 
 }  // namespace

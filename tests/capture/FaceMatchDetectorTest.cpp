@@ -35,13 +35,16 @@ class FaceMatching : public testing::Test {
   static tests::TestBundle bundleOf(const fs::path& folder) {
     return tests::TestBundle(folder, [](auto&, auto&) { return nullptr; });
   }
-  /// A detector whose model is the first `bytes` of the file.
-  FaceMatchDetector withModel(const fs::path& model, std::size_t bytes = SIZE_MAX) {
+  /// A detector whose model is the first `bytes` of the file, with `value` at `position`.
+  FaceMatchDetector withModel(const fs::path& model, std::size_t bytes = SIZE_MAX,
+                              std::streamoff position = 0, std::optional<char> value = {}) {
     const auto* info = testing::UnitTest::GetInstance()->current_test_info();
     const fs::path folder = fs::path(testing::TempDir()) / info->name();
+    const fs::path copy = folder / "facenet.tflite";
     fs::create_directories(folder);
-    fs::copy_file(model, folder / "facenet.tflite", fs::copy_options::overwrite_existing);
-    if (bytes < fs::file_size(model)) fs::resize_file(folder / "facenet.tflite", bytes);
+    fs::copy_file(model, copy, fs::copy_options::overwrite_existing);
+    if (bytes < fs::file_size(model)) fs::resize_file(copy, bytes);
+    if (value) std::fstream(copy, std::ios::in | std::ios::out).seekp(position).put(*value);
     return FaceMatchDetector(bundleOf(folder), console);
   }
 
@@ -124,6 +127,29 @@ TEST_F(FaceMatching, ReportsAModelThatTakesAnotherPicture) {
   EXPECT_EQ(console.lines[0],
             "ERROR detecting face match: "
             "The face model's input takes 196608 bytes, but the picture has 307200.");
+}
+
+TEST_F(FaceMatching, NamesWhatIsWrongInsideAModel) {
+  const struct {
+    // In the tiny model: an operator's code, what it is given, how many inputs and outputs there are.
+    std::streamoff position;
+    char value;
+    std::string line;
+  } cases[] = {
+      {2956, '\xff',
+       "initializing FaceMatchDetector: The face model facenet.tflite needs what this "
+       "TensorFlow Lite does not offer."},
+      {2236, 1, "initializing FaceMatchDetector: The face model's tensors could not be allocated."},
+      {2392, 0, "detecting face match: The face model has no input."},
+      {2384, 0, "detecting face match: The face model's output could not be read."},
+  };
+  testing::internal::CaptureStderr();
+  for (const auto& [position, value, line] : cases) {
+    console.lines.clear();
+    EXPECT_FALSE(withModel(tinyModel, SIZE_MAX, position, value).faceMatch(face, face, 2));
+    EXPECT_EQ(console.lines, std::vector<std::string>{"ERROR " + line});
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "the library's own words are kept back";
 }
 
 TEST_F(FaceMatching, WhitensEachPictureAsAWhole) {

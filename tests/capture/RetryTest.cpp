@@ -72,6 +72,12 @@ TEST_F(Retry, OfEveryKindLeadsThroughTheWholeFlowAgain) {
   EXPECT_EQ(world.host.recordersMade(), 1);
   EXPECT_EQ(mode(), VideoCaptureMode::selfieCapture);
   reachReading();
+  world.tap("doneButton");
+  EXPECT_EQ(world.imageView("idImageView").image()->name(), "overlay_portrait_id_front")
+      << "at once";
+  world.advance(1);
+  answer("retryButton");
+  reachReading();
   EXPECT_TRUE(world.mediaDevices.microphone->isRunning());
   readAndFinish();
   expectAccepted();
