@@ -19,14 +19,6 @@ namespace tests {
 /// Everything the module needs, on a virtual clock, with a scripted host and a screen whose every
 /// view a test can read and touch by its outlet's name.
 ///
-///     TestWorld world;
-///     world.factories["VideoCaptureViewController"] = ...;
-///     capture::videoIDCapture(*world.root, front, back, text, completion);
-///     world.advance(1);
-///     world.recorder().report(SelfieCaptureState{SelfieCaptureState::MoveCloser{}});
-///     world.advance(0);
-///     EXPECT_EQ(world.text("selfieOverlayLabel"), "Move closer");
-///
 /// Faults (a missing resource, a refused microphone) are set on the public members, before the
 /// entry.
 class TestWorld {
@@ -68,12 +60,10 @@ class TestWorld {
 
   /// The controller on top of everything (inside a navigation controller its root).
   platform::UIViewController& topmost() { return window_->topmost(); }
-  template <class Controller>
-  Controller* topmostAs() {
-    return dynamic_cast<Controller*>(&topmost());
-  }
   /// The alert on top; null when there is none.
-  platform::UIAlertController* alert() { return topmostAs<platform::UIAlertController>(); }
+  platform::UIAlertController* alert() {
+    return dynamic_cast<platform::UIAlertController*>(&topmost());
+  }
   /// "CLASS OF SCENE" of the scene on top, as "VideoRetryViewController"; empty for other screens.
   std::string topmostScene() { return topmost().view().name(); }
 
