@@ -9,8 +9,6 @@
 
 namespace {
 
-using platform::AVFileType;
-
 /// A microphone whose session is stopped by someone else while it starts.
 class SlowMicrophone final : public platform::AVCaptureDevice {
  public:
@@ -36,14 +34,15 @@ class SlowMicrophone final : public platform::AVCaptureDevice {
   }
   void stop() override { stopped = true; }
   std::vector<platform::AVVideoCodecType> availableVideoCodecTypes(
-      const AVFileType&) const override {
+      const platform::AVFileType&) const override {
     return {};
   }
-  bool recommendedVideoSettings(const platform::AVVideoCodecType&, const AVFileType&,
+  bool recommendedVideoSettings(const platform::AVVideoCodecType&, const platform::AVFileType&,
                                 platform::WriterSettings&) const override {
     return false;
   }
-  bool recommendedAudioSettings(const AVFileType&, platform::WriterSettings&) const override {
+  bool recommendedAudioSettings(const platform::AVFileType&,
+                                platform::WriterSettings&) const override {
     return false;
   }
 };

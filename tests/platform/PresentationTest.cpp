@@ -89,30 +89,29 @@ TEST_F(Presentation, AnAlertLeavesItsPresenterInPlaceAndAnswersOnce) {
   EXPECT_FALSE(alert->choose(0));
 }
 
-TEST_F(Presentation, ARefusedSecondPresentationIsToldOnTheConsole) {
+TEST_F(Presentation, IsRefusedWithAWarningOnAScreenThatPresentsOrIsGoingAwayOrGone) {
   const auto a = shown("a", *world.root);
   a->present(makeAlert(), true);
   a->present(screen("b"), true, noting("never"));
+  EXPECT_EQ(world.console.lines.size(), 1u);
   world.advance(1);
-  EXPECT_EQ(log, Log{});
-  ASSERT_EQ(world.console.lines.size(), 1u);
-  EXPECT_NE(world.console.lines[0].find("WARNING"), std::string::npos);
-}
+  world.alert()->choose(0);
+  world.advance(1);
 
-TEST_F(Presentation, NothingIsPresentedOnAScreenThatIsGoingAwayOrGone) {
-  const auto a = shown("a", *world.root);
   a->dismiss(true, noting("dismissed"));
-  a->present(screen("b"), true);
-  world.advance(1);
   a->present(screen("c"), true);
   world.advance(1);
-  EXPECT_EQ(log, (Log{"a will disappear", "a did disappear", "dismissed"}));
-  EXPECT_EQ(world.console.lines.size(), 2u);
+  a->present(screen("d"), true);
+  world.advance(1);
+  EXPECT_EQ(log, (Log{"alert answered", "a will disappear", "a did disappear", "dismissed"}));
+  ASSERT_EQ(world.console.lines.size(), 3u);
+  for (const std::string& line : world.console.lines)
+    EXPECT_NE(line.find("WARNING"), std::string::npos);
   EXPECT_EQ(&world.topmost(), world.root.get());
 
   world.root->present(a, false);
-  a->present(screen("d"), false);
-  EXPECT_EQ(world.console.lines.size(), 2u) << "presented anew, it presents again";
+  a->present(screen("e"), false);
+  EXPECT_EQ(world.console.lines.size(), 3u) << "presented anew, it presents again";
 }
 
 TEST_F(Presentation, DismissingAScreenTakesAwayItsNavigationControllerAndAllAbove) {
@@ -150,62 +149,50 @@ TEST_F(Presentation, ADismissalDuringThePresentationEndsItInOrder) {
 }
 
 TEST_F(Presentation, AControlAnswersOnlyWhereItCanBeTouched) {
-  const auto screenA = screen("a");
+  const auto a = screen("a");
   const auto outer = std::make_shared<platform::UIView>();
   const auto button = std::make_shared<platform::UIButton>();
   outer->addSubview(button);
-  screenA->view().addSubview(outer);
-  int touches = 0;
-  button->setAction([&] { ++touches; });
+  a->view().addSubview(outer);
+  button->setAction([] {});
   EXPECT_FALSE(button->touchUpInside()) << "its screen is not shown";
-  world.root->present(screenA, false);
+  world.root->present(a, false);
   EXPECT_TRUE(button->touchUpInside());
-
-  outer->setAlpha(0.009);
-  EXPECT_FALSE(button->touchUpInside()) << "it can hardly be seen";
-  outer->setAlpha(0.01);
-  EXPECT_TRUE(button->touchUpInside());
-  outer->setHidden(true);
-  EXPECT_FALSE(button->touchUpInside());
-  outer->setHidden(false);
+  for (const double alpha : {0.009, 0.01}) {
+    outer->setAlpha(alpha);
+    EXPECT_EQ(button->touchUpInside(), alpha == 0.01) << "it can hardly be seen";
+  }
+  for (const bool off : {true, false}) {
+    outer->setHidden(off);
+    EXPECT_EQ(button->touchUpInside(), !off);
+  }
   button->setEnabled(false);
   EXPECT_FALSE(button->touchUpInside());
   button->setEnabled(true);
-  screenA->present(makeAlert(), false);
+  a->present(makeAlert(), false);
   EXPECT_FALSE(button->touchUpInside()) << "an alert lies above it";
-  screenA->dismiss(false);
-  EXPECT_EQ(touches, 2);
 }
 
-TEST_F(Presentation, AViewAnswersTouchOnlyWhenItsAnimationIsOver) {
-  const auto shown = screen("a");
+TEST_F(Presentation, AnAnimationShowsItsEndAtOnceButIsTouchedAndCompletesWhenItIsOver) {
+  const auto a = screen("a");
   const auto fading = std::make_shared<platform::UIButton>();
   const auto still = std::make_shared<platform::UIButton>();
   for (const auto& button : {fading, still}) {
     button->setAction([] {});
-    shown->view().addSubview(button);
+    a->view().addSubview(button);
   }
-  world.root->present(shown, false);
-  platform::UIView::animate(world.environment, platform::seconds(0.5),
-                            [&] { fading->setAlpha(0.9); });
-  EXPECT_FALSE(fading->touchUpInside());
-  EXPECT_TRUE(still->touchUpInside());
+  world.root->present(a, false);
+  log.clear();
+  platform::UIView::animate(
+      world.environment, platform::seconds(0.5), [&] { fading->setAlpha(0.9); }, noting("done"));
+  EXPECT_EQ(fading->alpha(), 0.9);
   world.advance(0.49);
   still->setAlpha(0.5);  // no part of the animation
   EXPECT_FALSE(fading->touchUpInside());
   EXPECT_TRUE(still->touchUpInside());
-  world.advance(0.01);
-  EXPECT_TRUE(fading->touchUpInside());
-}
-
-TEST_F(Presentation, AnAnimationShowsItsEndAtOnceAndCompletesLater) {
-  platform::UIView view;
-  platform::UIView::animate(
-      world.environment, platform::seconds(0.5), [&] { view.setAlpha(0); }, noting("done"));
-  EXPECT_EQ(view.alpha(), 0);
-  world.advance(0.49);
   EXPECT_EQ(log, Log{});
   world.advance(0.01);
+  EXPECT_TRUE(fading->touchUpInside());
   EXPECT_EQ(log, Log{"done"});
 }
 
