@@ -13,10 +13,8 @@ namespace {
 constexpr platform::CGRect kOval{140, 240, 440, 600};
 
 SelfieAnalyzer& analyzer() {
-  const auto unowned = [](auto& object) {
-    return std::shared_ptr<std::decay_t<decltype(object)>>(&object, [](auto*) {});
-  };
-  static SelfieAnalyzer shared(unowned(tests::detector()), unowned(tests::landmarks()));
+  static SelfieAnalyzer shared({&tests::detector(), [](auto*) {}},
+                               {&tests::landmarks(), [](auto*) {}});
   return shared;
 }
 
