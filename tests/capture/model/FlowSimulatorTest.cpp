@@ -104,8 +104,11 @@ class TwinFlow final : private corvana::DecisionObserver {
   std::string run(int steps) {
     std::string fault = faultNow();
     if (fault.empty()) fault = take({"wait 0.4", nullptr, 0.4});
-    for (int i = 0; fault.empty() && i < steps; ++i)
+    for (int i = 0; fault.empty() && i < steps; ++i) {
       fault = take(careful_ ? host_.next(dice_) : wildStep(dice_, beginning_));
+      if (careful_ && fault.empty() && !host_.breaches().empty())
+        fault = "  the host broke a promise: " + host_.breaches().front() + "\n";
+    }
     for (int i = 0; fault.empty() && i < kTouchesToTheEnd && !seen_.screen.expired(); ++i)
       fault = take(leave(i));
     if (fault.empty() && !seen_.screen.expired()) fault = "  the screen has not gone\n";
@@ -187,8 +190,6 @@ void TwinFlow::noteEvents() {
 
 /// What a host that keeps its promises may rely on.
 std::string TwinFlow::brokenInvariant(const Step& step, const std::optional<Sight>& before) {
-  if (!host_.breaches().empty())
-    return "  the host broke a promise: " + host_.breaches().front() + "\n";
   if (seen_.results.size() > 1) return "  the completion ran more than once\n";
   const bool flips = before && !before->card.hidden && before->progress == 1.0F;
   if (flips && step.isCardState && step.seconds == 0 && sight_ && !(*sight_ == *before))
