@@ -1,5 +1,6 @@
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -12,14 +13,12 @@
 namespace {
 
 using devices::PersonHabits;
-using platform::seconds;
-using platform::UIViewController;
+using Lines = std::vector<std::string>;
 
 /// A screen of the storyboard that notes which of its controls were touched.
-class PlainScreen final : public UIViewController {
+class PlainScreen final : public platform::UIViewController {
  public:
-  PlainScreen(platform::Environment& environment, std::vector<std::string> actions,
-              std::vector<std::string>& touched)
+  PlainScreen(platform::Environment& environment, Lines actions, Lines& touched)
       : UIViewController(environment), actions_(std::move(actions)), touched_(touched) {
     setModalPresentationStyle(platform::UIModalPresentationStyle::fullScreen);
   }
@@ -33,25 +32,28 @@ class PlainScreen final : public UIViewController {
   }
 
  private:
-  std::vector<std::string> actions_;
-  std::vector<std::string>& touched_;
+  Lines actions_;
+  Lines& touched_;
 };
 
 class Person : public testing::Test {
  protected:
   Person() {
     world.environment.presentations = &hub;
-    offer("VideoCaptureViewController", {"close", "doneReadingText"});
-    offer("VideoRetryViewController", {"retry", "cancel"});
+    for (const auto& [scene, actions] :
+         {std::pair<const char*, Lines>(kCapture, {"close", "doneReadingText"}),
+          {kRetry, {"retry", "cancel"}}}) {
+      world.factories[scene] = [this, actions = actions](platform::Environment& environment) {
+        return std::make_shared<PlainScreen>(environment, actions, touched);
+      };
+    }
   }
-  void offer(const std::string& scene, const std::vector<std::string>& actions) {
-    world.factories[scene] = [this, actions](platform::Environment& environment) {
-      return std::make_shared<PlainScreen>(environment, actions, touched);
-    };
-  }
-  void show(const std::string& scene) {
+  void show(const char* scene) {
     const auto storyboard = world.bundle.storyboard(world.environment, "VideoCapture");
-    world.topmost().present(storyboard->instantiateViewController(scene), true);
+    const auto screen = storyboard->instantiateViewController(scene);
+    auto* label = devices::findView<platform::UILabel>(screen->view(), "label");
+    if (label) label->setText("Again?");
+    world.topmost().present(screen, true);
     world.advance(0.4);
   }
   void showAlert() {
@@ -60,91 +62,72 @@ class Person : public testing::Test {
     world.topmost().present(alert, true);
     world.advance(0.4);
   }
-  devices::HeadlessPerson& person(const PersonHabits& habits) {
-    person_ = std::make_unique<devices::HeadlessPerson>(world.loop, habits);
-    hub.add(*person_);
-    return *person_;
+  void enter(const PersonHabits& habits) {
+    person = std::make_unique<devices::HeadlessPerson>(world.loop, habits);
+    hub.add(*person);
   }
+  void setReadingAlpha(double alpha) { world.view("readingTextOverlayView").setAlpha(alpha); }
 
-  devices::FlowReporter& report() {
-    reporter_ = std::make_unique<devices::FlowReporter>(
-        world.loop, [this](const auto& event) { lines.push_back(describe(event)); });
-    hub.add(*reporter_);
-    return *reporter_;
-  }
-
-  std::vector<std::string> touched;
-  std::vector<std::string> lines;
+  static constexpr auto kCapture = "VideoCaptureViewController";
+  static constexpr auto kRetry = "VideoRetryViewController";
+  Lines touched;
   devices::ScreenHub hub;
-  std::unique_ptr<devices::HeadlessPerson> person_;
-  std::unique_ptr<devices::FlowReporter> reporter_;
+  std::unique_ptr<devices::HeadlessPerson> person;
   tests::TestWorld world;
 };
 
-TEST_F(Person, RetriesAsOftenAsToldThenCancels) {
-  auto& someone = person({.onRetry = PersonHabits::OnRetry::retry, .maxRetries = 2});
-  for (int i = 0; i < 3; ++i) {
-    show("VideoRetryViewController");
-    EXPECT_EQ(touched.size(), static_cast<std::size_t>(i)) << "a person takes their time";
+TEST_F(Person, RetriesAsOftenAsToldThenCancelsAndAnswersAlerts) {
+  enter({.onRetry = PersonHabits::OnRetry::retry, .maxRetries = 2});
+  for (std::size_t i = 0; i < 3; ++i) {
+    show(kRetry);
+    EXPECT_EQ(touched.size(), i) << "a person takes their time";
     world.advance(2);
   }
-  EXPECT_EQ(touched, (std::vector<std::string>{"retry", "retry", "cancel"}));
-  EXPECT_EQ(someone.retries(), 2);
-}
-
-TEST_F(Person, CancelsAtOnceWhenToldSoAndAnswersAlerts) {
-  person({.onRetry = PersonHabits::OnRetry::cancel});
-  show("VideoRetryViewController");
-  world.advance(2);
   showAlert();
   world.advance(2);
-  EXPECT_EQ(touched, (std::vector<std::string>{"cancel", "alert"}));
+  EXPECT_EQ(touched, (Lines{"retry", "retry", "cancel", "alert"}));
+  EXPECT_EQ(person->retries(), 2);
   EXPECT_EQ(&world.topmost(), world.root.get());
 }
 
 TEST_F(Person, TouchesDoneOnlyWhenItIsInSightLongEnough) {
-  person({.doneAfter = seconds(5)});
-  show("VideoCaptureViewController");
+  enter({.doneAfter = platform::seconds(5)});
+  show(kCapture);
   world.advance(10);
   EXPECT_TRUE(touched.empty()) << "the overlay is transparent";
-  world.view("readingTextOverlayView").setAlpha(1);
+  setReadingAlpha(1);
   world.advance(4);
-  world.view("readingTextOverlayView").setAlpha(0);
+  setReadingAlpha(0);
   world.advance(10);
   EXPECT_TRUE(touched.empty()) << "it went away before";
-  world.view("readingTextOverlayView").setAlpha(1);
+  setReadingAlpha(1);
   world.advance(4.9);
   EXPECT_TRUE(touched.empty());
   world.advance(0.1);
-  EXPECT_EQ(touched, std::vector<std::string>{"doneReadingText"});
+  EXPECT_EQ(touched, Lines{"doneReadingText"});
 }
 
 TEST_F(Person, TouchesDoneAgainWhenAnAlertLayOverIt) {
-  person({.doneAfter = seconds(1), .reactionTime = seconds(3)});
-  show("VideoCaptureViewController");
-  world.view("readingTextOverlayView").setAlpha(1);
+  enter({.doneAfter = platform::seconds(1), .reactionTime = platform::seconds(3)});
+  show(kCapture);
+  setReadingAlpha(1);
   showAlert();
   world.advance(10);
-  EXPECT_EQ(touched, (std::vector<std::string>{"alert", "doneReadingText"}));
-}
-
-TEST_F(Person, WithoutHabitNeverTouchesDone) {
-  person({});
-  show("VideoCaptureViewController");
-  world.view("readingTextOverlayView").setAlpha(1);
-  world.advance(1000);
-  EXPECT_TRUE(touched.empty());
+  EXPECT_EQ(touched, (Lines{"alert", "doneReadingText"}));
 }
 
 TEST_F(Person, TheReporterTellsOnlyChangesOfWhatIsInSight) {
-  devices::FlowReporter& reporter = report();
-  const auto expect = [&](const std::vector<std::string>& expected) {
+  Lines lines;
+  devices::FlowReporter reporter(world.loop,
+                                 [&](const auto& event) { lines.push_back(describe(event)); });
+  hub.add(reporter);
+  const auto expect = [&](const Lines& expected) {
     world.advance(0);
-    EXPECT_EQ(lines, expected);
-    lines.clear();
+    EXPECT_EQ(std::exchange(lines, {}), expected);
   };
-  show("VideoCaptureViewController");
+  show(kCapture);
   expect({"screen capture", "outline [other]"});
+  auto& capture = world.topmost();
 
   world.label("captureLabel").setText("Take a Selfie");
   world.label("selfieOverlayLabel").setText("hidden still");
@@ -168,7 +151,7 @@ TEST_F(Person, TheReporterTellsOnlyChangesOfWhatIsInSight) {
   expect({"prompt none", "outline [neutral]", "silhouette back", "progress 0.67"});
 
   world.view("idOverlayView").setAlpha(0);
-  world.view("readingTextOverlayView").setAlpha(1);
+  setReadingAlpha(1);
   world.label("readingTextCountdownLabel").setText("0:20");
   expect({"outline none", "silhouette none", "progress none", "countdown 0:20"});
 
@@ -178,31 +161,18 @@ TEST_F(Person, TheReporterTellsOnlyChangesOfWhatIsInSight) {
   world.alert()->choose(0);
   world.advance(1);
   expect({"alert none"});
-}
 
-TEST_F(Person, TheReporterIsSilentAboutACoveredScreen) {
-  report();
-  person({.onRetry = PersonHabits::OnRetry::cancel});
-  show("VideoCaptureViewController");
-  world.advance(0);
-  lines.clear();
-  auto& capture = world.topmost();
-  const auto captureView = capture.view().shared_from_this();
-  const auto storyboard = world.bundle.storyboard(world.environment, "VideoCapture");
-  const auto retry = storyboard->instantiateViewController("VideoRetryViewController");
-  dynamic_cast<platform::UILabel&>(*devices::findView(retry->view(), "label")).setText("Again?");
-  capture.present(retry, true);
-  world.label("captureLabel").setText("one");
-  world.label("captureLabel").setText("two");
+  auto& caption = world.label("captureLabel");
+  show(kRetry);
+  caption.setText("unseen below");
+  caption.setText("seen when the other has gone");
+  expect({"retry Again? (, )"});
+  world.topmost().dismiss(true);
   world.advance(1);
-  EXPECT_EQ(lines, std::vector<std::string>{"retry Again? (, )"});
-  lines.clear();
-  world.advance(2);
-  EXPECT_EQ(lines, (std::vector<std::string>{"retry none", "caption two"}));
-  lines.clear();
+  expect({"retry none", "caption seen when the other has gone"});
   capture.dismiss(true);
   world.advance(1);
-  EXPECT_EQ(lines, std::vector<std::string>{"screen closed"});
+  expect({"screen closed"});
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ using platform::seconds;
 // Only orders and ends are asked for, never durations: a slow machine must not fail.
 constexpr platform::TimePoint kFarAway = platform::TimePoint::max();
 
-TEST(RealRunLoop, MainQueueRunsInOrderOnTheCallersThread) {
+TEST(RealRunLoop, MainQueueRunsInOrderOnTheCallersThreadUntilItsDeadlineOrWoken) {
   RealRunLoop loop;
   std::vector<int> order;
   const auto here = std::this_thread::get_id();
@@ -31,15 +31,11 @@ TEST(RealRunLoop, MainQueueRunsInOrderOnTheCallersThread) {
       order.push_back(i);
     });
   }
-  EXPECT_EQ(loop.runUntil([&] { return order.size() == 4; }, kFarAway),
-            RealRunLoop::Stop::condition);
+  const auto hasAll = [&] { return order.size() == 4; };
+  EXPECT_EQ(loop.runUntil(hasAll, kFarAway), RealRunLoop::Stop::condition);
   EXPECT_EQ(order, (std::vector{1, 2, 3, 4}));
-}
-
-TEST(RealRunLoop, StopsAtItsDeadlineAndWhenWoken) {
-  RealRunLoop loop;
-  EXPECT_EQ(loop.runUntil([] { return false; }, loop.now() + seconds(0.01)),
-            RealRunLoop::Stop::deadline);
+  const auto soon = loop.now() + seconds(0.01);
+  EXPECT_EQ(loop.runUntil([] { return false; }, soon), RealRunLoop::Stop::deadline);
   std::atomic<bool> done = false;
   std::thread other([&] {
     done = true;
@@ -109,24 +105,23 @@ TEST(RealRunLoop, TimersRepeatUntilInvalidatedAndFireOnceOtherwise) {
 }
 
 TEST(RealRunLoop, ShutDownRunsNothingMoreAndDestroysWhatIsLeftOnTheMainThread) {
-  struct Probe {
-    std::thread::id& destroyedOn;
-    ~Probe() { destroyedOn = std::this_thread::get_id(); }
+  std::vector<std::thread::id> destroyedOn;
+  const auto probe = [&] {
+    return std::shared_ptr<void>(nullptr,
+                                 [&](auto) { destroyedOn.push_back(std::this_thread::get_id()); });
   };
-  std::thread::id onMain;
-  std::thread::id onWorkers;
   std::atomic<int> ran = 0;
   RealRunLoop loop;
-  loop.mainQueue().async([&, probe = std::make_shared<Probe>(onMain)] { ++ran; });
-  loop.globalQueue(QualityOfService::utility)
-      .asyncAfter(seconds(1000), [&, probe = std::make_shared<Probe>(onWorkers)] { ++ran; });
+  loop.mainQueue().async([&ran, probe = probe()] { ++ran; });
+  loop.globalQueue(QualityOfService::utility).asyncAfter(seconds(1000), [&ran, probe = probe()] {
+    ++ran;
+  });
   loop.shutDown();
   loop.shutDown();
   loop.globalQueue(QualityOfService::utility).async([&] { ++ran; });
   EXPECT_EQ(loop.runUntil([] { return false; }, loop.now()), RealRunLoop::Stop::deadline);
   EXPECT_EQ(ran, 0);
-  EXPECT_EQ(onMain, std::this_thread::get_id());
-  EXPECT_EQ(onWorkers, std::this_thread::get_id());
+  EXPECT_EQ(destroyedOn, std::vector(2, std::this_thread::get_id()));
 }
 
 TEST(RealRunLoop, ShutDownEmptiesAQueueWhoseBlocksOwnIt) {
@@ -147,21 +142,16 @@ TEST(RealRunLoop, ShutDownEmptiesAQueueWhoseBlocksOwnIt) {
 }
 
 TEST(RealRunLoop, AnOwnerLetGoOnAWorkerIsDestroyedOnMain) {
-  struct Owner {
-    std::function<void()> atEnd;
-    ~Owner() { atEnd(); }
-  };
   RealRunLoop loop;
   std::thread::id destroyedOn;
-  bool gone = false;
-  auto owner = std::make_shared<Owner>([&] {
+  std::shared_ptr<int> owner(new int, [&](int* owned) {
     destroyedOn = std::this_thread::get_id();
-    gone = true;
+    delete owned;
   });
   loop.globalQueue(QualityOfService::utility).async([&loop, owner = std::move(owner)]() mutable {
     platform::releaseOnMain(loop, std::move(owner));
   });
-  loop.runUntil([&] { return gone; }, kFarAway);
+  loop.runUntil([&] { return destroyedOn != std::thread::id(); }, kFarAway);
   EXPECT_EQ(destroyedOn, std::this_thread::get_id());
 }
 
