@@ -4,7 +4,6 @@
 
 #include "MediaTestSupport.h"
 #include "devices/gstreamer/ImageFile.h"
-#include "devices/gstreamer/MediaElements.h"
 
 namespace devices::test {
 namespace {
@@ -18,13 +17,11 @@ constexpr int kHeight = 24;
 /// Left half red, right half blue, with a green band at the top.
 PixelBuffer flag() {
   std::vector<std::uint8_t> bytes;
-  for (int y = 0; y < kHeight; ++y) {
-    for (int x = 0; x < kWidth; ++x) {
-      const bool top = y < kHeight / 3;
-      const bool left = x < kWidth / 2;
-      for (const bool on : {left && !top, top, !left && !top})
-        bytes.push_back(on ? 255 : 0);
-    }
+  for (int i = 0; i < kWidth * kHeight; ++i) {
+    const bool top = i / kWidth < kHeight / 3;
+    const bool left = i % kWidth < kWidth / 2;
+    for (const bool on : {left && !top, top, !left && !top})
+      bytes.push_back(on ? 255 : 0);
   }
   return PixelBuffer(kWidth, kHeight, PixelFormat::rgb24, bytes);
 }
@@ -38,6 +35,12 @@ char colourAt(const PixelBuffer& image, char edge) {
   return "RGB"[std::max_element(pixel, pixel + 3) - pixel];
 }
 
+void expectRed(const std::uint8_t* pixel) {
+  EXPECT_NEAR(pixel[0], 254, 8);
+  EXPECT_NEAR(pixel[1], 0, 8);
+  EXPECT_NEAR(pixel[2], 0, 8);
+}
+
 /// Puts an EXIF note on the orientation behind the first marker of a JPEG file.
 std::string withOrientation(const std::string& jpeg, char orientation) {
   using namespace std::string_literals;
@@ -48,7 +51,7 @@ std::string withOrientation(const std::string& jpeg, char orientation) {
 }
 
 TEST(ImageFileTest, readsWhatItWrites) {
-  TemporaryFolder folder;
+  ScratchFolder folder;
   const PixelBuffer image = flag();
   ASSERT_TRUE(writePng(folder / "flag.png", image));
   const auto png = readImage(folder / "flag.png");
@@ -60,17 +63,14 @@ TEST(ImageFileTest, readsWhatItWrites) {
   const auto jpeg = readImage(folder / "flag.jpg");
   ASSERT_TRUE(jpeg) << jpeg.error();
   ASSERT_EQ((*jpeg)->width(), kWidth);
-  const std::uint8_t* red = (*jpeg)->plane(0) + 20 * (*jpeg)->stride(0) + 5 * 3;
-  EXPECT_NEAR(red[0], 255, 8);
-  EXPECT_NEAR(red[1], 0, 8);
-  EXPECT_NEAR(red[2], 0, 8);
+  expectRed((*jpeg)->plane(0) + 20 * (*jpeg)->stride(0) + 5 * 3);
   struct stat status {};
   ASSERT_EQ(::stat((folder / "flag.jpg").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777, 0600u);
 }
 
 TEST(ImageFileTest, writesLimitedRangeColoursAsTheyAre) {
-  TemporaryFolder folder;
+  ScratchFolder folder;
   // BT.601: this is a strong, pure red.
   std::vector<std::uint8_t> bytes(64 * 64, 81);
   bytes.resize(bytes.size() + 32 * 32, 90);
@@ -78,35 +78,28 @@ TEST(ImageFileTest, writesLimitedRangeColoursAsTheyAre) {
   ASSERT_TRUE(writePng(folder / "red.png", PixelBuffer(64, 64, PixelFormat::i420, bytes)));
   const auto red = readImage(folder / "red.png");
   ASSERT_TRUE(red) << red.error();
-  EXPECT_NEAR((*red)->bytes()[0], 254, 3);
-  EXPECT_NEAR((*red)->bytes()[1], 0, 3);
-  EXPECT_NEAR((*red)->bytes()[2], 0, 3);
+  expectRed((*red)->plane(0));
 }
 
 TEST(ImageFileTest, turnsPicturesUpright) {
-  TemporaryFolder folder;
+  ScratchFolder folder;
   ASSERT_TRUE(writeJpeg(folder / "flag.jpg", flag()));
   const std::string jpeg = bytesOf(folder / "flag.jpg");
-  // At which edge of the upright picture green and red lie.
-  const struct {
-    char orientation;
-    char green;
-    char red;
-  } kCases[] = {{1, 't', 'l'}, {2, 't', 'r'}, {3, 'b', 'r'}, {4, 'b', 'l'},
-                {5, 'l', 't'}, {6, 'r', 't'}, {7, 'r', 'b'}, {8, 'l', 'b'}};
-  for (const auto& test : kCases) {
-    SCOPED_TRACE(static_cast<int>(test.orientation));
-    writeBytes(folder / "turned.jpg", withOrientation(jpeg, test.orientation));
+  // At which edges of the upright picture green and red lie, for each orientation.
+  int orientation = 0;
+  for (const std::string sides : {"tl", "tr", "br", "bl", "lt", "rt", "rb", "lb"}) {
+    SCOPED_TRACE(++orientation);
+    writeBytes(folder / "turned.jpg", withOrientation(jpeg, static_cast<char>(orientation)));
     const auto image = readImage(folder / "turned.jpg");
     ASSERT_TRUE(image) << image.error();
-    EXPECT_EQ((*image)->width(), test.orientation > 4 ? kHeight : kWidth);
-    EXPECT_EQ(colourAt(**image, test.green), 'G');
-    EXPECT_EQ(colourAt(**image, test.red), 'R');
+    EXPECT_EQ((*image)->width(), orientation > 4 ? kHeight : kWidth);
+    EXPECT_EQ(colourAt(**image, sides[0]), 'G');
+    EXPECT_EQ(colourAt(**image, sides[1]), 'R');
   }
 }
 
 TEST(ImageFileTest, saysInOneSentenceWhatIsWrong) {
-  TemporaryFolder folder;
+  ScratchFolder folder;
   ASSERT_TRUE(writePng(folder / "flag.png", flag()));
   ASSERT_TRUE(writeJpeg(folder / "flag.jpg", flag()));
   const std::string png = bytesOf(folder / "flag.png");
@@ -117,26 +110,16 @@ TEST(ImageFileTest, saysInOneSentenceWhatIsWrong) {
   writeBytes(folder / "cut.png", png.substr(0, 60));
   writeBytes(folder / "cut.jpg", jpeg.substr(0, 30));
   writeBytes(folder / "text.jpg", "no picture");
-  const struct {
-    const char* name;
-    const char* part;
-  } kCases[] = {{"none.png", "There is no file"}, {".", "is not a file"},
-                {"text.jpg", "is not a picture"}, {"bomb.png", "claims 65535x65535"},
-                {"cut.png", "is damaged"},        {"cut.jpg", "is not a picture"}};
-  for (const auto& test : kCases) {
-    const auto image = readImage(folder / test.name);
-    ASSERT_FALSE(image) << test.name;
-    EXPECT_NE(image.error().find(test.part), std::string::npos) << image.error();
+  const std::pair<const char*, const char*> cases[] = {
+      {"none.png", "There is no file"}, {".", "is not a file"},
+      {"text.jpg", "is not a picture"}, {"bomb.png", "claims 65535x65535"},
+      {"cut.png", "is damaged"},        {"cut.jpg", "is not a picture"}};
+  for (const auto& [name, part] : cases) {
+    const auto image = readImage(folder / name);
+    ASSERT_FALSE(image) << name;
+    EXPECT_NE(image.error().find(part), std::string::npos) << image.error();
   }
   EXPECT_FALSE(writePng(folder / "none/flag.png", flag()));
-}
-
-TEST(MediaElementsTest, findsAllThatThisMachineNeeds) {
-  for (const MissingElement& missing : missingElements()) {
-    ADD_FAILURE() << missing.element << ": install " << missing.package;
-  }
-  EXPECT_FALSE(realTimeVideoCodecs().empty());
-  EXPECT_FALSE(isElementInstalled("no-such-element"));
 }
 
 }  // namespace
