@@ -8,10 +8,10 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "app/SimulateCommand.h"
 #include "support/HostTablesGuard.h"
+#include "support/Scratch.h"
 
 namespace {
 
@@ -85,17 +85,11 @@ TEST(Simulate, ScriptsShowWhatTheirGoldensSay) {
 
 class HostileScript : public testing::Test {
  protected:
-  void SetUp() override {
-    folder_ = fs::temp_directory_path() / ("simulate-" + std::to_string(getpid()));
-    fs::create_directory(folder_);
-  }
-  void TearDown() override { fs::remove_all(folder_); }
   Played play(const std::string& content) {
-    const fs::path script = folder_ / "script.json";
-    std::ofstream(script) << content;
-    return simulate(script);
+    tests::writeBytes(folder_ / "script.json", content);
+    return simulate(folder_ / "script.json");
   }
-  fs::path folder_;
+  const tests::ScratchFolder folder_;
 };
 
 std::string scriptWith(const std::string& stepsAndMore) {
@@ -103,10 +97,7 @@ std::string scriptWith(const std::string& stepsAndMore) {
 }
 
 TEST_F(HostileScript, EndsWithOneSentenceThatNamesThePlace) {
-  const struct {
-    std::string content;
-    const char* sentence;
-  } cases[] = {
+  const std::pair<std::string, const char*> cases[] = {
       {"", "not valid JSON"},
       {"[]", "the script must be a JSON object"},
       {"{\"text\": \"a\"", "not valid JSON"},
@@ -154,10 +145,10 @@ TEST_F(HostileScript, EndsWithOneSentenceThatNamesThePlace) {
        "steps[0] has nobody to hear it"},
       {scriptWith(R"("steps": [])"), "The script ended before the flow did"},
   };
-  for (const auto& c : cases) {
-    const Played run = play(c.content);
-    EXPECT_EQ(run.exitCode, ExitCode::wrongUse) << c.content;
-    EXPECT_NE(run.err.find(c.sentence), std::string::npos) << run.err;
+  for (const auto& [content, sentence] : cases) {
+    const Played run = play(content);
+    EXPECT_EQ(run.exitCode, ExitCode::wrongUse) << content;
+    EXPECT_NE(run.err.find(sentence), std::string::npos) << run.err;
     EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
   }
   EXPECT_EQ(simulate(folder_ / "none.json").exitCode, ExitCode::wrongUse);
