@@ -131,7 +131,7 @@ TEST_F(FaceMatching, ReportsAModelThatTakesAnotherPicture) {
 
 TEST_F(FaceMatching, NamesWhatIsWrongInsideAModel) {
   const struct {
-    // In the tiny model: an operator's code, what it is given, how many inputs and outputs there are.
+    // In the tiny model: an operator's code, its input, how many inputs and outputs there are.
     std::streamoff position;
     char value;
     std::string line;

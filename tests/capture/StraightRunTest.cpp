@@ -68,6 +68,16 @@ TEST_F(StraightRun, RecordsEachDecisionWithItsNumbers) {
   EXPECT_EQ(decisions[5].value, 1.0);
 }
 
+TEST_F(StraightRun, RecordsNoDecisionWhereNothingIsCompared) {
+  front.faceImage = nullptr;
+  enter();
+  showFace(kHolder);
+  EXPECT_TRUE(decisions.empty());
+  showSide(front);
+  ASSERT_EQ(decisions.size(), 1u);
+  EXPECT_EQ(decisions[0].name, std::string("frontText"));
+}
+
 TEST_F(StraightRun, TwoEntriesShareNothing) {
   enter();
   auto& first = *world.host.recorder();
