@@ -46,6 +46,40 @@ TEST_F(Looks, OfTheCardAreTheHostsSilhouettesWhereItHasSome) {
   EXPECT_EQ(world.text("captureLabel"), IDCapture::strings.captureBack);
 }
 
+/// A screen that plays animations, as the capture screen sees it.
+struct Player final : platform::AnimationPlayer, platform::ViewObserver {
+  void willAnimate(platform::Duration duration) override {
+    played.push_back("fade " + std::to_string(platform::inSeconds(duration)));
+  }
+  void willFlip(platform::UIView& view, platform::Duration duration) override {
+    played.push_back("flip " + view.name() + " " + std::to_string(platform::inSeconds(duration)));
+  }
+  void viewChanged(platform::UIView&, const char* property) override {
+    layouts += property == std::string("layout");
+  }
+  std::vector<std::string> played;
+  int layouts = 0;
+};
+
+TEST_F(Looks, ChangesAreAnimatedAndPromptsLaidOutAnew) {
+  enter();
+  Player player;
+  platform::UIView& root = world.view("captureLabel").root();
+  world.environment.animations = &player;
+  root.setObserver(&player);
+  selfie(Face::MoveAway{});
+  EXPECT_EQ(player.layouts, 1);
+  passSelfie();
+  card(ID::MoveAway{});
+  EXPECT_EQ(player.layouts, 3);
+  passFront();
+  passBack();
+  EXPECT_EQ(player.played, (std::vector<std::string>{"fade 0.500000", "flip idImageView 1.000000",
+                                                     "fade 0.500000"}));
+  root.setObserver(nullptr);
+  world.environment.animations = nullptr;
+}
+
 TEST(Mirrored, ReflectsAboutTheVerticalCentreLine) {
   using platform::CGRect;
   EXPECT_EQ(capture::mirrored({0, 5, 100, 7}, {400, 1}), (CGRect{300, 5, 100, 7}));
