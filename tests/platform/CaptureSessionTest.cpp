@@ -4,22 +4,20 @@
 
 #include <gtest/gtest.h>
 
+#include "devices/scripted/ScriptedMedia.h"
 #include "platform/foundation/VirtualRunLoop.h"
 #include "platform/media/CaptureSession.h"
 
 namespace {
 
 /// A microphone whose session is stopped by someone else while it starts.
-class SlowMicrophone final : public platform::AVCaptureDevice {
+class SlowMicrophone final : public devices::ScriptedCaptureDevice {
  public:
+  using ScriptedCaptureDevice::ScriptedCaptureDevice;
   platform::AVCaptureSession* session = nullptr;
   std::thread other;
   bool overtaken = false;
-  std::atomic<bool> stopped = false;
 
-  std::string localizedName() const override { return "slow"; }
-  platform::AVMediaType mediaType() const override { return platform::AVMediaType::audio; }
-  bool open() override { return true; }
   void start(SampleHandler) override {
     std::atomic<bool> begun = false;
     other = std::thread([&, this] {
@@ -28,29 +26,16 @@ class SlowMicrophone final : public platform::AVCaptureDevice {
     });
     while (!begun)
       std::this_thread::yield();
-    for (int i = 0; i < 1000 && !stopped; ++i)
+    for (int i = 0; i < 1000 && stops() == 0; ++i)
       std::this_thread::yield();
-    overtaken = stopped;
-  }
-  void stop() override { stopped = true; }
-  std::vector<platform::AVVideoCodecType> availableVideoCodecTypes(
-      const platform::AVFileType&) const override {
-    return {};
-  }
-  bool recommendedVideoSettings(const platform::AVVideoCodecType&, const platform::AVFileType&,
-                                platform::WriterSettings&) const override {
-    return false;
-  }
-  bool recommendedAudioSettings(const platform::AVFileType&,
-                                platform::WriterSettings&) const override {
-    return false;
+    overtaken = stops() > 0;
   }
 };
 
 // A device may take long to start, and the screen that wanted it may be going by then.
 TEST(CaptureSession, StopsADeviceOnlyWhenItHasStarted) {
   platform::VirtualRunLoop loop;
-  const auto microphone = std::make_shared<SlowMicrophone>();
+  const auto microphone = std::make_shared<SlowMicrophone>(platform::AVMediaType::audio);
   platform::AVCaptureSession session;
   microphone->session = &session;
   session.addInput(*platform::AVCaptureDeviceInput::make(microphone));
@@ -58,7 +43,7 @@ TEST(CaptureSession, StopsADeviceOnlyWhenItHasStarted) {
   session.startRunning();
   microphone->other.join();
   EXPECT_FALSE(microphone->overtaken);
-  EXPECT_TRUE(microphone->stopped);
+  EXPECT_EQ(microphone->stops(), 1);
   EXPECT_FALSE(session.isRunning());
 }
 

@@ -18,7 +18,7 @@ namespace devices {
 
 /// A camera or microphone whose samples, codecs and faults a script decides. Samples may be pushed
 /// on any thread; the script's settings belong to the main queue.
-class ScriptedCaptureDevice final : public platform::AVCaptureDevice {
+class ScriptedCaptureDevice : public platform::AVCaptureDevice {
  public:
   explicit ScriptedCaptureDevice(platform::AVMediaType type) : type_(type) {}
 
