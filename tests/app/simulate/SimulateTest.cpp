@@ -1,11 +1,8 @@
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <set>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -36,28 +33,6 @@ Played simulate(const fs::path& script) {
   return {exitCode, out.str(), err.str()};
 }
 
-std::vector<std::string> linesOf(std::istream&& content) {
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(content, line);)
-    lines.push_back(line);
-  return lines;
-}
-
-/// The stretch in which two texts differ, as "- " and "+ " lines; empty when they are equal.
-std::string difference(std::vector<std::string> before, std::vector<std::string> after) {
-  const auto first = std::ranges::mismatch(before, after);
-  before.erase(before.begin(), first.in1);
-  after.erase(after.begin(), first.in2);
-  while (!before.empty() && !after.empty() && before.back() == after.back())
-    before.pop_back(), after.pop_back();
-  std::string result;
-  for (const std::string& line : before)
-    result += "- " + line + '\n';
-  for (const std::string& line : after)
-    result += "+ " + line + '\n';
-  return result;
-}
-
 // The whole of what a user sees and hears and a caller gets, as text. CORVANA_RENEW_GOLDENS=1
 // writes the goldens anew, and fails: they are to be read before they are committed.
 TEST(Simulate, ScriptsShowWhatTheirGoldensSay) {
@@ -70,12 +45,10 @@ TEST(Simulate, ScriptsShowWhatTheirGoldensSay) {
       const Played run = simulate(entry.path());
       const std::string shown =
           run.out + run.err + "exit code " + std::to_string(static_cast<int>(run.exitCode)) + '\n';
-      const std::string changes =
-          difference(linesOf(std::ifstream(golden)), linesOf(std::istringstream(shown)));
       EXPECT_TRUE(fs::exists(golden)) << golden << " is missing";
-      EXPECT_TRUE(changes.empty()) << golden << ", by " << entry.path() << ":\n" << changes;
+      EXPECT_EQ(tests::bytesOf(golden), shown) << golden << ", by " << entry.path();
       goldens.erase(golden);
-      if (std::getenv("CORVANA_RENEW_GOLDENS")) std::ofstream(golden) << shown;
+      if (std::getenv("CORVANA_RENEW_GOLDENS")) tests::writeBytes(golden, shown);
     }
   }
   EXPECT_TRUE(goldens.empty()) << *goldens.begin() << " has no script";
