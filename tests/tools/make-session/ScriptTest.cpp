@@ -7,30 +7,25 @@ namespace {
 const std::string kPerson = R"("text": "hello", "person": {"portrait": "portraits/person_a.jpg")";
 
 TEST(Script, NamesWhatIsWrongWithIt) {
-  struct Case {
-    std::string json;
-    const char* named;
-  };
   const std::string good = kPerson + "}";
-  for (const Case& c : {
-           Case{"{", "valid JSON"},
-           Case{"[]", "object"},
-           Case{"{" + good + R"(, "tempo": 3})", "\"tempo\" is not a key"},
-           Case{R"({"person": {"portrait": "portraits/person_a.jpg"}})", "\"text\""},
-           Case{R"({"text": "hello"})", "\"person.portrait\""},
-           Case{R"({"text": "hello", "person": {"portrait": "nobody.jpg"}})", "nobody.jpg"},
-           Case{"{" + kPerson + R"(, "faceWidth": 5}})", "\"person.faceWidth\""},
-           Case{"{" + good + R"(, "seed": -1})", "\"seed\""},
-           Case{"{" + good + R"(, "card": {"dateOfBirth": "1990-02-30"}})", "\"card.dateOfBirth\""},
-           Case{"{" + good + R"(, "card": {"surname": "A\u0000B"}})", "\"card.surname\""},
-           Case{"{" + good + R"(, "time": {"flip": 7.5}})", "\"time\""},
-           Case{"{" + good + R"(, "faults": {"wrongBack": {"sex": "Q"}}})",
-                "\"faults.wrongBack.sex\""},
-           Case{"{" + good + R"(, "faults": {"wrongBack": 3}})", "\"faults.wrongBack\""},
+  for (const auto& [json, named] : std::initializer_list<std::pair<std::string, const char*>>{
+           {"{", "valid JSON"},
+           {"[]", "object"},
+           {"{" + good + R"(, "tempo": 3})", "\"tempo\" is not a key"},
+           {R"({"person": {"portrait": "portraits/person_a.jpg"}})", "\"text\""},
+           {R"({"text": "hello"})", "\"person.portrait\""},
+           {R"({"text": "hello", "person": {"portrait": "nobody.jpg"}})", "nobody.jpg"},
+           {"{" + kPerson + R"(, "faceWidth": 5}})", "\"person.faceWidth\""},
+           {"{" + good + R"(, "seed": -1})", "\"seed\""},
+           {"{" + good + R"(, "card": {"dateOfBirth": "1990-02-30"}})", "\"card.dateOfBirth\""},
+           {"{" + good + R"(, "card": {"surname": "A\u0000B"}})", "\"card.surname\""},
+           {"{" + good + R"(, "time": {"flip": 7.5}})", "\"time\""},
+           {"{" + good + R"(, "faults": {"wrongBack": {"sex": "Q"}}})", "\"faults.wrongBack.sex\""},
+           {"{" + good + R"(, "faults": {"wrongBack": 3}})", "\"faults.wrongBack\""},
        }) {
-    const auto script = session::parseScript(c.json, SAMPLES);
-    ASSERT_FALSE(script) << c.json;
-    EXPECT_NE(script.error().find(c.named), std::string::npos) << script.error();
+    const auto script = session::parseScript(json, SAMPLES);
+    ASSERT_FALSE(script) << json;
+    EXPECT_NE(script.error().find(named), std::string::npos) << script.error();
   }
 }
 

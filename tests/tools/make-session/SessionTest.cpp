@@ -1,6 +1,4 @@
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -8,23 +6,16 @@
 #include "Script.h"
 #include "SessionCache.h"
 #include "SessionMaker.h"
-#include "devices/gstreamer/ImageFile.h"
-#include "engine/vision/FaceDetector.h"
+#include "support/Scratch.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string bytesOf(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+using tests::bytesOf;
+using tests::writeBytes;
 
 class Session : public testing::Test {
  protected:
-  void SetUp() override { fs::create_directories(root_); }
-  void TearDown() override { fs::remove_all(root_); }
-
   /// A third of a second in which the card is on its way in.
   fs::path make(const std::string& name, std::uint64_t seed) {
     auto script = session::parseScript(
@@ -39,8 +30,7 @@ class Session : public testing::Test {
     return folder;
   }
 
-  const fs::path root_ =
-      fs::path(testing::TempDir()) / testing::UnitTest::GetInstance()->current_test_info()->name();
+  const tests::ScratchFolder root_;
 };
 
 TEST_F(Session, IsTheSameForTheSameSeedOnly) {
@@ -54,28 +44,14 @@ TEST_F(Session, IsTheSameForTheSameSeedOnly) {
   }
 }
 
-TEST_F(Session, ShowsOneFaceOnTheFrontAndNoneOnTheBack) {
-  const fs::path folder = make("stills", 3);
-  auto detector =
-      engine::FaceDetector::load(fs::path(FACE_MODELS) / "face_detection_short_range.tflite");
-  ASSERT_TRUE(detector);
-  const auto front = devices::readImage(folder / "front.png");
-  const auto back = devices::readImage(folder / "back.png");
-  ASSERT_TRUE(front && back);
-  const auto faces = detector->detect(**front, engine::FaceDetector::Search::everywhere);
-  ASSERT_EQ(faces.size(), 1U);
-  EXPECT_GT(faces[0].box.width, 130.0);  // what matching wants of a card's photo
-  EXPECT_TRUE(detector->detect(**back, engine::FaceDetector::Search::everywhere).empty());
-}
-
 TEST_F(Session, IsKeptUnderWhatItWasMadeFrom) {
   const fs::path file = root_ / "portrait";
-  std::ofstream(file) << "one";
+  writeBytes(file, "one");
   const auto key = session::sessionKey("script", 1, {file});
   ASSERT_TRUE(key);
   EXPECT_NE(*key, *session::sessionKey("script", 2, {file}));
   EXPECT_NE(*key, *session::sessionKey("scripts", 1, {file}));
-  std::ofstream(file) << "two";
+  writeBytes(file, "two");
   EXPECT_NE(*key, *session::sessionKey("script", 1, {file}));
 
   const session::SessionCache cache(root_ / "cache");
@@ -83,7 +59,7 @@ TEST_F(Session, IsKeptUnderWhatItWasMadeFrom) {
   ASSERT_TRUE(work);
   for (const std::string& name : session::kSessionFiles) {
     EXPECT_FALSE(cache.has(*key));
-    std::ofstream(*work / name) << name;
+    writeBytes(*work / name, name);
   }
   ASSERT_TRUE(cache.keep(*work, *key));
   EXPECT_TRUE(cache.has(*key));
