@@ -1,21 +1,47 @@
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <cstdlib>
+#include <cstring>
 #include <thread>
 
 #include <gtest/gtest.h>
 
-#include "Voice.h"
 #include "devices/headless/RealRunLoop.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
 #include "engine/speech/ReadingText.h"
+#include "platform/foundation/Require.h"
 #include "platform/foundation/VirtualRunLoop.h"
+#include "support/Scratch.h"
 
 namespace {
 
 using Samples = std::vector<std::int16_t>;
 using Words = std::vector<std::string>;
+
+/// A synthetic voice's reading of the text, 16 kHz mono.
+Samples speak(const std::string& text, const std::string& voice = "slt") {
+  const tests::ScratchFolder folder;
+  const std::string file = folder / "voice.wav";
+  const std::string command = FLITE_PROGRAM " -voice " + voice + " -t \"" + text + "\" -o " + file;
+  platform::require(std::system(command.c_str()) == 0, "flite cannot speak: install it");
+  const std::string bytes = tests::bytesOf(file);
+  constexpr std::size_t kHeader = 44;
+  platform::require(bytes.size() > kHeader, "flite made no sound");
+  Samples samples((bytes.size() - kHeader) / 2);
+  std::memcpy(samples.data(), bytes.data() + kHeader, samples.size() * 2);
+  return samples;
+}
+
+/// As a 48 kHz stereo microphone would deliver it, the right channel quieter.
+Samples asStereo48k(const Samples& samples) {
+  Samples result;
+  for (std::size_t i = 0; i < 3 * (samples.size() - 1); ++i) {
+    const int step = static_cast<int>(i % 3);
+    const int value = (samples[i / 3] * (3 - step) + samples[i / 3 + 1] * step) / 3;
+    result.push_back(static_cast<std::int16_t>(value));
+    result.push_back(static_cast<std::int16_t>(value / 2));
+  }
+  return result;
+}
 
 const std::string kText =
     "I confirm that I open this account for myself, and that my answers are true.";
@@ -29,42 +55,35 @@ Words wordsOf(const std::string& text) {
 
 /// Share of the text's words that were heard, in any order.
 double heardShare(Words heard, const std::string& text) {
-  Words written = wordsOf(text);
-  std::sort(heard.begin(), heard.end());
-  std::sort(written.begin(), written.end());
-  Words common;
-  std::set_intersection(heard.begin(), heard.end(), written.begin(), written.end(),
-                        std::back_inserter(common));
-  return static_cast<double>(common.size()) / static_cast<double>(written.size());
+  const Words written = wordsOf(text);
+  double common = 0;
+  for (const std::string& word : written) {
+    const auto found = std::ranges::find(heard, word);
+    if (found == heard.end()) continue;
+    heard.erase(found);
+    ++common;
+  }
+  return common / static_cast<double>(written.size());
 }
 
-/// Writes down every call, results as "words" or "words." when final.
+/// Writes down every call.
 struct Notes final : corvana::SpeechRecognizerDelegate {
   void speechRecognition(const platform::SFSpeechRecognitionResult& result) override {
     words.clear();
     for (const auto& segment : result.bestTranscription.segments)
       words.push_back(segment.substring);
-    std::string line;
-    for (const std::string& word : words)
-      line += word + ' ';
-    results.push_back(line + (result.isFinal ? "." : ""));
+    results.push_back(words);
+    isFinal = result.isFinal;
   }
   void speechRecognition(const corvana::IDError& error) override {
     errors.push_back(error.localizedDescription());
   }
 
   Words words;
-  std::vector<std::string> results;
+  bool isFinal = false;
+  std::vector<Words> results;
   std::vector<std::string> errors;
 };
-
-platform::CMSampleBufferRef bufferOf(Samples samples, int rate, int channels) {
-  auto buffer = std::make_shared<platform::CMSampleBuffer>();
-  buffer->samples = std::move(samples);
-  buffer->sampleRate = rate;
-  buffer->channels = channels;
-  return buffer;
-}
 
 const auto kPaths = engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder);
 
@@ -72,16 +91,21 @@ class PocketSphinxRecognizer : public testing::Test {
  protected:
   void TearDown() override { corvana::SpeechRecognizer::options = {}; }
 
-  void listen(const std::string& text, const engine::SpeechModelPaths& paths = kPaths) {
+  void listen(const std::string& text, const engine::SpeechModelPaths& paths = kPaths,
+              platform::RunLoop* real = nullptr) {
     corvana::SpeechRecognizer::options.contextualText = text;
     notes = std::make_shared<Notes>();
-    recognizer = std::make_unique<engine::PocketSphinxRecognizer>(loop, paths);
+    recognizer = std::make_unique<engine::PocketSphinxRecognizer>(real ? *real : loop, paths);
     recognizer->setDelegate(notes);
     recognizer->start();
   }
 
   void append(Samples samples, int rate = 16000, int channels = 1) {
-    recognizer->append(bufferOf(std::move(samples), rate, channels));
+    auto buffer = std::make_shared<platform::CMSampleBuffer>();
+    buffer->samples = std::move(samples);
+    buffer->sampleRate = rate;
+    buffer->channels = channels;
+    recognizer->append(buffer);
   }
   /// Plays the samples as a microphone that gives 20 ms at a time.
   void hear(const Samples& samples, int rate = 16000, int channels = 1) {
@@ -106,7 +130,7 @@ TEST_F(PocketSphinxRecognizer, HearsTheTextWhileItIsReadAndAfterPauses) {
   hear(speak("I confirm that I open this account for myself", "rms"));
   EXPECT_GE(notes->results.size(), 5U);
   silence(2);
-  EXPECT_EQ(notes->results.back().back(), '.');
+  EXPECT_TRUE(notes->isFinal);
   const Words before = notes->words;
   hear(speak("and that my answers are true", "rms"));
   ASSERT_GE(notes->words.size(), before.size());
@@ -115,66 +139,46 @@ TEST_F(PocketSphinxRecognizer, HearsTheTextWhileItIsReadAndAfterPauses) {
   EXPECT_TRUE(notes->errors.empty());
 }
 
-TEST_F(PocketSphinxRecognizer, DoesNotHearTheTextInOtherSpeech) {
+TEST_F(PocketSphinxRecognizer, DoesNotHearTheTextInOtherSpeechAndWithoutOneHearsPlainEnglish) {
+  const Samples voice = speak("The weather report says rain is coming from the west before lunch");
   listen(kText);
-  hear(speak("The weather report says rain is coming from the west before lunch on Tuesday"));
+  hear(voice);
   EXPECT_FALSE(notes->words.empty());
   EXPECT_LT(heardShare(notes->words, kText), 0.25);
-}
-
-TEST_F(PocketSphinxRecognizer, WithoutATextHearsPlainEnglish) {
   listen("");
-  hear(speak("The weather report says rain is coming from the west before lunch"));
+  hear(voice);
   EXPECT_GE(heardShare(notes->words, "weather rain is coming from the west lunch"), 0.6);
 }
 
-TEST_F(PocketSphinxRecognizer, GivesTheSameResultsEachTime) {
+TEST_F(PocketSphinxRecognizer, GivesTheSameResultsEachTimeAndNoneWhileStopped) {
   const Samples voice = speak("I open this account for myself");
-  std::vector<std::string> first;
-  for (int run = 0; run < 2; ++run) {
-    listen(kText);
+  std::vector<Words> first;
+  const auto hearAll = [&] {
     hear(voice);
     silence(1);
-    if (run == 0) first = notes->results;
-  }
+    if (first.empty()) first = notes->results;
+    EXPECT_EQ(notes->results, first);
+  };
+  listen(kText);
+  hearAll();
   EXPECT_GE(first.size(), 3U);
-  EXPECT_EQ(notes->results, first);
+  listen(kText);
+  hearAll();
 
-  // Neither does what was heard before a restart leave a trace.
+  append(voice);  // under way when it is stopped
   recognizer->stop();
+  hear(voice);
+  EXPECT_EQ(notes->results, first);
   notes->results.clear();
   recognizer->start();
-  hear(voice);
-  silence(1);
-  EXPECT_EQ(notes->results, first);
-}
-
-TEST_F(PocketSphinxRecognizer, IsSilentBeforeStartAndAfterStop) {
-  const Samples voice = speak("I open this account");
-  listen(kText);
-  hear(voice);
-  const std::size_t heard = notes->results.size();
-  EXPECT_GT(heard, 0U);
-  append(voice);
-  recognizer->stop();
-  hear(voice);
-  EXPECT_EQ(notes->results.size(), heard);
-
-  recognizer->start();
-  hear(speak("this account for myself"));
-  EXPECT_LE(notes->words.size(), 5U);
-  EXPECT_GE(heardShare(notes->words, "this account for myself"), 0.75) << notes->results.back();
+  hearAll();  // what was heard before leaves no trace
 }
 
 TEST_F(PocketSphinxRecognizer, TakesAnyMicrophone) {
-  const Samples voice = speak("I confirm that I open this account for myself");
+  const std::string read = "I confirm that I open this account for myself";
   listen(kText);
-  hear(voice);
-  const Words mono = notes->words;
-  listen(kText);
-  hear(asStereo48k(voice), 48000, 2);
-  EXPECT_GE(heardShare(notes->words, "I confirm that I open this account for myself"), 0.85);
-  EXPECT_NEAR(static_cast<double>(notes->words.size()), static_cast<double>(mono.size()), 1);
+  hear(asStereo48k(speak(read)), 48000, 2);
+  EXPECT_GE(heardShare(notes->words, read), 0.85);
 
   // What no microphone sends is passed over.
   const std::size_t results = notes->results.size();
@@ -194,9 +198,8 @@ TEST_F(PocketSphinxRecognizer, LearnsNamesAndNumbersOfTheText) {
 }
 
 TEST_F(PocketSphinxRecognizer, TellsOfABrokenModelOnce) {
-  const auto folder = std::filesystem::path(testing::TempDir()) / "corvana-broken-speech-model";
-  std::filesystem::create_directories(folder);
-  std::ofstream(folder / "en-us.lm.bin") << "this is no language model, although long enough";
+  const tests::ScratchFolder folder;
+  tests::writeBytes(folder / "en-us.lm.bin", "this is no language model, although long enough");
   auto paths = kPaths;
   paths.languageModel = folder / "en-us.lm.bin";
   listen(kText, paths);
@@ -214,36 +217,30 @@ TEST_F(PocketSphinxRecognizer, TellsOfABrokenModelOnce) {
   EXPECT_FALSE(recognizer->isAvailable());
   ASSERT_EQ(notes->errors.size(), 1U);
   EXPECT_NE(notes->errors[0].find("absent is missing"), std::string::npos);
-  std::filesystem::remove_all(folder);
 }
 
-TEST(PocketSphinxRecognizerInRealTime, HearsOnItsOwnThreadWhatCameWhileTheModelWasBuilt) {
-  devices::RealRunLoop loop;
-  const auto notes = std::make_shared<Notes>();
-  corvana::SpeechRecognizer::options.contextualText = kText;
-  auto recognizer = std::make_unique<engine::PocketSphinxRecognizer>(loop, kPaths);
-  recognizer->setDelegate(notes);
+TEST_F(PocketSphinxRecognizer, HearsOnItsOwnThreadWhatCameWhileTheModelWasBuilt) {
+  devices::RealRunLoop real;
   const Samples voice = speak("that I open this account for myself");
   const auto heardAll = [&] { return heardShare(notes->words, "open this account") == 1; };
+  listen(kText, kPaths, &real);
   for (int run = 0; run < 2; ++run) {
-    notes->words.clear();
-    recognizer->start();
     std::thread microphone([&] {
       for (std::size_t from = 0; from + 320 < voice.size(); from += 320)
-        recognizer->append(bufferOf(Samples(&voice[from], &voice[from + 320]), 16000, 1));
+        append(Samples(&voice[from], &voice[from + 320]));
     });
     // A deadline only so that a failure ends: nothing is said about how long hearing takes.
-    loop.runUntil(heardAll, loop.now() + std::chrono::minutes(5));
+    real.runUntil(heardAll, real.now() + std::chrono::minutes(5));
     EXPECT_TRUE(heardAll());
     recognizer->stop();
     microphone.join();
+    notes->words.clear();
+    recognizer->start();
   }
   // Nor do a loop and a recogniser that end while sound is waiting lose their way.
-  recognizer->start();
-  recognizer->append(bufferOf(voice, 16000, 1));
+  append(voice);
   recognizer.reset();
-  loop.shutDown();
-  corvana::SpeechRecognizer::options = {};
+  real.shutDown();
 }
 
 }  // namespace
