@@ -1,4 +1,3 @@
-#include <filesystem>
 #include <memory>
 #include <utility>
 
@@ -14,7 +13,7 @@
 #include "devices/scripted/PatternFaces.h"
 #include "devices/scripted/ScriptedHost.h"
 #include "engine/recorder/EngineHost.h"
-#include "engine/recorder/FakeRecorderWorld.h"
+#include "engine/recorder/Fakes.h"
 #include "support/HostTablesGuard.h"
 
 namespace tests {
@@ -65,9 +64,7 @@ TEST(RealTimeFlow, EndsInAResultWhateverTheThreadsDo) {
   const HostTablesGuard tables;
   corvana::SelfieCapture::options.timeOutSeconds = 600;
   corvana::IDCapture::options.timeOutSeconds = 600;
-  std::string folder = std::filesystem::temp_directory_path() / "realtime-XXXXXX";
-  ASSERT_TRUE(mkdtemp(folder.data()));
-
+  const ScratchFolder run;
   devices::RealRunLoop loop;
   platform::NotificationCenter notificationCenter;
   devices::StreamConsole console(std::cerr);
@@ -82,8 +79,8 @@ TEST(RealTimeFlow, EndsInAResultWhateverTheThreadsDo) {
   const auto analyzer = std::make_shared<FakeAnalyzer>();
   analyzer->fill = look;
   const auto recognizer = std::make_shared<devices::ScriptedSpeechRecognizer>(loop);
-  engine::EngineHost host(
-      {loop, notificationCenter, media, films, analyzer, recognizer, folder, false, {360, 640}});
+  engine::EngineHost host({loop, notificationCenter, media, films, analyzer, recognizer, run.path(),
+                           false, platform::CGSize(360, 640)});
   devices::ScreenHub screen;
   platform::Environment environment{
       loop,   bundle, notificationCenter,        console, application, media, speechAuthorization,
@@ -123,7 +120,6 @@ TEST(RealTimeFlow, EndsInAResultWhateverTheThreadsDo) {
   EXPECT_EQ(person.retries(), 1);
   EXPECT_EQ(films.log, (std::vector<std::string>{"open film.partial.mp4", "finish",
                                                  "open film.partial.mp4", "finish"}));
-  std::filesystem::remove_all(folder);
 }
 
 }  // namespace

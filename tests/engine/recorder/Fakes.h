@@ -1,0 +1,69 @@
+#pragma once
+
+#include <atomic>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/recorder/Recorder.h"
+#include "platform/media/AssetWriter.h"
+#include "support/Scratch.h"
+
+namespace tests {
+
+/// Answers each frame with what the test says it shows.
+class FakeAnalyzer final : public engine::FrameAnalyzer {
+ public:
+  std::function<void(engine::Observation&)> fill;
+  int looks = 0;
+
+  engine::Observation analyze(const platform::CMSampleBufferRef& frame,
+                              const engine::AnalysisTask& task) override {
+    ++looks;
+    engine::Observation observation;
+    observation.task = task;
+    observation.frameTime = frame->presentationTime;
+    observation.fullSize = {720, 1280};
+    if (fill) fill(observation);
+    return observation;
+  }
+};
+
+/// Notes what happens to films; nothing is written but a marker file.
+class FakeFilms final : public platform::AssetWriterFactory {
+ public:
+  std::vector<std::string> log;
+  std::string fault;  ///< when not empty, no film can be made
+
+  tl::expected<std::shared_ptr<platform::AssetWriter>, std::string> make(
+      const std::filesystem::path& path, const std::optional<platform::WriterSettings>&,
+      const std::optional<platform::WriterSettings>&) override {
+    if (!fault.empty()) return tl::unexpected(fault);
+    writeBytes(path, "film");
+    log.push_back("open " + path.filename().string());
+    return std::make_shared<Film>(log);
+  }
+
+ private:
+  struct Film final : platform::AssetWriter {
+    explicit Film(std::vector<std::string>& films) : log(films) {}
+    bool appendVideo(const platform::CMSampleBufferRef&) override { return ++frames > 0; }
+    bool appendAudio(const platform::CMSampleBufferRef&) override { return true; }
+    tl::expected<void, std::string> finish() override {
+      log.push_back("finish");
+      return {};
+    }
+    void cancel() override { log.push_back("cancel"); }
+    platform::AssetWriterCounters counters() const override {
+      return {.videoFramesWritten = frames};
+    }
+
+    std::vector<std::string>& log;
+    std::atomic<std::uint64_t> frames = 0;
+  };
+};
+
+}  // namespace tests
