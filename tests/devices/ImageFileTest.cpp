@@ -1,7 +1,5 @@
 #include <algorithm>
 
-#include <sys/stat.h>
-
 #include "MediaTestSupport.h"
 #include "devices/gstreamer/ImageFile.h"
 
@@ -64,9 +62,8 @@ TEST(ImageFileTest, readsWhatItWrites) {
   ASSERT_TRUE(jpeg) << jpeg.error();
   ASSERT_EQ((*jpeg)->width(), kWidth);
   expectRed((*jpeg)->plane(0) + 20 * (*jpeg)->stride(0) + 5 * 3);
-  struct stat status {};
-  ASSERT_EQ(::stat((folder / "flag.jpg").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 0777, 0600u);
+  constexpr auto kOwners = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
+  EXPECT_EQ(std::filesystem::status(folder / "flag.jpg").permissions(), kOwners);
 }
 
 TEST(ImageFileTest, writesLimitedRangeColoursAsTheyAre) {
