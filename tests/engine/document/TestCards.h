@@ -2,7 +2,6 @@
 
 #include <array>
 #include <string>
-#include <vector>
 
 #include <opencv2/core.hpp>
 
@@ -18,9 +17,9 @@ struct CardSides {
   cv::Mat back;
 };
 
-/// Invented holders with names, numbers and dates of all sorts.
+/// Invented holders, 0 to 2, with names, numbers and dates of all sorts.
 session::CardData holder(int number);
-/// `design` 0 is the sample sessions' card; 1 to 3 differ in colours, letters and places.
+/// `design` 0 is the sample sessions' card; 1 differs in colours and places.
 CardSides drawCard(int design, const session::CardData& card, const std::string& portrait);
 
 /// How the card is held in a picture of 720×1280 pixels.
@@ -33,7 +32,6 @@ struct Held {
   int background = 0;  ///< 0 and 1: a person; 2: plain; 3: stripes
   double blur = 0.6;
   double noise = 3;
-  bool thumb = true;
 };
 
 struct HeldPicture {
@@ -42,12 +40,5 @@ struct HeldPicture {
 };
 
 HeldPicture hold(const cv::Mat& side, const Held& held);
-/// The side alone, filling a picture.
-platform::PixelBufferRef scan(const cv::Mat& side, int width);
-
-platform::PixelBufferRef pictureOf(const cv::Mat& rgb);
-std::string joined(const std::vector<std::string>& lines);
-/// Edits between the texts over the longer one's length.
-double editRatio(const std::string& a, const std::string& b);
 
 }  // namespace tests
