@@ -14,29 +14,24 @@ namespace fs = std::filesystem;
 using tests::bytesOf;
 using tests::writeBytes;
 
-class Session : public testing::Test {
- protected:
-  /// A third of a second in which the card is on its way in.
-  fs::path make(const std::string& name, std::uint64_t seed) {
-    auto script = session::parseScript(
-        R"({"text": "hello", "person": {"portrait": "portraits/person_a.jpg"},
-            "time": {"front": 0, "length": 0.34}, "faults": {"silence": true}})",
-        SAMPLES);
-    script->seed = seed;
-    const fs::path folder = root_ / name;
-    fs::create_directories(folder);
-    const auto made = session::makeSession(*script, FACE_MODELS, folder, [](auto, auto) {});
-    EXPECT_TRUE(made) << made.error();
-    return folder;
-  }
+/// A third of a second in which the card is on its way in.
+fs::path make(const fs::path& folder, std::uint64_t seed) {
+  auto script = session::parseScript(
+      R"({"text": "hello", "person": {"portrait": "portraits/person_a.jpg"},
+          "time": {"front": 0, "length": 0.34}, "faults": {"silence": true}})",
+      SAMPLES);
+  script->seed = seed;
+  fs::create_directories(folder);
+  const auto made = session::makeSession(*script, FACE_MODELS, folder, [](auto, auto) {});
+  EXPECT_TRUE(made) << made.error();
+  return folder;
+}
 
-  const tests::ScratchFolder root_;
-};
-
-TEST_F(Session, IsTheSameForTheSameSeedOnly) {
-  const fs::path first = make("first", 1);
-  const fs::path again = make("again", 1);
-  const fs::path other = make("other", 2);
+TEST(Session, IsTheSameForTheSameSeedOnly) {
+  const tests::ScratchFolder scratch;
+  const fs::path first = make(scratch / "first", 1);
+  const fs::path again = make(scratch / "again", 1);
+  const fs::path other = make(scratch / "other", 2);
   for (const std::string& name : session::kSessionFiles) {
     EXPECT_EQ(bytesOf(first / name), bytesOf(again / name)) << name;
     const bool seeded = name != "text.txt";
@@ -44,8 +39,9 @@ TEST_F(Session, IsTheSameForTheSameSeedOnly) {
   }
 }
 
-TEST_F(Session, IsKeptUnderWhatItWasMadeFrom) {
-  const fs::path file = root_ / "portrait";
+TEST(Session, IsKeptUnderWhatItWasMadeFrom) {
+  const tests::ScratchFolder scratch;
+  const fs::path file = scratch / "portrait";
   writeBytes(file, "one");
   const auto key = session::sessionKey("script", 1, {file});
   ASSERT_TRUE(key);
@@ -54,7 +50,7 @@ TEST_F(Session, IsKeptUnderWhatItWasMadeFrom) {
   writeBytes(file, "two");
   EXPECT_NE(*key, *session::sessionKey("script", 1, {file}));
 
-  const session::SessionCache cache(root_ / "cache");
+  const session::SessionCache cache(scratch / "cache");
   const auto work = cache.workFolder(*key);
   ASSERT_TRUE(work);
   for (const std::string& name : session::kSessionFiles) {
@@ -63,8 +59,8 @@ TEST_F(Session, IsKeptUnderWhatItWasMadeFrom) {
   }
   ASSERT_TRUE(cache.keep(*work, *key));
   EXPECT_TRUE(cache.has(*key));
-  ASSERT_TRUE(cache.deliver(*key, root_ / "out"));
-  EXPECT_EQ(bytesOf(root_ / "out" / "front.png"), "front.png");
+  ASSERT_TRUE(cache.deliver(*key, scratch / "out"));
+  EXPECT_EQ(bytesOf(scratch / "out" / "front.png"), "front.png");
 }
 
 }  // namespace
