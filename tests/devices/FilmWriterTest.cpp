@@ -2,6 +2,7 @@
 #include <csignal>
 #include <numeric>
 
+#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 

@@ -1,5 +1,7 @@
 #include <algorithm>
 
+#include <gtest/gtest.h>
+
 #include "MediaTestSupport.h"
 #include "devices/gstreamer/ImageFile.h"
 

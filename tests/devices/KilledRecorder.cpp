@@ -3,8 +3,7 @@
 
 #include <csignal>
 
-#include "FilmMaterial.h"
-#include "platform/foundation/VirtualRunLoop.h"
+#include "MediaTestSupport.h"
 
 int main(int, char** argv) {
   platform::VirtualRunLoop loop;

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <random>
 
+#include <gtest/gtest.h>
+
 #include "MediaTestSupport.h"
 
 namespace devices::test {

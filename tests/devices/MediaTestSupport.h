@@ -1,23 +1,71 @@
 #pragma once
 
+#include <cmath>
+#include <cstdint>
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
+#include <numbers>
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
-
-#include "FilmMaterial.h"
+#include "devices/gstreamer/FilmSettings.h"
+#include "devices/gstreamer/FilmWriterFactory.h"
 #include "devices/gstreamer/MediaFile.h"
 #include "platform/foundation/VirtualRunLoop.h"
 #include "support/Scratch.h"
 
+/// Made pictures and sound for films, and what films hold.
 namespace devices::test {
 
 using tests::bytesOf;
 using tests::ScratchFolder;
 using tests::writeBytes;
+
+constexpr int kSampleRate = 48000;
+constexpr platform::Duration kBuffer = std::chrono::milliseconds(20);
+
+inline platform::Duration frameTime(std::int64_t index) {
+  return platform::Duration(index * 1'000'000'000 / 30);
+}
+
+/// A moving diagonal pattern around `luma`, neutral in colour.
+inline platform::CMSampleBufferRef frame(std::int64_t index, int luma = 100, int width = 320,
+                                         int height = 240) {
+  std::vector<std::uint8_t> bytes(
+      platform::PixelBuffer::byteCount(width, height, platform::PixelFormat::i420), 128);
+  for (int i = 0; i < width * height; ++i) {
+    bytes[static_cast<std::size_t>(i)] =
+        static_cast<std::uint8_t>(luma + (i % width + i / width + 3 * index) % 24);
+  }
+  auto sample = std::make_shared<platform::CMSampleBuffer>();
+  sample->presentationTime = platform::TimePoint(frameTime(index));
+  sample->duration = frameTime(1);
+  sample->image = std::make_shared<platform::PixelBuffer>(
+      width, height, platform::PixelFormat::i420, std::move(bytes));
+  return sample;
+}
+
+/// 20 ms of a 1 kHz tone of the given strength, in step with all others.
+inline platform::CMSampleBufferRef sound(platform::Duration time, int strength) {
+  auto sample = std::make_shared<platform::CMSampleBuffer>();
+  sample->presentationTime = platform::TimePoint(time);
+  sample->duration = kBuffer;
+  sample->sampleRate = kSampleRate;
+  sample->channels = 1;
+  for (int i = 0; i < kSampleRate / 50; ++i) {
+    sample->samples.push_back(static_cast<std::int16_t>(
+        strength * std::sin(2 * std::numbers::pi * 1000 * i / kSampleRate)));
+  }
+  return sample;
+}
+
+/// An open film of 320×240, by default with a sound track.
+inline tl::expected<std::shared_ptr<platform::AssetWriter>, std::string> openFilm(
+    platform::RunLoop& loop, const std::filesystem::path& path,
+    const std::optional<platform::WriterSettings>& sound = audioSettings()) {
+  return FilmWriterFactory(loop).make(
+      path, videoSettings(platform::kAVVideoCodecTypeH264, 320, 240), sound);
+}
 
 /// Everything a file's camera and microphone deliver when both start at once.
 struct Recording {
