@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "devices/scripted/HostContractValidator.h"
+#include "devices/scripted/ScriptedMedia.h"
+#include "platform/foundation/VirtualRunLoop.h"
 
 namespace {
 
@@ -119,6 +121,20 @@ TEST(HostContract, EachBrokenPromiseIsNamedOnce) {
     EXPECT_NE(breaches[0].find(c.breach), std::string::npos) << breaches[0];
     EXPECT_EQ(breaches[0].rfind("At ", 0), 0u) << breaches[0];
   }
+}
+
+TEST(ScriptedMedia, AnswersLaterAndKeepsTheAnswer) {
+  using Status = platform::AVAuthorizationStatus;
+  platform::VirtualRunLoop loop;
+  devices::ScriptedMediaDevices media(loop);
+  media.microphoneStatus = Status::notDetermined;
+  media.grantsWhenAsked = false;
+  std::vector<bool> answers;
+  media.requestAccess(platform::AVMediaType::audio, [&](bool granted) { answers = {granted}; });
+  EXPECT_TRUE(answers.empty());
+  loop.advance({});
+  EXPECT_EQ(answers, std::vector<bool>{false});
+  EXPECT_EQ(media.authorizationStatus(platform::AVMediaType::audio), Status::denied);
 }
 
 }  // namespace
