@@ -87,17 +87,14 @@ TEST(RealRunLoop, TimersRepeatUntilInvalidatedAndFireOnceOtherwise) {
   RealRunLoop loop;
   int ticks = 0;
   int once = 0;
-  std::shared_ptr<platform::Timer> repeating;
-  repeating = loop.scheduledTimer(seconds(0.002), true, [&] {
+  std::shared_ptr<platform::Timer> repeating = loop.scheduledTimer(seconds(0.002), true, [&] {
     if (++ticks == 3) repeating->invalidate();
   });
-  std::shared_ptr<platform::Timer> single;
-  single = loop.scheduledTimer(seconds(0.001), false, [&] {
+  std::shared_ptr<platform::Timer> single = loop.scheduledTimer(seconds(0.001), false, [&] {
     EXPECT_FALSE(single->isValid());
     ++once;
   });
-  auto never = loop.scheduledTimer(seconds(0.001), false, [&] { FAIL(); });
-  never->invalidate();
+  loop.scheduledTimer(seconds(0.001), false, [&] { FAIL(); })->invalidate();
   loop.runUntil([&] { return ticks == 3 && once == 1; }, kFarAway);
   loop.runUntil([] { return false; }, loop.now() + seconds(0.01));
   EXPECT_EQ(ticks, 3);
