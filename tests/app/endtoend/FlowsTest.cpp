@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <iterator>
 
 #include <gtest/gtest.h>
 
@@ -23,9 +22,14 @@ Arguments captureOf(const Session& session, const fs::path& run, const Arguments
 
 /// samples/short.json wants a countdown of eight seconds.
 fs::path shortCountdown(const ScratchFolder& scratch) {
-  const fs::path file = scratch / "options.json";
-  writeText(file, R"({"videoCapture.readTextCountdownSeconds": 8})");
-  return file;
+  writeBytes(scratch / "options.json", R"({"videoCapture.readTextCountdownSeconds": 8})");
+  return scratch / "options.json";
+}
+
+double secondsOfFilm(const fs::path& file) {
+  const auto film = devices::probe(file);
+  EXPECT_TRUE(film) << film.error();
+  return film ? platform::inSeconds(film->duration) : 0;
 }
 
 TEST(EndToEnd, AGoodSessionEndsInAResultThatCanBeVerifiedAndRepeated) {
@@ -49,19 +53,19 @@ TEST(EndToEnd, AGoodSessionEndsInAResultThatCanBeVerifiedAndRepeated) {
   ASSERT_TRUE(film) << film.error();
   EXPECT_TRUE(film->hasAudio);
   EXPECT_EQ(film->width, 720);
-  EXPECT_NEAR(platform::inSeconds(film->duration), result["recording"]["seconds"], 0.05);
+  EXPECT_NEAR(secondsOfFilm(run / "film.mp4"), result["recording"]["seconds"], 0.05);
   const double stopped = eventsOf(run, "call", "stopVideoWriter").back()["t"];
   const double started = eventsOf(run, "mode", "selfieCapture").front()["t"];
-  EXPECT_NEAR(platform::inSeconds(film->duration), stopped - started, 0.1);
+  EXPECT_NEAR(secondsOfFilm(run / "film.mp4"), stopped - started, 0.1);
 
   EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
   EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);
   const fs::path again = scratch / "again";
   ASSERT_EQ(runVideoid(captureOf(session, again, options)).exitCode, 0);
-  EXPECT_EQ(readText(run / "events.jsonl"), readText(again / "events.jsonl"));
-  EXPECT_EQ(readText(run / "result.json"), readText(again / "result.json"));
+  EXPECT_EQ(bytesOf(run / "events.jsonl"), bytesOf(again / "events.jsonl"));
+  EXPECT_EQ(bytesOf(run / "result.json"), bytesOf(again / "result.json"));
 
-  writeText(run / "events.jsonl", "another story\n");
+  writeBytes(run / "events.jsonl", "another story\n");
   const ProgramRun verified = runVideoid({"verify", run});
   EXPECT_EQ(verified.exitCode, 1);
   EXPECT_NE(verified.errors.find("events.jsonl"), std::string::npos) << verified.errors;
@@ -71,9 +75,9 @@ struct FaultCase {
   const char* script;
   const char* retryMessage;
   /// The decision that must fail, and no decision of this name may pass; empty: none is made.
-  const char* decision;
+  std::string decision = {};
   /// The prompt that must be seen; empty: none.
-  const char* prompt;
+  std::string prompt = {};
 };
 
 void PrintTo(const FaultCase& fault, std::ostream* out) {
@@ -85,7 +89,7 @@ class FaultySession : public testing::TestWithParam<FaultCase> {};
 TEST_P(FaultySession, LeadsToTheRetryScreenAndThenToCancellation) {
   const FaultCase& fault = GetParam();
   const ScratchFolder scratch;
-  const Session session = Session::make(fault.script, scratch);
+  const Session session = Session::make(std::string(fault.script) + ".json", scratch);
   const fs::path run = scratch / "run";
   const ProgramRun kept =
       runVideoid(captureOf(session, run, {"--keep", "--options", shortCountdown(scratch)}));
@@ -93,37 +97,27 @@ TEST_P(FaultySession, LeadsToTheRetryScreenAndThenToCancellation) {
   EXPECT_EQ(json::parse(kept.output)["error"]["message"], "The video identification was canceled.");
 
   EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
-  const auto retries = eventsOf(run, "retry");
-  ASSERT_FALSE(retries.empty());
-  EXPECT_EQ(retries.front()["text"], fault.retryMessage);
-  if (*fault.decision) {
-    const auto decisions = eventsOf(run, "decision", fault.decision);
-    ASSERT_FALSE(decisions.empty());
-    for (const json& decision : decisions)
-      EXPECT_EQ(decision["passed"], false) << decision;
-  }
-  if (*fault.prompt) {
-    const auto prompts = eventsOf(run, "prompt");
-    const auto seen =
-        std::ranges::find(prompts, json(fault.prompt), [](const json& e) { return e["text"]; });
-    EXPECT_NE(seen, prompts.end());
-  }
+  EXPECT_EQ(eventsOf(run, "retry").at(0)["text"], fault.retryMessage);
+  const auto decisions = eventsOf(run, "decision", fault.decision);
+  EXPECT_TRUE(fault.decision.empty() || !decisions.empty());
+  for (const json& decision : decisions)
+    EXPECT_TRUE(fault.decision.empty() || decision["passed"] == false) << decision;
+  const auto isExpected = [&](const json& prompt) { return prompt["text"] == fault.prompt; };
+  EXPECT_TRUE(fault.prompt.empty() || std::ranges::any_of(eventsOf(run, "prompt"), isExpected));
 }
 
+constexpr auto kUnreadable = "Your ID could not be read. Please try again";
 INSTANTIATE_TEST_SUITE_P(
     EndToEnd, FaultySession,
-    testing::Values(FaultCase{"wrong-person.json",
-                              "Your face could not be captured. Please try again", "selfieFace",
-                              "The face does not match the ID"},
-                    FaultCase{"wrong-card.json", "Your ID could not be read. Please try again",
-                              "frontText", ""},
-                    FaultCase{"wrong-back.json", "Your ID could not be read. Please try again",
-                              "backMrz", "This is not the same ID"},
-                    FaultCase{"face-leaves.json", "Live Face Lost. Please try again", "", ""},
-                    FaultCase{"silence.json", "Voice does not match text. Please try again",
-                              "spokenWords", ""}),
+    testing::Values(FaultCase{"wrong-person", "Your face could not be captured. Please try again",
+                              "selfieFace", "The face does not match the ID"},
+                    FaultCase{"wrong-card", kUnreadable, "frontText"},
+                    FaultCase{"wrong-back", kUnreadable, "backMrz", "This is not the same ID"},
+                    FaultCase{"face-leaves", "Live Face Lost. Please try again"},
+                    FaultCase{"silence", "Voice does not match text. Please try again",
+                              "spokenWords"}),
     [](const auto& tested) {
-      std::string name = fs::path(tested.param.script).stem();
+      std::string name = tested.param.script;
       std::ranges::replace(name, '-', '_');
       return name;
     });
@@ -141,8 +135,8 @@ TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAlone) {
   const ScratchFolder scratchOfSecond;
   const Session lost = Session::make("face-leaves.json", scratch);
   const Session good = Session::make("short.json", scratchOfSecond);
-  writeText(scratch / "parts",
-            "file '" + lost.camera.string() + "'\nfile '" + good.camera.string() + "'\n");
+  writeBytes(scratch / "parts",
+             "file '" + lost.camera.string() + "'\nfile '" + good.camera.string() + "'\n");
   Session both = good;
   both.camera = scratch / "both.mp4";
   const ProgramRun joined = runProgram("ffmpeg", {"-v", "error", "-f", "concat", "-safe", "0", "-i",
@@ -155,14 +149,11 @@ TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAlone) {
                            {"--on-retry", "retry", "--max-retries", "1", "--on-alert", "ok",
                             "--done", "never", "--options", shortCountdown(scratch)}));
   ASSERT_EQ(retried.exitCode, 0) << retried.errors;
-  const json result = json::parse(retried.output);
-  EXPECT_EQ(result["recording"]["runs"], 2);
+  EXPECT_EQ(json::parse(retried.output)["recording"]["runs"], 2);
   EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
   const double began = eventsOf(run, "call", "retry").front()["t"];
   const double stopped = eventsOf(run, "call", "stopVideoWriter").back()["t"];
-  const auto film = devices::probe(run / "film.mp4");
-  ASSERT_TRUE(film) << film.error();
-  EXPECT_NEAR(platform::inSeconds(film->duration), stopped - began, 0.5);
+  EXPECT_NEAR(secondsOfFilm(run / "film.mp4"), stopped - began, 0.5);
   EXPECT_EQ(std::distance(fs::directory_iterator(run), fs::directory_iterator()), 4);
 }
 
@@ -190,8 +181,7 @@ TEST(EndToEnd, TheCamerasEndEndsTheFlowAndLeavesAFilmThatPlays) {
   EXPECT_EQ(ended.exitCode, 1);
   EXPECT_EQ(json::parse(ended.output)["error"]["message"],
             "The camera's recording ended before the identification did.");
-  const auto film = devices::probe(run / "film.partial.mp4");
-  EXPECT_TRUE(film) << film.error();
+  EXPECT_GT(secondsOfFilm(run / "film.partial.mp4"), 0);
   EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
   EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);
 }

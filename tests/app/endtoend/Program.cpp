@@ -1,13 +1,11 @@
 #include "app/endtoend/Program.h"
 
 #include <cstdlib>
-#include <fstream>
 #include <map>
 #include <sstream>
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include "devices/scripted/HostContractValidator.h"
 
@@ -18,48 +16,22 @@ namespace fs = std::filesystem;
 
 std::string quoted(const std::string& word) {
   std::string result = "'";
-  for (const char c : word) {
-    if (c == '\'') {
-      result += "'\\''";
-    } else {
-      result += c;
-    }
-  }
+  for (const char c : word)
+    result += c == '\'' ? "'\\''" : std::string(1, c);
   return result + "'";
 }
 
 }  // namespace
 
-std::string readText(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  std::ostringstream text;
-  text << stream.rdbuf();
-  return text.str();
-}
-
-void writeText(const fs::path& file, const std::string& text) {
-  std::ofstream(file, std::ios::binary) << text;
-}
-
-ScratchFolder::ScratchFolder() {
-  std::string pattern = fs::temp_directory_path() / "videoid-XXXXXX";
-  path_ = mkdtemp(pattern.data());
-}
-
-ScratchFolder::~ScratchFolder() {
-  fs::remove_all(path_);
-}
-
 ProgramRun runProgram(const fs::path& program, const std::vector<std::string>& arguments) {
   const ScratchFolder scratch;
-  std::string command = quoted(program.string());
+  std::string command = quoted(program);
   for (const std::string& argument : arguments)
     command += " " + quoted(argument);
-  command += " >" + quoted((scratch / "out").string()) + " 2>" +
-             quoted((scratch / "err").string()) + " </dev/null";
+  command += " >" + quoted(scratch / "out") + " 2>" + quoted(scratch / "err") + " </dev/null";
   const int status = std::system(command.c_str());
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readText(scratch / "out"),
-          readText(scratch / "err")};
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, bytesOf(scratch / "out"),
+          bytesOf(scratch / "err")};
 }
 
 ProgramRun runVideoid(const std::vector<std::string>& arguments) {
@@ -77,6 +49,19 @@ Session Session::make(const std::string& script, const ScratchFolder& scratch) {
   return {folder / "session.mp4", folder / "text.txt", scratch / "reference"};
 }
 
+std::vector<nlohmann::json> eventsOf(const fs::path& run, const std::string& event,
+                                     const std::string& name) {
+  std::vector<nlohmann::json> found;
+  std::istringstream lines(bytesOf(run / "events.jsonl"));
+  for (std::string line; std::getline(lines, line);) {
+    auto object = nlohmann::json::parse(line);
+    if (!event.empty() && object["event"] != event) continue;
+    if (!name.empty() && object.value("name", "") != name) continue;
+    found.push_back(std::move(object));
+  }
+  return found;
+}
+
 std::vector<std::string> breachesOf(const fs::path& run) {
   using Kind = devices::HostEvent::Kind;
   const std::map<std::string, Kind> kinds{{"state", Kind::state},
@@ -85,27 +70,13 @@ std::vector<std::string> breachesOf(const fs::path& run) {
                                           {"call", Kind::call}};
   devices::HostContractValidator validator({std::chrono::seconds(20), std::chrono::seconds(30)},
                                            {});
-  std::istringstream lines(readText(run / "events.jsonl"));
-  for (std::string line; std::getline(lines, line);) {
-    const auto event = nlohmann::json::parse(line);
+  for (const auto& event : eventsOf(run)) {
     const auto kind = kinds.find(event["event"]);
     if (kind == kinds.end()) continue;
     validator.observe(
         {platform::TimePoint(platform::seconds(event["t"])), kind->second, event["name"]});
   }
   return validator.breaches();
-}
-
-std::vector<nlohmann::json> eventsOf(const fs::path& run, const std::string& event,
-                                     const std::string& name) {
-  std::vector<nlohmann::json> found;
-  std::istringstream lines(readText(run / "events.jsonl"));
-  for (std::string line; std::getline(lines, line);) {
-    auto object = nlohmann::json::parse(line);
-    if (object["event"] != event || (!name.empty() && object.value("name", "") != name)) continue;
-    found.push_back(std::move(object));
-  }
-  return found;
 }
 
 }  // namespace tests

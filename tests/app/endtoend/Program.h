@@ -6,6 +6,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "support/Scratch.h"
+
 namespace tests {
 
 /// What a program left behind when it was run with these arguments.
@@ -19,20 +21,6 @@ ProgramRun runProgram(const std::filesystem::path& program,
                       const std::vector<std::string>& arguments);
 ProgramRun runVideoid(const std::vector<std::string>& arguments);
 
-/// A folder of its own for each test, removed at the end.
-class ScratchFolder {
- public:
-  ScratchFolder();
-  ~ScratchFolder();
-  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
-
- private:
-  std::filesystem::path path_;
-};
-
-std::string readText(const std::filesystem::path& file);
-void writeText(const std::filesystem::path& file, const std::string& text);
-
 /// A session made from a script of samples/, and the reference enrolled from its stills. Made once,
 /// then taken from the cache of the build.
 struct Session {
@@ -43,9 +31,9 @@ struct Session {
   static Session make(const std::string& script, const ScratchFolder& scratch);
 };
 
-/// The lines of events.jsonl of that event, and of that name when one is given.
-std::vector<nlohmann::json> eventsOf(const std::filesystem::path& run, const std::string& event,
-                                     const std::string& name = {});
+/// The lines of events.jsonl, of that event and of that name when they are given.
+std::vector<nlohmann::json> eventsOf(const std::filesystem::path& run,
+                                     const std::string& event = {}, const std::string& name = {});
 
 /// Where the host of that run broke a promise of docs/host-contract.md.
 std::vector<std::string> breachesOf(const std::filesystem::path& run);
