@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
+#include <opencv2/imgproc.hpp>
 
 #include "engine/vision/ImageOps.h"
 #include "engine/vision/MatViews.h"
+#include "engine/vision/Portraits.h"
 
 namespace engine {
 namespace {
@@ -33,6 +35,18 @@ TEST(ImageOps, CutsRectanglesAtThePicturesEdges) {
   EXPECT_EQ(cropped(*picture, {5, 5, -3, 4}), nullptr);
   EXPECT_EQ(sharpness(*picture, {-9, -9, 3, 3}), 0);
   EXPECT_EQ(resized(*picture, 7, 9)->bytes().size(), 7U * 9 * 3);
+}
+
+TEST(ImageOps, SharpnessFallsWithBlurAndHardlyDependsOnSize) {
+  cv::Mat sharp, larger, blurred;
+  cv::resize(tests::portrait('b')(cv::Rect(340, 220, 248, 248)), sharp, {480, 480});
+  cv::resize(sharp, larger, {960, 960});
+  cv::GaussianBlur(sharp, blurred, {}, 6);
+  const auto of = [](const cv::Mat& mat) {
+    return sharpness(*pixelBufferFrom(mat), {0, 0, double(mat.cols), double(mat.rows)});
+  };
+  EXPECT_LT(of(blurred), 0.3 * of(sharp));
+  EXPECT_NEAR(of(larger) / of(sharp), 1, 0.15);
 }
 
 }  // namespace

@@ -24,18 +24,11 @@ cv::Mat portrait(char person) {
   return rgb;
 }
 
-platform::CGRect faceBox(char person) {
-  static std::map<char, platform::CGRect> found;
-  if (!found.contains(person)) {
-    found[person] = detector().detect(*engine::pixelBufferFrom(portrait(person))).at(0).box;
-  }
-  return found[person];
-}
-
 platform::PixelBufferRef cameraFrame(std::initializer_list<Placed> people) {
   cv::Mat frame(1280, 720, CV_8UC3, cv::Scalar::all(128));
   for (const Placed& placed : people) {
-    const platform::CGRect face = faceBox(placed.person);
+    const auto faces = detector().detect(*engine::pixelBufferFrom(portrait(placed.person)));
+    const platform::CGRect face = faces.at(0).box;
     const double scale = placed.faceWidth / face.width;
     const cv::Rect head = engine::pixelRect(
         {face.midX() - face.width, face.midY() - face.height, 2 * face.width, 2 * face.height},

@@ -15,9 +15,6 @@ std::filesystem::path fromSource(const char* path);
 /// The sample portrait, RGB.
 cv::Mat portrait(char person);
 
-/// The box of the only face of a sample portrait.
-platform::CGRect faceBox(char person);
-
 struct Placed {
   char person;
   double x, y;       ///< where the centre of the face box goes
