@@ -85,11 +85,13 @@ TEST_F(ReadingPhase, KeepsTheBestShareHeardWhenever) {
   }
 }
 
-TEST_F(ReadingPhase, MicrophoneBuffersGoToTheFilmThenToTheRecogniser) {
+TEST_F(ReadingPhase, FramesGoToTheRecorderAndSoundToTheFilmThenToTheRecogniser) {
   begin();
-  world.mediaDevices.microphone->push(
-      devices::silentSample(world.loop.now(), platform::seconds(0.1)));
+  const auto sample = devices::silentSample(world.loop.now(), platform::seconds(0.1));
+  world.mediaDevices.camera->push(sample);
+  world.mediaDevices.microphone->push(sample);
   world.advance(0);
+  EXPECT_EQ(world.recorder().framesReceived(), 1);
   EXPECT_EQ(world.recorder().audioCalls(), (std::vector<std::string>{"write", "append"}));
 }
 
