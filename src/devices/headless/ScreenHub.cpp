@@ -15,6 +15,11 @@ void ScreenHub::didPresent(platform::UIViewController& controller) {
     listener->didPresent(controller);
 }
 
+void ScreenHub::willDismiss(platform::UIViewController& controller) {
+  for (ScreenListener* listener : listeners_)
+    listener->willDismiss(controller);
+}
+
 void ScreenHub::didDismiss(platform::UIViewController& controller) {
   shownBy(controller).view().setObserver(nullptr);
   for (ScreenListener* listener : listeners_)

@@ -14,6 +14,7 @@ class ScreenListener {
   virtual ~ScreenListener() = default;
   virtual void willPresent(platform::UIViewController&) {}
   virtual void didPresent(platform::UIViewController&) {}
+  virtual void willDismiss(platform::UIViewController&) {}
   virtual void didDismiss(platform::UIViewController&) {}
   virtual void viewChanged(platform::UIView&, const char* /*property*/) {}
 };
@@ -26,6 +27,7 @@ class ScreenHub final : public platform::PresentationObserver, public platform::
 
   void willPresent(platform::UIViewController& controller) override;
   void didPresent(platform::UIViewController& controller) override;
+  void willDismiss(platform::UIViewController& controller) override;
   void didDismiss(platform::UIViewController& controller) override;
   void viewChanged(platform::UIView& view, const char* property) override;
 

@@ -1,6 +1,7 @@
 #include "platform/uikit/CALayer.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace platform {
 
@@ -13,13 +14,22 @@ void CALayer::addSublayer(const std::shared_ptr<CALayer>& layer) {
   layer->removeFromSuperlayer();
   layer->superlayer_ = this;
   sublayers_.push_back(layer);
+  changed();
 }
 
 void CALayer::removeFromSuperlayer() {
   if (!superlayer_) return;
   const auto keepAlive = shared_from_this();
-  std::erase(superlayer_->sublayers_, keepAlive);
-  superlayer_ = nullptr;
+  CALayer* former = std::exchange(superlayer_, nullptr);
+  std::erase(former->sublayers_, keepAlive);
+  former->changed();
+}
+
+void CALayer::changed() {
+  const CALayer* root = this;
+  while (root->superlayer_)
+    root = root->superlayer_;
+  if (root->observer_) root->observer_();
 }
 
 void CALayer::setZPosition(double z) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -20,11 +21,17 @@ class CALayer : public std::enable_shared_from_this<CALayer> {
   void addSublayer(const std::shared_ptr<CALayer>& layer);
   void removeFromSuperlayer();
 
+  /// Set on a root layer: told of each layer that comes or goes anywhere below it. May be null.
+  void setObserver(std::function<void()> observer) { observer_ = std::move(observer); }
+
   double zPosition() const { return zPosition_; }
   void setZPosition(double z);
 
  private:
+  void changed();
+
   std::vector<std::shared_ptr<CALayer>> sublayers_;
+  std::function<void()> observer_;
   CALayer* superlayer_ = nullptr;
   double zPosition_ = 0;
 };

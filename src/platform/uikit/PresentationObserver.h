@@ -14,6 +14,8 @@ class PresentationObserver {
   virtual void willPresent(UIViewController& controller) = 0;
   /// After `viewDidAppear`; left out when a dismissal began before.
   virtual void didPresent(UIViewController& controller) = 0;
+  /// Before a dismissal's transition, of the lowest screen that goes; those above go with it.
+  virtual void willDismiss(UIViewController& /*controller*/) {}
   /// After `viewDidDisappear`, from the top down, before the presenter's `viewDidAppear`.
   virtual void didDismiss(UIViewController& controller) = 0;
 };

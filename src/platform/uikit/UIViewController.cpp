@@ -121,6 +121,7 @@ void UIViewController::startDismissal(bool animated) {
     if (visible) above->willDisappear(animated);
   }
   if (presenter->appearance_ != Appearance::appeared) presenter->willAppear(animated);
+  if (environment_.presentations) environment_.presentations->willDismiss(*this);
   afterTransition(animated, [self = shared_from_this(), presenter, animated] {
     self->finishDismissal(animated);
   });
