@@ -21,14 +21,20 @@ TimePoint BlockTimeline::now() const {
 }
 
 void BlockTimeline::post(TimePoint due, platform::EventClass eventClass, Block block) {
-  const std::lock_guard lock(mutex_);
-  insert(due, eventClass, std::move(block));
+  {
+    const std::lock_guard lock(mutex_);
+    insert(due, eventClass, std::move(block));
+  }
+  if (onPost_) onPost_();
 }
 
 void BlockTimeline::postAfter(platform::Duration delay, Block block) {
-  const std::lock_guard lock(mutex_);
-  insert(now() + std::max(delay, platform::Duration::zero()), platform::EventClass::task,
-         std::move(block));
+  {
+    const std::lock_guard lock(mutex_);
+    insert(now() + std::max(delay, platform::Duration::zero()), platform::EventClass::task,
+           std::move(block));
+  }
+  if (onPost_) onPost_();
 }
 
 void BlockTimeline::insert(TimePoint due, platform::EventClass eventClass, Block block) {
@@ -49,6 +55,12 @@ Block BlockTimeline::take(TimePoint deadline) {
     changed_.wait_until(lock, origin_ + wakeUp.time_since_epoch());
   }
   return nullptr;
+}
+
+std::optional<TimePoint> BlockTimeline::nextDue() {
+  const std::lock_guard lock(mutex_);
+  if (blocks_.empty()) return std::nullopt;
+  return std::get<TimePoint>(blocks_.begin()->first);
 }
 
 void BlockTimeline::interrupt() {

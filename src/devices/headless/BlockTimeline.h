@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <tuple>
 
 #include "platform/foundation/RunLoop.h"
@@ -24,6 +25,10 @@ class BlockTimeline {
   void postAfter(platform::Duration delay, platform::Block block);
   /// Waits for a block that is due; null once `deadline` has come, after `interrupt` or `close`.
   platform::Block take(platform::TimePoint deadline);
+  /// When the next block is due; absent when there is none.
+  std::optional<platform::TimePoint> nextDue();
+  /// Told, on any thread, of each block that is posted. Set before anything is posted.
+  void setOnPost(platform::Block onPost) { onPost_ = std::move(onPost); }
   /// Makes one waiting or the next `take` return.
   void interrupt();
   /// From now on `take` gives nothing; what is left waits for `clear`.
@@ -42,6 +47,7 @@ class BlockTimeline {
   std::condition_variable changed_;
   std::map<Key, platform::Block> blocks_;
   std::uint64_t sequence_ = 0;
+  platform::Block onPost_;
   bool interrupted_ = false;
   std::atomic<bool> closed_ = false;
 };

@@ -168,6 +168,12 @@ RealRunLoop::Stop RealRunLoop::runUntil(const std::function<bool()>& done, TimeP
   return Stop::condition;
 }
 
+bool RealRunLoop::runOneDue() {
+  const Block block = main_.take(now());
+  if (block) block();
+  return static_cast<bool>(block);
+}
+
 void RealRunLoop::shutDown() {
   shared_.close();
   device_.close();

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -36,6 +37,15 @@ class RealRunLoop final : public platform::RunLoop {
   Stop runUntil(const std::function<bool()>& done, platform::TimePoint deadline);
   /// Makes `runUntil` ask `done` again; any thread.
   void wake() { main_.interrupt(); }
+
+  /// For an event loop that runs the main queue itself, in place of `runUntil`: told, on any
+  /// thread, of each block posted to it. Set at once after construction.
+  void setOnMainPost(platform::Block onPost) { main_.setOnPost(std::move(onPost)); }
+  /// Runs the next main block if it is due; false when none was.
+  bool runOneDue();
+  /// Absent when the main queue is empty.
+  std::optional<platform::TimePoint> nextDue() { return main_.nextDue(); }
+
   /// Waits for the blocks that are running on other threads, then ends all timers and destroys all
   /// blocks that have not begun, on the main thread and without running them. Nothing runs
   /// afterwards.
