@@ -1,0 +1,53 @@
+#include "devices/qtquick/PreviewCamera.h"
+
+namespace devices {
+namespace {
+
+using platform::AVFileType;
+using platform::AVVideoCodecType;
+using platform::WriterSettings;
+
+class PreviewedCamera final : public platform::AVCaptureDevice {
+ public:
+  PreviewedCamera(platform::AVCaptureDeviceRef camera, std::shared_ptr<PreviewFeed> feed)
+      : camera_(std::move(camera)), feed_(std::move(feed)) {}
+
+  std::string localizedName() const override { return camera_->localizedName(); }
+  platform::AVMediaType mediaType() const override { return camera_->mediaType(); }
+  bool open() override { return camera_->open(); }
+  void start(SampleHandler handler) override {
+    // The flow comes first: what is recorded and judged does not wait for the picture on the
+    // screen.
+    camera_->start(
+        [feed = feed_, handler = std::move(handler)](platform::CMSampleBufferRef sample) {
+          const platform::PixelBufferRef picture = sample->image;
+          handler(std::move(sample));
+          feed->push(picture);
+        });
+  }
+  void stop() override { camera_->stop(); }
+  std::vector<AVVideoCodecType> availableVideoCodecTypes(const AVFileType& type) const override {
+    return camera_->availableVideoCodecTypes(type);
+  }
+  bool recommendedVideoSettings(const AVVideoCodecType& codec, const AVFileType& type,
+                                WriterSettings& settings) const override {
+    return camera_->recommendedVideoSettings(codec, type, settings);
+  }
+  bool recommendedAudioSettings(const AVFileType& type, WriterSettings& settings) const override {
+    return camera_->recommendedAudioSettings(type, settings);
+  }
+
+ private:
+  platform::AVCaptureDeviceRef camera_;
+  std::shared_ptr<PreviewFeed> feed_;
+};
+
+}  // namespace
+
+platform::AVCaptureDeviceRef PreviewedMediaDevices::defaultDevice(platform::AVMediaType type) {
+  auto device = devices_.defaultDevice(type);
+  if (!device || type != platform::AVMediaType::video) return device;
+  return std::make_shared<PreviewedCamera>(std::move(device), feed_);
+}
+
+}  // namespace devices

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QImage>
+#include <QQuickItem>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+#include <QtQml/qqmlregistration.h>
+
+#include "platform/media/SampleBuffer.h"
+
+namespace devices {
+
+/// The latest picture of the camera, ready to be shown: mirrored as in a looking-glass, cut and
+/// scaled to the size that is asked for. Fed by the camera's thread, read by the screen.
+class PreviewFeed {
+ public:
+  /// Any thread. Does the scaling on that thread, so that the main queue need not.
+  void push(const platform::PixelBufferRef& picture);
+  /// Size of the pictures in pixels; empty: none are made. Any thread.
+  void setSize(const QSize& size);
+  /// Null before the first.
+  QImage latest() const;
+  /// Told on the thread of the camera after each picture. Any thread; may be null.
+  void setOnPicture(std::function<void()> onPicture);
+
+ private:
+  mutable std::mutex mutex_;
+  QSize size_;
+  QImage latest_;
+  platform::PixelBufferRef last_;
+  std::function<void()> onPicture_;
+};
+
+/// A picture that fills `size`, its aspect kept and the overhang cut evenly, mirrored. Null when
+/// either is empty.
+QImage previewPicture(const platform::PixelBuffer& picture, const QSize& size);
+
+/// A picture file of any format that the toolkit reads, drawings included; null when it can't.
+platform::PixelBufferRef loadPicture(const std::filesystem::path& file);
+
+/// Shows a feed, as one texture.
+class PreviewItem : public QQuickItem {
+  Q_OBJECT
+ public:
+  explicit PreviewItem(QQuickItem* parent = nullptr);
+  ~PreviewItem() override;
+
+  void setFeed(std::shared_ptr<PreviewFeed> feed);
+
+ protected:
+  void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;
+  void itemChange(ItemChange change, const ItemChangeData& data) override;
+  QSGNode* updatePaintNode(QSGNode* node, UpdatePaintNodeData* data) override;
+
+ private:
+  void resizeFeed();
+
+  std::shared_ptr<PreviewFeed> feed_;
+};
+
+}  // namespace devices

@@ -1,0 +1,31 @@
+#include "devices/qtquick/QtApplication.h"
+
+#include <QFont>
+#include <QGuiApplication>
+#include <QQuickWindow>
+
+namespace devices {
+
+bool QtApplication::isPossible() {
+  return qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || qEnvironmentVariableIsSet("DISPLAY") ||
+         qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
+QtApplication::QtApplication() {
+  if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND") &&
+      !qEnvironmentVariableIsSet("QSG_RHI_BACKEND")) {
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+  }
+  // Arguments of the program are its own, not the toolkit's.
+  static int count = 1;
+  static char name[] = "videoid";
+  static char* arguments[] = {name, nullptr};
+  application_ = std::make_unique<QGuiApplication>(count, arguments);
+  QGuiApplication::setQuitOnLastWindowClosed(false);
+  // The same letters on every machine, unless a theme names others.
+  QGuiApplication::setFont(QFont(QStringLiteral("DejaVu Sans")));
+}
+
+QtApplication::~QtApplication() = default;
+
+}  // namespace devices

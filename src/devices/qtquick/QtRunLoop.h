@@ -1,0 +1,53 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "devices/headless/RealRunLoop.h"
+#include "platform/foundation/RunLoop.h"
+
+namespace devices {
+
+/// A window's event loop as the run loop: the thread of the application object is the main queue.
+/// Blocks run in turns with input and painting, so that a run of them does not hold either up.
+/// Queues, timers and devices are those of the plain loop. Needs an application object.
+class QtRunLoop final : public platform::RunLoop {
+ public:
+  using Stop = RealRunLoop::Stop;
+
+  explicit QtRunLoop(int workers = 3);
+  /// As `shutDown`.
+  ~QtRunLoop() override;
+
+  platform::TimePoint now() const override { return plain_.now(); }
+  platform::DispatchQueue& mainQueue() override { return plain_.mainQueue(); }
+  platform::DispatchQueue& globalQueue(platform::QualityOfService qos) override {
+    return plain_.globalQueue(qos);
+  }
+  std::shared_ptr<platform::DispatchQueue> makeSerialQueue(const std::string& label) override {
+    return plain_.makeSerialQueue(label);
+  }
+  std::shared_ptr<platform::Timer> scheduledTimer(platform::Duration interval, bool repeats,
+                                                  platform::Block block) override {
+    return plain_.scheduledTimer(interval, repeats, std::move(block));
+  }
+  void scheduleDevice(platform::TimePoint time, platform::EventClass eventClass,
+                      platform::Block block) override {
+    plain_.scheduleDevice(time, eventClass, std::move(block));
+  }
+  bool isVirtual() const override { return false; }
+
+  /// Runs the event loop until `done` holds (asked after each turn) or `deadline` has come.
+  Stop runUntil(const std::function<bool()>& done, platform::TimePoint deadline);
+  /// As that of the plain loop.
+  void shutDown();
+
+ private:
+  class Pump;
+
+  RealRunLoop plain_;
+  std::unique_ptr<Pump> pump_;
+};
+
+}  // namespace devices

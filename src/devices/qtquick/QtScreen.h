@@ -1,0 +1,90 @@
+#pragma once
+
+#include <QImage>
+#include <QQmlEngine>
+#include <QQuickWindow>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "devices/headless/DirectoryBundle.h"
+#include "devices/headless/ScreenHub.h"
+#include "devices/qtquick/Animator.h"
+#include "devices/qtquick/PreviewItem.h"
+#include "devices/qtquick/QtScene.h"
+#include "devices/qtquick/ScreenSettings.h"
+
+namespace devices {
+
+/// A window that shows a flow by the storyboards of a folder of QML modules. Add it to the
+/// `ScreenHub`, give it to the environment as its animations, and its feed to the camera. Needs a
+/// `QGuiApplication` and outlives the run loop's work. Main queue.
+class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
+ public:
+  struct Setup {
+    /// Holds a folder for each storyboard.
+    std::filesystem::path storyboards;
+    /// Where drawings are looked up by name.
+    std::filesystem::path images;
+    /// In points; of a full screen the screen decides.
+    platform::CGSize size{540, 960};
+    bool fullScreen = false;
+  };
+
+  QtScreen(platform::RunLoop& loop, const Setup& setup);
+  ~QtScreen() override;
+
+  platform::CGSize size() const;
+  const std::shared_ptr<PreviewFeed>& feed() const { return feed_; }
+  ScreenSettings& settings() { return settings_; }
+  QQuickWindow& window();
+  /// The user wants the window gone; it stays until this screen ends. May be null.
+  std::function<void()> onClose;
+
+  /// The storyboards of the folder with these controllers.
+  DirectoryBundle::StoryboardMaker makeStoryboards(platform::ControllerFactories factories);
+  /// A scene as `NAME/IDENTIFIER.qml` in the folder of storyboards; null when there is none.
+  std::shared_ptr<QtRootView> loadScene(const std::string& storyboard,
+                                        const std::string& identifier);
+
+  /// What can be seen at the moment.
+  QImage picture();
+  /// A sign that a step was accepted, for those who do not hear or feel it.
+  void flash();
+
+  void willPresent(platform::UIViewController& controller) override;
+  void willDismiss(platform::UIViewController& controller) override;
+  void didDismiss(platform::UIViewController& controller) override;
+  void viewChanged(platform::UIView& view, const char* property) override;
+  void willAnimate(platform::Duration duration) override;
+  void willFlip(platform::UIView& view, platform::Duration duration) override;
+
+ private:
+  class Window;
+
+  std::unique_ptr<QQuickItem> loadPart(const std::string& name, QVariantMap properties);
+  QtScene* sceneOf(platform::UIViewController& controller) const;
+  QQuickItem* itemOf(platform::UIViewController& controller) const;
+  void presentAlert(platform::UIAlertController& alert);
+  void raise(QQuickItem& item);
+  void focus(QQuickItem& item);
+
+  platform::RunLoop& loop_;
+  Setup setup_;
+  std::shared_ptr<PreviewFeed> feed_ = std::make_shared<PreviewFeed>();
+  ScreenSettings settings_;
+  Animator animator_;
+  platform::Duration animationDuration_{};
+  QQmlEngine engine_;
+  ScreenImages* images_ = nullptr;  ///< the engine's
+  std::unique_ptr<Window> window_;
+  std::unique_ptr<QQuickItem> flash_;
+  std::map<platform::UIViewController*, std::unique_ptr<QQuickItem>> alerts_;
+  std::vector<QQuickItem*> stack_;  ///< lowest first; only the last takes touches and keys
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+};
+
+}  // namespace devices

@@ -1,0 +1,25 @@
+import QtQuick
+
+Text {
+    property bool hidden: false
+    property real alpha: 1
+    property color backgroundColor: "transparent"
+    property color tintColor: "white"
+    property color textColor: "white"
+    property string fontFamily: ""
+    property real fontSize: 17
+    // Pixels of the screen to a point of the font.
+    property real unit: 1
+
+    visible: !hidden && alpha >= 0.01
+    opacity: alpha
+    color: textColor
+    font.family: fontFamily === "" ? Qt.application.font.family : fontFamily
+    font.pixelSize: Math.max(8, fontSize * unit)
+    wrapMode: Text.Wrap
+    textFormat: Text.PlainText
+
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
+    Accessible.ignored: !visible || text === ""
+}

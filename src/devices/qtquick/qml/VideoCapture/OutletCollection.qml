@@ -1,0 +1,5 @@
+import QtQuick
+
+QtObject {
+    property list<Item> members
+}
