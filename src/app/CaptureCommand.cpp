@@ -64,9 +64,67 @@ CLI::Option* addTime(CLI::App& command, CaptureArguments& arguments) {
   const std::map<std::string, TimeKind> kinds{{"media", TimeKind::media}, {"real", TimeKind::real}};
   return command
       .add_option("--time", arguments.time,
-                  "media: as fast as the machine can, the file's time counts (default); "
-                  "real: the wall clock")
+                  "media: as fast as the machine can, the file's time counts (default without a "
+                  "window); real: the wall clock")
       ->transform(CLI::CheckedTransformer(kinds).description(""));
+}
+
+void addScreen(CLI::App& command, CaptureArguments& arguments) {
+  const std::map<std::string, ScreenKind> kinds{{"window", ScreenKind::window},
+                                                {"headless", ScreenKind::headless}};
+  command
+      .add_option("--screen", arguments.screen,
+                  "window: a person sees and answers it, in real time; headless: --on-retry, "
+                  "--max-retries and --done answer (default, since the camera is a recording)")
+      ->transform(CLI::CheckedTransformer(kinds).description(""));
+  command.add_flag("--full-screen", arguments.window.fullScreen, "the window fills the screen");
+  command.add_option_function<std::string>(
+      "--window-size",
+      [&arguments](const std::string& value) {
+        const std::size_t cross = value.find('x');
+        auto& size = arguments.window.size;
+        if (cross == std::string::npos ||
+            !CLI::detail::lexical_cast(value.substr(0, cross), size.width) ||
+            !CLI::detail::lexical_cast(value.substr(cross + 1), size.height) ||
+            !(size.width >= 320 && size.height >= 320 && size.width <= 7680 &&
+              size.height <= 7680)) {
+          throw CLI::ValidationError("--window-size",
+                                     "give width and height as 540x960, each from 320 to 7680");
+        }
+      },
+      "width and height of the window in points (default 540x960)");
+}
+
+void addLooks(CLI::App& command, CaptureArguments& arguments) {
+  command.add_option("--language", arguments.language,
+                     "of the screens: ar, de, en (default), es or fr; the text to read is yours");
+  command.add_option("--theme", arguments.theme,
+                     "JSON file of colours, fonts, pictures, places and texts; see docs/screen.md");
+}
+
+/// Whoever says how a person behaves wants that person, not one before the window.
+void choosePerson(const CLI::App& command, CaptureArguments& arguments) {
+  const bool told = command.count("--on-retry") + command.count("--max-retries") +
+                        command.count("--done") + command.count("--on-alert") >
+                    0;
+  arguments.personIsVirtual = arguments.screen != ScreenKind::window || told;
+}
+
+tl::expected<FlowStage, std::string> makeStage(const CaptureArguments& arguments,
+                                               const WindowWishes& wishes,
+                                               const Resources& resources) {
+  if (arguments.screen != ScreenKind::window) {
+    return makeHeadlessStage(arguments.time.value_or(TimeKind::media));
+  }
+  if (arguments.time == TimeKind::media) {
+    return tl::unexpected(std::string(
+        "A window shows a run in real time; leave out --time media, or use --screen headless."));
+  }
+  if (!windowIsPossible()) {
+    return tl::unexpected(
+        std::string("There is no display for a window; use --screen headless, or set DISPLAY."));
+  }
+  return makeWindowStage(wishes, resources);
 }
 
 void addHabits(CLI::App& command, CaptureArguments& arguments) {
@@ -117,6 +175,8 @@ void addCaptureCommand(CLI::App& app, ExitCode& exitCode) {
                   "a recorded video that stands in for camera and microphone")
       ->required();
   addTime(command, *arguments);
+  addScreen(command, *arguments);
+  addLooks(command, *arguments);
   command.add_option("--output", arguments->output,
                      "new or empty folder for the run (default: videoid-run-N here)");
   command.add_option("--options", arguments->options,
@@ -129,7 +189,10 @@ void addCaptureCommand(CLI::App& app, ExitCode& exitCode) {
   command.add_flag("--keep", arguments->keep, "keep the folder of a cancelled run, too");
   command.add_flag("--keep-failed-runs", arguments->keepFailedRuns,
                    "keep the films of runs that were retried");
-  command.callback([arguments, &exitCode] { exitCode = runCapture(*arguments); });
+  command.callback([arguments, &command, &exitCode] {
+    choosePerson(command, *arguments);
+    exitCode = runCapture(*arguments);
+  });
 }
 
 ExitCode runCapture(const CaptureArguments& arguments) {
@@ -139,6 +202,9 @@ ExitCode runCapture(const CaptureArguments& arguments) {
   auto inputs = checkInputs(arguments);
   if (!inputs) return complain(ExitCode::wrongUse, inputs.error());
   const Resources resources = findResources();
+  WindowWishes wishes = arguments.window;
+  const auto dressed = applyLooks({arguments.language, arguments.theme}, resources, wishes.looks);
+  if (!dressed) return complain(ExitCode::wrongUse, dressed.error());
   if (const auto lack = lacks(examine(resources, inputs->folder)); !lack.empty()) {
     return complain(ExitCode::machineLacks, lack);
   }
@@ -147,13 +213,14 @@ ExitCode runCapture(const CaptureArguments& arguments) {
   if (!analyzer) {
     return complain(ExitCode::machineLacks, analyzer.error().localizedDescription());
   }
-  const auto driver = makeDriver(arguments.time);
-  auto media = devices::MediaFile::open(driver->loop(), arguments.camera);
+  auto stage = makeStage(arguments, wishes, resources);
+  if (!stage) return complain(ExitCode::wrongUse, stage.error());
+  auto media = devices::MediaFile::open(stage->driver->loop(), arguments.camera);
   if (!media) return complain(ExitCode::wrongUse, media.error());
   if (auto made = makeEmptyFolder(inputs->folder); !made) {
     return complain(ExitCode::wrongUse, made.error());
   }
-  CaptureFlow flow(arguments, *inputs, resources, *driver, *media, std::move(*analyzer),
+  CaptureFlow flow(arguments, *inputs, resources, *stage, *media, std::move(*analyzer),
                    printProgress);
   return finish(flow.run(), arguments, *inputs, resources);
 }

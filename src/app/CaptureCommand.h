@@ -8,6 +8,7 @@
 
 #include "app/Driver.h"
 #include "app/ExitCode.h"
+#include "app/FlowScreen.h"
 #include "devices/headless/HeadlessPerson.h"
 
 namespace app {
@@ -18,10 +19,16 @@ struct CaptureArguments {
   std::optional<std::string> text;
   std::optional<std::filesystem::path> textFile;
   std::filesystem::path camera;
-  TimeKind time = TimeKind::media;
+  std::optional<TimeKind> time;      ///< absent: media without a window, real with one
+  std::optional<ScreenKind> screen;  ///< absent: headless, since the camera is a recording
+  WindowWishes window;
+  std::string language = "en";
+  std::optional<std::filesystem::path> theme;
   std::optional<std::filesystem::path> output;
   std::optional<std::filesystem::path> options;
   devices::PersonHabits habits;
+  /// The habits answer the screens, not the person before the window.
+  bool personIsVirtual = true;
   double maxDurationSeconds = 600;
   bool keep = false;            ///< the folder also of a cancelled run
   bool keepFailedRuns = false;  ///< the films of runs that were retried

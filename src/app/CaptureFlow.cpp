@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "corvana/SpeechRecognizer.h"
-#include "devices/headless/SceneLayout.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
 
 namespace app {
@@ -22,19 +21,15 @@ engine::EngineHost::Setup hostSetup(const CaptureArguments& arguments, const Cap
                                     platform::MediaDevices& mediaDevices,
                                     platform::AssetWriterFactory& films,
                                     std::shared_ptr<engine::FrameAnalyzer> analyzer,
+                                    platform::CGSize screenSize,
                                     engine::RecorderObserver& observer) {
   auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
       driver.loop(), engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder));
-  return {driver.loop(),
-          notifications,
-          mediaDevices,
-          films,
-          std::move(analyzer),
-          std::move(recognizer),
-          inputs.folder,
-          arguments.keepFailedRuns,
-          {devices::kHeadlessScreen.width, devices::kHeadlessScreen.height},
-          &observer};
+  return {driver.loop(),       notifications,
+          mediaDevices,        films,
+          std::move(analyzer), std::move(recognizer),
+          inputs.folder,       arguments.keepFailedRuns,
+          screenSize,          &observer};
 }
 
 bool belongsInLog(FlowEvent::Kind kind) {
@@ -65,25 +60,31 @@ nlohmann::ordered_json fieldsOf(const FlowEvent& event) {
 }  // namespace
 
 CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs& inputs,
-                         const Resources& resources, Driver& driver,
+                         const Resources& resources, FlowStage& stage,
                          std::shared_ptr<devices::MediaFile> media,
                          std::shared_ptr<engine::FrameAnalyzer> analyzer, Progress progress)
     : arguments_(arguments),
       inputs_(inputs),
-      driver_(driver),
+      driver_(*stage.driver),
+      screen_(*stage.screen),
       media_(std::move(media)),
       progress_(std::move(progress)),
-      events_(driver.loop(), inputs.folder / EventLog::kFileName),
-      reporter_(driver.loop(), [this](const FlowEvent& event) { report(event); }),
-      person_(driver.loop(), arguments.habits),
+      events_(driver_.loop(), inputs.folder / EventLog::kFileName),
+      reporter_(driver_.loop(), [this](const FlowEvent& event) { report(event); }),
+      person_(driver_.loop(), arguments.habits),
       console_(std::cerr),
-      mediaDevices_(media_),
-      sounds_([this](platform::SystemSoundID sound) { reporter_.soundPlayed(sound); }),
-      bundle_(resources.module, devices::headlessStoryboards(capture::controllerFactories())),
-      films_(driver.loop()),
-      host_(hostSetup(arguments, inputs, driver, notificationCenter_, mediaDevices_, films_,
-                      std::move(analyzer), events_)),
-      environment_{driver.loop(),
+      fileDevices_(media_),
+      watchedDevices_(screen_.watch(fileDevices_)),
+      mediaDevices_(watchedDevices_ ? *watchedDevices_ : fileDevices_),
+      sounds_([this](platform::SystemSoundID sound) {
+        reporter_.soundPlayed(sound);
+        screen_.play(sound);
+      }),
+      bundle_(resources.module, screen_.makeStoryboards(capture::controllerFactories())),
+      films_(driver_.loop()),
+      host_(hostSetup(arguments, inputs, driver_, notificationCenter_, mediaDevices_, films_,
+                      std::move(analyzer), screen_.size(), events_)),
+      environment_{driver_.loop(),
                    bundle_,
                    notificationCenter_,
                    console_,
@@ -92,12 +93,13 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs&
                    speechAuthorization_,
                    sounds_,
                    host_,
-                   {devices::kHeadlessScreen},
-                   nullptr,
+                   {{0, 0, screen_.size().width, screen_.size().height}},
+                   screen_.animations(),
                    &hub_,
                    &events_} {
+  screen_.join(hub_);
   hub_.add(reporter_);
-  hub_.add(person_);
+  if (arguments.personIsVirtual) hub_.add(person_);
 }
 
 CaptureFlow::~CaptureFlow() = default;
@@ -118,6 +120,8 @@ void CaptureFlow::endAfterGrace(bool filmWasStopping) {
 }
 
 void CaptureFlow::watchWorld() {
+  screen_.setOnClose(
+      [this] { end_.set(tl::unexpected(corvana::IDError(corvana::IDError::Strings::canceled))); });
   media_->onEnd = [this] { endAfterGrace(); };
   media_->onError = [this](const std::string& sentence) { end_.fail(sentence); };
   if (media_->microphone()) return;
@@ -139,6 +143,7 @@ void CaptureFlow::start() {
 }
 
 void CaptureFlow::close() {
+  screen_.setOnClose(nullptr);
   media_->onEnd = nullptr;
   media_->onError = nullptr;
   window_.reset();
@@ -167,7 +172,7 @@ RunRecord CaptureFlow::run() {
   close();
   const auto film = host_.film();
   return {end_.outcome(), film ? film->counters() : platform::AssetWriterCounters{},
-          1 + person_.retries()};
+          1 + events_.retries()};
 }
 
 }  // namespace app

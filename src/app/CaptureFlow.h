@@ -9,6 +9,7 @@
 #include "app/EventLog.h"
 #include "app/FileMediaDevices.h"
 #include "app/FlowEnd.h"
+#include "app/FlowScreen.h"
 #include "app/Resources.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "devices/gstreamer/FilmWriterFactory.h"
@@ -20,14 +21,15 @@
 
 namespace app {
 
-/// The world of one headless run, from the entry to the closed film. Main thread; used once.
+/// The world of one run, from the entry to the closed film. Main thread; used once.
 class CaptureFlow {
  public:
   /// What the user would see, line by line; may be empty.
   using Progress = std::function<void(platform::TimePoint now, const devices::FlowEvent& event)>;
 
   CaptureFlow(const CaptureArguments& arguments, const CaptureInputs& inputs,
-              const Resources& resources, Driver& driver, std::shared_ptr<devices::MediaFile> media,
+              const Resources& resources, FlowStage& stage,
+              std::shared_ptr<devices::MediaFile> media,
               std::shared_ptr<engine::FrameAnalyzer> analyzer, Progress progress);
   ~CaptureFlow();
 
@@ -45,6 +47,7 @@ class CaptureFlow {
   const CaptureArguments& arguments_;
   const CaptureInputs& inputs_;
   Driver& driver_;
+  FlowScreen& screen_;
   std::shared_ptr<devices::MediaFile> media_;
   Progress progress_;
   FlowEnd end_;
@@ -56,7 +59,9 @@ class CaptureFlow {
   platform::NotificationCenter notificationCenter_;
   devices::StreamConsole console_;
   devices::NoSettingsApplication application_;
-  FileMediaDevices mediaDevices_;
+  FileMediaDevices fileDevices_;
+  std::unique_ptr<platform::MediaDevices> watchedDevices_;
+  platform::MediaDevices& mediaDevices_;
   LocalSpeechAuthorization speechAuthorization_;
   devices::ReportingSystemSounds sounds_;
   devices::DirectoryBundle bundle_;

@@ -57,6 +57,7 @@ void EventLog::happened(const engine::RecorderEvent& event) {
   ordered_json fields = {{"name", event.name}};
   for (const auto& detail : event.details)
     fields[detail.first] = valueOf(detail);
+  if (event.kind == Kind::call && event.name == "retry") ++retries_;
   add(nameOf(event.kind), std::move(fields));
 }
 

@@ -18,6 +18,8 @@ class EventLog final : public engine::RecorderObserver, public corvana::Decision
  public:
   EventLog(const platform::RunLoop& loop, const std::filesystem::path& path);
 
+  /// How often the recorder was told to begin anew.
+  int retries() const { return retries_; }
   void add(const std::string& event, nlohmann::ordered_json fields);
 
   void happened(const engine::RecorderEvent& event) override;
@@ -29,6 +31,7 @@ class EventLog final : public engine::RecorderObserver, public corvana::Decision
   const platform::RunLoop& loop_;
   platform::TimePoint start_;
   std::ofstream file_;
+  int retries_ = 0;
 };
 
 }  // namespace app

@@ -9,7 +9,7 @@ namespace {
 namespace fs = std::filesystem;
 
 Resources below(const fs::path& folder) {
-  return {folder / "capture", folder / "engine"};
+  return {folder / "capture", folder / "engine", folder / "screen"};
 }
 
 }  // namespace
@@ -21,7 +21,8 @@ Resources findResources() {
   const fs::path installed = program.parent_path().parent_path() / CORVANA_INSTALLED_RESOURCES;
   if (fs::is_directory(installed, error)) return below(installed);
   const fs::path source = CORVANA_SOURCE_DIR;
-  return {source / "src/capture/resources", source / "src/engine/resources"};
+  return {source / "src/capture/resources", source / "src/engine/resources",
+          source / "src/devices/qtquick/qml"};
 }
 
 }  // namespace app

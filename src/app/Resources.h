@@ -11,6 +11,8 @@ struct Resources {
   std::filesystem::path module;  ///< of the capture module: facenet.tflite, drawings
   std::filesystem::path engine;  ///< of the reference host: face detection models
 
+  std::filesystem::path storyboards;  ///< QML modules of the window
+
   std::filesystem::path faceModel() const { return module / "facenet.tflite"; }
   std::filesystem::path faceDetector() const {
     return engine / "face_detection_short_range.tflite";

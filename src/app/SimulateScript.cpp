@@ -310,7 +310,8 @@ class Loader {
         {"film", [&] { return steps::Film{object.optionalText("error")}; }},
         {"captureMode", [&] { return captureModeStep(object); }},
         {"selfieDebug", [&] { return selfieDebugStep(object); }},
-        {"cardDebug", [&] { return cardDebugStep(object); }}};
+        {"cardDebug", [&] { return cardDebugStep(object); }},
+        {"picture", [&] { return steps::Picture{object.text("name")}; }}};
     SimulateStep result;
     result.where = object.where();
     const double earliest = platform::inSeconds(lastStep());
@@ -319,7 +320,7 @@ class Loader {
     result.label = object.text("do");
     result.action = action();
     object.refuseOtherKeys();
-    for (const char* key : {"state", "card", "face", "message", "button", "mode", "heard"}) {
+    for (const char* key : {"state", "card", "face", "message", "button", "mode", "heard", "name"}) {
       if (object.has(key)) result.label += " " + object.brief(key);
     }
     for (const char* key : {"microphone", "speech", "error"}) {

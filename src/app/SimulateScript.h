@@ -47,7 +47,10 @@ struct Film {
 struct Notice {
   platform::Notification notification;
 };
-using Action = std::variant<Selfie, Card, LiveFace, Speech, Tap, Permission, Film, Notice>;
+struct Picture {
+  std::string name;
+};
+using Action = std::variant<Selfie, Card, LiveFace, Speech, Tap, Permission, Film, Notice, Picture>;
 }  // namespace steps
 
 struct SimulateStep {

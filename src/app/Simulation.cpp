@@ -4,7 +4,6 @@
 
 #include "capture/Corvana+VideoCapture.h"
 #include "corvana/SpeechRecognizer.h"
-#include "devices/headless/SceneLayout.h"
 #include "devices/headless/ViewSearch.h"
 #include "platform/uikit/Controls.h"
 
@@ -38,14 +37,15 @@ const char* nameOf(corvana::CaptureMode mode) {
 }  // namespace
 
 Simulation::Simulation(SimulateScript script, const std::filesystem::path& resources,
-                       std::ostream& out)
+                       std::ostream& out, const ScreenMaker& makeScreen)
     : script_(std::move(script)),
       out_(out),
+      screen_(makeScreen(loop_)),
       application_(makeApplication()),
       sounds_([this](platform::SystemSoundID sound) { print("sound " + std::to_string(sound)); }),
       watch_(
           loop_, [this](const std::string& line) { print(line); }, gauges()),
-      bundle_(resources, devices::headlessStoryboards(capture::controllerFactories())),
+      bundle_(resources, screen_->makeStoryboards(capture::controllerFactories())),
       environment_{loop_,
                    bundle_,
                    notificationCenter_,
@@ -55,10 +55,11 @@ Simulation::Simulation(SimulateScript script, const std::filesystem::path& resou
                    speechAuthorization_,
                    sounds_,
                    host_,
-                   {devices::kHeadlessScreen},
-                   &watch_,
+                   {{0, 0, screen_->size().width, screen_->size().height}},
+                   screen_->animations() ? screen_->animations() : &watch_,
                    &hub_,
                    this} {
+  screen_->join(hub_);
   hub_.add(watch_);
   console_.onPrint = [this](std::string_view line) { print("console " + std::string(line)); };
 }
@@ -190,6 +191,9 @@ struct Simulation::Actor {
   }
   void operator()(const steps::Notice& notice) const {
     world.notificationCenter_.post(notice.notification);
+  }
+  void operator()(const steps::Picture& picture) const {
+    if (world.onPicture) world.onPicture(*world.screen_, picture.name);
   }
 };
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "app/FlowEnd.h"
+#include "app/FlowScreen.h"
 #include "app/SimulateScript.h"
 #include "app/SimulateWatch.h"
 #include "corvana/Decision.h"
@@ -26,12 +27,18 @@ namespace app {
 /// for each thing that the user sees and hears, the recorder is asked and the caller gets.
 class Simulation final : public corvana::DecisionObserver {
  public:
-  Simulation(SimulateScript script, const std::filesystem::path& resources, std::ostream& out);
+  using ScreenMaker = std::function<std::unique_ptr<FlowScreen>(platform::RunLoop&)>;
+
+  Simulation(SimulateScript script, const std::filesystem::path& resources, std::ostream& out,
+             const ScreenMaker& makeScreen = makeHeadlessScreen);
   ~Simulation() override;
 
   /// Absent when the script ended before the flow did; an error is a fault of the script, in one
   /// sentence.
   tl::expected<std::optional<Outcome>, std::string> run();
+
+  /// Told at each step that takes a picture; may be null.
+  std::function<void(FlowScreen& screen, const std::string& name)> onPicture;
 
   void decided(const corvana::Decision& decision) override;
 
@@ -57,6 +64,7 @@ class Simulation final : public corvana::DecisionObserver {
   bool isOver_ = false;  ///< what is taken down from now on nobody sees
 
   platform::VirtualRunLoop loop_;
+  std::unique_ptr<FlowScreen> screen_;
   platform::NotificationCenter notificationCenter_;
   devices::ScreenHub hub_;
   devices::CapturingConsole console_;

@@ -5,6 +5,7 @@
 
 #include "app/CaptureCommand.h"
 #include "app/Commands.h"
+#include "app/ScreensCommand.h"
 #include "app/SimulateCommand.h"
 
 namespace {
@@ -25,6 +26,7 @@ int run(int argc, char** argv) {
   app::addEnrollCommand(program, exitCode);
   app::addCaptureCommand(program, exitCode);
   app::addSimulateCommand(program, exitCode);
+  app::addScreensCommand(program, exitCode);
   app::addVerifyCommand(program, exitCode);
   app::addDoctorCommand(program, exitCode);
   app::addOptionsCommand(program, exitCode);

@@ -1,0 +1,96 @@
+#include <stdlib.h>
+
+#include "app/FlowScreen.h"
+#include "devices/qtquick/PreviewCamera.h"
+#include "devices/qtquick/QtApplication.h"
+#include "devices/qtquick/QtRunLoop.h"
+#include "devices/qtquick/QtScreen.h"
+
+namespace app {
+namespace {
+
+/// The application object comes before the loop and goes after it.
+class WindowDriver final : public Driver {
+ public:
+  platform::RunLoop& loop() override { return loop_; }
+  Stop run(const std::function<bool()>& done, platform::Duration duration) override {
+    const auto stop = loop_.runUntil(done, loop_.now() + duration);
+    return stop == devices::QtRunLoop::Stop::condition ? Stop::condition : Stop::deadline;
+  }
+  void shutDown() override { loop_.shutDown(); }
+
+ private:
+  devices::QtApplication application_;
+  devices::QtRunLoop loop_;
+};
+
+class WindowScreen final : public FlowScreen {
+ public:
+  WindowScreen(platform::RunLoop& loop, const WindowWishes& wishes, const Resources& resources)
+      : loop_(loop),
+        screen_(loop, {resources.storyboards, resources.module, wishes.size, wishes.fullScreen}) {
+    devices::ScreenSettings& settings = screen_.settings();
+    settings.textScale = wishes.looks.textScale;
+    settings.rightToLeft = wishes.looks.rightToLeft;
+    settings.animated = !wishes.looks.reducedMotion;
+    for (const auto& [key, word] : wishes.looks.words) {
+      if (!word.empty()) settings.words[QString::fromStdString(key)] = QString::fromStdString(word);
+    }
+    emit settings.changed();
+  }
+
+  devices::QtScreen& screen() { return screen_; }
+
+  platform::CGSize size() const override { return screen_.size(); }
+  devices::DirectoryBundle::StoryboardMaker makeStoryboards(
+      platform::ControllerFactories factories) override {
+    return screen_.makeStoryboards(std::move(factories));
+  }
+  platform::AnimationPlayer* animations() override { return &screen_; }
+  void join(devices::ScreenHub& hub) override { hub.add(screen_); }
+  std::unique_ptr<platform::MediaDevices> watch(platform::MediaDevices& devices) override {
+    return std::make_unique<devices::PreviewedMediaDevices>(devices, screen_.feed());
+  }
+  void play(platform::SystemSoundID sound) override {
+    if (sound == platform::kSystemSoundVibrate) screen_.flash();
+  }
+  void setOnClose(std::function<void()> onClose) override {
+    // A block of the main queue makes the loop ask whether the flow is over.
+    screen_.onClose = [this, onClose = std::move(onClose)] {
+      if (onClose) loop_.mainQueue().async(onClose);
+    };
+  }
+  bool savePicture(const std::filesystem::path& path) override {
+    return screen_.picture().save(QString::fromStdString(path.string()), "PNG");
+  }
+
+ private:
+  platform::RunLoop& loop_;
+  devices::QtScreen screen_;
+};
+
+}  // namespace
+
+bool windowIsPossible() {
+  return devices::QtApplication::isPossible();
+}
+
+FlowStage makeWindowStage(const WindowWishes& wishes, const Resources& resources) {
+  auto driver = std::make_unique<WindowDriver>();
+  auto screen = std::make_unique<WindowScreen>(driver->loop(), wishes, resources);
+  return {std::move(driver), std::move(screen)};
+}
+
+std::unique_ptr<FlowScreen> makePictureScreen(platform::RunLoop& loop, const WindowWishes& wishes,
+                                              const Resources& resources,
+                                              const std::filesystem::path& backdrop) {
+  setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  // It stays to the end of the process: after `main` there is nothing left that it could end.
+  [[maybe_unused]] static const auto* application = new devices::QtApplication;
+  auto made = std::make_unique<WindowScreen>(loop, wishes, resources);
+  devices::QtScreen& screen = made->screen();
+  screen.feed()->push(devices::loadPicture(backdrop));
+  return made;
+}
+
+}  // namespace app
