@@ -8,7 +8,9 @@
 namespace tests {
 TestWorld::TestWorld()
     : bundle(CORVANA_TEST_RESOURCES,
-             [this](platform::Environment& env, const std::string& name) {
+             [this](platform::Environment& env,
+                    const std::string& name) -> std::shared_ptr<platform::UIStoryboard> {
+               if (makeStoryboard) return makeStoryboard(env, name);
                platform::require(name == "VideoCapture", "the tests have one storyboard");
                storyboard_ = std::make_shared<devices::HeadlessStoryboard>(env, scenes, factories);
                return storyboard_;

@@ -42,6 +42,8 @@ class TestWorld {
   devices::ScriptedHost host{loop, mediaDevices};
   platform::ControllerFactories factories;
   std::vector<devices::SceneLayout> scenes = devices::videoCaptureScenes();
+  /// Another screen's storyboards in place of those made from `scenes`; null unless a test sets it.
+  TestBundle::StoryboardMaker makeStoryboard;
   /// Its folder is that of the tests' small resources.
   TestBundle bundle;
   platform::Environment environment;

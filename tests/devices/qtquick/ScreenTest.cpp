@@ -1,0 +1,183 @@
+#include <QtTest>
+#include <map>
+
+#include "ScreenWorld.h"
+#include "corvana/Notifications.h"
+#include "devices/qtquick/PreviewCamera.h"
+
+namespace tests {
+namespace {
+
+using platform::colors::kRed;
+
+class Screen : public ScreenWorld {};
+
+TEST_F(Screen, ShowsAWholeIdentificationAndTakesItsTouches) {
+  open();
+  enter();
+  EXPECT_EQ(item("captureLabel").property("text"), "Take a Selfie");
+  EXPECT_EQ(world.host.recorder()->setup.selfieOverlayFrame,
+            world.view("selfieOverlayImageView").frame());
+  selfie(Face::MoveCloser{});
+  EXPECT_EQ(item("selfieOverlayLabel").property("text"), "Move closer");
+  EXPECT_EQ(item("selfieOverlayImageView").property("tintColor").value<QColor>(),
+            QColor::fromRgbF(float(kRed.red), float(kRed.green), float(kRed.blue)));
+  EXPECT_FALSE(item("doneButton").isVisible());
+
+  passSelfie();
+  world.advance(0.5);
+  EXPECT_FALSE(item("selfieOverlayView").isVisible());
+  EXPECT_EQ(item("idOverlayView").opacity(), 1);
+  card(ID::DetectedBox{});
+  EXPECT_NEAR(item("progressView").property("progress").toDouble(), 1.0 / 3, 1e-6);
+  showSide(front);
+  world.advance(0.9);
+  const double flip = item("idImageView").property("flip").toDouble();
+  EXPECT_TRUE(flip > 0 && flip < 1) << "the silhouette is turned over before the eyes: " << flip;
+  world.advance(1.2);
+  EXPECT_EQ(item("captureLabel").property("text"), "Show the Back of Your ID");
+  passBack();
+  hear(text);
+  click("doneButton");
+  expectAccepted();
+  EXPECT_TRUE(screen->window().contentItem()->childItems().size() == 1) << "but for the flash";
+}
+
+TEST_F(Screen, CloseCancelsByTouchAndByKeys) {
+  for (const bool byKey : {false, true}) {
+    results.clear();
+    if (!byKey) open();
+    enter();
+    if (byKey) {
+      QTest::keyClick(&screen->window(), Qt::Key_Escape);
+      world.advance(1);
+    } else {
+      click("closeButton");
+    }
+    expectFailed(IDError::Strings::canceled);
+  }
+}
+
+TEST_F(Screen, RetryAndCancelAnswerAndNothingBelowDoes) {
+  open();
+  enter();
+  selfie(Face::TimedOut{});
+  world.advance(1);
+  const QRectF close(8, 8, 40, 40);
+  QTest::mouseClick(&screen->window(), Qt::LeftButton, {}, close.center().toPoint());
+  world.advance(1);
+  ASSERT_EQ(world.topmostScene(), "VideoRetryViewController") << "a covered button was touched";
+  click("retryButton");
+  EXPECT_EQ(world.recorder().count("retry"), 1);
+  selfie(Face::TimedOut{});
+  world.advance(1);
+  // The first button has the focus; the second is one key away.
+  QTest::keyClick(&screen->window(), Qt::Key_Tab);
+  QTest::keyClick(&screen->window(), Qt::Key_Return);
+  world.advance(1);
+  expectFailed(IDError::Strings::canceled);
+}
+
+TEST_F(Screen, AlertsAreAnswered) {
+  world.mediaDevices.microphoneStatus = platform::AVAuthorizationStatus::denied;
+  open();
+  enter();
+  ASSERT_TRUE(world.alert());
+  click(alertButton());
+  EXPECT_EQ(world.application.opened.size(), 1u);
+  EXPECT_FALSE(world.alert());
+}
+
+TEST_F(Screen, MarksTheWordsHeardAndNeverReadsATextAsMarkup) {
+  VideoCapture::options.isDebugMode = true;
+  text = "Seven <b>grey</b> herons & more";
+  open();
+  enter();
+  EXPECT_EQ(item("readingTextLabel").property("text").toString().toStdString(), text);
+  EXPECT_EQ(item("readingTextLabel").property("textFormat").toInt(), 0);
+  reachReading();
+  hear("seven herons");
+  EXPECT_EQ(item("readingTextLabel").property("text").toString().toStdString(),
+            "<font color=\"#ffff00\">Seven</font> &lt;b&gt;grey&lt;/b&gt; "
+            "<font color=\"#ffff00\">herons</font> &amp; more");
+}
+
+TEST_F(Screen, PreviewIsMirroredAndOutlinesLieOverIt) {
+  open({400, 400});
+  enter();
+  // Red on the left of the camera's picture, blue on the right.
+  std::vector<std::uint8_t> bytes;
+  for (int i = 0; i < 100 * 100; ++i) {
+    const bool left = i % 100 < 50;
+    bytes.insert(bytes.end(), {std::uint8_t(left ? 255 : 0), 0, std::uint8_t(left ? 0 : 255)});
+  }
+  screen->feed()->push(std::make_shared<platform::PixelBuffer>(
+      100, 100, platform::PixelFormat::rgb24, std::move(bytes)));
+  // Inside the oval, where no shade lies.
+  EXPECT_EQ(pixel(190, 150), QColor(Qt::blue));
+  EXPECT_EQ(pixel(210, 150), QColor(Qt::red));
+  world.recorder().reportLiveFace({450, 350, 100, 200}, {1000, 1000});
+  world.advance(0);
+  EXPECT_EQ(pixel(200, 140), QColor(Qt::green)) << "top of the ellipse around the face";
+}
+
+TEST_F(Screen, ReplaysShowTheSamePictures) {
+  std::vector<QImage> pictures;
+  for (int i = 0; i < 2; ++i) {
+    if (i == 0) open();
+    enter();
+    passSelfie();
+    showSide(front);
+    world.advance(0.75);
+    pictures.push_back(screen->picture());
+    world.root->dismiss(false);
+    world.advance(1000);
+  }
+  EXPECT_FALSE(pictures[0].isNull());
+  EXPECT_EQ(pictures[0], pictures[1]);
+}
+
+/// What an edit of a storyboard's file must lead to.
+struct BrokenScene {
+  const char* file;
+  const char* from;
+  const char* to;
+  const char* complaint;
+};
+
+TEST_F(Screen, AStoryboardThatLacksSomethingStopsTheProgramNamingIt) {
+  GTEST_FLAG_SET(death_test_style, "fast");
+  const char* capture = "VideoCaptureViewController.qml";
+  for (const BrokenScene& scene :
+       {BrokenScene{capture, "id: topMatchesLabel;", "", "no outlet \"topMatchesLabel\""},
+        BrokenScene{capture, "Bar {\n            id: progressView",
+                    "View {\n            id: progressView",
+                    "right kind \"progressView\": it has no a property \"progress\""},
+        BrokenScene{capture, "id: idLabelBelowConstraint", "", "idLabelBelowConstraint"},
+        BrokenScene{capture, "action: \"doneReadingText\"", "",
+                    "no control for the action \"doneReadingText\""},
+        BrokenScene{capture, "action: \"doneReadingText\"", "action: \"done\"",
+                    "no control for the action \"doneReadingText\""},
+        BrokenScene{capture, "property Item preview: cameraPreview", "", "\"preview\""},
+        BrokenScene{capture, "Preview {", "Preview { nonsense: 1", "nonsense"}}) {
+    EXPECT_DEATH(
+        {
+          const EditedStoryboards edited(scene.file, scene.from, scene.to);
+          open({360, 640}, edited.folder());
+          enter();
+        },
+        scene.complaint);
+  }
+}
+
+TEST_F(Screen, WantsToBeClosedOnlyByTheProgram) {
+  open();
+  int wishes = 0;
+  screen->onClose = [&] { ++wishes; };
+  screen->window().close();
+  EXPECT_EQ(wishes, 1);
+  EXPECT_TRUE(screen->window().isVisible());
+}
+
+}  // namespace
+}  // namespace tests
