@@ -147,12 +147,13 @@ void addSilhouettes(std::vector<Row>& rows) {
 template <class Strings>
 void addTexts(const std::string& table, Strings& strings,
               std::initializer_list<std::pair<const char*, std::string Strings::*>> fields,
-              std::vector<Row>& rows) {
+              std::vector<TextEntry>& texts) {
   for (const auto& [name, field] : fields)
-    rows.push_back(textRow(table + ".strings." + name, strings.*field));
+    texts.push_back({table + ".strings." + name, &(strings.*field)});
 }
 
-void addAllTexts(std::vector<Row>& rows) {
+std::vector<TextEntry> textsOf() {
+  std::vector<TextEntry> texts;
   using Selfie = SelfieCapture::Strings;
   using Card = IDCapture::Strings;
   using Video = VideoCapture::Strings;
@@ -167,7 +168,7 @@ void addAllTexts(std::vector<Row>& rows) {
                     {"retryScreenText", &Selfie::retryScreenText},
                     {"retryButtonText", &Selfie::retryButtonText},
                     {"cancelButtonText", &Selfie::cancelButtonText}},
-                   rows);
+                   texts);
   addTexts<Card>("idCapture", IDCapture::strings,
                  {{"captureFront", &Card::captureFront},
                   {"captureBack", &Card::captureBack},
@@ -184,17 +185,16 @@ void addAllTexts(std::vector<Row>& rows) {
                   {"retryScreenText", &Card::retryScreenText},
                   {"retryButtonText", &Card::retryButtonText},
                   {"cancelButtonText", &Card::cancelButtonText}},
-                 rows);
+                 texts);
   addTexts<Video>("videoCapture", VideoCapture::strings,
                   {{"doneButton", &Video::doneButton},
                    {"faceDoesNotMatch", &Video::faceDoesNotMatch},
                    {"idDoesNotMatch", &Video::idDoesNotMatch}},
-                  rows);
+                  texts);
+  return texts;
 }
 
 void addWindow(WindowLooks& looks, std::vector<Row>& rows) {
-  for (const char* word : {"close", "progress", "secondsLeft"})
-    rows.push_back(textRow(std::string("screen.words.") + word, looks.words[word]));
   rows.push_back(
       {"screen.textScale", "a number from 0.8 to 2", [&looks](const json& value, const fs::path&) {
          if (!value.is_number()) return false;
@@ -218,7 +218,8 @@ std::vector<Row> rowsFor(WindowLooks& looks) {
   addLooks<SelfieCapture>("selfieCapture", rows);
   addLooks<IDCapture>("idCapture", rows);
   addSilhouettes(rows);
-  addAllTexts(rows);
+  for (const TextEntry& entry : translatableTexts(looks))
+    rows.push_back(textRow(entry.key, *entry.text));
   addWindow(looks, rows);
   return rows;
 }
@@ -265,13 +266,11 @@ Expected<void> applyLooks(const LooksWishes& wishes, const Resources& resources,
   return {};
 }
 
-std::vector<std::string> translatableKeys() {
-  WindowLooks looks;
-  std::vector<std::string> keys;
-  for (const Row& row : rowsFor(looks)) {
-    if (row.wanted == "a text") keys.push_back(row.key);
-  }
-  return keys;
+std::vector<TextEntry> translatableTexts(WindowLooks& looks) {
+  std::vector<TextEntry> texts = textsOf();
+  for (const char* word : {"close", "progress", "secondsLeft"})
+    texts.push_back({std::string("screen.words.") + word, &looks.words[word]});
+  return texts;
 }
 
 }  // namespace app

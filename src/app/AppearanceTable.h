@@ -35,8 +35,13 @@ struct LooksWishes {
 Expected<void> applyLooks(const LooksWishes& wishes, const Resources& resources,
                           WindowLooks& looks);
 
-/// The keys that a translation must hold: every text that a user can see or hear, but for the few
-/// that are fixed.
-std::vector<std::string> translatableKeys();
+struct TextEntry {
+  std::string key;
+  std::string* text;  ///< in the host's tables or in the looks
+};
+
+/// What a translation must hold: every text that a user can see or hear, but for the few that are
+/// fixed.
+std::vector<TextEntry> translatableTexts(WindowLooks& looks);
 
 }  // namespace app

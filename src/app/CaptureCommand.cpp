@@ -110,21 +110,22 @@ void choosePerson(const CLI::App& command, CaptureArguments& arguments) {
   arguments.personIsVirtual = arguments.screen != ScreenKind::window || told;
 }
 
-tl::expected<FlowStage, std::string> makeStage(const CaptureArguments& arguments,
-                                               const WindowWishes& wishes,
-                                               const Resources& resources) {
-  if (arguments.screen != ScreenKind::window) {
-    return makeHeadlessStage(arguments.time.value_or(TimeKind::media));
-  }
+/// Why the screen that was asked for can't be shown; empty when it can.
+std::string screenFault(const CaptureArguments& arguments) {
+  if (arguments.screen != ScreenKind::window) return {};
   if (arguments.time == TimeKind::media) {
-    return tl::unexpected(std::string(
-        "A window shows a run in real time; leave out --time media, or use --screen headless."));
+    return "A window shows a run in real time; leave out --time media, or use --screen headless.";
   }
   if (!windowIsPossible()) {
-    return tl::unexpected(
-        std::string("There is no display for a window; use --screen headless, or set DISPLAY."));
+    return "There is no display for a window; use --screen headless, or set DISPLAY.";
   }
-  return makeWindowStage(wishes, resources);
+  return {};
+}
+
+FlowStage makeStage(const CaptureArguments& arguments, const WindowWishes& wishes,
+                    const Resources& resources) {
+  if (arguments.screen == ScreenKind::window) return makeWindowStage(wishes, resources);
+  return makeHeadlessStage(arguments.time.value_or(TimeKind::media));
 }
 
 void addHabits(CLI::App& command, CaptureArguments& arguments) {
@@ -199,12 +200,15 @@ ExitCode runCapture(const CaptureArguments& arguments) {
   if (!arguments.text && !arguments.textFile) {
     return complain(ExitCode::wrongUse, "Give the text to be read with --text or --text-file.");
   }
-  auto inputs = checkInputs(arguments);
-  if (!inputs) return complain(ExitCode::wrongUse, inputs.error());
+  if (const auto fault = screenFault(arguments); !fault.empty()) {
+    return complain(ExitCode::wrongUse, fault);
+  }
   const Resources resources = findResources();
   WindowWishes wishes = arguments.window;
   const auto dressed = applyLooks({arguments.language, arguments.theme}, resources, wishes.looks);
   if (!dressed) return complain(ExitCode::wrongUse, dressed.error());
+  auto inputs = checkInputs(arguments);
+  if (!inputs) return complain(ExitCode::wrongUse, inputs.error());
   if (const auto lack = lacks(examine(resources, inputs->folder)); !lack.empty()) {
     return complain(ExitCode::machineLacks, lack);
   }
@@ -214,13 +218,12 @@ ExitCode runCapture(const CaptureArguments& arguments) {
     return complain(ExitCode::machineLacks, analyzer.error().localizedDescription());
   }
   auto stage = makeStage(arguments, wishes, resources);
-  if (!stage) return complain(ExitCode::wrongUse, stage.error());
-  auto media = devices::MediaFile::open(stage->driver->loop(), arguments.camera);
+  auto media = devices::MediaFile::open(stage.driver->loop(), arguments.camera);
   if (!media) return complain(ExitCode::wrongUse, media.error());
   if (auto made = makeEmptyFolder(inputs->folder); !made) {
     return complain(ExitCode::wrongUse, made.error());
   }
-  CaptureFlow flow(arguments, *inputs, resources, *stage, *media, std::move(*analyzer),
+  CaptureFlow flow(arguments, *inputs, resources, stage, *media, std::move(*analyzer),
                    printProgress);
   return finish(flow.run(), arguments, *inputs, resources);
 }

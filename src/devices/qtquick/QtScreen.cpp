@@ -170,6 +170,7 @@ void QtScreen::presentAlert(platform::UIAlertController& alert) {
                          {QStringLiteral("actions"), titles}});
   new AlertTouches(alert, *item);
   raise(*item);
+  announce(*item);
   alerts_[&alert] = std::move(item);
 }
 

@@ -1,5 +1,6 @@
 #include "devices/qtquick/ViewBinding.h"
 
+#include <QAccessible>
 #include <QMetaMethod>
 #include <initializer_list>
 
@@ -20,6 +21,7 @@ constexpr const char* kTintColor = "tintColor";
 constexpr const char* kText = "text";
 constexpr const char* kTextColor = "textColor";
 constexpr const char* kTextFormat = "textFormat";
+constexpr const char* kAnnounced = "announced";
 constexpr const char* kFontFamily = "fontFamily";
 constexpr const char* kFontSize = "fontSize";
 constexpr const char* kImageSource = "imageSource";
@@ -70,6 +72,12 @@ std::string lacksProperties(const QQuickItem& item, std::initializer_list<const 
 
 }  // namespace
 
+void announce(QQuickItem& item) {
+  if (!QAccessible::isActive()) return;
+  QAccessibleEvent event(&item, QAccessible::Alert);
+  QAccessible::updateAccessibility(&event);
+}
+
 UIFont ViewBinding::font() const {
   return {text(kFontFamily).toStdString(), item_.property(kFontSize).toDouble()};
 }
@@ -112,6 +120,7 @@ void LabelBinding::apply(std::string_view property) {
     item().setProperty(kTextFormat, marked ? kStyledText : kPlainText);
     item().setProperty(
         kText, marked ? styled(*marked) : QString::fromStdString(label_.text().value_or("")));
+    if (item().property(kAnnounced).toBool() && label_.text()) announce(item());
   }
   if (property == kTextColor) setColor(item(), kTextColor, label_.textColor());
   if (property == "font") setFont(label_.font());

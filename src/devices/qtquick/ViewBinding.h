@@ -104,6 +104,9 @@ class ButtonBinding final : public QObject, public ViewBinding, public platform:
   platform::UIButton& button_;
 };
 
+/// Has a screen reader, if there is one, say the item's accessible name at once.
+void announce(QQuickItem& item);
+
 /// What is missing for the item to stand for a view of that kind, as "a property \"text\"";
 /// empty when nothing is.
 std::string lacksForView(const QQuickItem& item);

@@ -55,6 +55,8 @@ TEST(Commands, BadInputGetsOneSentenceAndExitCodeTwo) {
       {"options.json", R"({"videoCapture.speed": 3})", "no option \"videoCapture.speed\""},
       {"options.json", R"({"videoCapture.readTextCountdownSeconds": -4})",
        "a whole number from 0.0 to 600.0, not -4"},
+      {"--language", "xx", "no language \"xx\""},
+      {"--theme", SAMPLES "/README.md", "README.md"},
       {"--output", scratch.path(), "not empty"},
       {"--output", scratch / "video.mp4", "is a file"},
   };

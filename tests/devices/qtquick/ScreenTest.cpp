@@ -1,3 +1,4 @@
+#include <QAccessible>
 #include <QtTest>
 #include <map>
 
@@ -86,6 +87,44 @@ TEST_F(Screen, AlertsAreAnswered) {
   click(alertButton());
   EXPECT_EQ(world.application.opened.size(), 1u);
   EXPECT_FALSE(world.alert());
+}
+
+/// What a screen reader was told to say at once.
+std::vector<std::string> said;
+
+void takeDown(QAccessibleEvent* event) {
+  if (event->type() != QAccessible::Alert) return;
+  if (auto* heard = QAccessible::queryAccessibleInterface(event->object())) {
+    said.push_back(heard->text(QAccessible::Name).toStdString());
+  }
+}
+
+TEST_F(Screen, SpeaksToScreenReaders) {
+  QAccessible::setActive(true);
+  QAccessible::installUpdateHandler(takeDown);
+  said.clear();
+  world.mediaDevices.microphoneStatus = platform::AVAuthorizationStatus::denied;
+  open();
+  enter();
+  const auto roleOf = [](QQuickItem& thing) {
+    auto* heard = QAccessible::queryAccessibleInterface(&thing);
+    return std::pair(heard->role(), heard->text(QAccessible::Name).toStdString());
+  };
+  EXPECT_EQ(roleOf(alertButton()), std::pair(QAccessible::Button, std::string("Settings")));
+  EXPECT_EQ(said.back(), "Error. Microphone Permission Not Granted");
+  click(alertButton());
+  EXPECT_EQ(roleOf(item("closeButton")), std::pair(QAccessible::Button, std::string("Close")));
+  EXPECT_EQ(roleOf(item("captureLabel")),
+            std::pair(QAccessible::Heading, std::string("Take a Selfie")));
+  said.clear();
+  selfie(Face::MoveCloser{});
+  EXPECT_EQ(said, std::vector<std::string>{"Move closer"});
+  auto* close = QAccessible::queryAccessibleInterface(&item("closeButton"));
+  close->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+  world.advance(1);
+  expectFailed(IDError::Strings::canceled);
+  QAccessible::installUpdateHandler(nullptr);
+  QAccessible::setActive(false);
 }
 
 TEST_F(Screen, MarksTheWordsHeardAndNeverReadsATextAsMarkup) {

@@ -15,6 +15,8 @@ Item {
     opacity: entrance
     LayoutMirroring.enabled: screen.rightToLeft
     LayoutMirroring.childrenInherit: true
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: title + ". " + message
 
     // Nothing below is touched.
     Rectangle {
@@ -29,9 +31,6 @@ Item {
         radius: 18 * alert.unit
         color: "#ffffff"
         scale: 0.9 + 0.1 * alert.entrance
-
-        Accessible.role: Accessible.AlertMessage
-        Accessible.name: alert.title + ". " + alert.message
 
         Column {
             id: content

@@ -10,6 +10,8 @@ Text {
     property real fontSize: 17
     // Pixels of the screen to a point of the font.
     property real unit: 1
+    // A screen reader says each new text at once.
+    property bool announced: false
 
     visible: !hidden && alpha >= 0.01
     opacity: alpha

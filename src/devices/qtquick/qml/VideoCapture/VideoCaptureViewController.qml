@@ -109,6 +109,7 @@ View {
                 fontSize: 20
                 font.weight: Font.DemiBold
                 horizontalAlignment: Text.AlignHCenter
+                announced: true
                 Accessible.role: Accessible.AlertMessage
             }
         }
@@ -177,6 +178,7 @@ View {
                 fontSize: 20
                 font.weight: Font.DemiBold
                 horizontalAlignment: Text.AlignHCenter
+                announced: true
                 Accessible.role: Accessible.AlertMessage
             }
         }
@@ -309,6 +311,7 @@ View {
             fontSize: 20
             font.weight: Font.DemiBold
             horizontalAlignment: Text.AlignHCenter
+            announced: true
             Accessible.role: Accessible.Heading
         }
     }

@@ -44,6 +44,7 @@ View {
         unit: root.letters
         fontSize: 22
         horizontalAlignment: Text.AlignHCenter
+        announced: true
         Accessible.role: Accessible.AlertMessage
     }
     PushButton {

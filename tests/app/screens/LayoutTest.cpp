@@ -3,20 +3,38 @@
 #include <optional>
 
 #include "ScreenWorld.h"
+#include "app/AppearanceTable.h"
 
 namespace tests {
 namespace {
 
-/// A window, and how large its letters are.
+/// A window, how large its letters are, and their language; "longer" is English with words that
+/// are longer by half, to find texts that would be cut in some language to come.
 struct Room {
   platform::CGSize size;
   double textScale;
-  bool rightToLeft;
+  const char* language;
 };
 
 void PrintTo(const Room& room, std::ostream* out) {
-  *out << room.size.width << "x" << room.size.height << " letters " << room.textScale
-       << (room.rightToLeft ? " right to left" : "");
+  *out << room.size.width << "x" << room.size.height << " letters " << room.textScale << " "
+       << room.language;
+}
+
+/// Sets the texts of a language.
+app::WindowLooks speak(const std::string& language) {
+  const std::filesystem::path folder = std::filesystem::path(STORYBOARDS) / "languages";
+  const bool longer = language == "longer";
+  app::WindowLooks looks;
+  const auto file = folder / ((longer ? "en" : language) + ".json");
+  const auto applied = app::applyAppearance(file, looks);
+  EXPECT_TRUE(applied) << applied.error();
+  if (!longer) return looks;
+  for (const app::TextEntry& entry : app::translatableTexts(looks)) {
+    std::string& text = *entry.text;
+    text = "[" + text + " " + text.substr(0, text.size() / 2) + "]";
+  }
+  return looks;
 }
 
 /// Facts of a layout that hold in every room.
@@ -24,9 +42,10 @@ class Layout : public ScreenWorld, public testing::WithParamInterface<Room> {
  protected:
   void enterRoom() {
     const Room& room = GetParam();
+    const app::WindowLooks looks = speak(room.language);
     open(room.size);
     screen->settings().textScale = room.textScale;
-    screen->settings().rightToLeft = room.rightToLeft;
+    screen->settings().rightToLeft = looks.rightToLeft;
     emit screen->settings().changed();
     enter();
   }
@@ -98,15 +117,24 @@ TEST_P(Layout, NothingIsCutAndNothingOverlaps) {
   EXPECT_NEAR(oval.width() / oval.height(), 0.75, 0.01);
   EXPECT_NEAR(oval.center().x(), window().center().x(), 1);
   EXPECT_GT(oval.height(), window().height() * 0.3);
-  selfie(Face::AlignFace{});
-  expectCaptureScreen();
-  EXPECT_TRUE((place("selfieOverlayLabelView") & oval).height() < oval.height() / 4)
-      << "the prompt lies on the face";
+  for (const Face::Value& state :
+       {Face::Value(Face::MoveCloser{}), Face::Value(Face::MoveAway{}),
+        Face::Value(Face::CapturingFace{}), Face::Value(Face::MultipleFacesDetected{}),
+        Face::Value(Face::AlignFace{})}) {
+    selfie(state);
+    expectCaptureScreen();
+    EXPECT_LT((place("selfieOverlayLabelView") & oval).height(), oval.height() / 3)
+        << "the prompt lies on the face";
+  }
 
   passSelfie();
   world.advance(0.5);
-  card(ID::AlignRectangle{});
-  expectCaptureScreen();
+  for (const ID::Value& state :
+       {ID::Value(ID::TooMuchGlare{}), ID::Value(ID::MoveCloser{}), ID::Value(ID::MoveAway{}),
+        ID::Value(ID::ClassifiedDocument{back}), ID::Value(ID::AlignRectangle{})}) {
+    card(state);
+    expectCaptureScreen();
+  }
   const QRectF frame = place("idFrameImageView");
   EXPECT_NEAR(frame.width() / frame.height(), 85.6 / 54, 0.02);
   // The live face is watched to the end: no card before the eyes.
@@ -137,11 +165,12 @@ TEST_P(Layout, TheRetryScreenIsWhole) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Rooms, Layout,
-                         testing::Values(Room{{360, 640}, 1, false}, Room{{360, 640}, 1.6, false},
-                                         Room{{540, 960}, 1, true}, Room{{768, 1024}, 1.3, false},
-                                         Room{{1280, 720}, 1, false}, Room{{640, 360}, 1.3, true},
-                                         Room{{1920, 1080}, 1.6, false},
-                                         Room{{3840, 2160}, 1, false}));
+                         testing::Values(Room{{360, 640}, 1, "en"}, Room{{360, 640}, 1.6, "fr"},
+                                         Room{{360, 640}, 1, "longer"}, Room{{540, 960}, 1, "ar"},
+                                         Room{{768, 1024}, 1.3, "de"},
+                                         Room{{1280, 720}, 1, "longer"},
+                                         Room{{640, 360}, 1.3, "ar"}, Room{{1920, 1080}, 1.6, "es"},
+                                         Room{{3840, 2160}, 1, "en"}));
 
 /// Relative luminance of WCAG 2.
 double luminance(const platform::UIColor& color) {
