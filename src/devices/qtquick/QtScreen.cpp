@@ -1,5 +1,6 @@
 #include "devices/qtquick/QtScreen.h"
 
+#include <QAccessible>
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QQmlContext>
@@ -104,9 +105,10 @@ DirectoryBundle::StoryboardMaker QtScreen::makeStoryboards(
 std::shared_ptr<QtRootView> QtScreen::loadScene(const std::string& storyboard,
                                                 const std::string& identifier) {
   const auto file = setup_.storyboards / storyboard / (identifier + ".qml");
-  return QtScene::load(engine_, file.string(), identifier,
-                       {animator_, *images_, animationDuration_},
-                       QSizeF(size().width, size().height));
+  return QtScene::load(
+      engine_, file.string(), identifier,
+      {animator_, *images_, animationDuration_, [this](QQuickItem& item) { announce(item); }},
+      QSizeF(size().width, size().height));
 }
 
 std::unique_ptr<QQuickItem> QtScreen::loadPart(const std::string& name, QVariantMap properties) {
@@ -141,6 +143,13 @@ void QtScreen::flash() {
   animator_.setAnimated(true);
   animator_.move(*flash_, kStrength, 0, kFlash);
   animator_.setAnimated(settings_.animated);
+}
+
+void QtScreen::announce(QQuickItem& item) {
+  QAccessibleEvent event(&item, QAccessible::Alert);
+  QAccessible::updateAccessibility(&event);
+  const auto* accessible = QAccessible::queryAccessibleInterface(&item);
+  if (onAnnounce && accessible) onAnnounce(accessible->text(QAccessible::Name).toStdString());
 }
 
 void QtScreen::raise(QQuickItem& item) {

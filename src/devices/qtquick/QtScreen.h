@@ -44,6 +44,9 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
   /// The user wants the window gone; it stays until this screen ends. May be null.
   std::function<void()> onClose;
 
+  /// Told what screen readers are told to say at once. May be null.
+  std::function<void(const std::string&)> onAnnounce;
+
   /// The storyboards of the folder with these controllers.
   DirectoryBundle::StoryboardMaker makeStoryboards(platform::ControllerFactories factories);
   /// A scene as `NAME/IDENTIFIER.qml` in the folder of storyboards; null when there is none.
@@ -69,6 +72,7 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
   QtScene* sceneOf(platform::UIViewController& controller) const;
   QQuickItem* itemOf(platform::UIViewController& controller) const;
   void presentAlert(platform::UIAlertController& alert);
+  void announce(QQuickItem& item);
   void raise(QQuickItem& item);
   void focus(QQuickItem& item);
 

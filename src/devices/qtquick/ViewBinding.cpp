@@ -1,6 +1,5 @@
 #include "devices/qtquick/ViewBinding.h"
 
-#include <QAccessible>
 #include <QMetaMethod>
 #include <initializer_list>
 
@@ -72,12 +71,6 @@ std::string lacksProperties(const QQuickItem& item, std::initializer_list<const 
 
 }  // namespace
 
-void announce(QQuickItem& item) {
-  if (!QAccessible::isActive()) return;
-  QAccessibleEvent event(&item, QAccessible::Alert);
-  QAccessible::updateAccessibility(&event);
-}
-
 UIFont ViewBinding::font() const {
   return {text(kFontFamily).toStdString(), item_.property(kFontSize).toDouble()};
 }
@@ -120,7 +113,7 @@ void LabelBinding::apply(std::string_view property) {
     item().setProperty(kTextFormat, marked ? kStyledText : kPlainText);
     item().setProperty(
         kText, marked ? styled(*marked) : QString::fromStdString(label_.text().value_or("")));
-    if (item().property(kAnnounced).toBool() && label_.text()) announce(item());
+    if (item().property(kAnnounced).toBool() && label_.text()) tools().announce(item());
   }
   if (property == kTextColor) setColor(item(), kTextColor, label_.textColor());
   if (property == "font") setFont(label_.font());

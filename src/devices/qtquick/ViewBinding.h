@@ -19,6 +19,8 @@ struct BindingTools {
   ScreenImages& images;
   /// Of the animation that is being set up; zero outside of one.
   const platform::Duration& duration;
+  /// Has the item's words said at once to those who do not see them.
+  std::function<void(QQuickItem&)> announce;
 };
 
 /// Mirrors a view onto an item of the storyboard by properties of the same names. The item's own
@@ -103,9 +105,6 @@ class ButtonBinding final : public QObject, public ViewBinding, public platform:
  private:
   platform::UIButton& button_;
 };
-
-/// Has a screen reader, if there is one, say the item's accessible name at once.
-void announce(QQuickItem& item);
 
 /// What is missing for the item to stand for a view of that kind, as "a property \"text\"";
 /// empty when nothing is.

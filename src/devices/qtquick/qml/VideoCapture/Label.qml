@@ -1,6 +1,7 @@
 import QtQuick
 
 Text {
+    id: label
     property bool hidden: false
     property real alpha: 1
     property color backgroundColor: "transparent"
@@ -12,6 +13,17 @@ Text {
     property real unit: 1
     // A screen reader says each new text at once.
     property bool announced: false
+
+    // Of the widest line, however narrow the label is at present.
+    readonly property real naturalWidth: Math.ceil(unwrapped.implicitWidth) + 1
+
+    Text {
+        id: unwrapped
+        visible: false
+        text: label.text
+        textFormat: label.textFormat
+        font: label.font
+    }
 
     visible: !hidden && alpha >= 0.01
     opacity: alpha

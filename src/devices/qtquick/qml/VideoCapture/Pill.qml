@@ -8,7 +8,7 @@ View {
     property real unit: 1
     readonly property real padding: 14 * unit
 
-    width: label ? Math.min(room, Math.ceil(label.implicitWidth) + 1 + 2 * padding) : 0
+    width: label ? Math.min(room, label.naturalWidth + 2 * padding) : 0
     height: label ? label.height + 1.2 * padding : 0
 
     Rectangle {

@@ -165,10 +165,9 @@ View {
             id: idOverlayLabelView
             hidden: true
             label: idOverlayLabel
-            room: root.promptRoom
+            room: root.landscape ? root.width * 0.43 - 16 * root.unit : root.promptRoom
             unit: root.letters
-            x: Math.min(idFrameImageView.x + (idFrameImageView.width - width) / 2,
-                        root.width - width - 8 * root.unit)
+            x: idFrameImageView.x + (idFrameImageView.width - width) / 2
             y: root.promptY(idOverlayLabelView, idFrameImageView, idLabelAboveConstraint, idLabelBelowConstraint)
             Label {
                 id: idOverlayLabel
@@ -240,8 +239,8 @@ View {
             boundsBehavior: Flickable.StopAtBounds
             Label {
                 id: readingTextLabel
-                // As large as the page allows: a letter takes about 0.75 of the square of its size.
-                readonly property real fitting: Math.sqrt(page.width * page.height / (0.75 * Math.max(1, text.length)))
+                // As large as the page allows: a letter takes about 0.65 of the square of its size.
+                readonly property real fitting: Math.sqrt(page.width * page.height / (0.65 * Math.max(1, text.length)))
                 width: page.width
                 height: Math.max(page.height, implicitHeight)
                 unit: root.letters
@@ -304,7 +303,7 @@ View {
             readonly property real free: root.width - closeButton.width - 28 * root.unit
             readonly property real middle: (root.width - width) / 2
             anchors.verticalCenter: parent.verticalCenter
-            width: Math.min(Math.ceil(implicitWidth) + 1, free)
+            width: Math.min(naturalWidth, free)
             x: screen.rightToLeft ? Math.min(middle, free + 10 * root.unit - width)
                                   : Math.max(middle, root.width - free - 10 * root.unit)
             unit: root.letters

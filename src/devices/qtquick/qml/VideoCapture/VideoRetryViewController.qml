@@ -10,6 +10,8 @@ View {
     readonly property real column: Math.min(width - 2 * margin, (landscape ? 680 : 440) * unit)
     readonly property real buttonWidth: landscape ? (column - margin) / 2 : column
     readonly property real foot: height * (landscape ? 0.92 : 0.91)
+    // For picture and words, above the buttons.
+    readonly property real room: (landscape ? cancelButton.y : retryButton.y) - margin
     property Item firstFocus: retryButton
 
     backgroundColor: "#10233a"
@@ -28,8 +30,9 @@ View {
     }
     Picture {
         id: imageView
-        anchors { horizontalCenter: parent.horizontalCenter; bottom: label.top; bottomMargin: 28 * root.unit }
-        height: Math.min(180 * root.unit, root.height * (root.landscape ? 0.3 : 0.28))
+        anchors.horizontalCenter: parent.horizontalCenter
+        y: (root.room - height - label.height) / 2
+        height: Math.max(0, Math.min(180 * root.unit, root.height * 0.3, root.room - label.height - 2 * root.margin))
         width: height
         imageSource: "image://views/retry_picture"
         tintColor: "#ffffff"
@@ -39,7 +42,7 @@ View {
     Label {
         id: label
         anchors.horizontalCenter: parent.horizontalCenter
-        y: root.height * (root.landscape ? 0.46 : 0.44)
+        y: imageView.y + imageView.height + root.margin
         width: root.column
         unit: root.letters
         fontSize: 22
