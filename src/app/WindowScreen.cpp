@@ -1,6 +1,7 @@
 #include <stdlib.h>
 
 #include "app/FlowScreen.h"
+#include "devices/gstreamer/TonePlayer.h"
 #include "devices/qtquick/PreviewCamera.h"
 #include "devices/qtquick/QtApplication.h"
 #include "devices/qtquick/QtRunLoop.h"
@@ -40,6 +41,8 @@ class WindowScreen final : public FlowScreen {
   }
 
   devices::QtScreen& screen() { return screen_; }
+  /// Accepted steps are heard as well.
+  void addTone() { tone_ = std::make_unique<devices::TonePlayer>(loop_); }
 
   platform::CGSize size() const override { return screen_.size(); }
   devices::DirectoryBundle::StoryboardMaker makeStoryboards(
@@ -52,7 +55,9 @@ class WindowScreen final : public FlowScreen {
     return std::make_unique<devices::PreviewedMediaDevices>(devices, screen_.feed());
   }
   void play(platform::SystemSoundID sound) override {
-    if (sound == platform::kSystemSoundVibrate) screen_.flash();
+    if (sound != platform::kSystemSoundVibrate) return;
+    screen_.flash();
+    if (tone_) tone_->play();
   }
   void setOnClose(std::function<void()> onClose) override {
     // A block of the main queue makes the loop ask whether the flow is over.
@@ -67,6 +72,7 @@ class WindowScreen final : public FlowScreen {
  private:
   platform::RunLoop& loop_;
   devices::QtScreen screen_;
+  std::unique_ptr<devices::TonePlayer> tone_;
 };
 
 }  // namespace
@@ -78,6 +84,7 @@ bool windowIsPossible() {
 FlowStage makeWindowStage(const WindowWishes& wishes, const Resources& resources) {
   auto driver = std::make_unique<WindowDriver>();
   auto screen = std::make_unique<WindowScreen>(driver->loop(), wishes, resources);
+  screen->addTone();
   return {std::move(driver), std::move(screen)};
 }
 

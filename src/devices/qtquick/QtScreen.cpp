@@ -60,33 +60,34 @@ QtScreen::QtScreen(platform::RunLoop& loop, const Setup& setup)
       setup_(setup),
       animator_(loop),
       images_(new ScreenImages({setup.images, setup.storyboards / "VideoCapture"})),
-      window_(std::make_unique<Window>(onClose)) {
+      made_(setup.window ? nullptr : std::make_unique<Window>(onClose)),
+      window_(setup.window ? setup.window : made_.get()) {
   registerTypes();
   engine_.addImageProvider(QString::fromLatin1(ScreenImages::kScheme), images_);
   engine_.addImportPath(QString::fromStdString(setup.storyboards.string()));
   engine_.rootContext()->setContextProperty(QStringLiteral("screen"), &settings_);
+  if (made_) showMade();
+  flash_ = loadPart("Flash", {{QStringLiteral("z"), kAboveAll}});
+  flash_->setParentItem(window_->contentItem());
+}
+
+void QtScreen::showMade() {
   window_->setColor(Qt::black);
   window_->setTitle(QStringLiteral("Corvana Video ID"));
-  if (setup.fullScreen) {
+  if (setup_.fullScreen) {
     window_->resize(QGuiApplication::primaryScreen()->size());
     window_->showFullScreen();
   } else {
     // The recorder is told once where oval and frame are.
-    const QSize size = QSizeF(setup.size.width, setup.size.height).toSize();
+    const QSize size = QSizeF(setup_.size.width, setup_.size.height).toSize();
     window_->setMinimumSize(size);
     window_->setMaximumSize(size);
     window_->resize(size);
     window_->show();
   }
-  flash_ = loadPart("Flash", {{QStringLiteral("z"), kAboveAll}});
-  flash_->setParentItem(window_->contentItem());
 }
 
 QtScreen::~QtScreen() = default;
-
-QQuickWindow& QtScreen::window() {
-  return *window_;
-}
 
 platform::CGSize QtScreen::size() const {
   return {static_cast<double>(window_->width()), static_cast<double>(window_->height())};

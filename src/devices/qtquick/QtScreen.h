@@ -32,6 +32,9 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
     /// In points; of a full screen the screen decides.
     platform::CGSize size{540, 960};
     bool fullScreen = false;
+    /// An application's own window, in which the screens lie over everything; it has to be shown,
+    /// keep its size while a flow runs, and outlive the screen. Null: a window is made.
+    QQuickWindow* window = nullptr;
   };
 
   QtScreen(platform::RunLoop& loop, const Setup& setup);
@@ -40,8 +43,8 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
   platform::CGSize size() const;
   const std::shared_ptr<PreviewFeed>& feed() const { return feed_; }
   ScreenSettings& settings() { return settings_; }
-  QQuickWindow& window();
-  /// The user wants the window gone; it stays until this screen ends. May be null.
+  QQuickWindow& window() { return *window_; }
+  /// The user wants the window gone that was made; it stays until this screen ends. May be null.
   std::function<void()> onClose;
 
   /// Told what screen readers are told to say at once. May be null.
@@ -68,6 +71,7 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
  private:
   class Window;
 
+  void showMade();
   std::unique_ptr<QQuickItem> loadPart(const std::string& name, QVariantMap properties);
   QtScene* sceneOf(platform::UIViewController& controller) const;
   QQuickItem* itemOf(platform::UIViewController& controller) const;
@@ -84,7 +88,8 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
   platform::Duration animationDuration_{};
   QQmlEngine engine_;
   ScreenImages* images_ = nullptr;  ///< the engine's
-  std::unique_ptr<Window> window_;
+  std::unique_ptr<Window> made_;    ///< null in an application's own window
+  QQuickWindow* window_;
   std::unique_ptr<QQuickItem> flash_;
   std::map<platform::UIViewController*, std::unique_ptr<QQuickItem>> alerts_;
   std::vector<QQuickItem*> stack_;  ///< lowest first; only the last takes touches and keys

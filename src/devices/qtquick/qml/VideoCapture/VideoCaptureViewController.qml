@@ -215,7 +215,7 @@ View {
             height: Math.min(root.height * (root.landscape ? 0.46 : 0.4) * (0.5 + 0.5 * screen.textScale),
                              root.height - overlayTopView.height - 32 * root.unit)
             radius: 18 * root.unit
-            color: "#d0101820"
+            color: "#ee101820"
         }
         Label {
             id: readingTextCountdownLabel
@@ -240,7 +240,8 @@ View {
             Label {
                 id: readingTextLabel
                 // As large as the page allows: a letter takes about 0.65 of the square of its size.
-                readonly property real fitting: Math.sqrt(page.width * page.height / (0.65 * Math.max(1, text.length)))
+                readonly property string words: textFormat === Text.StyledText ? text.replace(/<[^>]*>/g, "") : text
+                readonly property real fitting: Math.sqrt(page.width * page.height / (0.65 * Math.max(1, words.length)))
                 width: page.width
                 height: Math.max(page.height, implicitHeight)
                 unit: root.letters

@@ -1,0 +1,41 @@
+# Installs what a program needs to have the module and its window in it: find_package(CorvanaVideoID). Include after
+# the targets. The reference host (cameras, recognition, film) is not part of it: a program brings its own.
+include(CMakePackageConfigHelpers)
+
+set(CORVANA_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/CorvanaVideoID)
+set(CORVANA_RESOURCES_DIR ${CMAKE_INSTALL_DATADIR}/corvana-videoid)
+
+install(TARGETS platform corvana capture devices_headless devices_scripted devices_qtquick
+        EXPORT CorvanaVideoIDTargets
+        ARCHIVE COMPONENT library)
+foreach(folder platform corvana capture devices/headless devices/scripted devices/qtquick)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/${folder}/
+          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/corvana-videoid/${folder}
+          COMPONENT library
+          FILES_MATCHING PATTERN "*.h")
+endforeach()
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/capture/resources/
+        DESTINATION ${CORVANA_RESOURCES_DIR}/capture COMPONENT library)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/devices/qtquick/qml/
+        DESTINATION ${CORVANA_RESOURCES_DIR}/screen COMPONENT library)
+
+# A bundled TensorFlow Lite goes with the library; an installed one is found again where it is.
+if(TensorFlowLite_BUNDLED)
+  file(REAL_PATH "${TensorFlowLite_LIBRARY}" tflite_file)
+  cmake_path(GET tflite_file FILENAME tflite_name)
+  install(FILES "${tflite_file}" DESTINATION ${CORVANA_PRIVATE_LIBDIR} COMPONENT library)
+  set(CORVANA_TENSORFLOW_LITE_BELOW_PREFIX "${CORVANA_PRIVATE_LIBDIR}/${tflite_name}")
+else()
+  set(CORVANA_TENSORFLOW_LITE_BELOW_PREFIX "")
+endif()
+
+install(EXPORT CorvanaVideoIDTargets NAMESPACE CorvanaVideoID::
+        DESTINATION ${CORVANA_PACKAGE_DIR} COMPONENT library)
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/CorvanaVideoIDConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/CorvanaVideoIDConfig.cmake
+  INSTALL_DESTINATION ${CORVANA_PACKAGE_DIR}
+  PATH_VARS CORVANA_RESOURCES_DIR)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/CorvanaVideoIDConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/CorvanaVideoIDConfig.cmake ${PROJECT_BINARY_DIR}/CorvanaVideoIDConfigVersion.cmake
+        DESTINATION ${CORVANA_PACKAGE_DIR} COMPONENT library)
