@@ -251,14 +251,18 @@ Expected<void> applyAppearance(const fs::path& file, WindowLooks& looks) {
 
 Expected<void> applyLooks(const LooksWishes& wishes, const Resources& resources,
                           WindowLooks& looks) {
-  const fs::path language = resources.storyboards / "languages" / (wishes.language + ".json");
-  std::error_code error;
-  const bool isName = wishes.language.find('/') == std::string::npos;
-  if (!isName || !fs::is_regular_file(language, error)) {
-    return tl::unexpected("There is no language \"" + wishes.language +
-                          "\"; choose ar, de, en, es or fr, or give texts with --theme.");
+  std::vector<fs::path> files;
+  if (wishes.ofWindow) files.push_back(resources.storyboards / "themes" / "standard.json");
+  // The tables speak English by themselves.
+  if (wishes.language != "en") {
+    files.push_back(resources.storyboards / "languages" / (wishes.language + ".json"));
+    std::error_code error;
+    const bool isName = wishes.language.find('/') == std::string::npos;
+    if (!isName || !fs::is_regular_file(files.back(), error)) {
+      return tl::unexpected("There is no language \"" + wishes.language +
+                            "\"; choose ar, de, en, es or fr, or give texts with --theme.");
+    }
   }
-  std::vector<fs::path> files{resources.storyboards / "themes" / "standard.json", language};
   if (wishes.theme) files.push_back(*wishes.theme);
   for (const fs::path& file : files) {
     if (auto applied = applyAppearance(file, looks); !applied) return applied;

@@ -27,8 +27,9 @@ struct WindowLooks {
 /// tables, up to the first key that is wrong; the error is one sentence naming it.
 Expected<void> applyAppearance(const std::filesystem::path& file, WindowLooks& looks);
 
-/// A language and a theme on top of the standard one. The error is one sentence.
+/// A language, and a theme on top of it. The error is one sentence.
 struct LooksWishes {
+  bool ofWindow = false;  ///< begin with the standard theme of windows
   std::string language = "en";
   std::optional<std::filesystem::path> theme;
 };

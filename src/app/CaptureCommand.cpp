@@ -82,7 +82,7 @@ void addScreen(CLI::App& command, CaptureArguments& arguments) {
       "--window-size",
       [&arguments](const std::string& value) {
         const std::size_t cross = value.find('x');
-        auto& size = arguments.window.size;
+        platform::CGSize size;
         if (cross == std::string::npos ||
             !CLI::detail::lexical_cast(value.substr(0, cross), size.width) ||
             !CLI::detail::lexical_cast(value.substr(cross + 1), size.height) ||
@@ -91,8 +91,9 @@ void addScreen(CLI::App& command, CaptureArguments& arguments) {
           throw CLI::ValidationError("--window-size",
                                      "give width and height as 540x960, each from 320 to 7680");
         }
+        arguments.window.size = size;
       },
-      "width and height of the window in points (default 540x960)");
+      "width and height of the window in points (default 540x960, or less where there is no room)");
 }
 
 void addLooks(CLI::App& command, CaptureArguments& arguments) {
@@ -205,7 +206,9 @@ ExitCode runCapture(const CaptureArguments& arguments) {
   }
   const Resources resources = findResources();
   WindowWishes wishes = arguments.window;
-  const auto dressed = applyLooks({arguments.language, arguments.theme}, resources, wishes.looks);
+  const auto dressed =
+      applyLooks({arguments.screen == ScreenKind::window, arguments.language, arguments.theme},
+                 resources, wishes.looks);
   if (!dressed) return complain(ExitCode::wrongUse, dressed.error());
   auto inputs = checkInputs(arguments);
   if (!inputs) return complain(ExitCode::wrongUse, inputs.error());

@@ -44,7 +44,7 @@ struct FlowStage {
 };
 
 struct WindowWishes {
-  platform::CGSize size{540, 960};
+  std::optional<platform::CGSize> size;  ///< absent: a phone's, as far as there is room
   bool fullScreen = false;
   WindowLooks looks;
 };

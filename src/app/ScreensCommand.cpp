@@ -61,7 +61,8 @@ struct Gallery {
     resetTables();
     WindowWishes wishes;
     wishes.size = size;
-    if (auto dressed = applyLooks({options.language, theme}, resources, wishes.looks); !dressed) {
+    if (auto dressed = applyLooks({true, options.language, theme}, resources, wishes.looks);
+        !dressed) {
       return dressed;
     }
     auto script = loadSimulateScript(flow);

@@ -29,7 +29,9 @@ class WindowScreen final : public FlowScreen {
  public:
   WindowScreen(platform::RunLoop& loop, const WindowWishes& wishes, const Resources& resources)
       : loop_(loop),
-        screen_(loop, {resources.storyboards, resources.module, wishes.size, wishes.fullScreen}) {
+        screen_(loop,
+                {resources.storyboards, resources.module,
+                 wishes.size.value_or(devices::QtScreen::comfortableSize()), wishes.fullScreen}) {
     devices::ScreenSettings& settings = screen_.settings();
     settings.textScale = wishes.looks.textScale;
     settings.rightToLeft = wishes.looks.rightToLeft;

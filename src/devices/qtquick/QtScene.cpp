@@ -63,7 +63,7 @@ QtScene::~QtScene() {
 
 void QtScene::bindRoot(QtRootView& root) {
   const std::string missing = lacksForView(*item_);
-  platform::require(missing.empty(), "the scene \"" + identifier_ + "\" has no " + missing);
+  platform::require(missing.empty(), "the scene \"" + identifier_ + "\" lacks " + missing);
   root_ = &root;
   root.setName(identifier_);
   Outlet& outlet = outlets_[item_.get()];
@@ -125,7 +125,7 @@ QtScene::Outlet QtScene::makeOutlet(QQuickItem& item, ViewKind kind,
       break;
   }
   platform::require(missing.empty(),
-                    lacks("outlet of the right kind", name) + ": it has no " + missing);
+                    lacks("outlet of the right kind", name) + ": it lacks " + missing);
   return {std::move(made.first), std::move(made.second)};
 }
 

@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QQmlContext>
 #include <QScreen>
+#include <cmath>
 #include <utility>
 
 #include "corvana/CaptureSessionViewController.h"
@@ -71,6 +72,15 @@ QtScreen::QtScreen(platform::RunLoop& loop, const Setup& setup)
   flash_->setParentItem(window_->contentItem());
 }
 
+QtScreen::~QtScreen() = default;
+
+platform::CGSize QtScreen::comfortableSize() {
+  const QSizeF phone(540, 960);
+  const QSizeF room = QSizeF(QGuiApplication::primaryScreen()->availableSize()) * 0.95;
+  const QSizeF fitting = phone.scaled(room, Qt::KeepAspectRatio).boundedTo(phone);
+  return {std::floor(fitting.width()), std::floor(fitting.height())};
+}
+
 void QtScreen::showMade() {
   window_->setColor(Qt::black);
   window_->setTitle(QStringLiteral("Corvana Video ID"));
@@ -86,8 +96,6 @@ void QtScreen::showMade() {
     window_->show();
   }
 }
-
-QtScreen::~QtScreen() = default;
 
 platform::CGSize QtScreen::size() const {
   return {static_cast<double>(window_->width()), static_cast<double>(window_->height())};

@@ -40,6 +40,9 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
   QtScreen(platform::RunLoop& loop, const Setup& setup);
   ~QtScreen() override;
 
+  /// Of a phone held upright, or as much of it as the machine's screen has room for.
+  static platform::CGSize comfortableSize();
+
   platform::CGSize size() const;
   const std::shared_ptr<PreviewFeed>& feed() const { return feed_; }
   ScreenSettings& settings() { return settings_; }

@@ -79,7 +79,7 @@ TEST_F(Screens, ThemesSetTheTablesAndFaultsAreNamed) {
     ASSERT_FALSE(applied) << json;
     EXPECT_NE(applied.error().find(complaint), std::string::npos) << applied.error();
   }
-  EXPECT_FALSE(app::applyLooks({"../en", {}}, {}, looks));
+  EXPECT_FALSE(app::applyLooks({false, "../en", {}}, {}, looks));
 }
 
 TEST_F(Screens, PicturesOfEveryStateAreTheSameEachTime) {

@@ -179,7 +179,7 @@ TEST_F(Screen, AStoryboardThatLacksSomethingStopsTheProgramNamingIt) {
        {BrokenScene{capture, "id: topMatchesLabel;", "", "no outlet \"topMatchesLabel\""},
         BrokenScene{capture, "Bar {\n            id: progressView",
                     "View {\n            id: progressView",
-                    "right kind \"progressView\": it has no a property \"progress\""},
+                    "right kind \"progressView\": it lacks a property \"progress\""},
         BrokenScene{capture, "id: idLabelBelowConstraint", "", "idLabelBelowConstraint"},
         BrokenScene{capture, "action: \"doneReadingText\"", "",
                     "no control for the action \"doneReadingText\""},
