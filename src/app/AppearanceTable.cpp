@@ -7,6 +7,7 @@
 #include <optional>
 #include <utility>
 
+#include "app/ColorKeys.h"
 #include "corvana/VideoCapture.h"
 #include "devices/gstreamer/ImageFile.h"
 
@@ -91,19 +92,8 @@ Row textRow(std::string key, std::string& text) {
 /// Colours, fonts, pictures and places that both captures have.
 template <class Capture>
 void addLooks(const std::string& capture, std::vector<Row>& rows) {
-  using corvana::Colors;
   using corvana::Fonts;
-  const std::pair<const char*, std::optional<platform::UIColor> Colors::*> colors[] = {
-      {"successLabelTextColor", &Colors::successLabelTextColor},
-      {"successLabelBackgroundColor", &Colors::successLabelBackgroundColor},
-      {"errorLabelTextColor", &Colors::errorLabelTextColor},
-      {"errorLabelBackgroundColor", &Colors::errorLabelBackgroundColor},
-      {"retryScreenBackgroundColor", &Colors::retryScreenBackgroundColor},
-      {"retryScreenLabelTextColor", &Colors::retryScreenLabelTextColor},
-      {"retryScreenImageTintColor", &Colors::retryScreenImageTintColor},
-      {"retryScreenButtonTextColor", &Colors::retryScreenButtonTextColor},
-      {"retryScreenButtonBackgroundColor", &Colors::retryScreenButtonBackgroundColor}};
-  for (const auto& [name, field] : colors) {
+  for (const auto& [name, field] : kColorKeys) {
     rows.push_back({capture + ".colors." + name, "a colour as \"#1B5E9E\"",
                     [field = field](const json& value, const fs::path&) {
                       return setColor(Capture::colors.*field, value);

@@ -7,6 +7,7 @@
 #include <map>
 #include <utility>
 
+#include "app/ColorKeys.h"
 #include "app/Files.h"
 #include "app/ScriptReader.h"
 #include "corvana/CaptureSession.h"
@@ -74,19 +75,8 @@ class Loader {
   }
 
   static ScriptAppearance appearance(ScriptObject object) {
-    using corvana::Colors;
-    static const std::map<std::string, std::optional<platform::UIColor> Colors::*> kColors = {
-        {"successLabelTextColor", &Colors::successLabelTextColor},
-        {"successLabelBackgroundColor", &Colors::successLabelBackgroundColor},
-        {"errorLabelTextColor", &Colors::errorLabelTextColor},
-        {"errorLabelBackgroundColor", &Colors::errorLabelBackgroundColor},
-        {"retryScreenBackgroundColor", &Colors::retryScreenBackgroundColor},
-        {"retryScreenLabelTextColor", &Colors::retryScreenLabelTextColor},
-        {"retryScreenImageTintColor", &Colors::retryScreenImageTintColor},
-        {"retryScreenButtonTextColor", &Colors::retryScreenButtonTextColor},
-        {"retryScreenButtonBackgroundColor", &Colors::retryScreenButtonBackgroundColor}};
     ScriptAppearance result;
-    for (const auto& [key, field] : kColors) {
+    for (const auto& [key, field] : kColorKeys) {
       if (object.has(key)) result.colors.*field = color(object, key);
     }
     if (const auto name = object.optionalText("retryScreenImage")) {
@@ -320,7 +310,8 @@ class Loader {
     result.label = object.text("do");
     result.action = action();
     object.refuseOtherKeys();
-    for (const char* key : {"state", "card", "face", "message", "button", "mode", "heard", "name"}) {
+    for (const char* key :
+         {"state", "card", "face", "message", "button", "mode", "heard", "name"}) {
       if (object.has(key)) result.label += " " + object.brief(key);
     }
     for (const char* key : {"microphone", "speech", "error"}) {

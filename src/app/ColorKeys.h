@@ -1,0 +1,25 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <utility>
+
+#include "corvana/Appearance.h"
+
+namespace app {
+
+using ColorField = std::optional<platform::UIColor> corvana::Colors::*;
+
+/// The colours of a capture by their keys in themes and scripts.
+inline constexpr std::array<std::pair<const char*, ColorField>, 9> kColorKeys{
+    {{"successLabelTextColor", &corvana::Colors::successLabelTextColor},
+     {"successLabelBackgroundColor", &corvana::Colors::successLabelBackgroundColor},
+     {"errorLabelTextColor", &corvana::Colors::errorLabelTextColor},
+     {"errorLabelBackgroundColor", &corvana::Colors::errorLabelBackgroundColor},
+     {"retryScreenBackgroundColor", &corvana::Colors::retryScreenBackgroundColor},
+     {"retryScreenLabelTextColor", &corvana::Colors::retryScreenLabelTextColor},
+     {"retryScreenImageTintColor", &corvana::Colors::retryScreenImageTintColor},
+     {"retryScreenButtonTextColor", &corvana::Colors::retryScreenButtonTextColor},
+     {"retryScreenButtonBackgroundColor", &corvana::Colors::retryScreenButtonBackgroundColor}}};
+
+}  // namespace app
