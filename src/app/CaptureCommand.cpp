@@ -6,6 +6,7 @@
 
 #include "app/CaptureFlow.h"
 #include "app/Doctor.h"
+#include "devices/gstreamer/MediaFile.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
 
 namespace app {

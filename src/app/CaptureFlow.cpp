@@ -61,7 +61,7 @@ nlohmann::ordered_json fieldsOf(const FlowEvent& event) {
 
 CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs& inputs,
                          const Resources& resources, FlowStage& stage,
-                         std::shared_ptr<devices::MediaFile> media,
+                         std::shared_ptr<devices::MediaSource> media,
                          std::shared_ptr<engine::FrameAnalyzer> analyzer, Progress progress)
     : arguments_(arguments),
       inputs_(inputs),
@@ -73,9 +73,9 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs&
       reporter_(driver_.loop(), [this](const FlowEvent& event) { report(event); }),
       person_(driver_.loop(), arguments.habits),
       console_(std::cerr),
-      fileDevices_(media_),
-      watchedDevices_(screen_.watch(fileDevices_)),
-      mediaDevices_(watchedDevices_ ? *watchedDevices_ : fileDevices_),
+      sourceDevices_(media_),
+      watchedDevices_(screen_.watch(sourceDevices_)),
+      mediaDevices_(watchedDevices_ ? *watchedDevices_ : sourceDevices_),
       sounds_([this](platform::SystemSoundID sound) {
         reporter_.soundPlayed(sound);
         screen_.play(sound);
@@ -115,7 +115,8 @@ void CaptureFlow::endAfterGrace(bool filmWasStopping) {
     const bool filmStops = film && film->isStopping();
     // The identification is over then, and its result hangs on the encoder alone.
     if (filmStops || filmWasStopping) return endAfterGrace(filmStops);
-    end_.fail("The camera's recording ended before the identification did.");
+    end_.fail({"The camera's recording ended before the identification did.",
+               platform::FaultCause::recordingEnded});
   });
 }
 
@@ -123,12 +124,15 @@ void CaptureFlow::watchWorld() {
   screen_.setOnClose(
       [this] { end_.set(tl::unexpected(corvana::IDError(corvana::IDError::Strings::canceled))); });
   media_->onEnd = [this] { endAfterGrace(); };
-  media_->onError = [this](const std::string& sentence) { end_.fail(sentence); };
+  media_->onError = [this](const platform::Fault& fault) { end_.fail(fault); };
+  media_->onWarning = [this](const std::string& sentence) { warn(sentence); };
   if (media_->microphone()) return;
-  const std::string warning =
-      "The camera's recording has no sound: the film will be silent and no word can be heard.";
-  console_.print("WARNING: " + warning);
-  events_.add("warning", {{"text", warning}});
+  warn("There is no microphone: the film will be silent and no word can be heard.");
+}
+
+void CaptureFlow::warn(const std::string& sentence) {
+  console_.print("WARNING: " + sentence);
+  events_.add("warning", {{"text", sentence}});
 }
 
 void CaptureFlow::start() {
@@ -138,7 +142,7 @@ void CaptureFlow::start() {
   capture::videoIDCapture(*root, inputs_.reference.front, inputs_.reference.back, inputs_.text,
                           [this](const Outcome& outcome) { end_.set(outcome); });
   if (!root->presentedViewController()) {
-    end_.fail("The capture screen could not be built from the program's resources.");
+    end_.fail({"The capture screen could not be built from the program's resources."});
   }
 }
 
@@ -146,6 +150,7 @@ void CaptureFlow::close() {
   screen_.setOnClose(nullptr);
   media_->onEnd = nullptr;
   media_->onError = nullptr;
+  media_->onWarning = nullptr;
   window_.reset();
   if (const auto film = host_.film()) {
     bool closed = false;
@@ -164,8 +169,9 @@ RunRecord CaptureFlow::run() {
   };
   if (driver_.run(ended, platform::seconds(arguments_.maxDurationSeconds)) !=
       Driver::Stop::condition) {
-    end_.fail("The identification took longer than the allowed time of " +
-              std::to_string(static_cast<long>(arguments_.maxDurationSeconds)) + " s.");
+    end_.fail({"The identification took longer than the allowed time of " +
+                   std::to_string(static_cast<long>(arguments_.maxDurationSeconds)) + " s.",
+               platform::FaultCause::timeLimit});
   }
   const bool succeeded = end_.outcome().has_value();
   events_.add("end", {{"outcome", succeeded ? "result" : "error"}});

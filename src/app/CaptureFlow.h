@@ -7,10 +7,10 @@
 #include "app/CaptureCommand.h"
 #include "app/CaptureInputs.h"
 #include "app/EventLog.h"
-#include "app/FileMediaDevices.h"
 #include "app/FlowEnd.h"
 #include "app/FlowScreen.h"
 #include "app/Resources.h"
+#include "app/SourceMediaDevices.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "devices/gstreamer/FilmWriterFactory.h"
 #include "devices/headless/DirectoryBundle.h"
@@ -29,7 +29,7 @@ class CaptureFlow {
 
   CaptureFlow(const CaptureArguments& arguments, const CaptureInputs& inputs,
               const Resources& resources, FlowStage& stage,
-              std::shared_ptr<devices::MediaFile> media,
+              std::shared_ptr<devices::MediaSource> media,
               std::shared_ptr<engine::FrameAnalyzer> analyzer, Progress progress);
   ~CaptureFlow();
 
@@ -39,6 +39,8 @@ class CaptureFlow {
  private:
   void start();
   void watchWorld();
+  /// Tells the terminal and the record of the run.
+  void warn(const std::string& sentence);
   /// After the camera's end; a film that is being stopped is waited for.
   void endAfterGrace(bool filmWasStopping = false);
   void close();
@@ -48,7 +50,7 @@ class CaptureFlow {
   const CaptureInputs& inputs_;
   Driver& driver_;
   FlowScreen& screen_;
-  std::shared_ptr<devices::MediaFile> media_;
+  std::shared_ptr<devices::MediaSource> media_;
   Progress progress_;
   FlowEnd end_;
 
@@ -59,7 +61,7 @@ class CaptureFlow {
   platform::NotificationCenter notificationCenter_;
   devices::StreamConsole console_;
   devices::NoSettingsApplication application_;
-  FileMediaDevices fileDevices_;
+  SourceMediaDevices sourceDevices_;
   std::unique_ptr<platform::MediaDevices> watchedDevices_;
   platform::MediaDevices& mediaDevices_;
   LocalSpeechAuthorization speechAuthorization_;

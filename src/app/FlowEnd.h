@@ -13,7 +13,7 @@ class FlowEnd {
   void set(Outcome outcome) {
     if (!outcome_) outcome_ = std::move(outcome);
   }
-  void fail(const std::string& sentence) { set(tl::unexpected(corvana::IDError(sentence))); }
+  void fail(const platform::Fault& fault) { set(tl::unexpected(corvana::IDError(fault))); }
   bool isThere() const { return outcome_.has_value(); }
   const Outcome& outcome() const { return *outcome_; }
 

@@ -17,7 +17,13 @@ constexpr int kFormatVersion = 1;
 constexpr std::uint64_t kMaxResultBytes = 1 << 20;
 
 ordered_json outcomeToJson(const Outcome& outcome) {
-  if (!outcome) return {{"error", {{"message", outcome.error().localizedDescription()}}}};
+  if (!outcome) {
+    const corvana::IDError& error = outcome.error();
+    return {{"error",
+             {{"message", error.localizedDescription()},
+              {"cause", platform::nameOf(error.cause())},
+              {"canTryAgain", platform::canTryAgain(error.cause())}}}};
+  }
   return {{"result",
            {{"film", engine::Film::kFileName},
             {"selfie", kSelfieFileName},
@@ -32,6 +38,7 @@ ordered_json recordingToJson(const RunRecord& record) {
   return {{"framesReceived", counters.videoFramesReceived},
           {"framesWritten", counters.videoFramesWritten},
           {"framesDropped", counters.videoFramesDropped},
+          {"framesLate", counters.videoFramesLate},
           {"audioBuffersReceived", counters.audioBuffersReceived},
           {"seconds", counters.secondsWritten},
           {"secondsOfSilence", counters.secondsOfSilence},

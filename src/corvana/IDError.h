@@ -1,6 +1,9 @@
 #pragma once
 
 #include <string>
+#include <utility>
+
+#include "platform/foundation/Fault.h"
 
 namespace corvana {
 
@@ -12,12 +15,19 @@ class IDError {
   };
 
   IDError() = default;
-  explicit IDError(std::string message) : message_(std::move(message)) {}
+  explicit IDError(std::string message)
+      : message_(std::move(message)),
+        cause_(message_ == Strings::canceled ? platform::FaultCause::canceled
+                                             : platform::FaultCause::other) {}
+  explicit IDError(platform::Fault fault)
+      : message_(std::move(fault.sentence)), cause_(fault.cause) {}
   const std::string& localizedDescription() const { return message_; }
+  platform::FaultCause cause() const { return cause_; }
   bool operator==(const IDError&) const = default;
 
  private:
   std::string message_;
+  platform::FaultCause cause_ = platform::FaultCause::other;
 };
 
 }  // namespace corvana

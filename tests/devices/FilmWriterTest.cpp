@@ -104,7 +104,7 @@ TEST_F(FilmWriterTest, cutsOddSizesRefusesASizeThatChangesAndHasNoSoundWithoutSe
   EXPECT_FALSE(film->appendVideo(frame(30)));
   const auto finished = film->finish();
   ASSERT_FALSE(finished);
-  EXPECT_EQ(finished.error(),
+  EXPECT_EQ(finished.error().sentence,
             "The camera's picture changed from 241x179 to 320x240 while it was filmed.");
   EXPECT_FALSE(probe(path)->hasAudio);
   const Recording played = play(path);
@@ -145,7 +145,7 @@ TEST_F(FilmWriterTest, staysPlayableWhenTheDiskIsFull) {
 
   EXPECT_LT(index, 3000);
   ASSERT_FALSE(finished);
-  EXPECT_NE(finished.error().find(path.string()), std::string::npos) << finished.error();
+  EXPECT_NE(finished.error().sentence.find(path.string()), std::string::npos) << finished.error().sentence;
   EXPECT_GE(play(path).pictures.size(), 60u);
 }
 

@@ -60,7 +60,7 @@ inline platform::CMSampleBufferRef sound(platform::Duration time, int strength) 
 }
 
 /// An open film of 320×240, by default with a sound track.
-inline tl::expected<std::shared_ptr<platform::AssetWriter>, std::string> openFilm(
+inline tl::expected<std::shared_ptr<platform::AssetWriter>, platform::Fault> openFilm(
     platform::RunLoop& loop, const std::filesystem::path& path,
     const std::optional<platform::WriterSettings>& sound = audioSettings()) {
   return FilmWriterFactory(loop).make(
@@ -84,7 +84,9 @@ inline Recording play(const std::filesystem::path& path) {
     return recording;
   }
   (*file)->onEnd = [&] { ++recording.ends; };
-  (*file)->onError = [&](const std::string& error) { recording.errors.push_back(error); };
+  (*file)->onError = [&](const platform::Fault& fault) {
+    recording.errors.push_back(fault.sentence);
+  };
   (*file)->camera()->start([&](auto sample) { recording.pictures.push_back(std::move(sample)); });
   if (const auto microphone = (*file)->microphone()) {
     microphone->start([&](auto sample) {

@@ -104,7 +104,7 @@ Result<void> FilmEncoder::finish() {
   if (!complete)
     return fault(state_->file.string() +
                  " cannot be written: check the folder and the disk's free space.");
-  if (auto cleared = devices::clearDates(state_->file); !cleared) return fault(cleared.error());
+  if (auto cleared = devices::clearDates(state_->file); !cleared) return fault(cleared.error().sentence);
   return {};
 }
 

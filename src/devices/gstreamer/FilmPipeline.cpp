@@ -12,6 +12,10 @@
 #include "devices/gstreamer/GstPicture.h"
 
 namespace devices {
+
+using platform::Fault;
+using platform::FaultCause;
+
 namespace {
 
 /// Far more than an encoder needs for what waits in front of it: only a hung one takes so long.
@@ -34,15 +38,17 @@ int even(int size) {
   return size / 2 * 2;
 }
 
-std::string errorSentence(const std::filesystem::path& path, const GError& error) {
+Fault faultOf(const std::filesystem::path& path, const GError& error) {
   const std::string film = "The film " + path.string();
   if (g_error_matches(&error, GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_NO_SPACE_LEFT)) {
-    return film + " can't grow: the disk is full; free some space. What was recorded plays.";
+    return {film + " can't grow: the disk is full; free some space. What was recorded plays.",
+            FaultCause::diskFull};
   }
   if (error.domain == GST_RESOURCE_ERROR) {
-    return film + " can't be written (" + describe(error) + "): check its folder and disk.";
+    return {film + " can't be written (" + describe(error) + "): check its folder and disk.",
+            FaultCause::folderLost};
   }
-  return film + " can't be encoded: " + describe(error) + ".";
+  return {film + " can't be encoded: " + describe(error) + ".", FaultCause::filmFailed};
 }
 
 }  // namespace
@@ -54,18 +60,19 @@ struct FilmPipeline::State {
   std::condition_variable changed;
   int framesWaiting = 0;
   bool ended = false;
-  std::optional<std::string> error;
+  std::optional<Fault> error;
 
-  void fail(std::string sentence) {
+  void fail(Fault fault) {
     const std::lock_guard lock(mutex);
-    if (!error) error = std::move(sentence);
+    if (!error) error = std::move(fault);
     changed.notify_all();
   }
 
   template <class Condition>
   void wait(std::unique_lock<std::mutex>& lock, Condition condition) {
     if (changed.wait_for(lock, kAnswerLimit, [&] { return error || condition(); })) return;
-    error = "The film " + path.string() + " stopped: the encoder does not answer any more.";
+    error = Fault{"The film " + path.string() + " stopped: the encoder does not answer any more.",
+                  FaultCause::filmFailed};
   }
 
   static GstBusSyncReply onMessage(GstBus*, GstMessage* message, gpointer data) {
@@ -74,7 +81,7 @@ struct FilmPipeline::State {
       GError* raw = nullptr;
       gst_message_parse_error(message, &raw, nullptr);
       const GstPtr<GError> error(raw);
-      state.fail(errorSentence(state.path, *error));
+      state.fail(faultOf(state.path, *error));
     } else if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS) {
       const std::lock_guard lock(state.mutex);
       state.ended = true;
@@ -144,13 +151,13 @@ void FilmPipeline::configureSources() {
   gst_app_src_set_caps(GST_APP_SRC(audio_), audioCaps.get());
 }
 
-tl::expected<std::unique_ptr<FilmPipeline>, std::string> FilmPipeline::start(
-    const FilmFormat& format) {
+tl::expected<std::unique_ptr<FilmPipeline>, Fault> FilmPipeline::start(const FilmFormat& format) {
   std::unique_ptr<FilmPipeline> film(new FilmPipeline(format));
   if (!film->pipeline_) {
-    return tl::unexpected("The film " + format.path.string() +
-                          " can't be encoded: elements of GStreamer are missing; install "
-                          "gstreamer1.0-plugins-good, -ugly and gstreamer1.0-libav.");
+    return tl::unexpected(Fault{"The film " + format.path.string() +
+                                    " can't be encoded: elements of GStreamer are missing; install "
+                                    "gstreamer1.0-plugins-good, -ugly and gstreamer1.0-libav.",
+                                FaultCause::filmFailed});
   }
   film->configureSources();
   GstElement* mux = child(film->pipeline_, "mux");
@@ -165,7 +172,8 @@ tl::expected<std::unique_ptr<FilmPipeline>, std::string> FilmPipeline::start(
   gst_bus_set_sync_handler(bus.get(), &State::onMessage, new std::shared_ptr<State>(film->state_),
                            &State::release);
   if (gst_element_set_state(film->pipeline_.get(), GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
-    film->state_->fail("The film " + format.path.string() + " can't be written.");
+    film->state_->fail(
+        {"The film " + format.path.string() + " can't be written.", FaultCause::folderLost});
     return tl::unexpected(*film->error());
   }
   return film;
@@ -215,7 +223,7 @@ void FilmPipeline::pushAudio(const std::vector<std::int16_t>& samples, std::int6
   gst_app_src_push_buffer(GST_APP_SRC(audio_), buffer);
 }
 
-tl::expected<void, std::string> FilmPipeline::finish() {
+tl::expected<void, Fault> FilmPipeline::finish() {
   gst_app_src_end_of_stream(GST_APP_SRC(video_));
   if (audio_) gst_app_src_end_of_stream(GST_APP_SRC(audio_));
   {
@@ -223,11 +231,11 @@ tl::expected<void, std::string> FilmPipeline::finish() {
     state_->wait(lock, [&] { return state_->ended; });
   }
   gst_element_set_state(pipeline_.get(), GST_STATE_NULL);
-  if (const auto sentence = error()) return tl::unexpected(*sentence);
+  if (const auto fault = error()) return tl::unexpected(*fault);
   return {};
 }
 
-std::optional<std::string> FilmPipeline::error() const {
+std::optional<Fault> FilmPipeline::error() const {
   const std::lock_guard lock(state_->mutex);
   return state_->error;
 }

@@ -10,6 +10,7 @@
 
 #include "devices/gstreamer/FilmFormat.h"
 #include "devices/gstreamer/GstSupport.h"
+#include "platform/foundation/Fault.h"
 #include "platform/foundation/Time.h"
 #include "platform/media/PixelBuffer.h"
 
@@ -22,7 +23,8 @@ class FilmPipeline {
   /// Room for the index is set aside at the film's start; running out of it would be fatal.
   static constexpr platform::Duration kLongestFilm = std::chrono::minutes(15);
 
-  static tl::expected<std::unique_ptr<FilmPipeline>, std::string> start(const FilmFormat& format);
+  static tl::expected<std::unique_ptr<FilmPipeline>, platform::Fault> start(
+      const FilmFormat& format);
   ~FilmPipeline();
 
   /// Frames that the encoder has not taken yet.
@@ -34,9 +36,9 @@ class FilmPipeline {
   /// `position` counts sample frames from the film's beginning.
   void pushAudio(const std::vector<std::int16_t>& samples, std::int64_t position);
   /// Ends both tracks and closes the file; blocks.
-  tl::expected<void, std::string> finish();
-  /// The sentence of the first error.
-  std::optional<std::string> error() const;
+  tl::expected<void, platform::Fault> finish();
+  /// The first error.
+  std::optional<platform::Fault> error() const;
 
  private:
   struct State;

@@ -7,6 +7,10 @@
 #include "devices/gstreamer/Mp4Dates.h"
 
 namespace devices {
+
+using platform::Fault;
+using platform::FaultCause;
+
 namespace {
 
 /// Three seconds at the usual rate.
@@ -36,13 +40,17 @@ FilmWriter::FilmWriter(bool dropsWhenFull, FilmFormat format)
 FilmWriter::~FilmWriter() = default;
 
 bool FilmWriter::fail(std::string sentence) {
-  if (!error_) error_ = std::move(sentence);
+  return fail(Fault{std::move(sentence), FaultCause::filmFailed});
+}
+
+bool FilmWriter::fail(Fault fault) {
+  if (!fault_) fault_ = std::move(fault);
   return false;
 }
 
 bool FilmWriter::isOpen() {
-  if (pipeline_ && !error_) error_ = pipeline_->error();
-  return !error_ && !outcome_;
+  if (pipeline_ && !fault_) fault_ = pipeline_->error();
+  return !fault_ && !outcome_;
 }
 
 bool FilmWriter::appendVideo(const platform::CMSampleBufferRef& sample) {
@@ -131,18 +139,18 @@ bool FilmWriter::appendAudio(const platform::CMSampleBufferRef& sample) {
   return true;
 }
 
-tl::expected<void, std::string> FilmWriter::finish() {
+tl::expected<void, Fault> FilmWriter::finish() {
   const std::lock_guard lock(mutex_);
   if (!outcome_) outcome_ = close();
   return *outcome_;
 }
 
-tl::expected<void, std::string> FilmWriter::close() {
+tl::expected<void, Fault> FilmWriter::close() {
   if (!pipeline_) {
     std::error_code ignored;
     std::filesystem::remove(format_.path, ignored);
     fail("The film " + format_.path.string() + " is empty: the camera delivered no picture.");
-    return tl::unexpected(*error_);
+    return tl::unexpected(*fault_);
   }
   if (format_.hasAudio) {
     const std::int64_t frames =
@@ -152,7 +160,7 @@ tl::expected<void, std::string> FilmWriter::close() {
   }
   auto closed = pipeline_->finish().and_then([&] { return clearDates(format_.path); });
   pipeline_.reset();
-  if (error_) return tl::unexpected(*error_);
+  if (fault_) return tl::unexpected(*fault_);
   return closed;
 }
 
@@ -161,7 +169,20 @@ void FilmWriter::cancel() {
   pipeline_.reset();
   std::error_code ignored;
   std::filesystem::remove(format_.path, ignored);
-  if (!outcome_) outcome_ = tl::unexpected("The film " + format_.path.string() + " was cancelled.");
+  if (!outcome_) {
+    outcome_ = tl::unexpected(
+        Fault{"The film " + format_.path.string() + " was cancelled.", FaultCause::canceled});
+  }
+}
+
+std::optional<Fault> FilmWriter::fault() const {
+  const std::lock_guard lock(mutex_);
+  return fault_;
+}
+
+int FilmWriter::framesWaiting() const {
+  const std::lock_guard lock(mutex_);
+  return pipeline_ ? pipeline_->framesWaiting() : 0;
 }
 
 platform::AssetWriterCounters FilmWriter::counters() const {

@@ -29,19 +29,22 @@ class FilmWriter final : public platform::AssetWriter {
 
   bool appendVideo(const platform::CMSampleBufferRef& sample) override;
   bool appendAudio(const platform::CMSampleBufferRef& sample) override;
-  tl::expected<void, std::string> finish() override;
+  tl::expected<void, platform::Fault> finish() override;
   void cancel() override;
+  std::optional<platform::Fault> fault() const override;
+  int framesWaiting() const override;
   platform::AssetWriterCounters counters() const override;
 
  private:
   bool isOpen();
   bool fail(std::string sentence);
+  bool fail(platform::Fault fault);
   bool begin(const platform::CMSampleBuffer& sample);
   bool accepts(const platform::CMSampleBuffer& sample);
   bool hasRoom();
   void write(const platform::CMSampleBuffer& sample);
   void writeSound();
-  tl::expected<void, std::string> close();
+  tl::expected<void, platform::Fault> close();
 
   const bool dropsWhenFull_;
   mutable std::mutex mutex_;
@@ -52,8 +55,8 @@ class FilmWriter final : public platform::AssetWriter {
   platform::TimePoint lastFrame_{};
   platform::Duration pictureEnd_{};
   platform::AssetWriterCounters counters_;
-  std::optional<std::string> error_;
-  std::optional<tl::expected<void, std::string>> outcome_;
+  std::optional<platform::Fault> fault_;
+  std::optional<tl::expected<void, platform::Fault>> outcome_;
 };
 
 }  // namespace devices

@@ -12,15 +12,19 @@
 
 namespace devices {
 
-tl::expected<std::shared_ptr<platform::AssetWriter>, std::string> FilmWriterFactory::make(
+using platform::Fault;
+using Cause = platform::FaultCause;
+
+tl::expected<std::shared_ptr<platform::AssetWriter>, platform::Fault> FilmWriterFactory::make(
     const std::filesystem::path& path, const std::optional<platform::WriterSettings>& video,
     const std::optional<platform::WriterSettings>& audio) {
   auto format = filmFormat(video, audio);
-  if (!format) return tl::unexpected(format.error());
+  if (!format) return tl::unexpected(Fault{format.error(), Cause::filmFailed});
   const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
   if (file < 0) {
-    return tl::unexpected("The film " + path.string() + " can't be created (" +
-                          std::strerror(errno) + "): check its folder.");
+    return tl::unexpected(Fault{"The film " + path.string() + " can't be created (" +
+                                    std::strerror(errno) + "): check its folder.",
+                                errno == ENOSPC ? Cause::diskFull : Cause::folderLost});
   }
   ::close(file);
   format->path = path;

@@ -17,7 +17,7 @@ class FilmWriterFactory final : public platform::AssetWriterFactory {
  public:
   explicit FilmWriterFactory(platform::RunLoop& loop) : loop_(loop) {}
 
-  tl::expected<std::shared_ptr<platform::AssetWriter>, std::string> make(
+  tl::expected<std::shared_ptr<platform::AssetWriter>, platform::Fault> make(
       const std::filesystem::path& path, const std::optional<platform::WriterSettings>& video,
       const std::optional<platform::WriterSettings>& audio) override;
 

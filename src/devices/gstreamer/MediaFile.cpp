@@ -64,7 +64,7 @@ void MediaFile::post(std::function<void(MediaFile&)> report) {
 void MediaFile::reportError(const std::string& sentence) {
   post([sentence](MediaFile& media) {
     if (std::exchange(media.errorReported_, true)) return;
-    if (media.onError) media.onError(sentence);
+    if (media.onError) media.onError({sentence});
   });
 }
 

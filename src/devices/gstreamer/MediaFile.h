@@ -9,6 +9,7 @@
 #include <tl/expected.hpp>
 
 #include "devices/gstreamer/MediaProbe.h"
+#include "devices/gstreamer/MediaSource.h"
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/CaptureDevice.h"
 
@@ -24,25 +25,19 @@ class FileMicrophone;
 /// time every picture is decoded and delivered; in real time one that is far too late is dropped.
 /// Pictures are upright I420 (BT.601, limited range) of the file's size, sound is 48 kHz mono in
 /// buffers of 20 ms that come when their last sample has passed.
-class MediaFile : public std::enable_shared_from_this<MediaFile> {
+class MediaFile final : public MediaSource, public std::enable_shared_from_this<MediaFile> {
  public:
   /// Blocks until the first picture is decoded. The error is one sentence, as of `probe`.
   static tl::expected<std::shared_ptr<MediaFile>, std::string> open(
       platform::RunLoop& loop, const std::filesystem::path& path);
-  ~MediaFile();
+  ~MediaFile() override;
 
   const MediaInfo& info() const { return info_; }
-  platform::AVCaptureDeviceRef camera() const;
+  platform::AVCaptureDeviceRef camera() const override;
   /// Null when the file has no sound.
-  platform::AVCaptureDeviceRef microphone() const;
+  platform::AVCaptureDeviceRef microphone() const override;
   /// Pictures that came too late in real time.
-  std::uint64_t framesDropped() const;
-
-  /// The camera has delivered the last picture and its time has passed. Called once, on the main
-  /// queue; set before the camera starts.
-  std::function<void()> onEnd;
-  /// The file can't be decoded any further, in one sentence. Called once at most, like `onEnd`.
-  std::function<void(std::string)> onError;
+  std::uint64_t framesDropped() const override;
 
  private:
   explicit MediaFile(platform::RunLoop& loop, const MediaInfo& info) : loop_(loop), info_(info) {}

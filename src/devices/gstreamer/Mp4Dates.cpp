@@ -93,9 +93,11 @@ class Mp4File {
 
 }  // namespace
 
-tl::expected<void, std::string> clearDates(const std::filesystem::path& path) {
+tl::expected<void, platform::Fault> clearDates(const std::filesystem::path& path) {
   if (Mp4File(path).clear()) return {};
-  return tl::unexpected("The film " + path.string() + " can't be completed: check its disk.");
+  return tl::unexpected(
+      platform::Fault{"The film " + path.string() + " can't be completed: check its disk.",
+                      platform::FaultCause::folderLost});
 }
 
 }  // namespace devices

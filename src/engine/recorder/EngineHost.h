@@ -41,8 +41,8 @@ class EngineHost final : public corvana::HostFactories {
       const std::optional<platform::WriterSettings>& videoSettings,
       const std::optional<platform::WriterSettings>& audioSettings) override;
 
-  /// Why the last recorder could not be made; one sentence.
-  const std::optional<std::string>& fault() const { return fault_; }
+  /// Why the last recorder could not be made.
+  const std::optional<platform::Fault>& fault() const { return fault_; }
   /// Of the last recorder; null before. It outlives the recorder, so that its end can be awaited.
   const std::shared_ptr<Film>& film() const { return film_; }
 
@@ -50,7 +50,7 @@ class EngineHost final : public corvana::HostFactories {
   Setup setup_;
   std::weak_ptr<corvana::CaptureSession> captureSession_;
   std::shared_ptr<Film> film_;
-  std::optional<std::string> fault_;
+  std::optional<platform::Fault> fault_;
 };
 
 }  // namespace engine

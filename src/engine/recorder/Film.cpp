@@ -14,15 +14,14 @@ Film::Film(platform::RunLoop& loop, platform::AssetWriterFactory& factory, FilmS
       settings_(std::move(settings)),
       queue_(loop.makeSerialQueue("FilmQueue")) {}
 
-tl::expected<std::shared_ptr<Film>, std::string> Film::make(platform::RunLoop& loop,
-                                                            platform::AssetWriterFactory& factory,
-                                                            FilmSettings settings) {
+tl::expected<std::shared_ptr<Film>, platform::Fault> Film::make(
+    platform::RunLoop& loop, platform::AssetWriterFactory& factory, FilmSettings settings) {
   std::shared_ptr<Film> film(new Film(loop, factory, std::move(settings)));
   if (auto error = film->open()) return tl::unexpected(std::move(*error));
   return film;
 }
 
-std::optional<std::string> Film::open() {
+std::optional<platform::Fault> Film::open() {
   auto writer =
       factory_.make(settings_.folder / kPartialFileName, settings_.video, settings_.audio);
   if (!writer) {
@@ -63,8 +62,10 @@ Film::Outcome Film::finish(platform::AssetWriter& writer) {
   const auto film = settings_.folder / kFileName;
   std::filesystem::rename(settings_.folder / kPartialFileName, film, error);
   if (error) {
-    return tl::unexpected(IDError("The film could not be given its name in \"" +
-                                  settings_.folder.string() + "\": " + error.message() + "."));
+    return tl::unexpected(
+        IDError(platform::Fault{"The film could not be given its name in \"" +
+                                    settings_.folder.string() + "\": " + error.message() + ".",
+                                platform::FaultCause::folderLost}));
   }
   return film;
 }

@@ -27,8 +27,8 @@ struct FilmSettings {
 /// on a queue of its own; samples come on the capture queues.
 class Film final : public corvana::VideoWriter, public std::enable_shared_from_this<Film> {
  public:
-  /// Opens the first film at once; the error is one sentence.
-  static tl::expected<std::shared_ptr<Film>, std::string> make(
+  /// Opens the first film at once.
+  static tl::expected<std::shared_ptr<Film>, platform::Fault> make(
       platform::RunLoop& loop, platform::AssetWriterFactory& factory, FilmSettings settings);
 
   void writeVideo(const platform::CMSampleBufferRef& sample);
@@ -56,7 +56,7 @@ class Film final : public corvana::VideoWriter, public std::enable_shared_from_t
   using Writer = std::shared_ptr<platform::AssetWriter>;
 
   Film(platform::RunLoop& loop, platform::AssetWriterFactory& factory, FilmSettings settings);
-  std::optional<std::string> open();
+  std::optional<platform::Fault> open();
   Writer takeWriter();
   Writer currentWriter() const;
   Outcome finish(platform::AssetWriter& writer);

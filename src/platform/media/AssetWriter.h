@@ -9,6 +9,7 @@
 
 #include <tl/expected.hpp>
 
+#include "platform/foundation/Fault.h"
 #include "platform/media/SampleBuffer.h"
 #include "platform/media/WriterSettings.h"
 
@@ -19,6 +20,8 @@ struct AssetWriterCounters {
   std::uint64_t videoFramesReceived = 0;
   std::uint64_t videoFramesWritten = 0;
   std::uint64_t videoFramesDropped = 0;
+  /// Came long after they were captured, in real time: the machine was behind.
+  std::uint64_t videoFramesLate = 0;
   std::uint64_t audioBuffersReceived = 0;
   double secondsWritten = 0;    ///< from the first frame to the end of the last
   double secondsOfSilence = 0;  ///< digital silence before the first microphone buffer
@@ -37,8 +40,12 @@ class AssetWriter {
   virtual bool appendVideo(const CMSampleBufferRef& sample) = 0;
   virtual bool appendAudio(const CMSampleBufferRef& sample) = 0;
   /// Ends the film and closes the file; blocks until that is done, so not on the main queue in real
-  /// time. The error is one sentence. A second call returns the same answer.
-  virtual tl::expected<void, std::string> finish() = 0;
+  /// time. A second call returns the same answer.
+  virtual tl::expected<void, Fault> finish() = 0;
+  /// The first error; absent while all is well. Any thread.
+  virtual std::optional<Fault> fault() const = 0;
+  /// Pictures that the encoder has not taken yet. Any thread.
+  virtual int framesWaiting() const = 0;
   /// Ends and removes the film.
   virtual void cancel() = 0;
   virtual AssetWriterCounters counters() const = 0;
@@ -50,7 +57,7 @@ class AssetWriterFactory {
   virtual ~AssetWriterFactory() = default;
   /// `path` must not exist yet. Absent settings mean the maker's defaults for video and no sound
   /// track for audio. Any thread, one film at a time.
-  virtual tl::expected<std::shared_ptr<AssetWriter>, std::string> make(
+  virtual tl::expected<std::shared_ptr<AssetWriter>, Fault> make(
       const std::filesystem::path& path, const std::optional<WriterSettings>& video,
       const std::optional<WriterSettings>& audio) = 0;
 };

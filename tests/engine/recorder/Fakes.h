@@ -38,10 +38,10 @@ class FakeFilms final : public platform::AssetWriterFactory {
   std::vector<std::string> log;
   std::string fault;  ///< when not empty, no film can be made
 
-  tl::expected<std::shared_ptr<platform::AssetWriter>, std::string> make(
+  tl::expected<std::shared_ptr<platform::AssetWriter>, platform::Fault> make(
       const std::filesystem::path& path, const std::optional<platform::WriterSettings>&,
       const std::optional<platform::WriterSettings>&) override {
-    if (!fault.empty()) return tl::unexpected(fault);
+    if (!fault.empty()) return tl::unexpected(platform::Fault{fault});
     writeBytes(path, "film");
     log.push_back("open " + path.filename().string());
     return std::make_shared<Film>(log);
@@ -52,10 +52,12 @@ class FakeFilms final : public platform::AssetWriterFactory {
     explicit Film(std::vector<std::string>& films) : log(films) {}
     bool appendVideo(const platform::CMSampleBufferRef&) override { return ++frames > 0; }
     bool appendAudio(const platform::CMSampleBufferRef&) override { return true; }
-    tl::expected<void, std::string> finish() override {
+    tl::expected<void, platform::Fault> finish() override {
       log.push_back("finish");
       return {};
     }
+    std::optional<platform::Fault> fault() const override { return {}; }
+    int framesWaiting() const override { return 0; }
     void cancel() override { log.push_back("cancel"); }
     platform::AssetWriterCounters counters() const override {
       return {.videoFramesWritten = frames};

@@ -3,19 +3,21 @@
 #include <memory>
 #include <utility>
 
-#include "devices/gstreamer/MediaFile.h"
+#include "devices/gstreamer/MediaSource.h"
 #include "platform/media/CaptureDevice.h"
 #include "platform/media/Speech.h"
 
 namespace app {
 
-/// A recorded file as the machine's camera and microphone; who names a file has allowed its use.
-class FileMediaDevices final : public platform::MediaDevices {
+/// The camera and microphone of a run as the machine's; who starts the program has allowed their
+/// use.
+class SourceMediaDevices final : public platform::MediaDevices {
  public:
-  explicit FileMediaDevices(std::shared_ptr<devices::MediaFile> file) : file_(std::move(file)) {}
+  explicit SourceMediaDevices(std::shared_ptr<devices::MediaSource> source)
+      : source_(std::move(source)) {}
 
   platform::AVCaptureDeviceRef defaultDevice(platform::AVMediaType type) override {
-    return type == platform::AVMediaType::video ? file_->camera() : file_->microphone();
+    return type == platform::AVMediaType::video ? source_->camera() : source_->microphone();
   }
   platform::AVAuthorizationStatus authorizationStatus(platform::AVMediaType) override {
     return platform::AVAuthorizationStatus::authorized;
@@ -25,7 +27,7 @@ class FileMediaDevices final : public platform::MediaDevices {
   }
 
  private:
-  std::shared_ptr<devices::MediaFile> file_;
+  std::shared_ptr<devices::MediaSource> source_;
 };
 
 /// Speech is recognised on this machine and leaves it nowhere: nobody is to be asked.

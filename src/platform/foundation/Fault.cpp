@@ -1,0 +1,39 @@
+#include "platform/foundation/Fault.h"
+
+#include "platform/foundation/Require.h"
+
+namespace platform {
+
+const char* nameOf(FaultCause cause) {
+  switch (cause) {
+    case FaultCause::other:
+      return "other";
+    case FaultCause::canceled:
+      return "canceled";
+    case FaultCause::cameraLost:
+      return "cameraLost";
+    case FaultCause::recordingEnded:
+      return "recordingEnded";
+    case FaultCause::diskFull:
+      return "diskFull";
+    case FaultCause::folderLost:
+      return "folderLost";
+    case FaultCause::filmFailed:
+      return "filmFailed";
+    case FaultCause::timeLimit:
+      return "timeLimit";
+  }
+  fatal("a fault has one of the known causes");
+}
+
+bool canTryAgain(FaultCause cause) {
+  switch (cause) {
+    case FaultCause::diskFull:
+    case FaultCause::folderLost:
+      return false;
+    default:
+      return true;
+  }
+}
+
+}  // namespace platform
