@@ -2,6 +2,7 @@
 
 #include <iomanip>
 #include <iostream>
+#include <map>
 #include <sstream>
 
 #include "app/CaptureFlow.h"
@@ -68,6 +69,18 @@ CLI::Option* addTime(CLI::App& command, CaptureArguments& arguments) {
                   "media: as fast as the machine can, the file's time counts (default without a "
                   "window); real: the wall clock")
       ->transform(CLI::CheckedTransformer(kinds).description(""));
+}
+
+void addVideoCodec(CLI::App& command, CaptureArguments& arguments) {
+  using Choice = devices::VideoCodecChoice;
+  const std::map<std::string, Choice> choices{
+      {"auto", Choice::automatic}, {"h264", Choice::h264}, {"hevc", Choice::hevc}};
+  command
+      .add_option(
+          "--video-codec", arguments.videoCodec,
+          "of the film: auto (default: hevc where hardware encodes it, else h264), h264, or "
+          "hevc, in software too, which takes a core of its own")
+      ->transform(CLI::CheckedTransformer(choices).description(""));
 }
 
 void addScreen(CLI::App& command, CaptureArguments& arguments) {
@@ -177,6 +190,7 @@ void addCaptureCommand(CLI::App& app, ExitCode& exitCode) {
       .add_option("--camera", arguments->camera,
                   "a recorded video that stands in for camera and microphone")
       ->required();
+  addVideoCodec(command, *arguments);
   addTime(command, *arguments);
   addScreen(command, *arguments);
   addLooks(command, *arguments);
@@ -216,13 +230,19 @@ ExitCode runCapture(const CaptureArguments& arguments) {
   if (const auto lack = lacks(examine(resources, inputs->folder)); !lack.empty()) {
     return complain(ExitCode::machineLacks, lack);
   }
+  if (devices::realTimeVideoCodecs(arguments.videoCodec).empty()) {
+    return complain(ExitCode::machineLacks,
+                    "No encoder for the film's --video-codec is installed: install "
+                    "gstreamer1.0-plugins-bad for hevc, gstreamer1.0-plugins-ugly for h264.");
+  }
   auto analyzer =
       engine::VisionFrameAnalyzer::load({resources.faceDetector(), resources.faceLandmarks()});
   if (!analyzer) {
     return complain(ExitCode::machineLacks, analyzer.error().localizedDescription());
   }
   auto stage = makeStage(arguments, wishes, resources);
-  auto media = devices::MediaFile::open(stage.driver->loop(), arguments.camera);
+  auto media =
+      devices::MediaFile::open(stage.driver->loop(), arguments.camera, arguments.videoCodec);
   if (!media) return complain(ExitCode::wrongUse, media.error());
   if (auto made = makeEmptyFolder(inputs->folder); !made) {
     return complain(ExitCode::wrongUse, made.error());

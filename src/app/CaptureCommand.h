@@ -9,6 +9,7 @@
 #include "app/Driver.h"
 #include "app/ExitCode.h"
 #include "app/FlowScreen.h"
+#include "devices/gstreamer/MediaElements.h"
 #include "devices/headless/HeadlessPerson.h"
 
 namespace app {
@@ -21,6 +22,7 @@ struct CaptureArguments {
   std::filesystem::path camera;
   std::optional<TimeKind> time;      ///< absent: media without a window, real with one
   std::optional<ScreenKind> screen;  ///< absent: headless, since the camera is a recording
+  devices::VideoCodecChoice videoCodec = devices::VideoCodecChoice::automatic;
   WindowWishes window;
   std::string language = "en";
   std::optional<std::filesystem::path> theme;

@@ -17,11 +17,12 @@ constexpr int kMostDroppedInARow = 4;
 
 FileCamera::FileCamera(platform::RunLoop& loop, std::shared_ptr<FileTimeline> timeline,
                        const MediaInfo& info, std::unique_ptr<VideoReader> reader,
-                       VideoReader::Picture first, Reports reports)
+                       VideoReader::Picture first, VideoCodecChoice codecChoice, Reports reports)
     : loop_(loop),
       timeline_(std::move(timeline)),
       info_(info),
       reader_(std::move(reader)),
+      codecChoice_(codecChoice),
       reports_(std::move(reports)),
       next_(std::move(first)) {}
 
@@ -123,7 +124,7 @@ void FileCamera::endAfter(platform::Duration lastFrame) {
 std::vector<platform::AVVideoCodecType> FileCamera::availableVideoCodecTypes(
     const platform::AVFileType& fileType) const {
   if (fileType != platform::kAVFileTypeMP4) return {};
-  return realTimeVideoCodecs();
+  return realTimeVideoCodecs(codecChoice_);
 }
 
 bool FileCamera::recommendedVideoSettings(const platform::AVVideoCodecType& codec,

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "devices/gstreamer/FileTimeline.h"
+#include "devices/gstreamer/MediaElements.h"
 #include "devices/gstreamer/StreamReader.h"
 #include "platform/media/CaptureDevice.h"
 
@@ -27,7 +28,8 @@ class FileCamera final : public platform::AVCaptureDevice,
 
   /// `first` is the first picture that `reader` gave.
   FileCamera(platform::RunLoop& loop, std::shared_ptr<FileTimeline> timeline, const MediaInfo& info,
-             std::unique_ptr<VideoReader> reader, VideoReader::Picture first, Reports reports);
+             std::unique_ptr<VideoReader> reader, VideoReader::Picture first,
+             VideoCodecChoice codecChoice, Reports reports);
 
   std::string localizedName() const override { return "Recorded camera"; }
   platform::AVMediaType mediaType() const override { return platform::AVMediaType::video; }
@@ -59,6 +61,7 @@ class FileCamera final : public platform::AVCaptureDevice,
   const std::shared_ptr<FileTimeline> timeline_;
   const MediaInfo info_;
   const std::unique_ptr<VideoReader> reader_;
+  const VideoCodecChoice codecChoice_;
   const Reports reports_;
 
   /// Recursive, since a handler may stop the device that calls it.

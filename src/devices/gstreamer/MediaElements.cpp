@@ -84,11 +84,14 @@ std::optional<VideoEncoder> encoderFor(const platform::AVVideoCodecType& codec) 
   return {};
 }
 
-std::vector<platform::AVVideoCodecType> realTimeVideoCodecs() {
+std::vector<platform::AVVideoCodecType> realTimeVideoCodecs(VideoCodecChoice choice) {
   std::vector<platform::AVVideoCodecType> codecs;
   const auto hevc = encoderFor(platform::kAVVideoCodecTypeHEVC);
-  if (hevc && hevc->hardware) codecs.push_back(hevc->codec);
-  if (encoderFor(platform::kAVVideoCodecTypeH264)) {
+  const bool isForced = choice == VideoCodecChoice::hevc;
+  if (hevc && (isForced || (hevc->hardware && choice == VideoCodecChoice::automatic))) {
+    codecs.push_back(hevc->codec);
+  }
+  if (!isForced && encoderFor(platform::kAVVideoCodecTypeH264)) {
     codecs.push_back(platform::kAVVideoCodecTypeH264);
   }
   return codecs;

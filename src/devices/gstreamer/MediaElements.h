@@ -33,9 +33,17 @@ struct VideoEncoder {
 /// The encoder that writes this codec on this machine; absent when there is none.
 std::optional<VideoEncoder> encoderFor(const platform::AVVideoCodecType& codec);
 
-/// Codecs that can be encoded while everything else goes on, best first: HEVC only in hardware,
-/// since in software it leaves no core for the analysis.
-std::vector<platform::AVVideoCodecType> realTimeVideoCodecs();
+/// What the user of the program wants films to be encoded in.
+enum class VideoCodecChoice {
+  automatic,  ///< HEVC where hardware encodes it, H.264 elsewhere
+  h264,
+  hevc,  ///< in software, too: only for machines with cores to spare
+};
+
+/// Codecs that a camera offers for its film, best first. By itself HEVC is offered only where
+/// hardware encodes it, since in software it leaves no core for the analysis. Empty when no encoder
+/// of the choice is installed.
+std::vector<platform::AVVideoCodecType> realTimeVideoCodecs(VideoCodecChoice choice);
 
 struct AudioEncoder {
   std::string element;

@@ -10,7 +10,7 @@ namespace devices {
 MediaFile::~MediaFile() = default;
 
 tl::expected<std::shared_ptr<MediaFile>, std::string> MediaFile::open(
-    platform::RunLoop& loop, const std::filesystem::path& path) {
+    platform::RunLoop& loop, const std::filesystem::path& path, VideoCodecChoice codecChoice) {
   const auto info = probe(path);
   if (!info) return tl::unexpected(info.error());
   auto video = VideoReader::open(path, *info);
@@ -33,8 +33,9 @@ tl::expected<std::shared_ptr<MediaFile>, std::string> MediaFile::open(
       if (media.onEnd) media.onEnd();
     });
   };
-  file->camera_ = std::make_shared<FileCamera>(loop, timeline, *info, std::move(*video),
-                                               std::move(**first), FileCamera::Reports{end, error});
+  file->camera_ =
+      std::make_shared<FileCamera>(loop, timeline, *info, std::move(*video), std::move(**first),
+                                   codecChoice, FileCamera::Reports{end, error});
   if (!info->hasAudio) return file;
   auto audio = AudioReader::open(path, origin);
   if (!audio) return tl::unexpected(audio.error());

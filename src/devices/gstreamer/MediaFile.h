@@ -8,6 +8,7 @@
 
 #include <tl/expected.hpp>
 
+#include "devices/gstreamer/MediaElements.h"
 #include "devices/gstreamer/MediaProbe.h"
 #include "devices/gstreamer/MediaSource.h"
 #include "platform/foundation/RunLoop.h"
@@ -29,7 +30,8 @@ class MediaFile final : public MediaSource, public std::enable_shared_from_this<
  public:
   /// Blocks until the first picture is decoded. The error is one sentence, as of `probe`.
   static tl::expected<std::shared_ptr<MediaFile>, std::string> open(
-      platform::RunLoop& loop, const std::filesystem::path& path);
+      platform::RunLoop& loop, const std::filesystem::path& path,
+      VideoCodecChoice codecChoice = VideoCodecChoice::automatic);
   ~MediaFile() override;
 
   const MediaInfo& info() const { return info_; }
