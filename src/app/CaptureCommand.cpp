@@ -7,7 +7,6 @@
 
 #include "app/CaptureFlow.h"
 #include "app/Doctor.h"
-#include "devices/gstreamer/MediaFile.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
 
 namespace app {
@@ -66,8 +65,8 @@ CLI::Option* addTime(CLI::App& command, CaptureArguments& arguments) {
   const std::map<std::string, TimeKind> kinds{{"media", TimeKind::media}, {"real", TimeKind::real}};
   return command
       .add_option("--time", arguments.time,
-                  "media: as fast as the machine can, the file's time counts (default without a "
-                  "window); real: the wall clock")
+                  "media: as fast as the machine can, the recording's time counts (default for one "
+                  "without a window); real: the wall clock (always with a live camera)")
       ->transform(CLI::CheckedTransformer(kinds).description(""));
 }
 
@@ -89,7 +88,8 @@ void addScreen(CLI::App& command, CaptureArguments& arguments) {
   command
       .add_option("--screen", arguments.screen,
                   "window: a person sees and answers it, in real time; headless: --on-retry, "
-                  "--max-retries and --done answer (default, since the camera is a recording)")
+                  "--max-retries and --done answer. Default: window when the camera is live and "
+                  "there is a display")
       ->transform(CLI::CheckedTransformer(kinds).description(""));
   command.add_flag("--full-screen", arguments.window.fullScreen, "the window fills the screen");
   command.add_option_function<std::string>(
@@ -117,6 +117,12 @@ void addLooks(CLI::App& command, CaptureArguments& arguments) {
                      "JSON file of colours, fonts, pictures, places and texts; see docs/screen.md");
 }
 
+/// A person stands before a live camera, and wants to see what is asked of them.
+void chooseScreen(CaptureArguments& arguments) {
+  if (arguments.screen || arguments.source.isRecording()) return;
+  arguments.screen = windowIsPossible() ? ScreenKind::window : ScreenKind::headless;
+}
+
 /// Whoever says how a person behaves wants that person, not one before the window.
 void choosePerson(const CLI::App& command, CaptureArguments& arguments) {
   const bool told = command.count("--on-retry") + command.count("--max-retries") +
@@ -125,8 +131,13 @@ void choosePerson(const CLI::App& command, CaptureArguments& arguments) {
   arguments.personIsVirtual = arguments.screen != ScreenKind::window || told;
 }
 
-/// Why the screen that was asked for can't be shown; empty when it can.
+/// Why the screen and the time that were asked for can't be had; empty when they can.
 std::string screenFault(const CaptureArguments& arguments) {
+  if (!arguments.source.isRecording() && arguments.time == TimeKind::media) {
+    return "A live camera works in real time; leave out --time media, or name a recorded video "
+           "with "
+           "--camera.";
+  }
   if (arguments.screen != ScreenKind::window) return {};
   if (arguments.time == TimeKind::media) {
     return "A window shows a run in real time; leave out --time media, or use --screen headless.";
@@ -140,7 +151,8 @@ std::string screenFault(const CaptureArguments& arguments) {
 FlowStage makeStage(const CaptureArguments& arguments, const WindowWishes& wishes,
                     const Resources& resources) {
   if (arguments.screen == ScreenKind::window) return makeWindowStage(wishes, resources);
-  return makeHeadlessStage(arguments.time.value_or(TimeKind::media));
+  const TimeKind usual = arguments.source.isRecording() ? TimeKind::media : TimeKind::real;
+  return makeHeadlessStage(arguments.time.value_or(usual));
 }
 
 void addHabits(CLI::App& command, CaptureArguments& arguments) {
@@ -186,10 +198,7 @@ void addCaptureCommand(CLI::App& app, ExitCode& exitCode) {
   auto* text = command.add_option("--text", arguments->text, "the text to be read aloud");
   command.add_option("--text-file", arguments->textFile, "file that holds the text")
       ->excludes(text);
-  command
-      .add_option("--camera", arguments->camera,
-                  "a recorded video that stands in for camera and microphone")
-      ->required();
+  addCameraOptions(command, arguments->source);
   addVideoCodec(command, *arguments);
   addTime(command, *arguments);
   addScreen(command, *arguments);
@@ -207,6 +216,7 @@ void addCaptureCommand(CLI::App& app, ExitCode& exitCode) {
   command.add_flag("--keep-failed-runs", arguments->keepFailedRuns,
                    "keep the films of runs that were retried");
   command.callback([arguments, &command, &exitCode] {
+    chooseScreen(*arguments);
     choosePerson(command, *arguments);
     exitCode = runCapture(*arguments);
   });
@@ -241,8 +251,7 @@ ExitCode runCapture(const CaptureArguments& arguments) {
     return complain(ExitCode::machineLacks, analyzer.error().localizedDescription());
   }
   auto stage = makeStage(arguments, wishes, resources);
-  auto media =
-      devices::MediaFile::open(stage.driver->loop(), arguments.camera, arguments.videoCodec);
+  auto media = inputs->openMedia(stage.driver->loop());
   if (!media) return complain(ExitCode::wrongUse, media.error());
   if (auto made = makeEmptyFolder(inputs->folder); !made) {
     return complain(ExitCode::wrongUse, made.error());

@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "app/CameraChoice.h"
 #include "app/Driver.h"
 #include "app/ExitCode.h"
 #include "app/FlowScreen.h"
@@ -19,9 +20,9 @@ struct CaptureArguments {
   std::filesystem::path reference;
   std::optional<std::string> text;
   std::optional<std::filesystem::path> textFile;
-  std::filesystem::path camera;
-  std::optional<TimeKind> time;      ///< absent: media without a window, real with one
-  std::optional<ScreenKind> screen;  ///< absent: headless, since the camera is a recording
+  CameraChoice source;
+  std::optional<TimeKind> time;      ///< absent: media with a recording and no window, else real
+  std::optional<ScreenKind> screen;  ///< absent: a window for a live camera, if possible
   devices::VideoCodecChoice videoCodec = devices::VideoCodecChoice::automatic;
   WindowWishes window;
   std::string language = "en";

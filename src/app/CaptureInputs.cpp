@@ -4,7 +4,6 @@
 #include <unicode/unistr.h>
 
 #include "app/OptionTable.h"
-#include "devices/gstreamer/MediaProbe.h"
 
 namespace app {
 namespace {
@@ -79,7 +78,9 @@ Expected<CaptureInputs> checkInputs(const CaptureArguments& arguments) {
   auto reference = loadReference(arguments.reference);
   if (!reference) return tl::unexpected(reference.error());
   inputs.reference = std::move(*reference);
-  if (auto media = devices::probe(arguments.camera); !media) return tl::unexpected(media.error());
+  auto media = chooseMedia(arguments.source, arguments.videoCodec);
+  if (!media) return tl::unexpected(media.error());
+  inputs.openMedia = std::move(*media);
   auto folder = chooseFolder(arguments.output);
   if (!folder) return tl::unexpected(folder.error());
   inputs.folder = std::move(*folder);

@@ -14,6 +14,7 @@ namespace app {
 struct CaptureInputs {
   Reference reference;
   std::string text;
+  MediaOpener openMedia;
   std::filesystem::path folder;  ///< of the run: free, but not made yet
 };
 

@@ -11,6 +11,8 @@ namespace app {
 void addEnrollCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid verify`: the hashes of a run's folder.
 void addVerifyCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid devices`: cameras and microphones that `capture` can use.
+void addDevicesCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid doctor`: what the machine lacks.
 void addDoctorCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid options`: every key with unit, default and meaning.

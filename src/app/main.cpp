@@ -28,6 +28,7 @@ int run(int argc, char** argv) {
   app::addSimulateCommand(program, exitCode);
   app::addScreensCommand(program, exitCode);
   app::addVerifyCommand(program, exitCode);
+  app::addDevicesCommand(program, exitCode);
   app::addDoctorCommand(program, exitCode);
   app::addOptionsCommand(program, exitCode);
   try {

@@ -14,7 +14,11 @@ void initGStreamer() {
 }
 
 GstElement* child(const GstPtr<GstElement>& pipeline, const char* name) {
-  GstElement* element = gst_bin_get_by_name(GST_BIN(pipeline.get()), name);
+  return borrow(pipeline.get(), name);
+}
+
+GstElement* borrow(GstElement* pipeline, const char* name) {
+  GstElement* element = gst_bin_get_by_name(GST_BIN(pipeline), name);
   platform::require(element != nullptr, std::string("no element of this name: ") + name);
   gst_object_unref(element);
   return element;

@@ -38,6 +38,8 @@ class MediaFile final : public MediaSource, public std::enable_shared_from_this<
   platform::AVCaptureDeviceRef camera() const override;
   /// Null when the file has no sound.
   platform::AVCaptureDeviceRef microphone() const override;
+  bool cameraIsVirtual() const override { return true; }
+  bool microphoneIsVirtual() const override { return true; }
   /// Pictures that came too late in real time.
   std::uint64_t framesDropped() const override;
 

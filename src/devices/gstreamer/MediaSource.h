@@ -18,6 +18,9 @@ class MediaSource {
   virtual platform::AVCaptureDeviceRef camera() const = 0;
   /// Null when there is none.
   virtual platform::AVCaptureDeviceRef microphone() const = 0;
+  /// Not a piece of hardware: what it shows proves nothing about the person before the machine.
+  virtual bool cameraIsVirtual() const = 0;
+  virtual bool microphoneIsVirtual() const = 0;
   /// Pictures that the camera took and could not hand over.
   virtual std::uint64_t framesDropped() const = 0;
 

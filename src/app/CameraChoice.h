@@ -1,0 +1,40 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "app/Files.h"
+#include "devices/gstreamer/CameraMode.h"
+#include "devices/gstreamer/LiveDevices.h"
+#include "devices/gstreamer/MediaElements.h"
+#include "devices/gstreamer/MediaSource.h"
+#include "platform/foundation/RunLoop.h"
+
+namespace app {
+
+/// Which camera and microphone a run is to use.
+struct CameraChoice {
+  std::string camera = "default";      ///< id, `default`, or the path of a recording
+  std::string microphone = "default";  ///< id, `default` or `none`
+  devices::CameraMode mode;
+  devices::CameraTurn turn = devices::CameraTurn::none;
+  bool allowVirtual = false;  ///< a film from a virtual camera proves nothing
+
+  /// A recorded file stands in for both. False: they are live, so time is real.
+  bool isRecording() const;
+};
+
+void addCameraOptions(CLI::App& command, CameraChoice& choice);
+
+/// Opens what was chosen, and waits for its first samples. The error is one sentence.
+using MediaOpener =
+    std::function<Expected<std::shared_ptr<devices::MediaSource>>(platform::RunLoop& loop)>;
+
+/// Looks for both devices or at the recording, without opening them. The error is one sentence, the
+/// user's to mend.
+Expected<MediaOpener> chooseMedia(const CameraChoice& choice, devices::VideoCodecChoice codec);
+
+}  // namespace app

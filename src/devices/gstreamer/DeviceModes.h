@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "devices/gstreamer/CameraMode.h"
+#include "devices/gstreamer/GstSupport.h"
+
+/// Camera modes on their way out of and into GStreamer; private to this folder.
+namespace devices {
+
+/// All that a camera offers and this program can read. Of a range of sizes those that are usual.
+std::vector<OfferedMode> modesOf(const GstCaps* caps);
+
+/// Launch line that holds a source to this mode and decodes it.
+std::string lineOf(const OfferedMode& mode);
+
+}  // namespace devices

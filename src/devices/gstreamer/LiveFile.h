@@ -1,0 +1,24 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include <tl/expected.hpp>
+
+#include "devices/gstreamer/LiveSource.h"
+
+namespace devices {
+
+/// A recorded file as the head of live pipelines: played in real time, over and over, without a
+/// seam and with growing times. Its first picture stands until the camera's pictures are wanted.
+struct LiveFile {
+  LiveSource camera;
+  /// In step with the camera; absent when the file has no sound.
+  std::optional<LiveSource> microphone;
+};
+
+/// The error is one sentence, as of `probe`.
+tl::expected<LiveFile, std::string> openLiveFile(const std::filesystem::path& path);
+
+}  // namespace devices

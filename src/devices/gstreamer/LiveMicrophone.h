@@ -1,0 +1,49 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "devices/gstreamer/LiveStream.h"
+#include "platform/media/CaptureDevice.h"
+
+namespace devices {
+
+/// A live microphone: 48 kHz mono, 16 bit, in buffers of 20 ms, whatever the device delivers.
+class LiveMicrophone final : public platform::AVCaptureDevice {
+ public:
+  LiveMicrophone(platform::RunLoop& loop, LiveSource source);
+  ~LiveMicrophone() override { stream_->close(); }
+
+  /// As of `LiveStream`; to be called first, since it may take its time.
+  tl::expected<void, std::string> open(platform::Duration patience);
+  const LiveStream& stream() const { return *stream_; }
+  /// How long it has been delivering nothing but zeros, which no open microphone does. Any thread.
+  platform::Duration silentFor() const;
+
+  std::string localizedName() const override { return name_; }
+  platform::AVMediaType mediaType() const override { return platform::AVMediaType::audio; }
+  bool open() override { return stream_->isOpen(); }
+  void start(SampleHandler handler) override { stream_->start(std::move(handler)); }
+  void stop() override { stream_->stop(); }
+  std::vector<platform::AVVideoCodecType> availableVideoCodecTypes(
+      const platform::AVFileType&) const override {
+    return {};
+  }
+  bool recommendedVideoSettings(const platform::AVVideoCodecType&, const platform::AVFileType&,
+                                platform::WriterSettings&) const override {
+    return false;
+  }
+  bool recommendedAudioSettings(const platform::AVFileType& fileType,
+                                platform::WriterSettings& settings) const override;
+
+ private:
+  LiveStream::Sample convert(GstSample* sample);
+
+  const std::string name_;
+  std::atomic<std::uint64_t> silentSamples_ = 0;
+  std::shared_ptr<LiveStream> stream_;  ///< last: its pipeline calls this microphone
+};
+
+}  // namespace devices
