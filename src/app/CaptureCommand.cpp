@@ -49,16 +49,24 @@ void removeRun(const fs::path& folder) {
 
 ExitCode finish(const RunRecord& record, const CaptureArguments& arguments,
                 const CaptureInputs& inputs, const Resources& resources) {
-  auto result = writeRunRecord(record, resources, inputs.folder);
-  if (!result) return complain(ExitCode::machineLacks, result.error());
-  if (wasCanceled(record.outcome) && !arguments.keep) {
-    removeRun(inputs.folder);
-  } else {
-    (*result)["folder"] = fs::absolute(inputs.folder).lexically_normal().string();
+  WrittenRecord written = writeRunRecord(record, resources, inputs.folder);
+  if (record.outcome && !written.fault.empty()) {
+    return complain(ExitCode::machineLacks, written.fault);
   }
-  std::cout << result->dump(2) << std::endl;
+  const bool removed = wasCanceled(record.outcome) && !arguments.keep;
+  if (removed) removeRun(inputs.folder);
+  std::error_code error;
+  if (fs::exists(inputs.folder, error)) {
+    written.content["folder"] = fs::absolute(inputs.folder).lexically_normal().string();
+  }
+  std::cout << written.content.dump(2) << std::endl;
   if (record.outcome) return ExitCode::result;
-  return complain(ExitCode::flowError, record.outcome.error().localizedDescription());
+  const corvana::IDError& fault = record.outcome.error();
+  // What keeps result.json away has often ended the run as well.
+  if (!removed && !written.fault.empty() && platform::canTryAgain(fault.cause())) {
+    complain(ExitCode::flowError, written.fault);
+  }
+  return complain(ExitCode::flowError, fault.localizedDescription());
 }
 
 CLI::Option* addTime(CLI::App& command, CaptureArguments& arguments) {
@@ -209,12 +217,14 @@ void addCaptureCommand(CLI::App& app, ExitCode& exitCode) {
                      "JSON file of options; `videoid options --print` lists them");
   addHabits(command, *arguments);
   command
-      .add_option("--max-duration", arguments->maxDurationSeconds,
-                  "seconds after which the flow is ended (default 600)")
+      .add_option(
+          "--max-duration", arguments->maxDurationSeconds,
+          "seconds after which the flow is ended (default 600); the disk must have room for a "
+          "film of that length, twice")
       ->check(CLI::Range(1.0, 7200.0).description(""));
   command.add_flag("--keep", arguments->keep, "keep the folder of a cancelled run, too");
   command.add_flag("--keep-failed-runs", arguments->keepFailedRuns,
-                   "keep the films of runs that were retried");
+                   "keep the films of runs that were retried, as film.run1.mp4 and so on");
   command.callback([arguments, &command, &exitCode] {
     chooseScreen(*arguments);
     choosePerson(command, *arguments);
@@ -237,7 +247,7 @@ ExitCode runCapture(const CaptureArguments& arguments) {
   if (!dressed) return complain(ExitCode::wrongUse, dressed.error());
   auto inputs = checkInputs(arguments);
   if (!inputs) return complain(ExitCode::wrongUse, inputs.error());
-  if (const auto lack = lacks(examine(resources, inputs->folder)); !lack.empty()) {
+  if (const auto lack = lacks(examine(resources)); !lack.empty()) {
     return complain(ExitCode::machineLacks, lack);
   }
   if (devices::realTimeVideoCodecs(arguments.videoCodec).empty()) {
@@ -253,6 +263,10 @@ ExitCode runCapture(const CaptureArguments& arguments) {
   auto stage = makeStage(arguments, wishes, resources);
   auto media = inputs->openMedia(stage.driver->loop());
   if (!media) return complain(ExitCode::wrongUse, media.error());
+  const auto needed = bytesNeeded((*media)->camera().get(), arguments.maxDurationSeconds);
+  if (const auto lack = lacks({diskSpace(inputs->folder, needed)}); !lack.empty()) {
+    return complain(ExitCode::machineLacks, lack);
+  }
   if (auto made = makeEmptyFolder(inputs->folder); !made) {
     return complain(ExitCode::wrongUse, made.error());
   }

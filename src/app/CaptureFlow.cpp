@@ -21,15 +21,21 @@ engine::EngineHost::Setup hostSetup(const CaptureArguments& arguments, const Cap
                                     platform::MediaDevices& mediaDevices,
                                     platform::AssetWriterFactory& films,
                                     std::shared_ptr<engine::FrameAnalyzer> analyzer,
-                                    platform::CGSize screenSize,
-                                    engine::RecorderObserver& observer) {
+                                    platform::CGSize screenSize, engine::RecorderObserver& observer,
+                                    FlowEnd& end) {
   auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
       driver.loop(), engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder));
-  return {driver.loop(),       notifications,
-          mediaDevices,        films,
-          std::move(analyzer), std::move(recognizer),
-          inputs.folder,       arguments.keepFailedRuns,
-          screenSize,          &observer};
+  return {driver.loop(),
+          notifications,
+          mediaDevices,
+          films,
+          std::move(analyzer),
+          std::move(recognizer),
+          inputs.folder,
+          arguments.keepFailedRuns,
+          screenSize,
+          &observer,
+          [&end](const platform::Fault& fault) { end.fail(fault); }};
 }
 
 bool belongsInLog(FlowEvent::Kind kind) {
@@ -69,7 +75,9 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs&
       screen_(*stage.screen),
       media_(std::move(media)),
       progress_(std::move(progress)),
-      events_(driver_.loop(), inputs.folder / EventLog::kFileName),
+      signals_([&driver = driver_] { driver.wake(); }),
+      events_(driver_.loop(), inputs.folder / EventLog::kFileName,
+              [this](const platform::Fault& fault) { eventsFailed(fault); }),
       reporter_(driver_.loop(), [this](const FlowEvent& event) { report(event); }),
       person_(driver_.loop(), arguments.habits),
       console_(std::cerr),
@@ -83,7 +91,7 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs&
       bundle_(resources.module, screen_.makeStoryboards(capture::controllerFactories())),
       films_(driver_.loop()),
       host_(hostSetup(arguments, inputs, driver_, notificationCenter_, mediaDevices_, films_,
-                      std::move(analyzer), screen_.size(), events_)),
+                      std::move(analyzer), screen_.size(), events_, end_)),
       environment_{driver_.loop(),
                    bundle_,
                    notificationCenter_,
@@ -121,8 +129,7 @@ void CaptureFlow::endAfterGrace(bool filmWasStopping) {
 }
 
 void CaptureFlow::watchWorld() {
-  screen_.setOnClose(
-      [this] { end_.set(tl::unexpected(corvana::IDError(corvana::IDError::Strings::canceled))); });
+  screen_.setOnClose([this] { end_.cancel(); });
   media_->onEnd = [this] { endAfterGrace(); };
   media_->onError = [this](const platform::Fault& fault) { end_.fail(fault); };
   media_->onWarning = [this](const std::string& sentence) { warn(sentence); };
@@ -133,6 +140,16 @@ void CaptureFlow::watchWorld() {
 void CaptureFlow::warn(const std::string& sentence) {
   console_.print("WARNING: " + sentence);
   events_.add("warning", {{"text", sentence}});
+}
+
+void CaptureFlow::eventsFailed(const platform::Fault& fault) {
+  if (end_.isThere() && end_.outcome()) console_.print("WARNING: " + fault.sentence);
+  end_.fail(fault);
+}
+
+bool CaptureFlow::hasEnded() {
+  if (signals_.arrived()) end_.cancel();
+  return end_.isThere();
 }
 
 void CaptureFlow::start() {
@@ -163,12 +180,8 @@ void CaptureFlow::close() {
 RunRecord CaptureFlow::run() {
   watchWorld();
   start();
-  const auto ended = [this] {
-    if (host_.fault()) end_.fail(*host_.fault());
-    return end_.isThere();
-  };
-  if (driver_.run(ended, platform::seconds(arguments_.maxDurationSeconds)) !=
-      Driver::Stop::condition) {
+  const auto limit = platform::seconds(arguments_.maxDurationSeconds);
+  if (driver_.run([this] { return hasEnded(); }, limit) != Driver::Stop::condition) {
     end_.fail({"The identification took longer than the allowed time of " +
                    std::to_string(static_cast<long>(arguments_.maxDurationSeconds)) + " s.",
                platform::FaultCause::timeLimit});
@@ -176,9 +189,14 @@ RunRecord CaptureFlow::run() {
   const bool succeeded = end_.outcome().has_value();
   events_.add("end", {{"outcome", succeeded ? "result" : "error"}});
   close();
-  const auto film = host_.film();
-  return {end_.outcome(), film ? film->counters() : platform::AssetWriterCounters{},
-          1 + events_.retries()};
+  RunRecord record{end_.outcome(), {}, 0, {}, 1 + events_.retries()};
+  if (const auto film = host_.film()) {
+    record.recording = film->counters();
+    record.films = film->fileNames();
+  }
+  record.framesCaptured =
+      record.recording.videoFramesReceived + media_->framesDropped() + host_.framesDropped();
+  return record;
 }
 
 }  // namespace app

@@ -16,12 +16,14 @@
 #include "devices/headless/DirectoryBundle.h"
 #include "devices/headless/FlowReporter.h"
 #include "devices/headless/HeadlessSystem.h"
+#include "devices/headless/TerminationSignals.h"
 #include "engine/recorder/EngineHost.h"
 #include "platform/Environment.h"
 
 namespace app {
 
-/// The world of one run, from the entry to the closed film. Main thread; used once.
+/// The world of one run, from the entry to the closed film. While it lives, SIGINT and SIGTERM
+/// cancel it. Main thread; used once.
 class CaptureFlow {
  public:
   /// What the user would see, line by line; may be empty.
@@ -39,7 +41,11 @@ class CaptureFlow {
  private:
   void start();
   void watchWorld();
-  /// Tells the terminal and the record of the run.
+  /// What has ended by itself or by a signal.
+  bool hasEnded();
+  /// A line of events that is missing spoils the evidence.
+  void eventsFailed(const platform::Fault& fault);
+  /// Tells the terminal and the record of the run, not the person before a window.
   void warn(const std::string& sentence);
   /// After the camera's end; a film that is being stopped is waited for.
   void endAfterGrace(bool filmWasStopping = false);
@@ -53,6 +59,7 @@ class CaptureFlow {
   std::shared_ptr<devices::MediaSource> media_;
   Progress progress_;
   FlowEnd end_;
+  devices::TerminationSignals signals_;
 
   EventLog events_;
   devices::FlowReporter reporter_;

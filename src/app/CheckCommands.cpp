@@ -1,5 +1,6 @@
 #include <iostream>
 
+#include "app/CaptureCommand.h"
 #include "app/Commands.h"
 #include "app/Doctor.h"
 #include "app/OptionTable.h"
@@ -23,7 +24,10 @@ ExitCode runVerify(const fs::path& folder) {
 
 ExitCode runDoctor(const fs::path& folder) {
   bool fine = true;
-  for (const Finding& finding : examine(findResources(), folder)) {
+  std::vector<Finding> findings = examine(findResources());
+  findings.push_back(
+      diskSpace(folder, bytesNeeded(nullptr, CaptureArguments{}.maxDurationSeconds)));
+  for (const Finding& finding : findings) {
     std::cout << (finding.fine ? "ok       " : "LACKING  ") << finding.what;
     if (!finding.fine) std::cout << ": " << finding.cure;
     std::cout << '\n';

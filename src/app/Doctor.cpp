@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <system_error>
 
+#include "devices/gstreamer/FilmSettings.h"
 #include "devices/gstreamer/MediaElements.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/mrz/MrzGlyphClassifier.h"
@@ -15,6 +16,13 @@ namespace app {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr std::uintmax_t kMebibyte = 1024 * 1024;
+constexpr std::uintmax_t kLeastFreeBytes = 256 * kMebibyte;
+
+std::string inMebibytes(std::uintmax_t bytes) {
+  return std::to_string(bytes / kMebibyte) + " MiB";
+}
 
 template <class Model>
 Finding model(const fs::path& path, const tl::expected<Model, corvana::IDError>& loaded) {
@@ -48,20 +56,6 @@ Finding textModel() {
                  "tesseract-ocr-eng");
 }
 
-Finding diskSpace(const fs::path& folder) {
-  std::error_code error;
-  fs::path existing = fs::absolute(folder, error);
-  while (!fs::exists(existing, error) && existing.has_relative_path()) {
-    existing = existing.parent_path();
-  }
-  const fs::space_info space = fs::space(existing, error);
-  const bool enough = !error && space.available >= kLeastFreeBytes;
-  return {"disk space", enough,
-          enough ? ""
-                 : "less than 512 MiB are free at \"" + existing.string() +
-                       "\"; free some, or name another folder"};
-}
-
 Finding mediaPlugins() {
   std::string cure;
   for (const auto& missing : devices::missingElements()) {
@@ -74,7 +68,38 @@ Finding mediaPlugins() {
 
 }  // namespace
 
-std::vector<Finding> examine(const Resources& resources, const fs::path& folder) {
+Finding diskSpace(const fs::path& folder, std::uintmax_t bytesNeeded) {
+  std::error_code error;
+  fs::path existing = fs::absolute(folder, error);
+  while (!fs::exists(existing, error) && existing.has_relative_path()) {
+    existing = existing.parent_path();
+  }
+  const fs::space_info space = fs::space(existing, error);
+  const std::string place = "\"" + existing.string() + "\"";
+  if (error) return {"disk space", false, place + " can't be looked at: " + error.message()};
+  const bool enough = space.available >= bytesNeeded;
+  return {"disk space", enough,
+          enough ? ""
+                 : inMebibytes(space.available) + " are free at " + place + ", " +
+                       inMebibytes(bytesNeeded) +
+                       " are needed; free some, name another folder with --output, or allow less "
+                       "time with --max-duration"};
+}
+
+std::uintmax_t bytesNeeded(const platform::AVCaptureDevice* camera, double seconds) {
+  platform::WriterSettings settings;
+  const auto codecs = camera ? camera->availableVideoCodecTypes(platform::kAVFileTypeMP4)
+                             : std::vector<platform::AVVideoCodecType>{};
+  if (!codecs.empty()) {
+    camera->recommendedVideoSettings(codecs.front(), platform::kAVFileTypeMP4, settings);
+  }
+  const auto film = devices::filmFormat(settings, devices::audioSettings());
+  if (!film) return kLeastFreeBytes;  // Missing encoders are another finding.
+  const double bytes = seconds * (film->videoBitRate + film->audioBitRate) / 8;
+  return std::max(kLeastFreeBytes, static_cast<std::uintmax_t>(2 * bytes));
+}
+
+std::vector<Finding> examine(const Resources& resources) {
   const fs::path detector = resources.faceDetector();
   const fs::path landmarks = resources.faceLandmarks();
   return {embeddingModel(resources.faceModel()),
@@ -83,8 +108,7 @@ std::vector<Finding> examine(const Resources& resources, const fs::path& folder)
           mediaPlugins(),
           textModel(),
           anyFile("font OCR-B", engine::defaultOcrBFonts(), "fonts-ocr-b"),
-          speechModel(),
-          diskSpace(folder)};
+          speechModel()};
 }
 
 std::string lacks(const std::vector<Finding>& findings) {

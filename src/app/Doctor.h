@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "app/Resources.h"
+#include "platform/media/CaptureDevice.h"
 
 namespace app {
 
@@ -17,13 +19,18 @@ struct Finding {
   std::string cure;
 };
 
-/// Looks at models, media plugins, encoders, language data, fonts, and the disk space at `folder`.
-std::vector<Finding> examine(const Resources& resources, const std::filesystem::path& folder);
+/// Looks at models, media plugins, encoders, language data and fonts.
+std::vector<Finding> examine(const Resources& resources);
+
+/// Looks whether so many bytes are free at `folder`, which need not exist yet.
+Finding diskSpace(const std::filesystem::path& folder, std::uintmax_t bytesNeeded);
+
+/// What a run of so many seconds may take: the film at the bit rate that the camera recommends (the
+/// usual one when `camera` is null), twice, since a film is copied when it is completed. Never less
+/// than 256 MiB.
+std::uintmax_t bytesNeeded(const platform::AVCaptureDevice* camera, double seconds);
 
 /// The cures of all that is wrong, in one sentence; empty when nothing is.
 std::string lacks(const std::vector<Finding>& findings);
-
-/// Below this a run is refused: ten minutes of film at the usual bit rate.
-inline constexpr std::uintmax_t kLeastFreeBytes = 512ULL * 1024 * 1024;
 
 }  // namespace app

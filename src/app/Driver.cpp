@@ -23,6 +23,8 @@ class VirtualDriver final : public Driver {
     }
     return Stop::stepLimit;
   }
+  /// It asks after each event anyway.
+  void wake() override {}
   void shutDown() override { loop_.discardPending(); }
 
  private:
@@ -36,6 +38,7 @@ class RealDriver final : public Driver {
     const auto stop = loop_.runUntil(done, loop_.now() + duration);
     return stop == devices::RealRunLoop::Stop::condition ? Stop::condition : Stop::deadline;
   }
+  void wake() override { loop_.wake(); }
   void shutDown() override { loop_.shutDown(); }
 
  private:

@@ -16,6 +16,8 @@ class Driver {
   virtual platform::RunLoop& loop() = 0;
   /// Until `done` holds, `duration` has passed, or (virtual time) nothing is left to happen.
   virtual Stop run(const std::function<bool()>& done, platform::Duration duration) = 0;
+  /// Makes `run` ask `done` again; any thread.
+  virtual void wake() = 0;
   /// Destroys all that has not run, and what only that kept alive; nothing runs afterwards.
   virtual void shutDown() = 0;
 };

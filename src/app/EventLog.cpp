@@ -1,6 +1,9 @@
 #include "app/EventLog.h"
 
+#include <cerrno>
 #include <cmath>
+#include <cstring>
+#include <system_error>
 #include <utility>
 #include <variant>
 
@@ -9,6 +12,13 @@ namespace {
 
 using nlohmann::ordered_json;
 using Kind = engine::RecorderEvent::Kind;
+
+platform::Fault writeFault(const std::filesystem::path& path, int error) {
+  const bool full = error == ENOSPC || error == EDQUOT;
+  return {"The events can't be written to \"" + path.string() + "\" any more (" +
+              std::strerror(error) + "): " + (full ? "free some space." : "check folder and disk."),
+          full ? platform::FaultCause::diskFull : platform::FaultCause::folderLost};
+}
 
 /// Digits beyond these are noise to a reader and differ between CPU types.
 constexpr double kDecimals = 1e4;
@@ -40,17 +50,41 @@ const char* nameOf(Kind kind) {
 
 }  // namespace
 
-EventLog::EventLog(const platform::RunLoop& loop, const std::filesystem::path& path)
-    : loop_(loop), start_(loop.now()), file_(path, std::ios::app) {
+EventLog::EventLog(const platform::RunLoop& loop, const std::filesystem::path& path,
+                   OnFault onFault)
+    : loop_(loop),
+      start_(loop.now()),
+      path_(path),
+      onFault_(std::move(onFault)),
+      file_(path, std::ios::app) {
   std::error_code ignored;  // A file system without permissions is no reason to stop.
   std::filesystem::permissions(
       path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, ignored);
 }
 
 void EventLog::add(const std::string& event, ordered_json fields) {
+  if (broken_) return;
   ordered_json line = {{"t", rounded(platform::inSeconds(loop_.now() - start_))}, {"event", event}};
   line.update(fields);
-  file_ << line.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n' << std::flush;
+  const std::string text = line.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n";
+  errno = 0;
+  file_ << text << std::flush;
+  if (!file_) return breakOff(writeFault(path_, errno == 0 ? EIO : errno));
+  bytes_ += text.size();
+  // A file that was removed can be written, but nobody will find it.
+  std::error_code error;
+  if (std::filesystem::exists(path_, error)) return;
+  breakOff({"The run's folder \"" + path_.parent_path().string() +
+                "\" was removed, and the film with it: leave it alone until the run is over.",
+            platform::FaultCause::folderLost});
+}
+
+void EventLog::breakOff(const platform::Fault& fault) {
+  broken_ = true;
+  file_.close();
+  std::error_code ignored;  // The file may be gone altogether.
+  std::filesystem::resize_file(path_, bytes_, ignored);
+  onFault_(fault);
 }
 
 void EventLog::happened(const engine::RecorderEvent& event) {

@@ -1,22 +1,29 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
 
 #include <nlohmann/json.hpp>
 
 #include "corvana/Decision.h"
 #include "engine/recorder/RecorderObserver.h"
+#include "platform/foundation/Fault.h"
 #include "platform/foundation/RunLoop.h"
 
 namespace app {
 
 /// events.jsonl of a run: one JSON object a line, with the time since the start in seconds. Each
-/// line reaches the file at once, so that a crash loses none. Main queue.
+/// line reaches the file at once, so that a crash loses none. A line that can't be written is told,
+/// and is the end of the file: what stands there is whole. Main queue.
 class EventLog final : public engine::RecorderObserver, public corvana::DecisionObserver {
  public:
-  EventLog(const platform::RunLoop& loop, const std::filesystem::path& path);
+  using OnFault = std::function<void(const platform::Fault&)>;
+
+  /// `onFault` comes once at most, from within `add`.
+  EventLog(const platform::RunLoop& loop, const std::filesystem::path& path, OnFault onFault);
 
   /// How often the recorder was told to begin anew.
   int retries() const { return retries_; }
@@ -28,9 +35,15 @@ class EventLog final : public engine::RecorderObserver, public corvana::Decision
   static constexpr const char* kFileName = "events.jsonl";
 
  private:
+  void breakOff(const platform::Fault& fault);
+
   const platform::RunLoop& loop_;
   platform::TimePoint start_;
+  const std::filesystem::path path_;
+  const OnFault onFault_;
   std::ofstream file_;
+  std::uintmax_t bytes_ = 0;  ///< of all whole lines
+  bool broken_ = false;
   int retries_ = 0;
 };
 

@@ -14,6 +14,7 @@ class FlowEnd {
     if (!outcome_) outcome_ = std::move(outcome);
   }
   void fail(const platform::Fault& fault) { set(tl::unexpected(corvana::IDError(fault))); }
+  void cancel() { set(tl::unexpected(corvana::IDError(corvana::IDError::Strings::canceled))); }
   bool isThere() const { return outcome_.has_value(); }
   const Outcome& outcome() const { return *outcome_; }
 

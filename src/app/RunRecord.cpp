@@ -1,11 +1,8 @@
 #include "app/RunRecord.h"
 
-#include <vector>
-
 #include "app/EventLog.h"
 #include "app/OptionTable.h"
 #include "devices/gstreamer/ImageFile.h"
-#include "engine/recorder/Film.h"
 
 namespace app {
 namespace {
@@ -16,7 +13,8 @@ using nlohmann::ordered_json;
 constexpr int kFormatVersion = 1;
 constexpr std::uint64_t kMaxResultBytes = 1 << 20;
 
-ordered_json outcomeToJson(const Outcome& outcome) {
+ordered_json outcomeToJson(const RunRecord& record) {
+  const Outcome& outcome = record.outcome;
   if (!outcome) {
     const corvana::IDError& error = outcome.error();
     return {{"error",
@@ -25,7 +23,7 @@ ordered_json outcomeToJson(const Outcome& outcome) {
               {"canTryAgain", platform::canTryAgain(error.cause())}}}};
   }
   return {{"result",
-           {{"film", engine::Film::kFileName},
+           {{"film", outcome->videoURL.filename().string()},
             {"selfie", kSelfieFileName},
             {"idToSelfieMatch", outcome->idToSelfieMatch},
             {"idToIdPhotoMatch", outcome->idToIdPhotoMatch},
@@ -35,9 +33,9 @@ ordered_json outcomeToJson(const Outcome& outcome) {
 
 ordered_json recordingToJson(const RunRecord& record) {
   const platform::AssetWriterCounters& counters = record.recording;
-  return {{"framesReceived", counters.videoFramesReceived},
+  return {{"framesCaptured", record.framesCaptured},
           {"framesWritten", counters.videoFramesWritten},
-          {"framesDropped", counters.videoFramesDropped},
+          {"framesDropped", record.framesCaptured - counters.videoFramesWritten},
           {"framesLate", counters.videoFramesLate},
           {"audioBuffersReceived", counters.audioBuffersReceived},
           {"seconds", counters.secondsWritten},
@@ -45,9 +43,11 @@ ordered_json recordingToJson(const RunRecord& record) {
           {"runs", record.runs}};
 }
 
-Expected<void> writeSelfie(const corvana::Selfie& selfie, const fs::path& folder) {
-  if (!selfie.image || !selfie.image->pixels()) return {};
-  return devices::writePng(folder / kSelfieFileName, *selfie.image->pixels());
+Expected<void> writeSelfie(const Outcome& outcome, const fs::path& folder) {
+  if (!outcome) return {};
+  const auto& image = outcome->selfie.image;
+  if (!image || !image->pixels()) return {};
+  return devices::writePng(folder / kSelfieFileName, *image->pixels());
 }
 
 Expected<ordered_json> hashesOf(const std::vector<fs::path>& files) {
@@ -61,31 +61,44 @@ Expected<ordered_json> hashesOf(const std::vector<fs::path>& files) {
   return hashes;
 }
 
-}  // namespace
-
-Expected<ordered_json> writeRunRecord(const RunRecord& record, const Resources& resources,
-                                      const fs::path& folder) {
-  if (record.outcome) {
-    if (auto written = writeSelfie(record.outcome->selfie, folder); !written) {
-      return tl::unexpected(written.error());
-    }
-  }
+ordered_json recordToJson(const RunRecord& record) {
   ordered_json object = {{"formatVersion", kFormatVersion}};
-  object.update(outcomeToJson(record.outcome));
+  object.update(outcomeToJson(record));
   object["recording"] = recordingToJson(record);
   object["options"] = currentOptions();
   object["program"] = {{"name", "videoid"}, {"version", CORVANA_VERSION}};
-  auto models = hashesOf(resources.models());
-  if (!models) return tl::unexpected(models.error());
-  object["models"] = std::move(*models);
-  auto files = hashesOf({folder / engine::Film::kFileName, folder / engine::Film::kPartialFileName,
-                         folder / kSelfieFileName, folder / EventLog::kFileName});
-  if (!files) return tl::unexpected(files.error());
-  object["sha256"] = std::move(*files);
-  if (auto written = writeFile(folder / kResultFileName, object.dump(2) + "\n"); !written) {
-    return tl::unexpected(written.error());
-  }
   return object;
+}
+
+std::vector<fs::path> filesOf(const RunRecord& record, const fs::path& folder) {
+  std::vector<fs::path> files;
+  for (const std::string& film : record.films)
+    files.push_back(folder / film);
+  files.insert(files.end(), {folder / kSelfieFileName, folder / EventLog::kFileName});
+  return files;
+}
+
+Expected<void> addHashes(const std::string& key, const std::vector<fs::path>& files,
+                         ordered_json& object) {
+  auto hashes = hashesOf(files);
+  if (!hashes) return tl::unexpected(hashes.error());
+  object[key] = std::move(*hashes);
+  return {};
+}
+
+}  // namespace
+
+WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources,
+                             const fs::path& folder) {
+  WrittenRecord result{recordToJson(record), {}};
+  const auto written =
+      writeSelfie(record.outcome, folder)
+          .and_then([&] { return addHashes("models", resources.models(), result.content); })
+          .and_then([&] { return addHashes("sha256", filesOf(record, folder), result.content); })
+          .and_then(
+              [&] { return writeFile(folder / kResultFileName, result.content.dump(2) + "\n"); });
+  if (!written) result.fault = written.error();
+  return result;
 }
 
 Expected<std::vector<std::string>> verifyRun(const fs::path& folder) {

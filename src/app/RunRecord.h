@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 #include <tl/expected.hpp>
@@ -20,17 +22,25 @@ using Outcome = tl::expected<capture::VideoIdResult, corvana::IDError>;
 /// the files together. docs/result.schema.json gives its shape.
 struct RunRecord {
   Outcome outcome;
-  platform::AssetWriterCounters recording;
-  int runs = 1;  ///< how often the flow began: once more than it was retried
+  platform::AssetWriterCounters recording;  ///< as `engine::Film` counts
+  /// What the camera took while a film was open, in the films or not.
+  std::uint64_t framesCaptured = 0;
+  std::vector<std::string> films;  ///< names of files that may be there
+  int runs = 1;                    ///< how often the flow began: once more than it was retried
 };
 
 inline constexpr const char* kResultFileName = "result.json";
 inline constexpr const char* kSelfieFileName = "selfie.png";
 
-/// Writes the selfie and result.json and returns the latter's content. The film and the events must
-/// be closed.
-Expected<nlohmann::ordered_json> writeRunRecord(const RunRecord& record, const Resources& resources,
-                                                const std::filesystem::path& folder);
+/// What is in result.json, or would be.
+struct WrittenRecord {
+  nlohmann::ordered_json content;
+  std::string fault;  ///< why a file could not be written; empty when all are
+};
+
+/// Writes the selfie and result.json. The film and the events must be closed.
+WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources,
+                             const std::filesystem::path& folder);
 
 /// Compares the files of a run's folder with the hashes in its result.json; the names of the files
 /// that are as they were. The error names the first that differs or is missing.

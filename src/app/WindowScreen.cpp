@@ -18,6 +18,7 @@ class WindowDriver final : public Driver {
     const auto stop = loop_.runUntil(done, loop_.now() + duration);
     return stop == devices::QtRunLoop::Stop::condition ? Stop::condition : Stop::deadline;
   }
+  void wake() override { loop_.wake(); }
   void shutDown() override { loop_.shutDown(); }
 
  private:

@@ -164,8 +164,9 @@ class StallingLoop final : public platform::RunLoop {
   platform::DispatchQueue& globalQueue(platform::QualityOfService qos) override {
     return inner.globalQueue(qos);
   }
-  std::shared_ptr<platform::DispatchQueue> makeSerialQueue(const std::string& label) override {
-    return inner.makeSerialQueue(label);
+  std::shared_ptr<platform::DispatchQueue> makeSerialQueue(
+      const std::string& label, platform::QualityOfService qos) override {
+    return inner.makeSerialQueue(label, qos);
   }
   std::shared_ptr<platform::Timer> scheduledTimer(Duration interval, bool repeats,
                                                   platform::Block block) override {

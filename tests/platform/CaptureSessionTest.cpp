@@ -47,4 +47,32 @@ TEST(CaptureSession, StopsADeviceOnlyWhenItHasStarted) {
   EXPECT_FALSE(session.isRunning());
 }
 
+// A delegate that stands still must not fill the memory with pictures.
+TEST(CaptureSession, DropsAndCountsWhatADelegateThatFellBehindCannotTake) {
+  struct Delegate final : platform::AVCaptureSampleBufferDelegate {
+    void captureOutput(platform::AVCaptureOutput&, const platform::CMSampleBufferRef&) override {
+      ++samples;
+    }
+    int samples = 0;
+  };
+  platform::VirtualRunLoop loop;
+  const auto camera =
+      std::make_shared<devices::ScriptedCaptureDevice>(platform::AVMediaType::video);
+  const auto output = std::make_shared<platform::AVCaptureVideoDataOutput>(loop);
+  const auto delegate = std::make_shared<Delegate>();
+  output->setSampleBufferDelegate(
+      delegate, loop.makeSerialQueue("capture", platform::QualityOfService::userInitiated));
+  platform::AVCaptureSession session;
+  session.addInput(*platform::AVCaptureDeviceInput::make(camera));
+  session.addOutput(output);
+  session.startRunning();
+  for (int round = 1; round <= 2; ++round) {
+    for (int i = 0; i < 40; ++i)
+      camera->push(std::make_shared<platform::CMSampleBuffer>());
+    loop.advance(platform::seconds(0));
+    EXPECT_EQ(delegate->samples, round * 30);
+    EXPECT_EQ(output->samplesDropped(), static_cast<std::uint64_t>(round) * 10);
+  }
+}
+
 }  // namespace

@@ -6,11 +6,24 @@
 #include <mutex>
 #include <utility>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 namespace devices {
 
 using platform::Block;
 using platform::Duration;
+using platform::QualityOfService;
 using platform::TimePoint;
+
+namespace {
+
+/// As many as there are kinds of such work: looking and listening.
+constexpr int kUtilityWorkers = 2;
+/// Leaves a busy core's time to encoders at a tenth for itself.
+constexpr int kUtilityNiceness = 10;
+
+}  // namespace
 
 class RealRunLoop::TimelineQueue final : public platform::DispatchQueue {
  public:
@@ -113,32 +126,44 @@ class RealRunLoop::MainTimer final : public platform::Timer,
 RealRunLoop::RealRunLoop(int workers)
     : main_(std::chrono::steady_clock::now()),
       shared_(main_.origin()),
+      utility_(main_.origin()),
       device_(main_.origin()),
       mainQueue_(std::make_unique<TimelineQueue>(main_)),
-      globalQueue_(std::make_unique<TimelineQueue>(shared_)) {
+      globalQueue_(std::make_unique<TimelineQueue>(shared_)),
+      utilityQueue_(std::make_unique<TimelineQueue>(utility_)) {
   startThread(device_);
   for (int i = 0; i < std::max(workers, 1); ++i)
     startThread(shared_);
+  for (int i = 0; i < kUtilityWorkers; ++i)
+    startThread(utility_, kUtilityNiceness);
 }
 
 RealRunLoop::~RealRunLoop() {
   shutDown();
 }
 
-void RealRunLoop::startThread(BlockTimeline& timeline) {
-  threads_.emplace_back([&timeline] {
+BlockTimeline& RealRunLoop::workersFor(QualityOfService qos) {
+  const bool yields = qos == QualityOfService::utility || qos == QualityOfService::background;
+  return yields ? utility_ : shared_;
+}
+
+void RealRunLoop::startThread(BlockTimeline& timeline, int niceness) {
+  threads_.emplace_back([&timeline, niceness] {
+    // The kernel takes a thread for a process here. Without leave for it all stays as it was.
+    if (niceness != 0) setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), niceness);
     while (!timeline.isClosed()) {
       if (const Block block = timeline.take(TimePoint::max())) block();
     }
   });
 }
 
-platform::DispatchQueue& RealRunLoop::globalQueue(platform::QualityOfService) {
-  return *globalQueue_;
+platform::DispatchQueue& RealRunLoop::globalQueue(QualityOfService qos) {
+  return &workersFor(qos) == &utility_ ? *utilityQueue_ : *globalQueue_;
 }
 
-std::shared_ptr<platform::DispatchQueue> RealRunLoop::makeSerialQueue(const std::string&) {
-  auto queue = std::make_shared<SerialQueue>(shared_);
+std::shared_ptr<platform::DispatchQueue> RealRunLoop::makeSerialQueue(const std::string&,
+                                                                      QualityOfService qos) {
+  auto queue = std::make_shared<SerialQueue>(workersFor(qos));
   std::erase_if(serialQueues_, [](const auto& other) { return other.expired(); });
   serialQueues_.push_back(queue);
   return queue;
@@ -176,6 +201,7 @@ bool RealRunLoop::runOneDue() {
 
 void RealRunLoop::shutDown() {
   shared_.close();
+  utility_.close();
   device_.close();
   for (std::thread& thread : threads_)
     thread.join();
@@ -189,6 +215,7 @@ void RealRunLoop::shutDown() {
   while (any) {
     any = device_.clear();
     any = shared_.clear() || any;
+    any = utility_.clear() || any;
     any = main_.clear() || any;
     // What waits in a queue often owns the queue.
     for (const auto& weak : serialQueues_) {

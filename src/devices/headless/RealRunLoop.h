@@ -13,8 +13,9 @@
 namespace devices {
 
 /// The plain loop on the wall clock for runs without a window. The thread that calls `runUntil` is
-/// the main queue; it makes and destroys the loop, too. Devices get a thread of their own, all
-/// other queues share a few workers.
+/// the main queue; it makes and destroys the loop, too. Devices get a thread of their own. Queues
+/// of utility work and below share workers of lower CPU priority, all others share the rest: on a
+/// machine that cannot keep up the former wait for the latter.
 class RealRunLoop final : public platform::RunLoop {
  public:
   enum class Stop { condition, deadline };
@@ -26,7 +27,8 @@ class RealRunLoop final : public platform::RunLoop {
   platform::TimePoint now() const override { return main_.now(); }
   platform::DispatchQueue& mainQueue() override { return *mainQueue_; }
   platform::DispatchQueue& globalQueue(platform::QualityOfService qos) override;
-  std::shared_ptr<platform::DispatchQueue> makeSerialQueue(const std::string& label) override;
+  std::shared_ptr<platform::DispatchQueue> makeSerialQueue(const std::string& label,
+                                                           platform::QualityOfService qos) override;
   std::shared_ptr<platform::Timer> scheduledTimer(platform::Duration interval, bool repeats,
                                                   platform::Block block) override;
   void scheduleDevice(platform::TimePoint time, platform::EventClass eventClass,
@@ -56,13 +58,16 @@ class RealRunLoop final : public platform::RunLoop {
   class SerialQueue;
   class MainTimer;
 
-  void startThread(BlockTimeline& timeline);
+  BlockTimeline& workersFor(platform::QualityOfService qos);
+  void startThread(BlockTimeline& timeline, int niceness = 0);
 
   BlockTimeline main_;
   BlockTimeline shared_;
+  BlockTimeline utility_;
   BlockTimeline device_;
   std::unique_ptr<platform::DispatchQueue> mainQueue_;
   std::unique_ptr<platform::DispatchQueue> globalQueue_;
+  std::unique_ptr<platform::DispatchQueue> utilityQueue_;
   std::vector<std::thread> threads_;
   std::vector<std::weak_ptr<platform::Timer>> timers_;    ///< main thread only
   std::vector<std::weak_ptr<SerialQueue>> serialQueues_;  ///< main thread only

@@ -102,6 +102,10 @@ QtRunLoop::Stop QtRunLoop::runUntil(const std::function<bool()>& done, TimePoint
   return pump_->run(done, deadline);
 }
 
+void QtRunLoop::wake() {
+  pump_->ask();
+}
+
 void QtRunLoop::shutDown() {
   plain_.shutDown();
 }

@@ -25,8 +25,9 @@ class QtRunLoop final : public platform::RunLoop {
   platform::DispatchQueue& globalQueue(platform::QualityOfService qos) override {
     return plain_.globalQueue(qos);
   }
-  std::shared_ptr<platform::DispatchQueue> makeSerialQueue(const std::string& label) override {
-    return plain_.makeSerialQueue(label);
+  std::shared_ptr<platform::DispatchQueue> makeSerialQueue(
+      const std::string& label, platform::QualityOfService qos) override {
+    return plain_.makeSerialQueue(label, qos);
   }
   std::shared_ptr<platform::Timer> scheduledTimer(platform::Duration interval, bool repeats,
                                                   platform::Block block) override {
@@ -40,6 +41,8 @@ class QtRunLoop final : public platform::RunLoop {
 
   /// Runs the event loop until `done` holds (asked after each turn) or `deadline` has come.
   Stop runUntil(const std::function<bool()>& done, platform::TimePoint deadline);
+  /// Makes `runUntil` ask `done` again; any thread.
+  void wake();
   /// As that of the plain loop.
   void shutDown();
 

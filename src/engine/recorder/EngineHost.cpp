@@ -8,6 +8,7 @@ std::shared_ptr<corvana::CaptureSession> EngineHost::makeCaptureSession(corvana:
   auto session = corvana::CaptureSession::make(
       setup_.loop, setup_.mediaDevices.defaultDevice(platform::AVMediaType::video));
   captureSession_ = session;
+  pictures_ = session->videoDataOutput().shared_from_this();
   return session;
 }
 
@@ -15,10 +16,11 @@ std::shared_ptr<corvana::VideoCapture> EngineHost::makeVideoCapture(
     const platform::CGRect& selfieOverlayFrame, const platform::CGRect& idOverlayFrame,
     const std::optional<platform::WriterSettings>& videoSettings,
     const std::optional<platform::WriterSettings>& audioSettings) {
-  auto film = Film::make(setup_.loop, setup_.assetWriterFactory,
-                         {setup_.folder, setup_.keepFailedRuns, videoSettings, audioSettings});
+  auto film = Film::make(
+      setup_.loop, setup_.assetWriterFactory,
+      {setup_.folder, setup_.keepFailedRuns, videoSettings, audioSettings, setup_.onFilmFault});
   if (!film) {
-    fault_ = film.error();
+    if (setup_.onFilmFault) setup_.onFilmFault(film.error());
     return nullptr;
   }
   film_ = std::move(*film);

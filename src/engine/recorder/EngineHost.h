@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,7 +16,7 @@
 namespace engine {
 
 /// The reference host: recorders that see, read and hear for themselves. Main queue; one flow at a
-/// time, since films of one folder share their names.
+/// time, since analyzer and recognizer are shared.
 class EngineHost final : public corvana::HostFactories {
  public:
   struct Setup {
@@ -30,6 +32,8 @@ class EngineHost final : public corvana::HostFactories {
     bool keepFailedRuns = false;
     platform::CGSize screenSize;
     RecorderObserver* observer = nullptr;
+    /// Told on the main queue that no film can be recorded, or no further; may be empty.
+    std::function<void(const platform::Fault&)> onFilmFault = {};
   };
 
   explicit EngineHost(Setup setup) : setup_(std::move(setup)) {}
@@ -41,16 +45,16 @@ class EngineHost final : public corvana::HostFactories {
       const std::optional<platform::WriterSettings>& videoSettings,
       const std::optional<platform::WriterSettings>& audioSettings) override;
 
-  /// Why the last recorder could not be made.
-  const std::optional<platform::Fault>& fault() const { return fault_; }
   /// Of the last recorder; null before. It outlives the recorder, so that its end can be awaited.
   const std::shared_ptr<Film>& film() const { return film_; }
+  /// Pictures of the last session that the recorder was too busy to take.
+  std::uint64_t framesDropped() const { return pictures_ ? pictures_->samplesDropped() : 0; }
 
  private:
   Setup setup_;
   std::weak_ptr<corvana::CaptureSession> captureSession_;
+  std::shared_ptr<platform::AVCaptureOutput> pictures_;
   std::shared_ptr<Film> film_;
-  std::optional<platform::Fault> fault_;
 };
 
 }  // namespace engine

@@ -1,29 +1,60 @@
 #include "engine/recorder/Film.h"
 
+#include <algorithm>
 #include <system_error>
 #include <utility>
 
 namespace engine {
+namespace {
 
+namespace fs = std::filesystem;
 using corvana::IDError;
+using platform::AssetWriterCounters;
 using platform::CMSampleBufferRef;
+using platform::Fault;
+
+bool holdsFilesOf(const std::string& stem, const fs::path& folder) {
+  std::error_code ignored;  // A folder that can't be read is the writer's to complain of.
+  return std::ranges::any_of(fs::directory_iterator(folder, ignored), [&](const auto& entry) {
+    return entry.path().filename().string().starts_with(stem + ".");
+  });
+}
+
+std::string freeStem(const fs::path& folder) {
+  std::string stem = "film";
+  for (int number = 2; holdsFilesOf(stem, folder); ++number)
+    stem = "film" + std::to_string(number);
+  return stem;
+}
+
+AssetWriterCounters sum(const AssetWriterCounters& films, AssetWriterCounters last) {
+  last.videoFramesReceived += films.videoFramesReceived;
+  last.videoFramesWritten += films.videoFramesWritten;
+  last.videoFramesDropped += films.videoFramesDropped;
+  last.videoFramesLate += films.videoFramesLate;
+  last.audioBuffersReceived += films.audioBuffersReceived;
+  return last;
+}
+
+}  // namespace
 
 Film::Film(platform::RunLoop& loop, platform::AssetWriterFactory& factory, FilmSettings settings)
     : loop_(loop),
       factory_(factory),
       settings_(std::move(settings)),
+      stem_(freeStem(settings_.folder)),
       queue_(loop.makeSerialQueue("FilmQueue")) {}
 
-tl::expected<std::shared_ptr<Film>, platform::Fault> Film::make(
-    platform::RunLoop& loop, platform::AssetWriterFactory& factory, FilmSettings settings) {
+tl::expected<std::shared_ptr<Film>, Fault> Film::make(platform::RunLoop& loop,
+                                                      platform::AssetWriterFactory& factory,
+                                                      FilmSettings settings) {
   std::shared_ptr<Film> film(new Film(loop, factory, std::move(settings)));
   if (auto error = film->open()) return tl::unexpected(std::move(*error));
   return film;
 }
 
-std::optional<platform::Fault> Film::open() {
-  auto writer =
-      factory_.make(settings_.folder / kPartialFileName, settings_.video, settings_.audio);
+std::optional<Fault> Film::open() {
+  auto writer = factory_.make(partial(), settings_.video, settings_.audio);
   if (!writer) {
     outcome_ = tl::unexpected(IDError(writer.error()));
     return writer.error();
@@ -44,30 +75,51 @@ Film::Writer Film::takeWriter() {
 }
 
 void Film::writeVideo(const CMSampleBufferRef& sample) {
-  if (const Writer writer = currentWriter()) writer->appendVideo(sample);
+  const Writer writer = currentWriter();
+  if (writer && !writer->appendVideo(sample)) tellFaultOf(writer);
 }
 
 void Film::writeAudio(const CMSampleBufferRef& sample) {
-  if (const Writer writer = currentWriter()) writer->appendAudio(sample);
+  const Writer writer = currentWriter();
+  if (writer && !writer->appendAudio(sample)) tellFaultOf(writer);
+}
+
+int Film::framesWaiting() const {
+  const Writer writer = currentWriter();
+  return writer ? writer->framesWaiting() : 0;
+}
+
+void Film::tellFaultOf(const Writer& writer) {
+  const auto fault = writer->fault();
+  // The answer of a stop or the next film speaks for one that was closed meanwhile.
+  if (fault && writer == currentWriter()) tell(*fault);
+}
+
+void Film::tell(const Fault& fault) {
+  loop_.mainQueue().async([self = shared_from_this(), fault] {
+    if (std::exchange(self->faultTold_, true)) return;
+    if (self->settings_.onFault) self->settings_.onFault(fault);
+  });
+}
+
+tl::expected<void, Fault> Film::close(platform::AssetWriter& writer) {
+  const auto finished = writer.finish();
+  const std::lock_guard lock(mutex_);
+  counters_ = sum(counters_, writer.counters());
+  return finished;
 }
 
 Film::Outcome Film::finish(platform::AssetWriter& writer) {
-  const auto finished = writer.finish();
-  {
-    const std::lock_guard lock(mutex_);
-    counters_ = writer.counters();
-  }
-  if (!finished) return tl::unexpected(IDError(finished.error()));
+  if (const auto closed = close(writer); !closed) return tl::unexpected(IDError(closed.error()));
   std::error_code error;
-  const auto film = settings_.folder / kFileName;
-  std::filesystem::rename(settings_.folder / kPartialFileName, film, error);
+  fs::rename(partial(), complete(), error);
   if (error) {
     return tl::unexpected(
-        IDError(platform::Fault{"The film could not be given its name in \"" +
-                                    settings_.folder.string() + "\": " + error.message() + ".",
-                                platform::FaultCause::folderLost}));
+        IDError(Fault{"The film could not be given its name in \"" + settings_.folder.string() +
+                          "\": " + error.message() + "; check the folder.",
+                      platform::FaultCause::folderLost}));
   }
-  return film;
+  return complete();
 }
 
 void Film::stop(corvana::VideoCapture::StopCompletion completion) {
@@ -84,23 +136,26 @@ void Film::stop(corvana::VideoCapture::StopCompletion completion) {
 
 void Film::putFailedRunAway() {
   ++failedRuns_;
-  std::error_code ignored;  // Neither file need be there.
-  for (const char* name : {kFileName, kPartialFileName}) {
-    const auto film = settings_.folder / name;
+  const std::string kept = stem_ + ".run" + std::to_string(failedRuns_) + ".mp4";
+  std::error_code error;
+  for (const auto& film : {complete(), partial()}) {
+    if (!fs::exists(film, error)) continue;
     if (settings_.keepFailedRuns) {
-      const auto kept = "film.run" + std::to_string(failedRuns_) + ".mp4";
-      std::filesystem::rename(film, settings_.folder / kept, ignored);
+      fs::rename(film, settings_.folder / kept, error);
     } else {
-      std::filesystem::remove(film, ignored);
+      fs::remove(film, error);
     }
   }
+  if (!settings_.keepFailedRuns) return;
+  const std::lock_guard lock(mutex_);
+  keptRuns_.push_back(kept);
 }
 
 void Film::restart() {
   queue_->async([self = shared_from_this(), writer = takeWriter()] {
     if (writer) self->finish(*writer);
     self->putFailedRunAway();
-    self->open();
+    if (const auto fault = self->open()) self->tell(*fault);
   });
 }
 
@@ -108,18 +163,22 @@ void Film::abandon(platform::Block completion) {
   // The queue's block owns the writer: closing a file takes time, and the caller may be going.
   queue_->async(
       [self = shared_from_this(), writer = takeWriter(), completion = std::move(completion)] {
-        if (writer) {
-          writer->finish();
-          const std::lock_guard lock(self->mutex_);
-          self->counters_ = writer->counters();
-        }
+        if (writer) self->close(*writer);
         if (completion) self->loop_.mainQueue().async(completion);
       });
 }
 
-platform::AssetWriterCounters Film::counters() const {
+AssetWriterCounters Film::counters() const {
   const std::lock_guard lock(mutex_);
-  return writer_ ? writer_->counters() : counters_;
+  return writer_ ? sum(counters_, writer_->counters()) : counters_;
+}
+
+std::vector<std::string> Film::fileNames() const {
+  const std::lock_guard lock(mutex_);
+  std::vector<std::string> names = keptRuns_;
+  names.push_back(complete().filename().string());
+  names.push_back(partial().filename().string());
+  return names;
 }
 
 }  // namespace engine

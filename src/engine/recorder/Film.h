@@ -1,11 +1,12 @@
 #pragma once
 
-#include <atomic>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "corvana/VideoCapture.h"
 #include "platform/foundation/RunLoop.h"
@@ -15,24 +16,28 @@ namespace engine {
 
 struct FilmSettings {
   /// Folder of the run; the film is recorded there as film.partial.mp4 and called film.mp4 when it
-  /// is complete.
+  /// is complete. Where files of these names lie already, it is film2 and so on.
   std::filesystem::path folder;
   /// Keep the films of failed runs as film.run1.mp4 and so on, instead of removing them.
   bool keepFailedRuns = false;
   std::optional<platform::WriterSettings> video;
   std::optional<platform::WriterSettings> audio;
+  /// Told once, on the main queue, that no film can be recorded any further; may be empty.
+  std::function<void(const platform::Fault&)> onFault;
 };
 
 /// The films of one flow: one is open at most. Opening and closing is main-queue work that goes on
 /// on a queue of its own; samples come on the capture queues.
 class Film final : public corvana::VideoWriter, public std::enable_shared_from_this<Film> {
  public:
-  /// Opens the first film at once.
+  /// Opens the first film at once; its fault is the answer, and not told to `onFault`.
   static tl::expected<std::shared_ptr<Film>, platform::Fault> make(
       platform::RunLoop& loop, platform::AssetWriterFactory& factory, FilmSettings settings);
 
   void writeVideo(const platform::CMSampleBufferRef& sample);
   void writeAudio(const platform::CMSampleBufferRef& sample) override;
+  /// Pictures that the encoder has not taken yet. Any thread.
+  int framesWaiting() const;
 
   /// Ends the open film; the completion (may be null) comes on the main queue with film.mp4 or the
   /// error. Without an open film it comes with the answer of the last stop.
@@ -46,29 +51,38 @@ class Film final : public corvana::VideoWriter, public std::enable_shared_from_t
   /// null) comes on the main queue when no film is open any more.
   void abandon(platform::Block completion = nullptr);
 
+  /// Frames and buffers of all films of the flow; the seconds are those of the last one.
   platform::AssetWriterCounters counters() const;
-
-  static constexpr const char* kFileName = "film.mp4";
-  static constexpr const char* kPartialFileName = "film.partial.mp4";
+  /// The names that its films were given, in the order of the runs; a file of such a name need not
+  /// be there.
+  std::vector<std::string> fileNames() const;
 
  private:
   using Outcome = tl::expected<corvana::FileURL, corvana::IDError>;
   using Writer = std::shared_ptr<platform::AssetWriter>;
 
   Film(platform::RunLoop& loop, platform::AssetWriterFactory& factory, FilmSettings settings);
+  std::filesystem::path complete() const { return settings_.folder / (stem_ + ".mp4"); }
+  std::filesystem::path partial() const { return settings_.folder / (stem_ + ".partial.mp4"); }
   std::optional<platform::Fault> open();
   Writer takeWriter();
   Writer currentWriter() const;
+  tl::expected<void, platform::Fault> close(platform::AssetWriter& writer);
   Outcome finish(platform::AssetWriter& writer);
   void putFailedRunAway();
+  void tellFaultOf(const Writer& writer);
+  void tell(const platform::Fault& fault);
 
   platform::RunLoop& loop_;
   platform::AssetWriterFactory& factory_;
-  FilmSettings settings_;
+  const FilmSettings settings_;
+  const std::string stem_;
   std::shared_ptr<platform::DispatchQueue> queue_;
   mutable std::mutex mutex_;
   Writer writer_;                           // guarded by mutex_
-  platform::AssetWriterCounters counters_;  // of the last closed film; guarded by mutex_
+  platform::AssetWriterCounters counters_;  // of the closed films; guarded by mutex_
+  std::vector<std::string> keptRuns_;       // guarded by mutex_
+  bool faultTold_ = false;                  // main queue
   Outcome outcome_ = tl::unexpected(corvana::IDError("No film was recorded."));  // film queue
   int stopsUnderWay_ = 0;                                                        // main queue
   int failedRuns_ = 0;                                                           // film queue

@@ -19,7 +19,8 @@ using Kind = RecorderEvent::Kind;
 
 std::shared_ptr<Recorder> Recorder::make(Setup setup) {
   std::shared_ptr<Recorder> recorder(new Recorder(std::move(setup)));
-  recorder->analysisQueue_ = recorder->setup_.loop.makeSerialQueue("AnalysisQueue");
+  recorder->analysisQueue_ =
+      recorder->setup_.loop.makeSerialQueue("AnalysisQueue", platform::QualityOfService::utility);
   recorder->active_ = true;
   recorder->enter(VideoCaptureMode::selfieCapture);
   return recorder;
@@ -118,9 +119,15 @@ void Recorder::typeMismatch() {
   note({Kind::call, "typeMismatch", {}});
 }
 
+bool Recorder::filmIsBehind() {
+  const int waiting = setup_.film->framesWaiting();
+  yielding_ = waiting > (yielding_ ? kFramesWaitingWhenDrained : kMostFramesWaiting);
+  return yielding_;
+}
+
 std::optional<AnalysisTask> Recorder::taskFor(const CMSampleBuffer& sample) {
   if (nextAnalysis_ && sample.presentationTime < *nextAnalysis_) return {};
-  if (analyzing_) return {};
+  if (analyzing_ || filmIsBehind()) return {};
   std::optional<AnalysisTask> task;
   {
     const std::lock_guard lock(taskMutex_);
@@ -137,7 +144,10 @@ void Recorder::capturedVideo(const CMSampleBufferRef& sample) {
   const auto task = taskFor(*sample);
   if (!task) return;
   const auto deliver = [weak = weak_from_this()](const Observation& observation) {
-    if (const auto self = weak.lock()) self->observe(observation);
+    const auto self = weak.lock();
+    if (!self) return;
+    self->analyzing_ = false;
+    self->observe(observation);
   };
   if (setup_.loop.isVirtual()) {
     setup_.loop.mainQueue().asyncAfter(
@@ -146,14 +156,9 @@ void Recorder::capturedVideo(const CMSampleBufferRef& sample) {
     return;
   }
   analyzing_ = true;
-  analysisQueue_->async([weak = weak_from_this(), analyzer = setup_.analyzer, sample, task, deliver,
-                         &loop = setup_.loop] {
+  analysisQueue_->async([analyzer = setup_.analyzer, sample, task, deliver, &loop = setup_.loop] {
     auto observation = std::make_shared<Observation>(analyzer->analyze(sample, *task));
     loop.mainQueue().async([deliver, observation] { deliver(*observation); });
-    if (auto self = weak.lock()) {
-      self->analyzing_ = false;
-      platform::releaseOnMain(loop, std::move(self));
-    }
   });
 }
 

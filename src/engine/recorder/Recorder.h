@@ -51,6 +51,10 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   /// Ten looks a second at 30 frames a second: a little less than three frames, so that a frame
   /// that comes a hair early is not passed over.
   static constexpr platform::Duration kAnalysisInterval = std::chrono::milliseconds(90);
+  /// With more than a second of pictures in front of the encoder nothing is looked at, until no
+  /// more than a tenth is left: the film comes first. In virtual time no film lets so many wait.
+  static constexpr int kMostFramesWaiting = 30;
+  static constexpr int kFramesWaitingWhenDrained = 3;
   /// In virtual time an observation arrives this long after its frame, about as late as on the wall
   /// clock of the machines that this was built on.
   static constexpr platform::Duration kVirtualLatency = std::chrono::milliseconds(60);
@@ -65,6 +69,7 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
  private:
   explicit Recorder(Setup setup) : setup_(std::move(setup)) {}
 
+  bool filmIsBehind();
   std::optional<AnalysisTask> taskFor(const platform::CMSampleBuffer& sample);
   void publishTask();
   void enter(corvana::VideoCaptureMode mode);
@@ -95,6 +100,7 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
 
   // Capture queue.
   std::optional<platform::TimePoint> nextAnalysis_;
+  bool yielding_ = false;  ///< no look is taken until the film has caught up
 
   std::shared_ptr<platform::DispatchQueue> analysisQueue_;
   std::atomic<bool> analyzing_ = false;

@@ -117,7 +117,7 @@ class PocketSphinxRecognizer::Worker {
 
 PocketSphinxRecognizer::PocketSphinxRecognizer(platform::RunLoop& loop, SpeechModelPaths paths)
     : paths_(std::move(paths)),
-      queue_(loop.makeSerialQueue("SpeechRecognizerQueue")),
+      queue_(loop.makeSerialQueue("SpeechRecognizerQueue", platform::QualityOfService::utility)),
       listener_(std::make_shared<Listener>(loop)),
       worker_(std::make_shared<Worker>(loop, paths_, listener_)) {}
 

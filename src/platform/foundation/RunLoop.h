@@ -50,8 +50,9 @@ class RunLoop {
   /// For work that may take long.
   virtual DispatchQueue& globalQueue(QualityOfService qos) = 0;
   /// Main queue only; never null. Blocks that wait in it run also when nobody else holds the queue
-  /// any more.
-  virtual std::shared_ptr<DispatchQueue> makeSerialQueue(const std::string& label) = 0;
+  /// any more. What may yield to the recording of a film says so by `qos`.
+  virtual std::shared_ptr<DispatchQueue> makeSerialQueue(
+      const std::string& label, QualityOfService qos = QualityOfService::userInitiated) = 0;
   /// Main queue only; fires first after one interval. A one-shot timer is invalid once its block
   /// has begun.
   virtual std::shared_ptr<Timer> scheduledTimer(Duration interval, bool repeats, Block block) = 0;

@@ -71,7 +71,8 @@ DispatchQueue& VirtualRunLoop::globalQueue(QualityOfService) {
   return *queue_;
 }
 
-std::shared_ptr<DispatchQueue> VirtualRunLoop::makeSerialQueue(const std::string&) {
+std::shared_ptr<DispatchQueue> VirtualRunLoop::makeSerialQueue(const std::string&,
+                                                               QualityOfService) {
   return queue_;
 }
 

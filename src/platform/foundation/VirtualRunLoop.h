@@ -22,7 +22,8 @@ class VirtualRunLoop final : public RunLoop {
   TimePoint now() const override { return now_; }
   DispatchQueue& mainQueue() override;
   DispatchQueue& globalQueue(QualityOfService qos) override;
-  std::shared_ptr<DispatchQueue> makeSerialQueue(const std::string& label) override;
+  std::shared_ptr<DispatchQueue> makeSerialQueue(const std::string& label,
+                                                 QualityOfService qos) override;
   std::shared_ptr<Timer> scheduledTimer(Duration interval, bool repeats, Block block) override;
   void scheduleDevice(TimePoint time, EventClass eventClass, Block block) override;
   bool isVirtual() const override { return true; }

@@ -20,7 +20,14 @@ bool AVCaptureOutput::hasSampleBufferDelegate() const {
 
 void AVCaptureOutput::deliver(CMSampleBufferRef sample) {
   if (!queue_) return;
+  const int most = mediaType_ == AVMediaType::video ? kMostPicturesWaiting : kMostSoundsWaiting;
+  if (waiting_ >= most) {
+    ++dropped_;
+    return;
+  }
+  ++waiting_;
   queue_->async([self = shared_from_this(), sample = std::move(sample)] {
+    --self->waiting_;
     callDelegate(self->loop_, self->delegate_,
                  [&](auto& delegate) { delegate.captureOutput(*self, sample); });
   });

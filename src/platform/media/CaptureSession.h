@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -21,7 +22,8 @@ class AVCaptureSampleBufferDelegate {
   virtual void captureOutput(AVCaptureOutput& output, const CMSampleBufferRef& sampleBuffer) = 0;
 };
 
-/// An output hands each sample to its delegate (held weakly, loaded afresh for every sample).
+/// An output hands each sample to its delegate (held weakly, loaded afresh for every sample). When
+/// the delegate falls behind so far that memory counts more, samples are dropped.
 class AVCaptureOutput : public std::enable_shared_from_this<AVCaptureOutput> {
  public:
   AVCaptureOutput(RunLoop& loop, AVMediaType mediaType);
@@ -31,6 +33,12 @@ class AVCaptureOutput : public std::enable_shared_from_this<AVCaptureOutput> {
   void setSampleBufferDelegate(std::weak_ptr<AVCaptureSampleBufferDelegate> delegate,
                                std::shared_ptr<DispatchQueue> queue);
   bool hasSampleBufferDelegate() const;
+  /// Any thread.
+  std::uint64_t samplesDropped() const { return dropped_; }
+
+  /// Samples that may wait for the delegate: a second of pictures, ten of sound in the usual 20 ms.
+  static constexpr int kMostPicturesWaiting = 30;
+  static constexpr int kMostSoundsWaiting = 500;
 
  protected:
   const AVCaptureDevice* device() const { return device_.get(); }
@@ -45,6 +53,8 @@ class AVCaptureOutput : public std::enable_shared_from_this<AVCaptureOutput> {
   std::weak_ptr<AVCaptureSampleBufferDelegate> delegate_;
   std::shared_ptr<DispatchQueue> queue_;
   AVCaptureDeviceRef device_;
+  std::atomic<int> waiting_ = 0;
+  std::atomic<std::uint64_t> dropped_ = 0;
 };
 
 class AVCaptureVideoDataOutput final : public AVCaptureOutput {

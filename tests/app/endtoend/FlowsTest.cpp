@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <csignal>
+#include <functional>
 
 #include <gtest/gtest.h>
 
@@ -130,7 +132,56 @@ TEST(EndToEnd, ACancelledRunLeavesNothing) {
   EXPECT_FALSE(fs::exists(run));
 }
 
-TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAlone) {
+/// True once the film is old enough to play whatever happens.
+std::function<bool()> isFilming(const fs::path& run) {
+  return [events = run / "events.jsonl"] {
+    return fs::exists(events) && bytesOf(events).find("selfieSuccess") != std::string::npos;
+  };
+}
+
+TEST(EndToEnd, ASignalCancelsInEveryWorldAndLeavesAFilmThatPlays) {
+  const ScratchFolder scratch;
+  const Session session = Session::make("straight.json", scratch);
+  setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  const struct {
+    int signal;
+    Arguments world;
+    bool kept;
+  } cases[] = {{SIGTERM, {"--time", "media"}, false},
+               {SIGINT, {"--time", "real", "--keep"}, true},
+               {SIGTERM, {"--screen", "window", "--keep"}, true}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.world[1]);
+    const fs::path run = scratch / c.world[1];
+    RunningProgram program(captureOf(session, run, c.world));
+    ASSERT_TRUE(program.waitFor(isFilming(run))) << program.end().errors;
+    program.send(c.signal);
+    const ProgramRun ended = program.end();
+    EXPECT_EQ(ended.exitCode, 1) << ended.errors;
+    EXPECT_EQ(json::parse(ended.output)["error"]["cause"], "canceled");
+    EXPECT_EQ(fs::exists(run), c.kept);
+    if (!c.kept) continue;
+    EXPECT_GT(secondsOfFilm(run / "film.partial.mp4"), 1);
+    EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);
+  }
+  unsetenv("QT_QPA_PLATFORM");
+}
+
+TEST(EndToEnd, AFolderThatIsRemovedEndsTheRunWithOneSentence) {
+  const ScratchFolder scratch;
+  const Session session = Session::make("straight.json", scratch);
+  const fs::path run = scratch / "run";
+  RunningProgram program(captureOf(session, run));
+  ASSERT_TRUE(program.waitFor(isFilming(run)));
+  fs::remove_all(run);
+  const ProgramRun ended = program.end();
+  EXPECT_EQ(ended.exitCode, 1);
+  EXPECT_EQ(json::parse(ended.output)["error"]["cause"], "folderLost");
+  EXPECT_NE(ended.errors.find("was removed"), std::string::npos) << ended.errors;
+  EXPECT_FALSE(fs::exists(run));
+}
+
+TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAndKeepsTheFirstApart) {
   const ScratchFolder scratch;
   const ScratchFolder scratchOfSecond;
   const Session lost = Session::make("face-leaves.json", scratch);
@@ -144,17 +195,24 @@ TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAlone) {
   ASSERT_EQ(joined.exitCode, 0) << joined.errors;
 
   const fs::path run = scratch / "run";
-  const ProgramRun retried =
-      runVideoid(captureOf(both, run,
-                           {"--on-retry", "retry", "--max-retries", "1", "--on-alert", "ok",
-                            "--done", "never", "--options", shortCountdown(scratch)}));
+  const ProgramRun retried = runVideoid(
+      captureOf(both, run,
+                {"--on-retry", "retry", "--max-retries", "1", "--on-alert", "ok", "--done", "never",
+                 "--keep-failed-runs", "--options", shortCountdown(scratch)}));
   ASSERT_EQ(retried.exitCode, 0) << retried.errors;
-  EXPECT_EQ(json::parse(retried.output)["recording"]["runs"], 2);
+  const json recording = json::parse(retried.output)["recording"];
+  EXPECT_EQ(recording["runs"], 2);
+  const double seconds = secondsOfFilm(run / "film.run1.mp4") + secondsOfFilm(run / "film.mp4");
+  EXPECT_NEAR(recording["framesWritten"].get<double>() / 30, seconds, 0.1);
+  EXPECT_EQ(recording["framesCaptured"], recording["framesWritten"]);
+  const ProgramRun verified = runVideoid({"verify", run});
+  EXPECT_EQ(verified.exitCode, 0) << verified.errors;
+  EXPECT_NE(verified.output.find("film.run1.mp4"), std::string::npos) << verified.output;
   EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
   const double began = eventsOf(run, "call", "retry").front()["t"];
   const double stopped = eventsOf(run, "call", "stopVideoWriter").back()["t"];
   EXPECT_NEAR(secondsOfFilm(run / "film.mp4"), stopped - began, 0.5);
-  EXPECT_EQ(std::distance(fs::directory_iterator(run), fs::directory_iterator()), 4);
+  EXPECT_EQ(std::distance(fs::directory_iterator(run), fs::directory_iterator()), 5);
 }
 
 TEST(EndToEnd, EnrollRefusesTheWrongSidesAndSaysWhy) {

@@ -1,4 +1,5 @@
 #include <atomic>
+#include <csignal>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -7,8 +8,11 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include "devices/headless/RealRunLoop.h"
+#include "devices/headless/TerminationSignals.h"
 
 namespace {
 
@@ -47,7 +51,7 @@ TEST(RealRunLoop, MainQueueRunsInOrderOnTheCallersThreadUntilItsDeadlineOrWoken)
 
 TEST(RealRunLoop, ASerialQueueKeepsPostingOrderOneAtATime) {
   RealRunLoop loop(4);
-  const auto queue = loop.makeSerialQueue("test");
+  const auto queue = loop.makeSerialQueue("test", platform::QualityOfService::userInitiated);
   std::vector<int> order;  // without a lock: the queue is one
   std::atomic<bool> done = false;
   for (int i = 0; i < 500; ++i)
@@ -64,6 +68,33 @@ TEST(RealRunLoop, ASerialQueueKeepsPostingOrderOneAtATime) {
   ASSERT_GE(order.size(), 500u);
   for (int i = 0; i < 500; ++i)
     EXPECT_EQ(order[static_cast<std::size_t>(i)], i);
+}
+
+// Looking and listening wait for the film, not the other way round.
+TEST(RealRunLoop, UtilityWorkYieldsTheProcessor) {
+  using Qos = platform::QualityOfService;
+  RealRunLoop loop;
+  const int usual = getpriority(PRIO_PROCESS, 0);
+  for (const Qos qos : {Qos::userInitiated, Qos::utility}) {
+    std::atomic<int> niceness = -100;
+    loop.makeSerialQueue("test", qos)->async([&] {
+      niceness = getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
+      loop.wake();
+    });
+    loop.runUntil([&] { return niceness != -100; }, kFarAway);
+    EXPECT_EQ(niceness > usual, qos == Qos::utility);
+  }
+}
+
+TEST(TerminationSignalsDeathTest, TheFirstAsksTheSecondEndsTheProgram) {
+  const auto twice = [] {
+    devices::TerminationSignals signals([] {});
+    raise(SIGINT);
+    while (!signals.arrived())
+      std::this_thread::yield();
+    raise(SIGTERM);
+  };
+  EXPECT_EXIT(twice(), testing::KilledBySignal(SIGTERM), "");
 }
 
 TEST(RealRunLoop, DeviceBlocksRunByTimeFramesFirst) {
@@ -124,7 +155,8 @@ TEST(RealRunLoop, ShutDownRunsNothingMoreAndDestroysWhatIsLeftOnTheMainThread) {
 TEST(RealRunLoop, ShutDownEmptiesAQueueWhoseBlocksOwnIt) {
   /// Always has one block waiting.
   struct Endless : std::enable_shared_from_this<Endless> {
-    explicit Endless(RealRunLoop& loop) : queue(loop.makeSerialQueue("test")) {}
+    explicit Endless(RealRunLoop& loop)
+        : queue(loop.makeSerialQueue("test", platform::QualityOfService::utility)) {}
     void goOn() {
       queue->async([self = shared_from_this()] { self->goOn(); });
     }

@@ -36,7 +36,9 @@ class FakeAnalyzer final : public engine::FrameAnalyzer {
 class FakeFilms final : public platform::AssetWriterFactory {
  public:
   std::vector<std::string> log;
-  std::string fault;  ///< when not empty, no film can be made
+  std::string fault;                           ///< when not empty, no film can be made
+  std::optional<platform::Fault> appendFault;  ///< of every sample from now on
+  int waiting = 0;                             ///< pictures in front of the encoder
 
   tl::expected<std::shared_ptr<platform::AssetWriter>, platform::Fault> make(
       const std::filesystem::path& path, const std::optional<platform::WriterSettings>&,
@@ -44,26 +46,31 @@ class FakeFilms final : public platform::AssetWriterFactory {
     if (!fault.empty()) return tl::unexpected(platform::Fault{fault});
     writeBytes(path, "film");
     log.push_back("open " + path.filename().string());
-    return std::make_shared<Film>(log);
+    return std::make_shared<Film>(*this);
   }
 
  private:
   struct Film final : platform::AssetWriter {
-    explicit Film(std::vector<std::string>& films) : log(films) {}
-    bool appendVideo(const platform::CMSampleBufferRef&) override { return ++frames > 0; }
-    bool appendAudio(const platform::CMSampleBufferRef&) override { return true; }
+    explicit Film(FakeFilms& maker) : films(maker) {}
+    bool appendVideo(const platform::CMSampleBufferRef&) override {
+      ++received;
+      if (films.appendFault) return false;
+      return ++frames > 0;
+    }
+    bool appendAudio(const platform::CMSampleBufferRef&) override { return !films.appendFault; }
     tl::expected<void, platform::Fault> finish() override {
-      log.push_back("finish");
+      films.log.push_back("finish");
       return {};
     }
-    std::optional<platform::Fault> fault() const override { return {}; }
-    int framesWaiting() const override { return 0; }
-    void cancel() override { log.push_back("cancel"); }
+    std::optional<platform::Fault> fault() const override { return films.appendFault; }
+    int framesWaiting() const override { return films.waiting; }
+    void cancel() override { films.log.push_back("cancel"); }
     platform::AssetWriterCounters counters() const override {
-      return {.videoFramesWritten = frames};
+      return {.videoFramesReceived = received, .videoFramesWritten = frames, .secondsWritten = 1};
     }
 
-    std::vector<std::string>& log;
+    FakeFilms& films;
+    std::atomic<std::uint64_t> received = 0;
     std::atomic<std::uint64_t> frames = 0;
   };
 };

@@ -79,8 +79,10 @@ class RecorderTest : public testing::Test,
   const ScratchFolder folder;
   FakeFilms films;
   const std::shared_ptr<FakeAnalyzer> analyzer = std::make_shared<FakeAnalyzer>();
-  const std::shared_ptr<engine::Film> openFilm =
-      *engine::Film::make(loop, films, {folder.path(), false, {}, {}});
+  std::vector<platform::Fault> faults;
+  engine::FilmSettings filmSettings{
+      folder.path(), true, {}, {}, [this](const auto& fault) { faults.push_back(fault); }};
+  const std::shared_ptr<engine::Film> openFilm = *engine::Film::make(loop, films, filmSettings);
   static constexpr platform::CGRect kOval{60, 100, 240, 320};
   static constexpr platform::CGRect kCard{20, 400, 320, 202};
   std::shared_ptr<engine::Recorder> recorder = engine::Recorder::make(
@@ -201,6 +203,49 @@ TEST_F(RecorderTest, StoppingGivesTheFinishedFilmEachTimeItIsAskedOrSaysWhyThere
       [&](const auto& film) { message = film.error().localizedDescription(); });
   loop.advance(platform::seconds(0));
   EXPECT_EQ(message, "The disk is full.");
+  EXPECT_EQ(faults.size(), 1U) << "told at once, not only to who asks";
+}
+
+TEST_F(RecorderTest, AFilmThatFailsIsToldOnceAndTheFilmsOfFormerRunsStay) {
+  for (int run = 1; run <= 2; ++run) {
+    film(1);
+    recorder->stopVideoWriter(nullptr);
+    recorder->retry();
+    loop.advance(platform::seconds(0.1));
+  }
+  film(1);
+  films.appendFault = platform::Fault{"The disk is full.", platform::FaultCause::diskFull};
+  film(0.2);
+  openFilm->writeAudio(std::make_shared<platform::CMSampleBuffer>());
+  recorder.reset();
+  loop.advance(platform::seconds(0));
+  ASSERT_EQ(faults.size(), 1U);
+  EXPECT_EQ(faults[0].cause, platform::FaultCause::diskFull);
+  const Names left{"film.run1.mp4", "film.run2.mp4", "film.partial.mp4"};
+  for (const auto& name : left)
+    EXPECT_TRUE(std::filesystem::exists(folder / name)) << name;
+  EXPECT_EQ(openFilm->fileNames(), (Names{left[0], left[1], "film.mp4", left[2]}));
+  EXPECT_EQ(openFilm->counters().videoFramesReceived, 96U);
+  EXPECT_EQ(openFilm->counters().videoFramesWritten, 90U);
+  EXPECT_EQ(openFilm->counters().secondsWritten, 1) << "of the last film";
+
+  const auto other = *engine::Film::make(loop, films, filmSettings);
+  EXPECT_EQ(other->fileNames()[0], "film2.mp4");
+  EXPECT_EQ(films.log.back(), "open film2.partial.mp4");
+}
+
+TEST_F(RecorderTest, LooksAtNothingWhileTheFilmIsMoreThanASecondBehind) {
+  const struct {
+    int waiting;
+    int looks;  ///< in a second
+  } steps[] = {{30, 10}, {31, 0}, {4, 0}, {3, 10}, {30, 10}};
+  for (const auto& step : steps) {
+    films.waiting = step.waiting;
+    analyzer->looks = 0;
+    film(1);
+    EXPECT_EQ(analyzer->looks, step.looks) << step.waiting;
+  }
+  EXPECT_EQ(openFilm->counters().videoFramesWritten, 150U);
 }
 
 TEST_F(RecorderTest, LooksTenTimesASecondFilmsEveryFrameAndClosesItsFilmWhenItGoes) {
