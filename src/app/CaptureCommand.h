@@ -15,6 +15,9 @@
 
 namespace app {
 
+/// A flow may take so long, unless it is told otherwise.
+inline constexpr double kUsualLimitSeconds = 600;
+
 /// `videoid capture`: one video identification, from a reference and a camera to a judged film.
 struct CaptureArguments {
   std::filesystem::path reference;
@@ -32,7 +35,7 @@ struct CaptureArguments {
   devices::PersonHabits habits;
   /// The habits answer the screens, not the person before the window.
   bool personIsVirtual = true;
-  double maxDurationSeconds = 600;
+  double maxDurationSeconds = kUsualLimitSeconds;
   bool keep = false;            ///< the folder also of a cancelled run
   bool keepFailedRuns = false;  ///< the films of runs that were retried
 };

@@ -25,8 +25,7 @@ ExitCode runVerify(const fs::path& folder) {
 ExitCode runDoctor(const fs::path& folder) {
   bool fine = true;
   std::vector<Finding> findings = examine(findResources());
-  findings.push_back(
-      diskSpace(folder, bytesNeeded(nullptr, CaptureArguments{}.maxDurationSeconds)));
+  findings.push_back(diskSpace(folder, bytesNeeded(nullptr, kUsualLimitSeconds)));
   for (const Finding& finding : findings) {
     std::cout << (finding.fine ? "ok       " : "LACKING  ") << finding.what;
     if (!finding.fine) std::cout << ": " << finding.cure;
