@@ -193,6 +193,14 @@ void addHabits(CLI::App& command, CaptureArguments& arguments) {
       "touch Done so many seconds after it appears, or never (default)");
 }
 
+/// What is missing whatever the camera is; empty when nothing is.
+std::string machineLack(const CaptureArguments& arguments, const Resources& resources) {
+  if (auto lack = lacks(examine(resources)); !lack.empty()) return lack;
+  if (!devices::realTimeVideoCodecs(arguments.videoCodec).empty()) return {};
+  return "No encoder for the film's --video-codec is installed: install "
+         "gstreamer1.0-plugins-bad for hevc, gstreamer1.0-plugins-ugly for h264.";
+}
+
 }  // namespace
 
 void addCaptureCommand(CLI::App& app, ExitCode& exitCode) {
@@ -247,13 +255,8 @@ ExitCode runCapture(const CaptureArguments& arguments) {
   if (!dressed) return complain(ExitCode::wrongUse, dressed.error());
   auto inputs = checkInputs(arguments);
   if (!inputs) return complain(ExitCode::wrongUse, inputs.error());
-  if (const auto lack = lacks(examine(resources)); !lack.empty()) {
+  if (const auto lack = machineLack(arguments, resources); !lack.empty()) {
     return complain(ExitCode::machineLacks, lack);
-  }
-  if (devices::realTimeVideoCodecs(arguments.videoCodec).empty()) {
-    return complain(ExitCode::machineLacks,
-                    "No encoder for the film's --video-codec is installed: install "
-                    "gstreamer1.0-plugins-bad for hevc, gstreamer1.0-plugins-ugly for h264.");
   }
   auto analyzer =
       engine::VisionFrameAnalyzer::load({resources.faceDetector(), resources.faceLandmarks()});

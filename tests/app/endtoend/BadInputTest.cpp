@@ -102,13 +102,6 @@ TEST(Commands, AMissingModelIsTheMachinesLack) {
   EXPECT_FALSE(fs::exists(scratch / "run"));
 }
 
-TEST(Commands, OptionsListEveryKeyWithDefaultAndMeaning) {
-  const json options = json::parse(runVideoid({"options", "--print"}).output);
-  EXPECT_GE(options.size(), 12U);
-  for (const json& option : options)
-    EXPECT_TRUE(option.contains("key") && option.contains("default") && option.contains("meaning"));
-}
-
 TEST(Commands, WrongUseIsExitCodeTwo) {
   for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
                                                     {"fly"},

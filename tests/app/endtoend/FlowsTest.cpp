@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <csignal>
-#include <functional>
 
 #include <gtest/gtest.h>
 
@@ -124,61 +122,33 @@ INSTANTIATE_TEST_SUITE_P(
       return name;
     });
 
-TEST(EndToEnd, ACancelledRunLeavesNothing) {
-  const ScratchFolder scratch;
-  const Session session = Session::make("face-leaves.json", scratch);
-  const fs::path run = scratch / "run";
-  EXPECT_EQ(runVideoid(captureOf(session, run, {"--on-retry", "cancel"})).exitCode, 1);
-  EXPECT_FALSE(fs::exists(run));
-}
-
-/// True once the film is old enough to play whatever happens.
-std::function<bool()> isFilming(const fs::path& run) {
-  return [events = run / "events.jsonl"] {
-    return fs::exists(events) && bytesOf(events).find("selfieSuccess") != std::string::npos;
-  };
-}
-
-TEST(EndToEnd, ASignalCancelsInEveryWorldAndLeavesAFilmThatPlays) {
+TEST(EndToEnd, SignalsAndALostFolderEndARunAtOnceAndLeaveWhatPlaysOrNothing) {
   const ScratchFolder scratch;
   const Session session = Session::make("straight.json", scratch);
   setenv("QT_QPA_PLATFORM", "offscreen", 1);
   const struct {
-    int signal;
+    const char* disturbance;
     Arguments world;
-    bool kept;
-  } cases[] = {{SIGTERM, {"--time", "media"}, false},
-               {SIGINT, {"--time", "real", "--keep"}, true},
-               {SIGTERM, {"--screen", "window", "--keep"}, true}};
+    const char* cause;
+    const char* sentence;
+  } cases[] = {{"kill -TERM $pid", {"--time", "media"}, "canceled", "was canceled"},
+               {"kill -INT $pid", {"--time", "real", "--keep"}, "canceled", "was canceled"},
+               {"kill -TERM $pid", {"--screen", "window", "--keep"}, "canceled", "was canceled"},
+               {"rm -r \"$run\"", {"--screen", "headless"}, "folderLost", "was removed"}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.world[1]);
     const fs::path run = scratch / c.world[1];
-    RunningProgram program(captureOf(session, run, c.world));
-    ASSERT_TRUE(program.waitFor(isFilming(run))) << program.end().errors;
-    program.send(c.signal);
-    const ProgramRun ended = program.end();
-    EXPECT_EQ(ended.exitCode, 1) << ended.errors;
-    EXPECT_EQ(json::parse(ended.output)["error"]["cause"], "canceled");
-    EXPECT_EQ(fs::exists(run), c.kept);
-    if (!c.kept) continue;
+    const ProgramRun ended = runDisturbed(captureOf(session, run, c.world), run, c.disturbance);
+    EXPECT_EQ(ended.exitCode, 1);
+    EXPECT_EQ(json::parse(ended.output)["error"]["cause"], c.cause);
+    EXPECT_NE(ended.errors.find(c.sentence), std::string::npos) << ended.errors;
+    const bool kept = c.world.back() == "--keep";
+    EXPECT_EQ(fs::exists(run), kept);
+    if (!kept) continue;
     EXPECT_GT(secondsOfFilm(run / "film.partial.mp4"), 1);
     EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);
   }
   unsetenv("QT_QPA_PLATFORM");
-}
-
-TEST(EndToEnd, AFolderThatIsRemovedEndsTheRunWithOneSentence) {
-  const ScratchFolder scratch;
-  const Session session = Session::make("straight.json", scratch);
-  const fs::path run = scratch / "run";
-  RunningProgram program(captureOf(session, run));
-  ASSERT_TRUE(program.waitFor(isFilming(run)));
-  fs::remove_all(run);
-  const ProgramRun ended = program.end();
-  EXPECT_EQ(ended.exitCode, 1);
-  EXPECT_EQ(json::parse(ended.output)["error"]["cause"], "folderLost");
-  EXPECT_NE(ended.errors.find("was removed"), std::string::npos) << ended.errors;
-  EXPECT_FALSE(fs::exists(run));
 }
 
 TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAndKeepsTheFirstApart) {
@@ -237,8 +207,9 @@ TEST(EndToEnd, TheCamerasEndEndsTheFlowAndLeavesAFilmThatPlays) {
   const ProgramRun ended =
       runVideoid(captureOf(session, run, {"--on-retry", "retry", "--max-retries", "5"}));
   EXPECT_EQ(ended.exitCode, 1);
-  EXPECT_EQ(json::parse(ended.output)["error"]["message"],
-            "The camera's recording ended before the identification did.");
+  EXPECT_EQ(json::parse(ended.output)["error"]["cause"], "recordingEnded");
+  EXPECT_EQ(std::distance(fs::directory_iterator(run), fs::directory_iterator()), 3)
+      << "the films of runs that failed are gone";
   EXPECT_GT(secondsOfFilm(run / "film.partial.mp4"), 0);
   EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
   EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);

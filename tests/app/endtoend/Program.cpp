@@ -1,18 +1,11 @@
 #include "app/endtoend/Program.h"
 
-#include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <map>
 #include <sstream>
-#include <thread>
-#include <utility>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include "devices/scripted/HostContractValidator.h"
 
@@ -45,48 +38,17 @@ ProgramRun runVideoid(const std::vector<std::string>& arguments) {
   return runProgram(VIDEOID, arguments);
 }
 
-RunningProgram::RunningProgram(const std::vector<std::string>& arguments) {
-  std::vector<std::string> words{VIDEOID};
+ProgramRun runDisturbed(const std::vector<std::string>& arguments, const fs::path& run,
+                        const std::string& command) {
+  // With job control the program does not begin with SIGINT ignored.
+  const std::string script =
+      "set -m; run=$1; shift; \"$@\" & pid=$!; "
+      "until grep -qs selfieSuccess \"$run/events.jsonl\" || ! kill -0 $pid; do sleep 0.05; "
+      "done; " +
+      command + "; wait $pid";
+  std::vector<std::string> words{"-c", script, "bash", run, VIDEOID};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<char*> raw;
-  for (std::string& word : words)
-    raw.push_back(word.data());
-  raw.push_back(nullptr);
-  posix_spawn_file_actions_t files;
-  posix_spawn_file_actions_init(&files);
-  const std::string out = scratch_ / "out";
-  const std::string err = scratch_ / "err";
-  posix_spawn_file_actions_addopen(&files, 1, out.c_str(), O_WRONLY | O_CREAT, 0600);
-  posix_spawn_file_actions_addopen(&files, 2, err.c_str(), O_WRONLY | O_CREAT, 0600);
-  EXPECT_EQ(posix_spawn(&id_, VIDEOID, &files, nullptr, raw.data(), environ), 0);
-  posix_spawn_file_actions_destroy(&files);
-}
-
-RunningProgram::~RunningProgram() {
-  if (id_ < 0) return;
-  send(SIGKILL);
-  end();
-}
-
-bool RunningProgram::waitFor(const std::function<bool()>& condition) {
-  siginfo_t ended{};
-  for (int i = 0; i < 6000 && !condition(); ++i) {
-    waitid(P_PID, static_cast<id_t>(id_), &ended, WEXITED | WNOHANG | WNOWAIT);
-    if (ended.si_pid != 0) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return condition();
-}
-
-void RunningProgram::send(int signal) const {
-  kill(id_, signal);
-}
-
-ProgramRun RunningProgram::end() {
-  int status = 0;
-  waitpid(std::exchange(id_, -1), &status, 0);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, bytesOf(scratch_ / "out"),
-          bytesOf(scratch_ / "err")};
+  return runProgram("bash", words);
 }
 
 Session Session::make(const std::string& script, const ScratchFolder& scratch) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,22 +21,10 @@ ProgramRun runProgram(const std::filesystem::path& program,
                       const std::vector<std::string>& arguments);
 ProgramRun runVideoid(const std::vector<std::string>& arguments);
 
-/// A program that runs beside the test, with nothing between the two that could swallow a signal.
-class RunningProgram {
- public:
-  /// Of `videoid`.
-  explicit RunningProgram(const std::vector<std::string>& arguments);
-  ~RunningProgram();
-  /// False when it ended before, or within a minute did not get so far.
-  bool waitFor(const std::function<bool()>& condition);
-  void send(int signal) const;
-  /// Waits for its end; the exit code is -1 when a signal killed it.
-  ProgramRun end();
-
- private:
-  const ScratchFolder scratch_;
-  int id_ = -1;
-};
+/// Runs `videoid` into the folder `run` and, once its film is old enough to play whatever happens,
+/// a shell command that finds it in $pid and the folder in $run.
+ProgramRun runDisturbed(const std::vector<std::string>& arguments, const std::filesystem::path& run,
+                        const std::string& command);
 
 /// A session made from a script of samples/, and the reference enrolled from its stills. Made once,
 /// then taken from the cache of the build.
