@@ -74,8 +74,8 @@ void EventLog::add(const std::string& event, ordered_json fields) {
   // A file that was removed can be written, but nobody will find it.
   std::error_code error;
   if (std::filesystem::exists(path_, error)) return;
-  breakOff({"The run's folder \"" + path_.parent_path().string() +
-                "\" was removed, and the film with it: leave it alone until the run is over.",
+  breakOff({"Files of the run in \"" + path_.parent_path().string() +
+                "\" were removed: start anew, and leave the folder alone until the end.",
             platform::FaultCause::folderLost});
 }
 

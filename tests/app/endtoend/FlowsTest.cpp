@@ -134,7 +134,7 @@ TEST(EndToEnd, SignalsAndALostFolderEndARunAtOnceAndLeaveWhatPlaysOrNothing) {
   } cases[] = {{"kill -TERM $pid", {"--time", "media"}, "canceled", "was canceled"},
                {"kill -INT $pid", {"--time", "real", "--keep"}, "canceled", "was canceled"},
                {"kill -TERM $pid", {"--screen", "window", "--keep"}, "canceled", "was canceled"},
-               {"rm -r \"$run\"", {"--screen", "headless"}, "folderLost", "was removed"}};
+               {"rm -r \"$run\"", {"--screen", "headless"}, "folderLost", "were removed"}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.world[1]);
     const fs::path run = scratch / c.world[1];
