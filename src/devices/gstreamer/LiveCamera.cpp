@@ -12,17 +12,18 @@ namespace {
 constexpr std::size_t kMostWaiting = 4;
 
 const char* const kConversion =
-    "videoconvert name=head n-threads=2 ! videoflip method=%m ! videoscale add-borders=true ! "
+    "videoconvert name=head n-threads=2 ! videoflip video-direction=%d ! videoscale "
+    "add-borders=true ! "
     "videoconvert n-threads=2 ! capsfilter name=size "
     "caps=video/x-raw,format=I420,colorimetry=bt601,pixel-aspect-ratio=1/1";
 
 std::string conversion(CameraTurn turn) {
-  const char* method = "none";
-  if (turn == CameraTurn::right) method = "clockwise";
-  if (turn == CameraTurn::around) method = "rotate-180";
-  if (turn == CameraTurn::left) method = "counterclockwise";
+  const char* direction = "identity";
+  if (turn == CameraTurn::right) direction = "90r";
+  if (turn == CameraTurn::around) direction = "180";
+  if (turn == CameraTurn::left) direction = "90l";
   std::string line = kConversion;
-  return line.replace(line.find("%m"), 2, method);
+  return line.replace(line.find("%d"), 2, direction);
 }
 
 platform::Duration durationOf(GstSample* sample, const GstVideoInfo& info) {

@@ -29,10 +29,10 @@ enum class CameraTurn { none = 0, right = 90, around = 180, left = 270 };
 class LiveDevices final : public MediaSource, public std::enable_shared_from_this<LiveDevices> {
  public:
   struct Setup {
-    LiveSource camera;
+    LiveSource camera{};
     CameraTurn turn = CameraTurn::none;
     VideoCodecChoice codecChoice = VideoCodecChoice::automatic;
-    std::optional<LiveSource> microphone;
+    std::optional<LiveSource> microphone{};
     /// How long a device may take to deliver its first sample.
     platform::Duration patience = std::chrono::seconds(5);
   };
