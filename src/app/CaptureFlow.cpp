@@ -133,6 +133,7 @@ void CaptureFlow::watchWorld() {
   media_->onEnd = [this] { endAfterGrace(); };
   media_->onError = [this](const platform::Fault& fault) { end_.fail(fault); };
   media_->onWarning = [this](const std::string& sentence) { warn(sentence); };
+  events_.add("devices", devicesToJson(UsedDevices::of(*media_)));
   if (media_->microphone()) return;
   warn("There is no microphone: the film will be silent and no word can be heard.");
 }
@@ -189,7 +190,7 @@ RunRecord CaptureFlow::run() {
   const bool succeeded = end_.outcome().has_value();
   events_.add("end", {{"outcome", succeeded ? "result" : "error"}});
   close();
-  RunRecord record{end_.outcome(), {}, 0, {}, 1 + events_.retries()};
+  RunRecord record{end_.outcome(), UsedDevices::of(*media_), {}, 0, {}, 1 + events_.retries()};
   if (const auto film = host_.film()) {
     record.recording = film->counters();
     record.films = film->fileNames();

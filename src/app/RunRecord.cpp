@@ -31,6 +31,10 @@ ordered_json outcomeToJson(const RunRecord& record) {
             {"idBackDataMatch", outcome->idBackDataMatch}}}};
 }
 
+ordered_json deviceToJson(const UsedDevices::Device& device) {
+  return {{"name", device.name}, {"virtual", device.isVirtual}};
+}
+
 ordered_json recordingToJson(const RunRecord& record) {
   const platform::AssetWriterCounters& counters = record.recording;
   return {{"framesCaptured", record.framesCaptured},
@@ -64,6 +68,7 @@ Expected<ordered_json> hashesOf(const std::vector<fs::path>& files) {
 ordered_json recordToJson(const RunRecord& record) {
   ordered_json object = {{"formatVersion", kFormatVersion}};
   object.update(outcomeToJson(record));
+  object.update(devicesToJson(record.devices));
   object["recording"] = recordingToJson(record);
   object["options"] = currentOptions();
   object["program"] = {{"name", "videoid"}, {"version", CORVANA_VERSION}};
@@ -87,6 +92,20 @@ Expected<void> addHashes(const std::string& key, const std::vector<fs::path>& fi
 }
 
 }  // namespace
+
+UsedDevices UsedDevices::of(const devices::MediaSource& media) {
+  UsedDevices used{{media.camera()->localizedName(), media.cameraIsVirtual()}, {}};
+  if (const auto microphone = media.microphone()) {
+    used.microphone = Device{microphone->localizedName(), media.microphoneIsVirtual()};
+  }
+  return used;
+}
+
+ordered_json devicesToJson(const UsedDevices& devices) {
+  ordered_json object{{"camera", deviceToJson(devices.camera)}, {"microphone", nullptr}};
+  if (devices.microphone) object["microphone"] = deviceToJson(*devices.microphone);
+  return object;
+}
 
 WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources,
                              const fs::path& folder) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,16 +13,33 @@
 #include "app/Resources.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "corvana/IDError.h"
+#include "devices/gstreamer/MediaSource.h"
 #include "platform/media/AssetWriter.h"
 
 namespace app {
 
 using Outcome = tl::expected<capture::VideoIdResult, corvana::IDError>;
 
+/// What a run was recorded with. A film from a virtual camera proves nothing.
+struct UsedDevices {
+  struct Device {
+    std::string name;
+    bool isVirtual = false;
+  };
+  Device camera;
+  std::optional<Device> microphone;
+
+  static UsedDevices of(const devices::MediaSource& media);
+};
+
+/// The fields `camera` and `microphone` (null when there is none).
+nlohmann::ordered_json devicesToJson(const UsedDevices& devices);
+
 /// What a run leaves in its folder beside the film: the selfie and result.json, whose hashes bind
 /// the files together. docs/result.schema.json gives its shape.
 struct RunRecord {
   Outcome outcome;
+  UsedDevices devices;
   platform::AssetWriterCounters recording;  ///< as `engine::Film` counts
   /// What the camera took while a film was open, in the films or not.
   std::uint64_t framesCaptured = 0;

@@ -115,7 +115,9 @@ void LiveStream::onEnd(GstAppSink*, gpointer data) {
 }
 
 void LiveStream::onOverrun(GstElement*, gpointer data) {
-  ++static_cast<LiveStream*>(data)->dropped_;
+  auto& self = *static_cast<LiveStream*>(data);
+  const std::lock_guard lock(self.mutex_);
+  if (self.wanted_) ++self.dropped_;
 }
 
 GstFlowReturn LiveStream::onSample(GstAppSink* sink, gpointer data) {

@@ -200,6 +200,32 @@ TEST(EndToEnd, EnrollRefusesTheWrongSidesAndSaysWhy) {
   EXPECT_FALSE(fs::exists(scratch / "twice"));
 }
 
+TEST(EndToEnd, ALiveCameraThatDiesEndsTheFlowAndLeavesAFilmThatPlays) {
+  const ScratchFolder scratch;
+  Session session = Session::make("short.json", scratch);
+  const std::string broken = scratch / "broken.mp4";
+  // Its clip cannot be read across the hole after the first second.
+  const ProgramRun cut =
+      runProgram("ffmpeg", {"-v", "error", "-i", session.camera, "-t", "2", "-an", "-vf",
+                            "setpts='PTS+gt(N,30)*20/TB'", "-fps_mode", "passthrough", broken});
+  ASSERT_EQ(cut.exitCode, 0) << cut.errors;
+  const std::string microphone = "virtual:tone";
+  session.camera = "virtual:" + broken;
+  const fs::path run = scratch / "run";
+  const Arguments live{"--microphone", microphone, "--screen", "headless"};
+  EXPECT_EQ(runVideoid(captureOf(session, run, live)).exitCode, 2) << "it was not allowed";
+  Arguments allowed = live;
+  allowed.push_back("--allow-virtual-camera");
+  const ProgramRun lost = runVideoid(captureOf(session, run, allowed));
+  EXPECT_EQ(lost.exitCode, 1) << lost.errors;
+  const json result = json::parse(lost.output);
+  EXPECT_EQ(result["error"]["cause"], "cameraLost") << result["error"];
+  EXPECT_EQ(result["camera"]["virtual"], true);
+  EXPECT_EQ(result["microphone"]["name"], "Test tone");
+  EXPECT_EQ(eventsOf(run, "devices").size(), 1U);
+  EXPECT_GT(secondsOfFilm(run / "film.partial.mp4"), 0.5);
+}
+
 TEST(EndToEnd, TheCamerasEndEndsTheFlowAndLeavesAFilmThatPlays) {
   const ScratchFolder scratch;
   const Session session = Session::make("silence.json", scratch);
