@@ -172,12 +172,9 @@ TEST_F(LiveDevicesTest, DropsTheOldestWhenTheHandlerIsSlowAndStopsAtOnce) {
   });
   camera.push(40);
   waitFor([&] { return calls == 1; });
-  for (int i = 1; i <= 12; ++i) {
+  for (int i = 1; i <= 12; ++i)
     camera.push(40 + i);
-    // Paced, so that only the handler is too slow.
-    const auto dropped = static_cast<std::uint64_t>(std::max(i - 4, 0));
-    waitFor([&] { return media->framesDropped() == dropped; });
-  }
+  waitFor([&] { return media->framesDropped() >= 8; });
   goOn.set_value();
   waitFor([&] { return calls == 3; });
   passTime();

@@ -206,7 +206,7 @@ TEST(EndToEnd, ALiveCameraThatDiesEndsTheFlowAndLeavesAFilmThatPlays) {
   const std::string broken = scratch / "broken.mp4";
   // Its clip cannot be read across the hole after the first second.
   const ProgramRun cut =
-      runProgram("ffmpeg", {"-v", "error", "-i", session.camera, "-t", "2", "-an", "-vf",
+      runProgram("ffmpeg", {"-v", "error", "-t", "2", "-i", session.camera, "-an", "-vf",
                             "setpts='PTS+gt(N,30)*20/TB'", "-fps_mode", "passthrough", broken});
   ASSERT_EQ(cut.exitCode, 0) << cut.errors;
   const std::string microphone = "virtual:tone";
