@@ -156,32 +156,6 @@ TEST_F(MediaFileTest, endsOrFailsWithASentenceWhateverTheBytes) {
   }
 }
 
-/// Real time as far as devices can tell, on a machine that stalls when told to.
-class StallingLoop final : public platform::RunLoop {
- public:
-  platform::TimePoint now() const override { return inner.now() + stall; }
-  platform::DispatchQueue& mainQueue() override { return inner.mainQueue(); }
-  platform::DispatchQueue& globalQueue(platform::QualityOfService qos) override {
-    return inner.globalQueue(qos);
-  }
-  std::shared_ptr<platform::DispatchQueue> makeSerialQueue(
-      const std::string& label, platform::QualityOfService qos) override {
-    return inner.makeSerialQueue(label, qos);
-  }
-  std::shared_ptr<platform::Timer> scheduledTimer(Duration interval, bool repeats,
-                                                  platform::Block block) override {
-    return inner.scheduledTimer(interval, repeats, std::move(block));
-  }
-  void scheduleDevice(platform::TimePoint time, platform::EventClass eventClass,
-                      platform::Block block) override {
-    inner.scheduleDevice(time - stall, eventClass, std::move(block));
-  }
-  bool isVirtual() const override { return false; }
-
-  VirtualRunLoop inner;
-  Duration stall{};
-};
-
 TEST_F(MediaFileTest, dropsAndCountsInRealTimeWhatCameFarTooLate) {
   StallingLoop stalling;
   const auto file = MediaFile::open(stalling, clip);

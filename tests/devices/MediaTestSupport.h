@@ -62,10 +62,37 @@ inline platform::CMSampleBufferRef sound(platform::Duration time, int strength) 
 /// An open film of 320×240, by default with a sound track.
 inline tl::expected<std::shared_ptr<platform::AssetWriter>, platform::Fault> openFilm(
     platform::RunLoop& loop, const std::filesystem::path& path,
-    const std::optional<platform::WriterSettings>& sound = audioSettings()) {
-  return FilmWriterFactory(loop).make(
-      path, videoSettings(platform::kAVVideoCodecTypeH264, 320, 240), sound);
+    const std::optional<platform::WriterSettings>& sound = audioSettings(),
+    const std::optional<platform::WriterSettings>& video =
+        videoSettings(platform::kAVVideoCodecTypeH264, 320, 240)) {
+  return FilmWriterFactory(loop).make(path, video, sound);
 }
+
+/// Real time as far as devices can tell, on a machine that stalls when told to.
+class StallingLoop final : public platform::RunLoop {
+ public:
+  platform::TimePoint now() const override { return inner.now() + stall; }
+  platform::DispatchQueue& mainQueue() override { return inner.mainQueue(); }
+  platform::DispatchQueue& globalQueue(platform::QualityOfService qos) override {
+    return inner.globalQueue(qos);
+  }
+  std::shared_ptr<platform::DispatchQueue> makeSerialQueue(
+      const std::string& label, platform::QualityOfService qos) override {
+    return inner.makeSerialQueue(label, qos);
+  }
+  std::shared_ptr<platform::Timer> scheduledTimer(platform::Duration interval, bool repeats,
+                                                  platform::Block block) override {
+    return inner.scheduledTimer(interval, repeats, std::move(block));
+  }
+  void scheduleDevice(platform::TimePoint time, platform::EventClass eventClass,
+                      platform::Block block) override {
+    inner.scheduleDevice(time - stall, eventClass, std::move(block));
+  }
+  bool isVirtual() const override { return false; }
+
+  platform::VirtualRunLoop inner;
+  platform::Duration stall{};
+};
 
 /// Everything a file's camera and microphone deliver when both start at once.
 struct Recording {
@@ -96,6 +123,17 @@ inline Recording play(const std::filesystem::path& path) {
   }
   loop.advance(std::chrono::minutes(2));
   return recording;
+}
+
+/// What ffprobe says of a film when asked so.
+inline std::string probed(const std::filesystem::path& film, const std::string& question) {
+  const std::filesystem::path answer = film.string() + ".probed";
+  std::system(("ffprobe -v error -of csv=p=0 " + question + " '" + film.string() + "' > '" +
+               answer.string() + "'")
+                  .c_str());
+  std::string text = bytesOf(answer);
+  std::filesystem::remove(answer);
+  return text;
 }
 
 /// What became of a command of the shell, as `wait` tells it.

@@ -104,7 +104,8 @@ Result<void> FilmEncoder::finish() {
   if (!complete)
     return fault(state_->file.string() +
                  " cannot be written: check the folder and the disk's free space.");
-  if (auto cleared = devices::clearDates(state_->file); !cleared) return fault(cleared.error().sentence);
+  if (auto dated = devices::setDates(state_->file, {}); !dated)
+    return fault(dated.error().sentence);
   return {};
 }
 

@@ -43,6 +43,8 @@ void AudioTimeline::add(const platform::CMSampleBuffer& buffer) {
 void AudioTimeline::place(const platform::CMSampleBuffer& buffer) {
   Run run{framesIn(buffer.presentationTime - origin_), buffer.samples};
   run.samples.resize(run.samples.size() / channels_ * channels_);
+  if (expected_ && std::abs(run.start - *expected_) <= framesIn(kJitter)) run.start = *expected_;
+  expected_ = run.start + framesOf(run);
   const std::int64_t free = runs_.empty() ? position_ : runs_.back().start + framesOf(runs_.back());
   const std::int64_t overlap = std::clamp<std::int64_t>(free - run.start, 0, framesOf(run));
   run.samples.erase(run.samples.begin(), run.samples.begin() + overlap * channels_);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <vector>
 
 #include "platform/media/SampleBuffer.h"
@@ -10,6 +11,9 @@ namespace devices {
 
 /// The film's sound track before it is encoded: microphone buffers are laid on the film's time line
 /// by their presentation time, to the sample, and digital silence stands wherever there is none.
+/// A live microphone's times jitter: a buffer that should begin within `kJitter` of the last one's
+/// end follows it without gap or cut; one that strays further is laid where its time says, so sound
+/// never drifts away from the picture.
 ///
 /// The muxer waits for both tracks, so the sound must follow the picture: what the microphone has
 /// not delivered `kPatience` after its time is silence, and comes too late after that. Not thread
@@ -17,6 +21,7 @@ namespace devices {
 class AudioTimeline {
  public:
   static constexpr platform::Duration kPatience = std::chrono::milliseconds(100);
+  static constexpr platform::Duration kJitter = std::chrono::milliseconds(20);
   /// Sound that runs ahead of the picture by more than this is left out.
   static constexpr platform::Duration kAheadLimit = std::chrono::seconds(30);
 
@@ -54,6 +59,7 @@ class AudioTimeline {
   platform::TimePoint origin_{};
   std::deque<platform::CMSampleBuffer> early_;  ///< came before the first frame
   std::deque<Run> runs_;                        ///< in order, without overlap, from `position_` on
+  std::optional<std::int64_t> expected_;        ///< where the last buffer ended
   std::int64_t position_ = 0;
   std::int64_t silenceAtStart_ = 0;
   bool heard_ = false;

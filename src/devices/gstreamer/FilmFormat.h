@@ -1,23 +1,21 @@
 #pragma once
 
-#include <filesystem>
+#include <string>
 
 #include "devices/gstreamer/MediaElements.h"
-#include "platform/media/PixelBuffer.h"
 
 namespace devices {
 
 /// What a film is made of; all fixed from its first frame on.
 struct FilmFormat {
-  std::filesystem::path path;
-  int width = 0;
+  int width = 0;  ///< pixels, even; 0 until the first picture when the settings are silent
   int height = 0;
-  platform::PixelFormat pixelFormat = platform::PixelFormat::i420;
   int framesPerSecond = 30;  ///< nominal: the encoder's rate control reckons with it
 
   VideoEncoder videoEncoder;
   int videoBitRate = 0;      ///< bit/s
   int keyFrameInterval = 0;  ///< frames
+  std::string profileCaps;   ///< what the encoder must deliver, as caps
 
   bool hasAudio = false;
   AudioEncoder audioEncoder;

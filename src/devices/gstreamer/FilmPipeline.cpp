@@ -9,6 +9,8 @@
 #include <gst/app/gstappsrc.h>
 #include <gst/audio/audio.h>
 
+#include "devices/gstreamer/FilmRemux.h"
+#include "devices/gstreamer/FilmSettings.h"
 #include "devices/gstreamer/GstPicture.h"
 
 namespace devices {
@@ -20,22 +22,14 @@ namespace {
 
 /// Far more than an encoder needs for what waits in front of it: only a hung one takes so long.
 constexpr auto kAnswerLimit = std::chrono::seconds(60);
-constexpr std::uint64_t kIndexPeriod = 500 * GST_MSECOND;
-/// Index bytes for a second of one track; 30 frames of irregular rate take 400.
-constexpr int kIndexBytesPerSecond = 700;
-/// The usual clock of video: every common frame rate comes out exact.
-constexpr int kVideoTimescale = 90000;
+/// A fragment plays once all of it is written: half of the second that a film may lose.
+constexpr int kFragmentMilliseconds = 500;
 
 std::string replaced(std::string text, const std::string& mark, int value) {
   for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark)) {
     text.replace(at, mark.size(), std::to_string(value));
   }
   return text;
-}
-
-/// Chroma at half size leaves no room for an odd row or column: the last one is cut off.
-int even(int size) {
-  return size / 2 * 2;
 }
 
 Fault faultOf(const std::filesystem::path& path, const GError& error) {
@@ -114,22 +108,32 @@ struct FrameHold {
 
 std::string FilmPipeline::launchLine(const FilmFormat& format) {
   const std::string source = " format=time max-bytes=0 max-buffers=0 max-time=0 ! ";
-  std::string settings = replaced(format.videoEncoder.settings, "%b", format.videoBitRate / 1000);
+  const VideoEncoder& encoder = format.videoEncoder;
+  std::string settings = replaced(encoder.settings, "%b", format.videoBitRate / 1000);
   settings = replaced(settings, "%B", format.videoBitRate);
   settings = replaced(settings, "%k", format.keyFrameInterval);
+  // What the encoder is given stays the same whatever becomes of the camera's pictures.
+  const std::string pictures = "video/x-raw,format=" + encoder.pictureFormat +
+                               ",width=" + std::to_string(format.width) +
+                               ",height=" + std::to_string(format.height) +
+                               ",pixel-aspect-ratio=1/1,colorimetry=bt601,chroma-site=mpeg2 ! ";
   std::string line =
-      "mp4mux name=mux reserved-bytes-per-sec=" + std::to_string(kIndexBytesPerSecond) +
-      " ! filesink name=file buffer-mode=unbuffered sync=false async=false"
-      " appsrc name=video" +
-      source + "videoconvert ! " + format.videoEncoder.element + " " + settings + " ! mux.video_0";
+      "mp4mux name=mux streamable=true fragment-duration=" + std::to_string(kFragmentMilliseconds) +
+      " ! fdsink name=file sync=false async=false appsrc name=video" + source +
+      "videoconvert ! videoscale add-borders=true ! " + pictures + encoder.element + " " +
+      settings + " ! " + format.profileCaps + " ! " +
+      (encoder.parser.empty() ? "" : encoder.parser + " ! ") + "mux.video_0";
   if (!format.hasAudio) return line;
   return line + " appsrc name=audio" + source + "audioconvert ! " + format.audioEncoder.element +
          " bitrate=" + std::to_string(format.audioBitRate) + " ! mux.audio_0";
 }
 
-FilmPipeline::FilmPipeline(const FilmFormat& format)
-    : format_(format), state_(std::make_shared<State>()), pipeline_(launch(launchLine(format))) {
-  state_->path = format.path;
+FilmPipeline::FilmPipeline(const FilmFormat& format, std::shared_ptr<FilmFile> file)
+    : format_(format),
+      file_(std::move(file)),
+      state_(std::make_shared<State>()),
+      pipeline_(launch(launchLine(format))) {
+  state_->path = file_->path();
 }
 
 FilmPipeline::~FilmPipeline() {
@@ -138,9 +142,6 @@ FilmPipeline::~FilmPipeline() {
 
 void FilmPipeline::configureSources() {
   video_ = child(pipeline_, "video");
-  const auto videoCaps = pictureCaps(format_.pixelFormat, even(format_.width), even(format_.height),
-                                     format_.framesPerSecond);
-  gst_app_src_set_caps(GST_APP_SRC(video_), videoCaps.get());
   if (!format_.hasAudio) return;
 
   audio_ = child(pipeline_, "audio");
@@ -151,29 +152,25 @@ void FilmPipeline::configureSources() {
   gst_app_src_set_caps(GST_APP_SRC(audio_), audioCaps.get());
 }
 
-tl::expected<std::unique_ptr<FilmPipeline>, Fault> FilmPipeline::start(const FilmFormat& format) {
-  std::unique_ptr<FilmPipeline> film(new FilmPipeline(format));
+tl::expected<std::unique_ptr<FilmPipeline>, Fault> FilmPipeline::start(
+    const FilmFormat& format, std::shared_ptr<FilmFile> file) {
+  std::unique_ptr<FilmPipeline> film(new FilmPipeline(format, std::move(file)));
   if (!film->pipeline_) {
-    return tl::unexpected(Fault{"The film " + format.path.string() +
+    return tl::unexpected(Fault{"The film " + film->file_->path().string() +
                                     " can't be encoded: elements of GStreamer are missing; install "
                                     "gstreamer1.0-plugins-good, -ugly and gstreamer1.0-libav.",
                                 FaultCause::filmFailed});
   }
   film->configureSources();
-  GstElement* mux = child(film->pipeline_, "mux");
-  g_object_set(mux, "reserved-max-duration",
-               static_cast<guint64>(clockTime(kLongestFilm + std::chrono::minutes(1))),
-               "reserved-moov-update-period", static_cast<guint64>(kIndexPeriod), nullptr);
-  const GstPtr<GstPad> track(gst_element_get_static_pad(mux, "video_0"));
-  g_object_set(track.get(), "trak-timescale", kVideoTimescale, nullptr);
-  g_object_set(child(film->pipeline_, "file"), "location", format.path.c_str(), nullptr);
+  setVideoTimescale(child(film->pipeline_, "mux"));
+  g_object_set(child(film->pipeline_, "file"), "fd", film->file_->descriptor(), nullptr);
 
   const GstPtr<GstBus> bus(gst_element_get_bus(film->pipeline_.get()));
   gst_bus_set_sync_handler(bus.get(), &State::onMessage, new std::shared_ptr<State>(film->state_),
                            &State::release);
   if (gst_element_set_state(film->pipeline_.get(), GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
-    film->state_->fail(
-        {"The film " + format.path.string() + " can't be written.", FaultCause::folderLost});
+    film->state_->fail({"The film " + film->file_->path().string() + " can't be written.",
+                        FaultCause::folderLost});
     return tl::unexpected(*film->error());
   }
   return film;
@@ -190,6 +187,14 @@ bool FilmPipeline::waitForRoom(int limit) {
   return !state_->error;
 }
 
+void FilmPipeline::announce(const platform::PixelBuffer& image) {
+  GstPtr<GstCaps> caps = pictureCaps(image.format(), even(image.width()), even(image.height()),
+                                     format_.framesPerSecond);
+  if (pictureCaps_ && gst_caps_is_equal(caps.get(), pictureCaps_.get())) return;
+  gst_app_src_set_caps(GST_APP_SRC(video_), caps.get());
+  pictureCaps_ = std::move(caps);
+}
+
 void FilmPipeline::pushVideo(platform::PixelBufferRef image, platform::Duration time,
                              platform::Duration duration) {
   using Hold = FrameHold<State>;
@@ -198,6 +203,7 @@ void FilmPipeline::pushVideo(platform::PixelBufferRef image, platform::Duration 
     ++state_->framesWaiting;
   }
   const platform::PixelBuffer& pixels = *image;
+  announce(pixels);
   GstPtr<GstBuffer> buffer = wrapPicture(pixels, even(pixels.width()), even(pixels.height()),
                                          new Hold{std::move(image), state_}, &Hold::release);
   GST_BUFFER_PTS(buffer.get()) = clockTime(time);

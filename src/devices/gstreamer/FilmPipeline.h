@@ -8,6 +8,7 @@
 
 #include <tl/expected.hpp>
 
+#include "devices/gstreamer/FilmFile.h"
 #include "devices/gstreamer/FilmFormat.h"
 #include "devices/gstreamer/GstSupport.h"
 #include "platform/foundation/Fault.h"
@@ -16,26 +17,24 @@
 
 namespace devices {
 
-/// Encoders, muxer and file of one film. The file's index is renewed every half second of film, so
-/// that it plays whenever the process dies. One thread at a time.
+/// Encoders and muxer of one film. The file only grows, by a whole fragment every half second of
+/// film, so that any beginning of it plays. One thread at a time.
 class FilmPipeline {
  public:
-  /// Room for the index is set aside at the film's start; running out of it would be fatal.
-  static constexpr platform::Duration kLongestFilm = std::chrono::minutes(15);
-
   static tl::expected<std::unique_ptr<FilmPipeline>, platform::Fault> start(
-      const FilmFormat& format);
+      const FilmFormat& format, std::shared_ptr<FilmFile> file);
   ~FilmPipeline();
 
   /// Frames that the encoder has not taken yet.
   int framesWaiting() const;
   /// Blocks until fewer frames wait than `limit`; false after an error.
   bool waitForRoom(int limit);
+  /// Scaled into the film's size, with borders, when it has another.
   void pushVideo(platform::PixelBufferRef image, platform::Duration time,
                  platform::Duration duration);
   /// `position` counts sample frames from the film's beginning.
   void pushAudio(const std::vector<std::int16_t>& samples, std::int64_t position);
-  /// Ends both tracks and closes the file; blocks.
+  /// Ends both tracks and writes the last fragment; blocks.
   tl::expected<void, platform::Fault> finish();
   /// The first error.
   std::optional<platform::Fault> error() const;
@@ -43,15 +42,18 @@ class FilmPipeline {
  private:
   struct State;
 
-  explicit FilmPipeline(const FilmFormat& format);
+  FilmPipeline(const FilmFormat& format, std::shared_ptr<FilmFile> file);
   static std::string launchLine(const FilmFormat& format);
   void configureSources();
+  void announce(const platform::PixelBuffer& image);
 
   const FilmFormat format_;
+  const std::shared_ptr<FilmFile> file_;
   std::shared_ptr<State> state_;
   GstPtr<GstElement> pipeline_;
   GstElement* video_ = nullptr;
   GstElement* audio_ = nullptr;
+  GstPtr<GstCaps> pictureCaps_;  ///< of the last picture
 };
 
 }  // namespace devices

@@ -11,6 +11,18 @@
 /// Writer settings as devices recommend them and films obey them.
 namespace devices {
 
+/// Chroma at half size leaves no room for an odd row or column: the last one is cut off.
+constexpr int even(int size) {
+  return size / 2 * 2;
+}
+
+/// Of pictures and films, in pixels.
+constexpr int kLeastFilmSize = 16;
+constexpr int kMostFilmSize = 4096;
+constexpr bool isFilmSize(int size) {
+  return size >= kLeastFilmSize && size <= kMostFilmSize;
+}
+
 /// H.264 or HEVC settings that suit pictures of this size.
 platform::WriterSettings videoSettings(const platform::AVVideoCodecType& codec, int width,
                                        int height);
@@ -18,8 +30,9 @@ platform::WriterSettings videoSettings(const platform::AVVideoCodecType& codec, 
 /// AAC settings of a voice: 48 kHz, mono, 96 kbit/s.
 platform::WriterSettings audioSettings();
 
-/// Encoders, bit rates and sound format of a film; absent video settings mean defaults, absent
-/// audio settings no sound track. The error names what is missing on this machine or is absurd.
+/// Encoders, bit rates, size and sound format of a film; absent video settings mean defaults,
+/// absent audio settings no sound track. The error names what is missing on this machine, of the
+/// wrong type or impossible.
 tl::expected<FilmFormat, std::string> filmFormat(
     const std::optional<platform::WriterSettings>& video,
     const std::optional<platform::WriterSettings>& audio);

@@ -4,7 +4,8 @@
 #include <cmath>
 #include <utility>
 
-#include "devices/gstreamer/Mp4Dates.h"
+#include "devices/gstreamer/FilmRemux.h"
+#include "devices/gstreamer/FilmSettings.h"
 
 namespace devices {
 
@@ -17,49 +18,56 @@ namespace {
 constexpr int kFramesWaitingRealTime = 90;
 /// The caller waits anyway: no more than what keeps the encoder busy.
 constexpr int kFramesWaitingVirtual = 16;
-constexpr int kLeastSize = 16;
-constexpr int kMostSize = 4096;
 constexpr std::int64_t kSamplesPerAacFrame = 1024;
+/// The muxer writes a fragment every half second: what it has written waits no longer for the disk.
+constexpr platform::Duration kSyncPeriod = std::chrono::milliseconds(250);
+/// Three frames at the usual rate: more is not the camera's own delay.
+constexpr platform::Duration kLate = std::chrono::milliseconds(100);
 constexpr platform::Duration kUsualFrame = std::chrono::nanoseconds(33'333'333);
 
 platform::Duration durationOf(const platform::CMSampleBuffer& sample) {
   return sample.duration > platform::Duration::zero() ? sample.duration : kUsualFrame;
 }
 
-std::string sizeText(int width, int height) {
-  return std::to_string(width) + "x" + std::to_string(height);
-}
-
 }  // namespace
 
-FilmWriter::FilmWriter(bool dropsWhenFull, FilmFormat format)
-    : dropsWhenFull_(dropsWhenFull),
+FilmWriter::FilmWriter(const platform::RunLoop& loop, FilmFormat format,
+                       std::shared_ptr<FilmFile> file, WallClock wallClock)
+    : loop_(loop),
+      wallClock_(std::move(wallClock)),
       format_(std::move(format)),
+      file_(std::move(file)),
+      converter_(format_.sampleRate, format_.channels),
       sound_(std::max(format_.sampleRate, 1), std::max(format_.channels, 1)) {}
 
 FilmWriter::~FilmWriter() = default;
-
-bool FilmWriter::fail(std::string sentence) {
-  return fail(Fault{std::move(sentence), FaultCause::filmFailed});
-}
 
 bool FilmWriter::fail(Fault fault) {
   if (!fault_) fault_ = std::move(fault);
   return false;
 }
 
+std::optional<Fault> FilmWriter::currentFault() const {
+  if (fault_) return fault_;
+  if (pipeline_ && pipeline_->error()) return pipeline_->error();
+  return isEnding_ ? std::nullopt : file_->fault();
+}
+
 bool FilmWriter::isOpen() {
-  if (pipeline_ && !fault_) fault_ = pipeline_->error();
-  return !fault_ && !outcome_;
+  fault_ = currentFault();
+  return !fault_ && !isEnding_;
 }
 
 bool FilmWriter::appendVideo(const platform::CMSampleBufferRef& sample) {
   const std::lock_guard lock(mutex_);
   ++counters_.videoFramesReceived;
+  if (!loop_.isVirtual() && loop_.now() - sample->presentationTime > kLate) {
+    ++counters_.videoFramesLate;
+  }
   if (!isOpen() || !accepts(*sample)) return false;
   if (!pipeline_ && !begin(*sample)) return false;
-  const bool isLate = counters_.videoFramesWritten > 0 && sample->presentationTime <= lastFrame_;
-  if (isLate || !hasRoom()) {
+  const bool isOld = counters_.videoFramesWritten > 0 && sample->presentationTime <= lastFrame_;
+  if (isOld || !hasRoom()) {
     ++counters_.videoFramesDropped;
     return isOpen();
   }
@@ -68,43 +76,36 @@ bool FilmWriter::appendVideo(const platform::CMSampleBufferRef& sample) {
 }
 
 bool FilmWriter::accepts(const platform::CMSampleBuffer& sample) {
-  if (!sample.image) return fail("The camera delivered a sample without a picture.");
+  if (!sample.image) {
+    return fail({"The camera delivered a sample without a picture.", FaultCause::filmFailed});
+  }
   const int width = sample.image->width();
   const int height = sample.image->height();
-  if (std::min(width, height) < kLeastSize || std::max(width, height) > kMostSize) {
-    return fail("The camera's picture of " + sizeText(width, height) +
-                " can't be filmed: it must be " + std::to_string(kLeastSize) + " to " +
-                std::to_string(kMostSize) + " pixels wide and high.");
-  }
-  if (!pipeline_) return true;
-  if (width != format_.width || height != format_.height ||
-      sample.image->format() != format_.pixelFormat) {
-    return fail("The camera's picture changed from " + sizeText(format_.width, format_.height) +
-                " to " + sizeText(width, height) + " while it was filmed.");
-  }
-  if (sample.presentationTime - origin_ > FilmPipeline::kLongestFilm) {
-    return fail("The film " + format_.path.string() + " has reached its longest duration of " +
-                std::to_string(FilmPipeline::kLongestFilm / std::chrono::minutes(1)) + " minutes.");
-  }
-  return true;
+  if (isFilmSize(width) && isFilmSize(height)) return true;
+  return fail({"The camera's picture of " + std::to_string(width) + "x" + std::to_string(height) +
+                   " can't be filmed: it must be " + std::to_string(kLeastFilmSize) + " to " +
+                   std::to_string(kMostFilmSize) + " pixels wide and high.",
+               FaultCause::filmFailed});
 }
 
 bool FilmWriter::begin(const platform::CMSampleBuffer& sample) {
-  format_.width = sample.image->width();
-  format_.height = sample.image->height();
-  format_.pixelFormat = sample.image->format();
+  if (format_.width == 0) {
+    format_.width = even(sample.image->width());
+    format_.height = even(sample.image->height());
+  }
   const double rate = 1 / platform::inSeconds(durationOf(sample));
   format_.framesPerSecond = static_cast<int>(std::clamp(std::round(rate), 1.0, 120.0));
-  auto pipeline = FilmPipeline::start(format_);
+  auto pipeline = FilmPipeline::start(format_, file_);
   if (!pipeline) return fail(pipeline.error());
   pipeline_ = std::move(*pipeline);
+  created_ = wallClock_();
   origin_ = sample.presentationTime;
   sound_.begin(origin_);
   return true;
 }
 
 bool FilmWriter::hasRoom() {
-  if (!dropsWhenFull_) return pipeline_->waitForRoom(kFramesWaitingVirtual);
+  if (loop_.isVirtual()) return pipeline_->waitForRoom(kFramesWaitingVirtual);
   return pipeline_->framesWaiting() < kFramesWaitingRealTime;
 }
 
@@ -115,6 +116,14 @@ void FilmWriter::write(const platform::CMSampleBuffer& sample) {
   writeSound();
   pipeline_->pushVideo(sample.image, time, durationOf(sample));
   ++counters_.videoFramesWritten;
+  syncSoon();
+}
+
+void FilmWriter::syncSoon() {
+  const platform::TimePoint now = loop_.now();
+  if (lastSync_ && now - *lastSync_ < kSyncPeriod) return;
+  lastSync_ = now;
+  file_->syncSoon();
 }
 
 void FilmWriter::writeSound() {
@@ -128,56 +137,76 @@ bool FilmWriter::appendAudio(const platform::CMSampleBufferRef& sample) {
   ++counters_.audioBuffersReceived;
   if (!isOpen()) return false;
   if (!format_.hasAudio) return true;
-  if (sample->sampleRate != format_.sampleRate || sample->channels != format_.channels) {
-    return fail("The microphone delivers " + std::to_string(sample->sampleRate) + " Hz in " +
-                std::to_string(sample->channels) + " channels, the film was set up for " +
-                std::to_string(format_.sampleRate) + " Hz in " + std::to_string(format_.channels) +
-                ".");
+  const platform::CMSampleBufferRef sound = converter_.convert(sample);
+  if (!sound) {
+    ++counters_.audioBuffersDropped;
+    return true;
   }
-  sound_.add(*sample);
-  if (pipeline_) writeSound();
+  sound_.add(*sound);
+  if (!pipeline_) return true;
+  writeSound();
+  syncSoon();
   return true;
 }
 
-tl::expected<void, Fault> FilmWriter::finish() {
-  const std::lock_guard lock(mutex_);
+void FilmWriter::pushLastSound() {
+  if (!format_.hasAudio) return;
+  const std::int64_t frames =
+      sound_.framesIn(pictureEnd_) / kSamplesPerAacFrame * kSamplesPerAacFrame;
+  const std::int64_t position = sound_.position();
+  pipeline_->pushAudio(sound_.takeRest(frames), position);
+}
+
+FilmWriter::Outcome FilmWriter::finish() {
+  const std::lock_guard end(endMutex_);
   if (!outcome_) outcome_ = close();
   return *outcome_;
 }
 
-tl::expected<void, Fault> FilmWriter::close() {
-  if (!pipeline_) {
-    std::error_code ignored;
-    std::filesystem::remove(format_.path, ignored);
-    fail("The film " + format_.path.string() + " is empty: the camera delivered no picture.");
-    return tl::unexpected(*fault_);
+FilmWriter::Outcome FilmWriter::close() {
+  {
+    const std::lock_guard lock(mutex_);
+    fault_ = currentFault();
+    isEnding_ = true;
+    if (!pipeline_) {
+      removeFile();
+      fail({"The film " + file_->path().string() + " is empty: the camera delivered no picture.",
+            FaultCause::filmFailed});
+      return tl::unexpected(*fault_);
+    }
+    pushLastSound();
   }
-  if (format_.hasAudio) {
-    const std::int64_t frames =
-        sound_.framesIn(pictureEnd_) / kSamplesPerAacFrame * kSamplesPerAacFrame;
-    const std::int64_t position = sound_.position();
-    pipeline_->pushAudio(sound_.takeRest(frames), position);
-  }
-  auto closed = pipeline_->finish().and_then([&] { return clearDates(format_.path); });
+  // Samples are turned away from here on; their threads must not wait for the disk.
+  const Outcome closed = pipeline_->finish().and_then([&] { return file_->sync(); }).and_then([&] {
+    return remuxFilm(file_->path(), created_);
+  });
+  const std::lock_guard lock(mutex_);
   pipeline_.reset();
+  if (!closed) fail(closed.error());
   if (fault_) return tl::unexpected(*fault_);
-  return closed;
+  return {};
+}
+
+void FilmWriter::removeFile() {
+  std::error_code ignored;
+  std::filesystem::remove(file_->path(), ignored);
 }
 
 void FilmWriter::cancel() {
+  const std::lock_guard end(endMutex_);
   const std::lock_guard lock(mutex_);
+  isEnding_ = true;
   pipeline_.reset();
-  std::error_code ignored;
-  std::filesystem::remove(format_.path, ignored);
+  removeFile();
   if (!outcome_) {
     outcome_ = tl::unexpected(
-        Fault{"The film " + format_.path.string() + " was cancelled.", FaultCause::canceled});
+        Fault{"The film " + file_->path().string() + " was cancelled.", FaultCause::canceled});
   }
 }
 
 std::optional<Fault> FilmWriter::fault() const {
   const std::lock_guard lock(mutex_);
-  return fault_;
+  return currentFault();
 }
 
 int FilmWriter::framesWaiting() const {

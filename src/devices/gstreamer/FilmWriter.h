@@ -1,6 +1,5 @@
 #pragma once
 
-#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -9,22 +8,29 @@
 #include <tl/expected.hpp>
 
 #include "devices/gstreamer/AudioTimeline.h"
+#include "devices/gstreamer/FilmFile.h"
 #include "devices/gstreamer/FilmPipeline.h"
+#include "devices/gstreamer/FilmSoundConverter.h"
+#include "devices/gstreamer/Mp4Dates.h"
 #include "platform/media/AssetWriter.h"
 
 namespace devices {
 
-/// An MP4 file with H.264 (or, where hardware encodes it, HEVC) and AAC. It plays whenever the
-/// process dies, but for the first second and what came in the last; a finished one is seekable
-/// from its first byte. The same frames and sound give the same bytes: the file holds no date.
+/// An MP4 file with H.264 or HEVC and AAC. While it is recorded it only grows, in fragments of half
+/// a second that are put on the disk at least once a second: it plays whenever the process dies or
+/// the power goes, but for its last second. Finished it is a plain film, seekable from its first
+/// byte, of any length. The same frames and sound give the same bytes where no clock gives a date.
 ///
-/// The first frame fixes the picture's size (an odd last row or column is cut off). The film ends
-/// with its last frame, the sound within one AAC frame (21 ms) before. In virtual time appending
-/// waits for the encoder; in real time a frame that finds three seconds of others waiting is
-/// dropped. Any thread.
+/// Pictures are upright, so the film's matrix is the identity: nothing is left for a player to
+/// turn. The settings or else the first frame fix the picture's size (an odd last row or column is
+/// cut off); others are scaled into it with borders. Sound of another rate is converted. The film
+/// ends with its last frame, the sound within one AAC frame (21 ms) before. In virtual time
+/// appending waits for the encoder; in real time a frame that finds three seconds of others waiting
+/// is dropped. Any thread.
 class FilmWriter final : public platform::AssetWriter {
  public:
-  FilmWriter(bool dropsWhenFull, FilmFormat format);
+  FilmWriter(const platform::RunLoop& loop, FilmFormat format, std::shared_ptr<FilmFile> file,
+             WallClock wallClock);
   ~FilmWriter() override;
 
   bool appendVideo(const platform::CMSampleBufferRef& sample) override;
@@ -36,27 +42,39 @@ class FilmWriter final : public platform::AssetWriter {
   platform::AssetWriterCounters counters() const override;
 
  private:
+  using Outcome = tl::expected<void, platform::Fault>;
+
+  std::optional<platform::Fault> currentFault() const;
   bool isOpen();
-  bool fail(std::string sentence);
   bool fail(platform::Fault fault);
   bool begin(const platform::CMSampleBuffer& sample);
   bool accepts(const platform::CMSampleBuffer& sample);
   bool hasRoom();
   void write(const platform::CMSampleBuffer& sample);
   void writeSound();
-  tl::expected<void, platform::Fault> close();
+  void syncSoon();
+  void pushLastSound();
+  Outcome close();
+  void removeFile();
 
-  const bool dropsWhenFull_;
+  const platform::RunLoop& loop_;
+  const WallClock wallClock_;
+  std::mutex endMutex_;  ///< held while the film ends, locked before `mutex_`
   mutable std::mutex mutex_;
   FilmFormat format_;
+  const std::shared_ptr<FilmFile> file_;
+  FilmSoundConverter converter_;
   AudioTimeline sound_;
   std::unique_ptr<FilmPipeline> pipeline_;
+  CreationTime created_;
   platform::TimePoint origin_{};
   platform::TimePoint lastFrame_{};
+  std::optional<platform::TimePoint> lastSync_;
   platform::Duration pictureEnd_{};
   platform::AssetWriterCounters counters_;
   std::optional<platform::Fault> fault_;
-  std::optional<tl::expected<void, platform::Fault>> outcome_;
+  bool isEnding_ = false;
+  std::optional<Outcome> outcome_;  // guarded by endMutex_
 };
 
 }  // namespace devices

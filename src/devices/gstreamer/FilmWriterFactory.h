@@ -3,19 +3,21 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <string>
 
 #include <tl/expected.hpp>
 
+#include "devices/gstreamer/Mp4Dates.h"
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/AssetWriter.h"
 
 namespace devices {
 
-/// Makes film files, readable by their owner only.
+/// Makes film files, readable by their owner only. Made on the main queue.
 class FilmWriterFactory final : public platform::AssetWriterFactory {
  public:
-  explicit FilmWriterFactory(platform::RunLoop& loop) : loop_(loop) {}
+  /// Films get the date of their first frame in real time, none in virtual time.
+  explicit FilmWriterFactory(platform::RunLoop& loop);
+  FilmWriterFactory(platform::RunLoop& loop, WallClock wallClock);
 
   tl::expected<std::shared_ptr<platform::AssetWriter>, platform::Fault> make(
       const std::filesystem::path& path, const std::optional<platform::WriterSettings>& video,
@@ -23,6 +25,8 @@ class FilmWriterFactory final : public platform::AssetWriterFactory {
 
  private:
   platform::RunLoop& loop_;
+  const WallClock wallClock_;
+  const std::shared_ptr<platform::DispatchQueue> diskQueue_;
 };
 
 }  // namespace devices

@@ -19,7 +19,8 @@ struct NeededElement {
 };
 
 const NeededElement kNeeded[] = {
-    {"filesrc", "libgstreamer1.0-0", "reading and writing media files"},
+    {"filesrc", "libgstreamer1.0-0", "reading media files"},
+    {"fdsink", "libgstreamer1.0-0", "writing the film"},
     {"appsrc", kBase, "handing pictures and sound to GStreamer"},
     {"decodebin", kBase, "reading media files"},
     {"videoconvert", kBase, "converting pictures"},
@@ -40,18 +41,18 @@ const NeededElement kNeeded[] = {
 /// Best first. One thread for x264: with more, its rate control depends on which slice is done
 /// first, and the same frames no longer give the same bytes.
 const VideoEncoder kVideoEncoders[] = {
-    {"vah265enc", platform::kAVVideoCodecTypeHEVC, true,
-     "rate-control=cbr bitrate=%b key-int-max=%k b-frames=0 ! h265parse"},
-    {"vaapih265enc", platform::kAVVideoCodecTypeHEVC, true,
-     "rate-control=cbr bitrate=%b keyframe-period=%k max-bframes=0 ! h265parse"},
-    {"nvh265enc", platform::kAVVideoCodecTypeHEVC, true,
-     "zerolatency=true bitrate=%b gop-size=%k ! h265parse"},
-    {"x265enc", platform::kAVVideoCodecTypeHEVC, false,
-     "speed-preset=ultrafast tune=zerolatency bitrate=%b key-int-max=%k ! h265parse"},
-    {"x264enc", platform::kAVVideoCodecTypeH264, false,
-     "speed-preset=superfast tune=zerolatency threads=1 bitrate=%b key-int-max=%k"},
-    {"openh264enc", platform::kAVVideoCodecTypeH264, false,
-     "complexity=low multi-thread=1 rate-control=bitrate bitrate=%B gop-size=%k ! h264parse"},
+    {"vah265enc", platform::kAVVideoCodecTypeHEVC, true, "NV12",
+     "rate-control=cbr bitrate=%b key-int-max=%k b-frames=0", "h265parse"},
+    {"vaapih265enc", platform::kAVVideoCodecTypeHEVC, true, "NV12",
+     "rate-control=cbr bitrate=%b keyframe-period=%k max-bframes=0", "h265parse"},
+    {"nvh265enc", platform::kAVVideoCodecTypeHEVC, true, "NV12",
+     "zerolatency=true bitrate=%b gop-size=%k", "h265parse"},
+    {"x265enc", platform::kAVVideoCodecTypeHEVC, false, "I420",
+     "speed-preset=ultrafast tune=zerolatency bitrate=%b key-int-max=%k", "h265parse"},
+    {"x264enc", platform::kAVVideoCodecTypeH264, false, "I420",
+     "speed-preset=superfast tune=zerolatency threads=1 bitrate=%b key-int-max=%k", ""},
+    {"openh264enc", platform::kAVVideoCodecTypeH264, false, "I420",
+     "complexity=low multi-thread=1 rate-control=bitrate bitrate=%B gop-size=%k", "h264parse"},
 };
 
 /// Delays measured with a click that was encoded and decoded again.

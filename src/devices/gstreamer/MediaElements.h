@@ -25,9 +25,11 @@ struct VideoEncoder {
   std::string element;
   platform::AVVideoCodecType codec;
   bool hardware = false;
-  /// Rest of the launch line up to the muxer: `%b` stands for kbit/s, `%B` for bit/s, `%k` for
-  /// frames between key frames.
+  std::string pictureFormat;  ///< of the raw pictures that it takes
+  /// Rest of its launch line: `%b` stands for kbit/s, `%B` for bit/s, `%k` for frames between key
+  /// frames.
   std::string settings;
+  std::string parser;  ///< element that the muxer needs behind it; may be empty
 };
 
 /// The encoder that writes this codec on this machine; absent when there is none.

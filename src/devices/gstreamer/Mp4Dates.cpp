@@ -1,11 +1,10 @@
 #include "devices/gstreamer/Mp4Dates.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <fstream>
-#include <string_view>
-#include <vector>
+#include <limits>
+#include <string>
 
 namespace devices {
 namespace {
@@ -24,34 +23,34 @@ class Mp4File {
     size_ = static_cast<std::uint64_t>(std::max<std::streamoff>(file_.tellg(), 0));
   }
 
-  bool clear() {
-    clearBoxes(0, size_);
+  bool setDates(std::uint64_t date) {
+    date_ = date;
+    visitBoxes(0, size_);
     file_.flush();
     return file_.good();
   }
 
  private:
-  void clearBoxes(std::uint64_t begin, std::uint64_t end) {
+  void visitBoxes(std::uint64_t begin, std::uint64_t end) {
     while (file_ && begin + 8 <= end) {
       const Box box = boxAt(begin, end);
       if (box.end <= begin || box.end > end) {
         file_.setstate(std::ios::failbit);
         return;
       }
-      clearBox(box);
+      visitBox(box);
       begin = box.end;
     }
   }
 
-  void clearBox(const Box& box) {
+  void visitBox(const Box& box) {
     if (box.type == "moov" || box.type == "trak" || box.type == "mdia") {
-      clearBoxes(box.payload, box.end);
-    } else if (box.type == "free") {
-      fill(box.payload, box.end);
+      visitBoxes(box.payload, box.end);
     } else if (box.type == "mvhd" || box.type == "tkhd" || box.type == "mdhd") {
       // Version and flags, then both dates: 32 bits each in version 0, 64 bits in version 1.
-      const std::uint64_t width = number(box.payload, 1) == 1 ? 16 : 8;
-      fill(box.payload + 4, std::min(box.payload + 4 + width, box.end));
+      const int width = number(box.payload, 1) == 1 ? 8 : 4;
+      write(box.payload + 4, width);
+      write(box.payload + 4 + static_cast<std::uint64_t>(width), width);
     }
   }
 
@@ -77,24 +76,31 @@ class Mp4File {
     return value;
   }
 
-  void fill(std::uint64_t begin, std::uint64_t end) {
-    constexpr std::array<char, 4096> zeros{};
-    file_.seekp(static_cast<std::streamoff>(begin));
-    for (std::uint64_t left = end - begin; left > 0 && file_;) {
-      const std::uint64_t count = std::min<std::uint64_t>(left, zeros.size());
-      file_.write(zeros.data(), static_cast<std::streamsize>(count));
-      left -= count;
-    }
+  void write(std::uint64_t at, int bytes) {
+    file_.seekp(static_cast<std::streamoff>(at));
+    for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8)
+      file_.put(static_cast<char>(date_ >> shift));
   }
 
   std::fstream file_;
   std::uint64_t size_ = 0;
+  std::uint64_t date_ = 0;
 };
+
+/// MP4 counts seconds from the beginning of 1904. A date past 2040 does not fit the narrow fields.
+std::uint64_t mp4Date(std::chrono::system_clock::time_point time) {
+  constexpr std::int64_t kFrom1904To1970 = 2'082'844'800;
+  const auto date =
+      std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count() + kFrom1904To1970;
+  const bool fits = date > 0 && date <= std::numeric_limits<std::uint32_t>::max();
+  return fits ? static_cast<std::uint64_t>(date) : 0;
+}
 
 }  // namespace
 
-tl::expected<void, platform::Fault> clearDates(const std::filesystem::path& path) {
-  if (Mp4File(path).clear()) return {};
+tl::expected<void, platform::Fault> setDates(const std::filesystem::path& path,
+                                             const CreationTime& date) {
+  if (Mp4File(path).setDates(date ? mp4Date(*date) : 0)) return {};
   return tl::unexpected(
       platform::Fault{"The film " + path.string() + " can't be completed: check its disk.",
                       platform::FaultCause::folderLost});

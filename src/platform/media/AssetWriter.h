@@ -20,11 +20,12 @@ struct AssetWriterCounters {
   std::uint64_t videoFramesReceived = 0;
   std::uint64_t videoFramesWritten = 0;
   std::uint64_t videoFramesDropped = 0;
-  /// Came long after they were captured, in real time: the machine was behind.
+  /// Came more than 100 ms after their presentation time, in real time: the machine was behind.
   std::uint64_t videoFramesLate = 0;
   std::uint64_t audioBuffersReceived = 0;
-  double secondsWritten = 0;    ///< from the first frame to the end of the last
-  double secondsOfSilence = 0;  ///< digital silence before the first microphone buffer
+  std::uint64_t audioBuffersDropped = 0;  ///< nothing could be made of their rate or channels
+  double secondsWritten = 0;              ///< from the first frame to the end of the last
+  double secondsOfSilence = 0;            ///< digital silence before the first microphone buffer
 };
 
 /// One film on disk. It begins with its first video frame; sound that lies before it is left out,

@@ -16,12 +16,20 @@ inline constexpr const char* kAVVideoCodecTypeH264 = "avc1";
 /// Output settings of a writer's track: the keys below, any values.
 using WriterSettings = std::map<std::string, std::any>;
 
-inline constexpr const char* kAVVideoCodecKey = "AVVideoCodecKey";          ///< std::string
-inline constexpr const char* kAVVideoWidthKey = "AVVideoWidthKey";          ///< int, pixels
-inline constexpr const char* kAVVideoHeightKey = "AVVideoHeightKey";        ///< int, pixels
+inline constexpr const char* kAVVideoCodecKey = "AVVideoCodecKey";  ///< std::string
+/// int, pixels, even. Pictures of another size are scaled into the film's, with black borders.
+inline constexpr const char* kAVVideoWidthKey = "AVVideoWidthKey";
+inline constexpr const char* kAVVideoHeightKey = "AVVideoHeightKey";
+/// WriterSettings with the next three keys.
+inline constexpr const char* kAVVideoCompressionPropertiesKey = "AVVideoCompressionPropertiesKey";
 inline constexpr const char* kAVVideoAverageBitRateKey = "AverageBitRate";  ///< int, bit/s
-inline constexpr const char* kAVVideoMaxKeyFrameIntervalKey =
-    "MaxKeyFrameInterval";                                          ///< int, frames
+inline constexpr const char* kAVVideoMaxKeyFrameIntervalKey = "MaxKeyFrameInterval";  ///< int
+inline constexpr const char* kAVVideoProfileLevelKey = "ProfileLevel";  ///< std::string, below
+inline constexpr const char* kAVVideoProfileLevelH264BaselineAutoLevel = "H264_Baseline_AutoLevel";
+inline constexpr const char* kAVVideoProfileLevelH264MainAutoLevel = "H264_Main_AutoLevel";
+inline constexpr const char* kAVVideoProfileLevelH264HighAutoLevel = "H264_High_AutoLevel";
+inline constexpr const char* kAVVideoProfileLevelHEVCMainAutoLevel = "HEVC_Main_AutoLevel";
+
 inline constexpr const char* kAVFormatIDKey = "AVFormatIDKey";      ///< std::string, "aac "
 inline constexpr const char* kAVSampleRateKey = "AVSampleRateKey";  ///< int, Hz
 inline constexpr const char* kAVNumberOfChannelsKey = "AVNumberOfChannelsKey";  ///< int

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+#include <tl/expected.hpp>
+
+#include "platform/foundation/Fault.h"
+#include "platform/foundation/RunLoop.h"
+
+namespace devices {
+
+/// A new file that only grows, readable by its owner only. What was written to it is put on the
+/// disk while it grows, so that a power loss, too, leaves its beginning. Any thread.
+class FilmFile final : public std::enable_shared_from_this<FilmFile> {
+ public:
+  /// `path` must not exist; blocks until the folder's entry is on the disk. `queue` runs the
+  /// blocks of `syncSoon`; it may be null when that is never called.
+  static tl::expected<std::shared_ptr<FilmFile>, platform::Fault> create(
+      const std::filesystem::path& path, std::shared_ptr<platform::DispatchQueue> queue = nullptr);
+  ~FilmFile();
+  FilmFile(const FilmFile&) = delete;
+  FilmFile& operator=(const FilmFile&) = delete;
+
+  const std::filesystem::path& path() const { return path_; }
+  /// To write to; stays open as long as this lives.
+  int descriptor() const { return descriptor_; }
+
+  /// Has everything that is written by then put on the disk without waiting for it. A disk that is
+  /// slower than the calls is asked again only when it has answered.
+  void syncSoon();
+  /// Blocks until everything written is on the disk.
+  tl::expected<void, platform::Fault> sync();
+  /// Why a sync failed: the disk refused, or the file was removed.
+  std::optional<platform::Fault> fault() const;
+
+ private:
+  FilmFile(std::filesystem::path path, int descriptor,
+           std::shared_ptr<platform::DispatchQueue> queue);
+  std::optional<platform::Fault> putOnDisk() const;
+
+  const std::filesystem::path path_;
+  const int descriptor_;
+  const std::shared_ptr<platform::DispatchQueue> queue_;
+  std::atomic<bool> isSyncing_ = false;
+  mutable std::mutex mutex_;
+  std::optional<platform::Fault> fault_;  // guarded by mutex_
+};
+
+/// Puts the names in the folder of `path` on the disk: a renamed or new file is not found again
+/// after a power loss otherwise.
+tl::expected<void, platform::Fault> syncFolderOf(const std::filesystem::path& path);
+
+}  // namespace devices
