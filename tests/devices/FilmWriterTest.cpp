@@ -258,7 +258,7 @@ TEST(AudioTimelineTest, laysJitteringSoundOnWithoutGapsAndLetsItNotDrift) {
       auto buffer = *sound(index * kBuffer + std::chrono::microseconds(lateness(index)), 0);
       std::ranges::fill(buffer.samples, static_cast<std::int16_t>(index + 1));
       timeline.add(buffer);
-      const auto taken = timeline.take(index * kBuffer);
+      const auto taken = timeline.take(index * kBuffer, (index + 1) * kBuffer);
       samples.insert(samples.end(), taken.begin(), taken.end());
     }
     return samples;

@@ -76,10 +76,12 @@ void AudioTimeline::takeSound(std::int64_t end, std::vector<std::int16_t>& out) 
   }
 }
 
-std::vector<std::int16_t> AudioTimeline::take(platform::Duration pictureEnd) {
+std::vector<std::int16_t> AudioTimeline::take(platform::Duration pictureStart,
+                                              platform::Duration pictureEnd) {
   std::vector<std::int16_t> out;
   takeSound(framesIn(pictureEnd), out);
-  if (runs_.empty()) takeSilence(framesIn(pictureEnd - kPatience), out);
+  if (runs_.empty())
+    takeSilence(framesIn(pictureStart - (heard_ ? kPatience : kStartPatience)), out);
   return out;
 }
 

@@ -16,11 +16,14 @@ namespace devices {
 /// never drifts away from the picture.
 ///
 /// The muxer waits for both tracks, so the sound must follow the picture: what the microphone has
-/// not delivered `kPatience` after its time is silence, and comes too late after that. Not thread
-/// safe.
+/// not delivered `kPatience` after the picture of its time has come is silence, and comes too late
+/// after that. Not thread safe.
 class AudioTimeline {
  public:
-  static constexpr platform::Duration kPatience = std::chrono::milliseconds(100);
+  /// A sound server may hold back this much.
+  static constexpr platform::Duration kPatience = std::chrono::milliseconds(300);
+  /// Before the microphone has begun, nothing but its very first sound can come late.
+  static constexpr platform::Duration kStartPatience = std::chrono::milliseconds(100);
   static constexpr platform::Duration kJitter = std::chrono::milliseconds(20);
   /// Sound that runs ahead of the picture by more than this is left out.
   static constexpr platform::Duration kAheadLimit = std::chrono::seconds(30);
@@ -31,9 +34,9 @@ class AudioTimeline {
   void begin(platform::TimePoint origin);
   void add(const platform::CMSampleBuffer& buffer);
 
-  /// The samples (interleaved) that follow those taken before, up to the film time `pictureEnd`:
-  /// sound as far as there is any, silence as far as nothing can come any more.
-  std::vector<std::int16_t> take(platform::Duration pictureEnd);
+  /// The samples (interleaved) that follow those taken before, up to the end of the picture that
+  /// came last: sound as far as there is any, silence as far as nothing can come any more.
+  std::vector<std::int16_t> take(platform::Duration pictureStart, platform::Duration pictureEnd);
   /// The rest, up to `frames` sample frames from the film's beginning.
   std::vector<std::int16_t> takeRest(std::int64_t frames);
 

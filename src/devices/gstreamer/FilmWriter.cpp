@@ -129,7 +129,7 @@ void FilmWriter::syncSoon() {
 void FilmWriter::writeSound() {
   if (!format_.hasAudio) return;
   const std::int64_t position = sound_.position();
-  pipeline_->pushAudio(sound_.take(pictureEnd_), position);
+  pipeline_->pushAudio(sound_.take(lastFrame_ - origin_, pictureEnd_), position);
 }
 
 bool FilmWriter::appendAudio(const platform::CMSampleBufferRef& sample) {
