@@ -228,7 +228,7 @@ void addCaptureCommand(CLI::App& app, ExitCode& exitCode) {
       .add_option(
           "--max-duration", arguments->maxDurationSeconds,
           "seconds after which the flow is ended (default 600); the disk must have room for a "
-          "film of that length, twice")
+          "film of that length, three times")
       ->check(CLI::Range(1.0, 7200.0).description(""));
   command.add_flag("--keep", arguments->keep, "keep the folder of a cancelled run, too");
   command.add_flag("--keep-failed-runs", arguments->keepFailedRuns,

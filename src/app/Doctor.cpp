@@ -96,7 +96,8 @@ std::uintmax_t bytesNeeded(const platform::AVCaptureDevice* camera, double secon
   const auto film = devices::filmFormat(settings, devices::audioSettings());
   if (!film) return kLeastFreeBytes;  // Missing encoders are another finding.
   const double bytes = seconds * (film->videoBitRate + film->audioBitRate) / 8;
-  return std::max(kLeastFreeBytes, static_cast<std::uintmax_t>(2 * bytes));
+  // The film itself, and two more of its size while it is completed.
+  return std::max(kLeastFreeBytes, static_cast<std::uintmax_t>(3 * bytes));
 }
 
 std::vector<Finding> examine(const Resources& resources) {

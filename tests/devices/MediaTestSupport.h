@@ -125,17 +125,6 @@ inline Recording play(const std::filesystem::path& path) {
   return recording;
 }
 
-/// What ffprobe says of a film when asked so.
-inline std::string probed(const std::filesystem::path& film, const std::string& question) {
-  const std::filesystem::path answer = film.string() + ".probed";
-  std::system(("ffprobe -v error -of csv=p=0 " + question + " '" + film.string() + "' > '" +
-               answer.string() + "'")
-                  .c_str());
-  std::string text = bytesOf(answer);
-  std::filesystem::remove(answer);
-  return text;
-}
-
 /// What became of a command of the shell, as `wait` tells it.
 inline int run(const std::string& command) {
   return std::system(("exec " + command).c_str());

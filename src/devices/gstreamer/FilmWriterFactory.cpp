@@ -15,7 +15,9 @@ FilmWriterFactory::FilmWriterFactory(platform::RunLoop& loop)
       }) {}
 
 FilmWriterFactory::FilmWriterFactory(platform::RunLoop& loop, WallClock wallClock)
-    : loop_(loop), wallClock_(std::move(wallClock)), diskQueue_(loop.makeSerialQueue("FilmDisk")) {}
+    : loop_(loop),
+      wallClock_(std::move(wallClock)),
+      diskQueue_(loop.makeSerialQueue("FilmDisk", platform::QualityOfService::utility)) {}
 
 tl::expected<std::shared_ptr<platform::AssetWriter>, Fault> FilmWriterFactory::make(
     const std::filesystem::path& path, const std::optional<platform::WriterSettings>& video,
