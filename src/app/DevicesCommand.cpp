@@ -51,8 +51,8 @@ void printModes(const DeviceInfo& camera) {
 std::string remarks(const DeviceInfo& device, const DeviceInfo* chosen) {
   std::string text;
   if (&device == chosen) text += ", default";
-  if (device.isVirtual) text += ", virtual";
   if (device.isMonitor) text += ", what the machine plays";
+  if (device.isVirtual) text += ", virtual";
   return text;
 }
 

@@ -85,6 +85,7 @@ void addMicrophones(std::vector<DeviceInfo>& devices, const char* provider, cons
     info.id = prefix + info.device;
     info.name = displayName(device);
     info.isMonitor = text(properties, "device.class") == "monitor";
+    info.isVirtual = info.isMonitor;
     gboolean isDefault = FALSE;
     if (properties) gst_structure_get_boolean(properties, "is-default", &isDefault);
     info.isDefault = isDefault != FALSE;

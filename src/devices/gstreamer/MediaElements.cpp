@@ -9,6 +9,7 @@ namespace {
 
 const char* const kBase = "gstreamer1.0-plugins-base";
 const char* const kGood = "gstreamer1.0-plugins-good";
+const char* const kBad = "gstreamer1.0-plugins-bad";
 const char* const kUgly = "gstreamer1.0-plugins-ugly";
 const char* const kLibav = "gstreamer1.0-libav";
 
@@ -28,6 +29,8 @@ const NeededElement kNeeded[] = {
     {"audioconvert", kBase, "converting sound"},
     {"audioresample", kBase, "converting sound"},
     {"videoflip", kGood, "turning pictures upright"},
+    {"v4l2src", kGood, "taking pictures with cameras"},
+    {"audiobuffersplit", kBad, "listening to microphones"},
     {"qtdemux", kGood, "reading MP4 files"},
     {"mp4mux", kGood, "writing the film"},
     {"jpegdec", kGood, "reading JPEG pictures"},
