@@ -193,7 +193,8 @@ void addWindow(WindowLooks& looks, std::vector<Row>& rows) {
        }});
   const std::pair<const char*, bool WindowLooks::*> flags[] = {
       {"screen.rightToLeft", &WindowLooks::rightToLeft},
-      {"screen.reducedMotion", &WindowLooks::reducedMotion}};
+      {"screen.reducedMotion", &WindowLooks::reducedMotion},
+      {"screen.spokenHints", &WindowLooks::spokenHints}};
   for (const auto& [name, field] : flags) {
     rows.push_back({name, "true or false", [&looks, field = field](const json& v, const fs::path&) {
                       if (!v.is_boolean()) return false;
@@ -264,6 +265,7 @@ std::vector<TextEntry> translatableTexts(WindowLooks& looks) {
   std::vector<TextEntry> texts = textsOf();
   for (const char* word : {"close", "progress", "secondsLeft"})
     texts.push_back({std::string("screen.words.") + word, &looks.words[word]});
+  texts.push_back({"screen.voice", &looks.voice});
   return texts;
 }
 

@@ -18,6 +18,8 @@ struct WindowLooks {
   double textScale = 1;  ///< times the size of all letters
   bool rightToLeft = false;
   bool reducedMotion = false;
+  bool spokenHints = false;
+  std::string voice = "en";  ///< code of the language in which hints are spoken
   /// What a screen reader says for signs: "close", "progress", "secondsLeft".
   std::map<std::string, std::string> words;
 };

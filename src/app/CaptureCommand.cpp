@@ -7,6 +7,8 @@
 
 #include "app/CaptureFlow.h"
 #include "app/Doctor.h"
+#include "devices/gstreamer/EspeakSynthesizer.h"
+#include "engine/recorder/LateFrameAnalyzer.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
 
 namespace app {
@@ -119,6 +121,8 @@ void addScreen(CLI::App& command, CaptureArguments& arguments) {
 }
 
 void addLooks(CLI::App& command, CaptureArguments& arguments) {
+  command.add_flag("--spoken-hints", arguments.spokenHints,
+                   "the window's prompts are spoken, in the language of the screens");
   command.add_option("--language", arguments.language,
                      "of the screens: ar, de, en (default), es or fr; the text to read is yours");
   command.add_option("--theme", arguments.theme,
@@ -146,7 +150,9 @@ std::string screenFault(const CaptureArguments& arguments) {
            "with "
            "--camera.";
   }
-  if (arguments.screen != ScreenKind::window) return {};
+  if (arguments.screen != ScreenKind::window) {
+    return arguments.spokenHints ? "Hints are spoken only with --screen window." : "";
+  }
   if (arguments.time == TimeKind::media) {
     return "A window shows a run in real time; leave out --time media, or use --screen headless.";
   }
@@ -156,11 +162,40 @@ std::string screenFault(const CaptureArguments& arguments) {
   return {};
 }
 
-FlowStage makeStage(const CaptureArguments& arguments, const WindowWishes& wishes,
-                    const Resources& resources) {
-  if (arguments.screen == ScreenKind::window) return makeWindowStage(wishes, resources);
+std::string hintsFault(const CaptureArguments& arguments, const WindowLooks& looks) {
+  if (arguments.screen != ScreenKind::window || !looks.spokenHints) return {};
+  return devices::EspeakSynthesizer::fault().value_or("");
+}
+
+std::unique_ptr<Driver> makeDriverFor(const CaptureArguments& arguments) {
+  if (arguments.screen == ScreenKind::window) return makeWindowDriver();
   const TimeKind usual = arguments.source.isRecording() ? TimeKind::media : TimeKind::real;
-  return makeHeadlessStage(arguments.time.value_or(usual));
+  return makeDriver(arguments.time.value_or(usual));
+}
+
+std::unique_ptr<FlowScreen> makeScreenFor(const CaptureArguments& arguments,
+                                          const WindowWishes& wishes, const Resources& resources,
+                                          platform::RunLoop& loop) {
+  if (arguments.screen == ScreenKind::window) return makeWindowScreen(loop, wishes, resources);
+  return makeHeadlessScreen(loop);
+}
+
+using Analyzer = std::shared_ptr<engine::FrameAnalyzer>;
+
+Expected<Analyzer> loadAnalyzer(const Resources& resources) {
+  if (const auto lack = lacks(examineModels(resources)); !lack.empty()) {
+    return tl::unexpected(lack);
+  }
+  auto loaded =
+      engine::VisionFrameAnalyzer::load({resources.faceDetector(), resources.faceLandmarks()});
+  if (!loaded) return tl::unexpected(loaded.error().localizedDescription());
+  return *loaded;
+}
+
+/// A user does not wait for the models to see their picture; a replay has all the time it wants.
+Expected<Analyzer> startAnalyzer(const Resources& resources, platform::RunLoop& loop) {
+  if (loop.isVirtual()) return loadAnalyzer(resources);
+  return engine::LateFrameAnalyzer::start(loop, [resources] { return loadAnalyzer(resources); });
 }
 
 void addHabits(CLI::App& command, CaptureArguments& arguments) {
@@ -194,8 +229,8 @@ void addHabits(CLI::App& command, CaptureArguments& arguments) {
 }
 
 /// What is missing whatever the camera is; empty when nothing is.
-std::string machineLack(const CaptureArguments& arguments, const Resources& resources) {
-  if (auto lack = lacks(examine(resources)); !lack.empty()) return lack;
+std::string machineLack(const CaptureArguments& arguments) {
+  if (auto lack = lacks(examineMachine()); !lack.empty()) return lack;
   if (!devices::realTimeVideoCodecs(arguments.videoCodec).empty()) return {};
   return "No encoder for the film's --video-codec is installed: install "
          "gstreamer1.0-plugins-bad for hevc, gstreamer1.0-plugins-ugly for h264.";
@@ -253,18 +288,20 @@ ExitCode runCapture(const CaptureArguments& arguments) {
       applyLooks({arguments.screen == ScreenKind::window, arguments.language, arguments.theme},
                  resources, wishes.looks);
   if (!dressed) return complain(ExitCode::wrongUse, dressed.error());
+  wishes.looks.spokenHints |= arguments.spokenHints;
+  if (const auto fault = hintsFault(arguments, wishes.looks); !fault.empty()) {
+    return complain(ExitCode::machineLacks, fault);
+  }
   auto inputs = checkInputs(arguments);
   if (!inputs) return complain(ExitCode::wrongUse, inputs.error());
-  if (const auto lack = machineLack(arguments, resources); !lack.empty()) {
+  if (const auto lack = machineLack(arguments); !lack.empty()) {
     return complain(ExitCode::machineLacks, lack);
   }
-  auto analyzer =
-      engine::VisionFrameAnalyzer::load({resources.faceDetector(), resources.faceLandmarks()});
-  if (!analyzer) {
-    return complain(ExitCode::machineLacks, analyzer.error().localizedDescription());
-  }
-  auto stage = makeStage(arguments, wishes, resources);
-  auto media = inputs->openMedia(stage.driver->loop());
+  FlowStage stage{makeDriverFor(arguments), nullptr};
+  platform::RunLoop& loop = stage.driver->loop();
+  auto analyzer = startAnalyzer(resources, loop);
+  if (!analyzer) return complain(ExitCode::machineLacks, analyzer.error());
+  auto media = inputs->openMedia(loop);
   if (!media) return complain(ExitCode::wrongUse, media.error());
   const auto needed = bytesNeeded((*media)->camera().get(), arguments.maxDurationSeconds);
   if (const auto lack = lacks({diskSpace(inputs->folder, needed)}); !lack.empty()) {
@@ -273,9 +310,11 @@ ExitCode runCapture(const CaptureArguments& arguments) {
   if (auto made = makeEmptyFolder(inputs->folder); !made) {
     return complain(ExitCode::wrongUse, made.error());
   }
-  CaptureFlow flow(arguments, *inputs, resources, stage, *media, std::move(*analyzer),
-                   printProgress);
-  return finish(flow.run(), arguments, *inputs, resources);
+  stage.screen = makeScreenFor(arguments, wishes, resources, loop);
+  CaptureFlow flow(arguments, *inputs, resources, stage, *media, *analyzer, printProgress);
+  const RunRecord record = flow.run();
+  const ExitCode code = finish(record, arguments, *inputs, resources);
+  return (*analyzer)->fault() ? ExitCode::machineLacks : code;
 }
 
 }  // namespace app

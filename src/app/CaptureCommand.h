@@ -30,6 +30,7 @@ struct CaptureArguments {
   WindowWishes window;
   std::string language = "en";
   std::optional<std::filesystem::path> theme;
+  bool spokenHints = false;
   std::optional<std::filesystem::path> output;
   std::optional<std::filesystem::path> options;
   devices::PersonHabits habits;

@@ -74,6 +74,7 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs&
       driver_(*stage.driver),
       screen_(*stage.screen),
       media_(std::move(media)),
+      analyzer_(std::move(analyzer)),
       progress_(std::move(progress)),
       signals_([&driver = driver_] { driver.wake(); }),
       events_(driver_.loop(), inputs.folder / EventLog::kFileName,
@@ -91,7 +92,7 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs&
       bundle_(resources.module, screen_.makeStoryboards(capture::controllerFactories())),
       films_(driver_.loop()),
       host_(hostSetup(arguments, inputs, driver_, notificationCenter_, mediaDevices_, films_,
-                      std::move(analyzer), screen_.size(), events_, end_)),
+                      analyzer_, screen_.size(), events_, end_)),
       environment_{driver_.loop(),
                    bundle_,
                    notificationCenter_,
@@ -150,6 +151,7 @@ void CaptureFlow::eventsFailed(const platform::Fault& fault) {
 
 bool CaptureFlow::hasEnded() {
   if (signals_.arrived()) end_.cancel();
+  if (const auto fault = analyzer_->fault()) end_.fail(*fault);
   return end_.isThere();
 }
 

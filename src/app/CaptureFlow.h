@@ -57,6 +57,7 @@ class CaptureFlow {
   Driver& driver_;
   FlowScreen& screen_;
   std::shared_ptr<devices::MediaSource> media_;
+  std::shared_ptr<engine::FrameAnalyzer> analyzer_;
   Progress progress_;
   FlowEnd end_;
   devices::TerminationSignals signals_;

@@ -1,6 +1,7 @@
 #include "app/Doctor.h"
 
 #include <algorithm>
+#include <iterator>
 #include <system_error>
 
 #include "devices/gstreamer/FilmSettings.h"
@@ -100,16 +101,23 @@ std::uintmax_t bytesNeeded(const platform::AVCaptureDevice* camera, double secon
   return std::max(kLeastFreeBytes, static_cast<std::uintmax_t>(3 * bytes));
 }
 
-std::vector<Finding> examine(const Resources& resources) {
+std::vector<Finding> examineModels(const Resources& resources) {
   const fs::path detector = resources.faceDetector();
   const fs::path landmarks = resources.faceLandmarks();
   return {embeddingModel(resources.faceModel()),
           model(detector, engine::FaceDetector::load(detector)),
-          model(landmarks, engine::FaceLandmarks::load(landmarks)),
-          mediaPlugins(),
-          textModel(),
-          anyFile("font OCR-B", engine::defaultOcrBFonts(), "fonts-ocr-b"),
-          speechModel()};
+          model(landmarks, engine::FaceLandmarks::load(landmarks))};
+}
+
+std::vector<Finding> examineMachine() {
+  return {mediaPlugins(), textModel(),
+          anyFile("font OCR-B", engine::defaultOcrBFonts(), "fonts-ocr-b"), speechModel()};
+}
+
+std::vector<Finding> examine(const Resources& resources) {
+  auto findings = examineModels(resources);
+  std::ranges::move(examineMachine(), std::back_inserter(findings));
+  return findings;
 }
 
 std::string lacks(const std::vector<Finding>& findings) {

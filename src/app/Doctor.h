@@ -19,7 +19,11 @@ struct Finding {
   std::string cure;
 };
 
-/// Looks at models, media plugins, encoders, language data and fonts.
+/// Loads the models and runs each once.
+std::vector<Finding> examineModels(const Resources& resources);
+/// Looks at media plugins, encoders, language data and fonts.
+std::vector<Finding> examineMachine();
+/// Both.
 std::vector<Finding> examine(const Resources& resources);
 
 /// Looks whether so many bytes are free at `folder`, which need not exist yet.

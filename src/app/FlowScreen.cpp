@@ -20,8 +20,4 @@ std::unique_ptr<FlowScreen> makeHeadlessScreen(platform::RunLoop&) {
   return std::make_unique<HeadlessScreen>();
 }
 
-FlowStage makeHeadlessStage(TimeKind time) {
-  return {makeDriver(time), std::make_unique<HeadlessScreen>()};
-}
-
 }  // namespace app

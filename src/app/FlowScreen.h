@@ -50,10 +50,12 @@ struct WindowWishes {
 };
 
 std::unique_ptr<FlowScreen> makeHeadlessScreen(platform::RunLoop& loop);
-FlowStage makeHeadlessStage(TimeKind time);
 
-/// A window and the event loop behind it. One at a time in a program.
-FlowStage makeWindowStage(const WindowWishes& wishes, const Resources& resources);
+/// The event loop behind windows. One at a time in a program.
+std::unique_ptr<Driver> makeWindowDriver();
+/// A window, shown at once; needs the event loop of windows.
+std::unique_ptr<FlowScreen> makeWindowScreen(platform::RunLoop& loop, const WindowWishes& wishes,
+                                             const Resources& resources);
 /// A window in virtual time, seen only in the pictures that are saved of it; `backdrop` is a
 /// picture file that stands in for the camera's.
 std::unique_ptr<FlowScreen> makePictureScreen(platform::RunLoop& loop, const WindowWishes& wishes,

@@ -1,7 +1,9 @@
 #include <stdlib.h>
 
 #include "app/FlowScreen.h"
+#include "devices/gstreamer/EspeakSynthesizer.h"
 #include "devices/gstreamer/TonePlayer.h"
+#include "devices/headless/SpokenHints.h"
 #include "devices/qtquick/PreviewCamera.h"
 #include "devices/qtquick/QtApplication.h"
 #include "devices/qtquick/QtRunLoop.h"
@@ -44,8 +46,13 @@ class WindowScreen final : public FlowScreen {
   }
 
   devices::QtScreen& screen() { return screen_; }
-  /// Accepted steps are heard as well.
-  void addTone() { tone_ = std::make_unique<devices::TonePlayer>(loop_); }
+  /// Accepted steps are heard as well, and prompts if that is wanted.
+  void addSounds(const WindowLooks& looks) {
+    tone_ = std::make_unique<devices::TonePlayer>(loop_);
+    if (!looks.spokenHints) return;
+    voice_ = std::make_unique<devices::EspeakSynthesizer>(loop_, looks.voice);
+    hints_ = std::make_unique<devices::SpokenHints>(loop_, *voice_);
+  }
 
   platform::CGSize size() const override { return screen_.size(); }
   devices::DirectoryBundle::StoryboardMaker makeStoryboards(
@@ -53,7 +60,10 @@ class WindowScreen final : public FlowScreen {
     return screen_.makeStoryboards(std::move(factories));
   }
   platform::AnimationPlayer* animations() override { return &screen_; }
-  void join(devices::ScreenHub& hub) override { hub.add(screen_); }
+  void join(devices::ScreenHub& hub) override {
+    hub.add(screen_);
+    if (hints_) hub.add(*hints_);
+  }
   std::unique_ptr<platform::MediaDevices> watch(platform::MediaDevices& devices) override {
     return std::make_unique<devices::PreviewedMediaDevices>(devices, screen_.feed());
   }
@@ -76,6 +86,8 @@ class WindowScreen final : public FlowScreen {
   platform::RunLoop& loop_;
   devices::QtScreen screen_;
   std::unique_ptr<devices::TonePlayer> tone_;
+  std::unique_ptr<devices::EspeakSynthesizer> voice_;
+  std::unique_ptr<devices::SpokenHints> hints_;
 };
 
 }  // namespace
@@ -84,11 +96,15 @@ bool windowIsPossible() {
   return devices::QtApplication::isPossible();
 }
 
-FlowStage makeWindowStage(const WindowWishes& wishes, const Resources& resources) {
-  auto driver = std::make_unique<WindowDriver>();
-  auto screen = std::make_unique<WindowScreen>(driver->loop(), wishes, resources);
-  screen->addTone();
-  return {std::move(driver), std::move(screen)};
+std::unique_ptr<Driver> makeWindowDriver() {
+  return std::make_unique<WindowDriver>();
+}
+
+std::unique_ptr<FlowScreen> makeWindowScreen(platform::RunLoop& loop, const WindowWishes& wishes,
+                                             const Resources& resources) {
+  auto screen = std::make_unique<WindowScreen>(loop, wishes, resources);
+  screen->addSounds(wishes.looks);
+  return screen;
 }
 
 std::unique_ptr<FlowScreen> makePictureScreen(platform::RunLoop& loop, const WindowWishes& wishes,

@@ -9,6 +9,7 @@
 #include "corvana/VideoCapture.h"
 #include "engine/document/CardFinder.h"
 #include "engine/selfie/SelfieVerdict.h"
+#include "platform/foundation/Fault.h"
 #include "platform/foundation/Time.h"
 #include "platform/geometry/Geometry.h"
 #include "platform/media/SampleBuffer.h"
@@ -67,6 +68,10 @@ struct Observation {
 class FrameAnalyzer {
  public:
   virtual ~FrameAnalyzer() = default;
+  /// False while its models are being loaded: frames are not looked at before. Any thread.
+  virtual bool isReady() const { return true; }
+  /// Why it will never be ready. Main queue.
+  virtual std::optional<platform::Fault> fault() const { return {}; }
   virtual Observation analyze(const platform::CMSampleBufferRef& frame,
                               const AnalysisTask& task) = 0;
 };

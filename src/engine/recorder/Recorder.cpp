@@ -127,7 +127,7 @@ bool Recorder::filmIsBehind() {
 
 std::optional<AnalysisTask> Recorder::taskFor(const CMSampleBuffer& sample) {
   if (nextAnalysis_ && sample.presentationTime < *nextAnalysis_) return {};
-  if (analyzing_ || filmIsBehind()) return {};
+  if (analyzing_ || !setup_.analyzer->isReady() || filmIsBehind()) return {};
   std::optional<AnalysisTask> task;
   {
     const std::lock_guard lock(taskMutex_);

@@ -57,6 +57,7 @@ TEST(Commands, BadInputGetsOneSentenceAndExitCodeTwo) {
        "a whole number from 0.0 to 600.0, not -4"},
       {"--language", "xx", "no language \"xx\""},
       {"--theme", SAMPLES "/README.md", "README.md"},
+      {"--time", "media", "A window shows a run in real time"},
       {"--output", scratch.path(), "not empty"},
       {"--output", scratch / "video.mp4", "is a file"},
   };
@@ -73,6 +74,7 @@ TEST(Commands, BadInputGetsOneSentenceAndExitCodeTwo) {
     } else {
       options[c.spoilt] = c.value;
     }
+    if (c.spoilt == "--time") options["--screen"] = "window";
     std::vector<std::string> arguments{"capture"};
     for (const auto& [option, value] : options)
       arguments.insert(arguments.end(), {option, value});

@@ -44,18 +44,28 @@ TEST_F(Screen, ShowsAWholeIdentificationAndTakesItsTouches) {
   EXPECT_TRUE(screen->window().contentItem()->childItems().size() == 1) << "but for the flash";
 }
 
-TEST_F(Screen, CloseCancelsByTouchAndByKeys) {
-  for (const bool byKey : {false, true}) {
-    results.clear();
-    if (!byKey) open();
-    enter();
-    if (byKey) {
-      QTest::keyClick(&screen->window(), Qt::Key_Escape);
-      world.advance(1);
-    } else {
-      click("closeButton");
+TEST_F(Screen, CloseCancelsInEveryPhaseByTouchAndByKeys) {
+  const std::pair<const char*, std::function<void()>> phases[] = {
+      {"selfie", [] {}},
+      {"front", [&] { passSelfie(); }},
+      {"card turns", [&] { passSelfie(), showSide(front), world.advance(0.9); }},
+      {"back", [&] { passSelfie(), passFront(); }},
+      {"reading", [&] { reachReading(); }}};
+  open();
+  for (const auto& [phase, reach] : phases) {
+    for (const bool byKey : {false, true}) {
+      SCOPED_TRACE(phase);
+      results.clear();
+      enter();
+      reach();
+      if (byKey) {
+        QTest::keyClick(&screen->window(), Qt::Key_Escape);
+        world.advance(1);
+      } else {
+        click("closeButton");
+      }
+      expectFailed(IDError::Strings::canceled);
     }
-    expectFailed(IDError::Strings::canceled);
   }
 }
 
@@ -70,6 +80,12 @@ TEST_F(Screen, RetryAndCancelAnswerAndNothingBelowDoes) {
   ASSERT_EQ(world.topmostScene(), "VideoRetryViewController") << "a covered button was touched";
   click("retryButton");
   EXPECT_EQ(world.recorder().count("retry"), 1);
+  reachReading();
+  hear(text);
+  click("doneButton");
+  expectAccepted();
+  results.clear();
+  enter();
   selfie(Face::TimedOut{});
   world.advance(1);
   // The first button has the focus; the second is one key away.

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "devices/gstreamer/EspeakSynthesizer.h"
 #include "devices/headless/RealRunLoop.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
 #include "engine/speech/ReadingText.h"
@@ -188,6 +189,16 @@ TEST_F(PocketSphinxRecognizer, TakesAnyMicrophone) {
   recognizer->append(nullptr);
   loop.advance(std::chrono::seconds(1));
   EXPECT_EQ(notes->results.size(), results);
+}
+
+TEST_F(PocketSphinxRecognizer, UnderstandsSpokenHints) {
+  using devices::EspeakSynthesizer;
+  const std::string hint = "Make sure photo and text are visible";
+  const Samples voice = EspeakSynthesizer::samples(hint, "en");
+  listen(hint);
+  hear(voice, EspeakSynthesizer::kSampleRate);
+  EXPECT_GE(heardShare(notes->words, hint), 0.5);
+  EXPECT_NE(voice, EspeakSynthesizer::samples(hint, "de")) << "another language's sounds";
 }
 
 TEST_F(PocketSphinxRecognizer, LearnsNamesAndNumbersOfTheText) {
