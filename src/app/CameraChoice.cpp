@@ -110,7 +110,6 @@ Expected<MediaOpener> chooseRecording(const CameraChoice& choice, devices::Video
         "A recorded video brings its own sound; leave --microphone out, or play the video as a "
         "live camera with --camera virtual:FILE."));
   }
-  if (auto info = devices::probe(choice.camera); !info) return tl::unexpected(info.error());
   return [path = choice.camera, codec](platform::RunLoop& loop) {
     return devices::MediaFile::open(loop, path, codec).map(asSource);
   };

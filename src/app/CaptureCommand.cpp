@@ -299,14 +299,14 @@ ExitCode runCapture(const CaptureArguments& arguments) {
   }
   FlowStage stage{makeDriverFor(arguments), nullptr};
   platform::RunLoop& loop = stage.driver->loop();
-  auto analyzer = startAnalyzer(resources, loop);
-  if (!analyzer) return complain(ExitCode::machineLacks, analyzer.error());
   auto media = inputs->openMedia(loop);
   if (!media) return complain(ExitCode::wrongUse, media.error());
   const auto needed = bytesNeeded((*media)->camera().get(), arguments.maxDurationSeconds);
   if (const auto lack = lacks({diskSpace(inputs->folder, needed)}); !lack.empty()) {
     return complain(ExitCode::machineLacks, lack);
   }
+  auto analyzer = startAnalyzer(resources, loop);
+  if (!analyzer) return complain(ExitCode::machineLacks, analyzer.error());
   if (auto made = makeEmptyFolder(inputs->folder); !made) {
     return complain(ExitCode::wrongUse, made.error());
   }

@@ -49,6 +49,8 @@ class PreviewItem : public QQuickItem {
   ~PreviewItem() override;
 
   void setFeed(std::shared_ptr<PreviewFeed> feed);
+  /// The camera has given a picture.
+  bool showsPicture() const { return feed_ && !feed_->latest().isNull(); }
 
  protected:
   void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;

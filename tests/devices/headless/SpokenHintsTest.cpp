@@ -61,7 +61,7 @@ TEST_F(Hints, NewestWordsAreSpokenOnceAndNoneWhileTheTextIsRead) {
        {"(silence)"}},
       {"an alert while the text is read",
        [&] {
-         world.speech().fail(IDError("deaf")), world.advance(2);
+         world.speech().fail("deaf"), world.advance(2);
          world.alert()->choose(0), world.advance(2);
        },
        {}},

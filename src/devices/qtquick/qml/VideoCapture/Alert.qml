@@ -26,7 +26,7 @@ Item {
     }
     Rectangle {
         anchors.centerIn: parent
-        width: Math.min(parent.width - 32 * alert.unit, 340 * alert.unit)
+        width: Math.min(parent.width - 32 * alert.unit, 360 * alert.unit)
         height: content.height + 48 * alert.unit
         radius: 18 * alert.unit
         color: "#ffffff"
@@ -35,7 +35,7 @@ Item {
         Column {
             id: content
             anchors { centerIn: parent }
-            width: parent.width - 48 * alert.unit
+            width: parent.width - 36 * alert.unit
             spacing: 12 * alert.unit
 
             Text {

@@ -7,8 +7,9 @@ View {
     property real room: 300
     property real unit: 1
     readonly property real padding: 14 * unit
+    readonly property real free: room - 2 * padding
 
-    width: label ? Math.min(room, label.naturalWidth + 2 * padding) : 0
+    width: label ? label.balancedWidth(free) + 2 * padding : 0
     height: label ? label.height + 1.2 * padding : 0
 
     Rectangle {

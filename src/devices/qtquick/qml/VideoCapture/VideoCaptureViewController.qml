@@ -105,6 +105,7 @@ View {
                 id: selfieOverlayLabel
                 anchors.centerIn: parent
                 width: parent.width - 2 * parent.padding
+                shrink: shrinkFor(parent.free, root.landscape ? 0.7 : 0.8)
                 unit: root.letters
                 fontSize: 20
                 font.weight: Font.DemiBold
@@ -173,6 +174,7 @@ View {
                 id: idOverlayLabel
                 anchors.centerIn: parent
                 width: parent.width - 2 * parent.padding
+                shrink: shrinkFor(parent.free, root.landscape ? 0.7 : 0.8)
                 unit: root.letters
                 fontSize: 20
                 font.weight: Font.DemiBold
@@ -304,7 +306,8 @@ View {
             readonly property real free: root.width - closeButton.width - 28 * root.unit
             readonly property real middle: (root.width - width) / 2
             anchors.verticalCenter: parent.verticalCenter
-            width: Math.min(naturalWidth, free)
+            width: balancedWidth(free)
+            shrink: shrinkFor(free, 0.8)
             x: screen.rightToLeft ? Math.min(middle, free + 10 * root.unit - width)
                                   : Math.max(middle, root.width - free - 10 * root.unit)
             unit: root.letters

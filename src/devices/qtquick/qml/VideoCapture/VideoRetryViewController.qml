@@ -43,7 +43,7 @@ View {
         id: label
         anchors.horizontalCenter: parent.horizontalCenter
         y: imageView.y + imageView.height + root.margin
-        width: root.column
+        width: balancedWidth(root.column)
         unit: root.letters
         fontSize: 22
         horizontalAlignment: Text.AlignHCenter
