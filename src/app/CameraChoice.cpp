@@ -9,7 +9,6 @@
 #include "devices/gstreamer/DeviceCatalog.h"
 #include "devices/gstreamer/LiveFile.h"
 #include "devices/gstreamer/MediaFile.h"
-#include "devices/gstreamer/MediaProbe.h"
 
 namespace app {
 namespace {

@@ -33,7 +33,7 @@ void addCameraOptions(CLI::App& command, CameraChoice& choice);
 using MediaOpener =
     std::function<Expected<std::shared_ptr<devices::MediaSource>>(platform::RunLoop& loop)>;
 
-/// Looks for both devices or at the recording, without opening them. The error is one sentence, the
+/// Looks for both devices, without opening them. The error is one sentence, the
 /// user's to mend.
 Expected<MediaOpener> chooseMedia(const CameraChoice& choice, devices::VideoCodecChoice codec);
 
