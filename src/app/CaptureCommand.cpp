@@ -147,8 +147,7 @@ void choosePerson(const CLI::App& command, CaptureArguments& arguments) {
 std::string screenFault(const CaptureArguments& arguments) {
   if (!arguments.source.isRecording() && arguments.time == TimeKind::media) {
     return "A live camera works in real time; leave out --time media, or name a recorded video "
-           "with "
-           "--camera.";
+           "with --camera.";
   }
   if (arguments.screen != ScreenKind::window) {
     return arguments.spokenHints ? "Hints are spoken only with --screen window." : "";

@@ -42,6 +42,7 @@ ordered_json recordingToJson(const RunRecord& record) {
           {"framesDropped", record.framesCaptured - counters.videoFramesWritten},
           {"framesLate", counters.videoFramesLate},
           {"audioBuffersReceived", counters.audioBuffersReceived},
+          {"audioBuffersDropped", counters.audioBuffersDropped},
           {"seconds", counters.secondsWritten},
           {"secondsOfSilence", counters.secondsOfSilence},
           {"runs", record.runs}};

@@ -33,6 +33,7 @@ AssetWriterCounters sum(const AssetWriterCounters& films, AssetWriterCounters la
   last.videoFramesDropped += films.videoFramesDropped;
   last.videoFramesLate += films.videoFramesLate;
   last.audioBuffersReceived += films.audioBuffersReceived;
+  last.audioBuffersDropped += films.audioBuffersDropped;
   return last;
 }
 
