@@ -26,6 +26,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -81,8 +82,8 @@ double sinceStart() {
   return 1e3 * (static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9 - start);
 }
 
-/// Processor time by what threads do, told by their names. Threads come and go, so it is asked for
-/// again and again.
+/// Processor time by what threads do, told by their names. Threads come and go and take up other
+/// work, so it is asked for again and again.
 class ThreadTimes {
  public:
   void look() {
@@ -100,16 +101,14 @@ class ThreadTimes {
         fields >> skipped;
       fields >> user >> system;
       const auto nameStart = text.find('(') + 1;
-      times_[id] = {groupOf(id, text.substr(nameStart, nameEnd - nameStart)),
-                    (user + system) / static_cast<double>(sysconf(_SC_CLK_TCK))};
+      const double time = (user + system) / static_cast<double>(sysconf(_SC_CLK_TCK));
+      const double before = std::exchange(times_[id], time);
+      // A thread that has taken over the number of another begins at nothing.
+      seconds_[groupOf(id, text.substr(nameStart, nameEnd - nameStart))] +=
+          time < before ? time : time - before;
     }
   }
-  std::map<std::string, double> seconds() const {
-    std::map<std::string, double> sums;
-    for (const auto& [id, time] : times_)
-      sums[time.first] += time.second;
-    return sums;
-  }
+  const std::map<std::string, double>& seconds() const { return seconds_; }
 
  private:
   static std::string groupOf(int id, const std::string& name) {
@@ -119,7 +118,8 @@ class ThreadTimes {
     return "workers (analysis, preview, speech)";
   }
 
-  std::map<int, std::pair<std::string, double>> times_;
+  std::map<int, double> times_;
+  std::map<std::string, double> seconds_;
 };
 
 double mainReached = 0;

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "devices/gstreamer/FilmSettings.h"
-
 namespace devices {
 namespace {
 
@@ -18,11 +16,11 @@ constexpr int kMostDroppedInARow = 4;
 FileCamera::FileCamera(platform::RunLoop& loop, std::shared_ptr<FileTimeline> timeline,
                        const MediaInfo& info, std::unique_ptr<VideoReader> reader,
                        VideoReader::Picture first, VideoCodecChoice codecChoice, Reports reports)
-    : loop_(loop),
+    : FilmingCamera(codecChoice),
+      loop_(loop),
       timeline_(std::move(timeline)),
       info_(info),
       reader_(std::move(reader)),
-      codecChoice_(codecChoice),
       reports_(std::move(reports)),
       next_(std::move(first)) {}
 
@@ -119,20 +117,6 @@ void FileCamera::endAfter(platform::Duration lastFrame) {
       self->reports_.end();
     }
   });
-}
-
-std::vector<platform::AVVideoCodecType> FileCamera::availableVideoCodecTypes(
-    const platform::AVFileType& fileType) const {
-  if (fileType != platform::kAVFileTypeMP4) return {};
-  return realTimeVideoCodecs(codecChoice_);
-}
-
-bool FileCamera::recommendedVideoSettings(const platform::AVVideoCodecType& codec,
-                                          const platform::AVFileType& fileType,
-                                          platform::WriterSettings& settings) const {
-  if (fileType != platform::kAVFileTypeMP4 || !encoderFor(codec)) return false;
-  settings = videoSettings(codec, info_.width, info_.height);
-  return true;
 }
 
 }  // namespace devices

@@ -10,15 +10,13 @@
 #include <vector>
 
 #include "devices/gstreamer/FileTimeline.h"
-#include "devices/gstreamer/MediaElements.h"
+#include "devices/gstreamer/FilmingDevice.h"
 #include "devices/gstreamer/StreamReader.h"
-#include "platform/media/CaptureDevice.h"
 
 namespace devices {
 
 /// The pictures of a recorded file as a camera's.
-class FileCamera final : public platform::AVCaptureDevice,
-                         public std::enable_shared_from_this<FileCamera> {
+class FileCamera final : public FilmingCamera, public std::enable_shared_from_this<FileCamera> {
  public:
   /// Called on a thread of the device.
   struct Reports {
@@ -32,23 +30,14 @@ class FileCamera final : public platform::AVCaptureDevice,
              VideoCodecChoice codecChoice, Reports reports);
 
   std::string localizedName() const override { return "Recorded camera"; }
-  platform::AVMediaType mediaType() const override { return platform::AVMediaType::video; }
   bool open() override;
   void start(SampleHandler handler) override;
   void stop() override;
-  std::vector<platform::AVVideoCodecType> availableVideoCodecTypes(
-      const platform::AVFileType& fileType) const override;
-  bool recommendedVideoSettings(const platform::AVVideoCodecType& codec,
-                                const platform::AVFileType& fileType,
-                                platform::WriterSettings& settings) const override;
-  bool recommendedAudioSettings(const platform::AVFileType&,
-                                platform::WriterSettings&) const override {
-    return false;
-  }
 
   std::uint64_t framesDropped() const { return framesDropped_; }
 
  private:
+  PictureSize pictureSize() const override { return {info_.width, info_.height}; }
   void schedule();
   void deliver();
   void skipTo(platform::Duration place);
@@ -61,7 +50,6 @@ class FileCamera final : public platform::AVCaptureDevice,
   const std::shared_ptr<FileTimeline> timeline_;
   const MediaInfo info_;
   const std::unique_ptr<VideoReader> reader_;
-  const VideoCodecChoice codecChoice_;
   const Reports reports_;
 
   /// Recursive, since a handler may stop the device that calls it.

@@ -4,8 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "devices/gstreamer/FilmSettings.h"
-
 namespace devices {
 
 FileMicrophone::FileMicrophone(platform::RunLoop& loop, std::shared_ptr<FileTimeline> timeline,
@@ -83,13 +81,6 @@ void FileMicrophone::deliver() {
   // Last, since the handler may stop or restart this microphone; a copy, since that replaces it.
   const SampleHandler handler = handler_;
   handler(std::move(sample));
-}
-
-bool FileMicrophone::recommendedAudioSettings(const platform::AVFileType& fileType,
-                                              platform::WriterSettings& settings) const {
-  if (fileType != platform::kAVFileTypeMP4 || !aacEncoder()) return false;
-  settings = audioSettings();
-  return true;
 }
 
 }  // namespace devices

@@ -5,17 +5,16 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <vector>
 
 #include "devices/gstreamer/FileTimeline.h"
+#include "devices/gstreamer/FilmingDevice.h"
 #include "devices/gstreamer/StreamReader.h"
-#include "platform/media/CaptureDevice.h"
 
 namespace devices {
 
 /// The sound of a recorded file as a microphone's. It is silent where the file holds no
 /// sound, and ends with the file.
-class FileMicrophone final : public platform::AVCaptureDevice,
+class FileMicrophone final : public FilmingMicrophone,
                              public std::enable_shared_from_this<FileMicrophone> {
  public:
   /// `error` is called on a thread of the device.
@@ -24,20 +23,9 @@ class FileMicrophone final : public platform::AVCaptureDevice,
                  std::function<void(std::string)> error);
 
   std::string localizedName() const override { return "Recorded microphone"; }
-  platform::AVMediaType mediaType() const override { return platform::AVMediaType::audio; }
   bool open() override;
   void start(SampleHandler handler) override;
   void stop() override;
-  std::vector<platform::AVVideoCodecType> availableVideoCodecTypes(
-      const platform::AVFileType&) const override {
-    return {};
-  }
-  bool recommendedVideoSettings(const platform::AVVideoCodecType&, const platform::AVFileType&,
-                                platform::WriterSettings&) const override {
-    return false;
-  }
-  bool recommendedAudioSettings(const platform::AVFileType& fileType,
-                                platform::WriterSettings& settings) const override;
 
  private:
   static constexpr std::int64_t kBufferSamples = AudioReader::kSampleRate / 50;

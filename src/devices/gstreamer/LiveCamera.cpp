@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "devices/gstreamer/FilmSettings.h"
 #include "devices/gstreamer/GstPicture.h"
 
 namespace devices {
@@ -45,7 +44,7 @@ std::string looksOf(const GstCaps* caps) {
 
 LiveCamera::LiveCamera(platform::RunLoop& loop, LiveSource source, CameraTurn turn,
                        VideoCodecChoice codecChoice)
-    : name_(source.name), codecChoice_(codecChoice) {
+    : FilmingCamera(codecChoice), name_(source.name) {
   LiveStream::Setup setup;
   setup.kind = "camera";
   setup.source = std::move(source);
@@ -98,20 +97,6 @@ void LiveCamera::keepSize(int width, int height) {
                           G_TYPE_STRING, "bt601", "pixel-aspect-ratio", GST_TYPE_FRACTION, 1, 1,
                           "width", G_TYPE_INT, width, "height", G_TYPE_INT, height, nullptr));
   g_object_set(sizeFilter_, "caps", caps.get(), nullptr);
-}
-
-std::vector<platform::AVVideoCodecType> LiveCamera::availableVideoCodecTypes(
-    const platform::AVFileType& fileType) const {
-  if (fileType != platform::kAVFileTypeMP4) return {};
-  return realTimeVideoCodecs(codecChoice_);
-}
-
-bool LiveCamera::recommendedVideoSettings(const platform::AVVideoCodecType& codec,
-                                          const platform::AVFileType& fileType,
-                                          platform::WriterSettings& settings) const {
-  if (fileType != platform::kAVFileTypeMP4 || !encoderFor(codec)) return false;
-  settings = videoSettings(codec, width_, height_);
-  return true;
 }
 
 }  // namespace devices

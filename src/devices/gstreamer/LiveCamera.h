@@ -4,17 +4,16 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
+#include "devices/gstreamer/FilmingDevice.h"
 #include "devices/gstreamer/LiveDevices.h"
 #include "devices/gstreamer/LiveStream.h"
-#include "platform/media/CaptureDevice.h"
 
 namespace devices {
 
 /// A live camera: upright I420 pictures (BT.601, limited range) of the size of the first one. When
 /// the device changes size or format, pictures are scaled into that size, with borders.
-class LiveCamera final : public platform::AVCaptureDevice {
+class LiveCamera final : public FilmingCamera {
  public:
   LiveCamera(platform::RunLoop& loop, LiveSource source, CameraTurn turn,
              VideoCodecChoice codecChoice);
@@ -27,28 +26,18 @@ class LiveCamera final : public platform::AVCaptureDevice {
   bool hasChanged() const { return changed_; }
 
   std::string localizedName() const override { return name_; }
-  platform::AVMediaType mediaType() const override { return platform::AVMediaType::video; }
   bool open() override { return stream_->isOpen(); }
   void start(SampleHandler handler) override { stream_->start(std::move(handler)); }
   void stop() override { stream_->stop(); }
-  std::vector<platform::AVVideoCodecType> availableVideoCodecTypes(
-      const platform::AVFileType& fileType) const override;
-  bool recommendedVideoSettings(const platform::AVVideoCodecType& codec,
-                                const platform::AVFileType& fileType,
-                                platform::WriterSettings& settings) const override;
-  bool recommendedAudioSettings(const platform::AVFileType&,
-                                platform::WriterSettings&) const override {
-    return false;
-  }
 
  private:
+  PictureSize pictureSize() const override { return {width_, height_}; }
   static GstPadProbeReturn onCaps(GstPad* pad, GstPadProbeInfo* info, gpointer data);
   void setUp(GstElement* pipeline);
   LiveStream::Sample convert(GstSample* sample);
   void keepSize(int width, int height);
 
   const std::string name_;
-  const VideoCodecChoice codecChoice_;
   GstElement* sizeFilter_ = nullptr;  ///< in the pipeline
   std::optional<std::string> firstCaps_;
   std::atomic<int> width_ = 0;

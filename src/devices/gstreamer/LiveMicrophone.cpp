@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "devices/gstreamer/FilmSettings.h"
-
 namespace devices {
 namespace {
 
@@ -50,13 +48,6 @@ LiveStream::Sample LiveMicrophone::convert(GstSample* sample) {
 
 platform::Duration LiveMicrophone::silentFor() const {
   return platform::seconds(double(silentSamples_) / kSampleRate);
-}
-
-bool LiveMicrophone::recommendedAudioSettings(const platform::AVFileType& fileType,
-                                              platform::WriterSettings& settings) const {
-  if (fileType != platform::kAVFileTypeMP4 || !aacEncoder()) return false;
-  settings = audioSettings();
-  return true;
 }
 
 }  // namespace devices

@@ -3,15 +3,14 @@
 #include <atomic>
 #include <memory>
 #include <string>
-#include <vector>
 
+#include "devices/gstreamer/FilmingDevice.h"
 #include "devices/gstreamer/LiveStream.h"
-#include "platform/media/CaptureDevice.h"
 
 namespace devices {
 
 /// A live microphone: 48 kHz mono, 16 bit, in buffers of 20 ms, whatever the device delivers.
-class LiveMicrophone final : public platform::AVCaptureDevice {
+class LiveMicrophone final : public FilmingMicrophone {
  public:
   LiveMicrophone(platform::RunLoop& loop, LiveSource source);
   ~LiveMicrophone() override { stream_->close(); }
@@ -23,20 +22,9 @@ class LiveMicrophone final : public platform::AVCaptureDevice {
   platform::Duration silentFor() const;
 
   std::string localizedName() const override { return name_; }
-  platform::AVMediaType mediaType() const override { return platform::AVMediaType::audio; }
   bool open() override { return stream_->isOpen(); }
   void start(SampleHandler handler) override { stream_->start(std::move(handler)); }
   void stop() override { stream_->stop(); }
-  std::vector<platform::AVVideoCodecType> availableVideoCodecTypes(
-      const platform::AVFileType&) const override {
-    return {};
-  }
-  bool recommendedVideoSettings(const platform::AVVideoCodecType&, const platform::AVFileType&,
-                                platform::WriterSettings&) const override {
-    return false;
-  }
-  bool recommendedAudioSettings(const platform::AVFileType& fileType,
-                                platform::WriterSettings& settings) const override;
 
  private:
   LiveStream::Sample convert(GstSample* sample);

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <vector>
+
+#include "devices/gstreamer/MediaElements.h"
+#include "platform/media/CaptureDevice.h"
+
+/// What the cameras and microphones of this folder, live or recorded, say of the films that can be
+/// made of what they deliver.
+namespace devices {
+
+class FilmingCamera : public platform::AVCaptureDevice {
+ public:
+  explicit FilmingCamera(VideoCodecChoice codecChoice) : codecChoice_(codecChoice) {}
+
+  platform::AVMediaType mediaType() const final { return platform::AVMediaType::video; }
+  std::vector<platform::AVVideoCodecType> availableVideoCodecTypes(
+      const platform::AVFileType& fileType) const final;
+  bool recommendedVideoSettings(const platform::AVVideoCodecType& codec,
+                                const platform::AVFileType& fileType,
+                                platform::WriterSettings& settings) const final;
+  bool recommendedAudioSettings(const platform::AVFileType&,
+                                platform::WriterSettings&) const final {
+    return false;
+  }
+
+ protected:
+  struct PictureSize {
+    int width;
+    int height;
+  };
+  virtual PictureSize pictureSize() const = 0;
+
+ private:
+  const VideoCodecChoice codecChoice_;
+};
+
+class FilmingMicrophone : public platform::AVCaptureDevice {
+ public:
+  platform::AVMediaType mediaType() const final { return platform::AVMediaType::audio; }
+  std::vector<platform::AVVideoCodecType> availableVideoCodecTypes(
+      const platform::AVFileType&) const final {
+    return {};
+  }
+  bool recommendedVideoSettings(const platform::AVVideoCodecType&, const platform::AVFileType&,
+                                platform::WriterSettings&) const final {
+    return false;
+  }
+  bool recommendedAudioSettings(const platform::AVFileType& fileType,
+                                platform::WriterSettings& settings) const final;
+};
+
+}  // namespace devices
