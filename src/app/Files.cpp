@@ -9,6 +9,8 @@
 #include <openssl/evp.h>
 #include <unistd.h>
 
+#include "devices/gstreamer/DiskSync.h"
+
 namespace app {
 namespace {
 
@@ -34,6 +36,13 @@ std::string hexadecimal(const unsigned char* bytes, unsigned int count) {
     text += kDigits[bytes[i] & 15];
   }
   return text;
+}
+
+Expected<void> sync(const fs::path& path) {
+  const std::error_code error = devices::syncToDisk(path);
+  if (!error) return {};
+  return fault(quoted(path) + " could not be put on the disk: " + error.message() +
+               "; check its folder and disk.");
 }
 
 }  // namespace
@@ -134,6 +143,15 @@ Expected<void> makeEmptyFolder(const fs::path& path) {
   }
   fs::permissions(path, kOwnerFolder, error);
   return checkEmptyFolder(path);
+}
+
+Expected<void> putOnDisk(const fs::path& folder) {
+  std::error_code error;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
+    if (!entry.is_regular_file(error)) continue;
+    if (auto synced = sync(entry.path()); !synced) return synced;
+  }
+  return sync(folder);
 }
 
 }  // namespace app

@@ -31,4 +31,8 @@ Expected<void> checkEmptyFolder(const std::filesystem::path& path);
 /// Makes the folder for its owner only, or takes an existing one that is empty and writable.
 Expected<void> makeEmptyFolder(const std::filesystem::path& path);
 
+/// Blocks until the folder's names and what its files hold are on the disk, so that a power loss
+/// leaves them as they are.
+Expected<void> putOnDisk(const std::filesystem::path& folder);
+
 }  // namespace app

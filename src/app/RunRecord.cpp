@@ -116,7 +116,8 @@ WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources
           .and_then([&] { return addHashes("models", resources.models(), result.content); })
           .and_then([&] { return addHashes("sha256", filesOf(record, folder), result.content); })
           .and_then(
-              [&] { return writeFile(folder / kResultFileName, result.content.dump(2) + "\n"); });
+              [&] { return writeFile(folder / kResultFileName, result.content.dump(2) + "\n"); })
+          .and_then([&] { return putOnDisk(folder); });
   if (!written) result.fault = written.error();
   return result;
 }

@@ -56,7 +56,8 @@ struct WrittenRecord {
   std::string fault;  ///< why a file could not be written; empty when all are
 };
 
-/// Writes the selfie and result.json. The film and the events must be closed.
+/// Writes the selfie and result.json, and blocks until the whole folder is on the disk. The film
+/// and the events must be closed.
 WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources,
                              const std::filesystem::path& folder);
 

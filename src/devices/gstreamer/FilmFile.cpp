@@ -9,6 +9,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "devices/gstreamer/DiskSync.h"
+#include "devices/gstreamer/FilmFault.h"
+
 namespace devices {
 
 using platform::Fault;
@@ -16,12 +19,8 @@ using platform::FaultCause;
 
 namespace {
 
-Fault faultOf(const std::filesystem::path& path, const char* what, int error) {
-  const bool isFull = error == ENOSPC || error == EDQUOT || error == EFBIG;
-  const char* advice = isFull ? "free some space" : "check its folder and disk";
-  return {"The film " + path.string() + " can't be " + what + " (" + std::strerror(error) +
-              "): " + advice + ".",
-          isFull ? FaultCause::diskFull : FaultCause::folderLost};
+Fault faultOf(const std::filesystem::path& path, const char* done, int error) {
+  return filmFault(path, done, std::strerror(error), fileFaultCause(error));
 }
 
 }  // namespace
@@ -75,13 +74,9 @@ std::optional<Fault> FilmFile::fault() const {
 
 tl::expected<void, Fault> syncFolderOf(const std::filesystem::path& path) {
   const auto folder = path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
-  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  // Some network file systems can't sync a folder and say so: they have no caches of names.
-  const bool isSynced = descriptor >= 0 && (::fsync(descriptor) == 0 || errno == EINVAL);
-  const int error = errno;
-  if (descriptor >= 0) ::close(descriptor);
-  if (isSynced) return {};
-  return tl::unexpected(faultOf(path, "named on the disk", error));
+  const std::error_code error = syncToDisk(folder);
+  if (!error) return {};
+  return tl::unexpected(faultOf(path, "named on the disk", error.value()));
 }
 
 }  // namespace devices

@@ -9,6 +9,7 @@
 #include <gst/app/gstappsrc.h>
 #include <gst/audio/audio.h>
 
+#include "devices/gstreamer/FilmFault.h"
 #include "devices/gstreamer/FilmRemux.h"
 #include "devices/gstreamer/FilmSettings.h"
 #include "devices/gstreamer/GstPicture.h"
@@ -33,16 +34,13 @@ std::string replaced(std::string text, const std::string& mark, int value) {
 }
 
 Fault faultOf(const std::filesystem::path& path, const GError& error) {
-  const std::string film = "The film " + path.string();
   if (g_error_matches(&error, GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_NO_SPACE_LEFT)) {
-    return {film + " can't grow: the disk is full; free some space. What was recorded plays.",
-            FaultCause::diskFull};
+    return filmFault(path, "written", "the disk is full", FaultCause::diskFull);
   }
   if (error.domain == GST_RESOURCE_ERROR) {
-    return {film + " can't be written (" + describe(error) + "): check its folder and disk.",
-            FaultCause::folderLost};
+    return filmFault(path, "written", describe(error), FaultCause::folderLost);
   }
-  return {film + " can't be encoded: " + describe(error) + ".", FaultCause::filmFailed};
+  return filmFault(path, "encoded", describe(error), FaultCause::filmFailed);
 }
 
 }  // namespace
@@ -65,8 +63,8 @@ struct FilmPipeline::State {
   template <class Condition>
   void wait(std::unique_lock<std::mutex>& lock, Condition condition) {
     if (changed.wait_for(lock, kAnswerLimit, [&] { return error || condition(); })) return;
-    error = Fault{"The film " + path.string() + " stopped: the encoder does not answer any more.",
-                  FaultCause::filmFailed};
+    error =
+        filmFault(path, "encoded", "the encoder does not answer any more", FaultCause::filmFailed);
   }
 
   static GstBusSyncReply onMessage(GstBus*, GstMessage* message, gpointer data) {
@@ -169,8 +167,8 @@ tl::expected<std::unique_ptr<FilmPipeline>, Fault> FilmPipeline::start(
   gst_bus_set_sync_handler(bus.get(), &State::onMessage, new std::shared_ptr<State>(film->state_),
                            &State::release);
   if (gst_element_set_state(film->pipeline_.get(), GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
-    film->state_->fail({"The film " + film->file_->path().string() + " can't be written.",
-                        FaultCause::folderLost});
+    film->state_->fail(filmFault(film->file_->path(), "begun", "the encoder does not start",
+                                 FaultCause::filmFailed));
     return tl::unexpected(*film->error());
   }
   return film;

@@ -3,15 +3,15 @@
 #include <string>
 #include <system_error>
 
+#include "devices/gstreamer/FilmFault.h"
 #include "devices/gstreamer/FilmFile.h"
 #include "devices/gstreamer/GstSupport.h"
 #include "devices/gstreamer/Mp4Dates.h"
 
 namespace devices {
 
-using platform::Fault;
 using platform::FaultCause;
-using Result = tl::expected<void, Fault>;
+using Result = tl::expected<void, platform::Fault>;
 
 namespace {
 
@@ -36,18 +36,13 @@ struct Leftovers {
   const std::filesystem::path samples;  ///< the muxer's own, until it knows the index
 };
 
-Fault faultOf(const std::filesystem::path& film, const std::string& why) {
+/// The muxer does not say why it could not write; copying takes as much again as the film, twice.
+FaultCause causeFor(const std::filesystem::path& film) {
   std::error_code error;
   const auto size = std::filesystem::file_size(film, error);
-  const std::string sentence = "The film " + film.string() + " can't be completed (" + why + "): ";
-  if (error) return {sentence + "check its folder.", FaultCause::folderLost};
+  if (error) return FaultCause::folderLost;
   const bool isFull = std::filesystem::space(film, error).available < 2 * size && !error;
-  const std::string plays = " What was recorded plays.";
-  if (isFull) {
-    return {sentence + "free as much disk space as two such films take." + plays,
-            FaultCause::diskFull};
-  }
-  return {sentence + "check its folder and disk." + plays, FaultCause::folderLost};
+  return isFull ? FaultCause::diskFull : FaultCause::folderLost;
 }
 
 /// Links the tracks that the demuxer finds; it does so before it delivers anything. Must outlive
@@ -75,7 +70,7 @@ constexpr const char* kLaunchLine =
     "mp4mux name=mux faststart=true ! fdsink name=plain sync=false async=false";
 
 Result failed(const std::filesystem::path& film, const std::string& why) {
-  return tl::unexpected(faultOf(film, why));
+  return tl::unexpected(filmFault(film, "completed", why, causeFor(film)));
 }
 
 Result copyTracks(const std::filesystem::path& film, const Leftovers& files, int output) {

@@ -6,6 +6,8 @@
 #include <limits>
 #include <string>
 
+#include "devices/gstreamer/FilmFault.h"
+
 namespace devices {
 namespace {
 
@@ -102,8 +104,7 @@ tl::expected<void, platform::Fault> setDates(const std::filesystem::path& path,
                                              const CreationTime& date) {
   if (Mp4File(path).setDates(date ? mp4Date(*date) : 0)) return {};
   return tl::unexpected(
-      platform::Fault{"The film " + path.string() + " can't be completed: check its disk.",
-                      platform::FaultCause::folderLost});
+      filmFault(path, "dated", "its boxes can't be read", platform::FaultCause::folderLost));
 }
 
 }  // namespace devices
