@@ -8,4 +8,8 @@ struct Overloaded : Handlers... {
   using Handlers::operator()...;
 };
 
+// Some compilers of C++20 do not deduce an aggregate's arguments yet.
+template <class... Handlers>
+Overloaded(Handlers...) -> Overloaded<Handlers...>;
+
 }  // namespace capture
