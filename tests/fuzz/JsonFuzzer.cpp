@@ -1,0 +1,24 @@
+#include "InputFile.h"
+#include "app/AppearanceTable.h"
+#include "app/OptionTable.h"
+#include "app/Reference.h"
+#include "app/RunRecord.h"
+#include "app/SimulateScript.h"
+
+/// Every JSON file that the program reads.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  {
+    const fuzz::InputFile file("script.json", data, size);
+    const auto script = app::loadSimulateScript(file.path());
+    if (script) (void)app::applyOptions(script->options);
+    app::WindowLooks looks;
+    (void)app::applyAppearance(file.path(), looks);
+  }
+  {
+    const fuzz::InputFile file(app::kReferenceFileName, data, size);
+    (void)app::loadReference(file.path().parent_path());
+  }
+  const fuzz::InputFile file(app::kResultFileName, data, size);
+  (void)app::verifyRun(file.path().parent_path());
+  return 0;
+}

@@ -1,0 +1,10 @@
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "engine/document/mrz/MrzParser.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  (void)engine::parseMrz(std::string_view(reinterpret_cast<const char*>(data), size));
+  return 0;
+}

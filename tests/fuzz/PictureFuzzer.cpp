@@ -1,0 +1,11 @@
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "devices/gstreamer/ImageHeader.h"
+
+/// What our own code reads of a picture before a library decodes it.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  (void)devices::readImageHeader(std::string_view(reinterpret_cast<const char*>(data), size));
+  return 0;
+}
