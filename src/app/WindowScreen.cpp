@@ -111,8 +111,7 @@ std::unique_ptr<FlowScreen> makePictureScreen(platform::RunLoop& loop, const Win
                                               const Resources& resources,
                                               const std::filesystem::path& backdrop) {
   setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  // It stays to the end of the process: after `main` there is nothing left that it could end.
-  [[maybe_unused]] static const auto* application = new devices::QtApplication;
+  devices::QtApplication::ofProcess();
   auto made = std::make_unique<WindowScreen>(loop, wishes, resources);
   devices::QtScreen& screen = made->screen();
   screen.feed()->push(devices::loadPicture(backdrop));

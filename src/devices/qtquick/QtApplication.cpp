@@ -11,6 +11,11 @@ bool QtApplication::isPossible() {
          qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
 }
 
+QtApplication& QtApplication::ofProcess() {
+  static auto* const application = new QtApplication;
+  return *application;
+}
+
 QtApplication::QtApplication() {
   if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND") &&
       !qEnvironmentVariableIsSet("QSG_RHI_BACKEND")) {

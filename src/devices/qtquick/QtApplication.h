@@ -14,6 +14,10 @@ class QtApplication {
   /// True when a window can be shown: there is a display, or QT_QPA_PLATFORM names a platform.
   static bool isPossible();
 
+  /// One that stays to the end of the process, where no `main` ends it: the toolkit keeps pictures
+  /// that it frees only as long as there is one.
+  static QtApplication& ofProcess();
+
   QtApplication();
   ~QtApplication();
 

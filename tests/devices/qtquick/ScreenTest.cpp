@@ -203,9 +203,9 @@ TEST_F(Screen, AStoryboardThatLacksSomethingStopsTheProgramNamingIt) {
                     "no control for the action \"doneReadingText\""},
         BrokenScene{capture, "property Item preview: cameraPreview", "", "\"preview\""},
         BrokenScene{capture, "Preview {", "Preview { nonsense: 1", "nonsense"}}) {
+    const EditedStoryboards edited(scene.file, scene.from, scene.to);
     EXPECT_DEATH(
         {
-          const EditedStoryboards edited(scene.file, scene.from, scene.to);
           open({360, 640}, edited.folder());
           enter();
         },

@@ -14,12 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// One for all tests; it ends with the process.
-void makeApplication() {
-  setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  [[maybe_unused]] static const auto* application = new devices::QtApplication;
-}
-
 /// What the QML engine complained of.
 QStringList& complaints() {
   static QStringList all;
@@ -41,7 +35,8 @@ QQuickItem* find(const QQuickItem& below, const QString& name) {
 }  // namespace
 
 ScreenWorld::ScreenWorld() {
-  makeApplication();
+  setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  devices::QtApplication::ofProcess();
   complaints().clear();
   qInstallMessageHandler(takeDown);
 }
