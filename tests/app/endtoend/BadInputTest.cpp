@@ -111,6 +111,16 @@ TEST(Commands, AMissingModelIsTheMachinesLack) {
   }
 }
 
+TEST(Commands, ADiskWithoutRoomIsTheMachinesLack) {
+  const ScratchFolder scratch;
+  // The kernel's own file system never has room.
+  const ProgramRun run =
+      runVideoid({"capture", "--reference", plainReference(scratch), "--text", "a", "--camera",
+                  shortVideo(scratch), "--output", "/proc/run"});
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_NE(run.errors.find("0 MiB are free at \"/proc\""), std::string::npos) << run.errors;
+}
+
 TEST(Commands, WrongUseIsExitCodeTwo) {
   for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
                                                     {"fly"},
