@@ -98,9 +98,8 @@ void VideoCaptureViewController::handleClassifiedDocument(const DetectedData& da
 
 void VideoCaptureViewController::promptForMissingFeature(const DetectedData& data) {
   const IDCapture::Strings& strings = IDCapture::strings;
-  if (data.shouldHavePhoto && !data.isPhotoPresent) {
-    showIDError(strings.makeSurePhotoTextVisible);
-  } else if (data.shouldHaveMrz && !data.mrz) {
+  const bool lacksPhoto = data.shouldHavePhoto && !data.isPhotoPresent;
+  if (lacksPhoto || (data.shouldHaveMrz && !data.mrz)) {
     showIDError(strings.makeSurePhotoTextVisible);
   } else if (data.shouldHaveBarcode && !data.barcode) {
     if (captureSession().captureMode() == CaptureMode::barcode) {

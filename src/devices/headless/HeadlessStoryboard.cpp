@@ -117,8 +117,7 @@ class SceneBuilder final : public platform::OutletBinder {
   template <class View>
   std::shared_ptr<View> as(const std::string& name) const {
     const auto entry = views_.find(name);
-    const auto view =
-        entry == views_.end() ? nullptr : std::dynamic_pointer_cast<View>(entry->second);
+    auto view = entry == views_.end() ? nullptr : std::dynamic_pointer_cast<View>(entry->second);
     platform::require(view != nullptr, lacks("view of the right kind", name));
     return view;
   }

@@ -71,8 +71,9 @@ platform::PixelBufferRef loadPicture(const std::filesystem::path& file) {
       QImage(QString::fromStdString(file.string())).convertToFormat(QImage::Format_RGB888);
   if (image.isNull()) return nullptr;
   std::vector<std::uint8_t> bytes;
+  const auto rowBytes = static_cast<std::ptrdiff_t>(image.width()) * 3;
   for (int y = 0; y < image.height(); ++y)
-    bytes.insert(bytes.end(), image.scanLine(y), image.scanLine(y) + image.width() * 3);
+    bytes.insert(bytes.end(), image.scanLine(y), image.scanLine(y) + rowBytes);
   return std::make_shared<PixelBuffer>(image.width(), image.height(), PixelFormat::rgb24,
                                        std::move(bytes));
 }

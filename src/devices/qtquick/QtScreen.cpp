@@ -28,14 +28,14 @@ constexpr Duration kFlash = std::chrono::milliseconds(350);
 constexpr qreal kAboveAll = 1000;
 
 void registerTypes() {
-  static const bool once = [] {
+  static const bool kRegistered = [] {
     qmlRegisterType<PreviewItem>("Corvana.Devices", 1, 0, "Preview");
     qmlRegisterType<OutlineItem>("Corvana.Devices", 1, 0, "Outlines");
     qmlRegisterType<ShadeItem>("Corvana.Devices", 1, 0, "Shade");
     qmlRegisterType<OvalItem>("Corvana.Devices", 1, 0, "Oval");
     return true;
   }();
-  static_cast<void>(once);
+  static_cast<void>(kRegistered);
 }
 
 }  // namespace

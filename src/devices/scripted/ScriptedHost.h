@@ -114,7 +114,7 @@ class ScriptedRecorder final : public corvana::VideoCapture,
   class Writer final : public corvana::VideoWriter {
    public:
     explicit Writer(std::vector<std::string>& log) : log_(log) {}
-    void writeAudio(const platform::CMSampleBufferRef&) override { log_.push_back("write"); }
+    void writeAudio(const platform::CMSampleBufferRef&) override { log_.emplace_back("write"); }
 
    private:
     std::vector<std::string>& log_;

@@ -131,6 +131,7 @@ std::vector<std::string> textLines(const std::vector<TextWord>& words) {
     lines.back().words.push_back(word);
   }
   std::vector<std::string> texts;
+  texts.reserve(lines.size());
   for (Line& line : lines)
     texts.push_back(joined(std::move(line)));
   return texts;

@@ -15,7 +15,7 @@ std::vector<float> mono(const platform::CMSampleBuffer& buffer) {
   for (std::size_t i = 0; i < result.size(); ++i) {
     float sum = 0;
     for (std::size_t c = 0; c < channels; ++c)
-      sum += buffer.samples[i * channels + c];
+      sum += static_cast<float>(buffer.samples[i * channels + c]);
     result[i] = sum / (kFullScale * static_cast<float>(channels));
   }
   return result;
@@ -53,7 +53,8 @@ std::vector<std::int16_t> MonoResampler::convert(const platform::CMSampleBuffer&
   std::vector<float> input = mono(buffer);
   if (inputRate_ != outputRate_) {
     // The converter may give back a little more than the ratio when it lets go of what it held.
-    std::vector<float> output(static_cast<std::size_t>(input.size() * ratio) + 64);
+    std::vector<float> output(static_cast<std::size_t>(static_cast<double>(input.size()) * ratio) +
+                              64);
     SRC_DATA data{};
     data.data_in = input.data();
     data.input_frames = static_cast<long>(input.size());

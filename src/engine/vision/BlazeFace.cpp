@@ -41,8 +41,9 @@ std::vector<CGPoint> makeAnchors() {
   anchors.reserve(kAnchors);
   for (const Grid& grid : kGrids) {
     for (int cell = 0; cell < grid.side * grid.side; ++cell) {
-      const CGPoint centre{(cell % grid.side + 0.5) / grid.side,
-                           (cell / grid.side + 0.5) / grid.side};
+      const int column = cell % grid.side;
+      const int row = cell / grid.side;
+      const CGPoint centre{(column + 0.5) / grid.side, (row + 0.5) / grid.side};
       anchors.insert(anchors.end(), static_cast<std::size_t>(grid.anchorsPerCell), centre);
     }
   }
@@ -127,7 +128,7 @@ std::vector<Face> merged(std::vector<Face> faces) {
 }
 
 std::vector<Face> look(TfliteModel& model, const cv::Mat& rgb, const cv::Rect& window) {
-  static const std::vector<CGPoint> anchors = makeAnchors();
+  static const std::vector<CGPoint> kCentres = makeAnchors();
   if ((window & cv::Rect({}, rgb.size())).empty()) return {};
   fillInput(model.input(), rgb, window);
   model.run();
@@ -135,11 +136,11 @@ std::vector<Face> look(TfliteModel& model, const cv::Mat& rgb, const cv::Rect& w
   const std::span<const float> logits = model.output(1);
 
   std::vector<Face> faces;
-  for (std::size_t i = 0; i < anchors.size(); ++i) {
+  for (std::size_t i = 0; i < kCentres.size(); ++i) {
     const float score = 1 / (1 + std::exp(-logits[i]));
     if (score < kMinScore) continue;
     const Face face =
-        decode(values.subspan(i * kValuesPerAnchor, kValuesPerAnchor), anchors[i], score, window);
+        decode(values.subspan(i * kValuesPerAnchor, kValuesPerAnchor), kCentres[i], score, window);
     if (face.box.width > 0 && face.box.height > 0) faces.push_back(face);
   }
   return merged(std::move(faces));

@@ -115,6 +115,24 @@ double rowContrast(const Sums& rows, double firstMiddle, double distance, double
   return weakest - fullest;
 }
 
+struct ThreeRows {
+  double contrast = kMinRowContrast;
+  double firstMiddle = 0;
+  double distance = 0;
+  double capHeight = 0;  ///< 0 while none is clear enough
+};
+
+/// Moves three rows of that distance and height down the card; `best` becomes the clearest place
+/// if it is clearer.
+void takeClearest(const Sums& rows, int cardHeight, double distance, double cap, ThreeRows& best) {
+  const double lastMiddle = cardHeight - 2 * distance - cap / 2;
+  for (double middle = kTopOfCard * cardHeight; middle <= lastMiddle; middle += 1) {
+    // Of equally clear fits the tallest rows: they take the letters in whole.
+    const double contrast = rowContrast(rows, middle, distance, cap) + 0.002 * cap;
+    if (contrast > best.contrast) best = {contrast, middle, distance, cap};
+  }
+}
+
 /// The ink of one row, added up from its top to its bottom, for each column.
 Profile columnsOf(const cv::Mat& ink, const MrzBand& band, std::size_t line) {
   Profile columns(static_cast<std::size_t>(ink.cols), 0.0);
@@ -199,25 +217,19 @@ std::optional<MrzBand> findMrzBand(const cv::Mat& ink) {
   MrzBand band;
   band.slope = slopeOf(filled, ink.cols);
   const Sums rows(coverage(filled, band.slope, ink.cols));
-  double best = kMinRowContrast;
   const double width = ink.cols;
+  ThreeRows best;
   for (double distance = kMinLineDistance * width; distance <= kMaxLineDistance * width;
        distance += 0.5) {
     for (double cap = kMinCapOfDistance * distance; cap <= kMaxCapOfDistance * distance; cap += 2) {
-      const double lastMiddle = ink.rows - 2 * distance - cap / 2;
-      for (double middle = kTopOfCard * ink.rows; middle <= lastMiddle; middle += 1) {
-        // Of equally clear fits the tallest rows: they take the letters in whole.
-        const double contrast = rowContrast(rows, middle, distance, cap) + 0.002 * cap;
-        if (contrast <= best) continue;
-        best = contrast;
-        band.capHeight = cap;
-        for (int line = 0; line < kMrzLines; ++line) {
-          band.middle[static_cast<std::size_t>(line)] = middle + line * distance;
-        }
-      }
+      takeClearest(rows, ink.rows, distance, cap, best);
     }
   }
-  if (band.capHeight == 0) return std::nullopt;
+  if (best.capHeight == 0) return std::nullopt;
+  band.capHeight = best.capHeight;
+  for (int line = 0; line < kMrzLines; ++line) {
+    band.middle[static_cast<std::size_t>(line)] = best.firstMiddle + line * best.distance;
+  }
   return band;
 }
 
