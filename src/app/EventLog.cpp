@@ -7,6 +7,8 @@
 #include <utility>
 #include <variant>
 
+#include "devices/gstreamer/FilmFault.h"
+
 namespace app {
 namespace {
 
@@ -14,10 +16,12 @@ using nlohmann::ordered_json;
 using Kind = engine::RecorderEvent::Kind;
 
 platform::Fault writeFault(const std::filesystem::path& path, int error) {
-  const bool full = error == ENOSPC || error == EDQUOT;
+  const platform::FaultCause cause = devices::fileFaultCause(error);
+  const bool isFull = cause == platform::FaultCause::diskFull;
   return {"The events can't be written to \"" + path.string() + "\" any more (" +
-              std::strerror(error) + "): " + (full ? "free some space." : "check folder and disk."),
-          full ? platform::FaultCause::diskFull : platform::FaultCause::folderLost};
+              std::strerror(error) +
+              "): " + (isFull ? "free some space." : "check folder and disk."),
+          cause};
 }
 
 /// Digits beyond these are noise to a reader and differ between CPU types.
