@@ -66,7 +66,7 @@ EventLog::EventLog(const platform::RunLoop& loop, const std::filesystem::path& p
       path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, ignored);
 }
 
-void EventLog::add(const std::string& event, ordered_json fields) {
+void EventLog::add(const std::string& event, const ordered_json& fields) {
   if (broken_) return;
   ordered_json line = {{"t", rounded(platform::inSeconds(loop_.now() - start_))}, {"event", event}};
   line.update(fields);
@@ -96,7 +96,7 @@ void EventLog::happened(const engine::RecorderEvent& event) {
   for (const auto& detail : event.details)
     fields[detail.first] = valueOf(detail);
   if (event.kind == Kind::call && event.name == "retry") ++retries_;
-  add(nameOf(event.kind), std::move(fields));
+  add(nameOf(event.kind), fields);
 }
 
 void EventLog::decided(const corvana::Decision& decision) {
@@ -104,7 +104,7 @@ void EventLog::decided(const corvana::Decision& decision) {
   if (decision.value) fields["value"] = rounded(*decision.value);
   if (decision.threshold) fields["threshold"] = rounded(*decision.threshold);
   fields["passed"] = decision.passed;
-  add("decision", std::move(fields));
+  add("decision", fields);
 }
 
 }  // namespace app

@@ -27,7 +27,7 @@ class EventLog final : public engine::RecorderObserver, public corvana::Decision
 
   /// How often the recorder was told to begin anew.
   int retries() const { return retries_; }
-  void add(const std::string& event, nlohmann::ordered_json fields);
+  void add(const std::string& event, const nlohmann::ordered_json& fields);
 
   void happened(const engine::RecorderEvent& event) override;
   void decided(const corvana::Decision& decision) override;

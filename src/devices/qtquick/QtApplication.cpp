@@ -12,8 +12,8 @@ bool QtApplication::isPossible() {
 }
 
 QtApplication& QtApplication::ofProcess() {
-  static auto* const application = new QtApplication;
-  return *application;
+  static auto* const kApplication = new QtApplication;
+  return *kApplication;
 }
 
 QtApplication::QtApplication() {

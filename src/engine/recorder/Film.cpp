@@ -104,7 +104,7 @@ void Film::tell(const Fault& fault) {
 }
 
 tl::expected<void, Fault> Film::close(platform::AssetWriter& writer) {
-  const auto finished = writer.finish();
+  auto finished = writer.finish();
   const std::lock_guard lock(mutex_);
   counters_ = sum(counters_, writer.counters());
   return finished;

@@ -232,7 +232,7 @@ void Recorder::postDebugData(const Observation& observation) {
   setup_.notificationCenter.post(notification);
 }
 
-void Recorder::note(RecorderEvent event) {
+void Recorder::note(const RecorderEvent& event) {
   if (setup_.observer) setup_.observer->happened(event);
 }
 

@@ -83,7 +83,7 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   void report(const corvana::SelfieCaptureState& state);
   void report(const corvana::IDCaptureState& state);
   void postDebugData(const Observation& observation);
-  void note(RecorderEvent event);
+  void note(const RecorderEvent& event);
 
   Setup setup_;
 

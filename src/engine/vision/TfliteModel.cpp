@@ -17,6 +17,7 @@ void discardMessage(void*, const char*, va_list) {}
 
 std::vector<int> shapeOf(const TfLiteTensor* tensor) {
   std::vector<int> shape;
+  shape.reserve(static_cast<std::size_t>(TfLiteTensorNumDims(tensor)));
   for (int i = 0; i < TfLiteTensorNumDims(tensor); ++i)
     shape.push_back(TfLiteTensorDim(tensor, i));
   return shape;
