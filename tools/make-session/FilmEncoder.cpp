@@ -101,11 +101,9 @@ Result<void> FilmEncoder::finish() {
       bus.get(), kPatience, static_cast<GstMessageType>(GST_MESSAGE_ERROR | GST_MESSAGE_EOS)));
   const bool complete = message && GST_MESSAGE_TYPE(message.get()) == GST_MESSAGE_EOS;
   state_->pipeline.reset();
-  if (!complete)
+  if (!complete || !devices::setDates(state_->file, {}))
     return fault(state_->file.string() +
                  " cannot be written: check the folder and the disk's free space.");
-  if (auto dated = devices::setDates(state_->file, {}); !dated)
-    return fault(dated.error().sentence);
   return {};
 }
 

@@ -36,6 +36,12 @@ FilmFile::~FilmFile() {
 tl::expected<std::shared_ptr<FilmFile>, Fault> FilmFile::create(
     const std::filesystem::path& path, std::shared_ptr<platform::DispatchQueue> queue) {
   const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (descriptor < 0 && errno == EEXIST) {
+    return tl::unexpected(Fault{"The film " + path.string() +
+                                    " can't be created where a file of that name is already: "
+                                    "choose another folder.",
+                                FaultCause::folderLost});
+  }
   if (descriptor < 0) return tl::unexpected(faultOf(path, "created", errno));
   std::shared_ptr<FilmFile> file(new FilmFile(path, descriptor, std::move(queue)));
   if (const auto synced = syncFolderOf(path); !synced) return tl::unexpected(synced.error());

@@ -104,7 +104,10 @@ Result remuxFilm(const std::filesystem::path& film, const CreationTime& created)
   const auto plain = FilmFile::create(files.plain);
   if (!plain) return tl::unexpected(plain.error());
   return copyTracks(film, files, (*plain)->descriptor())
-      .and_then([&] { return setDates(files.plain, created); })
+      .and_then([&]() -> Result {
+        if (setDates(files.plain, created)) return {};
+        return failed(film, "its dates can't be set");
+      })
       .and_then([&] { return (*plain)->sync(); })
       .and_then([&]() -> Result {
         std::error_code error;

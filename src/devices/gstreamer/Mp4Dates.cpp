@@ -6,8 +6,6 @@
 #include <limits>
 #include <string>
 
-#include "devices/gstreamer/FilmFault.h"
-
 namespace devices {
 namespace {
 
@@ -100,11 +98,8 @@ std::uint64_t mp4Date(std::chrono::system_clock::time_point time) {
 
 }  // namespace
 
-tl::expected<void, platform::Fault> setDates(const std::filesystem::path& path,
-                                             const CreationTime& date) {
-  if (Mp4File(path).setDates(date ? mp4Date(*date) : 0)) return {};
-  return tl::unexpected(
-      filmFault(path, "dated", "its boxes can't be read", platform::FaultCause::folderLost));
+bool setDates(const std::filesystem::path& path, const CreationTime& date) {
+  return Mp4File(path).setDates(date ? mp4Date(*date) : 0);
 }
 
 }  // namespace devices

@@ -5,10 +5,6 @@
 #include <functional>
 #include <optional>
 
-#include <tl/expected.hpp>
-
-#include "platform/foundation/Fault.h"
-
 namespace devices {
 
 /// When a film was begun (UTC, to the second); absent where time is virtual.
@@ -17,8 +13,8 @@ using CreationTime = std::optional<std::chrono::system_clock::time_point>;
 using WallClock = std::function<CreationTime()>;
 
 /// Sets the creation and modification dates in a finished MP4 file; absent: to "unknown", so that
-/// its bytes depend on nothing but picture and sound.
-tl::expected<void, platform::Fault> setDates(const std::filesystem::path& path,
-                                             const CreationTime& date);
+/// its bytes depend on nothing but picture and sound. False when the file is damaged or can't be
+/// written.
+bool setDates(const std::filesystem::path& path, const CreationTime& date);
 
 }  // namespace devices
