@@ -10,7 +10,8 @@ using platform::AVMediaType;
 AudioCaptureSession::AudioCaptureSession(platform::RunLoop& loop, platform::MediaDevices& devices)
     : loop_(loop),
       devices_(devices),
-      captureQueue_(loop.makeSerialQueue("AudioCaptureSessionQueue")),
+      captureQueue_(loop.makeSerialQueue("AudioCaptureSessionQueue",
+                                         platform::QualityOfService::unspecified)),
       audioDataOutput_(std::make_shared<platform::AVCaptureAudioDataOutput>(loop)) {}
 
 void AudioCaptureSession::setDelegate(std::weak_ptr<AudioCaptureSessionDelegate> delegate) {
@@ -30,6 +31,7 @@ bool AudioCaptureSession::addInput() {
   auto input = platform::AVCaptureDeviceInput::make(device);
   if (!input || !session_.canAddInput(*input)) return false;
   session_.addInput(std::move(*input));
+  device_ = device;
   return true;
 }
 

@@ -25,7 +25,8 @@ class AudioCaptureSession final : public platform::AVCaptureSampleBufferDelegate
   void setDelegate(std::weak_ptr<AudioCaptureSessionDelegate> delegate);
   platform::AVCaptureAudioDataOutput& audioDataOutput() { return *audioDataOutput_; }
 
-  /// Connects the default microphone, once; further calls are harmless.
+  /// Connects the default microphone, once; further calls are harmless. When the session runs by
+  /// then (the user took long to allow it), the microphone begins to deliver.
   void prepare();
   /// Any queue; not the main one, since a microphone takes time to start.
   void start() { session_.startRunning(); }
@@ -45,6 +46,7 @@ class AudioCaptureSession final : public platform::AVCaptureSampleBufferDelegate
   std::shared_ptr<platform::DispatchQueue> captureQueue_;
   std::shared_ptr<platform::AVCaptureAudioDataOutput> audioDataOutput_;
   std::weak_ptr<AudioCaptureSessionDelegate> delegate_;
+  platform::AVCaptureDeviceRef device_;  ///< the microphone, once it is an input
 };
 
 }  // namespace capture

@@ -83,7 +83,7 @@ TEST_F(CaptureScreen, StaysUpSilentlyWithoutARecorder) {
   world.advance(1);
   world.tap("closeButton");
   world.advance(5);
-  expectFailed(IDError::Strings::canceled);
+  expectFailed(IDError::Strings::canceled.text);
 }
 
 TEST_F(CaptureScreen, ChoosesTheCodecAndAsksAboutOneContainer) {
@@ -126,6 +126,20 @@ TEST_F(CaptureScreen, GoesOnWithoutAMicrophone) {
     EXPECT_EQ(microphone->starts(), 0);
     world.mediaDevices.microphone = nullptr;
   }
+}
+
+TEST_F(CaptureScreen, HearsAMicrophoneThatIsAllowedWhileTheTextIsRead) {
+  world.mediaDevices.microphoneStatus = platform::AVAuthorizationStatus::notDetermined;
+  world.mediaDevices.answerDelay = platform::seconds(10);
+  enter();
+  reachReading();
+  EXPECT_FALSE(world.mediaDevices.microphone->isRunning());
+  world.advance(10);
+  ASSERT_TRUE(world.mediaDevices.microphone->isRunning());
+  world.mediaDevices.microphone->push(
+      devices::silentSample(world.loop.now(), platform::seconds(0.1)));
+  world.advance(0);
+  EXPECT_EQ(world.recorder().audioCalls(), (std::vector<std::string>{"write", "append"}));
 }
 
 TEST_F(CaptureScreen, StartsTheMicrophoneOnTheWayBackFromTheSettings) {

@@ -47,21 +47,56 @@ TEST(CaptureSession, StopsADeviceOnlyWhenItHasStarted) {
   EXPECT_FALSE(session.isRunning());
 }
 
+struct Delegate final : platform::AVCaptureSampleBufferDelegate {
+  void captureOutput(platform::AVCaptureOutput&, const platform::CMSampleBufferRef&) override {
+    ++samples;
+  }
+  int samples = 0;
+};
+
+// A user may answer the question for the microphone when the session runs already.
+TEST(CaptureSession, StartsWhatIsConnectedWhileItRuns) {
+  platform::VirtualRunLoop loop;
+  const auto microphone =
+      std::make_shared<devices::ScriptedCaptureDevice>(platform::AVMediaType::audio);
+  const auto output = std::make_shared<platform::AVCaptureAudioDataOutput>(loop);
+  const auto delegate = std::make_shared<Delegate>();
+  output->setSampleBufferDelegate(
+      delegate, loop.makeSerialQueue("audio", platform::QualityOfService::unspecified));
+  platform::AVCaptureSession session;
+  session.startRunning();
+  session.addInput(*platform::AVCaptureDeviceInput::make(microphone));
+  session.addOutput(output);
+  EXPECT_FALSE(microphone->isRunning()) << "starting may take time: not on this queue";
+  loop.advance(platform::seconds(0));
+  microphone->push(std::make_shared<platform::CMSampleBuffer>());
+  loop.advance(platform::seconds(0));
+  EXPECT_EQ(delegate->samples, 1);
+  session.stopRunning();
+  EXPECT_FALSE(microphone->isRunning());
+  session.startRunning();
+  EXPECT_TRUE(microphone->isRunning());
+  EXPECT_EQ(microphone->starts(), 2);
+
+  platform::AVCaptureSession stopped;
+  const auto late = std::make_shared<devices::ScriptedCaptureDevice>(platform::AVMediaType::audio);
+  stopped.addOutput(std::make_shared<platform::AVCaptureAudioDataOutput>(loop));
+  stopped.startRunning();
+  stopped.addInput(*platform::AVCaptureDeviceInput::make(late));
+  stopped.stopRunning();  // before its turn comes
+  loop.advance(platform::seconds(0));
+  EXPECT_EQ(late->starts(), 0);
+}
+
 // A delegate that stands still must not fill the memory with pictures.
 TEST(CaptureSession, DropsAndCountsWhatADelegateThatFellBehindCannotTake) {
-  struct Delegate final : platform::AVCaptureSampleBufferDelegate {
-    void captureOutput(platform::AVCaptureOutput&, const platform::CMSampleBufferRef&) override {
-      ++samples;
-    }
-    int samples = 0;
-  };
   platform::VirtualRunLoop loop;
   const auto camera =
       std::make_shared<devices::ScriptedCaptureDevice>(platform::AVMediaType::video);
   const auto output = std::make_shared<platform::AVCaptureVideoDataOutput>(loop);
   const auto delegate = std::make_shared<Delegate>();
   output->setSampleBufferDelegate(
-      delegate, loop.makeSerialQueue("capture", platform::QualityOfService::userInitiated));
+      delegate, loop.makeSerialQueue("capture", platform::QualityOfService::unspecified));
   platform::AVCaptureSession session;
   session.addInput(*platform::AVCaptureDeviceInput::make(camera));
   session.addOutput(output);

@@ -23,7 +23,9 @@ class DispatchQueue {
   virtual void asyncAfter(Duration delay, Block block) = 0;
 };
 
-enum class QualityOfService { userInteractive, userInitiated, utility, background };
+/// How urgent the work of a queue is. `unspecified` leaves it to the run loop, which serves it like
+/// work that the user waits for.
+enum class QualityOfService { unspecified, userInteractive, userInitiated, utility, background };
 
 /// A timer on the main queue, and for it only. It holds its block until it is invalidated (also by
 /// the block itself) or, one-shot, has fired. Letting go of the handle does not stop it.
@@ -52,7 +54,7 @@ class RunLoop {
   /// Main queue only; never null. Blocks that wait in it run also when nobody else holds the queue
   /// any more. What may yield to the recording of a film says so by `qos`.
   virtual std::shared_ptr<DispatchQueue> makeSerialQueue(
-      const std::string& label, QualityOfService qos = QualityOfService::userInitiated) = 0;
+      const std::string& label, QualityOfService qos = QualityOfService::unspecified) = 0;
   /// Main queue only; fires first after one interval. A one-shot timer is invalid once its block
   /// has begun.
   virtual std::shared_ptr<Timer> scheduledTimer(Duration interval, bool repeats, Block block) = 0;

@@ -61,55 +61,116 @@ std::optional<AVCaptureDeviceInput> AVCaptureDeviceInput::make(const AVCaptureDe
   return AVCaptureDeviceInput{device};
 }
 
+/// What is connected, and which of it runs.
+class AVCaptureSession::Connections {
+ public:
+  void run() {
+    const std::lock_guard turn(turn_);
+    running_ = true;
+    startWaiting();
+  }
+  /// Starts what was connected since the session runs.
+  void catchUp() {
+    const std::lock_guard turn(turn_);
+    if (running_) startWaiting();
+  }
+  void stop() {
+    const std::lock_guard turn(turn_);
+    running_ = false;
+    for (const auto& device : std::exchange(started_, {}))
+      device->stop();
+  }
+  bool isRunning() const { return running_; }
+
+  std::vector<AVCaptureDeviceInput> inputs;
+  std::vector<std::shared_ptr<AVCaptureOutput>> outputs;
+  std::mutex configuration;  ///< guards inputs and outputs against `startWaiting`, for moments only
+
+ private:
+  using Pair = std::pair<AVCaptureDeviceRef, std::shared_ptr<AVCaptureOutput>>;
+
+  std::vector<Pair> pairs() {
+    const std::lock_guard lock(configuration);
+    std::vector<Pair> found;
+    for (const auto& input : inputs) {
+      const auto output =
+          std::ranges::find(outputs, input.device->mediaType(), &AVCaptureOutput::mediaType);
+      if (output != outputs.end()) found.emplace_back(input.device, *output);
+    }
+    return found;
+  }
+  void startWaiting() {
+    for (const auto& [device, output] : pairs()) {
+      if (std::ranges::find(started_, device) != started_.end()) continue;
+      started_.push_back(device);
+      device->start(
+          [output = output](CMSampleBufferRef sample) { output->deliver(std::move(sample)); });
+    }
+  }
+
+  std::mutex turn_;  ///< held while devices start or stop
+  std::vector<AVCaptureDeviceRef> started_;
+  std::atomic<bool> running_ = false;
+};
+
+AVCaptureSession::AVCaptureSession() : connections_(std::make_shared<Connections>()) {}
+
 AVCaptureSession::~AVCaptureSession() {
   stopRunning();
 }
 
+const std::vector<AVCaptureDeviceInput>& AVCaptureSession::inputs() const {
+  return connections_->inputs;
+}
+
 bool AVCaptureSession::canAddInput(const AVCaptureDeviceInput& input) const {
-  return std::ranges::none_of(inputs_, [&](const auto& other) {
+  return std::ranges::none_of(connections_->inputs, [&](const auto& other) {
     return other.device->mediaType() == input.device->mediaType();
   });
 }
 
 void AVCaptureSession::addInput(AVCaptureDeviceInput input) {
-  inputs_.push_back(std::move(input));
+  {
+    const std::lock_guard lock(connections_->configuration);
+    connections_->inputs.push_back(std::move(input));
+  }
   connect();
 }
 
 bool AVCaptureSession::canAddOutput(const std::shared_ptr<AVCaptureOutput>& output) const {
-  return std::ranges::find(outputs_, output) == outputs_.end();
+  return std::ranges::find(connections_->outputs, output) == connections_->outputs.end();
 }
 
 void AVCaptureSession::addOutput(std::shared_ptr<AVCaptureOutput> output) {
-  outputs_.push_back(std::move(output));
+  {
+    const std::lock_guard lock(connections_->configuration);
+    connections_->outputs.push_back(std::move(output));
+  }
   connect();
 }
 
 void AVCaptureSession::connect() {
-  for (const auto& output : outputs_) {
-    for (const auto& input : inputs_) {
+  for (const auto& output : connections_->outputs) {
+    for (const auto& input : connections_->inputs) {
       if (input.device->mediaType() == output->mediaType()) output->connect(input.device);
     }
   }
+  if (!connections_->isRunning() || connections_->outputs.empty()) return;
+  connections_->outputs.front()
+      ->loop_.globalQueue(QualityOfService::userInitiated)
+      .async([connections = connections_] { connections->catchUp(); });
 }
 
 void AVCaptureSession::startRunning() {
-  const std::lock_guard lock(turn_);
-  if (running_.exchange(true)) return;
-  for (const auto& input : inputs_) {
-    for (const auto& output : outputs_) {
-      if (input.device->mediaType() != output->mediaType()) continue;
-      input.device->start(
-          [output](CMSampleBufferRef sample) { output->deliver(std::move(sample)); });
-    }
-  }
+  connections_->run();
 }
 
 void AVCaptureSession::stopRunning() {
-  const std::lock_guard lock(turn_);
-  if (!running_.exchange(false)) return;
-  for (const auto& input : inputs_)
-    input.device->stop();
+  connections_->stop();
+}
+
+bool AVCaptureSession::isRunning() const {
+  return connections_->isRunning();
 }
 
 }  // namespace platform

@@ -83,29 +83,29 @@ struct AVCaptureDeviceInput {
   static std::optional<AVCaptureDeviceInput> make(const AVCaptureDeviceRef& device);
 };
 
-/// Connects inputs to outputs of the same media type. Configured on the main queue, before it runs;
-/// started and stopped on any thread, since starting may take time: one waits for the other.
+/// Connects inputs to outputs of the same media type. Configured on the main queue, also while it
+/// runs: a device that is connected then starts on a global queue. Started and stopped on any
+/// thread, since starting may take time: one waits for the other.
 class AVCaptureSession {
  public:
+  AVCaptureSession();
   ~AVCaptureSession();
 
-  const std::vector<AVCaptureDeviceInput>& inputs() const { return inputs_; }
-  const std::vector<std::shared_ptr<AVCaptureOutput>>& outputs() const { return outputs_; }
+  /// Main queue.
+  const std::vector<AVCaptureDeviceInput>& inputs() const;
   bool canAddInput(const AVCaptureDeviceInput& input) const;
   void addInput(AVCaptureDeviceInput input);
   bool canAddOutput(const std::shared_ptr<AVCaptureOutput>& output) const;
   void addOutput(std::shared_ptr<AVCaptureOutput> output);
   void startRunning();
   void stopRunning();
-  bool isRunning() const { return running_; }
+  bool isRunning() const;
 
  private:
+  class Connections;
   void connect();
 
-  std::vector<AVCaptureDeviceInput> inputs_;
-  std::vector<std::shared_ptr<AVCaptureOutput>> outputs_;
-  std::mutex turn_;  ///< held while devices start or stop
-  std::atomic<bool> running_ = false;
+  std::shared_ptr<Connections> connections_;  ///< shared with what starts devices on other queues
 };
 
 }  // namespace platform
