@@ -57,8 +57,8 @@ void VideoRetryViewController::declareOutlets(platform::OutletBinder& binder) {
   binder.outlet("retryButton", retryButton_);
   binder.outlet("cancelButton", cancelButton_);
   binder.collection("buttons", buttons_);
-  binder.action("retry", [this] { dismissAnswering(true); });
-  binder.action("cancel", [this] { dismissAnswering(false); });
+  binder.action("retry", [this] { dismiss(Retry::yes); });
+  binder.action("cancel", [this] { dismiss(Retry::no); });
 }
 
 void VideoRetryViewController::viewDidLoad() {
@@ -88,10 +88,10 @@ void VideoRetryViewController::viewDidLoad() {
   }
 }
 
-void VideoRetryViewController::dismissAnswering(bool retry) {
+void VideoRetryViewController::dismiss(Retry retry) {
   auto completion = std::exchange(retryCompletion, nullptr);
   dismiss(true, [completion = std::move(completion), retry] {
-    if (completion) completion(retry);
+    if (completion) completion(retry == Retry::yes);
   });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 
 #include "platform/uikit/UIStoryboard.h"
@@ -8,7 +9,7 @@
 namespace capture {
 
 /// Why the user has to try again.
-enum class RetryType { selfieCapture, idCapture, liveFaceLost, spokenText };
+enum class RetryType : std::uint8_t { selfieCapture, idCapture, liveFaceLost, spokenText };
 
 /// Names what went wrong and offers to try again or to give up. Main queue only.
 class VideoRetryViewController final : public platform::UIViewController {
@@ -27,12 +28,16 @@ class VideoRetryViewController final : public platform::UIViewController {
   void viewDidLoad() override;
 
  private:
-  void dismissAnswering(bool retry);
+  using WeakButton = platform::Outlet<platform::UIButton, std::weak_ptr>;
+  enum class Retry : bool { no, yes };
+
+  using UIViewController::dismiss;
+  void dismiss(Retry retry);
 
   platform::Outlet<platform::UILabel> label_;
   platform::Outlet<platform::UIImageView> imageView_;
-  platform::Outlet<platform::UIButton> retryButton_;
-  platform::Outlet<platform::UIButton> cancelButton_;
+  WeakButton retryButton_;
+  WeakButton cancelButton_;
   platform::OutletCollection<platform::UIButton> buttons_;
 };
 

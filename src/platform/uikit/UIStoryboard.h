@@ -13,25 +13,27 @@
 namespace platform {
 
 /// A reference to a view that the storyboard connects. Using one that is not connected ends the
-/// program, naming it.
-template <class View>
+/// program, naming it. It owns the view, unless its `Pointer` is a `std::weak_ptr`: then only the
+/// tree of views does.
+template <class View, template <class> class Pointer = std::shared_ptr>
 class Outlet {
  public:
   View* operator->() const { return &**this; }
   View& operator*() const {
-    require(view_ != nullptr, "the outlet \"" + name_ + "\" is not connected");
-    return *view_;
+    const std::shared_ptr<View> view = this->view();
+    require(view != nullptr, "the outlet \"" + name_ + "\" is not connected");
+    return *view;
   }
   /// Null when not connected.
-  const std::shared_ptr<View>& view() const { return view_; }
-  void connect(std::string name, std::shared_ptr<View> view) {
+  std::shared_ptr<View> view() const { return std::weak_ptr<View>(view_).lock(); }
+  void connect(std::string name, const std::shared_ptr<View>& view) {
     name_ = std::move(name);
-    view_ = std::move(view);
+    view_ = view;
   }
 
  private:
   std::string name_ = "?";
-  std::shared_ptr<View> view_;
+  Pointer<View> view_;
 };
 
 template <class View>
@@ -42,8 +44,8 @@ class OutletBinder {
  public:
   virtual ~OutletBinder() = default;
 
-  template <class View>
-  void outlet(const std::string& name, Outlet<View>& outlet) {
+  template <class View, template <class> class Pointer>
+  void outlet(const std::string& name, Outlet<View, Pointer>& outlet) {
     connect(name, kindOf(static_cast<View*>(nullptr)), [&](std::shared_ptr<UIView> view) {
       outlet.connect(name, std::dynamic_pointer_cast<View>(std::move(view)));
     });
