@@ -131,12 +131,17 @@ void VideoCaptureViewController::showIDError(const std::string& message) {
   showIDMessage(message, PromptType::error, std::nullopt);
 }
 
-void VideoCaptureViewController::setIDImage(const UIImageRef& image) {
-  outlets_.idImageView->setImage(image);
+void VideoCaptureViewController::setIDImage(UIImageRef image) {
+  idImage_ = std::move(image);
+  idImageDidSet();
+}
+
+void VideoCaptureViewController::idImageDidSet() {
+  outlets_.idImageView->setImage(idImage_);
   if (!videoCapture_ || videoCapture_->mode() != VideoCaptureMode::idCapture) return;
-  if (image == frontOverlay(environment())) {
+  if (idImage_ == frontOverlay(environment())) {
     outlets_.captureLabel->setText(IDCapture::strings.captureFront);
-  } else if (image == backOverlay(environment())) {
+  } else if (idImage_ == backOverlay(environment())) {
     outlets_.captureLabel->setText(IDCapture::strings.captureBack);
   }
 }

@@ -101,7 +101,8 @@ class VideoCaptureViewController final : public corvana::CaptureSessionViewContr
   void showIDMessage(const std::optional<std::string>& text, corvana::PromptType type,
                      const std::optional<platform::UIColor>& frameTintColor);
   void showIDError(const std::string& text);
-  void setIDImage(const platform::UIImageRef& image);
+  void setIDImage(platform::UIImageRef image);
+  void idImageDidSet();
   bool isUnexpected(const corvana::DetectedData& data);
   bool isOfFrontsFamily(const std::string& type) const;
 
@@ -148,6 +149,7 @@ class VideoCaptureViewController final : public corvana::CaptureSessionViewContr
   float wordMatchPercentage_ = 0;
   std::optional<corvana::DetectedData> frontDetectedData_;
   std::optional<corvana::DetectedData> backDetectedData_;
+  platform::UIImageRef idImage_;  ///< observed: written by `setIDImage` alone
   bool showingFlipAnimation_ = false;
   std::shared_ptr<platform::Timer> debugTimer_;
   std::shared_ptr<AudioCaptureSession> audioCaptureSession_;
