@@ -69,10 +69,12 @@ class FaceMatchDetector::Interpreter {
     TfLiteTensor* input = inputTensor();
     if (!input) return tl::unexpected<std::string>("The face model has no input.");
     const std::size_t wanted = TfLiteTensorByteSize(input);
-    if (wanted != bytes.size() ||
-        TfLiteTensorCopyFromBuffer(input, bytes.data(), bytes.size()) != kTfLiteOk) {
+    if (wanted != bytes.size()) {
       return tl::unexpected("The face model's input takes " + std::to_string(wanted) +
                             " bytes, but the picture has " + std::to_string(bytes.size()) + ".");
+    }
+    if (TfLiteTensorCopyFromBuffer(input, bytes.data(), bytes.size()) != kTfLiteOk) {
+      return tl::unexpected<std::string>("The face model's input could not be filled.");
     }
     return {};
   }
