@@ -41,7 +41,7 @@ void printProgress(platform::TimePoint now, const devices::FlowEvent& event) {
 }
 
 bool wasCanceled(const Outcome& outcome) {
-  return !outcome && outcome.error() == corvana::IDError(corvana::IDError::Strings::canceled);
+  return !outcome && outcome.error().cause() == platform::FaultCause::canceled;
 }
 
 void removeRun(const fs::path& folder) {

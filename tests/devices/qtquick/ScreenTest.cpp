@@ -64,7 +64,7 @@ TEST_F(Screen, CloseCancelsInEveryPhaseByTouchAndByKeys) {
       } else {
         click("closeButton");
       }
-      expectFailed(IDError::Strings::canceled);
+      expectFailed(IDError::Strings::canceled.text);
     }
   }
 }
@@ -92,7 +92,7 @@ TEST_F(Screen, RetryAndCancelAnswerAndNothingBelowDoes) {
   QTest::keyClick(&screen->window(), Qt::Key_Tab);
   QTest::keyClick(&screen->window(), Qt::Key_Return);
   world.advance(1);
-  expectFailed(IDError::Strings::canceled);
+  expectFailed(IDError::Strings::canceled.text);
 }
 
 TEST_F(Screen, AlertsAreAnswered) {
@@ -128,7 +128,7 @@ TEST_F(Screen, SpeaksToScreenReaders) {
   auto* close = QAccessible::queryAccessibleInterface(&item("closeButton"));
   close->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
   world.advance(1);
-  expectFailed(IDError::Strings::canceled);
+  expectFailed(IDError::Strings::canceled.text);
 }
 
 TEST_F(Screen, MarksTheWordsHeardAndNeverReadsATextAsMarkup) {
