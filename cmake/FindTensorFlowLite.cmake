@@ -2,7 +2,7 @@
 #
 # Looked for in this order:
 #   1. TENSORFLOW_LITE_ROOT, if given: only there (FOLDER/include/tensorflow/lite/c/c_api.h, FOLDER/lib/...)
-#   2. an installed TensorFlow Lite with its C headers
+#   2. an installed TensorFlow Lite with its C headers, if it attaches no delegate by itself
 #   3. third_party/tensorflow-lite in this tree, which tools/setup fills
 #
 # Sets TensorFlowLite_FOUND, and TensorFlowLite_BUNDLED when the library is not the system's and so has to be
@@ -10,6 +10,7 @@
 
 set(TENSORFLOW_LITE_ROOT "" CACHE PATH "Folder of TensorFlow Lite: include/ and lib/. Empty: system, then third_party/")
 
+set(_tflite_check ${CMAKE_CURRENT_LIST_DIR})
 set(_tflite_header tensorflow/lite/c/c_api.h)
 set(_tflite_names tensorflowlite_c tensorflow-lite tensorflowlite jnitensorflowlite)
 set(_tflite_provisioned "${CMAKE_CURRENT_LIST_DIR}/../third_party/tensorflow-lite")
@@ -24,6 +25,27 @@ macro(_tflite_look_in folder)
   find_path(TensorFlowLite_INCLUDE_DIR ${_tflite_header} PATHS "${folder}" PATH_SUFFIXES include NO_DEFAULT_PATH)
   find_library(TensorFlowLite_LIBRARY NAMES ${_tflite_names} PATHS "${folder}" PATH_SUFFIXES lib lib64 NO_DEFAULT_PATH)
 endmacro()
+
+# Sets the variable to TRUE when the library that was found attaches a delegate to an interpreter that asked for none.
+function(_tflite_attaches_delegate result)
+  set(${result} FALSE PARENT_SCOPE)
+  if(CMAKE_CROSSCOMPILING)
+    message(STATUS "TensorFlow Lite: whether it attaches a delegate by itself can't be tried here; ctest on the device says")
+    return()
+  endif()
+  unset(_tflite_run CACHE)
+  unset(_tflite_compiled CACHE)
+  try_run(_tflite_run _tflite_compiled ${CMAKE_BINARY_DIR}/attaches_delegate
+    ${_tflite_check}/tensorflow-lite/attaches_delegate.cpp
+    CMAKE_FLAGS "-DINCLUDE_DIRECTORIES=${TensorFlowLite_INCLUDE_DIR}"
+    LINK_LIBRARIES ${TensorFlowLite_LIBRARY}
+    ARGS ${_tflite_check}/../src/engine/resources/face_detection_short_range.tflite)
+  if(_tflite_compiled AND _tflite_run EQUAL 1)
+    set(${result} TRUE PARENT_SCOPE)
+  endif()
+  unset(_tflite_run CACHE)
+  unset(_tflite_compiled CACHE)
+endfunction()
 
 # An installed library counts only if the C functions are in it: some builds export the C++ interpreter alone.
 macro(_tflite_look_in_system)
@@ -43,6 +65,13 @@ macro(_tflite_look_in_system)
     unset(CMAKE_REQUIRED_INCLUDES)
     unset(CMAKE_REQUIRED_LIBRARIES)
   endif()
+  if(CORVANA_SYSTEM_TENSORFLOW_LITE_USABLE)
+    _tflite_attaches_delegate(_tflite_delegates)
+    if(_tflite_delegates)
+      message(STATUS "TensorFlow Lite: ${TensorFlowLite_LIBRARY} attaches a delegate by itself and is left alone")
+      unset(CORVANA_SYSTEM_TENSORFLOW_LITE_USABLE CACHE)
+    endif()
+  endif()
   if(NOT CORVANA_SYSTEM_TENSORFLOW_LITE_USABLE)
     unset(TensorFlowLite_INCLUDE_DIR CACHE)
     unset(TensorFlowLite_LIBRARY CACHE)
@@ -53,6 +82,13 @@ set(TensorFlowLite_BUNDLED FALSE)
 if(TENSORFLOW_LITE_ROOT)
   _tflite_look_in("${TENSORFLOW_LITE_ROOT}")
   set(TensorFlowLite_BUNDLED TRUE)
+  if(TensorFlowLite_INCLUDE_DIR AND TensorFlowLite_LIBRARY)
+    _tflite_attaches_delegate(_tflite_delegates)
+    if(_tflite_delegates)
+      message(WARNING "The TensorFlow Lite in ${TENSORFLOW_LITE_ROOT} attaches a delegate by itself: faces will lie at \
+other distances than those the thresholds were measured with. Take a build that attaches none.")
+    endif()
+  endif()
 else()
   _tflite_look_in_system()
   if(NOT TensorFlowLite_LIBRARY)
