@@ -8,12 +8,17 @@ set(CORVANA_RESOURCES_DIR ${CMAKE_INSTALL_DATADIR}/corvana-videoid)
 install(TARGETS platform corvana capture devices_headless devices_scripted devices_qtquick
         EXPORT CorvanaVideoIDTargets
         ARCHIVE COMPONENT library)
-foreach(folder platform corvana capture devices/headless devices/scripted devices/qtquick)
+foreach(folder platform corvana devices/headless devices/scripted devices/qtquick)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/${folder}/
           DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/corvana-videoid/${folder}
           COMPONENT library
           FILES_MATCHING PATTERN "*.h")
 endforeach()
+# Of the module the entry, and what a host wires; how it works inside is nobody else's business.
+install(FILES ${PROJECT_SOURCE_DIR}/src/capture/Corvana+VideoCapture.h
+              ${PROJECT_SOURCE_DIR}/src/capture/ControllerFactories.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/corvana-videoid/capture
+        COMPONENT library)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/capture/resources/
         DESTINATION ${CORVANA_RESOURCES_DIR}/capture COMPONENT library)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/devices/qtquick/qml/

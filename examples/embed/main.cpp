@@ -1,11 +1,12 @@
-// Runs a video identification in a window that the application has already. The host here only plays its part;
-// an application puts its own camera and recorder in its place, as docs/host-contract.md says.
-// usage: embed [SECONDS]      the close button is pressed after so many seconds
+// Runs a video identification in a window that the application has already. The host here only
+// plays its part; an application puts its own camera and recorder in its place, as
+// docs/host-contract.md says. usage: embed [SECONDS]      the close button is pressed after so many
+// seconds
+#include <QGuiApplication>
 #include <cstdlib>
 #include <iostream>
 
-#include <QGuiApplication>
-
+#include "capture/ControllerFactories.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "devices/headless/HeadlessSystem.h"
 #include "devices/headless/ViewSearch.h"
@@ -35,9 +36,10 @@ int main(int argc, char** argv) {
   devices::ScriptedSpeechAuthorization speech(loop);
   devices::ReportingSystemSounds sounds([&](auto) { screen.flash(); });
   devices::ScriptedHost host(loop, media);
-  devices::DirectoryBundle bundle(RESOURCES "/capture", screen.makeStoryboards(capture::controllerFactories()));
-  platform::Environment world{loop,     bundle, notifications, console, settings, media,
-                              speech,   sounds, host,          {},      &screen,  &hub};
+  devices::DirectoryBundle bundle(RESOURCES "/capture",
+                                  screen.makeStoryboards(capture::controllerFactories()));
+  platform::Environment world{loop,   bundle, notifications, console, settings, media,
+                              speech, sounds, host,          {},      &screen,  &hub};
   world.mainScreen.bounds = {0, 0, screen.size().width, screen.size().height};
 
   auto root = std::make_shared<platform::UIViewController>(world);
@@ -45,9 +47,10 @@ int main(int argc, char** argv) {
   corvana::DetectedData front;  // what was read from the card earlier
   front.type = "IDENTITY_CARD_FRONT";
   std::string outcome;
-  capture::videoIDCapture(*root, front, std::nullopt, "I open this account for myself", [&](const auto& result) {
-    outcome = result ? result->videoURL.string() : result.error().localizedDescription();
-  });
+  capture::videoIDCapture(
+      *root, front, std::nullopt, "I open this account for myself", [&](const auto& result) {
+        outcome = result ? result->videoURL.string() : result.error().localizedDescription();
+      });
   if (argc > 1) {
     loop.mainQueue().asyncAfter(platform::seconds(std::atof(argv[1])), [&] {
       auto* close = devices::findView<platform::UIButton>(screens->topmost().view(), "closeButton");

@@ -3,6 +3,7 @@
 #include <iostream>
 #include <utility>
 
+#include "capture/ControllerFactories.h"
 #include "corvana/SpeechRecognizer.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
 

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "capture/ControllerFactories.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "corvana/SpeechRecognizer.h"
 #include "devices/headless/ViewSearch.h"

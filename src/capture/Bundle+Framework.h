@@ -5,10 +5,13 @@
 
 namespace capture {
 
+/// Says which bundle is the module's, and nothing else.
+class BundleAnchor {};
+
 /// Where the module's own resources are: the storyboard "VideoCapture", the drawings
 /// "overlay_portrait_id_front" and "overlay_landscape_id_back", and the model "facenet.tflite".
 inline platform::Bundle& moduleBundle(platform::Environment& environment) {
-  return environment.bundle;
+  return environment.bundleFor(typeid(BundleAnchor));
 }
 
 }  // namespace capture

@@ -5,7 +5,6 @@
 #include "capture/Corvana+VideoCapture.h"
 #include "capture/VideoCapturePresentableViewController.h"
 #include "capture/VideoCaptureViewController.h"
-#include "capture/VideoRetryViewController.h"
 #include "corvana/StoryboardIdentifier.h"
 
 namespace capture {
@@ -41,14 +40,6 @@ void videoIDCapture(UIViewController& from, corvana::DetectedData front,
   navigation->setNavigationBarHidden(true);
   navigation->setModalPresentationStyle(UIModalPresentationStyle::fullScreen);
   from.present(navigation, true);
-}
-
-platform::ControllerFactories controllerFactories() {
-  return {
-      {corvana::storyboardIdentifier<VideoCaptureViewController>(),
-       [](auto& environment) { return std::make_shared<VideoCaptureViewController>(environment); }},
-      {corvana::storyboardIdentifier<VideoRetryViewController>(),
-       [](auto& environment) { return std::make_shared<VideoRetryViewController>(environment); }}};
 }
 
 }  // namespace capture

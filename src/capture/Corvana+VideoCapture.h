@@ -10,7 +10,6 @@
 #include "corvana/IDError.h"
 #include "corvana/Selfie.h"
 #include "corvana/VideoWriter.h"
-#include "platform/uikit/UIStoryboard.h"
 #include "platform/uikit/UIViewController.h"
 
 namespace capture {
@@ -31,13 +30,13 @@ using Completion = std::function<void(const tl::expected<VideoIdResult, corvana:
 
 /// Presents the capture screen on `from`, full screen, and lets the user show face, front and back
 /// of the card, and read `text` aloud. `front` and `back` were captured earlier; `back` is absent
-/// for a one-sided document. Main queue. When the screen can't be built, nothing happens and the
-/// completion is never called.
+/// for a one-sided document. Main queue.
+///
+/// The completion is never called when the screen can't be built, nor when `from` can't present it:
+/// a controller presents one screen at a time, so that a second entry on the same `from` is refused
+/// with a line on the console. Enter on `presentedViewController()` of the first to show both.
 void videoIDCapture(platform::UIViewController& from, corvana::DetectedData front,
                     std::optional<corvana::DetectedData> back, std::string text,
                     Completion completion);
-
-/// The module's controllers, for the program's storyboards.
-platform::ControllerFactories controllerFactories();
 
 }  // namespace capture

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <typeinfo>
 
 #include "platform/foundation/Console.h"
 #include "platform/foundation/NotificationCenter.h"
@@ -54,6 +55,9 @@ struct Environment {
   AnimationPlayer* animations = nullptr;           ///< null: only final states are shown
   PresentationObserver* presentations = nullptr;   ///< null: nobody watches the stack of screens
   corvana::DecisionObserver* decisions = nullptr;  ///< null: no record of the run is kept
+  /// The bundle of the software that a class belongs to. There is one here; where each module is
+  /// packed by itself, the class tells which.
+  Bundle& bundleFor(const std::type_info& /*anchor*/) const { return bundle; }
   /// Kept by `UIView::animate`: when the animation ends whose values are being set.
   std::optional<TimePoint> animationEnd = {};
 };

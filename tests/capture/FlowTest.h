@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "capture/ControllerFactories.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "capture/VideoCaptureViewController.h"
 #include "corvana/Decision.h"

@@ -1,7 +1,7 @@
 #include <utility>
 
 #include "FlowModel.h"
-#include "capture/Corvana+VideoCapture.h"
+#include "capture/ControllerFactories.h"
 #include "capture/NumberText.h"
 #include "corvana/Notifications.h"
 

@@ -9,6 +9,7 @@
 #include "FlowModel.h"
 #include "Hosts.h"
 #include "capture/Bundle+Framework.h"
+#include "capture/ControllerFactories.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "capture/FaceMatchDetector.h"
 #include "corvana/Decision.h"

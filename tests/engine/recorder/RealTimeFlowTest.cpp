@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "capture/ControllerFactories.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "devices/headless/DirectoryBundle.h"
 #include "devices/headless/HeadlessPerson.h"
