@@ -12,6 +12,12 @@ namespace {
 namespace fs = std::filesystem;
 
 ExitCode runVerify(const fs::path& folder) {
+  std::error_code ignored;
+  if (!fs::is_regular_file(folder / kResultFileName, ignored)) {
+    std::cerr << "videoid: \"" << folder.string() << "\" holds no " << kResultFileName
+              << ". Name the folder of a run.\n";
+    return ExitCode::wrongUse;
+  }
   const auto names = verifyRun(folder);
   if (!names) {
     std::cerr << "videoid: " << names.error() << '\n';

@@ -125,7 +125,7 @@ WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources
 Expected<std::vector<std::string>> verifyRun(const fs::path& folder) {
   const fs::path path = folder / kResultFileName;
   const auto text = readFile(path, kMaxResultBytes);
-  if (!text) return tl::unexpected(text.error() + " Name the folder of a run.");
+  if (!text) return tl::unexpected(text.error());
   const auto object = parseJson(*text, path.string());
   if (!object) return tl::unexpected(object.error());
   const auto hashes = object->find("sha256");

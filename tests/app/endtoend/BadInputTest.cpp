@@ -127,6 +127,7 @@ TEST(Commands, WrongUseIsExitCodeTwo) {
                                                     {"capture"},
                                                     {"capture", "--on-alert", "cancel"},
                                                     {"capture", "--done", "soon"},
+                                                    {"verify", "nowhere"},
                                                     {"enroll", "--front", "none.png"}}) {
     EXPECT_EQ(runVideoid(arguments).exitCode, 2);
   }
