@@ -8,10 +8,32 @@
 
 #include "platform/foundation/Require.h"
 
+// The C API can't set what the library logs by itself, and the headers published with it lack this
+// declaration of its own "logger.h". Weak: a library without the function logs as it likes.
+namespace tflite {
+
+enum LogSeverity { TFLITE_LOG_WARNING = 2 };
+
+class LoggerOptions {
+ public:
+  [[gnu::weak]] static LogSeverity SetMinimumLogSeverity(LogSeverity severity);
+};
+
+}  // namespace tflite
+
 namespace engine {
 namespace {
 
 using corvana::IDError;
+
+/// The library announces on standard error, among the program's own lines, that it made a delegate.
+/// Warnings and errors stay.
+void logOnlyWhatIsWrong() {
+  if (tflite::LoggerOptions::SetMinimumLogSeverity == nullptr) return;
+  static const auto kFormer =
+      tflite::LoggerOptions::SetMinimumLogSeverity(tflite::TFLITE_LOG_WARNING);
+  static_cast<void>(kFormer);
+}
 
 void discardMessage(void*, const char*, va_list) {}
 
@@ -71,6 +93,7 @@ tl::expected<TfliteModel, IDError> TfliteModel::load(const std::filesystem::path
   if (!std::filesystem::is_regular_file(file, ignored)) {
     return tl::unexpected(unusable(file, "is missing"));
   }
+  logOnlyWhatIsWrong();
   TfliteModel loaded;
   loaded.model_.reset(
       TfLiteModelCreateFromFileWithErrorReporter(file.c_str(), discardMessage, nullptr));
