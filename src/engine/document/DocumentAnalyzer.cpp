@@ -7,6 +7,7 @@
 #include "engine/document/BarcodeReader.h"
 #include "engine/document/CardWarp.h"
 #include "engine/document/DocumentClassifier.h"
+#include "engine/document/TextLines.h"
 #include "engine/document/StillCards.h"
 #include "engine/vision/FaceCrop.h"
 #include "engine/vision/ImageOps.h"
@@ -46,7 +47,7 @@ platform::UIImageRef faceImageOf(const platform::PixelBuffer& card, const Face& 
 std::size_t letterCount(const corvana::DetectedData& data) {
   std::size_t count = 0;
   for (const std::string& line : *data.ocrStrings)
-    count += line.size();
+    count += characterCount(line);
   return count;
 }
 

@@ -1,7 +1,6 @@
 #include "engine/document/TextLines.h"
 
 #include <algorithm>
-#include <cstddef>
 
 namespace engine {
 namespace {
@@ -61,7 +60,7 @@ double capHeight(const TextWord& word) {
 }
 
 bool isSure(const TextWord& word) {
-  const std::size_t letters = cleaned(word.text).size();
+  const std::size_t letters = characterCount(cleaned(word.text));
   return letters > 0 && word.confidence >= (letters <= 2 ? kMinConfidenceOfPairs : kMinConfidence);
 }
 
@@ -69,7 +68,7 @@ bool isSure(const TextWord& word) {
 double usualHeight(const std::vector<const TextWord*>& words) {
   std::vector<double> heights;
   for (const TextWord* word : words) {
-    heights.insert(heights.end(), cleaned(word->text).size(), capHeight(*word));
+    heights.insert(heights.end(), characterCount(cleaned(word->text)), capHeight(*word));
   }
   if (heights.empty()) return 0;
   const auto middle =
@@ -117,6 +116,11 @@ std::string joined(Line line) {
 }
 
 }  // namespace
+
+std::size_t characterCount(const std::string& text) {
+  return static_cast<std::size_t>(std::ranges::count_if(
+      text, [](char c) { return !isContinuation(static_cast<unsigned char>(c)); }));
+}
 
 std::vector<std::string> textLines(const std::vector<TextWord>& words) {
   std::vector<const TextWord*> kept = worthKeeping(words);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,10 @@ struct TextWord {
   platform::CGRect box;
   double confidence = 0;  ///< 0 to 100
 };
+
+/// Characters as a reader counts them in recognised text, where a letter and its accent are one
+/// code point. Pure.
+std::size_t characterCount(const std::string& text);
 
 /// The words worth keeping (sure ones in the size of the holder's data), in lines from top to
 /// bottom and from left to right. Pure.

@@ -44,14 +44,20 @@ TEST(DocumentClassifier, NamesFamilyAndSide) {
 }
 
 TEST(TextLines, KeepsSureWordsInReadingOrder) {
-  const std::vector<engine::TextWord> words{
-      {"MARIA.", {300, 101, 90, 30}, 95}, {"ANNA", {200, 100, 80, 31}, 95},
-      {"Given", {200, 70, 50, 17}, 96},   {"names", {260, 74, 60, 13}, 96},
-      {"|", {10, 100, 2, 30}, 99},        {"rubbish", {20, 140, 90, 30}, 30},
-      {"ee", {20, 180, 30, 30}, 70},      {"ZENITH,", {200, 150, 90, 34}, 90},
-      {"OF", {160, 150, 30, 30}, 95},     {"PATTERN", {0, 300, 500, 200}, 90}};
+  const std::vector<engine::TextWord> words{{"MARIA.", {300, 101, 90, 30}, 95},
+                                            {"ANNA", {200, 100, 80, 31}, 95},
+                                            {"Given", {200, 70, 50, 17}, 96},
+                                            {"names", {260, 74, 60, 13}, 96},
+                                            {"|", {10, 100, 2, 30}, 99},
+                                            {"rubbish", {20, 140, 90, 30}, 30},
+                                            {"ee", {20, 180, 30, 30}, 70},
+                                            {"ZENITH,", {200, 150, 90, 34}, 90},
+                                            {"OF", {160, 150, 30, 30}, 95},
+                                            {"PATTERN", {0, 300, 500, 200}, 90},
+                                            {"\xC3\x85\xC3\x96", {20, 180, 30, 30}, 70}};
   EXPECT_EQ(engine::textLines(words), (std::vector<std::string>{"ANNA MARIA", "OF ZENITH"}));
   EXPECT_TRUE(engine::textLines({}).empty());
 }
 
 }  // namespace
+  EXPECT_EQ(engine::characterCount("ZO\xC3\x8B"), 3u);
