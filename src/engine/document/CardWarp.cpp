@@ -1,5 +1,6 @@
 #include "engine/document/CardWarp.h"
 
+#include <algorithm>
 #include <vector>
 
 #include <opencv2/imgproc.hpp>
@@ -14,6 +15,19 @@ constexpr int kSaturated = 250;
 constexpr double kBrightRing = 205;
 constexpr double kWhiteCard = 0.5;
 
+/// What brings the card inside the outline to its straightened picture.
+cv::Mat toCard(const Quad& outline) {
+  std::vector<cv::Point2f> from;
+  for (const auto& corner : outline.corners) {
+    from.emplace_back(static_cast<float>(corner.x), static_cast<float>(corner.y));
+  }
+  const std::vector<cv::Point2f> to{{-0.5F, -0.5F},
+                                    {kCardWidth - 0.5F, -0.5F},
+                                    {kCardWidth - 0.5F, kCardHeight - 0.5F},
+                                    {-0.5F, kCardHeight - 0.5F}};
+  return cv::getPerspectiveTransform(from, to);
+}
+
 cv::Mat saturatedPatches(const cv::Mat& rgb) {
   cv::Mat mask;
   cv::inRange(rgb, cv::Scalar::all(kSaturated), cv::Scalar::all(255), mask);
@@ -26,22 +40,29 @@ cv::Mat saturatedPatches(const cv::Mat& rgb) {
 
 platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, const Quad& outline) {
   const cv::Mat rgb = rgbMat(picture);
-  std::vector<cv::Point2f> from;
-  for (const auto& corner : outline.corners) {
-    from.emplace_back(static_cast<float>(corner.x), static_cast<float>(corner.y));
-  }
-  const std::vector<cv::Point2f> to{{-0.5F, -0.5F},
-                                    {kCardWidth - 0.5F, -0.5F},
-                                    {kCardWidth - 0.5F, kCardHeight - 0.5F},
-                                    {-0.5F, kCardHeight - 0.5F}};
   const double shrink = outline.width() / kCardWidth;
   cv::Mat source = rgb;
   // Interpolation looks at four pixels only: what shrinks must be smoothed first.
   if (shrink > 1.3) cv::GaussianBlur(rgb, source, cv::Size(), 0.4 * shrink);
   cv::Mat card;
-  cv::warpPerspective(source, card, cv::getPerspectiveTransform(from, to),
-                      cv::Size(kCardWidth, kCardHeight), cv::INTER_CUBIC, cv::BORDER_REPLICATE);
+  cv::warpPerspective(source, card, toCard(outline), cv::Size(kCardWidth, kCardHeight),
+                      cv::INTER_CUBIC, cv::BORDER_REPLICATE);
   return pixelBufferFrom(card);
+}
+
+platform::CGRect boundsInPicture(const platform::CGRect& onCard, const Quad& outline) {
+  const auto point = [](double x, double y) {
+    return cv::Point2f(static_cast<float>(x), static_cast<float>(y));
+  };
+  std::vector<cv::Point2f> corners{
+      point(onCard.minX(), onCard.minY()), point(onCard.maxX(), onCard.minY()),
+      point(onCard.maxX(), onCard.maxY()), point(onCard.minX(), onCard.maxY())};
+  cv::perspectiveTransform(corners, corners, toCard(outline).inv());
+  Quad quad;
+  std::ranges::transform(corners, quad.corners.begin(), [](const auto& corner) {
+    return platform::CGPoint{corner.x, corner.y};
+  });
+  return quad.bounds();
 }
 
 double cardSharpness(const platform::PixelBuffer& card) {

@@ -13,6 +13,9 @@ inline constexpr int kCardHeight = 630;
 /// The card inside the outline as seen from straight above, rgb24; small cards are scaled up.
 platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, const Quad& outline);
 
+/// The smallest upright rectangle of the picture around a rectangle of the straightened card.
+platform::CGRect boundsInPicture(const platform::CGRect& onCard, const Quad& outline);
+
 /// How crisp the print on a straightened card is: variance of the Laplacian at half size over the
 /// picture's own variance, so that pale cards compare with bold ones. Between about 0.02 (useless)
 /// and 0.5; a card with little print is lower than one with much.

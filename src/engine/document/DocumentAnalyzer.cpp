@@ -6,9 +6,8 @@
 
 #include "engine/document/BarcodeReader.h"
 #include "engine/document/CardWarp.h"
-#include "engine/document/DocumentClassifier.h"
-#include "engine/document/TextLines.h"
 #include "engine/document/StillCards.h"
+#include "engine/document/TextLines.h"
 #include "engine/vision/FaceCrop.h"
 #include "engine/vision/ImageOps.h"
 
@@ -126,6 +125,7 @@ CardReading DocumentAnalyzer::read(const CardView& card) {
   reading.data.barcode = features.barcode;
   reading.data.ocrStrings = features.lines;
   reading.data.image = std::make_shared<platform::UIImage>(card.picture);
+  reading.familyMatches = familyMatches(features);
   classify(features, reading.data);
   return reading;
 }

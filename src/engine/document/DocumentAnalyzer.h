@@ -9,6 +9,7 @@
 #include "corvana/DetectedData.h"
 #include "corvana/IDError.h"
 #include "engine/document/CardFinder.h"
+#include "engine/document/DocumentClassifier.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/mrz/MrzReader.h"
 #include "engine/vision/FaceDetector.h"
@@ -35,6 +36,7 @@ struct CardReading {
   std::optional<platform::CGRect> faceBox;
   /// Where a machine-readable zone seems to be, read or not.
   std::optional<platform::CGRect> mrzBand;
+  FamilyMatches familyMatches;
 };
 
 /// Finds and reads identity cards, one picture at a time, in stages of rising cost: `find` for

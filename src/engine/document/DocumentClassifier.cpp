@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <numeric>
 #include <string_view>
 #include <utility>
@@ -86,10 +87,15 @@ std::size_t editsToFind(std::string_view word, std::string_view text) {
   return fewest;
 }
 
-std::optional<std::string_view> familyByWords(const std::vector<std::string>& lines) {
+std::string plainLetters(const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines)
     text += plainLetters(line);
+  return text;
+}
+
+std::optional<std::string_view> familyByWords(const std::vector<std::string>& lines) {
+  const std::string text = plainLetters(lines);
   for (const auto& [word, family] : kWords) {
     if (editsToFind(word, text) <= word.size() / kLettersPerError) return family;
   }
@@ -109,6 +115,15 @@ bool isLicenceRecord(const std::map<std::string, std::string>& barcode) {
   return barcode.count("DAQ") != 0 || barcode.count("DCA") != 0;
 }
 
+/// What zone and barcode say.
+std::optional<std::string_view> familyByRecord(const DocumentFeatures& features) {
+  if (features.mrz) {
+    if (const auto family = familyByCode(features.mrz->documentCode)) return family;
+  }
+  if (features.barcode && isLicenceRecord(*features.barcode)) return kDrivingLicence;
+  return std::nullopt;
+}
+
 std::optional<corvana::DocumentSide> sideOf(const DocumentFeatures& features) {
   if (features.mrz || features.barcode) return corvana::DocumentSide::back;
   if (features.hasFace) return corvana::DocumentSide::front;
@@ -119,11 +134,22 @@ std::optional<corvana::DocumentSide> sideOf(const DocumentFeatures& features) {
 }  // namespace
 
 std::string documentFamily(const DocumentFeatures& features) {
-  if (features.mrz) {
-    if (const auto family = familyByCode(features.mrz->documentCode)) return std::string(*family);
-  }
-  if (features.barcode && isLicenceRecord(*features.barcode)) return std::string(kDrivingLicence);
+  if (const auto family = familyByRecord(features)) return std::string(*family);
   return std::string(familyByWords(features.lines).value_or(kIdentityCard));
+}
+
+FamilyMatches familyMatches(const DocumentFeatures& features) {
+  const std::string text = plainLetters(features.lines);
+  std::map<std::string_view, float> shares;
+  for (const auto& [word, family] : kWords) {
+    const auto missing = static_cast<float>(editsToFind(word, text));
+    float& share = shares[family];
+    share = std::max(share, 1 - missing / static_cast<float>(word.size()));
+  }
+  if (const auto family = familyByRecord(features)) shares[*family] = 1;
+  FamilyMatches matches(shares.begin(), shares.end());
+  std::ranges::stable_sort(matches, std::greater(), &FamilyMatches::value_type::second);
+  return matches;
 }
 
 void classify(const DocumentFeatures& features, corvana::DetectedData& data) {

@@ -8,6 +8,7 @@
 #include "corvana/Selfie.h"
 #include "corvana/VideoCapture.h"
 #include "engine/document/CardFinder.h"
+#include "engine/document/DocumentClassifier.h"
 #include "engine/selfie/SelfieVerdict.h"
 #include "platform/foundation/Fault.h"
 #include "platform/foundation/Time.h"
@@ -28,6 +29,13 @@ struct AnalysisTask {
   platform::CGSize screenSize;
 };
 
+/// What was measured on a face, each 0 to 1.
+struct FaceMeasures {
+  float leftEyeOpen = 0;
+  float rightEyeOpen = 0;
+  float livenessScore = 0;
+};
+
 /// A frame seen as a selfie.
 struct SelfieView {
   SelfieVerdict verdict = SelfieVerdict::noFace;
@@ -35,9 +43,8 @@ struct SelfieView {
   /// The frame and its face crop, with `SelfieVerdict::good`.
   std::optional<corvana::Selfie> selfie;
   double sharpness = 0;  ///< of the face; comparable between frames of a run
-  float leftEyeOpen = 0;
-  float rightEyeOpen = 0;
-  float livenessScore = 0;
+  /// Absent unless a face is in place.
+  std::optional<FaceMeasures> measures;
 };
 
 /// A frame seen as a picture of a card.
@@ -49,6 +56,11 @@ struct DocumentView {
   std::optional<platform::CGRect> location;
   /// What was read, when this frame was read.
   std::optional<corvana::DetectedData> reading;
+  /// With a reading: bounding box of the face in the card's photo, in the analysed picture; absent
+  /// when there is none.
+  std::optional<platform::CGRect> portrait;
+  /// With a reading.
+  std::optional<FamilyMatches> familyMatches;
 };
 
 /// What one frame shows.

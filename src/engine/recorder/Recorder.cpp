@@ -1,5 +1,7 @@
 #include "engine/recorder/Recorder.h"
 
+#include <any>
+#include <map>
 #include <utility>
 
 #include "corvana/Notifications.h"
@@ -16,6 +18,32 @@ using corvana::VideoCaptureMode;
 using platform::CMSampleBuffer;
 using platform::CMSampleBufferRef;
 using Kind = RecorderEvent::Kind;
+using UserInfo = std::map<std::string, std::any>;
+
+namespace {
+
+// What this host does not measure (masks, copies, screens) is left out, not filled with a number.
+
+UserInfo debugData(const SelfieView& view, const Observation& observation) {
+  UserInfo info{{"fullSize", observation.fullSize}};
+  if (observation.liveFace) info["faceRect"] = *observation.liveFace;
+  if (!view.measures) return info;
+  info["faceLivenessScore"] = view.measures->livenessScore;
+  info["leftEyeOpenProbability"] = view.measures->leftEyeOpen;
+  info["rightEyeOpenProbability"] = view.measures->rightEyeOpen;
+  return info;
+}
+
+corvana::DebugData debugData(const DocumentView& view, const platform::CGSize& fullSize) {
+  corvana::DebugData data;
+  data.fullSize = fullSize;
+  data.documentLocation = *view.location;
+  data.faceLocation = view.portrait;
+  data.topClassifierResults = view.familyMatches;
+  return data;
+}
+
+}  // namespace
 
 std::shared_ptr<Recorder> Recorder::make(Setup setup) {
   std::shared_ptr<Recorder> recorder(new Recorder(std::move(setup)));
@@ -210,26 +238,15 @@ void Recorder::report(const IDCaptureState& state) {
 }
 
 void Recorder::postDebugData(const Observation& observation) {
-  platform::Notification notification;
-  auto userInfo = std::make_shared<std::map<std::string, std::any>>();
+  const auto post = [this](const char* name, UserInfo info) {
+    setup_.notificationCenter.post({name, std::make_shared<const UserInfo>(std::move(info))});
+  };
   if (observation.selfie) {
-    notification.name = corvana::kSelfieCaptureDebugData;
-    if (observation.liveFace) (*userInfo)["faceRect"] = *observation.liveFace;
-    (*userInfo)["fullSize"] = observation.fullSize;
-    (*userInfo)["faceLivenessScore"] = observation.selfie->livenessScore;
-    (*userInfo)["leftEyeOpenProbability"] = observation.selfie->leftEyeOpen;
-    (*userInfo)["rightEyeOpenProbability"] = observation.selfie->rightEyeOpen;
+    post(corvana::kSelfieCaptureDebugData, debugData(*observation.selfie, observation));
   } else if (observation.document && observation.document->location) {
-    notification.name = corvana::kIDCaptureDebugData;
-    corvana::DebugData data;
-    data.fullSize = observation.fullSize;
-    data.documentLocation = *observation.document->location;
-    (*userInfo)["debugData"] = data;
-  } else {
-    return;
+    post(corvana::kIDCaptureDebugData,
+         {{"debugData", debugData(*observation.document, observation.fullSize)}});
   }
-  notification.userInfo = std::move(userInfo);
-  setup_.notificationCenter.post(notification);
 }
 
 void Recorder::note(const RecorderEvent& event) {

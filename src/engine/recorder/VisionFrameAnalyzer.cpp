@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "engine/document/CardWarp.h"
 #include "engine/vision/ImageOps.h"
 
 namespace engine {
@@ -98,15 +99,14 @@ SelfieView VisionFrameAnalyzer::lookForSelfie(const PixelBufferRef& picture,
     observation.liveFace = judgement.face->box;
     tracker_.start(judgement.face->box, observation.frameTime);
   }
-  if (judgement.details) {
-    view.leftEyeOpen = judgement.details->leftEyeOpen;
-    view.rightEyeOpen = judgement.details->rightEyeOpen;
-    view.livenessScore = liveness_.add({observation.frameTime, judgement.details->mesh,
-                                        judgement.details->lidOpening, judgement.passiveLiveness});
+  if (const auto& details = judgement.details) {
+    view.measures = {details->leftEyeOpen, details->rightEyeOpen,
+                     liveness_.add({observation.frameTime, details->mesh, details->lidOpening,
+                                    judgement.passiveLiveness})};
   }
   if (judgement.verdict == SelfieVerdict::good) {
     view.selfie = corvana::Selfie{std::make_shared<platform::UIImage>(picture), judgement.faceImage,
-                                  view.livenessScore};
+                                  view.measures.value_or(FaceMeasures{}).livenessScore};
   }
   return view;
 }
@@ -155,7 +155,10 @@ DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
   view.tooMuchGlare = card.hasTooMuchGlare();
   if (view.tooMuchGlare || card.isBlurred()) return view;
   lastReading_ = observation.frameTime;
-  view.reading = documents_.read(card).data;
+  CardReading reading = documents_.read(card);
+  if (reading.faceBox) view.portrait = boundsInPicture(*reading.faceBox, *sighting.outline);
+  view.familyMatches = std::move(reading.familyMatches);
+  view.reading = std::move(reading.data);
   return view;
 }
 

@@ -5,6 +5,7 @@
 
 #include "TestCards.h"
 #include "engine/document/CardFinder.h"
+#include "engine/document/CardWarp.h"
 
 namespace {
 
@@ -66,6 +67,21 @@ TEST(CardFinder, SeesNoCardWhereThereIsNone) {
     }
     EXPECT_EQ(engine::findCard(*shown.picture, {}).verdict, CardVerdict::none);
   }
+}
+
+TEST(CardWarp, FindsAPartOfTheCardInThePicture) {
+  const engine::Quad upright{{{{100, 200}, {600, 200}, {600, 515}, {100, 515}}}};
+  const auto part = engine::boundsInPicture({499.5, 314.5, 100, 63}, upright);
+  EXPECT_NEAR(part.x, 350, 1e-3);
+  EXPECT_NEAR(part.y, 357.5, 1e-3);
+  EXPECT_NEAR(part.width, 50, 1e-3);
+  EXPECT_NEAR(part.height, 31.5, 1e-3);
+  // Turned by a quarter, the card's left edge lies on top.
+  const engine::Quad turned{{{{515, 100}, {515, 600}, {200, 600}, {200, 100}}}};
+  const auto left = engine::boundsInPicture({-0.5, -0.5, 100, 630}, turned);
+  EXPECT_NEAR(left.y, 100, 1e-3);
+  EXPECT_NEAR(left.width, 315, 1e-3);
+  EXPECT_NEAR(left.height, 50, 1e-3);
 }
 
 }  // namespace

@@ -43,6 +43,22 @@ TEST(DocumentClassifier, NamesFamilyAndSide) {
   }
 }
 
+TEST(DocumentClassifier, MeasuresHowWellTheCardSpeaksForEachFamily) {
+  using Matches = engine::FamilyMatches;
+  // Of the name's 13 letters one is misread and one missing.
+  const Matches licence = engine::familyMatches({.lines = {"DRlVER LICENS", "of passports"}});
+  ASSERT_EQ(licence.size(), 3u) << "an identity card is what remains";
+  EXPECT_EQ(licence[0].first, "DRIVING_LICENCE");
+  EXPECT_NEAR(licence[0].second, 11.0 / 13, 1e-6);
+  EXPECT_EQ(licence[1].first, "PASSPORT_CARD");
+  EXPECT_GT(licence[1].second, licence[2].second);
+  EXPECT_EQ(engine::familyMatches({.lines = {"DRIVER LICENSE"}, .mrz = mrz("IR")})[1],
+            Matches::value_type("RESIDENCE_PERMIT", 1))
+      << "by its zone";
+  for (const auto& [family, share] : engine::familyMatches({}))
+    EXPECT_EQ(share, 0) << family;
+}
+
 TEST(TextLines, KeepsSureWordsInReadingOrder) {
   const std::vector<engine::TextWord> words{{"MARIA.", {300, 101, 90, 30}, 95},
                                             {"ANNA", {200, 100, 80, 31}, 95},
@@ -57,7 +73,7 @@ TEST(TextLines, KeepsSureWordsInReadingOrder) {
                                             {"\xC3\x85\xC3\x96", {20, 180, 30, 30}, 70}};
   EXPECT_EQ(engine::textLines(words), (std::vector<std::string>{"ANNA MARIA", "OF ZENITH"}));
   EXPECT_TRUE(engine::textLines({}).empty());
+  EXPECT_EQ(engine::characterCount("ZO\xC3\x8B"), 3u);
 }
 
 }  // namespace
-  EXPECT_EQ(engine::characterCount("ZO\xC3\x8B"), 3u);

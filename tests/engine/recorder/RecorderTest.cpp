@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "corvana/Notifications.h"
 #include "corvana/StateNames.h"
 #include "devices/scripted/HostContractValidator.h"
 #include "engine/recorder/Fakes.h"
@@ -244,6 +245,84 @@ TEST_F(RecorderTest, FilmsEveryFrameAndLooksTenTimesASecondUnlessTheFilmIsASecon
   EXPECT_EQ(films.log.back(), "finish");
   EXPECT_TRUE(std::filesystem::exists(folder / "film.partial.mp4"));
   EXPECT_EQ(heard, Names{});
+}
+
+/// A recorder in debug mode, and what it posts.
+class DebugDataTest : public RecorderTest {
+ protected:
+  DebugDataTest() { corvana::VideoCapture::options.isDebugMode = true; }
+  ~DebugDataTest() override { corvana::VideoCapture::options = {}; }
+
+  /// The keys of the first notification.
+  Names keys() const {
+    Names names;
+    for (const auto& [key, value] : *posted.at(0).userInfo)
+      names.push_back(key);
+    return names;
+  }
+  void look(std::function<void(Observation&)> fill) {
+    posted.clear();
+    analyzer->fill = std::move(fill);
+    film(0.2);
+  }
+  std::unique_ptr<platform::NotificationCenter::Observation> listen(const char* name) {
+    return notificationCenter.addObserver(name, [this](const auto& n) { posted.push_back(n); });
+  }
+
+  std::vector<platform::Notification> posted;
+  const std::unique_ptr<platform::NotificationCenter::Observation> listening[3] = {
+      listen(corvana::kSelfieCaptureDebugData), listen(corvana::kIDCaptureDebugData),
+      listen(corvana::kIDCaptureMode)};
+};
+
+TEST_F(DebugDataTest, OfAFaceHoldsWhatWasMeasuredAndNoOtherNumber) {
+  look([](Observation& o) { o.selfie.emplace(); });
+  EXPECT_EQ(keys(), Names{"fullSize"});
+  look([](Observation& o) {
+    showGoodFace(o);
+    o.selfie->measures = {0.25F, 0.5F, 0.75F};
+  });
+  EXPECT_EQ(keys(), (Names{"faceLivenessScore", "faceRect", "fullSize", "leftEyeOpenProbability",
+                           "rightEyeOpenProbability"}));
+  const platform::Notification& face = posted[0];
+  EXPECT_EQ(face.name, corvana::kSelfieCaptureDebugData);
+  EXPECT_EQ(*face.value<platform::CGRect>("faceRect"), (platform::CGRect{200, 300, 300, 400}));
+  EXPECT_EQ(*face.value<platform::CGSize>("fullSize"), (platform::CGSize{720, 1280}));
+  EXPECT_EQ(*face.value<float>("leftEyeOpenProbability"), 0.25F);
+  EXPECT_EQ(*face.value<float>("rightEyeOpenProbability"), 0.5F);
+  EXPECT_EQ(*face.value<float>("faceLivenessScore"), 0.75F);
+}
+
+TEST_F(DebugDataTest, OfACardHoldsItsPlacesAndWhatItsPrintSpeaksForOnceItWasRead) {
+  recorder->setMode(VideoCaptureMode::idCapture);
+  look(showCard(corvana::DocumentSide::front));
+  EXPECT_TRUE(posted.empty()) << "no outline";
+  look([](Observation& o) { o.document.emplace().location = {10, 20, 300, 200}; });
+  EXPECT_EQ(keys(), Names{"debugData"});
+  EXPECT_EQ(posted[0].name, corvana::kIDCaptureDebugData);
+  auto data = *posted[0].value<corvana::DebugData>("debugData");
+  EXPECT_EQ(data.fullSize, (platform::CGSize{720, 1280}));
+  EXPECT_EQ(data.documentLocation, (platform::CGRect{10, 20, 300, 200}));
+  EXPECT_FALSE(data.faceLocation || data.topClassifierResults || data.realnessScores);
+
+  look([](Observation& o) {
+    showCard(corvana::DocumentSide::front)(o);
+    o.document->location = {10, 20, 300, 200};
+    o.document->portrait = {30, 40, 50, 60};
+    o.document->familyMatches = {{"DRIVING_LICENCE", 0.5F}};
+  });
+  data = *posted[0].value<corvana::DebugData>("debugData");
+  EXPECT_EQ(data.faceLocation, (platform::CGRect{30, 40, 50, 60}));
+  EXPECT_EQ(data.topClassifierResults, (engine::FamilyMatches{{"DRIVING_LICENCE", 0.5F}}));
+  EXPECT_FALSE(data.realnessScores) << "this host does not judge it";
+}
+
+TEST_F(DebugDataTest, IsPostedInDebugModeOnly) {
+  corvana::VideoCapture::options.isDebugMode = false;
+  look(showGoodFace);
+  recorder->setMode(VideoCaptureMode::idCapture);
+  film(0.2);
+  EXPECT_TRUE(posted.empty());
 }
 
 }  // namespace
