@@ -1,7 +1,9 @@
 #include "devices/qtquick/ViewBinding.h"
 
 #include <QMetaMethod>
+#include <algorithm>
 #include <initializer_list>
+#include <vector>
 
 #include "devices/qtquick/Conversions.h"
 
@@ -20,6 +22,7 @@ constexpr const char* kTintColor = "tintColor";
 constexpr const char* kText = "text";
 constexpr const char* kTextColor = "textColor";
 constexpr const char* kTextFormat = "textFormat";
+constexpr const char* kWords = "words";
 constexpr const char* kAnnounced = "announced";
 constexpr const char* kFontFamily = "fontFamily";
 constexpr const char* kFontSize = "fontSize";
@@ -43,21 +46,39 @@ void setColor(QQuickItem& item, const char* property, const UIColor& color) {
   item.setProperty(property, toQt(color));
 }
 
+/// The colour of each UTF-16 unit, invalid where no run lies. Runs come in any order and may touch
+/// or overlap; the later one wins. What lies outside of the text falls away.
+std::vector<QColor> colorsOf(const NSAttributedString& text, const QString& plain) {
+  std::vector<QColor> colors(static_cast<std::size_t>(plain.size()));
+  for (const auto& run : text.runs) {
+    const auto from = std::max<qsizetype>(0, run.location);
+    const auto end = std::min(plain.size(), qsizetype{run.location} + run.length);
+    for (qsizetype at = from; at < end; ++at)
+      colors[static_cast<std::size_t>(at)] = toQt(run.foregroundColor);
+  }
+  // The two units of a letter outside the basic plane must not be torn apart.
+  for (qsizetype at = 1; at < plain.size(); ++at) {
+    const auto unit = static_cast<std::size_t>(at);
+    if (plain[at].isLowSurrogate()) colors[unit] = colors[unit - 1];
+  }
+  return colors;
+}
+
 QString styled(const NSAttributedString& text) {
   const QString plain = QString::fromStdString(text.string);
-  const auto escaped = [&plain](qsizetype from, qsizetype length) {
-    return plain.mid(from, length).toHtmlEscaped().replace('\n', QStringLiteral("<br>"));
-  };
+  const std::vector<QColor> colors = colorsOf(text, plain);
   QString result;
-  qsizetype at = 0;
-  for (const auto& run : text.runs) {
-    if (run.location < at || run.location + run.length > plain.size()) continue;
-    result += escaped(at, run.location - at);
-    result += QStringLiteral("<font color=\"%1\">%2</font>")
-                  .arg(toQt(run.foregroundColor).name(), escaped(run.location, run.length));
-    at = run.location + run.length;
+  for (auto from = colors.begin(); from != colors.end();) {
+    const auto end = std::find_if(from, colors.end(), [&](const auto& c) { return c != *from; });
+    const QString words = plain.mid(from - colors.begin(), end - from)
+                              .toHtmlEscaped()
+                              .replace('\n', QStringLiteral("<br>"));
+    result += from->isValid()
+                  ? QStringLiteral("<font color=\"%1\">%2</font>").arg(from->name(), words)
+                  : words;
+    from = end;
   }
-  return result + escaped(at, plain.size() - at);
+  return result;
 }
 
 std::string lacksProperties(const QQuickItem& item, std::initializer_list<const char*> names) {
@@ -110,9 +131,10 @@ void LabelBinding::apply(std::string_view property) {
   ViewBinding::apply(property);
   if (property == kText || property == "attributedText") {
     const auto& marked = label_.attributedText();
+    const QString words = QString::fromStdString(label_.text().value_or(""));
     item().setProperty(kTextFormat, marked ? kStyledText : kPlainText);
-    item().setProperty(
-        kText, marked ? styled(*marked) : QString::fromStdString(label_.text().value_or("")));
+    item().setProperty(kText, marked ? styled(*marked) : words);
+    item().setProperty(kWords, words);
     if (item().property(kAnnounced).toBool() && label_.text()) tools().announce(item());
   }
   if (property == kTextColor) setColor(item(), kTextColor, label_.textColor());

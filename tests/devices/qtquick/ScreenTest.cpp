@@ -1,6 +1,11 @@
 #include <QAccessible>
+#include <QTextBlock>
+#include <QTextDocument>
 #include <QtTest>
+#include <algorithm>
+#include <cstdlib>
 #include <map>
+#include <tuple>
 
 #include "ScreenWorld.h"
 #include "corvana/Notifications.h"
@@ -11,7 +16,36 @@ namespace {
 
 using platform::colors::kRed;
 
-class Screen : public ScreenWorld {};
+class Screen : public ScreenWorld {
+ protected:
+  /// The words of a label as they are drawn, those in yellow within brackets.
+  std::string drawn(const std::string& label) {
+    QTextDocument document;
+    document.setHtml(item(label).property("text").toString());
+    QString result;
+    for (auto line = document.begin(); line != document.end(); line = line.next()) {
+      for (auto part = line.begin(); !part.atEnd(); ++part) {
+        const bool isMarked = part.fragment().charFormat().foreground().color() == Qt::yellow;
+        const QString words = part.fragment().text().replace(QChar::LineSeparator, '\n');
+        result += isMarked ? "[" + words + "]" : words;
+      }
+    }
+    return result.toStdString();
+  }
+
+  /// Pixels of a colour in a part of the window; blending may be off by one.
+  int count(const QColor& color, const QRectF& part) {
+    const QImage picture = screen->picture().copy(part.toAlignedRect());
+    const auto isNear = [](int a, int b) { return std::abs(a - b) <= 1; };
+    int found = 0;
+    for (int i = 0; i < picture.width() * picture.height(); ++i) {
+      const QColor pixel = picture.pixelColor(i % picture.width(), i / picture.width());
+      found += isNear(pixel.red(), color.red()) && isNear(pixel.green(), color.green()) &&
+               isNear(pixel.blue(), color.blue());
+    }
+    return found;
+  }
+};
 
 TEST_F(Screen, ShowsAWholeIdentificationAndTakesItsTouches) {
   open();
@@ -143,6 +177,53 @@ TEST_F(Screen, MarksTheWordsHeardAndNeverReadsATextAsMarkup) {
   EXPECT_EQ(item("readingTextLabel").property("text").toString().toStdString(),
             "<font color=\"#ffff00\">Seven</font> &lt;b&gt;grey&lt;/b&gt; "
             "<font color=\"#ffff00\">herons</font> &amp; more");
+}
+
+TEST_F(Screen, MarksEachRunInWhateverOrderTheyCome) {
+  text = "Seven 🐦𝔊rey herons & <b>";  // the third and fourth letters here take two units each
+  open();
+  enter();
+  reachReading();
+  using Runs = std::vector<platform::NSAttributedString::Run>;
+  const auto yellow = [](int location, int length) {
+    return Runs::value_type{location, length, platform::colors::kYellow};
+  };
+  const std::tuple<const char*, Runs, const char*> cases[] = {
+      {"none", {}, "Seven 🐦𝔊rey herons & <b>"},
+      {"last first", {yellow(14, 6), yellow(0, 5)}, "[Seven] 🐦𝔊rey [herons] & <b>"},
+      {"touching", {yellow(10, 3), yellow(8, 2)}, "Seven 🐦[𝔊rey] herons & <b>"},
+      {"overlapping", {yellow(14, 6), yellow(8, 9)}, "Seven 🐦[𝔊rey herons] & <b>"},
+      {"markup", {yellow(23, 3), yellow(21, 1)}, "Seven 🐦𝔊rey herons [&] [<b>]"},
+      {"outside", {yellow(21, 99), yellow(-3, 8), yellow(50, 2)}, "[Seven] 🐦𝔊rey herons [& <b>]"},
+      {"empty", {yellow(3, 0), yellow(9, -4)}, "Seven 🐦𝔊rey herons & <b>"},
+      {"through a letter", {yellow(7, 2)}, "Seven 🐦[𝔊]rey herons & <b>"}};
+  for (const auto& [name, runs, seen] : cases) {
+    world.label("readingTextLabel").setAttributedText({text, runs});
+    EXPECT_EQ(drawn("readingTextLabel"), seen) << name;
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&item("readingTextLabel"))
+                  ->text(QAccessible::Name)
+                  .toStdString(),
+              text);
+  }
+}
+
+TEST_F(Screen, WordsHeardOutOfOrderAreYellowInThePicture) {
+  VideoCapture::options.isDebugMode = true;
+  text = "mmmm wwww";
+  open();
+  enter();
+  reachReading();
+  QRectF left = place("readingTextLabel");
+  left.setWidth(left.width() / 2);
+  const QRectF right = left.translated(left.width(), 0);
+  const auto marks = [&] {
+    return std::pair(count(Qt::yellow, left) > 0, count(Qt::yellow, right) > 0);
+  };
+  EXPECT_EQ(marks(), std::pair(false, false));
+  hear("wwww");
+  EXPECT_EQ(marks(), std::pair(false, true));
+  hear("wwww mmmm");
+  EXPECT_EQ(marks(), std::pair(true, true));
 }
 
 TEST_F(Screen, PreviewIsMirroredAndOutlinesLieOverIt) {

@@ -7,6 +7,8 @@ Text {
     property color backgroundColor: "transparent"
     property color tintColor: "white"
     property color textColor: "white"
+    // The text without the marks in it.
+    property string words: text
     property string fontFamily: ""
     property real fontSize: 17
     // Pixels of the screen to a point of the font.
@@ -48,6 +50,6 @@ Text {
     textFormat: Text.PlainText
 
     Accessible.role: Accessible.StaticText
-    Accessible.name: text
+    Accessible.name: words
     Accessible.ignored: !visible || text === ""
 }

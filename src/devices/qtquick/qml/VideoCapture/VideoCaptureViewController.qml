@@ -242,8 +242,7 @@ View {
             Label {
                 id: readingTextLabel
                 // As large as the page allows: a letter takes about 0.9 of the square of its size.
-                readonly property string words: textFormat === Text.StyledText ? text.replace(/<[^>]*>/g, "") : text
-                readonly property real fitting: Math.sqrt(page.width * page.height / (0.9 * Math.max(1, words.length)))
+                readonly property real fitting: Math.sqrt(page.width * page.height / (0.9 * Math.max(1, [...words].length)))
                 width: page.width
                 height: Math.max(page.height, implicitHeight)
                 unit: root.letters
