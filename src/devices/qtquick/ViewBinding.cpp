@@ -34,6 +34,9 @@ constexpr const char* kTitleColor = "titleColor";
 constexpr const char* kEnabled = "enabled";
 constexpr const char* kProgress = "progress";
 
+/// How long a bar moves to its new value; common toolkits take as long.
+constexpr platform::Duration kProgressMovement = std::chrono::milliseconds(250);
+
 // Values of Text.textFormat. Plain unless words are marked: a text is never read as markup.
 constexpr int kPlainText = 0;
 constexpr int kStyledText = 4;
@@ -155,9 +158,10 @@ void ImageViewBinding::flip(platform::Duration duration) {
 
 void ProgressViewBinding::apply(std::string_view property) {
   ViewBinding::apply(property);
-  if (property == kProgress) {
-    item().setProperty(kProgress, static_cast<double>(progressView_.progress()));
-  }
+  if (property != kProgress) return;
+  tools().animator.move(
+      item(), kProgress, progressView_.progress(),
+      progressView_.isProgressAnimated() ? kProgressMovement : platform::Duration::zero());
 }
 
 ButtonBinding::ButtonBinding(QQuickItem& item, platform::UIButton& button,

@@ -53,8 +53,9 @@ bool UIButton::touchUpInside() {
   return true;
 }
 
-void UIProgressView::setProgress(float progress, bool) {
+void UIProgressView::setProgress(float progress, bool animated) {
   progress_ = progress;
+  progressAnimated_ = animated;
   changed("progress");
 }
 

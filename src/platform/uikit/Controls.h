@@ -87,11 +87,15 @@ class UIButton final : public UIView {
 
 class UIProgressView final : public UIView {
  public:
+  /// From 0 to 1.
   float progress() const { return progress_; }
+  /// Whether the bar is to be seen moving to its present value, instead of jumping there.
+  bool isProgressAnimated() const { return progressAnimated_; }
   void setProgress(float progress, bool animated);
 
  private:
   float progress_ = 0;
+  bool progressAnimated_ = false;
 };
 
 }  // namespace platform

@@ -64,6 +64,7 @@ TEST_F(Screen, ShowsAWholeIdentificationAndTakesItsTouches) {
   EXPECT_FALSE(item("selfieOverlayView").isVisible());
   EXPECT_EQ(item("idOverlayView").opacity(), 1);
   card(ID::DetectedBox{});
+  world.advance(0.5);
   EXPECT_NEAR(item("progressView").property("progress").toDouble(), 1.0 / 3, 1e-6);
   showSide(front);
   world.advance(0.9);
@@ -224,6 +225,29 @@ TEST_F(Screen, WordsHeardOutOfOrderAreYellowInThePicture) {
   EXPECT_EQ(marks(), std::pair(false, true));
   hear("wwww mmmm");
   EXPECT_EQ(marks(), std::pair(true, true));
+}
+
+TEST_F(Screen, TheBarMovesOnlyWhenItIsAskedToAndMovementIsWanted) {
+  open();
+  const auto progress = [&] { return item("progressView").property("progress").toDouble(); };
+  for (const bool animated : {true, false}) {
+    screen->settings().animated = animated;
+    enter();
+    passSelfie();
+    card(ID::DetectedBox{});
+    EXPECT_TRUE(item("progressView").isVisible());
+    world.advance(0.1);
+    if (animated) {
+      EXPECT_GT(progress(), 0.01);
+      EXPECT_LT(progress(), 0.32);
+    }
+    world.advance(animated ? 0.3 : 0);
+    EXPECT_NEAR(progress(), 1.0 / 3, 1e-6);
+    card(ID::DetectingBox{});
+    EXPECT_EQ(progress(), 0) << "asked not to move";
+    world.root->dismiss(false);
+    world.advance(1000);
+  }
 }
 
 TEST_F(Screen, PreviewIsMirroredAndOutlinesLieOverIt) {
