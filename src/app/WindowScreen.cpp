@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <stdlib.h>
 
 #include "app/FlowScreen.h"
@@ -45,7 +47,6 @@ class WindowScreen final : public FlowScreen {
     emit settings.changed();
   }
 
-  devices::QtScreen& screen() { return screen_; }
   /// Accepted steps are heard as well, and prompts if that is wanted.
   void addSounds(const WindowLooks& looks) {
     tone_ = std::make_unique<devices::TonePlayer>(loop_);
@@ -78,13 +79,17 @@ class WindowScreen final : public FlowScreen {
       if (onClose) loop_.mainQueue().async(onClose);
     };
   }
+  /// Stands in for the camera in the pictures that are saved.
+  void setBackdrop(platform::PixelBufferRef picture) { backdrop_ = std::move(picture); }
   bool savePicture(const std::filesystem::path& path) override {
+    screen_.feed()->push(backdrop_);
     return screen_.picture().save(QString::fromStdString(path.string()), "PNG");
   }
 
  private:
   platform::RunLoop& loop_;
   devices::QtScreen screen_;
+  platform::PixelBufferRef backdrop_;
   std::unique_ptr<devices::TonePlayer> tone_;
   std::unique_ptr<devices::EspeakSynthesizer> voice_;
   std::unique_ptr<devices::SpokenHints> hints_;
@@ -113,8 +118,7 @@ std::unique_ptr<FlowScreen> makePictureScreen(platform::RunLoop& loop, const Win
   setenv("QT_QPA_PLATFORM", "offscreen", 1);
   devices::QtApplication::ofProcess();
   auto made = std::make_unique<WindowScreen>(loop, wishes, resources);
-  devices::QtScreen& screen = made->screen();
-  screen.feed()->push(devices::loadPicture(backdrop));
+  made->setBackdrop(devices::loadPicture(backdrop));
   return made;
 }
 

@@ -148,6 +148,19 @@ TEST_F(Presentation, ADismissalDuringThePresentationEndsItInOrder) {
   EXPECT_TRUE(a->isTopmost());
 }
 
+TEST_F(Presentation, ALayersObserverHearsOfEachChangeOfDepthBelowItsRoot) {
+  const auto outer = std::make_shared<platform::UIView>();
+  const auto inner = std::make_shared<platform::UIView>();
+  const auto a = screen("a");
+  a->view().addSubview(outer);
+  outer->addSubview(inner);
+  int changes = 0;
+  a->view().layer().setObserver([&] { ++changes; });
+  inner->layer().setZPosition(2);
+  EXPECT_EQ(changes, 1);
+  EXPECT_EQ(inner->layer().zPosition(), 2);
+}
+
 TEST_F(Presentation, AControlAnswersOnlyWhereItCanBeTouched) {
   const auto a = screen("a");
   const auto outer = std::make_shared<platform::UIView>();

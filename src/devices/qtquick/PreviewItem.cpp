@@ -108,6 +108,12 @@ QImage PreviewFeed::latest() const {
   return latest_;
 }
 
+void PreviewFeed::clear() {
+  const std::lock_guard lock(mutex_);
+  latest_ = {};
+  last_.reset();
+}
+
 void PreviewFeed::setOnPicture(std::function<void()> onPicture) {
   const std::lock_guard lock(mutex_);
   onPicture_ = std::move(onPicture);
@@ -123,6 +129,7 @@ PreviewItem::~PreviewItem() {
 
 void PreviewItem::setFeed(std::shared_ptr<PreviewFeed> feed) {
   feed_ = std::move(feed);
+  feed_->clear();
   // The feed drops the function before this item is gone, so a posted call finds it or nothing.
   feed_->setOnPicture([this] {
     QMetaObject::invokeMethod(

@@ -23,6 +23,8 @@ class PreviewFeed {
   void setSize(const QSize& size);
   /// Null before the first.
   QImage latest() const;
+  /// Forgets the pictures so far. Any thread.
+  void clear();
   /// Told on the thread of the camera after each picture. Any thread; may be null.
   void setOnPicture(std::function<void()> onPicture);
 
@@ -48,6 +50,7 @@ class PreviewItem : public QQuickItem {
   explicit PreviewItem(QQuickItem* parent = nullptr);
   ~PreviewItem() override;
 
+  /// Shows what the feed gets from now on: what it holds may be of another person.
   void setFeed(std::shared_ptr<PreviewFeed> feed);
   /// The camera has given a picture.
   bool showsPicture() const { return feed_ && !feed_->latest().isNull(); }

@@ -26,6 +26,17 @@ std::string actionOf(const QQuickItem& item) {
   return item.property("action").toString().toStdString();
 }
 
+/// All items below, each before what lies on it.
+std::vector<QQuickItem*> descendants(const QQuickItem& item) {
+  std::vector<QQuickItem*> found;
+  for (QQuickItem* child : item.childItems()) {
+    found.push_back(child);
+    const auto deeper = descendants(*child);
+    found.insert(found.end(), deeper.begin(), deeper.end());
+  }
+  return found;
+}
+
 }  // namespace
 
 QtRootView::QtRootView(std::unique_ptr<QtScene> scene) : scene_(std::move(scene)) {}
@@ -34,8 +45,6 @@ QtRootView::~QtRootView() = default;
 
 std::unique_ptr<QQuickItem> loadItem(QQmlEngine& engine, const std::string& file,
                                      const QVariantMap& properties) {
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(file, error)) return nullptr;
   QQmlComponent component(&engine, QUrl::fromLocalFile(QString::fromStdString(file)));
   platform::require(component.isReady(), component.errorString().toStdString());
   auto* item = qobject_cast<QQuickItem*>(component.createWithInitialProperties(properties));
@@ -49,7 +58,6 @@ std::shared_ptr<QtRootView> QtScene::load(QQmlEngine& engine, const std::string&
   auto item = loadItem(
       engine, file,
       {{QStringLiteral("width"), size.width()}, {QStringLiteral("height"), size.height()}});
-  if (!item) return nullptr;
   std::unique_ptr<QtScene> owned(new QtScene(std::move(item), identifier, tools));
   QtScene& scene = *owned;
   auto root = std::make_shared<QtRootView>(std::move(owned));
@@ -71,6 +79,7 @@ void QtScene::bindRoot(QtRootView& root) {
   outlet.binding->takeOver();
   bindings_[&root] = outlet.binding.get();
   root.setObserver(this);
+  root.layer().setObserver([this] { showLayers(); });
 }
 
 std::string QtScene::lacks(const std::string& what, const std::string& name) const {
@@ -180,19 +189,15 @@ void QtScene::collection(const std::string& name, platform::OutletCollection<UIB
   }
 }
 
-std::vector<QQuickItem*> QtScene::controls(const QQuickItem& below) const {
-  std::vector<QQuickItem*> found;
-  for (QQuickItem* item : below.childItems()) {
-    if (!actionOf(*item).empty()) found.push_back(item);
-    const auto deeper = controls(*item);
-    found.insert(found.end(), deeper.begin(), deeper.end());
-  }
+std::vector<QQuickItem*> QtScene::controls() const {
+  auto found = descendants(*item_);
+  std::erase_if(found, [](const QQuickItem* item) { return actionOf(*item).empty(); });
   return found;
 }
 
 void QtScene::action(const std::string& name, std::function<void()> handler) {
   bool connected = false;
-  for (QQuickItem* control : controls(*item_)) {
+  for (QQuickItem* control : controls()) {
     if (actionOf(*control) != name) continue;
     const auto button =
         std::dynamic_pointer_cast<UIButton>(viewFor(*control, ViewKind::button, nameOf(*control)));
@@ -213,15 +218,43 @@ UIView& QtScene::parentOf(const QQuickItem& item) const {
 }
 
 void QtScene::finish() {
-  for (const auto& [item, outlet] : outlets_) {
-    if (outlet.view) parentOf(*item).addSubview(outlet.view);
+  for (const QQuickItem* item : descendants(*item_)) {
+    const auto outlet = outlets_.find(item);
+    if (outlet != outlets_.end()) parentOf(*item).addSubview(outlet->second.view);
   }
-  for (const QQuickItem* control : controls(*item_)) {
+  for (const QQuickItem* control : controls()) {
     const std::string action = actionOf(*control);
     platform::require(std::ranges::count(offered_, action) > 0,
                       "the controller of the scene \"" + identifier_ +
                           "\" does not offer the action \"" + action + "\"");
   }
+}
+
+template <class Item>
+Item& QtScene::part(const char* name) const {
+  auto* found = qobject_cast<Item*>(item_->property(name).value<QObject*>());
+  platform::require(found != nullptr, lacks("item of the right kind", name));
+  return *found;
+}
+
+std::shared_ptr<platform::CALayer> QtScene::addPreviewLayer() {
+  preview_ = &part<PreviewItem>("preview");
+  outlines_ = &part<OutlineItem>("outlines");
+  // Of equal z positions the layer that was added last lies in front.
+  preview_->stackAfter(item_->childItems().back());
+  outlines_->stackAfter(preview_);
+  previewLayer_ = std::make_shared<platform::CALayer>();
+  root_->layer().addSublayer(previewLayer_);
+  return previewLayer_;
+}
+
+void QtScene::showLayers() {
+  for (const auto& [item, outlet] : outlets_) {
+    if (outlet.view) outlet.binding->item().setZ(outlet.view->layer().zPosition());
+  }
+  if (!previewLayer_) return;
+  preview_->setZ(previewLayer_->zPosition());
+  outlines_->show(root_->layer());
 }
 
 void QtScene::layOut() {

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "devices/qtquick/Drawings.h"
+#include "devices/qtquick/PreviewItem.h"
 #include "devices/qtquick/ViewBinding.h"
 #include "platform/uikit/UIStoryboard.h"
 
@@ -15,8 +17,8 @@ namespace devices {
 
 class QtScene;
 
-/// The item of a QML file with these properties. Null when there is no such file; a file with
-/// faults ends the program, naming the first.
+/// The item of a QML file with these properties. A missing file, or one with faults, ends the
+/// program, naming the first.
 std::unique_ptr<QQuickItem> loadItem(QQmlEngine& engine, const std::string& file,
                                      const QVariantMap& properties);
 
@@ -33,10 +35,11 @@ class QtRootView final : public platform::UIView {
 
 /// A scene of the storyboard and the hand that connects it: outlets to the items of the same ids,
 /// actions to the controls whose property `action` names them. What is missing or of the wrong kind
-/// ends the program, naming it. Main queue.
+/// ends the program, naming it. Items lie in front of each other as the layers of their views do.
+/// Main queue.
 class QtScene final : public platform::OutletBinder, public platform::ViewObserver {
  public:
-  /// Null when there is no such file; a file with faults ends the program, naming the first.
+  /// A missing file, or one with faults, ends the program, naming the first.
   static std::shared_ptr<QtRootView> load(QQmlEngine& engine, const std::string& file,
                                           const std::string& identifier, const BindingTools& tools,
                                           const QSizeF& size);
@@ -53,14 +56,12 @@ class QtScene final : public platform::OutletBinder, public platform::ViewObserv
   void action(const std::string& name, std::function<void()> handler) override;
   /// After the controller has declared its outlets: puts the views into their tree.
   void finish();
-
-  /// The item that the scene names as its `name`, as its preview; a missing one ends the program.
-  template <class Item>
-  Item& part(const char* name) const {
-    auto* found = qobject_cast<Item*>(item_->property(name).value<QObject*>());
-    platform::require(found != nullptr, lacks("item of the right kind", name));
-    return *found;
-  }
+  /// After `finish`, for a camera screen: the layer of the item that the scene names as its
+  /// `preview`, in front of all views that are not raised above it; `outlines` lie over it. A
+  /// missing item ends the program.
+  std::shared_ptr<platform::CALayer> addPreviewLayer();
+  /// Null in a scene without a camera.
+  PreviewItem* preview() const { return preview_; }
 
   /// Places what the controller's constraints decide, then tells all views their frames.
   void layOut();
@@ -80,14 +81,17 @@ class QtScene final : public platform::OutletBinder, public platform::ViewObserv
     std::unique_ptr<ViewBinding> binding;
   };
 
+  template <class Item>
+  Item& part(const char* name) const;
   void bindRoot(QtRootView& root);
+  void showLayers();
   QObject& object(const char* what, const std::string& name) const;
   QQuickItem& itemOf(const std::string& name) const;
   std::vector<QQuickItem*> members(const std::string& name) const;
   std::shared_ptr<platform::UIView> viewFor(QQuickItem& item, ViewKind kind,
                                             const std::string& name);
   Outlet makeOutlet(QQuickItem& item, ViewKind kind, const std::string& name) const;
-  std::vector<QQuickItem*> controls(const QQuickItem& below) const;
+  std::vector<QQuickItem*> controls() const;
   platform::UIView& parentOf(const QQuickItem& item) const;
   std::string nameOf(QQuickItem& item) const;
   std::string lacks(const std::string& what, const std::string& name) const;
@@ -96,6 +100,9 @@ class QtScene final : public platform::OutletBinder, public platform::ViewObserv
   std::string identifier_;
   BindingTools tools_;
   platform::UIView* root_ = nullptr;
+  PreviewItem* preview_ = nullptr;
+  OutlineItem* outlines_ = nullptr;
+  std::shared_ptr<platform::CALayer> previewLayer_;
   std::map<const QQuickItem*, Outlet> outlets_;
   std::map<const platform::UIView*, ViewBinding*> bindings_;
   std::vector<std::pair<QObject*, std::shared_ptr<platform::NSLayoutConstraint>>> constraints_;

@@ -8,9 +8,7 @@
 #include <cmath>
 #include <utility>
 
-#include "corvana/CaptureSessionViewController.h"
 #include "devices/qtquick/AlertTouches.h"
-#include "devices/qtquick/Drawings.h"
 #include "devices/qtquick/QtStoryboard.h"
 #include "platform/uikit/UIViewController.h"
 
@@ -111,22 +109,28 @@ DirectoryBundle::StoryboardMaker QtScreen::makeStoryboards(
   };
 }
 
+std::filesystem::path QtScreen::sceneFile(const std::string& storyboard,
+                                          const std::string& identifier) const {
+  return setup_.storyboards / storyboard / (identifier + ".qml");
+}
+
+bool QtScreen::hasScene(const std::string& storyboard, const std::string& identifier) const {
+  std::error_code error;
+  return std::filesystem::is_regular_file(sceneFile(storyboard, identifier), error);
+}
+
 std::shared_ptr<QtRootView> QtScreen::loadScene(const std::string& storyboard,
                                                 const std::string& identifier) {
-  const auto file = setup_.storyboards / storyboard / (identifier + ".qml");
   return QtScene::load(
-      engine_, file.string(), identifier,
+      engine_, sceneFile(storyboard, identifier).string(), identifier,
       {animator_, *images_, animationDuration_, [this](QQuickItem& item) { announce(item); }},
       QSizeF(size().width, size().height));
 }
 
 std::unique_ptr<QQuickItem> QtScreen::loadPart(const std::string& name, QVariantMap properties) {
-  const auto file = setup_.storyboards / "VideoCapture" / (name + ".qml");
   properties.insert(QStringLiteral("width"), size().width);
   properties.insert(QStringLiteral("height"), size().height);
-  auto item = loadItem(engine_, file.string(), properties);
-  platform::require(item != nullptr, "the storyboard has no \"" + name + "\"");
-  return item;
+  return loadItem(engine_, sceneFile("VideoCapture", name).string(), properties);
 }
 
 QtScene* QtScreen::sceneOf(UIViewController& controller) const {
@@ -199,9 +203,7 @@ void QtScreen::willPresent(UIViewController& controller) {
   QtScene* scene = sceneOf(controller);
   if (!scene) return;
   raise(scene->item());
-  if (dynamic_cast<corvana::CaptureSessionViewController*>(&shownBy(controller))) {
-    scene->part<PreviewItem>("preview").setFeed(feed_);
-  }
+  if (PreviewItem* preview = scene->preview()) preview->setFeed(feed_);
   scene->layOut();
 }
 

@@ -55,7 +55,8 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
 
   /// The storyboards of the folder with these controllers.
   DirectoryBundle::StoryboardMaker makeStoryboards(platform::ControllerFactories factories);
-  /// A scene as `NAME/IDENTIFIER.qml` in the folder of storyboards; null when there is none.
+  /// Whether the folder of storyboards holds the scene as `NAME/IDENTIFIER.qml`.
+  bool hasScene(const std::string& storyboard, const std::string& identifier) const;
   std::shared_ptr<QtRootView> loadScene(const std::string& storyboard,
                                         const std::string& identifier);
 
@@ -74,6 +75,8 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
  private:
   class Window;
 
+  std::filesystem::path sceneFile(const std::string& storyboard,
+                                  const std::string& identifier) const;
   void showMade();
   std::unique_ptr<QQuickItem> loadPart(const std::string& name, QVariantMap properties);
   QtScene* sceneOf(platform::UIViewController& controller) const;

@@ -109,6 +109,7 @@ void ViewBinding::takeOver() {
   view_.setAlpha(item_.property(kAlpha).toDouble());
   view_.setBackgroundColor(colorOf(item_, kBackgroundColor));
   view_.setTintColor(colorOf(item_, kTintColor));
+  view_.layer().setZPosition(item_.z());
 }
 
 void ViewBinding::apply(std::string_view property) {

@@ -34,6 +34,7 @@ void CALayer::changed() {
 
 void CALayer::setZPosition(double z) {
   zPosition_ = z;
+  changed();
 }
 
 }  // namespace platform

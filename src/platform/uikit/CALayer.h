@@ -21,9 +21,12 @@ class CALayer : public std::enable_shared_from_this<CALayer> {
   void addSublayer(const std::shared_ptr<CALayer>& layer);
   void removeFromSuperlayer();
 
-  /// Set on a root layer: told of each layer that comes or goes anywhere below it. May be null.
+  /// Set on a root layer: told of each layer that comes, goes or changes its z position anywhere
+  /// below it. May be null.
   void setObserver(std::function<void()> observer) { observer_ = std::move(observer); }
 
+  /// How far in front the layer lies. Siblings are drawn in the order of it, equal ones in that of
+  /// the list; from 0.
   double zPosition() const { return zPosition_; }
   void setZPosition(double z);
 

@@ -17,7 +17,7 @@ class UIViewController;
 struct Environment;
 
 /// A screen: told of each change of a view below the root that it observes. Main queue only. Layers
-/// and constraints give no notice: read layers when drawing, constraints when the view has loaded.
+/// tell an observer of their own; constraints give no notice: read them when the view has loaded.
 class ViewObserver {
  public:
   virtual ~ViewObserver() = default;

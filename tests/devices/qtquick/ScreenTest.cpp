@@ -250,6 +250,42 @@ TEST_F(Screen, TheBarMovesOnlyWhenItIsAskedToAndMovementIsWanted) {
   }
 }
 
+TEST_F(Screen, OnlyWhatIsRaisedLiesOverThePreview) {
+  open();
+  enter();
+  passSelfie();
+  screen->feed()->push(std::make_shared<platform::PixelBuffer>(2, 2, platform::PixelFormat::rgb24,
+                                                               std::vector<std::uint8_t>(12, 200)));
+  const QColor camera(200, 200, 200);
+  const auto isCovered = [&](const char* overlay) {
+    const QRect all = place(overlay).toAlignedRect();
+    return count(camera, all) == all.width() * all.height();
+  };
+  const auto lower = [&](const char* overlay) { world.view(overlay).layer().setZPosition(0); };
+  const auto overlays = {"overlayTopView", "idOverlayView"};
+  for (const char* overlay : overlays)
+    EXPECT_FALSE(isCovered(overlay)) << overlay << " is raised when the camera runs";
+  std::ranges::for_each(overlays, lower);
+  for (const char* overlay : overlays) {
+    EXPECT_TRUE(isCovered(overlay)) << overlay << " is older than the preview";
+    world.view(overlay).layer().setZPosition(0.5);
+    EXPECT_FALSE(isCovered(overlay)) << overlay;
+    lower(overlay);
+  }
+}
+
+TEST_F(Screen, ANewFlowDoesNotBeginWithThePictureOfTheLast) {
+  open();
+  enter();
+  const auto red = std::make_shared<platform::PixelBuffer>(1, 1, platform::PixelFormat::rgb24,
+                                                           std::vector<std::uint8_t>{255, 0, 0});
+  screen->feed()->push(red);
+  EXPECT_EQ(pixel(180, 260), QColor(Qt::red));
+  click("closeButton");
+  enter();
+  EXPECT_EQ(pixel(180, 260), QColor(Qt::black));
+}
+
 TEST_F(Screen, PreviewIsMirroredAndOutlinesLieOverIt) {
   open({400, 400});
   enter();
