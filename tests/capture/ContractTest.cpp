@@ -85,8 +85,9 @@ class Contract : public FlowTest {
     }
   }
 
-  void instantiate(const std::string& scene) {
-    world.bundle.storyboard(world.environment, "VideoCapture")->instantiateViewController(scene);
+  std::shared_ptr<platform::UIViewController> instantiate(const std::string& scene) {
+    return world.bundle.storyboard(world.environment, "VideoCapture")
+        ->instantiateViewController(scene);
   }
   devices::SceneView& viewOfTheCaptureScene(const std::string& name) {
     return *std::ranges::find(world.scenes[0].views, name, &devices::SceneView::name);
@@ -97,7 +98,7 @@ TEST_F(Contract, AStoryboardThatLacksAnOutletOrAnActionIsNamed) {
   const auto all = parts();
   ASSERT_EQ(all.size(), 44u);
   for (const Part& part : all) {
-    const auto build = [&] { takeAway(part), instantiate(part.scene); };
+    const auto build = [&] { takeAway(part), instantiate(part.scene)->view(); };
     EXPECT_DEATH(build(), part.scene + "\" has no .*\"" + part.name + "\"");
   }
 }
@@ -105,14 +106,15 @@ TEST_F(Contract, AStoryboardThatLacksAnOutletOrAnActionIsNamed) {
 TEST_F(Contract, AViewOfAnotherKindOrAnUnknownActionIsNamed) {
   const std::string scene = world.scenes[0].identifier;
   viewOfTheCaptureScene("captureLabel").kind = devices::SceneView::Kind::imageView;
-  EXPECT_DEATH(instantiate(scene), scene + "\" has no outlet of the right kind \"captureLabel\"");
+  EXPECT_DEATH(instantiate(scene)->view(),
+               scene + "\" has no outlet of the right kind \"captureLabel\"");
 
   viewOfTheCaptureScene("captureLabel").kind = devices::SceneView::Kind::label;
   world.scenes[0].views.push_back({.name = "helpButton",
                                    .kind = devices::SceneView::Kind::button,
                                    .frame = {},
                                    .action = "help"});
-  EXPECT_DEATH(instantiate(scene),
+  EXPECT_DEATH(instantiate(scene)->view(),
                scene + "\" does not offer the action \"help\" of \"helpButton\"");
 }
 
