@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -146,6 +147,22 @@ TEST_F(Presentation, ADismissalDuringThePresentationEndsItInOrder) {
             (Log{"b loaded", "a will disappear", "b will appear", "b will disappear",
                  "a will appear", "presented", "b did disappear", "a did appear", "dismissed"}));
   EXPECT_TRUE(a->isTopmost());
+}
+
+TEST_F(Presentation, AViewIsLoadedAtItsFirstUseOnlyAndBeforeItsControllerIsTold) {
+  const auto loads = [this](UIViewController& owner) {
+    log.push_back(owner.isViewLoaded() ? "too late" : "made");
+    return std::make_shared<platform::UIView>();
+  };
+  screen("unseen")->setViewLoader(loads);
+  EXPECT_EQ(log, Log{});
+  const auto a = screen("a");
+  a->setViewLoader(loads);
+  const platform::UIView& view = a->view();
+  EXPECT_EQ(log, (Log{"made", "a loaded"}));
+  world.root->present(a, false);
+  EXPECT_EQ(&a->view(), &view);
+  EXPECT_EQ(std::ranges::count(log, "made"), 1);
 }
 
 TEST_F(Presentation, ALayersObserverHearsOfEachChangeOfDepthBelowItsRoot) {

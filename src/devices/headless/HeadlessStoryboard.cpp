@@ -142,7 +142,7 @@ class SceneBuilder final : public platform::OutletBinder {
   std::set<std::string> offered_;
 };
 
-/// A camera screen shows its picture behind everything else.
+/// The picture of a camera screen lies over all views that are not raised above it.
 void addPreview(platform::UIViewController& controller, UIView& root) {
   auto* camera = dynamic_cast<corvana::CaptureSessionViewController*>(&controller);
   if (!camera) return;
@@ -164,15 +164,21 @@ std::shared_ptr<platform::UIViewController> HeadlessStoryboard::instantiateViewC
   const auto factory = factories_.find(identifier);
   if (scene == scenes_.end() || factory == factories_.end()) return nullptr;
   auto controller = factory->second(environment_);
-  SceneBuilder builder(*scene);
-  addPreview(*controller, *builder.root());
-  controller->setView(builder.root());
   controller->setStoryboard(shared_from_this());
-  controller->declareOutlets(builder);
+  // The controller owns this storyboard, and with it the scene.
+  controller->setViewLoader([this, &layout = *scene](auto& owner) { return load(layout, owner); });
+  return controller;
+}
+
+std::shared_ptr<UIView> HeadlessStoryboard::load(const SceneLayout& scene,
+                                                 platform::UIViewController& controller) {
+  SceneBuilder builder(scene);
+  addPreview(controller, *builder.root());
+  controller.declareOutlets(builder);
   builder.requireAllActions();
   for (const auto& [name, constraint] : builder.constraints())
     constraints_[name] = constraint;
-  return controller;
+  return builder.root();
 }
 
 std::shared_ptr<platform::NSLayoutConstraint> HeadlessStoryboard::constraint(

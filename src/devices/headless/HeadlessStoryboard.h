@@ -10,9 +10,10 @@
 
 namespace devices {
 
-/// Builds scenes from tables, with true frames and a preview layer behind camera screens. A scene
-/// that lacks an outlet or an action of its controller, or calls an action that the controller does
-/// not offer, ends the program naming it.
+/// Builds scenes from tables, with true frames and, in camera screens, a preview layer in front of
+/// all views that are not raised above it. A scene that lacks an outlet or an action of its
+/// controller, or calls an action that the controller does not offer, ends the program naming it
+/// when the controller's view is loaded.
 class HeadlessStoryboard final : public platform::UIStoryboard {
  public:
   HeadlessStoryboard(platform::Environment& environment, std::vector<SceneLayout> scenes,
@@ -25,6 +26,9 @@ class HeadlessStoryboard final : public platform::UIStoryboard {
   std::shared_ptr<platform::NSLayoutConstraint> constraint(const std::string& name) const;
 
  private:
+  std::shared_ptr<platform::UIView> load(const SceneLayout& scene,
+                                         platform::UIViewController& controller);
+
   platform::Environment& environment_;
   std::vector<SceneLayout> scenes_;
   platform::ControllerFactories factories_;

@@ -20,16 +20,22 @@ std::shared_ptr<platform::UIViewController> QtStoryboard::instantiateViewControl
   if (factory == factories_.end()) return nullptr;
   if (!screen_.hasScene(name_, identifier)) return nullptr;
   auto controller = factory->second(environment_);
-  const auto root = screen_.loadScene(name_, identifier);
-  QtScene& scene = root->scene();
-  controller->setView(root);
   controller->setStoryboard(shared_from_this());
-  controller->declareOutlets(scene);
+  // The controller owns this storyboard.
+  controller->setViewLoader([this, identifier](auto& owner) { return load(identifier, owner); });
+  return controller;
+}
+
+std::shared_ptr<platform::UIView> QtStoryboard::load(const std::string& identifier,
+                                                     platform::UIViewController& controller) {
+  auto root = screen_.loadScene(name_, identifier);
+  QtScene& scene = root->scene();
+  controller.declareOutlets(scene);
   scene.finish();
-  if (auto* camera = dynamic_cast<corvana::CaptureSessionViewController*>(controller.get())) {
+  if (auto* camera = dynamic_cast<corvana::CaptureSessionViewController*>(&controller)) {
     camera->setVideoPreviewLayer(scene.addPreviewLayer());
   }
-  return controller;
+  return root;
 }
 
 }  // namespace devices

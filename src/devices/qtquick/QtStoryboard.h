@@ -19,6 +19,9 @@ class QtStoryboard final : public platform::UIStoryboard {
       const std::string& identifier) override;
 
  private:
+  std::shared_ptr<platform::UIView> load(const std::string& identifier,
+                                         platform::UIViewController& controller);
+
   platform::Environment& environment_;
   QtScreen& screen_;
   std::string name_;

@@ -78,9 +78,9 @@ using ControllerFactories =
 class UIStoryboard : public std::enable_shared_from_this<UIStoryboard> {
  public:
   virtual ~UIStoryboard() = default;
-  /// A new controller with its outlets and actions connected and this storyboard as its own; null
-  /// when no scene has this identifier. A scene that lacks an outlet or an action of its controller
-  /// ends the program, naming it.
+  /// A new controller with this storyboard as its own; null when no scene has this identifier. Its
+  /// view is made, and its outlets and actions are connected, when the view is first used: a scene
+  /// that lacks an outlet or an action of its controller ends the program then, naming it.
   virtual std::shared_ptr<UIViewController> instantiateViewController(
       const std::string& identifier) = 0;
 };

@@ -12,17 +12,18 @@ UIViewController::~UIViewController() {
   if (view_) view_->setController(nullptr);
 }
 
-void UIViewController::setView(std::shared_ptr<UIView> view) {
-  view_ = std::move(view);
-  view_->setController(this);
-}
-
 void UIViewController::setStoryboard(std::shared_ptr<UIStoryboard> storyboard) {
   storyboard_ = std::move(storyboard);
 }
 
+void UIViewController::loadView() {
+  const ViewLoader loader = std::exchange(viewLoader_, nullptr);
+  view_ = loader ? loader(*this) : std::make_shared<UIView>();
+  view_->setController(this);
+}
+
 UIView& UIViewController::view() {
-  if (!view_) setView(std::make_shared<UIView>());
+  if (!view_) loadView();
   if (!std::exchange(viewLoaded_, true)) viewDidLoad();
   return *view_;
 }

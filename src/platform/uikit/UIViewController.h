@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/Environment.h"
@@ -29,12 +30,17 @@ class UIViewController : public std::enable_shared_from_this<UIViewController> {
 
   Environment& environment() const { return environment_; }
 
-  /// The root view, loaded at the first call.
+  /// Makes a controller's root view, with everything that the controller wants connected.
+  using ViewLoader = std::function<std::shared_ptr<UIView>(UIViewController&)>;
+
+  /// The root view. The first call loads it, by the storyboard's loader or else as an empty view,
+  /// and then runs `viewDidLoad`.
   UIView& view();
   bool isViewLoaded() const { return viewLoaded_; }
-  /// Set by the storyboard before the view is loaded.
-  void setView(std::shared_ptr<UIView> view);
-  /// Names the outlets and actions of the controller; asked once by the storyboard that fills them.
+  /// Set by the storyboard that made the controller; called at the first use of the view, so never
+  /// for a controller that goes unseen.
+  void setViewLoader(ViewLoader loader) { viewLoader_ = std::move(loader); }
+  /// Names the outlets and actions of the controller; asked once, when the view is loaded.
   virtual void declareOutlets(OutletBinder&) {}
 
   const std::shared_ptr<UIStoryboard>& storyboard() const { return storyboard_; }
@@ -74,6 +80,7 @@ class UIViewController : public std::enable_shared_from_this<UIViewController> {
   enum class Appearance { disappeared, appearing, appeared, disappearing };
   using Step = void (UIViewController::*)(bool);
 
+  void loadView();
   const UIViewController& outermost() const;
   UIViewController& outermost();
   bool hidesPresenter() const { return style_ != UIModalPresentationStyle::alert; }
@@ -90,6 +97,7 @@ class UIViewController : public std::enable_shared_from_this<UIViewController> {
   void detach();
 
   Environment& environment_;
+  ViewLoader viewLoader_;
   std::shared_ptr<UIView> view_;
   bool viewLoaded_ = false;
   std::shared_ptr<UIStoryboard> storyboard_;

@@ -354,6 +354,18 @@ TEST_F(Screen, AStoryboardThatLacksSomethingStopsTheProgramNamingIt) {
   }
 }
 
+TEST_F(Screen, AControllerOfAnotherKindIsNotShownAndStopsNothing) {
+  for (auto& [scene, make] : world.factories) {
+    make = [](auto& environment) {
+      return std::make_shared<platform::UIViewController>(environment);
+    };
+  }
+  open();
+  enter();
+  EXPECT_EQ(&world.topmost(), world.root.get());
+  EXPECT_TRUE(results.empty());
+}
+
 TEST_F(Screen, WantsToBeClosedOnlyByTheProgram) {
   open();
   int wishes = 0;
