@@ -106,6 +106,7 @@ TEST_F(Contract, AStoryboardThatLacksAnOutletOrAnActionIsNamed) {
 TEST_F(Contract, AViewOfAnotherKindOrAnUnknownActionIsNamed) {
   const std::string scene = world.scenes[0].identifier;
   viewOfTheCaptureScene("captureLabel").kind = devices::SceneView::Kind::imageView;
+  EXPECT_NE(instantiate(scene), nullptr) << "unseen it stops nothing";
   EXPECT_DEATH(instantiate(scene)->view(),
                scene + "\" has no outlet of the right kind \"captureLabel\"");
 

@@ -108,7 +108,6 @@ TEST_F(Entry, IsSilentWhenTheScreenCannotBeBuilt) {
   world.factories["VideoCaptureViewController"] = [](auto& environment) {
     return std::make_shared<platform::UIViewController>(environment);
   };
-  world.scenes[0].views = {};
   enter();
   EXPECT_EQ(&world.topmost(), world.root.get());
   EXPECT_TRUE(results.empty());
