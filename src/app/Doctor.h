@@ -23,7 +23,7 @@ struct Finding {
 std::vector<Finding> examineModels(const Resources& resources);
 /// Looks at media plugins, encoders, language data and fonts.
 std::vector<Finding> examineMachine();
-/// Both.
+/// Looks at models, media plugins, encoders, language data and fonts.
 std::vector<Finding> examine(const Resources& resources);
 
 /// Looks whether so many bytes are free at `folder`, which need not exist yet.

@@ -17,7 +17,7 @@ struct Reference {
 
 inline constexpr const char* kReferenceFileName = "reference.json";
 
-/// Into an empty folder.
+/// Writes a reference into an empty folder.
 Expected<void> saveReference(const Reference& reference, const std::filesystem::path& folder);
 
 /// Refuses other shapes, other versions, missing pictures, and names that lead out of the folder.

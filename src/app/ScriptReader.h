@@ -33,7 +33,7 @@ class ScriptObject {
   bool flag(const std::string& key, bool otherwise);
   double number(const std::string& key, double lowest, double highest);
   std::vector<std::string> texts(const std::string& key);
-  /// Just as many.
+  /// The numbers at `key`, which must be as many as `count` says.
   std::vector<double> numbers(const std::string& key, std::size_t count);
   ScriptObject object(const std::string& key);
   std::vector<ScriptObject> objects(const std::string& key, std::size_t most);

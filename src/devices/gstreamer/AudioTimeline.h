@@ -20,7 +20,7 @@ namespace devices {
 /// after that. Not thread safe.
 class AudioTimeline {
  public:
-  /// A sound server may hold back this much.
+  /// How much sound a server may hold back.
   static constexpr platform::Duration kPatience = std::chrono::milliseconds(300);
   /// Before the microphone has begun, nothing but its very first sound can come late.
   static constexpr platform::Duration kStartPatience = std::chrono::milliseconds(100);
@@ -30,17 +30,17 @@ class AudioTimeline {
 
   AudioTimeline(int sampleRate, int channels) : sampleRate_(sampleRate), channels_(channels) {}
 
-  /// The instant of the film's first frame; sound before it is left out.
+  /// Sets the instant of the film's first frame; sound before it is left out.
   void begin(platform::TimePoint origin);
   void add(const platform::CMSampleBuffer& buffer);
 
   /// The samples (interleaved) that follow those taken before, up to the end of the picture that
   /// came last: sound as far as there is any, silence as far as nothing can come any more.
   std::vector<std::int16_t> take(platform::Duration pictureStart, platform::Duration pictureEnd);
-  /// The rest, up to `frames` sample frames from the film's beginning.
+  /// The samples that are left, up to `frames` sample frames from the film's beginning.
   std::vector<std::int16_t> takeRest(std::int64_t frames);
 
-  /// Sample frames taken so far.
+  /// How many sample frames were taken so far.
   std::int64_t position() const { return position_; }
   double secondsOfSilenceAtStart() const;
   std::int64_t framesIn(platform::Duration time) const;

@@ -14,21 +14,21 @@ struct DeviceInfo {
   std::string id;
   std::string name;
   bool isVirtual = false;
-  /// Not a microphone but what the machine plays.
+  /// Whether it gives what the machine plays, instead of a microphone's sound.
   bool isMonitor = false;
   bool isDefault = false;  ///< the system's own choice
   std::string element;     ///< launch line of the source
   std::string device;      ///< what the source is to open, such as /dev/video0; may be empty
-  std::vector<OfferedMode> modes;  ///< of a camera; empty: any
+  std::vector<OfferedMode> modes;  ///< what a camera offers; empty: anything
 };
 
-/// In the system's order, those made by this program last. May take a second.
+/// The devices in the system's order, those made by this program last. May take a second.
 std::vector<DeviceInfo> connectedCameras();
 std::vector<DeviceInfo> connectedMicrophones();
 
 /// The device of that id, or that opens that path; null when there is none.
 const DeviceInfo* findDevice(const std::vector<DeviceInfo>& devices, const std::string& id);
-/// What someone means who names none: null when there is no hardware.
+/// The device meant by someone who names none; null when there is no hardware.
 const DeviceInfo* defaultDevice(const std::vector<DeviceInfo>& devices);
 
 /// The camera in the mode nearest to the wanted one.

@@ -9,7 +9,7 @@
 /// Camera modes on their way out of and into GStreamer; private to this folder.
 namespace devices {
 
-/// All that a camera offers and this program can read. Of a range of sizes those that are usual.
+/// All modes that a camera offers and this program can read; of a range of sizes the usual ones.
 std::vector<OfferedMode> modesOf(const GstCaps* caps);
 
 /// Launch line that holds a source to this mode and decodes it.

@@ -25,10 +25,10 @@ class EspeakSynthesizer final : public platform::SpeechSynthesizer {
   void speak(const std::string& utterance) override;
   void stopSpeaking() override;
 
-  /// Of `samples`, in Hz; mono.
+  /// Rate of what `samples` gives, in Hz.
   static constexpr int kSampleRate = 22050;
-  /// The utterance as sound; empty when the voice can't be had. Blocks for some hundredths of a
-  /// second. One thread at a time.
+  /// The utterance as mono sound; empty when the voice can't be had. Blocks for some hundredths of
+  /// a second. One thread at a time.
   static std::vector<std::int16_t> samples(const std::string& utterance, const std::string& voice);
 
  private:

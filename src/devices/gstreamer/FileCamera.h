@@ -18,7 +18,7 @@ namespace devices {
 /// The pictures of a recorded file as a camera's.
 class FileCamera final : public FilmingCamera, public std::enable_shared_from_this<FileCamera> {
  public:
-  /// Called on a thread of the device.
+  /// What is told of the file, on a thread of the device.
   struct Reports {
     std::function<void()> end;
     std::function<void(std::string)> error;
@@ -52,7 +52,7 @@ class FileCamera final : public FilmingCamera, public std::enable_shared_from_th
   const std::unique_ptr<VideoReader> reader_;
   const Reports reports_;
 
-  /// Recursive, since a handler may stop the device that calls it.
+  /// Guards what follows; recursive, since a handler may stop the device that calls it.
   mutable std::recursive_mutex mutex_;
   SampleHandler handler_;
   std::uint64_t run_ = 0;  ///< counts starts and stops: an older event is void

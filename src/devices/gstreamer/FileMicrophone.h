@@ -41,7 +41,7 @@ class FileMicrophone final : public FilmingMicrophone,
   const std::unique_ptr<AudioReader> reader_;
   const std::function<void(std::string)> reportError_;
 
-  /// Recursive, since a handler may stop the device that calls it.
+  /// Guards what follows; recursive, since a handler may stop the device that calls it.
   std::recursive_mutex mutex_;
   SampleHandler handler_;
   std::uint64_t run_ = 0;  ///< counts starts and stops: an older event is void

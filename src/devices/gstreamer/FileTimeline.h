@@ -13,7 +13,7 @@ namespace devices {
 /// its microphone, which follows. Any thread.
 class FileTimeline {
  public:
-  /// The origin: `now` if this is the first call.
+  /// Begins the time line at `now` unless it has begun, and answers its origin.
   platform::TimePoint begin(platform::TimePoint now) {
     std::vector<platform::Block> waiting;
     platform::TimePoint origin;
@@ -28,7 +28,7 @@ class FileTimeline {
     return origin;
   }
 
-  /// Absent before the beginning; the block is then kept and called at the beginning.
+  /// The origin; absent before the beginning, and the block is then kept and called at it.
   std::optional<platform::TimePoint> originOr(platform::Block whenBegun) {
     const std::lock_guard lock(mutex_);
     if (!origin_) waiting_.push_back(std::move(whenBegun));

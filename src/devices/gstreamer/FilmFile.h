@@ -17,8 +17,8 @@ namespace devices {
 /// disk while it grows, so that a power loss, too, leaves its beginning. Any thread.
 class FilmFile final : public std::enable_shared_from_this<FilmFile> {
  public:
-  /// `path` must not exist; blocks until the folder's entry is on the disk. `queue` runs the
-  /// blocks of `syncSoon`; it may be null when that is never called.
+  /// Makes the file, which must not exist, and blocks until its folder's entry is on the disk.
+  /// `queue` runs the blocks of `syncSoon`; it may be null when that is never called.
   static tl::expected<std::shared_ptr<FilmFile>, platform::Fault> create(
       const std::filesystem::path& path, std::shared_ptr<platform::DispatchQueue> queue = nullptr);
   ~FilmFile();
@@ -26,7 +26,7 @@ class FilmFile final : public std::enable_shared_from_this<FilmFile> {
   FilmFile& operator=(const FilmFile&) = delete;
 
   const std::filesystem::path& path() const { return path_; }
-  /// To write to; stays open as long as this lives.
+  /// The file to write to, open as long as this object lives.
   int descriptor() const { return descriptor_; }
 
   /// Has everything that is written by then put on the disk without waiting for it. A disk that is

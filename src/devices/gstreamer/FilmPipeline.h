@@ -25,18 +25,18 @@ class FilmPipeline {
       const FilmFormat& format, std::shared_ptr<FilmFile> file);
   ~FilmPipeline();
 
-  /// Frames that the encoder has not taken yet.
+  /// How many frames the encoder has not taken yet.
   int framesWaiting() const;
   /// Blocks until fewer frames wait than `limit`; false after an error.
   bool waitForRoom(int limit);
-  /// Scaled into the film's size, with borders, when it has another.
+  /// Encodes a picture, scaled into the film's size, with borders, when it has another.
   void pushVideo(platform::PixelBufferRef image, platform::Duration time,
                  platform::Duration duration);
-  /// `position` counts sample frames from the film's beginning.
+  /// Encodes sound from `position` on, which counts sample frames from the film's beginning.
   void pushAudio(const std::vector<std::int16_t>& samples, std::int64_t position);
   /// Ends both tracks and writes the last fragment; blocks.
   tl::expected<void, platform::Fault> finish();
-  /// The first error.
+  /// The first error; absent when there was none.
   std::optional<platform::Fault> error() const;
 
  private:

@@ -11,12 +11,12 @@
 /// Writer settings as devices recommend them and films obey them.
 namespace devices {
 
-/// Chroma at half size leaves no room for an odd row or column: the last one is cut off.
+/// The size without an odd last row or column, for which chroma at half size leaves no room.
 constexpr int even(int size) {
   return size / 2 * 2;
 }
 
-/// Of pictures and films, in pixels.
+/// Least and most width and height of pictures and films, in pixels.
 constexpr int kLeastFilmSize = 16;
 constexpr int kMostFilmSize = 4096;
 constexpr bool isFilmSize(int size) {

@@ -14,7 +14,8 @@ class FilmSoundConverter {
   FilmSoundConverter(int sampleRate, int channels);
   ~FilmSoundConverter();
 
-  /// Null when nothing can be made of the buffer: neither mono nor stereo, or no real rate.
+  /// The buffer in the film's form; null when that can't be made of it: it is neither mono nor
+  /// stereo, or names no real rate.
   platform::CMSampleBufferRef convert(const platform::CMSampleBufferRef& buffer);
 
  private:
@@ -22,7 +23,7 @@ class FilmSoundConverter {
 
   const int sampleRate_;
   const int channels_;
-  std::unique_ptr<Run> run_;  ///< of buffers of one form
+  std::unique_ptr<Run> run_;  ///< the buffers of one form that come now
 };
 
 }  // namespace devices

@@ -12,7 +12,7 @@
 
 namespace devices {
 
-/// Makes film files, readable by their owner only. Made on the main queue.
+/// Makes film files, readable by their owner only. Construction is for the main queue.
 class FilmWriterFactory final : public platform::AssetWriterFactory {
  public:
   /// Films get the date of their first frame in real time, none in virtual time.

@@ -8,7 +8,7 @@
 /// Pictures on their way into and out of GStreamer; private to this folder. Any thread.
 namespace devices {
 
-/// Of a picture with square pixels, of which the left upper part of this size is used.
+/// The caps of a picture with square pixels, of which the left upper part of this size is used.
 GstPtr<GstCaps> pictureCaps(platform::PixelFormat format, int width, int height,
                             int framesPerSecond);
 
@@ -17,7 +17,7 @@ GstPtr<GstCaps> pictureCaps(platform::PixelFormat format, int width, int height,
 GstPtr<GstBuffer> wrapPicture(const platform::PixelBuffer& image, int width, int height,
                               gpointer hold, GDestroyNotify release);
 
-/// A copy; null when the sample does not hold a picture of that format.
+/// A copy of the picture in the sample; null when that holds none of the format.
 platform::PixelBufferRef copyPicture(GstSample* sample, platform::PixelFormat format);
 
 }  // namespace devices

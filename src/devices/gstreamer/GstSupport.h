@@ -35,7 +35,7 @@ struct GstRelease {
 
 }  // namespace detail
 
-/// One owned reference. An element is stopped before it is let go: made for whole pipelines and for
+/// An owned reference. An element is stopped before it is let go: made for whole pipelines and for
 /// references to elements outside one; elements inside a pipeline are borrowed (`child`).
 template <class T>
 using GstPtr = std::unique_ptr<T, detail::GstRelease>;
@@ -46,7 +46,7 @@ void initGStreamer();
 /// The element of that name inside a pipeline, which keeps owning it.
 GstElement* child(const GstPtr<GstElement>& pipeline, const char* name);
 
-/// The same of a pipeline that somebody else owns.
+/// The element of that name inside a pipeline that somebody else owns.
 GstElement* borrow(GstElement* pipeline, const char* name);
 
 /// The pipeline of a launch line; the program stops when the line itself is wrong, null is returned

@@ -16,7 +16,7 @@ struct ImageHeader {
   std::string_view exif;
 };
 
-/// Absent when the bytes are neither JPEG nor PNG, or are damaged before their size.
+/// Reads a header; absent when the bytes are neither JPEG nor PNG, or are damaged before the size.
 std::optional<ImageHeader> readImageHeader(std::string_view bytes);
 
 }  // namespace devices

@@ -19,10 +19,10 @@ class LiveCamera final : public FilmingCamera {
              VideoCodecChoice codecChoice);
   ~LiveCamera() override { stream_->close(); }
 
-  /// As of `LiveStream`; to be called first, since it may take its time.
+  /// Opens the device as `LiveStream::open` does; called before all else, since it takes its time.
   tl::expected<void, std::string> open(platform::Duration patience);
   const LiveStream& stream() const { return *stream_; }
-  /// The device changed its size or format on its own.
+  /// Whether the device changed its size or format on its own.
   bool hasChanged() const { return changed_; }
 
   std::string localizedName() const override { return name_; }

@@ -37,7 +37,7 @@ class LiveDevices final : public MediaSource, public std::enable_shared_from_thi
     platform::Duration patience = std::chrono::seconds(5);
   };
 
-  /// Waits for the first samples; the error is one sentence.
+  /// Opens both devices and waits for their first samples; the error is one sentence.
   static tl::expected<std::shared_ptr<LiveDevices>, std::string> open(platform::RunLoop& loop,
                                                                       Setup setup);
   ~LiveDevices() override;
@@ -53,7 +53,7 @@ class LiveDevices final : public MediaSource, public std::enable_shared_from_thi
   static constexpr platform::Duration kLongestSilence = std::chrono::seconds(5);
 
  private:
-  /// Counted in looks, not read from a clock: a machine that stands still looses nobody's camera.
+  /// Counted in looks, not read from a clock: a machine that stands still loses nobody's camera.
   struct Pulse {
     std::uint64_t samplesTaken = 0;
     int quietLooks = 0;

@@ -14,11 +14,11 @@ namespace devices {
 /// seam and with growing times. Its first picture stands until the camera's pictures are wanted.
 struct LiveFile {
   LiveSource camera;
-  /// In step with the camera; absent when the file has no sound.
+  /// The file's sound in step with the camera; absent when it has none.
   std::optional<LiveSource> microphone;
 };
 
-/// The error is one sentence, as of `probe`.
+/// Opens a video file as live devices; the error is one sentence, as of `probe`.
 tl::expected<LiveFile, std::string> openLiveFile(const std::filesystem::path& path);
 
 }  // namespace devices

@@ -15,7 +15,7 @@ class LiveMicrophone final : public FilmingMicrophone {
   LiveMicrophone(platform::RunLoop& loop, LiveSource source);
   ~LiveMicrophone() override { stream_->close(); }
 
-  /// As of `LiveStream`; to be called first, since it may take its time.
+  /// Opens the device as `LiveStream::open` does; called before all else, since it takes its time.
   tl::expected<void, std::string> open(platform::Duration patience);
   const LiveStream& stream() const { return *stream_; }
   /// How long it has been delivering nothing but zeros, which no open microphone does. Any thread.

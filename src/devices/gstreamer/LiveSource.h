@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-/// GStreamer's; declared here, so that who only passes sources on need not know it.
+/// GStreamer's element, declared here so that who only passes sources on need not know it.
 using GstElement = struct _GstElement;
 
 namespace devices {

@@ -32,13 +32,14 @@ class LiveStream final : public std::enable_shared_from_this<LiveStream> {
   using Sample = std::shared_ptr<platform::CMSampleBuffer>;
 
   struct Setup {
-    std::string kind;  ///< in sentences: "camera" or "microphone"
+    std::string kind;  ///< what errors call the device: "camera" or "microphone"
     LiveSource source;
     std::string line;  ///< launch line between the source and the sink
     std::size_t mostWaiting = 1;
-    /// Before the pipeline starts.
+    /// Called before the pipeline starts.
     std::function<void(GstElement* pipeline)> setUp;
-    /// Without its presentation time; null when the sample is unusable. On the pipeline's thread.
+    /// Makes a sample of GStreamer's, without its presentation time; null when that is unusable.
+    /// Called on the pipeline's thread.
     std::function<Sample(GstSample* sample)> convert;
   };
 
@@ -49,9 +50,9 @@ class LiveStream final : public std::enable_shared_from_this<LiveStream> {
   /// is open.
   tl::expected<void, std::string> open(platform::Duration patience);
   bool isOpen() const;
-  /// Nothing of `Setup` is called afterwards. Not on the pipeline's thread.
+  /// Closes the device; nothing of `Setup` is called afterwards. Not for the pipeline's thread.
   void close();
-  /// As of `AVCaptureDevice`.
+  /// Starts and stops the delivery, as an `AVCaptureDevice` does.
   void start(platform::AVCaptureDevice::SampleHandler handler);
   void stop();
 

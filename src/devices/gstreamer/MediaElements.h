@@ -49,7 +49,7 @@ std::vector<platform::AVVideoCodecType> realTimeVideoCodecs(VideoCodecChoice cho
 
 struct AudioEncoder {
   std::string element;
-  /// Samples of nothing that the encoder puts before the first one it is given.
+  /// How many samples of silence the encoder puts before the first one it is given.
   int delay = 0;
 };
 

@@ -36,11 +36,11 @@ class MediaFile final : public MediaSource, public std::enable_shared_from_this<
 
   const MediaInfo& info() const { return info_; }
   platform::AVCaptureDeviceRef camera() const override;
-  /// Null when the file has no sound.
+  /// The file's sound as a microphone; null when it has none.
   platform::AVCaptureDeviceRef microphone() const override;
   bool cameraIsVirtual() const override { return true; }
   bool microphoneIsVirtual() const override { return true; }
-  /// Pictures that came too late in real time.
+  /// How many pictures came too late in real time.
   std::uint64_t framesDropped() const override;
 
  private:

@@ -16,19 +16,21 @@ class MediaSource {
   virtual ~MediaSource() = default;
 
   virtual platform::AVCaptureDeviceRef camera() const = 0;
-  /// Null when there is none.
+  /// The microphone; null when there is none.
   virtual platform::AVCaptureDeviceRef microphone() const = 0;
-  /// Not a piece of hardware: what it shows proves nothing about the person before the machine.
+  /// Whether the device is no hardware: what it shows proves nothing about the person before the
+  /// machine.
   virtual bool cameraIsVirtual() const = 0;
   virtual bool microphoneIsVirtual() const = 0;
-  /// Pictures that the camera took and could not hand over.
+  /// How many pictures the camera took and could not hand over.
   virtual std::uint64_t framesDropped() const = 0;
 
-  /// The camera has delivered its last picture and that picture's time has passed. Once at most.
+  /// Called when the camera has delivered its last picture and that picture's time has passed; once
+  /// at most.
   std::function<void()> onEnd;
-  /// The camera can't go on. Once at most.
+  /// Called with the reason when the camera can't go on; once at most.
   std::function<void(platform::Fault)> onError;
-  /// Something is amiss, but the run can go on: one sentence.
+  /// Called with one sentence when something is amiss but the run can go on.
   std::function<void(std::string)> onWarning;
 };
 

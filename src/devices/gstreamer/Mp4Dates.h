@@ -9,7 +9,7 @@ namespace devices {
 
 /// When a film was begun (UTC, to the second); absent where time is virtual.
 using CreationTime = std::optional<std::chrono::system_clock::time_point>;
-/// Asked at a film's first frame.
+/// Answers what time it is; asked at a film's first frame.
 using WallClock = std::function<CreationTime()>;
 
 /// Sets the creation and modification dates in a finished MP4 file; absent: to "unknown", so that

@@ -19,12 +19,13 @@ namespace devices {
 /// takes longer than half a minute. One thread at a time.
 class StreamReader {
  public:
-  /// `name` is the file's in errors, `line` the launch line up to what is pulled.
+  /// Makes the pipeline of `line`, the launch line up to what is pulled; `name` stands for the file
+  /// in errors.
   static tl::expected<StreamReader, std::string> open(std::string name, const std::string& line);
   /// An element of the line, to be set up before the start.
   GstElement* element(const char* elementName) { return child(pipeline_, elementName); }
   void start();
-  /// Null at the end of the stream; the error is one sentence.
+  /// The next piece; null at the end of the stream. The error is one sentence.
   tl::expected<GstPtr<GstSample>, std::string> pull();
 
   /// The place of a sample on the file's time line; absent when it has none.
@@ -42,8 +43,8 @@ class StreamReader {
   std::optional<std::string> missing_;
 };
 
-/// A stream of a video file (`video_0`, `audio_0`), decoded and converted; not started yet. The
-/// elements that take the file apart are named `file` and `demuxer`.
+/// Opens a stream of a video file (`video_0`, `audio_0`), decoded and converted, and does not start
+/// it yet. The elements that take the file apart are named `file` and `demuxer`.
 tl::expected<StreamReader, std::string> openStream(const std::filesystem::path& path,
                                                    const std::string& stream,
                                                    const std::string& conversion);
@@ -58,7 +59,7 @@ class VideoReader {
 
   static tl::expected<std::unique_ptr<VideoReader>, std::string> open(
       const std::filesystem::path& path, const MediaInfo& info);
-  /// Absent at the end.
+  /// The next picture; absent at the end.
   tl::expected<std::optional<Picture>, std::string> next();
   /// Where the first picture lies on the file's time line.
   platform::Duration origin() const { return origin_.value_or(platform::Duration::zero()); }
@@ -79,7 +80,7 @@ class AudioReader {
  public:
   static constexpr int kSampleRate = 48000;
 
-  /// `origin` is the instant on the file's time line that counts as position 0.
+  /// Opens the file's sound; position 0 is the instant `origin` of the file's time line.
   static tl::expected<std::unique_ptr<AudioReader>, std::string> open(
       const std::filesystem::path& path, platform::Duration origin);
   /// `count` samples from `position` on, which must not lie before the end of an earlier call.

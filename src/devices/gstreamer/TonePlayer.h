@@ -13,7 +13,7 @@ class TonePlayer {
  public:
   explicit TonePlayer(platform::RunLoop& loop);
 
-  /// Returns at once; ends a tone that is under way.
+  /// Plays the tone, in place of one that is under way, and returns at once.
   void play();
 
  private:

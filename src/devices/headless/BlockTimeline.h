@@ -21,17 +21,17 @@ class BlockTimeline {
   std::chrono::steady_clock::time_point origin() const { return origin_; }
   platform::TimePoint now() const;
   void post(platform::TimePoint due, platform::EventClass eventClass, platform::Block block);
-  /// Blocks posted with equal delays run in posting order.
+  /// Posts a block; those posted with equal delays run in posting order.
   void postAfter(platform::Duration delay, platform::Block block);
   /// Waits for a block that is due; null once `deadline` has come, after `interrupt` or `close`.
   platform::Block take(platform::TimePoint deadline);
   /// When the next block is due; absent when there is none.
   std::optional<platform::TimePoint> nextDue();
-  /// Told, on any thread, of each block that is posted. Set before anything is posted.
+  /// Sets what is told, on any thread, of each block that is posted; before anything is posted.
   void setOnPost(platform::Block onPost) { onPost_ = std::move(onPost); }
-  /// Makes one waiting or the next `take` return.
+  /// Makes a `take` that waits return, or else the next one.
   void interrupt();
-  /// From now on `take` gives nothing; what is left waits for `clear`.
+  /// Ends the handing out: `take` gives nothing any more, and what is left waits for `clear`.
   void close();
   bool isClosed() const { return closed_; }
   /// Destroys the blocks that are left, on this thread; false when there were none.

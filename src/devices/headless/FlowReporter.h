@@ -52,7 +52,7 @@ class FlowReporter final : public ScreenListener {
 
   FlowReporter(platform::RunLoop& loop, Handler handler);
 
-  /// To be called by whoever plays the sounds.
+  /// Reports a sound; called by whoever plays it.
   void soundPlayed(platform::SystemSoundID sound);
 
   void willPresent(platform::UIViewController& controller) override;

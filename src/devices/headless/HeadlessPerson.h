@@ -17,11 +17,11 @@ struct PersonHabits {
   enum class OnRetry { retry, cancel };
 
   OnRetry onRetry = OnRetry::cancel;
-  /// Retry screens that are answered with retry; those after them are cancelled.
+  /// How many retry screens are answered with retry; those after them are cancelled.
   int maxRetries = 3;
-  /// From the moment that the Done button is in sight; absent: never touched.
+  /// How long after the Done button has come in sight it is touched; absent: never.
   std::optional<platform::Duration> doneAfter = {};
-  /// Between a screen's appearance and its answer.
+  /// How long after a screen has appeared it is answered.
   platform::Duration reactionTime = std::chrono::seconds(1);
 };
 

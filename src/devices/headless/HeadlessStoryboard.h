@@ -22,7 +22,8 @@ class HeadlessStoryboard final : public platform::UIStoryboard {
   std::shared_ptr<platform::UIViewController> instantiateViewController(
       const std::string& identifier) override;
 
-  /// As connected last under that name; null when it never was or its controller is gone.
+  /// The constraint that was connected last under that name; null when none was or its controller
+  /// is gone.
   std::shared_ptr<platform::NSLayoutConstraint> constraint(const std::string& name) const;
 
  private:

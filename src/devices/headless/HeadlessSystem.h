@@ -11,7 +11,7 @@
 
 namespace devices {
 
-/// Console lines to a stream, whole lines at a time. Any thread.
+/// Prints console lines to a stream, each as a whole. Any thread.
 class StreamConsole final : public platform::Console {
  public:
   explicit StreamConsole(std::ostream& out) : out_(out) {}

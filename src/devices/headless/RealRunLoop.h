@@ -21,7 +21,7 @@ class RealRunLoop final : public platform::RunLoop {
   enum class Stop { condition, deadline };
 
   explicit RealRunLoop(int workers = 3);
-  /// As `shutDown`.
+  /// Shuts down, as `shutDown` does.
   ~RealRunLoop() override;
 
   platform::TimePoint now() const override { return main_.now(); }
@@ -40,12 +40,12 @@ class RealRunLoop final : public platform::RunLoop {
   /// Makes `runUntil` ask `done` again; any thread.
   void wake() { main_.interrupt(); }
 
-  /// For an event loop that runs the main queue itself, in place of `runUntil`: told, on any
-  /// thread, of each block posted to it. Set at once after construction.
+  /// Sets what is told, on any thread, of each block posted to the main queue; for an event loop
+  /// that runs that queue itself, in place of `runUntil`. Called at once after construction.
   void setOnMainPost(platform::Block onPost) { main_.setOnPost(std::move(onPost)); }
   /// Runs the next main block if it is due; false when none was.
   bool runOneDue();
-  /// Absent when the main queue is empty.
+  /// When the next main block is due; absent when there is none.
   std::optional<platform::TimePoint> nextDue() { return main_.nextDue(); }
 
   /// Waits for the blocks that are running on other threads, then ends all timers and destroys all

@@ -26,7 +26,7 @@ struct SceneLayout {
   std::string identifier;
   std::vector<SceneView> views;  ///< parents before their children, back to front
   std::vector<std::string> constraints;
-  std::map<std::string, std::vector<std::string>> collections;  ///< to names of views
+  std::map<std::string, std::vector<std::string>> collections;  ///< names of their views
 };
 
 inline constexpr platform::CGRect kHeadlessScreen{0, 0, 360, 640};

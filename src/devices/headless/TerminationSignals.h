@@ -17,7 +17,7 @@ class TerminationSignals {
   TerminationSignals(const TerminationSignals&) = delete;
   TerminationSignals& operator=(const TerminationSignals&) = delete;
 
-  /// Any thread.
+  /// Whether a signal has come. Any thread.
   bool arrived() const { return arrived_; }
 
  private:

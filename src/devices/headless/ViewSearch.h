@@ -9,13 +9,13 @@ namespace devices {
 /// The view of that name in the tree below `root`, or null.
 platform::UIView* findView(platform::UIView& root, const std::string& name);
 
-/// The same when it is of that kind.
+/// The view of that name and kind in the tree below `root`, or null.
 template <class View>
 View* findView(platform::UIView& root, const std::string& name) {
   return dynamic_cast<View*>(findView(root, name));
 }
 
-/// It and all its ancestors are shown at an alpha that can be seen.
+/// Whether the view and all its ancestors are shown, at an alpha that can be seen.
 bool isInSight(const platform::UIView& view);
 
 }  // namespace devices

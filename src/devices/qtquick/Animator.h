@@ -18,10 +18,11 @@ class Animator {
   explicit Animator(platform::RunLoop& loop) : loop_(loop) {}
   ~Animator();
 
-  /// False: every number jumps to its end at once.
+  /// Says whether numbers move, instead of jumping to their ends at once.
   void setAnimated(bool animated) { animated_ = animated; }
 
-  /// From the present value; a movement of the same number that is under way ends where it is.
+  /// Moves a number from its present value; a movement of the same number that is under way ends
+  /// where it is.
   void move(QQuickItem& item, const char* property, double to, platform::Duration duration);
 
  private:

@@ -29,7 +29,7 @@ class ShadeItem : public QQuickPaintedItem {
   Q_OBJECT
   Q_PROPERTY(QColor color MEMBER color_ WRITE setColor NOTIFY changed)
   Q_PROPERTY(QRectF opening MEMBER opening_ WRITE setOpening NOTIFY changed)
-  /// Of the opening's corners, in points; negative: the opening is an ellipse.
+  /// Radius of the opening's corners in points; negative: the opening is an ellipse.
   Q_PROPERTY(qreal radius MEMBER radius_ WRITE setRadius NOTIFY changed)
 
  public:

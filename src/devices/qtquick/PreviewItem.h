@@ -17,15 +17,16 @@ namespace devices {
 /// scaled to the size that is asked for. Fed by the camera's thread, read by the screen.
 class PreviewFeed {
  public:
-  /// Any thread. Does the scaling on that thread, so that the main queue need not.
+  /// Takes the camera's next picture, and scales it on the calling thread, so that the main queue
+  /// need not. Any thread.
   void push(const platform::PixelBufferRef& picture);
-  /// Size of the pictures in pixels; empty: none are made. Any thread.
+  /// Sets the size of the pictures in pixels; empty: none are made. Any thread.
   void setSize(const QSize& size);
-  /// Null before the first.
+  /// The latest picture; null before the first. Any thread.
   QImage latest() const;
   /// Forgets the pictures so far. Any thread.
   void clear();
-  /// Told on the thread of the camera after each picture. Any thread; may be null.
+  /// Sets what is called after each picture, on the camera's thread; may be null. Any thread.
   void setOnPicture(std::function<void()> onPicture);
 
  private:
@@ -52,7 +53,7 @@ class PreviewItem : public QQuickItem {
 
   /// Shows what the feed gets from now on: what it holds may be of another person.
   void setFeed(std::shared_ptr<PreviewFeed> feed);
-  /// The camera has given a picture.
+  /// Whether the camera has given a picture.
   bool showsPicture() const { return feed_ && !feed_->latest().isNull(); }
 
  protected:

@@ -11,11 +11,11 @@ namespace devices {
 /// QSG_RHI_BACKEND says otherwise.
 class QtApplication {
  public:
-  /// True when a window can be shown: there is a display, or QT_QPA_PLATFORM names a platform.
+  /// Whether a window can be shown: there is a display, or QT_QPA_PLATFORM names a platform.
   static bool isPossible();
 
-  /// One that stays to the end of the process, where no `main` ends it: the toolkit keeps pictures
-  /// that it frees only as long as there is one.
+  /// An application object that stays to the end of the process, for programs whose `main` makes
+  /// none: the toolkit keeps pictures that it frees only as long as there is one.
   static QtApplication& ofProcess();
 
   QtApplication();

@@ -17,7 +17,7 @@ class QtRunLoop final : public platform::RunLoop {
   using Stop = RealRunLoop::Stop;
 
   explicit QtRunLoop(int workers = 3);
-  /// As `shutDown`.
+  /// Shuts down, as `shutDown` does.
   ~QtRunLoop() override;
 
   platform::TimePoint now() const override { return plain_.now(); }
@@ -43,7 +43,8 @@ class QtRunLoop final : public platform::RunLoop {
   Stop runUntil(const std::function<bool()>& done, platform::TimePoint deadline);
   /// Makes `runUntil` ask `done` again; any thread.
   void wake();
-  /// As that of the plain loop.
+  /// Waits for the blocks that are running on other threads, then ends all timers and destroys all
+  /// blocks that have not begun. Nothing runs afterwards.
   void shutDown();
 
  private:

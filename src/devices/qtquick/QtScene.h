@@ -39,7 +39,8 @@ class QtRootView final : public platform::UIView {
 /// Main queue.
 class QtScene final : public platform::OutletBinder, public platform::ViewObserver {
  public:
-  /// A missing file, or one with faults, ends the program, naming the first.
+  /// Makes the scene of a file. A missing file, or one with faults, ends the program, naming the
+  /// first.
   static std::shared_ptr<QtRootView> load(QQmlEngine& engine, const std::string& file,
                                           const std::string& identifier, const BindingTools& tools,
                                           const QSizeF& size);
@@ -54,13 +55,13 @@ class QtScene final : public platform::OutletBinder, public platform::ViewObserv
   void collection(const std::string& name,
                   platform::OutletCollection<platform::UIButton>& outlets) override;
   void action(const std::string& name, std::function<void()> handler) override;
-  /// After the controller has declared its outlets: puts the views into their tree.
+  /// Puts the views into their tree, after the controller has declared its outlets.
   void finish();
-  /// After `finish`, for a camera screen: the layer of the item that the scene names as its
-  /// `preview`, in front of all views that are not raised above it; `outlines` lie over it. A
-  /// missing item ends the program.
+  /// Makes the layer of the item that the scene of a camera names as its `preview`, in front of
+  /// all views that are not raised above it; the `outlines` lie over it. A missing item ends the
+  /// program. Called after `finish`.
   std::shared_ptr<platform::CALayer> addPreviewLayer();
-  /// Null in a scene without a camera.
+  /// The item that shows the camera's picture; null in a scene without one.
   PreviewItem* preview() const { return preview_; }
 
   /// Places what the controller's constraints decide, then tells all views their frames.

@@ -29,7 +29,7 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
     std::filesystem::path storyboards;
     /// Where drawings are looked up by name.
     std::filesystem::path images;
-    /// In points; of a full screen the screen decides.
+    /// The window's size in points; a full screen has its own.
     platform::CGSize size{540, 960};
     bool fullScreen = false;
     /// An application's own window, in which the screens lie over everything; it has to be shown,
@@ -40,17 +40,18 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
   QtScreen(platform::RunLoop& loop, const Setup& setup);
   ~QtScreen() override;
 
-  /// Of a phone held upright, or as much of it as the machine's screen has room for.
+  /// The size of a phone held upright, or as much of it as the machine's screen has room for.
   static platform::CGSize comfortableSize();
 
   platform::CGSize size() const;
   const std::shared_ptr<PreviewFeed>& feed() const { return feed_; }
   ScreenSettings& settings() { return settings_; }
   QQuickWindow& window() { return *window_; }
-  /// The user wants the window gone that was made; it stays until this screen ends. May be null.
+  /// Called when the user wants to close the window that was made, which stays until this screen
+  /// ends. May be null.
   std::function<void()> onClose;
 
-  /// Told what screen readers are told to say at once. May be null.
+  /// Called with what screen readers are asked to say at once. May be null.
   std::function<void(const std::string&)> onAnnounce;
 
   /// The storyboards of the folder with these controllers.
@@ -60,9 +61,9 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
   std::shared_ptr<QtRootView> loadScene(const std::string& storyboard,
                                         const std::string& identifier);
 
-  /// What can be seen at the moment.
+  /// A picture of what can be seen at the moment.
   QImage picture();
-  /// A sign that a step was accepted, for those who do not hear or feel it.
+  /// Shows that a step was accepted to those who do not hear or feel it.
   void flash();
 
   void willPresent(platform::UIViewController& controller) override;

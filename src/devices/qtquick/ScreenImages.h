@@ -19,10 +19,11 @@ class ScreenImages final : public QQuickImageProvider {
   explicit ScreenImages(std::vector<std::filesystem::path> folders)
       : QQuickImageProvider(Image), folders_(std::move(folders)) {}
 
-  /// Name of the provider in addresses.
+  /// The provider's name in addresses.
   static constexpr const char* kScheme = "views";
 
-  /// Empty for no image. To colour all that is not transparent, append "?#AARRGGBB".
+  /// The image's address; empty for no image. With "?#AARRGGBB" behind it everything that is not
+  /// transparent takes that colour.
   QString address(const platform::UIImageRef& image);
 
   QImage requestImage(const QString& id, QSize* size, const QSize& requestedSize) override;

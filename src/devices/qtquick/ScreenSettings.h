@@ -8,11 +8,11 @@ namespace devices {
 /// What the person before the screen needs and how it looks; `screen` in the QML files.
 class ScreenSettings final : public QObject {
   Q_OBJECT
-  /// Times the size of all letters, 1 to 2.
+  /// Factor on the size of all letters, 0.8 to 2.
   Q_PROPERTY(qreal textScale MEMBER textScale NOTIFY changed)
-  /// Also of the layout.
+  /// Whether text runs from right to left, and the layout with it.
   Q_PROPERTY(bool rightToLeft MEMBER rightToLeft NOTIFY changed)
-  /// False: nothing moves that need not move.
+  /// Whether things may move that need not move.
   Q_PROPERTY(bool animated MEMBER animated NOTIFY changed)
   /// Words of the screen itself, for those who hear it instead of seeing it.
   Q_PROPERTY(QVariantMap words MEMBER words NOTIFY changed)

@@ -17,7 +17,7 @@ namespace devices {
 struct BindingTools {
   Animator& animator;
   ScreenImages& images;
-  /// Of the animation that is being set up; zero outside of one.
+  /// Duration of the animation that is being set up; zero outside of one.
   const platform::Duration& duration;
   /// Has the item's words said at once to those who do not see them.
   std::function<void(QQuickItem&)> announce;
@@ -36,9 +36,9 @@ class ViewBinding {
   QQuickItem& item() const { return item_; }
   platform::UIView& view() const { return view_; }
 
-  /// Item to view, once.
+  /// Takes the item's values over into the view, once.
   virtual void takeOver();
-  /// View to item, after a change of that property.
+  /// Brings the view's changed property to the item.
   virtual void apply(std::string_view property);
   /// Tells the view where its item lies within `root`.
   void reportFrame(const QQuickItem& root);
@@ -71,7 +71,7 @@ class ImageViewBinding final : public ViewBinding {
   ImageViewBinding(QQuickItem& item, platform::UIImageView& view, const BindingTools& tools)
       : ViewBinding(item, view, tools), imageView_(view) {}
   void apply(std::string_view property) override;
-  /// From the image that is shown to the one that will be set.
+  /// Turns the picture over, from the image that is shown to the one that will be set.
   void flip(platform::Duration duration);
 
  private:
@@ -88,7 +88,7 @@ class ProgressViewBinding final : public ViewBinding {
   platform::UIProgressView& progressView_;
 };
 
-/// Also carries clicks of the item back to the button.
+/// Mirrors a button, and carries clicks of the item back to it.
 class ButtonBinding final : public QObject, public ViewBinding, public platform::ViewObserver {
   Q_OBJECT
  public:
@@ -96,7 +96,7 @@ class ButtonBinding final : public QObject, public ViewBinding, public platform:
   ~ButtonBinding() override;
   void takeOver() override;
   void apply(std::string_view property) override;
-  /// Of the title's label, which is no part of the tree of views.
+  /// Hears of changes of the title's label, which is no part of the tree of views.
   void viewChanged(platform::UIView& view, const char* property) override;
 
  private slots:

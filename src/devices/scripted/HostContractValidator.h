@@ -24,7 +24,7 @@ struct HostEvent {
   platform::TimePoint time;
   Kind kind = Kind::state;
   std::string name = {};
-  bool onMainQueue = true;  ///< of completions and speech
+  bool onMainQueue = true;  ///< where a completion or speech came
 };
 
 /// What a host has promised in numbers; an absent limit is not checked.
@@ -43,11 +43,11 @@ class HostContractValidator {
   HostContractValidator(const HostContract& contract, platform::TimePoint start);
 
   void observe(const HostEvent& event);
-  /// The run is over: whatever should have come by `time` is missing.
+  /// Ends the run: states as a breach whatever should have come by `time` and has not.
   void end(platform::TimePoint time);
   const std::vector<std::string>& breaches() const { return breaches_; }
 
-  /// One of the names of states, as the events of a run give them.
+  /// Whether it is the name of a state, as the events of a run give it.
   static bool isKnownState(const std::string& name);
 
  private:

@@ -8,8 +8,8 @@ namespace devices {
 inline constexpr int kPatternFaces = 2;
 
 /// A stand-in for the face of a person, 160×160: the same number gives the same picture in a new
-/// object. No faces at all, but the face model keeps them apart: their embeddings are 0.50 from
-/// each other.
+/// object. The pictures show no faces, but the face model keeps them apart: their embeddings are
+/// 0.50 from each other.
 platform::UIImageRef patternFace(int person);
 
 }  // namespace devices

@@ -28,7 +28,8 @@ class ScriptedSpeechRecognizer final
   int starts() const { return starts_; }
   int stops() const { return stops_; }
   int buffers() const { return buffers_; }
-  /// The best guess at everything said since the start: the words of `transcript`, split at spaces.
+  /// Reports `transcript`, split into words at spaces, as the best guess at everything said since
+  /// the start.
   void hear(const std::string& transcript);
   void fail(const std::string& message);
 
@@ -61,7 +62,7 @@ struct RecorderSetup {
   std::optional<platform::WriterSettings> audioSettings;
   bool hasSpeechRecognizer = true;
   bool speechAvailable = true;
-  /// How the film ends, and how long closing it takes.
+  /// How the film ends; closing it takes `stopLatency`.
   tl::expected<corvana::FileURL, corvana::IDError> film = corvana::FileURL("film.mp4");
   platform::Duration stopLatency{};
   /// How often the end of a film is told; a host that keeps its word tells it once.
@@ -78,22 +79,23 @@ class ScriptedRecorder final : public corvana::VideoCapture,
 
   RecorderSetup setup;
 
-  /// What the script makes it say.
+  /// Reports a state to the delegate.
   void report(corvana::SelfieCaptureState state);
   void report(corvana::IDCaptureState state);
-  /// A live face in the middle of the picture unless `frame` says where; in the present mode.
+  /// Reports a live face in the present mode, in the middle of the picture unless `frame` says
+  /// where.
   void reportLiveFace(const platform::CGRect& frame = {400, 200, 200, 300},
                       const platform::CGSize& fullSize = {1000, 1000});
   /// Sets the mode `liveFaceLost` and reports an absent face.
   void reportLiveFaceLost();
-  /// As given, without touching the mode.
+  /// Reports a live face, or its loss, exactly as given, without touching the mode.
   void reportLiveFace(const std::optional<platform::CGRect>& frame,
                       const platform::CGSize& fullSize, corvana::VideoCaptureMode mode);
 
-  /// "setMode idCapture", "stopVideoWriter", "retry", "typeMismatch": the calls made on it.
+  /// The calls made on it: "setMode idCapture", "stopVideoWriter", "retry", "typeMismatch".
   const std::vector<std::string>& calls() const { return calls_; }
   int count(const std::string& call) const;
-  /// "write" and "append": where microphone buffers went.
+  /// Where microphone buffers went: "write" to the film, "append" to the recogniser.
   const std::vector<std::string>& audioCalls() const { return audioCalls_; }
   int framesReceived() const { return framesReceived_; }
   bool hasDelegate() const { return !delegate_.expired(); }
@@ -143,7 +145,7 @@ class ScriptedHost final : public corvana::HostFactories {
       : loop_(loop), devices_(devices) {}
 
   bool makesRecorder = true;
-  /// What recorders made from now on are like; frames and settings come from the caller.
+  /// What recorders are like that are made from now on; frames and settings come from the caller.
   RecorderSetup setup;
   std::function<void(ScriptedRecorder&)> onRecorder;  ///< may be empty
 

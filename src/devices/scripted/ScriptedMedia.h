@@ -25,7 +25,8 @@ class ScriptedCaptureDevice : public platform::AVCaptureDevice {
   bool canOpen = true;
   std::vector<platform::AVVideoCodecType> codecs = {platform::kAVVideoCodecTypeHEVC,
                                                     platform::kAVVideoCodecTypeH264};
-  /// What a recommendation holds beside the codec that was asked for; absent: none is made.
+  /// What recommended settings hold beside the codec that was asked for; absent: none are
+  /// recommended.
   std::optional<platform::WriterSettings> recommendedVideo = platform::WriterSettings{};
   std::optional<platform::WriterSettings> recommendedAudio = platform::WriterSettings{};
 
@@ -64,13 +65,13 @@ class ScriptedMediaDevices final : public platform::MediaDevices {
  public:
   explicit ScriptedMediaDevices(platform::RunLoop& loop) : loop_(loop) {}
 
-  /// Null: the machine has none.
+  /// The machine's devices; null where it has none.
   std::shared_ptr<ScriptedCaptureDevice> microphone =
       std::make_shared<ScriptedCaptureDevice>(platform::AVMediaType::audio);
   std::shared_ptr<ScriptedCaptureDevice> camera =
       std::make_shared<ScriptedCaptureDevice>(platform::AVMediaType::video);
   platform::AVAuthorizationStatus microphoneStatus = platform::AVAuthorizationStatus::authorized;
-  /// The user's answer when asked, and how long they take.
+  /// The user's answer when they are asked; it takes `answerDelay`.
   bool grantsWhenAsked = true;
   platform::Duration answerDelay{};
 

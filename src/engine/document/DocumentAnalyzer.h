@@ -24,9 +24,9 @@ struct CardView {
   bool isBlurred() const { return sharpness < kMinSharpness; }
   bool hasTooMuchGlare() const { return glareFraction > kMaxGlare; }
 
-  /// Below it print of usual size is no longer read.
+  /// Sharpness below which print of usual size is no longer read.
   static constexpr double kMinSharpness = 0.03;
-  /// From about here glare covers a line of print.
+  /// Share of glare from which on about a line of print is covered.
   static constexpr double kMaxGlare = 0.02;
 };
 
@@ -51,16 +51,17 @@ class DocumentAnalyzer {
     std::vector<std::filesystem::path> ocrBFonts = defaultOcrBFonts();
   };
 
-  /// Errors name what is missing and the package that has it.
+  /// Loads what reads cards; an error names what is missing and the package that has it.
   static tl::expected<DocumentAnalyzer, corvana::IDError> load(const Setup& setup);
 
-  /// The guide is where the user is asked to hold the card, in pixels of the frame.
+  /// Looks for a card; the guide is where the user is asked to hold it, in pixels of the frame.
   CardSighting find(const platform::PixelBuffer& frame, const platform::CGRect& guide) const;
   CardView view(const platform::PixelBuffer& frame, const Quad& outline) const;
   CardReading read(const CardView& card);
 
-  /// A photo or scan of one side, however large, upright or turned by quarters: the card lies on
-  /// something else or fills the picture. Error: no card is seen, or it is too small to be read.
+  /// Reads a photo or scan of one side, however large, upright or turned by quarters, in which the
+  /// card lies on something else or fills the picture. Error: no card is seen, or it is too small
+  /// to be read.
   tl::expected<CardReading, corvana::IDError> analyzeStill(const platform::PixelBuffer& picture);
 
  private:

@@ -20,7 +20,7 @@ struct EdgeLine {
 /// Thin edges of a picture, with those of either course apart.
 class EdgeMap {
  public:
-  /// 8-bit RGB.
+  /// Finds the edges of an 8-bit RGB picture.
   explicit EdgeMap(const cv::Mat& rgb);
 
   /// The lines with most edge pixels, strongest first, no two nearly the same.

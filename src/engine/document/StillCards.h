@@ -16,9 +16,9 @@ struct StillCard {
   Quad outline;
 };
 
-/// Where the card may lie in a photo or scan, the likeliest way up first; at least one. A card is
-/// sought as an outline; failing that, a picture of a card's shape is taken for the card itself.
-/// Error: neither, or fewer than 320 pixels of width.
+/// Finds where the card may lie in a photo or scan, the likeliest way up first; at least one place.
+/// A card is sought as an outline; failing that, a picture of a card's shape is taken for the card
+/// itself. Error: there is neither, or the card is less than 320 pixels wide.
 tl::expected<std::vector<StillCard>, corvana::IDError> cardsInStill(
     const platform::PixelBuffer& picture);
 

@@ -37,7 +37,7 @@ class DocumentPhase {
   corvana::DetectedData last_;
 };
 
-/// Everything that such a card must carry was found on it.
+/// Whether everything that such a card must carry was found on it.
 bool isComplete(const corvana::DetectedData& data);
 
 }  // namespace engine

@@ -45,9 +45,10 @@ class EngineHost final : public corvana::HostFactories {
       const std::optional<platform::WriterSettings>& videoSettings,
       const std::optional<platform::WriterSettings>& audioSettings) override;
 
-  /// Of the last recorder; null before. It outlives the recorder, so that its end can be awaited.
+  /// The last recorder's film; null before. It outlives the recorder, so that its end can be
+  /// awaited.
   const std::shared_ptr<Film>& film() const { return film_; }
-  /// Pictures of the last session that the recorder was too busy to take.
+  /// How many pictures of the last session the recorder was too busy to take.
   std::uint64_t framesDropped() const { return pictures_ ? pictures_->samplesDropped() : 0; }
 
  private:

@@ -18,7 +18,7 @@ struct FilmSettings {
   /// Folder of the run; the film is recorded there as film.partial.mp4 and called film.mp4 when it
   /// is complete. Where files of these names lie already, it is film2 and so on.
   std::filesystem::path folder;
-  /// Keep the films of failed runs as film.run1.mp4 and so on, instead of removing them.
+  /// Whether the films of failed runs are kept, as film.run1.mp4 and so on.
   bool keepFailedRuns = false;
   std::optional<platform::WriterSettings> video;
   std::optional<platform::WriterSettings> audio;
@@ -36,14 +36,14 @@ class Film final : public corvana::VideoWriter, public std::enable_shared_from_t
 
   void writeVideo(const platform::CMSampleBufferRef& sample);
   void writeAudio(const platform::CMSampleBufferRef& sample) override;
-  /// Pictures that the encoder has not taken yet. Any thread.
+  /// How many pictures the encoder has not taken yet. Any thread.
   int framesWaiting() const;
 
   /// Ends the open film; the completion (may be null) comes on the main queue with film.mp4 or the
   /// error. Without an open film it comes with the answer of the last stop.
   void stop(corvana::VideoCapture::StopCompletion completion);
-  /// From `stop` until its answer: a slow machine may have seconds of pictures still to encode.
-  /// Main queue.
+  /// Whether the answer of a `stop` is still to come: a slow machine may have seconds of pictures
+  /// to encode. Main queue.
   bool isStopping() const { return stopsUnderWay_ > 0; }
   /// Ends the open film if there is one, puts the film of the failed run away, and opens a new one.
   void restart();

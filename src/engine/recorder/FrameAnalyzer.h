@@ -39,27 +39,27 @@ struct FaceMeasures {
 /// A frame seen as a selfie.
 struct SelfieView {
   SelfieVerdict verdict = SelfieVerdict::noFace;
-  std::string issue;  ///< with `SelfieVerdict::issue`
+  std::string issue;  ///< what to tell the user, with `SelfieVerdict::issue`
   /// The frame and its face crop, with `SelfieVerdict::good`.
   std::optional<corvana::Selfie> selfie;
-  double sharpness = 0;  ///< of the face; comparable between frames of a run
-  /// Absent unless a face is in place.
+  double sharpness = 0;  ///< how sharp the face is; comparable between frames of a run
+  /// What was measured on the face; absent unless one is in place.
   std::optional<FaceMeasures> measures;
 };
 
 /// A frame seen as a picture of a card.
 struct DocumentView {
   CardVerdict verdict = CardVerdict::none;
-  /// Only judged when a card is found and would be read.
+  /// Whether glare hides print; only judged when a card is found and would be read.
   bool tooMuchGlare = false;
   /// Bounding box of the card, in the analysed picture.
   std::optional<platform::CGRect> location;
   /// What was read, when this frame was read.
   std::optional<corvana::DetectedData> reading;
-  /// With a reading: bounding box of the face in the card's photo, in the analysed picture; absent
-  /// when there is none.
+  /// Bounding box of the face in the card's photo, in the analysed picture; only when this frame
+  /// was read and a face was found.
   std::optional<platform::CGRect> portrait;
-  /// With a reading.
+  /// How well the card speaks for each family, when this frame was read.
   std::optional<FamilyMatches> familyMatches;
 };
 
@@ -67,12 +67,12 @@ struct DocumentView {
 struct Observation {
   AnalysisTask task;
   platform::TimePoint frameTime;
-  platform::CGSize fullSize;  ///< of the analysed picture, pixels
+  platform::CGSize fullSize;  ///< size of the analysed picture, pixels
   /// The live face; absent when it is not seen in this frame.
   std::optional<platform::CGRect> liveFace;
   platform::Duration liveFaceLostFor{};
-  std::optional<SelfieView> selfie;      ///< in the selfie mode
-  std::optional<DocumentView> document;  ///< in the document mode
+  std::optional<SelfieView> selfie;      ///< present in the selfie mode
+  std::optional<DocumentView> document;  ///< present in the document mode
 };
 
 /// Looks at frames, one at a time, on one queue. It remembers what it needs to follow the live face
@@ -80,7 +80,7 @@ struct Observation {
 class FrameAnalyzer {
  public:
   virtual ~FrameAnalyzer() = default;
-  /// False while its models are being loaded: frames are not looked at before. Any thread.
+  /// Whether its models are loaded; frames are not looked at before. Any thread.
   virtual bool isReady() const { return true; }
   /// Why it will never be ready. Main queue.
   virtual std::optional<platform::Fault> fault() const { return {}; }

@@ -18,15 +18,15 @@ namespace engine {
 /// passed over.
 class LateFrameAnalyzer final : public FrameAnalyzer {
  public:
-  /// The error is one sentence for the user.
+  /// Loads the analyzer; the error is one sentence for the user.
   using Load = std::function<tl::expected<std::shared_ptr<FrameAnalyzer>, std::string>()>;
 
-  /// Returns at once. Main queue.
+  /// Begins to load on a worker, and returns at once. Main queue.
   static std::shared_ptr<LateFrameAnalyzer> start(platform::RunLoop& loop, Load load);
 
   bool isReady() const override { return ready_; }
   std::optional<platform::Fault> fault() const override { return fault_; }
-  /// Only when ready.
+  /// Looks at a frame; only when ready.
   Observation analyze(const platform::CMSampleBufferRef& frame, const AnalysisTask& task) override {
     return analyzer_->analyze(frame, task);
   }

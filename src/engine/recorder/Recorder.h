@@ -48,22 +48,23 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   void typeMismatch() override;
   void capturedVideo(const platform::CMSampleBufferRef& sampleBuffer) override;
 
-  /// Ten looks a second at 30 frames a second: a little less than three frames, so that a frame
-  /// that comes a hair early is not passed over.
+  /// Least time between two looks, ten a second at 30 frames a second: a little less than three
+  /// frames, so that a frame that comes a hair early is not passed over.
   static constexpr platform::Duration kAnalysisInterval = std::chrono::milliseconds(90);
-  /// With more than a second of pictures in front of the encoder nothing is looked at, until no
+  /// Pictures in front of the encoder, a second of them, above which nothing is looked at, until no
   /// more than a tenth is left: the film comes first. In virtual time no film lets so many wait.
   static constexpr int kMostFramesWaiting = 30;
   static constexpr int kFramesWaitingWhenDrained = 3;
-  /// In virtual time an observation arrives this long after its frame, about as late as on the wall
+  /// How long after its frame an observation arrives in virtual time: about as late as on the wall
   /// clock of the machines that this was built on.
   static constexpr platform::Duration kVirtualLatency = std::chrono::milliseconds(60);
-  /// The screen's delayed steps outlive a retry by up to two seconds; nothing may succeed among
-  /// them.
+  /// How long nothing may succeed after a retry, since the screen's delayed steps outlive it by as
+  /// much.
   static constexpr platform::Duration kQuietAfterRetry = std::chrono::seconds(2);
-  /// The screen starts its countdown when the text has faded in, whatever happens before.
+  /// How long no face may be lost after the reading began: the screen starts its countdown when the
+  /// text has faded in, whatever happens before.
   static constexpr platform::Duration kQuietBeforeReading = std::chrono::milliseconds(500);
-  /// While a card is turned over the screen hears no time-out: it is said again.
+  /// How often a time-out is said, since the screen hears none while a card is turned over.
   static constexpr platform::Duration kTimeOutRepetition = std::chrono::seconds(1);
 
  private:

@@ -19,7 +19,7 @@ struct RecorderEvent {
 
   Kind kind;
   std::string name;
-  /// Measurements; nothing that identifies a person.
+  /// What was measured, and nothing that identifies a person.
   std::vector<Detail> details;
 };
 

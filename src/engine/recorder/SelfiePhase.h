@@ -13,7 +13,7 @@ namespace engine {
 class SelfiePhase {
  public:
   std::vector<corvana::SelfieCaptureState> judge(const SelfieView& view, platform::TimePoint now);
-  /// No success comes before.
+  /// Lets no success come before `time`.
   void holdBackUntil(platform::TimePoint time) { earliestSuccess_ = time; }
   /// The sharpest good selfie so far.
   const std::optional<corvana::Selfie>& best() const { return best_; }

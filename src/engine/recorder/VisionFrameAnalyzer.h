@@ -24,16 +24,17 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
     std::filesystem::path faceLandmarks;
   };
 
-  /// The error is one sentence: a model, language data or a font is missing or broken.
+  /// Loads the models; the error is one sentence: a model, language data or a font is missing or
+  /// broken.
   static tl::expected<std::shared_ptr<VisionFrameAnalyzer>, corvana::IDError> load(
       const Models& models);
 
   Observation analyze(const platform::CMSampleBufferRef& frame, const AnalysisTask& task) override;
 
-  /// A card is read this often at most: one reading costs as much as ten looks.
+  /// Least time between two readings of a card: one costs as much as ten looks.
   static constexpr platform::Duration kReadInterval = std::chrono::milliseconds(500);
-  /// A card that moves further than this from one look to the next is not read, as a part of its
-  /// width: a card that is just coming in is blurred, and half of it looks like another side.
+  /// How far, as a part of its width, a card may move from one look to the next and still be read:
+  /// one that is just coming in is blurred, and half of it looks like another side.
   static constexpr double kSteadyMove = 0.02;
 
  private:

@@ -25,7 +25,8 @@ class LivenessEvidence {
   /// Takes the next frame of the same face and answers the score so far.
   float add(const Observation& observation);
 
-  /// 0 (nothing speaks for life) to 1 (blink and depth both seen in good pictures).
+  /// The score so far, 0 (nothing speaks for life) to 1 (blink and depth both seen in good
+  /// pictures).
   float score() const;
   bool blinkSeen() const { return blinkSeen_; }
   /// Greatest lasting movement that no flat picture explains, in distances between the eyes.

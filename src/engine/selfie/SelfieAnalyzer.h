@@ -17,18 +17,18 @@ namespace engine {
 /// What one frame says. Measures are filled in as far as the judgement got.
 struct SelfieJudgement {
   SelfieVerdict verdict = SelfieVerdict::noFace;
-  /// For the user, only with `issue`: one short sentence.
+  /// One short sentence for the user, only with `issue`.
   std::string issueMessage;
   /// The main face: the largest. Absent only with `noFace`.
   std::optional<Face> face;
-  /// Of the main face once it is in place: `issue` and `good`.
+  /// Details of the main face once it is in place, so with `issue` and `good`.
   std::optional<FaceDetails> details;
-  double sharpness = 0;   ///< see `engine::sharpness`, of the face
+  double sharpness = 0;   ///< `engine::sharpness` of the face
   double brightness = 0;  ///< mean luma of the face, 0 to 255
   /// What this frame alone speaks for a live face, 0 to 1: weak, since a good picture of a picture
   /// looks alike. `LivenessEvidence` adds what time shows.
   float passiveLiveness = 0;
-  /// Only with `good`: the face brought to the matcher's pose.
+  /// The face brought to the matcher's pose, only with `good`.
   platform::UIImageRef faceImage;
 };
 
@@ -52,8 +52,8 @@ class SelfieAnalyzer {
  public:
   SelfieAnalyzer(std::shared_ptr<FaceDetector> detector, std::shared_ptr<FaceLandmarks> landmarks);
 
-  /// `guideInFrame`: the oval's frame in pixels of the picture. An empty one has no inside: every
-  /// face is out of place then.
+  /// Judges a frame; `guideInFrame` is the oval's frame in pixels of the picture. An empty one has
+  /// no inside: every face is out of place then.
   SelfieJudgement analyze(const platform::PixelBufferRef& frame,
                           const platform::CGRect& guideInFrame);
 

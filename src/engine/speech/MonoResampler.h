@@ -20,7 +20,7 @@ class MonoResampler {
   /// The next samples at the output rate, a few milliseconds late. A buffer of another rate than
   /// the one before begins a new stream; one that holds no whole frame of samples gives nothing.
   std::vector<std::int16_t> convert(const platform::CMSampleBuffer& buffer);
-  /// The next buffer begins a new stream.
+  /// Forgets the stream: the next buffer begins a new one.
   void reset();
 
  private:

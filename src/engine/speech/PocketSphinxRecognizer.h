@@ -15,7 +15,7 @@ namespace engine {
 /// as the text spells them, in lower case. A model that cannot be built is reported once.
 class PocketSphinxRecognizer final : public corvana::SpeechRecognizer {
  public:
-  /// The loop must outlive it. Main queue.
+  /// Makes a recogniser on a loop that outlives it. Main queue.
   PocketSphinxRecognizer(platform::RunLoop& loop, SpeechModelPaths paths);
   ~PocketSphinxRecognizer() override;
 

@@ -17,7 +17,7 @@ namespace engine {
 /// after the other into words. One thread at a time.
 class SpeechModel {
  public:
-  /// Hertz of the samples it hears.
+  /// Rate of the samples that it hears, in Hz.
   static constexpr int kSampleRate = 16000;
 
   /// Loads the stock model; when a text is expected, its words are learnt and its pairs of words
@@ -31,7 +31,7 @@ class SpeechModel {
   /// Forgets the speaker and the room: what follows is heard as by a model just loaded.
   void reset();
   void startUtterance();
-  /// 16-bit mono samples; decoding them takes about a third of their duration.
+  /// Hears 16-bit mono samples; decoding them takes about a third of their duration.
   void process(std::span<const std::int16_t> samples);
   /// Whether someone was speaking at the end of the last samples.
   bool inSpeech() const;

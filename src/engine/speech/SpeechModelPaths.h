@@ -13,7 +13,8 @@ struct SpeechModelPaths {
   std::filesystem::path dictionary;     ///< words and their phones, one pronunciation a line
   std::filesystem::path languageModel;  ///< the stock model of the language
 
-  /// Laid out as Debian's pocketsphinx-en-us does in `kDebianSpeechModelFolder`.
+  /// The files in a folder laid out as Debian's pocketsphinx-en-us lays out
+  /// `kDebianSpeechModelFolder`.
   static SpeechModelPaths inFolder(const std::filesystem::path& folder);
 
   /// Names the first file that is absent, unreadable or plainly something else. Cheap: reads a few

@@ -19,13 +19,14 @@ class Transcriber {
   /// Receives the whole transcript, final when an utterance has ended.
   using Report = std::function<void(const platform::SFSpeechRecognitionResult& result)>;
 
-  /// The model must outlive it.
+  /// Listens with a model, which must outlive this object.
   explicit Transcriber(SpeechModel& model);
   ~Transcriber();
   Transcriber(const Transcriber&) = delete;
   Transcriber& operator=(const Transcriber&) = delete;
 
-  /// Samples at `SpeechModel::kSampleRate`; `report` is called whenever the transcript changed.
+  /// Hears samples at `SpeechModel::kSampleRate`, and calls `report` whenever the transcript
+  /// changed.
   void append(std::span<const std::int16_t> samples, const Report& report);
 
  private:

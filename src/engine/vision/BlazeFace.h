@@ -22,7 +22,7 @@ TfliteModel::Shapes shapes();
 /// picture; overlapping answers are merged.
 std::vector<Face> look(TfliteModel& model, const cv::Mat& rgb, const cv::Rect& window);
 
-/// Faces that overlap by more than 0.3 become one: the mean of all, weighted by their scores.
+/// Merges faces that overlap by more than 0.3 into their mean, weighted by their scores.
 std::vector<Face> merged(std::vector<Face> faces);
 
 }  // namespace engine::blazeface

@@ -32,7 +32,8 @@ class FaceDetector {
   std::vector<Face> detect(const platform::PixelBuffer& picture,
                            Search search = Search::untilFound);
 
-  /// The faces in a square three times the box around it: far cheaper, to follow a face.
+  /// The faces in a square three times as large as the box, around it: far cheaper than `detect`,
+  /// to follow a face.
   std::vector<Face> detectNear(const platform::PixelBuffer& picture, const platform::CGRect& box);
 
  private:

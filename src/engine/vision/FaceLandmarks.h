@@ -37,14 +37,14 @@ struct HeadPose {
 /// What the landmark network sees of one face. Right and left are the person's own.
 struct FaceDetails {
   FaceMesh mesh;
-  /// That a whole face is there, 0 to 1; a card over the chin lowers it.
+  /// How sure it is that a whole face is there, 0 to 1; a card over the chin lowers it.
   float presence = 0;
-  /// 0 closed to 1 open; see `eyeOpenProbability`.
+  /// How sure it is that the eye is open, 0 to 1; see `eyeOpenProbability`.
   float leftEyeOpen = 0;
   float rightEyeOpen = 0;
-  /// Falls when the lids close, by form and by what they hide: mean of both eyes' aspect ratio
-  /// times the side-to-side contrast of white and iris. Compare it only between frames of one
-  /// person.
+  /// A measure that falls when the lids close, by form and by what they hide: mean of both eyes'
+  /// aspect ratio times the side-to-side contrast of white and iris. Compare it only between frames
+  /// of one person.
   double lidOpening = 0;
   HeadPose pose;
   platform::CGRect mouth;

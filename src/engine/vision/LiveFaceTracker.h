@@ -25,10 +25,10 @@ class LiveFaceTracker {
   void start(const platform::CGRect& box, platform::TimePoint now);
   void stop() { last_.reset(); }
   bool isFollowing() const { return last_.has_value(); }
-  /// Where the face was last seen. Only while following.
+  /// Where the face was last seen; only while following.
   const platform::CGRect& box() const { return last_.value(); }
 
-  /// The next frame's faces. Only while following; times must not go back.
+  /// Takes the next frame's faces; only while following, and times must not go back.
   Sighting update(std::span<const Face> faces, platform::TimePoint now);
 
  private:

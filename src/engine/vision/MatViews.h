@@ -13,7 +13,8 @@ namespace engine {
 /// keep the picture alive.
 cv::Mat rgbMat(const platform::PixelBuffer& picture);
 
-/// The picture's luma, full range 0 to 255. Shares the bytes of a gray8 picture, as above.
+/// The picture's luma, full range 0 to 255. Shares the bytes of a gray8 picture: read it, never
+/// write it, and keep the picture alive.
 cv::Mat grayMat(const platform::PixelBuffer& picture);
 
 /// A copy of an 8-bit matrix of three (RGB) or one channel (grey) as an rgb24 or gray8 picture.

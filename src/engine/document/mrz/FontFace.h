@@ -27,7 +27,7 @@ class FontFace {
 
   static tl::expected<FontFace, corvana::IDError> load(const std::filesystem::path& file);
 
-  /// `emPixels` is the size of the font's em square in pixels.
+  /// Opens a font file at a size: `emPixels` is the side of its em square in pixels.
   Glyph draw(char32_t letter, int emPixels);
 
  private:

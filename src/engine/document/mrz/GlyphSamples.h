@@ -14,7 +14,7 @@ struct GlyphSamples {
 /// Brings cells to zero mean and unit deviation, row by row, so that paper and light do not matter.
 void normalizeCells(cv::Mat& cells);
 
-/// Letters as a camera might see them, drawn from the font; the same for the same font.
+/// Draws letters of the font as a camera might see them; the same for the same font.
 GlyphSamples drawGlyphSamples(FontFace& font);
 
 }  // namespace engine

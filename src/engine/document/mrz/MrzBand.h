@@ -28,7 +28,8 @@ struct MrzCells {
 
 using MrzGrid = std::array<MrzCells, kMrzLines>;
 
-/// Dark print on a lighter ground, as brightness; shadows and patterns wider than a letter vanish.
+/// How much darker than its ground each pixel is, as brightness; shadows and patterns wider than a
+/// letter vanish.
 cv::Mat inkOf(const cv::Mat& gray);
 
 /// Looks for three evenly spaced rows that are filled with print over the card's width.

@@ -30,7 +30,7 @@ class MrzGlyphClassifier {
     float margin = 0;
   };
 
-  /// Takes the first font that exists. Error: none does.
+  /// Trains the classifier on the first of the fonts that exists. Error: none does.
   static tl::expected<MrzGlyphClassifier, corvana::IDError> train(
       const std::vector<std::filesystem::path>& fonts);
 

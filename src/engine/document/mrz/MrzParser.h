@@ -20,7 +20,8 @@ int mrzCheckDigit(std::string_view field);
 /// few words ("the check digit of the expiry date is wrong"), not yet a sentence for the user.
 tl::expected<corvana::MRZResult, std::string> parseMrz(const std::vector<std::string>& lines);
 
-/// The same from one text: any line ends; blanks at a line's end and empty lines do not count.
+/// Reads the lines of one text, as above, with any line ends; blanks at a line's end and empty
+/// lines do not count.
 tl::expected<corvana::MRZResult, std::string> parseMrz(std::string_view text);
 
 }  // namespace engine

@@ -21,7 +21,7 @@ struct MrzReading {
   std::optional<platform::CGRect> band;
   /// The lines as read, right or wrong; empty without a band.
   std::vector<std::string> lines;
-  /// Only if all check digits hold and every unprotected letter is clear.
+  /// The zone, present only if all check digits hold and every unprotected letter is clear.
   std::optional<corvana::MRZResult> mrz;
 };
 
@@ -33,7 +33,7 @@ class MrzReader {
   static tl::expected<MrzReader, corvana::IDError> load(
       const std::vector<std::filesystem::path>& fonts = defaultOcrBFonts());
 
-  /// The card must be upright, about 1000 pixels wide.
+  /// Reads the zone of a card, which must be upright and about 1000 pixels wide.
   MrzReading read(const platform::PixelBuffer& card) const;
 
  private:
