@@ -10,9 +10,9 @@
 #include <numbers>
 #include <string>
 
-#include "devices/gstreamer/FilmSettings.h"
-#include "devices/gstreamer/FilmWriterFactory.h"
-#include "devices/headless/RealRunLoop.h"
+#include "devices/film/FilmSettings.h"
+#include "devices/film/FilmWriter.h"
+#include "devices/system/RealRunLoop.h"
 #include "platform/foundation/VirtualRunLoop.h"
 
 namespace {

@@ -36,10 +36,10 @@
 #include "app/CaptureCommand.h"
 #include "app/Resources.h"
 #include "capture/FaceMatchDetector.h"
-#include "devices/headless/DirectoryBundle.h"
-#include "devices/headless/HeadlessSystem.h"
 #include "devices/qtquick/PreviewItem.h"
+#include "devices/screen/DirectoryBundle.h"
 #include "devices/scripted/PatternFaces.h"
+#include "devices/system/TerminalSystem.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
 
 namespace {

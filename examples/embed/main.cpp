@@ -8,11 +8,11 @@
 
 #include "capture/ControllerFactories.h"
 #include "capture/Corvana+VideoCapture.h"
-#include "devices/headless/HeadlessSystem.h"
-#include "devices/headless/ViewSearch.h"
 #include "devices/qtquick/QtRunLoop.h"
 #include "devices/qtquick/QtScreen.h"
+#include "devices/screen/ViewSearch.h"
 #include "devices/scripted/ScriptedHost.h"
+#include "devices/system/TerminalSystem.h"
 #include "platform/uikit/Controls.h"
 
 int main(int argc, char** argv) {

@@ -9,7 +9,7 @@
 
 #include "app/ColorKeys.h"
 #include "corvana/VideoCapture.h"
-#include "devices/gstreamer/ImageFile.h"
+#include "devices/pictures/ImageFile.h"
 
 namespace app {
 namespace {

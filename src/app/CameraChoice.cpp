@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "devices/gstreamer/DeviceCatalog.h"
-#include "devices/gstreamer/LiveFile.h"
-#include "devices/gstreamer/MediaFile.h"
+#include "devices/live/DeviceCatalog.h"
+#include "devices/live/LiveFile.h"
+#include "devices/recorded/MediaFile.h"
 
 namespace app {
 namespace {

@@ -7,10 +7,10 @@
 #include <CLI/CLI.hpp>
 
 #include "app/Files.h"
-#include "devices/gstreamer/CameraMode.h"
-#include "devices/gstreamer/LiveDevices.h"
+#include "devices/film/MediaSource.h"
 #include "devices/gstreamer/MediaElements.h"
-#include "devices/gstreamer/MediaSource.h"
+#include "devices/live/CameraMode.h"
+#include "devices/live/LiveDevices.h"
 #include "platform/foundation/RunLoop.h"
 
 namespace app {

@@ -7,7 +7,7 @@
 
 #include "app/CaptureFlow.h"
 #include "app/Doctor.h"
-#include "devices/gstreamer/EspeakSynthesizer.h"
+#include "devices/loudspeaker/EspeakSynthesizer.h"
 #include "engine/recorder/LateFrameAnalyzer.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
 

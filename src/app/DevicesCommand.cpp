@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "app/Commands.h"
-#include "devices/gstreamer/DeviceCatalog.h"
+#include "devices/live/DeviceCatalog.h"
 
 namespace app {
 namespace {

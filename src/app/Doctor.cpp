@@ -4,7 +4,7 @@
 #include <iterator>
 #include <system_error>
 
-#include "devices/gstreamer/FilmSettings.h"
+#include "devices/film/FilmSettings.h"
 #include "devices/gstreamer/MediaElements.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/mrz/MrzGlyphClassifier.h"

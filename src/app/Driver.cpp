@@ -1,6 +1,6 @@
 #include "app/Driver.h"
 
-#include "devices/headless/RealRunLoop.h"
+#include "devices/system/RealRunLoop.h"
 #include "platform/foundation/VirtualRunLoop.h"
 
 namespace app {

@@ -4,7 +4,7 @@
 #include "app/Commands.h"
 #include "app/Reference.h"
 #include "app/Resources.h"
-#include "devices/gstreamer/ImageFile.h"
+#include "devices/pictures/ImageFile.h"
 #include "engine/document/DocumentAnalyzer.h"
 
 namespace app {

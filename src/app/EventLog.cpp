@@ -7,7 +7,7 @@
 #include <utility>
 #include <variant>
 
-#include "devices/gstreamer/FilmFault.h"
+#include "devices/film/FilmFault.h"
 
 namespace app {
 namespace {

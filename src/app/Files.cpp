@@ -9,7 +9,7 @@
 #include <openssl/evp.h>
 #include <unistd.h>
 
-#include "devices/gstreamer/DiskSync.h"
+#include "devices/system/DiskSync.h"
 
 namespace app {
 namespace {

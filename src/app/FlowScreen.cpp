@@ -1,5 +1,6 @@
 #include "app/FlowScreen.h"
 
+#include "devices/headless/HeadlessStoryboard.h"
 #include "devices/headless/SceneLayout.h"
 
 namespace app {

@@ -8,8 +8,8 @@
 #include "app/AppearanceTable.h"
 #include "app/Driver.h"
 #include "app/Resources.h"
-#include "devices/headless/DirectoryBundle.h"
-#include "devices/headless/ScreenHub.h"
+#include "devices/screen/DirectoryBundle.h"
+#include "devices/screen/ScreenHub.h"
 #include "platform/media/CaptureDevice.h"
 #include "platform/media/SystemSounds.h"
 

@@ -1,6 +1,6 @@
 #include "app/Reference.h"
 
-#include "devices/gstreamer/ImageFile.h"
+#include "devices/pictures/ImageFile.h"
 
 namespace app {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "app/EventLog.h"
 #include "app/OptionTable.h"
-#include "devices/gstreamer/ImageFile.h"
+#include "devices/pictures/ImageFile.h"
 
 namespace app {
 namespace {

@@ -13,7 +13,7 @@
 #include "app/Resources.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "corvana/IDError.h"
-#include "devices/gstreamer/MediaSource.h"
+#include "devices/film/MediaSource.h"
 #include "platform/media/AssetWriter.h"
 
 namespace app {

@@ -12,7 +12,7 @@
 #include "app/ScriptReader.h"
 #include "corvana/CaptureSession.h"
 #include "corvana/Notifications.h"
-#include "devices/gstreamer/ImageFile.h"
+#include "devices/pictures/ImageFile.h"
 #include "devices/scripted/PatternFaces.h"
 
 namespace app {

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "capture/VideoCaptureViewController.h"
-#include "devices/headless/ViewSearch.h"
+#include "devices/screen/ViewSearch.h"
 #include "platform/uikit/Controls.h"
 #include "platform/uikit/UIViewController.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "devices/headless/ScreenHub.h"
+#include "devices/screen/ScreenHub.h"
 #include "platform/foundation/RunLoop.h"
 #include "platform/uikit/UIView.h"
 

@@ -5,7 +5,7 @@
 #include "capture/ControllerFactories.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "corvana/SpeechRecognizer.h"
-#include "devices/headless/ViewSearch.h"
+#include "devices/screen/ViewSearch.h"
 #include "platform/uikit/Controls.h"
 
 namespace app {

@@ -3,7 +3,7 @@
 #include <memory>
 #include <utility>
 
-#include "devices/gstreamer/MediaSource.h"
+#include "devices/film/MediaSource.h"
 #include "platform/media/CaptureDevice.h"
 #include "platform/media/Speech.h"
 

@@ -3,13 +3,13 @@
 #include <stdlib.h>
 
 #include "app/FlowScreen.h"
-#include "devices/gstreamer/EspeakSynthesizer.h"
-#include "devices/gstreamer/TonePlayer.h"
-#include "devices/headless/SpokenHints.h"
+#include "devices/loudspeaker/EspeakSynthesizer.h"
+#include "devices/loudspeaker/TonePlayer.h"
 #include "devices/qtquick/PreviewCamera.h"
 #include "devices/qtquick/QtApplication.h"
 #include "devices/qtquick/QtRunLoop.h"
 #include "devices/qtquick/QtScreen.h"
+#include "devices/screen/SpokenHints.h"
 
 namespace app {
 namespace {

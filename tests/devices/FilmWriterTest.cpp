@@ -7,7 +7,7 @@
 #include <sys/resource.h>
 
 #include "MediaTestSupport.h"
-#include "devices/gstreamer/AudioTimeline.h"
+#include "devices/film/AudioTimeline.h"
 
 namespace devices::test {
 namespace {

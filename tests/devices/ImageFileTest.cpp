@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "MediaTestSupport.h"
-#include "devices/gstreamer/ImageFile.h"
+#include "devices/pictures/ImageFile.h"
 
 namespace devices::test {
 namespace {

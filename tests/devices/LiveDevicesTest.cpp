@@ -6,13 +6,13 @@
 
 #include "LivePeer.h"
 #include "MediaTestSupport.h"
-#include "devices/gstreamer/CameraMode.h"
-#include "devices/gstreamer/CaptureTimes.h"
-#include "devices/gstreamer/DeviceOrigin.h"
-#include "devices/gstreamer/LiveDevices.h"
-#include "devices/gstreamer/LiveFault.h"
-#include "devices/gstreamer/LiveFile.h"
-#include "devices/headless/RealRunLoop.h"
+#include "devices/live/CameraMode.h"
+#include "devices/live/CaptureTimes.h"
+#include "devices/live/DeviceCatalog.h"
+#include "devices/live/LiveDevices.h"
+#include "devices/live/LiveFile.h"
+#include "devices/live/LiveStream.h"
+#include "devices/system/RealRunLoop.h"
 
 namespace devices::test {
 namespace {

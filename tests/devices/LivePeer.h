@@ -5,7 +5,7 @@
 
 #include <gst/app/gstappsrc.h>
 
-#include "devices/gstreamer/LiveSource.h"
+#include "devices/live/LiveSource.h"
 
 namespace devices::test {
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "devices/gstreamer/FilmSettings.h"
-#include "devices/gstreamer/FilmWriterFactory.h"
-#include "devices/gstreamer/MediaFile.h"
+#include "devices/film/FilmSettings.h"
+#include "devices/film/FilmWriter.h"
+#include "devices/recorded/MediaFile.h"
 #include "platform/foundation/VirtualRunLoop.h"
 #include "support/Scratch.h"
 

@@ -1,5 +1,5 @@
 #include "InputFile.h"
-#include "devices/gstreamer/Mp4Dates.h"
+#include "devices/film/Mp4Dates.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const fuzz::InputFile file("film.mp4", data, size);

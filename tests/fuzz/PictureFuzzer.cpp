@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "devices/gstreamer/ImageHeader.h"
+#include "devices/pictures/ImageHeader.h"
 
 /// What our own code reads of a picture before a library decodes it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "devices/headless/ScreenHub.h"
-#include "devices/headless/ViewSearch.h"
+#include "devices/screen/ScreenHub.h"
+#include "devices/screen/ViewSearch.h"
 
 namespace tests {
 TestWorld::TestWorld()

@@ -7,9 +7,9 @@
 #include <gst/gst.h>
 
 #include "Picture.h"
+#include "devices/film/Mp4Dates.h"
 #include "devices/gstreamer/GstSupport.h"
 #include "devices/gstreamer/MediaElements.h"
-#include "devices/gstreamer/Mp4Dates.h"
 
 namespace session {
 namespace {

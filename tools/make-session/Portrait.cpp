@@ -7,7 +7,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "devices/gstreamer/ImageFile.h"
+#include "devices/pictures/ImageFile.h"
 #include "platform/media/PixelBuffer.h"
 
 namespace session {

@@ -22,7 +22,7 @@
 #include "Portrait.h"
 #include "Still.h"
 #include "Voice.h"
-#include "devices/gstreamer/ImageFile.h"
+#include "devices/pictures/ImageFile.h"
 #include "platform/media/PixelBuffer.h"
 
 namespace session {

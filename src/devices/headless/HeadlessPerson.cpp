@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "devices/headless/ViewSearch.h"
+#include "devices/screen/ViewSearch.h"
 #include "platform/uikit/Controls.h"
 #include "platform/uikit/UIViewController.h"
 

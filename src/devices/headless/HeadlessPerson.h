@@ -3,7 +3,7 @@
 #include <memory>
 #include <optional>
 
-#include "devices/headless/ScreenHub.h"
+#include "devices/screen/ScreenHub.h"
 #include "platform/foundation/RunLoop.h"
 
 namespace platform {

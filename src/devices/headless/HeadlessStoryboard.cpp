@@ -187,4 +187,13 @@ std::shared_ptr<platform::NSLayoutConstraint> HeadlessStoryboard::constraint(
   return entry == constraints_.end() ? nullptr : entry->second.lock();
 }
 
+DirectoryBundle::StoryboardMaker headlessStoryboards(platform::ControllerFactories factories) {
+  return [factories = std::move(factories)](platform::Environment& environment,
+                                            const std::string& name) {
+    return name == "VideoCapture"
+               ? std::make_shared<HeadlessStoryboard>(environment, videoCaptureScenes(), factories)
+               : nullptr;
+  };
+}
+
 }  // namespace devices

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "devices/headless/SceneLayout.h"
+#include "devices/screen/DirectoryBundle.h"
 #include "platform/uikit/UIStoryboard.h"
 
 namespace devices {
@@ -35,5 +36,8 @@ class HeadlessStoryboard final : public platform::UIStoryboard {
   platform::ControllerFactories factories_;
   std::map<std::string, std::weak_ptr<platform::NSLayoutConstraint>> constraints_;
 };
+
+/// The storyboard "VideoCapture" of the headless screen with these controllers; null for others.
+DirectoryBundle::StoryboardMaker headlessStoryboards(platform::ControllerFactories factories);
 
 }  // namespace devices

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "devices/headless/RealRunLoop.h"
+#include "devices/system/RealRunLoop.h"
 #include "platform/foundation/RunLoop.h"
 
 namespace devices {

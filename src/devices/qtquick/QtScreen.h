@@ -10,12 +10,12 @@
 #include <string>
 #include <vector>
 
-#include "devices/headless/DirectoryBundle.h"
-#include "devices/headless/ScreenHub.h"
 #include "devices/qtquick/Animator.h"
 #include "devices/qtquick/PreviewItem.h"
 #include "devices/qtquick/QtScene.h"
 #include "devices/qtquick/ScreenSettings.h"
+#include "devices/screen/DirectoryBundle.h"
+#include "devices/screen/ScreenHub.h"
 
 namespace devices {
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "app/endtoend/Program.h"
-#include "devices/gstreamer/MediaProbe.h"
+#include "devices/recorded/MediaProbe.h"
 
 namespace tests {
 namespace {

@@ -3,7 +3,7 @@
 #include <sstream>
 #include <utility>
 
-#include "devices/headless/ViewSearch.h"
+#include "devices/screen/ViewSearch.h"
 #include "platform/foundation/Require.h"
 
 namespace tests {

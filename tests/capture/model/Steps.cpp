@@ -2,7 +2,7 @@
 
 #include "corvana/Notifications.h"
 #include "corvana/StateNames.h"
-#include "devices/headless/ViewSearch.h"
+#include "devices/screen/ViewSearch.h"
 
 namespace tests {
 

@@ -5,9 +5,9 @@
 
 #include <gtest/gtest.h>
 
-#include "devices/headless/FlowReporter.h"
 #include "devices/headless/HeadlessPerson.h"
-#include "devices/headless/ViewSearch.h"
+#include "devices/screen/FlowReporter.h"
+#include "devices/screen/ViewSearch.h"
 #include "support/TestWorld.h"
 
 namespace {

@@ -11,8 +11,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "devices/headless/RealRunLoop.h"
-#include "devices/headless/TerminationSignals.h"
+#include "devices/system/RealRunLoop.h"
+#include "devices/system/TerminationSignals.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 #include "capture/FlowTest.h"
-#include "devices/headless/SpokenHints.h"
+#include "devices/screen/SpokenHints.h"
 
 namespace tests {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "capture/FlowTest.h"
-#include "devices/headless/ScreenHub.h"
 #include "devices/qtquick/QtScreen.h"
+#include "devices/screen/ScreenHub.h"
 
 namespace tests {
 

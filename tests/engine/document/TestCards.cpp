@@ -6,7 +6,7 @@
 
 #include "CardArtist.h"
 #include "CardView.h"
-#include "devices/gstreamer/ImageFile.h"
+#include "devices/pictures/ImageFile.h"
 #include "engine/vision/MatViews.h"
 
 namespace tests {

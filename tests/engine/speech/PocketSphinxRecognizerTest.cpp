@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "devices/gstreamer/EspeakSynthesizer.h"
-#include "devices/headless/RealRunLoop.h"
+#include "devices/loudspeaker/EspeakSynthesizer.h"
+#include "devices/system/RealRunLoop.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
 #include "engine/speech/ReadingText.h"
 #include "platform/foundation/Require.h"

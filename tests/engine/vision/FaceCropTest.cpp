@@ -2,7 +2,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "capture/FaceMatchDetector.h"
-#include "devices/headless/DirectoryBundle.h"
+#include "devices/screen/DirectoryBundle.h"
 #include "devices/scripted/ScriptedSystem.h"
 #include "engine/vision/FaceCrop.h"
 #include "engine/vision/MatViews.h"

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "devices/film/FilmingDevice.h"
+#include "devices/live/LiveDevices.h"
+#include "devices/live/LiveStream.h"
+
+namespace devices {
+
+/// A live camera: upright I420 pictures (BT.601, limited range) of the size of the first one. When
+/// the device changes size or format, pictures are scaled into that size, with borders.
+class LiveCamera final : public FilmingCamera {
+ public:
+  LiveCamera(platform::RunLoop& loop, LiveSource source, CameraTurn turn,
+             VideoCodecChoice codecChoice);
+  ~LiveCamera() override { stream_->close(); }
+
+  /// Opens the device as `LiveStream::open` does; called before all else, since it takes its time.
+  tl::expected<void, std::string> open(platform::Duration patience);
+  const LiveStream& stream() const { return *stream_; }
+  /// Whether the device changed its size or format on its own.
+  bool hasChanged() const { return changed_; }
+
+  std::string localizedName() const override { return name_; }
+  bool open() override { return stream_->isOpen(); }
+  void start(SampleHandler handler) override { stream_->start(std::move(handler)); }
+  void stop() override { stream_->stop(); }
+
+ private:
+  PictureSize pictureSize() const override { return {width_, height_}; }
+  static GstPadProbeReturn onCaps(GstPad* pad, GstPadProbeInfo* info, gpointer data);
+  void setUp(GstElement* pipeline);
+  LiveStream::Sample convert(GstSample* sample);
+  void keepSize(int width, int height);
+
+  const std::string name_;
+  GstElement* sizeFilter_ = nullptr;  ///< in the pipeline
+  std::optional<std::string> firstCaps_;
+  std::atomic<int> width_ = 0;
+  std::atomic<int> height_ = 0;
+  std::atomic<bool> changed_ = false;
+  std::shared_ptr<LiveStream> stream_;  ///< last: its pipeline calls this camera
+};
+
+}  // namespace devices

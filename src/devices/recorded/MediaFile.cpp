@@ -1,0 +1,72 @@
+#include "devices/recorded/MediaFile.h"
+
+#include <utility>
+
+#include "devices/recorded/FileCamera.h"
+#include "devices/recorded/FileMicrophone.h"
+
+namespace devices {
+
+MediaFile::~MediaFile() = default;
+
+tl::expected<std::shared_ptr<MediaFile>, std::string> MediaFile::open(
+    platform::RunLoop& loop, const std::filesystem::path& path, VideoCodecChoice codecChoice) {
+  const auto info = probe(path);
+  if (!info) return tl::unexpected(info.error());
+  auto video = VideoReader::open(path, *info);
+  if (!video) return tl::unexpected(video.error());
+  auto first = (*video)->next();
+  if (!first) return tl::unexpected(first.error());
+  if (!*first) return tl::unexpected(path.string() + " holds no picture: record it again.");
+  const platform::Duration origin = (*video)->origin();
+
+  std::shared_ptr<MediaFile> file(new MediaFile(loop, *info));
+  const auto timeline = std::make_shared<FileTimeline>();
+  const std::weak_ptr<MediaFile> weak = file;
+  const auto error = [weak](const std::string& sentence) {
+    if (const auto self = weak.lock()) self->reportError(sentence);
+  };
+  const auto end = [weak] {
+    const auto self = weak.lock();
+    if (!self) return;
+    self->post([](MediaFile& media) {
+      if (media.onEnd) media.onEnd();
+    });
+  };
+  file->camera_ =
+      std::make_shared<FileCamera>(loop, timeline, *info, std::move(*video), std::move(**first),
+                                   codecChoice, FileCamera::Reports{end, error});
+  if (!info->hasAudio) return file;
+  auto audio = AudioReader::open(path, origin);
+  if (!audio) return tl::unexpected(audio.error());
+  file->microphone_ =
+      std::make_shared<FileMicrophone>(loop, timeline, info->duration, std::move(*audio), error);
+  return file;
+}
+
+platform::AVCaptureDeviceRef MediaFile::camera() const {
+  return camera_;
+}
+
+platform::AVCaptureDeviceRef MediaFile::microphone() const {
+  return microphone_;
+}
+
+std::uint64_t MediaFile::framesDropped() const {
+  return camera_->framesDropped();
+}
+
+void MediaFile::post(std::function<void(MediaFile&)> report) {
+  loop_.mainQueue().async([weak = weak_from_this(), report = std::move(report)] {
+    if (const auto self = weak.lock()) report(*self);
+  });
+}
+
+void MediaFile::reportError(const std::string& sentence) {
+  post([sentence](MediaFile& media) {
+    if (std::exchange(media.errorReported_, true)) return;
+    if (media.onError) media.onError({sentence});
+  });
+}
+
+}  // namespace devices

@@ -1,0 +1,112 @@
+#include "devices/recorded/MediaProbe.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <string_view>
+#include <utility>
+
+#include <gst/video/video.h>
+
+#include "devices/gstreamer/GstSupport.h"
+#include "devices/recorded/StreamReader.h"
+
+namespace devices {
+namespace {
+
+constexpr double kUsualRate = 30;
+
+using Failure = tl::unexpected<std::string>;
+
+/// What a file's demuxer has found; written by its thread, so it must outlive the pipeline.
+struct Streams {
+  GstElement* sink = nullptr;
+  std::atomic<bool> hasVideo = false;
+  std::atomic<bool> hasAudio = false;
+  std::atomic<bool> isComplete = false;
+
+  static void onPad(GstElement*, GstPad* pad, gpointer data) {
+    auto& streams = *static_cast<Streams*>(data);
+    const std::string_view name = GST_PAD_NAME(pad);
+    if (name.starts_with("video")) streams.hasVideo = true;
+    if (name.starts_with("audio")) streams.hasAudio = true;
+  }
+
+  static void onAllPads(GstElement*, gpointer data) {
+    auto& streams = *static_cast<Streams*>(data);
+    streams.isComplete = true;
+    if (streams.hasVideo) return;
+    // Nothing will ever come: the reader must not wait for it.
+    const GstPtr<GstPad> pad(gst_element_get_static_pad(streams.sink, "sink"));
+    gst_pad_send_event(pad.get(), gst_event_new_eos());
+  }
+};
+
+bool isTurned(GstElement* sink) {
+  const GstPtr<GstPad> pad(gst_element_get_static_pad(sink, "sink"));
+  bool turned = false;
+  for (guint index = 0;; ++index) {
+    const GstPtr<GstEvent> event(gst_pad_get_sticky_event(pad.get(), GST_EVENT_TAG, index));
+    if (!event) return turned;
+    GstTagList* tags = nullptr;
+    gst_event_parse_tag(event.get(), &tags);
+    GstVideoOrientationMethod method = GST_VIDEO_ORIENTATION_IDENTITY;
+    if (!gst_video_orientation_from_tag(tags, &method)) continue;
+    turned = method == GST_VIDEO_ORIENTATION_90R || method == GST_VIDEO_ORIENTATION_90L ||
+             method == GST_VIDEO_ORIENTATION_UL_LR || method == GST_VIDEO_ORIENTATION_UR_LL;
+  }
+}
+
+tl::expected<MediaInfo, std::string> readPicture(const std::string& name, GstSample* sample) {
+  GstVideoInfo video;
+  if (!gst_video_info_from_caps(&video, gst_sample_get_caps(sample))) {
+    return Failure(name + " holds a picture that can't be read.");
+  }
+  const double aspect = video.par_n > 0 && video.par_d > 0 ? double(video.par_n) / video.par_d : 1;
+  const double width = std::round(video.width * aspect);
+  const double largest = std::max({width, double(video.width), double(video.height)});
+  if (!(std::min(width, double(video.height)) >= kMinPictureSize && largest <= kMaxPictureSize)) {
+    return Failure("The picture of " + name + " measures " + std::to_string(std::llround(width)) +
+                   "x" + std::to_string(video.height) + " pixels: it must be " +
+                   std::to_string(kMinPictureSize) + " to " + std::to_string(kMaxPictureSize) +
+                   " wide and high.");
+  }
+  MediaInfo info;
+  info.width = static_cast<int>(width);
+  info.height = video.height;
+  const double rate = video.fps_d > 0 ? double(video.fps_n) / video.fps_d : 0;
+  info.frameRate = rate >= 1 && rate <= 240 ? rate : kUsualRate;
+  return info;
+}
+
+}  // namespace
+
+tl::expected<MediaInfo, std::string> probe(const std::filesystem::path& path) {
+  Streams streams;
+  auto stream = openStream(path, "video_0", "videoconvert");
+  if (!stream) return Failure(stream.error());
+  streams.sink = stream->element("sink");
+  GstElement* demuxer = stream->element("demuxer");
+  g_signal_connect(demuxer, "pad-added", G_CALLBACK(&Streams::onPad), &streams);
+  g_signal_connect(demuxer, "no-more-pads", G_CALLBACK(&Streams::onAllPads), &streams);
+  stream->start();
+
+  const std::string name = path.string();
+  const auto sample = stream->pull();
+  if (streams.isComplete && !streams.hasVideo) {
+    return Failure(name + (streams.hasAudio ? " holds sound but no picture." : " is empty."));
+  }
+  if (!sample) return Failure(sample.error());
+  if (!*sample) return Failure(name + " holds no picture: record it again.");
+  auto info = readPicture(name, sample->get());
+  if (!info) return info;
+  if (isTurned(streams.sink)) std::swap(info->width, info->height);
+  info->hasAudio = streams.hasAudio;
+  gint64 duration = 0;
+  if (gst_element_query_duration(demuxer, GST_FORMAT_TIME, &duration) && duration > 0) {
+    info->duration = platform::Duration(duration);
+  }
+  return info;
+}
+
+}  // namespace devices
