@@ -33,8 +33,8 @@
 #include <time.h>
 #include <unistd.h>
 
-#include "app/CaptureCommand.h"
-#include "app/Resources.h"
+#include "app/commands/CaptureCommand.h"
+#include "app/run/Resources.h"
 #include "capture/FaceMatchDetector.h"
 #include "devices/qtquick/PreviewItem.h"
 #include "devices/screen/DirectoryBundle.h"

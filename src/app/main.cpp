@@ -4,10 +4,10 @@
 #include <CLI/CLI.hpp>
 #include <malloc.h>
 
-#include "app/CaptureCommand.h"
-#include "app/Commands.h"
-#include "app/ScreensCommand.h"
-#include "app/SimulateCommand.h"
+#include "app/commands/CaptureCommand.h"
+#include "app/commands/Commands.h"
+#include "app/simulate/ScreensCommand.h"
+#include "app/simulate/SimulateCommand.h"
 
 namespace {
 
@@ -54,7 +54,7 @@ int main(int argc, char** argv) {
   try {
     return run(argc, argv);
   } catch (const std::exception& error) {
-    std::cerr << "videoid: an unexpected fault: " << error.what() << '\n';
-    return static_cast<int>(app::ExitCode::machineLacks);
+    return static_cast<int>(app::complain(std::cerr, app::ExitCode::machineLacks,
+                                          std::string("an unexpected fault: ") + error.what()));
   }
 }

@@ -1,9 +1,9 @@
 #include "InputFile.h"
-#include "app/AppearanceTable.h"
-#include "app/OptionTable.h"
-#include "app/Reference.h"
-#include "app/RunRecord.h"
-#include "app/SimulateScript.h"
+#include "app/run/Reference.h"
+#include "app/run/RunRecord.h"
+#include "app/settings/AppearanceTable.h"
+#include "app/settings/OptionTable.h"
+#include "app/simulate/SimulateScript.h"
 
 /// Every JSON file that the program reads.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -32,7 +32,7 @@ TestWorld::~TestWorld() {
   window_.reset();
   root.reset();
   // What waits on the loop may own controllers, which need this world to the end.
-  loop.discardPending();
+  loop.shutDown();
 }
 
 void TestWorld::advance(double seconds) {

@@ -5,17 +5,15 @@
 #include <string>
 
 #include "devices/system/RealRunLoop.h"
-#include "platform/foundation/RunLoop.h"
+#include "platform/foundation/DrivenLoop.h"
 
 namespace devices {
 
 /// A window's event loop as the run loop: the thread of the application object is the main queue.
 /// Blocks run in turns with input and painting, so that a run of them does not hold either up.
 /// Queues, timers and devices are those of the plain loop. Needs an application object.
-class QtRunLoop final : public platform::RunLoop {
+class QtRunLoop : public platform::DrivenLoop {
  public:
-  using Stop = RealRunLoop::Stop;
-
   explicit QtRunLoop(int workers = 3);
   /// Shuts down, as `shutDown` does.
   ~QtRunLoop() override;
@@ -39,13 +37,9 @@ class QtRunLoop final : public platform::RunLoop {
   }
   bool isVirtual() const override { return false; }
 
-  /// Runs the event loop until `done` holds (asked after each turn) or `deadline` has come.
-  Stop runUntil(const std::function<bool()>& done, platform::TimePoint deadline);
-  /// Makes `runUntil` ask `done` again; any thread.
-  void wake();
-  /// Waits for the blocks that are running on other threads, then ends all timers and destroys all
-  /// blocks that have not begun. Nothing runs afterwards.
-  void shutDown();
+  Stop runUntil(const std::function<bool()>& done, platform::TimePoint deadline) override;
+  void wake() override;
+  void shutDown() override;
 
  private:
   class Pump;

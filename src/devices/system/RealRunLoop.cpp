@@ -90,39 +90,6 @@ class RealRunLoop::SerialQueue final : public platform::DispatchQueue,
   bool busy_ = false;
 };
 
-class RealRunLoop::MainTimer final : public platform::Timer,
-                                     public std::enable_shared_from_this<MainTimer> {
- public:
-  MainTimer(BlockTimeline& main, Duration interval, bool repeats, Block block)
-      : main_(main),
-        interval_(std::max(interval, Duration(1))),
-        repeats_(repeats),
-        block_(std::move(block)) {}
-
-  void schedule(TimePoint due) {
-    main_.post(due, platform::EventClass::task,
-               [self = shared_from_this(), due] { self->fire(due); });
-  }
-  void invalidate() override { block_ = nullptr; }
-  bool isValid() const override { return static_cast<bool>(block_); }
-
- private:
-  void fire(TimePoint due) {
-    if (!block_) return;
-    const Block block = repeats_ ? block_ : std::exchange(block_, nullptr);
-    block();
-    if (!isValid()) return;
-    // Beats that were missed while the main queue was busy are left out.
-    const auto missed = std::max<Duration::rep>((main_.now() - due) / interval_, 0);
-    schedule(due + interval_ * (missed + 1));
-  }
-
-  BlockTimeline& main_;
-  Duration interval_;
-  bool repeats_;
-  Block block_;
-};
-
 RealRunLoop::RealRunLoop(int workers)
     : main_(std::chrono::steady_clock::now()),
       shared_(main_.origin()),
@@ -130,7 +97,11 @@ RealRunLoop::RealRunLoop(int workers)
       device_(main_.origin()),
       mainQueue_(std::make_unique<TimelineQueue>(main_)),
       globalQueue_(std::make_unique<TimelineQueue>(shared_)),
-      utilityQueue_(std::make_unique<TimelineQueue>(utility_)) {
+      utilityQueue_(std::make_unique<TimelineQueue>(utility_)),
+      timers_([this] { return now(); },
+              [this](TimePoint due, Block block) {
+                main_.post(due, platform::EventClass::task, std::move(block));
+              }) {
   startThread(device_);
   for (int i = 0; i < std::max(workers, 1); ++i)
     startThread(shared_);
@@ -171,11 +142,7 @@ std::shared_ptr<platform::DispatchQueue> RealRunLoop::makeSerialQueue(const std:
 
 std::shared_ptr<platform::Timer> RealRunLoop::scheduledTimer(Duration interval, bool repeats,
                                                              Block block) {
-  auto timer = std::make_shared<MainTimer>(main_, interval, repeats, std::move(block));
-  timer->schedule(now() + std::max(interval, Duration::zero()));
-  std::erase_if(timers_, [](const auto& other) { return other.expired(); });
-  timers_.push_back(timer);
-  return timer;
+  return timers_.schedule(interval, repeats, std::move(block));
 }
 
 void RealRunLoop::scheduleDevice(TimePoint time, platform::EventClass eventClass, Block block) {
@@ -206,10 +173,7 @@ void RealRunLoop::shutDown() {
   for (std::thread& thread : threads_)
     thread.join();
   threads_.clear();
-  // A timer's block may own the one who owns the timer.
-  for (const auto& timer : std::exchange(timers_, {})) {
-    if (const auto alive = timer.lock()) alive->invalidate();
-  }
+  timers_.invalidateAll();
   // A destroyed block may let go of the last handle to something that posts once more.
   bool any = true;
   while (any) {

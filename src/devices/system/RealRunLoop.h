@@ -8,7 +8,8 @@
 #include <vector>
 
 #include "devices/system/BlockTimeline.h"
-#include "platform/foundation/RunLoop.h"
+#include "platform/foundation/DrivenLoop.h"
+#include "platform/foundation/LoopTimers.h"
 
 namespace devices {
 
@@ -16,10 +17,8 @@ namespace devices {
 /// the main queue; it makes and destroys the loop, too. Devices get a thread of their own. Queues
 /// of utility work and below share workers of lower CPU priority, all others share the rest: on a
 /// machine that cannot keep up the former wait for the latter.
-class RealRunLoop final : public platform::RunLoop {
+class RealRunLoop final : public platform::DrivenLoop {
  public:
-  enum class Stop { condition, deadline };
-
   explicit RealRunLoop(int workers = 3);
   /// Shuts down, as `shutDown` does.
   ~RealRunLoop() override;
@@ -35,10 +34,9 @@ class RealRunLoop final : public platform::RunLoop {
                       platform::Block block) override;
   bool isVirtual() const override { return false; }
 
-  /// Runs the main queue until `done` holds (asked between blocks) or `deadline` has come.
-  Stop runUntil(const std::function<bool()>& done, platform::TimePoint deadline);
-  /// Makes `runUntil` ask `done` again; any thread.
-  void wake() { main_.interrupt(); }
+  Stop runUntil(const std::function<bool()>& done, platform::TimePoint deadline) override;
+  void wake() override { main_.interrupt(); }
+  void shutDown() override;
 
   /// Sets what is told, on any thread, of each block posted to the main queue; for an event loop
   /// that runs that queue itself, in place of `runUntil`. Called at once after construction.
@@ -48,15 +46,9 @@ class RealRunLoop final : public platform::RunLoop {
   /// When the next main block is due; absent when there is none.
   std::optional<platform::TimePoint> nextDue() { return main_.nextDue(); }
 
-  /// Waits for the blocks that are running on other threads, then ends all timers and destroys all
-  /// blocks that have not begun, on the main thread and without running them. Nothing runs
-  /// afterwards.
-  void shutDown();
-
  private:
   class TimelineQueue;
   class SerialQueue;
-  class MainTimer;
 
   BlockTimeline& workersFor(platform::QualityOfService qos);
   void startThread(BlockTimeline& timeline, int niceness = 0);
@@ -69,7 +61,7 @@ class RealRunLoop final : public platform::RunLoop {
   std::unique_ptr<platform::DispatchQueue> globalQueue_;
   std::unique_ptr<platform::DispatchQueue> utilityQueue_;
   std::vector<std::thread> threads_;
-  std::vector<std::weak_ptr<platform::Timer>> timers_;    ///< main thread only
+  platform::LoopTimers timers_;                           ///< main thread only
   std::vector<std::weak_ptr<SerialQueue>> serialQueues_;  ///< main thread only
 };
 

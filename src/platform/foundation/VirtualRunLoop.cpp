@@ -18,46 +18,24 @@ class VirtualRunLoop::Queue final : public DispatchQueue {
   VirtualRunLoop& loop_;
 };
 
-class VirtualRunLoop::VirtualTimer final : public Timer,
-                                           public std::enable_shared_from_this<VirtualTimer> {
- public:
-  VirtualTimer(VirtualRunLoop& loop, Duration interval, bool repeats, Block block)
-      : loop_(loop),
-        interval_(std::max(interval, Duration(1))),
-        repeats_(repeats),
-        block_(std::move(block)) {}
+namespace {
 
-  void schedule(TimePoint due) {
-    loop_.post(due, EventClass::task, [self = shared_from_this(), due] { self->fire(due); });
-  }
-  void invalidate() override { block_ = nullptr; }
-  bool isValid() const override { return static_cast<bool>(block_); }
+constexpr std::uint64_t kMostSteps = 50'000'000;
 
- private:
-  void fire(TimePoint due) {
-    if (!block_) return;
-    const Block block = repeats_ ? block_ : std::exchange(block_, nullptr);
-    block();
-    if (isValid()) schedule(due + interval_);
-  }
+}  // namespace
 
-  VirtualRunLoop& loop_;
-  Duration interval_;
-  bool repeats_;
-  Block block_;
-};
-
-VirtualRunLoop::VirtualRunLoop() : queue_(std::make_shared<Queue>(*this)) {}
+VirtualRunLoop::VirtualRunLoop()
+    : timers_(
+          [this] { return now_; },
+          [this](TimePoint due, Block block) { post(due, EventClass::task, std::move(block)); }),
+      queue_(std::make_shared<Queue>(*this)) {}
 
 VirtualRunLoop::~VirtualRunLoop() {
-  discardPending();
+  shutDown();
 }
 
-void VirtualRunLoop::discardPending() {
-  // A timer's block may own the one who owns the timer.
-  for (const auto& timer : std::exchange(timers_, {})) {
-    if (const auto alive = timer.lock()) alive->invalidate();
-  }
+void VirtualRunLoop::shutDown() {
+  timers_.invalidateAll();
   // A block may own the last handle to something that posts while it is destroyed.
   while (!events_.empty())
     std::exchange(events_, {}).clear();
@@ -78,11 +56,7 @@ std::shared_ptr<DispatchQueue> VirtualRunLoop::makeSerialQueue(const std::string
 
 std::shared_ptr<Timer> VirtualRunLoop::scheduledTimer(Duration interval, bool repeats,
                                                       Block block) {
-  auto timer = std::make_shared<VirtualTimer>(*this, interval, repeats, std::move(block));
-  timer->schedule(now_ + std::max(interval, Duration::zero()));
-  std::erase_if(timers_, [](const auto& other) { return other.expired(); });
-  timers_.push_back(timer);
-  return timer;
+  return timers_.schedule(interval, repeats, std::move(block));
 }
 
 void VirtualRunLoop::scheduleDevice(TimePoint time, EventClass eventClass, Block block) {
@@ -99,9 +73,9 @@ void VirtualRunLoop::runNext() {
   event.mapped()();
 }
 
-VirtualRunLoop::Stop VirtualRunLoop::runUntil(const std::function<bool()>& done, TimePoint deadline,
-                                              std::uint64_t stepLimit) {
-  for (std::uint64_t step = 0; step < stepLimit; ++step) {
+VirtualRunLoop::Stop VirtualRunLoop::runUntil(const std::function<bool()>& done,
+                                              TimePoint deadline) {
+  for (std::uint64_t step = 0; step < kMostSteps; ++step) {
     if (done()) return Stop::condition;
     if (events_.empty()) return Stop::idle;
     if (std::get<TimePoint>(events_.begin()->first) > deadline) {

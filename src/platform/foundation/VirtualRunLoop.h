@@ -6,16 +6,15 @@
 #include <tuple>
 #include <vector>
 
-#include "platform/foundation/RunLoop.h"
+#include "platform/foundation/DrivenLoop.h"
+#include "platform/foundation/LoopTimers.h"
 
 namespace platform {
 
 /// Virtual time: the clock jumps from event to event, all on the calling thread. Events of equal
 /// time run in posting order, frames first; the same input gives the same run, whatever the load.
-class VirtualRunLoop final : public RunLoop {
+class VirtualRunLoop final : public DrivenLoop {
  public:
-  enum class Stop { idle, condition, deadline, stepLimit };
-
   VirtualRunLoop();
   ~VirtualRunLoop() override;
 
@@ -28,20 +27,17 @@ class VirtualRunLoop final : public RunLoop {
   void scheduleDevice(TimePoint time, EventClass eventClass, Block block) override;
   bool isVirtual() const override { return true; }
 
-  /// Runs events until `done` holds, none is left, `deadline` has come (the clock then stands
-  /// there), or `stepLimit` events have run: a loop that feeds itself fails, it never hangs.
-  Stop runUntil(const std::function<bool()>& done, TimePoint deadline,
-                std::uint64_t stepLimit = kDefaultStepLimit);
+  /// Stops also when no event is left, or so many have run that the loop must be feeding itself: it
+  /// fails, it never hangs. At `deadline` the clock stands there.
+  Stop runUntil(const std::function<bool()>& done, TimePoint deadline) override;
+  /// Nothing to do: `runUntil` asks after each event.
+  void wake() override {}
+  void shutDown() override;
   /// Runs all events of the next `duration`, then stands at its end.
   Stop advance(Duration duration);
-  /// Ends all timers and destroys all events that have not run, and what only they kept alive.
-  void discardPending();
-
-  static constexpr std::uint64_t kDefaultStepLimit = 50'000'000;
 
  private:
   class Queue;
-  class VirtualTimer;
   using Key = std::tuple<TimePoint, EventClass, std::uint64_t>;
 
   void post(TimePoint time, EventClass eventClass, Block block);
@@ -50,7 +46,7 @@ class VirtualRunLoop final : public RunLoop {
   TimePoint now_{};
   std::uint64_t sequence_ = 0;
   std::map<Key, Block> events_;
-  std::vector<std::weak_ptr<Timer>> timers_;
+  LoopTimers timers_;
   std::shared_ptr<DispatchQueue> queue_;
 };
 

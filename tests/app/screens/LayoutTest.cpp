@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "ScreenWorld.h"
-#include "app/AppearanceTable.h"
+#include "app/settings/AppearanceTable.h"
 
 namespace tests {
 namespace {

@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "ScreenWorld.h"
-#include "app/AppearanceTable.h"
-#include "app/ScreensCommand.h"
+#include "app/settings/AppearanceTable.h"
+#include "app/simulate/ScreensCommand.h"
 
 namespace tests {
 namespace {

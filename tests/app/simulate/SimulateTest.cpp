@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/SimulateCommand.h"
+#include "app/simulate/SimulateCommand.h"
 #include "support/HostTablesGuard.h"
 #include "support/Scratch.h"
 

@@ -6,6 +6,7 @@
 #include "capture/ControllerFactories.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "devices/headless/HeadlessPerson.h"
+#include "devices/headless/HeadlessStoryboard.h"
 #include "devices/headless/SceneLayout.h"
 #include "devices/screen/DirectoryBundle.h"
 #include "devices/screen/ViewSearch.h"

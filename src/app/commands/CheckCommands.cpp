@@ -1,0 +1,80 @@
+#include <iostream>
+
+#include "app/commands/Commands.h"
+#include "app/commands/Doctor.h"
+#include "app/run/CaptureArguments.h"
+#include "app/run/RunRecord.h"
+#include "app/settings/OptionTable.h"
+
+namespace app {
+namespace {
+
+namespace fs = std::filesystem;
+
+ExitCode runVerify(const fs::path& folder) {
+  std::error_code ignored;
+  if (!fs::is_regular_file(folder / kResultFileName, ignored)) {
+    return complain(
+        std::cerr, ExitCode::wrongUse,
+        "\"" + folder.string() + "\" holds no " + kResultFileName + ". Name the folder of a run.");
+  }
+  const auto names = verifyRun(folder);
+  if (!names) return complain(std::cerr, ExitCode::flowError, names.error());
+  for (const std::string& name : *names)
+    std::cout << name << ": unchanged\n";
+  return ExitCode::result;
+}
+
+ExitCode runDoctor(const fs::path& folder) {
+  bool fine = true;
+  std::vector<Finding> findings = examine(findResources());
+  findings.push_back(diskSpace(folder, bytesNeeded(nullptr, kUsualLimitSeconds)));
+  for (const Finding& finding : findings) {
+    std::cout << (finding.fine ? "ok       " : "LACKING  ") << finding.what;
+    if (!finding.fine) std::cout << ": " << finding.cure;
+    std::cout << '\n';
+    fine = fine && finding.fine;
+  }
+  return fine ? ExitCode::result : ExitCode::machineLacks;
+}
+
+ExitCode runOptions() {
+  nlohmann::ordered_json list = nlohmann::ordered_json::array();
+  for (const OptionInfo& option : listOptions()) {
+    nlohmann::ordered_json entry = {{"key", option.key}};
+    if (!option.unit.empty()) entry["unit"] = option.unit;
+    entry["default"] = option.defaultValue;
+    entry["meaning"] = option.meaning;
+    list.push_back(std::move(entry));
+  }
+  std::cout << list.dump(2) << '\n';
+  return ExitCode::result;
+}
+
+}  // namespace
+
+void addVerifyCommand(CLI::App& app, ExitCode& exitCode) {
+  CLI::App& command =
+      *app.add_subcommand("verify", "Check that the files of a run are those that it left");
+  auto folder = std::make_shared<fs::path>();
+  command.add_option("folder", *folder, "the run's folder")->required();
+  command.callback([folder, &exitCode] { exitCode = runVerify(*folder); });
+}
+
+void addDoctorCommand(CLI::App& app, ExitCode& exitCode) {
+  CLI::App& command =
+      *app.add_subcommand("doctor", "Say what the machine lacks, and the package that cures it");
+  auto folder = std::make_shared<fs::path>(".");
+  command.add_option("--output", *folder, "folder whose disk space is looked at (default: here)");
+  command.callback([folder, &exitCode] { exitCode = runDoctor(*folder); });
+}
+
+void addOptionsCommand(CLI::App& app, ExitCode& exitCode) {
+  CLI::App& command =
+      *app.add_subcommand("options", "List every option with unit, default and meaning");
+  command.add_flag_callback(
+      "--print", [] {}, "print the list as JSON, as it does anyway");
+  command.callback([&exitCode] { exitCode = runOptions(); });
+}
+
+}  // namespace app

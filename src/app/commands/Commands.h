@@ -1,0 +1,21 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include "app/commands/ExitCode.h"
+
+/// The small commands; each sets `exitCode` when it runs.
+namespace app {
+
+/// `videoid enroll`: an earlier capture of a card, read into a reference.
+void addEnrollCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid verify`: the hashes of a run's folder.
+void addVerifyCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid devices`: cameras and microphones that `capture` can use.
+void addDevicesCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid doctor`: what the machine lacks.
+void addDoctorCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid options`: every key with unit, default and meaning.
+void addOptionsCommand(CLI::App& app, ExitCode& exitCode);
+
+}  // namespace app

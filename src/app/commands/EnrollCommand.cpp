@@ -1,0 +1,121 @@
+#include <iostream>
+#include <optional>
+
+#include "app/commands/Commands.h"
+#include "app/run/Reference.h"
+#include "app/run/Resources.h"
+#include "devices/pictures/ImageFile.h"
+#include "engine/document/DocumentAnalyzer.h"
+
+namespace app {
+namespace {
+
+namespace fs = std::filesystem;
+using corvana::DetectedData;
+using corvana::DocumentSide;
+
+struct EnrollArguments {
+  fs::path front;
+  std::optional<fs::path> back;
+  fs::path output;
+};
+
+struct Refusal {
+  ExitCode code;
+  std::string sentence;
+};
+
+tl::expected<DetectedData, Refusal> readSide(engine::DocumentAnalyzer& documents,
+                                             const fs::path& path, DocumentSide expected) {
+  const auto refuse = [&](const std::string& sentence) {
+    return tl::unexpected(Refusal{ExitCode::wrongUse, sentence});
+  };
+  const auto picture = devices::readImage(path);
+  if (!picture) return refuse(picture.error());
+  auto reading = documents.analyzeStill(**picture);
+  if (!reading) {
+    return refuse("\"" + path.string() + "\": " + reading.error().localizedDescription());
+  }
+  DetectedData& data = reading->data;
+  const bool isFront = expected == DocumentSide::front;
+  const std::string side = isFront ? "front" : "back";
+  if (data.side && *data.side != expected) {
+    return refuse("\"" + path.string() + "\" shows the other side of a card, not its " + side +
+                  "; swap the pictures.");
+  }
+  if (isFront && !data.faceImage) {
+    return refuse("No face large enough to be compared was found on \"" + path.string() +
+                  "\"; take a sharper picture, nearer to the card.");
+  }
+  const bool empty = !data.ocrStrings || data.ocrStrings->empty();
+  if (empty && !data.mrz) {
+    return refuse("Nothing could be read on \"" + path.string() +
+                  "\"; take a sharper picture without glare.");
+  }
+  // Before the camera such a back is never taken for a complete one: the run could only time out.
+  const bool lacksCode =
+      (data.shouldHaveMrz && !data.mrz) || (data.shouldHaveBarcode && !data.barcode);
+  if (!data.side || lacksCode) {
+    return refuse("Neither a machine-readable zone nor a barcode could be read on \"" +
+                  path.string() +
+                  "\"; take a sharper picture of the whole back on a plain ground, or leave out "
+                  "--back for a card that has neither.");
+  }
+  return std::move(data);
+}
+
+void describe(const char* name, const DetectedData& data) {
+  std::cerr << name << ": " << data.type.value_or("document of unknown type") << ", "
+            << (data.ocrStrings ? data.ocrStrings->size() : 0) << " lines of text"
+            << (data.faceImage ? ", a photo" : "") << (data.mrz ? ", a machine-readable zone" : "")
+            << (data.barcode ? ", a barcode" : "") << '\n';
+  if (!data.ocrStrings) return;
+  for (const std::string& line : *data.ocrStrings)
+    std::cerr << "    " << line << '\n';
+}
+
+tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments) {
+  auto documents = engine::DocumentAnalyzer::load({.faceModel = findResources().faceDetector()});
+  if (!documents) {
+    return tl::unexpected(
+        Refusal{ExitCode::machineLacks, documents.error().localizedDescription()});
+  }
+  Reference reference;
+  auto front = readSide(*documents, arguments.front, DocumentSide::front);
+  if (!front) return tl::unexpected(front.error());
+  reference.front = std::move(*front);
+  describe("front", reference.front);
+  if (!arguments.back) return reference;
+  auto back = readSide(*documents, *arguments.back, DocumentSide::back);
+  if (!back) return tl::unexpected(back.error());
+  reference.back = std::move(*back);
+  describe("back", *reference.back);
+  return reference;
+}
+
+ExitCode runEnroll(const EnrollArguments& arguments) {
+  const auto reference = readReference(arguments);
+  if (!reference) return complain(std::cerr, reference.error().code, reference.error().sentence);
+  auto saved = makeEmptyFolder(arguments.output).and_then([&] {
+    return saveReference(*reference, arguments.output);
+  });
+  if (!saved) return complain(std::cerr, ExitCode::wrongUse, saved.error());
+  std::cout << nlohmann::ordered_json{{"reference", fs::absolute(arguments.output).string()}}.dump()
+            << '\n';
+  return ExitCode::result;
+}
+
+}  // namespace
+
+void addEnrollCommand(CLI::App& app, ExitCode& exitCode) {
+  CLI::App& command =
+      *app.add_subcommand("enroll", "Read photos of a card into the reference for later runs");
+  auto arguments = std::make_shared<EnrollArguments>();
+  command.add_option("--front", arguments->front, "picture of the front, JPEG or PNG")->required();
+  command.add_option("--back", arguments->back, "picture of the back, for two-sided cards");
+  command.add_option("--output", arguments->output, "new or empty folder for the reference")
+      ->required();
+  command.callback([arguments, &exitCode] { exitCode = runEnroll(*arguments); });
+}
+
+}  // namespace app

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <ostream>
+#include <string_view>
+
+namespace app {
+
+/// What the program tells its caller.
+enum class ExitCode : int {
+  result = 0,        ///< the flow ended with a result, or the command did what it was asked
+  flowError = 1,     ///< the flow ended with an IDError, or a check found a difference
+  wrongUse = 2,      ///< an argument, file or option that the user can mend
+  machineLacks = 3,  ///< a model, plugin or package is missing
+};
+
+/// Tells the user what is wrong, as one line of the program's; returns `code`.
+inline ExitCode complain(std::ostream& err, ExitCode code, std::string_view sentence) {
+  err << "videoid: " << sentence << '\n';
+  return code;
+}
+
+}  // namespace app

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/run/Files.h"
+#include "devices/film/MediaSource.h"
+#include "devices/gstreamer/MediaElements.h"
+#include "devices/live/CameraMode.h"
+#include "devices/live/LiveDevices.h"
+#include "platform/foundation/RunLoop.h"
+
+namespace app {
+
+/// Which camera and microphone a run is to use.
+struct CameraChoice {
+  std::string camera = "default";      ///< id, `default`, or the path of a recording
+  std::string microphone = "default";  ///< id, `default` or `none`
+  devices::CameraMode mode;
+  devices::CameraTurn turn = devices::CameraTurn::none;
+  bool allowVirtual = false;  ///< a film from a virtual camera proves nothing
+
+  /// A recorded file stands in for both. False: they are live, so time is real.
+  bool isRecording() const;
+};
+
+/// Opens what was chosen, and waits for its first samples. The error is one sentence.
+using MediaOpener =
+    std::function<Expected<std::shared_ptr<devices::MediaSource>>(platform::RunLoop& loop)>;
+
+/// Looks for both devices, without opening them. The error is one sentence, the
+/// user's to mend.
+Expected<MediaOpener> chooseMedia(const CameraChoice& choice, devices::VideoCodecChoice codec);
+
+}  // namespace app

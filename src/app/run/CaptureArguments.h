@@ -1,0 +1,41 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "app/run/CameraChoice.h"
+#include "app/run/FlowLoop.h"
+#include "app/run/FlowScreen.h"
+#include "devices/gstreamer/MediaElements.h"
+#include "devices/headless/HeadlessPerson.h"
+
+namespace app {
+
+/// A flow may take so long, unless it is told otherwise.
+inline constexpr double kUsualLimitSeconds = 600;
+
+/// What one video identification is given, from the reference to the folder of its film.
+struct CaptureArguments {
+  std::filesystem::path reference;
+  std::optional<std::string> text;
+  std::optional<std::filesystem::path> textFile;
+  CameraChoice source;
+  std::optional<TimeKind> time;      ///< absent: media with a recording and no window, else real
+  std::optional<ScreenKind> screen;  ///< absent: a window for a live camera, if possible
+  devices::VideoCodecChoice videoCodec = devices::VideoCodecChoice::automatic;
+  WindowWishes window;
+  std::string language = "en";
+  std::optional<std::filesystem::path> theme;
+  bool spokenHints = false;
+  std::optional<std::filesystem::path> output;
+  std::optional<std::filesystem::path> options;
+  devices::PersonHabits habits;
+  /// The habits answer the screens, not the person before the window.
+  bool personIsVirtual = true;
+  double maxDurationSeconds = kUsualLimitSeconds;
+  bool keep = false;            ///< the folder also of a cancelled run
+  bool keepFailedRuns = false;  ///< the films of runs that were retried
+};
+
+}  // namespace app

@@ -1,0 +1,205 @@
+#include "app/run/CaptureFlow.h"
+
+#include <iostream>
+#include <utility>
+
+#include "capture/ControllerFactories.h"
+#include "corvana/SpeechRecognizer.h"
+#include "engine/speech/PocketSphinxRecognizer.h"
+
+namespace app {
+namespace {
+
+using devices::FlowEvent;
+
+/// A flow that has got its film may still be closing its screens when the camera's file ends.
+constexpr platform::Duration kGraceAfterCamera = std::chrono::seconds(2);
+/// Closing the last film waits for the encoder, not for a person.
+constexpr platform::Duration kLongestClosing = std::chrono::seconds(60);
+
+engine::EngineHost::Setup hostSetup(
+    const CaptureArguments& arguments, const CaptureInputs& inputs, platform::RunLoop& loop,
+    platform::NotificationCenter& notifications, platform::MediaDevices& mediaDevices,
+    platform::AssetWriterFactory& films, std::shared_ptr<engine::FrameAnalyzer> analyzer,
+    platform::CGSize screenSize, engine::RecorderObserver& observer, FlowEnd& end) {
+  auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
+      loop, engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder));
+  return {loop,
+          notifications,
+          mediaDevices,
+          films,
+          std::move(analyzer),
+          std::move(recognizer),
+          inputs.folder,
+          arguments.keepFailedRuns,
+          screenSize,
+          &observer,
+          [&end](const platform::Fault& fault) { end.fail(fault); }};
+}
+
+bool belongsInLog(FlowEvent::Kind kind) {
+  switch (kind) {
+    case FlowEvent::Kind::screen:
+    case FlowEvent::Kind::caption:
+    case FlowEvent::Kind::prompt:
+    case FlowEvent::Kind::alert:
+    case FlowEvent::Kind::retry:
+    case FlowEvent::Kind::sound:
+      return true;
+    default:
+      return false;
+  }
+}
+
+nlohmann::ordered_json fieldsOf(const FlowEvent& event) {
+  nlohmann::ordered_json fields;
+  if (event.value) {
+    fields["value"] = *event.value;
+  } else {
+    fields["text"] = event.text;
+  }
+  if (!event.tone.empty()) fields["tone"] = event.tone;
+  return fields;
+}
+
+}  // namespace
+
+CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs& inputs,
+                         const Resources& resources, FlowStage& stage,
+                         std::shared_ptr<devices::MediaSource> media,
+                         std::shared_ptr<engine::FrameAnalyzer> analyzer, Progress progress)
+    : arguments_(arguments),
+      inputs_(inputs),
+      loop_(*stage.loop),
+      screen_(*stage.screen),
+      media_(std::move(media)),
+      analyzer_(std::move(analyzer)),
+      progress_(std::move(progress)),
+      signals_([&loop = loop_] { loop.wake(); }),
+      events_(loop_, inputs.folder / EventLog::kFileName,
+              [this](const platform::Fault& fault) { eventsFailed(fault); }),
+      reporter_(loop_, [this](const FlowEvent& event) { report(event); }),
+      person_(loop_, arguments.habits),
+      console_(std::cerr),
+      sourceDevices_(media_),
+      watchedDevices_(screen_.watch(sourceDevices_)),
+      mediaDevices_(watchedDevices_ ? *watchedDevices_ : sourceDevices_),
+      sounds_([this](platform::SystemSoundID sound) {
+        reporter_.soundPlayed(sound);
+        screen_.play(sound);
+      }),
+      bundle_(resources.module, screen_.makeStoryboards(capture::controllerFactories())),
+      films_(loop_),
+      host_(hostSetup(arguments, inputs, loop_, notificationCenter_, mediaDevices_, films_,
+                      analyzer_, screen_.size(), events_, end_)),
+      environment_{loop_,
+                   bundle_,
+                   notificationCenter_,
+                   console_,
+                   application_,
+                   mediaDevices_,
+                   speechAuthorization_,
+                   sounds_,
+                   host_,
+                   {{0, 0, screen_.size().width, screen_.size().height}},
+                   screen_.animations(),
+                   &hub_,
+                   &events_} {
+  screen_.join(hub_);
+  hub_.add(reporter_);
+  if (arguments.personIsVirtual) hub_.add(person_);
+}
+
+CaptureFlow::~CaptureFlow() = default;
+
+void CaptureFlow::report(const FlowEvent& event) {
+  if (belongsInLog(event.kind)) events_.add(devices::nameOf(event.kind), fieldsOf(event));
+  if (progress_) progress_(loop_.now(), event);
+}
+
+void CaptureFlow::endAfterGrace(bool filmWasStopping) {
+  loop_.mainQueue().asyncAfter(kGraceAfterCamera, [this, filmWasStopping] {
+    const auto film = host_.film();
+    const bool filmStops = film && film->isStopping();
+    // The identification is over then, and its result hangs on the encoder alone.
+    if (filmStops || filmWasStopping) return endAfterGrace(filmStops);
+    end_.fail({"The camera's recording ended before the identification did.",
+               platform::FaultCause::recordingEnded});
+  });
+}
+
+void CaptureFlow::watchWorld() {
+  screen_.setOnClose([this] { end_.cancel(); });
+  media_->onEnd = [this] { endAfterGrace(); };
+  media_->onError = [this](const platform::Fault& fault) { end_.fail(fault); };
+  media_->onWarning = [this](const std::string& sentence) { warn(sentence); };
+  events_.add("devices", devicesToJson(UsedDevices::of(*media_)));
+  if (media_->microphone()) return;
+  warn("There is no microphone: the film will be silent and no word can be heard.");
+}
+
+void CaptureFlow::warn(const std::string& sentence) {
+  console_.print("WARNING: " + sentence);
+  events_.add("warning", {{"text", sentence}});
+}
+
+void CaptureFlow::eventsFailed(const platform::Fault& fault) {
+  if (end_.isThere() && end_.outcome()) console_.print("WARNING: " + fault.sentence);
+  end_.fail(fault);
+}
+
+bool CaptureFlow::hasEnded() {
+  if (signals_.arrived()) end_.cancel();
+  if (const auto fault = analyzer_->fault()) end_.fail(*fault);
+  return end_.isThere();
+}
+
+void CaptureFlow::start() {
+  corvana::SpeechRecognizer::options.contextualText = inputs_.text;
+  auto root = std::make_shared<platform::UIViewController>(environment_);
+  window_ = std::make_unique<platform::UIWindow>(root);
+  capture::videoIDCapture(*root, inputs_.reference.front, inputs_.reference.back, inputs_.text,
+                          [this](const Outcome& outcome) { end_.set(outcome); });
+  if (!root->presentedViewController()) {
+    end_.fail({"The capture screen could not be built from the program's resources."});
+  }
+}
+
+void CaptureFlow::close() {
+  screen_.setOnClose(nullptr);
+  media_->onEnd = nullptr;
+  media_->onError = nullptr;
+  media_->onWarning = nullptr;
+  window_.reset();
+  if (const auto film = host_.film()) {
+    bool closed = false;
+    film->abandon([&closed] { closed = true; });
+    loop_.runUntil([&closed] { return closed; }, loop_.now() + kLongestClosing);
+  }
+  loop_.shutDown();
+}
+
+RunRecord CaptureFlow::run() {
+  watchWorld();
+  start();
+  const auto limit = loop_.now() + platform::seconds(arguments_.maxDurationSeconds);
+  if (loop_.runUntil([this] { return hasEnded(); }, limit) !=
+      platform::DrivenLoop::Stop::condition) {
+    end_.fail({"The identification took longer than the allowed time of " +
+                   std::to_string(static_cast<long>(arguments_.maxDurationSeconds)) + " s.",
+               platform::FaultCause::timeLimit});
+  }
+  const bool succeeded = end_.outcome().has_value();
+  events_.add("end", {{"outcome", succeeded ? "result" : "error"}});
+  close();
+  RunRecord record{end_.outcome(), UsedDevices::of(*media_), {}, 0, {}, 1 + events_.retries()};
+  if (const auto film = host_.film()) {
+    record.recording = film->counters();
+    record.films = film->fileNames();
+  }
+  record.framesCaptured =
+      record.recording.videoFramesReceived + media_->framesDropped() + host_.framesDropped();
+  return record;
+}
+
+}  // namespace app

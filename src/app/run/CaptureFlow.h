@@ -1,0 +1,84 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/run/CaptureArguments.h"
+#include "app/run/CaptureInputs.h"
+#include "app/run/EventLog.h"
+#include "app/run/FlowEnd.h"
+#include "app/run/FlowScreen.h"
+#include "app/run/Resources.h"
+#include "app/run/SourceMediaDevices.h"
+#include "capture/Corvana+VideoCapture.h"
+#include "devices/film/FilmWriter.h"
+#include "devices/screen/DirectoryBundle.h"
+#include "devices/screen/FlowReporter.h"
+#include "devices/system/TerminalSystem.h"
+#include "devices/system/TerminationSignals.h"
+#include "engine/recorder/EngineHost.h"
+#include "platform/Environment.h"
+
+namespace app {
+
+/// The world of one run, from the entry to the closed film. While it lives, SIGINT and SIGTERM
+/// cancel it. Main thread; used once.
+class CaptureFlow {
+ public:
+  /// What the user would see, line by line; may be empty.
+  using Progress = std::function<void(platform::TimePoint now, const devices::FlowEvent& event)>;
+
+  CaptureFlow(const CaptureArguments& arguments, const CaptureInputs& inputs,
+              const Resources& resources, FlowStage& stage,
+              std::shared_ptr<devices::MediaSource> media,
+              std::shared_ptr<engine::FrameAnalyzer> analyzer, Progress progress);
+  ~CaptureFlow();
+
+  /// Runs to the end and closes film and events: every flow ends, with a result or an error.
+  RunRecord run();
+
+ private:
+  void start();
+  void watchWorld();
+  /// What has ended by itself or by a signal.
+  bool hasEnded();
+  /// A line of events that is missing spoils the evidence.
+  void eventsFailed(const platform::Fault& fault);
+  /// Tells the terminal and the record of the run, not the person before a window.
+  void warn(const std::string& sentence);
+  /// After the camera's end; a film that is being stopped is waited for.
+  void endAfterGrace(bool filmWasStopping = false);
+  void close();
+  void report(const devices::FlowEvent& event);
+
+  const CaptureArguments& arguments_;
+  const CaptureInputs& inputs_;
+  platform::DrivenLoop& loop_;
+  FlowScreen& screen_;
+  std::shared_ptr<devices::MediaSource> media_;
+  std::shared_ptr<engine::FrameAnalyzer> analyzer_;
+  Progress progress_;
+  FlowEnd end_;
+  devices::TerminationSignals signals_;
+
+  EventLog events_;
+  devices::FlowReporter reporter_;
+  devices::HeadlessPerson person_;
+  devices::ScreenHub hub_;
+  platform::NotificationCenter notificationCenter_;
+  devices::StreamConsole console_;
+  devices::NoSettingsApplication application_;
+  SourceMediaDevices sourceDevices_;
+  std::unique_ptr<platform::MediaDevices> watchedDevices_;
+  platform::MediaDevices& mediaDevices_;
+  LocalSpeechAuthorization speechAuthorization_;
+  devices::ReportingSystemSounds sounds_;
+  devices::DirectoryBundle bundle_;
+  devices::FilmWriterFactory films_;
+  engine::EngineHost host_;
+  platform::Environment environment_;
+  std::unique_ptr<platform::UIWindow> window_;
+};
+
+}  // namespace app

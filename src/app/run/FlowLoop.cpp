@@ -1,0 +1,13 @@
+#include "app/run/FlowLoop.h"
+
+#include "devices/system/RealRunLoop.h"
+#include "platform/foundation/VirtualRunLoop.h"
+
+namespace app {
+
+std::unique_ptr<platform::DrivenLoop> makeLoop(TimeKind kind) {
+  if (kind == TimeKind::real) return std::make_unique<devices::RealRunLoop>();
+  return std::make_unique<platform::VirtualRunLoop>();
+}
+
+}  // namespace app

@@ -1,0 +1,182 @@
+#include "app/run/Reference.h"
+
+#include "devices/pictures/ImageFile.h"
+
+namespace app {
+namespace {
+
+namespace fs = std::filesystem;
+using corvana::DetectedData;
+using corvana::DocumentSide;
+using corvana::MRZResult;
+using nlohmann::json;
+
+constexpr int kFormatVersion = 1;
+constexpr std::uint64_t kMaxReferenceBytes = 1 << 20;
+
+/// A field of the file has another shape than ours; caught where the file is read.
+struct WrongShape {
+  std::string key;
+};
+
+struct MrzField {
+  const char* key;
+  std::string MRZResult::*field;
+};
+
+constexpr MrzField kMrzFields[] = {
+    {"documentCode", &MRZResult::documentCode},
+    {"issuingState", &MRZResult::issuingState},
+    {"documentNumber", &MRZResult::documentNumber},
+    {"birthDate", &MRZResult::birthDate},
+    {"sex", &MRZResult::sex},
+    {"expiryDate", &MRZResult::expiryDate},
+    {"nationality", &MRZResult::nationality},
+    {"surname", &MRZResult::surname},
+    {"givenNames", &MRZResult::givenNames},
+};
+
+struct FlagField {
+  const char* key;
+  bool DetectedData::*field;
+};
+
+constexpr FlagField kFlagFields[] = {
+    {"isPhotoPresent", &DetectedData::isPhotoPresent},
+    {"shouldHavePhoto", &DetectedData::shouldHavePhoto},
+    {"shouldHaveMrz", &DetectedData::shouldHaveMrz},
+    {"shouldHaveBarcode", &DetectedData::shouldHaveBarcode},
+};
+
+json mrzToJson(const MRZResult& mrz) {
+  json object = {{"lines", mrz.lines}};
+  for (const MrzField& field : kMrzFields)
+    object[field.key] = mrz.*field.field;
+  return object;
+}
+
+Expected<json> sideToJson(const DetectedData& data, const std::string& name,
+                          const fs::path& folder) {
+  json object = json::object();
+  if (data.type) object["type"] = *data.type;
+  if (data.side) object["side"] = *data.side == DocumentSide::front ? "front" : "back";
+  if (data.ocrStrings) object["ocrStrings"] = *data.ocrStrings;
+  if (data.mrz) object["mrz"] = mrzToJson(*data.mrz);
+  if (data.barcode) object["barcode"] = *data.barcode;
+  for (const FlagField& field : kFlagFields)
+    object[field.key] = data.*field.field;
+  const std::pair<const char*, platform::UIImageRef> images[] = {{"faceImage", data.faceImage},
+                                                                 {"image", data.image}};
+  for (const auto& [key, image] : images) {
+    if (!image || !image->pixels()) continue;
+    const std::string file = name + "-" + key + ".png";
+    if (auto written = devices::writePng(folder / file, *image->pixels()); !written) {
+      return tl::unexpected(written.error());
+    }
+    object[key] = file;
+  }
+  return object;
+}
+
+template <class Value>
+Value get(const json& object, const char* key) {
+  const auto entry = object.find(key);
+  if (entry == object.end()) throw WrongShape{key};
+  try {
+    return entry->get<Value>();
+  } catch (const json::exception&) {
+    throw WrongShape{key};
+  }
+}
+
+template <class Value>
+std::optional<Value> getOptional(const json& object, const char* key) {
+  if (!object.contains(key)) return {};
+  return get<Value>(object, key);
+}
+
+MRZResult mrzFromJson(const json& object) {
+  MRZResult mrz;
+  mrz.lines = get<std::vector<std::string>>(object, "lines");
+  for (const MrzField& field : kMrzFields)
+    mrz.*field.field = get<std::string>(object, field.key);
+  return mrz;
+}
+
+Expected<platform::UIImageRef> imageFromJson(const json& object, const char* key,
+                                             const fs::path& folder) {
+  const auto name = getOptional<std::string>(object, key);
+  if (!name) return nullptr;
+  if (fs::path(*name).filename() != *name || name->empty() || *name == "..") throw WrongShape{key};
+  auto pixels = devices::readImage(folder / *name);
+  if (!pixels) {
+    return tl::unexpected("The reference lacks a picture: " + pixels.error() +
+                          " Enroll the card again.");
+  }
+  return std::make_shared<platform::UIImage>(*pixels);
+}
+
+Expected<DetectedData> sideFromJson(const json& object, const fs::path& folder) {
+  DetectedData data;
+  data.type = getOptional<std::string>(object, "type");
+  if (const auto side = getOptional<std::string>(object, "side")) {
+    if (*side != "front" && *side != "back") throw WrongShape{"side"};
+    data.side = *side == "front" ? DocumentSide::front : DocumentSide::back;
+  }
+  data.ocrStrings = getOptional<std::vector<std::string>>(object, "ocrStrings");
+  if (object.contains("mrz")) data.mrz = mrzFromJson(object["mrz"]);
+  data.barcode = getOptional<std::map<std::string, std::string>>(object, "barcode");
+  for (const FlagField& field : kFlagFields)
+    data.*field.field = get<bool>(object, field.key);
+  const std::pair<const char*, platform::UIImageRef DetectedData::*> images[] = {
+      {"faceImage", &DetectedData::faceImage}, {"image", &DetectedData::image}};
+  for (const auto& [key, field] : images) {
+    auto image = imageFromJson(object, key, folder);
+    if (!image) return tl::unexpected(image.error());
+    data.*field = *image;
+  }
+  return data;
+}
+
+}  // namespace
+
+Expected<void> saveReference(const Reference& reference, const fs::path& folder) {
+  json object = {{"formatVersion", kFormatVersion}};
+  auto front = sideToJson(reference.front, "front", folder);
+  if (!front) return tl::unexpected(front.error());
+  object["front"] = std::move(*front);
+  if (reference.back) {
+    auto back = sideToJson(*reference.back, "back", folder);
+    if (!back) return tl::unexpected(back.error());
+    object["back"] = std::move(*back);
+  }
+  return writeFile(folder / kReferenceFileName, object.dump(2) + "\n");
+}
+
+Expected<Reference> loadReference(const fs::path& folder) {
+  const fs::path path = folder / kReferenceFileName;
+  const auto text = readFile(path, kMaxReferenceBytes);
+  if (!text) {
+    return tl::unexpected(text.error() + " A reference is made with `videoid enroll`.");
+  }
+  const auto object = parseJson(*text, path.string());
+  if (!object) return tl::unexpected(object.error());
+  try {
+    if (get<int>(*object, "formatVersion") != kFormatVersion) throw WrongShape{"formatVersion"};
+    Reference reference;
+    auto front = sideFromJson(get<json>(*object, "front"), folder);
+    if (!front) return tl::unexpected(front.error());
+    reference.front = std::move(*front);
+    if (!object->contains("back")) return reference;
+    auto back = sideFromJson((*object)["back"], folder);
+    if (!back) return tl::unexpected(back.error());
+    reference.back = std::move(*back);
+    return reference;
+  } catch (const WrongShape& fault) {
+    return tl::unexpected("The reference \"" + path.string() +
+                          "\" has another shape than this program's: look at \"" + fault.key +
+                          "\", or enroll the card again.");
+  }
+}
+
+}  // namespace app

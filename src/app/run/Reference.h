@@ -1,0 +1,26 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+
+#include "app/run/Files.h"
+#include "corvana/DetectedData.h"
+
+namespace app {
+
+/// An earlier capture of a card, kept in a folder: reference.json and the pictures that it names.
+/// docs/reference.schema.json gives its shape.
+struct Reference {
+  corvana::DetectedData front;
+  std::optional<corvana::DetectedData> back;
+};
+
+inline constexpr const char* kReferenceFileName = "reference.json";
+
+/// Writes a reference into an empty folder.
+Expected<void> saveReference(const Reference& reference, const std::filesystem::path& folder);
+
+/// Refuses other shapes, other versions, missing pictures, and names that lead out of the folder.
+Expected<Reference> loadReference(const std::filesystem::path& folder);
+
+}  // namespace app

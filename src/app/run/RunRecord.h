@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+#include <tl/expected.hpp>
+
+#include "app/run/Files.h"
+#include "app/run/Resources.h"
+#include "capture/Corvana+VideoCapture.h"
+#include "corvana/IDError.h"
+#include "devices/film/MediaSource.h"
+#include "platform/media/AssetWriter.h"
+
+namespace app {
+
+using Outcome = tl::expected<capture::VideoIdResult, corvana::IDError>;
+
+/// What a run was recorded with. A film from a virtual camera proves nothing.
+struct UsedDevices {
+  struct Device {
+    std::string name;
+    bool isVirtual = false;
+  };
+  Device camera;
+  std::optional<Device> microphone;
+
+  static UsedDevices of(const devices::MediaSource& media);
+};
+
+/// The fields `camera` and `microphone` (null when there is none).
+nlohmann::ordered_json devicesToJson(const UsedDevices& devices);
+
+/// What a run leaves in its folder beside the film: the selfie and result.json, whose hashes bind
+/// the files together. docs/result.schema.json gives its shape.
+struct RunRecord {
+  Outcome outcome;
+  UsedDevices devices;
+  platform::AssetWriterCounters recording;  ///< as `engine::Film` counts
+  /// What the camera took while a film was open, in the films or not.
+  std::uint64_t framesCaptured = 0;
+  std::vector<std::string> films;  ///< names of files that may be there
+  int runs = 1;                    ///< how often the flow began: once more than it was retried
+};
+
+inline constexpr const char* kResultFileName = "result.json";
+inline constexpr const char* kSelfieFileName = "selfie.png";
+
+/// What is in result.json, or would be.
+struct WrittenRecord {
+  nlohmann::ordered_json content;
+  std::string fault;  ///< why a file could not be written; empty when all are
+};
+
+/// Writes the selfie and result.json, and blocks until the whole folder is on the disk. The film
+/// and the events must be closed.
+WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources,
+                             const std::filesystem::path& folder);
+
+/// Compares the files of a run's folder with the hashes in its result.json; the names of the files
+/// that are as they were. The error names the first that differs or is missing.
+Expected<std::vector<std::string>> verifyRun(const std::filesystem::path& folder);
+
+}  // namespace app

@@ -1,0 +1,162 @@
+#include "app/settings/OptionTable.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <functional>
+#include <string>
+#include <type_traits>
+
+#include "corvana/IDCapture.h"
+#include "corvana/SelfieCapture.h"
+#include "corvana/VideoCapture.h"
+
+namespace app {
+namespace {
+
+using corvana::IDCapture;
+using corvana::SelfieCapture;
+using corvana::VideoCapture;
+using nlohmann::json;
+
+struct Row {
+  std::string key;
+  std::string unit;
+  double lowest;
+  double highest;
+  std::string meaning;
+  json defaultValue;
+  std::function<json()> get;
+  /// False when the value has the wrong type or lies outside the range.
+  std::function<bool(const json&)> set;
+};
+
+template <class Value>
+bool fits(const json& value, double lowest, double highest) {
+  if constexpr (std::is_same_v<Value, bool>) return value.is_boolean();
+  if (!value.is_number() || (std::is_integral_v<Value> && !value.is_number_integer())) return false;
+  const double number = value.get<double>();
+  return std::isfinite(number) && number >= lowest && number <= highest;
+}
+
+template <class Value>
+json toJson(Value value) {
+  // A float printed as a double would show digits that nobody wrote.
+  if constexpr (std::is_same_v<Value, float>) {
+    std::array<char, 32> digits{};
+    const auto end = std::to_chars(digits.begin(), digits.end(), value).ptr;
+    return std::stod(std::string(digits.begin(), end));
+  }
+  return value;
+}
+
+template <class Table, class Value>
+Row row(Table& table, Value Table::*field, std::string key, std::string unit, double lowest,
+        double highest, std::string meaning) {
+  return {std::move(key),
+          std::move(unit),
+          lowest,
+          highest,
+          std::move(meaning),
+          toJson(Table{}.*field),
+          [&table, field] { return toJson(table.*field); },
+          [&table, field, lowest, highest](const json& value) {
+            if (!fits<Value>(value, lowest, highest)) return false;
+            table.*field = value.get<Value>();
+            return true;
+          }};
+}
+
+const std::vector<Row>& rows() {
+  using VideoOptions = VideoCapture::Options;
+  static const std::vector<Row> table = {
+      row(VideoCapture::options, &VideoOptions::idToSelfieMatchThreshold,
+          "videoCapture.idToSelfieMatchThreshold", "distance", 0, 2,
+          "greatest distance of the unit-length face embeddings at which the live face is the one "
+          "on the card"),
+      row(VideoCapture::options, &VideoOptions::idToIdPhotoMatchThreshold,
+          "videoCapture.idToIdPhotoMatchThreshold", "distance", 0, 2,
+          "the same for the photo on the card in the film and on the card captured earlier"),
+      row(VideoCapture::options, &VideoOptions::frontLevenshteinThreshold,
+          "videoCapture.frontLevenshteinThreshold", "share", 0, 1,
+          "greatest share of characters that may differ between two readings of the front"),
+      row(VideoCapture::options, &VideoOptions::backLevenshteinThreshold,
+          "videoCapture.backLevenshteinThreshold", "share", 0, 1,
+          "the same for a back without a machine-readable zone"),
+      row(VideoCapture::options, &VideoOptions::readTextCountdownSeconds,
+          "videoCapture.readTextCountdownSeconds", "s", 0, 600, "time to read the text aloud"),
+      row(VideoCapture::options, &VideoOptions::readTextWordMatchThreshold,
+          "videoCapture.readTextWordMatchThreshold", "share", 0, 10,
+          "least share of the text's words that must be heard; above 1 is possible, since several "
+          "heard words may lie in one written word"),
+      row(VideoCapture::options, &VideoOptions::liveFaceLostSeconds,
+          "videoCapture.liveFaceLostSeconds", "s", 0.2, 60,
+          "how long the live face may be out of sight after the selfie was accepted"),
+      row(VideoCapture::options, &VideoOptions::isDebugMode, "videoCapture.isDebugMode", "", 0, 0,
+          "show raw measurements over the picture and mark the words heard"),
+      row(SelfieCapture::options, &SelfieCapture::Options::timeOutSeconds,
+          "selfieCapture.timeOutSeconds", "s", 1, 3600,
+          "time from the start of a run to an accepted selfie"),
+      row(SelfieCapture::options, &SelfieCapture::Options::capture4K, "selfieCapture.capture4K", "",
+          0, 0, "analyse the camera picture at full size instead of at most 1280 pixels a side"),
+      row(IDCapture::options, &IDCapture::Options::timeOutSeconds, "idCapture.timeOutSeconds", "s",
+          1, 3600, "time from the accepted selfie to the last accepted side of the card"),
+      row(IDCapture::options, &IDCapture::Options::capture4K, "idCapture.capture4K", "", 0, 0,
+          "analyse the camera picture at full size instead of at most 1280 pixels a side"),
+  };
+  return table;
+}
+
+const Row* find(const std::string& key) {
+  for (const Row& candidate : rows()) {
+    if (candidate.key == key) return &candidate;
+  }
+  return nullptr;
+}
+
+std::string rangeOf(const Row& option) {
+  if (option.defaultValue.is_boolean()) return "true or false";
+  const std::string kind = option.defaultValue.is_number_integer() ? "a whole number" : "a number";
+  return kind + " from " + json(option.lowest).dump() + " to " + json(option.highest).dump();
+}
+
+}  // namespace
+
+std::vector<OptionInfo> listOptions() {
+  std::vector<OptionInfo> options;
+  for (const Row& option : rows()) {
+    options.push_back({option.key, option.unit, option.meaning, option.defaultValue, option.get()});
+  }
+  return options;
+}
+
+tl::expected<void, std::string> applyOptions(const json& object) {
+  if (!object.is_object()) {
+    return tl::unexpected(std::string("The options must be a JSON object of keys and values."));
+  }
+  const json before = currentOptions();
+  for (const auto& [key, value] : object.items()) {
+    const Row* option = find(key);
+    std::string problem;
+    if (!option) {
+      problem = "There is no option \"" + key + "\"; `videoid options --print` lists them all.";
+    } else if (!option->set(value)) {
+      problem = "The option \"" + key + "\" must be " + rangeOf(*option) + ", not " +
+                value.dump(-1, ' ', true, json::error_handler_t::replace) + ".";
+    }
+    if (problem.empty()) continue;
+    for (const auto& [name, old] : before.items())
+      find(name)->set(old);
+    return tl::unexpected(problem);
+  }
+  return {};
+}
+
+json currentOptions() {
+  json object = json::object();
+  for (const Row& option : rows())
+    object[option.key] = option.get();
+  return object;
+}
+
+}  // namespace app

@@ -1,0 +1,126 @@
+#include "app/simulate/ScreensCommand.h"
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+#include <sstream>
+
+#include "app/run/FlowScreen.h"
+#include "app/settings/OptionTable.h"
+#include "app/simulate/SimulateScript.h"
+#include "app/simulate/Simulation.h"
+#include "corvana/VideoCapture.h"
+
+namespace app {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The host's tables as they are before anything is set.
+void resetTables() {
+  corvana::SelfieCapture::strings = {};
+  corvana::SelfieCapture::colors = {};
+  corvana::SelfieCapture::fonts = {};
+  corvana::SelfieCapture::images = {};
+  corvana::SelfieCapture::layout = {};
+  corvana::IDCapture::strings = {};
+  corvana::IDCapture::colors = {};
+  corvana::IDCapture::fonts = {};
+  corvana::IDCapture::images = {};
+  corvana::IDCapture::layout = {};
+  corvana::VideoCapture::strings = {};
+  corvana::VideoCapture::options = {};
+}
+
+std::vector<fs::path> flowsIn(const Resources& resources) {
+  std::vector<fs::path> flows;
+  std::error_code error;
+  for (const auto& entry : fs::directory_iterator(resources.storyboards / "flows", error)) {
+    if (entry.path().extension() == ".json") flows.push_back(entry.path());
+  }
+  std::ranges::sort(flows);
+  return flows;
+}
+
+/// One theme at one size.
+struct Gallery {
+  const ScreensOptions& options;
+  fs::path theme;
+  platform::CGSize size;
+  std::ostream& out;
+
+  fs::path fileFor(const std::string& state) const {
+    std::ostringstream name;
+    name << theme.stem().string() << '-' << size.width << 'x' << size.height << '-' << state
+         << ".png";
+    return options.folder / name.str();
+  }
+
+  Expected<void> play(const fs::path& flow) const {
+    const Resources& resources = options.resources;
+    resetTables();
+    WindowWishes wishes;
+    wishes.size = size;
+    if (auto dressed = applyLooks({true, options.language, theme}, resources, wishes.looks);
+        !dressed) {
+      return dressed;
+    }
+    auto script = loadSimulateScript(flow);
+    if (!script) return tl::unexpected(script.error());
+    if (auto applied = applyOptions(script->options); !applied) return applied;
+    std::ostringstream unread;
+    Simulation simulation(std::move(*script), resources.module, unread, [&](auto& loop) {
+      return makePictureScreen(loop, wishes, resources,
+                               resources.storyboards / "flows" / "person.svg");
+    });
+    Expected<void> saved;
+    simulation.onPicture = [&](FlowScreen& screen, const std::string& state) {
+      const fs::path file = fileFor(state);
+      if (screen.savePicture(file)) {
+        out << file.string() << '\n';
+      } else {
+        saved = tl::unexpected("The picture \"" + file.string() +
+                               "\" can't be written; name another folder.");
+      }
+    };
+    if (auto played = simulation.run(); !played) return tl::unexpected(played.error());
+    return saved;
+  }
+};
+
+}  // namespace
+
+ExitCode runScreens(const ScreensOptions& options, std::ostream& out, std::ostream& err) {
+  std::error_code error;
+  fs::create_directories(options.folder, error);
+  std::vector<fs::path> themes = options.themes;
+  if (themes.empty()) {
+    const fs::path folder = options.resources.storyboards / "themes";
+    themes = {folder / "standard.json", folder / "daylight.json"};
+  }
+  for (const fs::path& theme : themes) {
+    for (const platform::CGSize& size : options.sizes) {
+      for (const fs::path& flow : flowsIn(options.resources)) {
+        const auto played = Gallery{options, theme, size, out}.play(flow);
+        if (!played) return complain(err, ExitCode::wrongUse, played.error());
+      }
+    }
+  }
+  return ExitCode::result;
+}
+
+void addScreensCommand(CLI::App& app, ExitCode& exitCode) {
+  auto options = std::make_shared<ScreensOptions>();
+  CLI::App& command = *app.add_subcommand(
+      "screens", "Take a picture of every state of the flow, at three sizes and in two themes");
+  command.add_option("--out", options->folder, "folder for the pictures")->required();
+  command.add_option("--theme", options->themes,
+                     "JSON file of a theme in place of the two; see docs/screen.md");
+  command.add_option("--language", options->language, "ar, de, en (default), es or fr");
+  command.callback([options, &exitCode] {
+    options->resources = findResources();
+    exitCode = runScreens(*options, std::cout, std::cerr);
+  });
+}
+
+}  // namespace app
