@@ -5,7 +5,7 @@ include(CMakePackageConfigHelpers)
 set(CORVANA_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/CorvanaVideoID)
 set(CORVANA_RESOURCES_DIR ${CMAKE_INSTALL_DATADIR}/corvana-videoid)
 
-install(TARGETS platform corvana capture devices_headless devices_qtquick devices_screen devices_scripted devices_system
+install(TARGETS platform corvana inference capture devices_headless devices_qtquick devices_screen devices_scripted devices_system
         EXPORT CorvanaVideoIDTargets
         ARCHIVE COMPONENT library)
 foreach(folder platform corvana devices/headless devices/qtquick devices/screen devices/scripted devices/system)

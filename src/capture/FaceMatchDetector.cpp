@@ -2,10 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdarg>
 #include <numeric>
-
-#include <tensorflow/lite/c/c_api.h>
 
 namespace capture {
 namespace {
@@ -16,9 +13,6 @@ constexpr int kThreadCount = 1;
 constexpr platform::CGSize kModelInputSize{160, 160};
 /// Keeps an all-zero embedding from being divided by zero.
 constexpr double kLeastSquareSum = 1e-10;
-
-/// The library's own messages would go to standard error past the console.
-void discardMessage(void*, const char*, va_list) {}
 
 std::vector<float> unitLength(const std::vector<double>& embedding) {
   double squareSum = 0;
@@ -32,90 +26,42 @@ std::vector<float> unitLength(const std::vector<double>& embedding) {
   return result;
 }
 
+std::string loadSentence(const std::filesystem::path& model, inference::LoadFault fault) {
+  const std::string name = "The face model " + model.filename().string();
+  return fault == inference::LoadFault::notAModel
+             ? name + " is not a TensorFlow Lite model."
+             : name + " needs what this TensorFlow Lite does not offer.";
+}
+
+tl::expected<void, std::string> fillInput(inference::Interpreter& interpreter,
+                                          std::span<const std::uint8_t> bytes) {
+  const auto input = interpreter.input(0);
+  if (!input) return tl::unexpected<std::string>("The face model has no input.");
+  if (input->byteSize() != bytes.size()) {
+    return tl::unexpected("The face model's input takes " + std::to_string(input->byteSize()) +
+                          " bytes, but the picture has " + std::to_string(bytes.size()) + ".");
+  }
+  if (!interpreter.copyToInput(0, bytes)) {
+    return tl::unexpected<std::string>("The face model's input could not be filled.");
+  }
+  return {};
+}
+
+tl::expected<void, std::string> run(inference::Interpreter& interpreter) {
+  if (interpreter.invoke()) return {};
+  return tl::unexpected<std::string>("The face model could not be run.");
+}
+
+tl::expected<std::span<const std::uint8_t>, std::string> readOutput(
+    const inference::Interpreter& interpreter) {
+  const auto output = interpreter.output(0);
+  if (!output || (output->data() == nullptr && output->byteSize() > 0)) {
+    return tl::unexpected<std::string>("The face model's output could not be read.");
+  }
+  return std::span(static_cast<const std::uint8_t*>(output->data()), output->byteSize());
+}
+
 }  // namespace
-
-/// One instance of the network, with its own tensors.
-class FaceMatchDetector::Interpreter {
- public:
-  static Expected<std::unique_ptr<Interpreter>> make(const std::filesystem::path& path) {
-    std::unique_ptr<Interpreter> self(new Interpreter);
-    self->model_.reset(
-        TfLiteModelCreateFromFileWithErrorReporter(path.c_str(), discardMessage, nullptr));
-    if (!self->model_) {
-      return tl::unexpected("The face model " + path.filename().string() +
-                            " is not a TensorFlow Lite model.");
-    }
-    const std::unique_ptr<TfLiteInterpreterOptions, decltype(&TfLiteInterpreterOptionsDelete)>
-        options(TfLiteInterpreterOptionsCreate(), TfLiteInterpreterOptionsDelete);
-    TfLiteInterpreterOptionsSetNumThreads(options.get(), kThreadCount);
-    TfLiteInterpreterOptionsSetErrorReporter(options.get(), discardMessage, nullptr);
-    self->interpreter_.reset(TfLiteInterpreterCreate(self->model_.get(), options.get()));
-    if (!self->interpreter_) {
-      return tl::unexpected("The face model " + path.filename().string() +
-                            " needs what this TensorFlow Lite does not offer.");
-    }
-    return self;
-  }
-
-  Expected<void> allocateTensors() {
-    if (TfLiteInterpreterAllocateTensors(interpreter_.get()) != kTfLiteOk) {
-      return tl::unexpected<std::string>("The face model's tensors could not be allocated.");
-    }
-    allocated_ = true;
-    return {};
-  }
-
-  Expected<void> copyToInput(std::span<const std::uint8_t> bytes) {
-    TfLiteTensor* input = inputTensor();
-    if (!input) return tl::unexpected<std::string>("The face model has no input.");
-    const std::size_t wanted = TfLiteTensorByteSize(input);
-    if (wanted != bytes.size()) {
-      return tl::unexpected("The face model's input takes " + std::to_string(wanted) +
-                            " bytes, but the picture has " + std::to_string(bytes.size()) + ".");
-    }
-    if (TfLiteTensorCopyFromBuffer(input, bytes.data(), bytes.size()) != kTfLiteOk) {
-      return tl::unexpected<std::string>("The face model's input could not be filled.");
-    }
-    return {};
-  }
-
-  Expected<void> invoke() {
-    if (TfLiteInterpreterInvoke(interpreter_.get()) != kTfLiteOk) {
-      return tl::unexpected<std::string>("The face model could not be run.");
-    }
-    return {};
-  }
-
-  Expected<std::span<const std::uint8_t>> output() const {
-    const TfLiteTensor* tensor = TfLiteInterpreterGetOutputTensorCount(interpreter_.get()) > 0
-                                     ? TfLiteInterpreterGetOutputTensor(interpreter_.get(), 0)
-                                     : nullptr;
-    const void* data = tensor ? TfLiteTensorData(tensor) : nullptr;
-    const std::size_t size = tensor ? TfLiteTensorByteSize(tensor) : 0;
-    if (!tensor || (!data && size > 0)) {
-      return tl::unexpected<std::string>("The face model's output could not be read.");
-    }
-    return std::span(static_cast<const std::uint8_t*>(data), size);
-  }
-
- private:
-  struct Delete {
-    void operator()(TfLiteModel* model) const { TfLiteModelDelete(model); }
-    void operator()(TfLiteInterpreter* interpreter) const { TfLiteInterpreterDelete(interpreter); }
-  };
-
-  Interpreter() = default;
-
-  /// Null also while the tensors are not allocated: they have no memory to copy to.
-  TfLiteTensor* inputTensor() {
-    if (!allocated_ || TfLiteInterpreterGetInputTensorCount(interpreter_.get()) < 1) return nullptr;
-    return TfLiteInterpreterGetInputTensor(interpreter_.get(), 0);
-  }
-
-  std::unique_ptr<TfLiteModel, Delete> model_;  // outlives the interpreter that uses it
-  std::unique_ptr<TfLiteInterpreter, Delete> interpreter_;
-  bool allocated_ = false;
-};
 
 FaceMatchDetector::FaceMatchDetector(const platform::Bundle& bundle, platform::Console& console)
     : console_(console) {
@@ -126,19 +72,18 @@ FaceMatchDetector::FaceMatchDetector(const platform::Bundle& bundle, platform::C
   }
 }
 
-FaceMatchDetector::~FaceMatchDetector() = default;
-
 FaceMatchDetector::Expected<void> FaceMatchDetector::load(const std::filesystem::path& model) {
   if (auto first = load(model, interpreter1_); !first) return first;
   return load(model, interpreter2_);
 }
 
-FaceMatchDetector::Expected<void> FaceMatchDetector::load(
-    const std::filesystem::path& model, std::unique_ptr<Interpreter>& interpreter) {
-  auto made = Interpreter::make(model);
-  if (!made) return tl::unexpected(made.error());
-  interpreter = std::move(*made);
-  return interpreter->allocateTensors();
+FaceMatchDetector::Expected<void> FaceMatchDetector::load(const std::filesystem::path& model,
+                                                          std::optional<Interpreter>& interpreter) {
+  auto loaded = Interpreter::load(model, kThreadCount, inference::Runtime::plain);
+  if (!loaded) return tl::unexpected(loadSentence(model, loaded.error()));
+  interpreter = std::move(*loaded);
+  if (interpreter->allocateTensors()) return {};
+  return tl::unexpected<std::string>("The face model's tensors could not be allocated.");
 }
 
 std::optional<FaceMatchDetector::Bytes> FaceMatchDetector::scaled(
@@ -168,8 +113,8 @@ std::optional<FaceMatchDetector::Embedding> FaceMatchDetector::embedding(
     Interpreter& interpreter, std::span<const float> input) const {
   const std::span bytes(reinterpret_cast<const std::uint8_t*>(input.data()), input.size_bytes());
   const auto output =
-      interpreter.copyToInput(bytes).and_then([&] { return interpreter.invoke(); }).and_then([&] {
-        return interpreter.output();
+      fillInput(interpreter, bytes).and_then([&] { return run(interpreter); }).and_then([&] {
+        return readOutput(interpreter);
       });
   if (!output) {
     console_.print("ERROR detecting face match: " + output.error());

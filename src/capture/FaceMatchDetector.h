@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -11,6 +10,7 @@
 #include <tl/expected.hpp>
 
 #include "corvana/ImageData.h"
+#include "inference/Interpreter.h"
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Console.h"
 
@@ -28,7 +28,6 @@ struct FaceMatchResult {
 class FaceMatchDetector {
  public:
   FaceMatchDetector(const platform::Bundle& bundle, platform::Console& console);
-  ~FaceMatchDetector();
 
   /// Matched when the distance is at most `faceMatchMax`. Absent when no comparison could be made,
   /// which is not the same as no match.
@@ -39,15 +38,15 @@ class FaceMatchDetector {
  private:
   friend struct FaceMatchDetectorProbe;  // lets a test look at an embedding
 
-  class Interpreter;
+  using Interpreter = inference::Interpreter;
   using Bytes = std::vector<std::uint8_t>;
   using Embedding = std::vector<double>;
   template <class T>
   using Expected = tl::expected<T, std::string>;  // the error is a sentence
 
   Expected<void> load(const std::filesystem::path& model);
-  Expected<void> load(const std::filesystem::path& model,
-                      std::unique_ptr<Interpreter>& interpreter);
+  static Expected<void> load(const std::filesystem::path& model,
+                             std::optional<Interpreter>& interpreter);
   std::optional<Bytes> scaled(const platform::UIImageRef& image) const;
   static std::optional<std::vector<float>> preprocess(std::span<const std::uint8_t> data);
   /// Absent, with a line on the console unless the output is no list of floats.
@@ -56,8 +55,8 @@ class FaceMatchDetector {
 
   platform::Console& console_;
   // Each picture of a comparison has an interpreter, and so tensors, of its own.
-  std::unique_ptr<Interpreter> interpreter1_;
-  std::unique_ptr<Interpreter> interpreter2_;
+  std::optional<Interpreter> interpreter1_;
+  std::optional<Interpreter> interpreter2_;
   corvana::MetalBilinearScaler scaler_;
 };
 

@@ -32,8 +32,8 @@ Finding model(const fs::path& path, const tl::expected<Model, corvana::IDError>&
 }
 
 Finding embeddingModel(const fs::path& path) {
-  using Model = engine::TfliteModel;
-  return model(path, Model::load(path, {{1, 160, 160, 3}, {std::nullopt}}, Model::Runtime::plain));
+  return model(path, engine::TfliteModel::load(path, {{1, 160, 160, 3}, {std::nullopt}},
+                                               inference::Runtime::plain));
 }
 
 Finding anyFile(const std::string& what, const std::vector<fs::path>& candidates,

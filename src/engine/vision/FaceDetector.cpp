@@ -133,9 +133,8 @@ std::vector<Face> settled(Looker& looker, std::vector<Face> found) {
 
 tl::expected<FaceDetector, corvana::IDError> FaceDetector::load(
     const std::filesystem::path& model) {
-  return TfliteModel::load(model, blazeface::shapes()).map([](TfliteModel&& loaded) {
-    return FaceDetector(std::move(loaded));
-  });
+  return TfliteModel::load(model, blazeface::shapes(), inference::Runtime::xnnpack)
+      .map([](TfliteModel&& loaded) { return FaceDetector(std::move(loaded)); });
 }
 
 std::vector<Face> FaceDetector::detect(const platform::PixelBuffer& picture, Search search) {

@@ -137,9 +137,8 @@ HeadPose headPose(const FaceMesh& mesh) {
 tl::expected<FaceLandmarks, corvana::IDError> FaceLandmarks::load(
     const std::filesystem::path& model) {
   const TfliteModel::Shapes shapes{{1, kInputSide, kInputSide, 3}, {3 * kFaceMeshPoints, 1}};
-  return TfliteModel::load(model, shapes).map([](TfliteModel&& loaded) {
-    return FaceLandmarks(std::move(loaded));
-  });
+  return TfliteModel::load(model, shapes, inference::Runtime::xnnpack)
+      .map([](TfliteModel&& loaded) { return FaceLandmarks(std::move(loaded)); });
 }
 
 FaceDetails FaceLandmarks::locate(const platform::PixelBuffer& picture, const Face& face) {

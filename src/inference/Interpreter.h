@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include <tl/expected.hpp>
+
+struct TfLiteDelegate;
+struct TfLiteInterpreter;
+struct TfLiteModel;
+struct TfLiteTensor;
+
+namespace inference {
+
+/// What computes a network.
+enum class Runtime {
+  plain,    ///< built-in kernels, nothing delegated
+  xnnpack,  ///< the XNNPACK delegate: about ten times as fast on convolutions
+};
+
+/// Why a file gives no interpreter.
+enum class LoadFault {
+  notAModel,     ///< the file is missing, or no TensorFlow Lite model
+  notSupported,  ///< the network needs what this library does not offer
+};
+
+/// An input or output of a network; valid as long as its interpreter.
+class Tensor {
+ public:
+  explicit Tensor(const TfLiteTensor* tensor) : tensor_(tensor) {}
+
+  bool isFloat() const;
+  std::vector<int> shape() const;
+  std::size_t byteSize() const;
+  /// Null when it has no memory.
+  void* data() const;
+
+ private:
+  const TfLiteTensor* tensor_;
+};
+
+/// One instance of a network, with tensors of its own. It only wraps the library's calls: what a
+/// network must look like, and what a failure means, its user knows. Movable; use it from one
+/// thread at a time.
+class Interpreter {
+ public:
+  /// `threads` is how many the library may compute with.
+  static tl::expected<Interpreter, LoadFault> load(const std::filesystem::path& file, int threads,
+                                                   Runtime runtime);
+
+  /// Gives the tensors their memory; false when that fails.
+  bool allocateTensors();
+  int inputCount() const;
+  int outputCount() const;
+  /// Absent when there is no such input or output, or the tensors are not allocated.
+  std::optional<Tensor> input(int index) const;
+  std::optional<Tensor> output(int index) const;
+  /// Fills an input with as many bytes as it takes; false when it can't be filled.
+  bool copyToInput(int index, std::span<const std::uint8_t> bytes);
+  /// Computes the outputs; false when that fails.
+  bool invoke();
+
+ private:
+  struct Delete {
+    void operator()(TfLiteModel* model) const;
+    void operator()(TfLiteDelegate* delegate) const;
+    void operator()(TfLiteInterpreter* interpreter) const;
+  };
+
+  Interpreter() = default;
+
+  // The interpreter uses the two above it and must go first.
+  std::unique_ptr<TfLiteModel, Delete> model_;
+  std::unique_ptr<TfLiteDelegate, Delete> delegate_;
+  std::unique_ptr<TfLiteInterpreter, Delete> interpreter_;
+  bool isAllocated_ = false;
+};
+
+}  // namespace inference
