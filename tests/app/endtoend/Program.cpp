@@ -40,11 +40,11 @@ ProgramRun runVideoid(const std::vector<std::string>& arguments) {
 
 ProgramRun runDisturbed(const std::vector<std::string>& arguments, const fs::path& run,
                         const std::string& command) {
-  // With job control the program does not begin with SIGINT ignored. On a machine too slow to know
-  // the person the flow waits for an answer: nobody should wait for that.
+  // With job control the program does not begin with SIGINT ignored. Two fragments of film must
+  // have reached the disk: how long that takes is the machine's affair.
   const std::string script =
       "set -m; run=$1; shift; \"$@\" & pid=$!; "
-      "until grep -qsE 'selfieSuccess|TimedOut' \"$run/events.jsonl\" || ! kill -0 $pid; "
+      "until [ \"$(grep -aos moof \"$run/film.partial.mp4\" | wc -l)\" -ge 2 ] || ! kill -0 $pid; "
       "do sleep 0.05; done; " +
       command + "; wait $pid";
   std::vector<std::string> words{"-c", script, "bash", run, VIDEOID};

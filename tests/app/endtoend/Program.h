@@ -21,8 +21,8 @@ ProgramRun runProgram(const std::filesystem::path& program,
                       const std::vector<std::string>& arguments);
 ProgramRun runVideoid(const std::vector<std::string>& arguments);
 
-/// Runs `videoid` into the folder `run` and, once its film is old enough to play whatever happens,
-/// a shell command that finds it in $pid and the folder in $run.
+/// Runs `videoid` into the folder `run` and, once so much film is on disk that it plays whatever
+/// happens, a shell command that finds it in $pid and the folder in $run.
 ProgramRun runDisturbed(const std::vector<std::string>& arguments, const std::filesystem::path& run,
                         const std::string& command);
 

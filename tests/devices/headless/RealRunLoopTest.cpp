@@ -1,6 +1,7 @@
 #include <atomic>
 #include <csignal>
 #include <functional>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -28,13 +29,14 @@ TEST(RealRunLoop, MainQueueRunsInOrderOnTheCallersThreadUntilItsDeadlineOrWoken)
   RealRunLoop loop;
   std::vector<int> order;
   const auto here = std::this_thread::get_id();
-  loop.mainQueue().asyncAfter(seconds(0.01), [&] { order.push_back(4); });
+  loop.mainQueue().asyncAfter(seconds(100'000), [] { FAIL(); });
   for (int i = 1; i <= 3; ++i) {
     loop.mainQueue().async([&, i] {
       EXPECT_EQ(std::this_thread::get_id(), here);
       order.push_back(i);
     });
   }
+  loop.mainQueue().asyncAfter(seconds(0.01), [&] { order.push_back(4); });
   const auto hasAll = [&] { return order.size() == 4; };
   EXPECT_EQ(loop.runUntil(hasAll, kFarAway), RealRunLoop::Stop::condition);
   EXPECT_EQ(order, (std::vector{1, 2, 3, 4}));
@@ -101,6 +103,8 @@ TEST(RealRunLoop, DeviceBlocksRunByTimeFramesFirst) {
   RealRunLoop loop;
   std::vector<int> order;
   std::atomic<bool> done = false;
+  std::promise<void> allPosted;
+  loop.scheduleDevice(loop.now(), EventClass::frame, [&] { allPosted.get_future().wait(); });
   const auto device = loop.now() + seconds(0.02);
   loop.scheduleDevice(device + seconds(0.001), EventClass::task, [&] {
     order.push_back(3);
@@ -109,6 +113,7 @@ TEST(RealRunLoop, DeviceBlocksRunByTimeFramesFirst) {
   });
   loop.scheduleDevice(device, EventClass::task, [&] { order.push_back(2); });
   loop.scheduleDevice(device, EventClass::frame, [&] { order.push_back(1); });
+  allPosted.set_value();
   loop.runUntil([&] { return done.load(); }, kFarAway);
   loop.shutDown();
   EXPECT_EQ(order, (std::vector{1, 2, 3}));
