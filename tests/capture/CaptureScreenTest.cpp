@@ -34,6 +34,11 @@ TEST_F(CaptureScreen, LiesOverThePreviewOnceTheCameraRuns) {
   for (const char* view :
        {"selfieOverlayView", "idOverlayView", "readingTextOverlayView", "overlayTopView"})
     EXPECT_EQ(world.view(view).layer().zPosition(), 1) << view;
+  auto& screen = dynamic_cast<capture::VideoCaptureViewController&>(world.topmost());
+  screen.videoPreviewLayer()->setZPosition(4);
+  screen.captureSessionDidStartRunning();
+  world.advance(0);
+  EXPECT_EQ(world.view("overlayTopView").layer().zPosition(), 5);
   EXPECT_EQ(world.view("selfieOverlayImageBackground").tintColor(),
             platform::UIColor::white(0, 0.33));
   EXPECT_EQ(world.recorder().setup.selfieOverlayFrame,
@@ -44,7 +49,7 @@ TEST_F(CaptureScreen, LiesOverThePreviewOnceTheCameraRuns) {
   // However the storyboard has drawn them.
   world.view("overlayTopView").setBackgroundColor(platform::colors::kRed);
   world.view("selfieOverlayImageBackground").setHidden(true);
-  dynamic_cast<capture::VideoCaptureViewController&>(world.topmost()).viewDidLoad();
+  screen.viewDidLoad();
   EXPECT_EQ(world.view("overlayTopView").backgroundColor(), platform::colors::kClear);
   EXPECT_FALSE(world.view("selfieOverlayImageBackground").isHidden());
   EXPECT_TRUE(world.view("selfieOverlayView").isHidden()) << "until the camera runs";
@@ -159,6 +164,49 @@ TEST_F(CaptureScreen, StartsTheMicrophoneOnTheWayBackFromTheSettings) {
   world.postWillEnterForeground();
   world.advance(0);
   EXPECT_TRUE(microphone.isRunning());
+}
+
+/// Each refusal leads to an alert of its own, whose button leads to the settings.
+TEST_F(CaptureScreen, SendsWhoeverRefusesToTheSettings) {
+  using Microphone = platform::AVAuthorizationStatus;
+  using Speech = platform::SFSpeechRecognizerAuthorizationStatus;
+  world.mediaDevices.grantsWhenAsked = false;
+  const struct {
+    Microphone microphone;
+    Speech speech;
+    const char* message;
+  } cases[] = {
+      {Microphone::notDetermined, Speech::denied, "Microphone Permission Not Granted"},
+      {Microphone::denied, Speech::authorized, "Microphone Permission Not Granted"},
+      {Microphone::restricted, Speech::authorized, "Microphone Permission Not Granted"},
+      {Microphone::authorized, Speech::notDetermined, "Speech Recognition Permission Not Granted"},
+      {Microphone::authorized, Speech::denied, "Speech Recognition Permission Not Granted"},
+      {Microphone::authorized, Speech::restricted, "Speech Recognition Permission Not Granted"},
+  };
+  for (const auto& test : cases) {
+    const bool forSound = test.microphone != Microphone::authorized;
+    world.mediaDevices.microphoneStatus = test.microphone;
+    world.speechAuthorization.status = test.speech;
+    enter();
+    ASSERT_NE(world.alert(), nullptr);
+    EXPECT_EQ(world.alert()->title(), "Error");
+    EXPECT_EQ(world.alert()->message(), test.message);
+    const int starts = world.speech().starts();
+    world.postWillEnterForeground();
+    world.advance(0);
+    EXPECT_EQ(world.speech().starts(), starts) << "nobody has been to the settings yet";
+    const std::size_t opened = world.application.opened.size();
+    world.alert()->choose(0);
+    world.advance(1);
+    EXPECT_EQ(world.application.opened.size(), opened + 1);
+    for (int i = 0; i < 2; ++i) {  // the second return finds nothing to do
+      world.postWillEnterForeground();
+      world.advance(0);
+      EXPECT_EQ(world.speech().starts(), starts + (forSound ? 0 : 1));
+    }
+    world.tap("closeButton");
+    world.advance(1);
+  }
 }
 
 }  // namespace

@@ -48,11 +48,18 @@ TEST_F(DebugOverlays, ShowTheFacesNumbersAndOneOutline) {
   ASSERT_EQ(shapes().size(), 1u);
   EXPECT_EQ(shapes()[0]->pathRect, (CGRect{50, 100, 30, 40})) << "not mirrored";
   EXPECT_EQ(shapes()[0]->strokeColor, platform::colors::kYellow);
+  world.advance(0.5);
+  postSelfie();  // nothing measured: what is shown stays, for a second more
+  world.advance(0.5);
   world.notificationCenter.post({corvana::kSelfieCaptureDebugData, nullptr});
-  world.advance(0.99);
+  EXPECT_EQ(shapes().size(), 1u);
+  world.advance(0.49);
   EXPECT_TRUE(shows("selfieDebugStackView"));
   world.advance(0.01);
   EXPECT_FALSE(shows("selfieDebugStackView"));
+  EXPECT_TRUE(shapes().empty());
+  postSelfie();
+  EXPECT_TRUE(shows("selfieDebugStackView"));
   EXPECT_TRUE(shapes().empty());
 }
 

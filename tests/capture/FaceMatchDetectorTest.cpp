@@ -4,11 +4,32 @@
 #include <fstream>
 
 #include <gtest/gtest.h>
+#include <tensorflow/lite/c/c_api.h>
 
 #include "capture/FaceMatchDetector.h"
 #include "devices/scripted/ScriptedSystem.h"
 #include "support/TestBundle.h"
 #include "support/TestImages.h"
+
+// Calls of TensorFlow Lite, written down on their way to it: the linker leads them here.
+namespace {
+std::vector<const TfLiteInterpreter*> invoked;
+std::vector<int> threadCounts;
+}  // namespace
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the linker's names
+extern "C" {
+TfLiteStatus __real_TfLiteInterpreterInvoke(TfLiteInterpreter* interpreter);
+TfLiteStatus __wrap_TfLiteInterpreterInvoke(TfLiteInterpreter* interpreter) {
+  invoked.push_back(interpreter);
+  return __real_TfLiteInterpreterInvoke(interpreter);
+}
+void __real_TfLiteInterpreterOptionsSetNumThreads(TfLiteInterpreterOptions* options, int count);
+void __wrap_TfLiteInterpreterOptionsSetNumThreads(TfLiteInterpreterOptions* options, int count) {
+  threadCounts.push_back(count);
+  __real_TfLiteInterpreterOptionsSetNumThreads(options, count);
+}
+}
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
 
 namespace capture {
 
@@ -95,6 +116,19 @@ TEST_F(FaceMatching, MatchesUpToTheThresholdAndNoFurther) {
   EXPECT_TRUE(detector.faceMatch(tests::flatImage(9, 9, 9), face, 0)) << "flat pictures compare";
 }
 
+TEST_F(FaceMatching, RunsEachPictureOnAnInterpreterOfItsOwnOnOneThread) {
+  threadCounts.clear();
+  invoked.clear();
+  FaceMatchDetector detector(bundleOf(TEST_RESOURCES), console);
+  EXPECT_EQ(threadCounts, (std::vector{1, 1}));
+  for (int i = 0; i < 2; ++i)
+    EXPECT_TRUE(detector.faceMatch(face, other, 0));
+  ASSERT_EQ(invoked.size(), 4u);
+  EXPECT_NE(invoked[0], invoked[1]);
+  EXPECT_EQ(invoked[2], invoked[0]);
+  EXPECT_EQ(invoked[3], invoked[1]);
+}
+
 TEST_F(FaceMatching, IsImpossibleWithoutPixelsAndSaysNothing) {
   FaceMatchDetector detector(bundleOf(TEST_RESOURCES), console);
   const auto drawing = std::make_shared<platform::UIImage>(nullptr, "drawing");
@@ -157,6 +191,11 @@ TEST_F(FaceMatching, WhitensEachPictureAsAWhole) {
   EXPECT_EQ(Probe::preprocess({7, 7, 7, 7}), std::vector<float>(4, 0));
   EXPECT_EQ(Probe::preprocess({0, 0, 0, 1})->at(3), 0.75F / 0.5F) << "the floor is 1 / sqrt(n)";
   EXPECT_FALSE(Probe::preprocess({}));
+  // By hand: mean and deviation in 64 bits, the last subtraction and division in 32. Either of
+  // these in 64 gives other last digits.
+  EXPECT_EQ(Probe::preprocess({15, 11, 13, 4, 195}),
+            (std::vector<float>{-0.441774935F, -0.495980442F, -0.468877703F, -0.590840101F,
+                                1.99747312F}));
 }
 
 TEST_F(FaceMatching, MeasuresUnitLengthEmbeddings) {
@@ -164,6 +203,68 @@ TEST_F(FaceMatching, MeasuresUnitLengthEmbeddings) {
   EXPECT_EQ(Probe::distance({0, 0}, {3, 0}), 1) << "nothing stays nothing";
   EXPECT_EQ(Probe::distance({5, 0}, {-0.5, 0}), 2);
   EXPECT_FLOAT_EQ(Probe::distance({1, 0}, {0, 7}), std::sqrt(2.0F));
+  EXPECT_EQ(Probe::distance({1e-6, 0}, {0, 0}), 0.1F) << "too short to be made longer than that";
+  // By hand: the lengths in 64 bits, division and distance in 32. Any step in the other width
+  // gives another last digit.
+  EXPECT_EQ(Probe::distance({7.6, -5.3, 6.2, 8.4}, {-8.9, 2.1, -4.2, -5.7}), 1.97272933F);
+}
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// Three bytes for each value, the second its complement.
+Bytes pixels(const Bytes& values) {
+  Bytes bytes;
+  for (const std::uint8_t value : values)
+    bytes.insert(bytes.end(), {value, static_cast<std::uint8_t>(255 - value), 7});
+  return bytes;
+}
+
+TEST(Scaling, MixesTheNearestPixelsAroundTheirCentres) {
+  const struct {
+    int width, height;
+    Bytes from;
+    int newWidth, newHeight;
+    Bytes to;
+  } cases[] = {
+      {2, 1, {0, 200}, 4, 1, {0, 50, 150, 200}},
+      {4, 1, {0, 100, 40, 240}, 2, 1, {50, 140}},
+      {3, 1, {0, 100, 200}, 2, 1, {25, 175}},
+      {1, 2, {0, 200}, 1, 4, {0, 50, 150, 200}},
+      {2, 2, {0, 80, 160, 240}, 3, 3, {0, 40, 80, 80, 120, 160, 160, 200, 240}},
+      {2, 2, {0, 80, 160, 240}, 1, 1, {120}},
+      {1, 1, {9}, 2, 1, {9, 9}},
+      {5, 1, {0, 4, 8, 12, 16}, 3, 1, {1, 8, 15}},  // 1.33, 8, 14.67
+  };
+  for (const auto& test : cases) {
+    const platform::PixelBuffer picture(test.width, test.height, platform::PixelFormat::rgb24,
+                                        pixels(test.from));
+    EXPECT_EQ(corvana::MetalBilinearScaler().scale(picture, test.newWidth, test.newHeight),
+              pixels(test.to))
+        << test.width << "x" << test.height;
+  }
+}
+
+TEST(Scaling, GivesNothingWithoutRgbPixelsOrSize) {
+  const corvana::MetalBilinearScaler scaler;
+  const auto bytes = [&](const platform::UIImageRef& image, const platform::CGSize& size,
+                         bool quantized = true) {
+    const auto scaled = corvana::scaledRGBData(image, scaler, size, quantized);
+    return scaled ? static_cast<int>(scaled->size()) : -1;
+  };
+  const auto face = tests::faceImage(0);
+  const auto planar = std::make_shared<platform::UIImage>(
+      std::make_shared<platform::PixelBuffer>(2, 2, platform::PixelFormat::i420, Bytes(6)));
+  EXPECT_EQ(bytes(face, {1, 2}), 6);
+  EXPECT_EQ(bytes(face, {2, 1}), 6);
+  EXPECT_EQ(bytes(face, {0, 2}), -1);
+  EXPECT_EQ(bytes(face, {2, 0}), -1);
+  EXPECT_EQ(bytes(face, {1, 2}, false), -1);
+  EXPECT_EQ(bytes(planar, {1, 2}), -1);
+  EXPECT_EQ(bytes(nullptr, {1, 2}), -1);
+  const float values[] = {0.5F, -2};
+  const std::span raw(reinterpret_cast<const std::uint8_t*>(values), sizeof values);
+  EXPECT_EQ(corvana::cgFloats(raw), (std::vector<double>{0.5, -2}));
+  EXPECT_FALSE(corvana::cgFloats(raw.first(7)));
 }
 
 }  // namespace

@@ -73,7 +73,8 @@ class FlowTest : public testing::Test, protected corvana::DecisionObserver {
     world.advance(0);
   }
   void showFace(int person) {
-    selfie(Face::Success{{.image = faceImage(person), .faceImage = faceImage(person)}});
+    shownFace = faceImage(person);
+    selfie(Face::Success{{.image = shownFace, .faceImage = shownFace}});
   }
   void showSide(const DetectedData& side) {
     card(ID::ClassifiedDocument{side});
@@ -120,6 +121,7 @@ class FlowTest : public testing::Test, protected corvana::DecisionObserver {
   DetectedData back;
   bool oneSided = false;
   std::string text = "Seven grey herons";
+  platform::UIImageRef shownFace;  ///< last
   std::vector<Result> results;
   std::vector<corvana::Decision> decisions;
 };

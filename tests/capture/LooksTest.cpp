@@ -11,11 +11,14 @@ TEST_F(Looks, ColoursAndFontComeFromTheHostsTables) {
   SelfieCapture::colors.errorLabelTextColor = colors::kBlack;
   SelfieCapture::colors.errorLabelBackgroundColor = colors::kYellow;
   SelfieCapture::fonts.labelFont = platform::UIFont{"Serif", 21};
+  IDCapture::fonts.labelFont = platform::UIFont{"Sans", 17};
   enter();
   selfie(Face::MoveAway{});
   EXPECT_EQ(world.label("selfieOverlayLabel").textColor(), colors::kBlack);
   EXPECT_EQ(world.label("selfieOverlayLabel").font().pointSize, 21);
   EXPECT_EQ(world.view("selfieOverlayLabelView").backgroundColor(), colors::kYellow);
+  card(ID::MoveAway{});
+  EXPECT_EQ(world.label("idOverlayLabel").font().pointSize, 17);
 }
 
 TEST_F(Looks, OneEllipseLiesMirroredOverTheLiveFace) {
@@ -44,6 +47,22 @@ TEST_F(Looks, OfTheCardAreTheHostsSilhouettesWhereItHasSome) {
   passFront();
   EXPECT_EQ(world.imageView("idImageView").image()->name(), "my back");
   EXPECT_EQ(world.text("captureLabel"), IDCapture::strings.captureBack);
+}
+
+TEST_F(Looks, AnAbsentDrawingStandsForTheSideThatLacksIt) {
+  for (const bool ofFront : {true, false}) {
+    world.bundle.missing = {ofFront ? "overlay_portrait_id_front" : "overlay_landscape_id_back"};
+    enter();
+    passSelfie();
+    passFront();
+    EXPECT_EQ(world.text("captureLabel"), IDCapture::strings.captureBack);
+    card(ID::MoveAway{});  // which takes the silhouette away
+    EXPECT_EQ(world.imageView("idImageView").image(), nullptr);
+    EXPECT_EQ(world.text("captureLabel"),
+              ofFront ? IDCapture::strings.captureFront : IDCapture::strings.captureBack);
+    world.tap("closeButton");
+    world.advance(1);
+  }
 }
 
 /// A screen that plays animations, as the capture screen sees it.

@@ -58,6 +58,8 @@ TEST_F(Retry, OfEveryKindLeadsThroughTheWholeFlowAgain) {
     test.fail();
     world.advance(1);
     ASSERT_TRUE(isAsked());
+    EXPECT_EQ(world.topmost().modalPresentationStyle(),
+              platform::UIModalPresentationStyle::fullScreen);
     EXPECT_EQ(world.text("label"), test.message);
     EXPECT_EQ(world.text("captureLabel"), SelfieCapture::strings.captureSelfie);
     EXPECT_EQ(world.recorder().count("stopVideoWriter"), stopped + 1);
@@ -81,6 +83,23 @@ TEST_F(Retry, OfEveryKindLeadsThroughTheWholeFlowAgain) {
   EXPECT_TRUE(world.mediaDevices.microphone->isRunning());
   readAndFinish();
   expectAccepted();
+  EXPECT_EQ(results[0]->selfie.image, shownFace) << "the last one that was accepted";
+}
+
+TEST_F(Retry, ScreenKeepsWhatTheStoryboardDrewAndLetsGoOfWhoAsked) {
+  enter();
+  selfie(Face::Failed{});
+  world.advance(1);
+  const auto drawn = faceImage(kHolder);
+  const auto screen = std::dynamic_pointer_cast<capture::VideoRetryViewController>(
+      world.topmost().shared_from_this());
+  ASSERT_NE(screen, nullptr);
+  world.imageView("imageView").setImage(drawn);
+  screen->viewDidLoad();
+  EXPECT_EQ(world.imageView("imageView").image(), drawn);
+  EXPECT_TRUE(screen->retryCompletion);
+  answer("retryButton");
+  EXPECT_FALSE(screen->retryCompletion);
 }
 
 /// Gives every value of a table that a retry screen shows, made from one number.
