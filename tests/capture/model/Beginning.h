@@ -42,7 +42,6 @@ struct Beginning {
   std::function<void(TestWorld&)> prepare;
 };
 
-/// `strangersDistance` is that of the two faces.
-Beginning randomBeginning(Dice& dice, float strangersDistance);
+Beginning randomBeginning(Dice& dice);
 
 }  // namespace tests

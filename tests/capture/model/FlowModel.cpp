@@ -1,14 +1,10 @@
 #include "FlowModel.h"
 
 #include <algorithm>
-#include <cmath>
-#include <map>
 #include <utility>
 
-#include "capture/NumberText.h"
-#include "capture/TextMatching.h"
-#include "corvana/Geometry.h"
-#include "corvana/StateNames.h"
+#include "Judgement.h"
+#include "capture/ControllerFactories.h"
 
 namespace tests {
 
@@ -29,14 +25,66 @@ namespace {
 constexpr const char* kFrontSilhouette = "overlay_portrait_id_front";
 constexpr const char* kBackSilhouette = "overlay_landscape_id_back";
 
-std::string join(const std::vector<std::string>& lines) {
-  std::string text;
-  for (const std::string& line : lines)
-    text += line;
-  return text;
+template <class Kind, class State>
+bool is(const State& state) {
+  return std::holds_alternative<Kind>(state.value);
 }
 
 }  // namespace
+
+FlowModel::FlowModel(platform::Environment& environment, SameFace sameFace)
+    : CaptureSessionViewController(environment),
+      sameFace_(std::move(sameFace)),
+      secondsLeft_(VideoCapture::options.readTextCountdownSeconds) {}
+
+platform::ControllerFactories FlowModel::factories(const SameFace& sameFace) {
+  auto factories = capture::controllerFactories();
+  factories["VideoCaptureViewController"] = [sameFace](auto& environment) {
+    return std::make_shared<FlowModel>(environment, sameFace);
+  };
+  return factories;
+}
+
+void FlowModel::declareOutlets(platform::OutletBinder& binder) {
+  binder.outlet("readingTextOverlayView", readingOverlay_);
+  binder.action("close", [this] { close(); });
+  binder.action("doneReadingText", [this] { finish(); });
+}
+
+void FlowModel::viewDidLoad() {
+  sight_ = sightOf(view());  // as the storyboard has it
+  sight_["selfieOverlayView"] = kHidden;
+  sight_["readingTextLabel"] = *text;
+  sight_["captureLabel"] = SelfieCapture::strings.captureSelfie;
+  showCountdown();
+}
+
+void FlowModel::viewDidAppear(bool) {
+  if (!recorder_) {
+    recorder_ = environment().host.makeVideoCapture({}, {}, {}, {});
+    if (!recorder_) return;
+    recorder_->setDelegate(self());
+    auto* speech = recorder_->speechRecognizer();
+    if (!speech || !speech->isAvailable())
+      return alert("Error", "Speech Recognition Is Not Available");
+    speech->setDelegate(self());
+    speech->start();
+  }
+  const bool high = SelfieCapture::options.capture4K || IDCapture::options.capture4K;
+  if (high && captureSession().captureMode() == CaptureMode::standard)
+    captureSession().setCaptureMode(CaptureMode::high);
+}
+
+void FlowModel::viewWillDisappear(bool) {
+  if (recorder_ && recorder_->speechRecognizer()) recorder_->speechRecognizer()->stop();
+}
+
+void FlowModel::captureSessionDidStartRunning() {
+  later(0, [](FlowModel& model) {
+    auto& overlay = model.sight_["selfieOverlayView"];
+    if (overlay == kHidden) overlay = std::to_string(1.0);
+  });
+}
 
 // ---- The face
 
@@ -45,52 +93,55 @@ void FlowModel::update(const SelfieCaptureState& state) {
 }
 
 void FlowModel::see(const SelfieCaptureState& state) {
+  using State = SelfieCaptureState;
   const auto& strings = SelfieCapture::strings;
-  const std::map<std::string, std::string> advice = {
-      {"multipleFacesDetected", strings.multipleFacesDetected},
-      {"selfieMoveCloser", strings.moveCloser},
-      {"selfieMoveAway", strings.moveAway},
-      {"alignFace", strings.alignOval}};
-  const std::string name = corvana::nameOf(state);
-  if (advice.contains(name)) return promptFace(advice.at(name), Type::error);
-  if (name == "capturingFace") return promptFace(strings.capturingFace, Type::success);
-  if (name == "selfieTimedOut" || name == "selfieFailed") return retry(RetryType::selfieCapture);
-  if (const auto* issue = std::get_if<SelfieCaptureState::DetectedIssue>(&state.value))
-    return promptFace(issue->message, Type::error);
-  if (const auto* success = std::get_if<SelfieCaptureState::Success>(&state.value))
+  if (is<State::TimedOut>(state) || is<State::Failed>(state))
+    return retry(RetryType::selfieCapture);
+  if (const auto* success = std::get_if<State::Success>(&state.value))
     return seeSelfie(success->selfie);
-  sight_.face.hidden = true;
-  sight_.oval = colors::kWhite;
+  if (is<State::DetectingFace>(state)) {
+    sight_["selfieOverlayLabel"] = kHidden;
+    sight_["selfieOverlayImageView"] = inWords(colors::kWhite);
+  }
+  if (is<State::CapturingFace>(state)) promptFace(strings.capturingFace, Type::success);
+  if (is<State::MultipleFacesDetected>(state))
+    promptFace(strings.multipleFacesDetected, Type::error);
+  if (is<State::MoveCloser>(state)) promptFace(strings.moveCloser, Type::error);
+  if (is<State::MoveAway>(state)) promptFace(strings.moveAway, Type::error);
+  if (is<State::AlignFace>(state)) promptFace(strings.alignOval, Type::error);
+  if (const auto* issue = std::get_if<State::DetectedIssue>(&state.value))
+    promptFace(issue->message, Type::error);
 }
 
 void FlowModel::seeSelfie(const corvana::Selfie& selfie) {
-  const auto photo = idValidationFront ? idValidationFront->faceImage : nullptr;
-  const auto distance = photo ? distance_(selfie.faceImage, photo) : std::nullopt;
-  if (distance && *distance <= VideoCapture::options.idToSelfieMatchThreshold) {
+  const auto photo = idValidationFront->faceImage;
+  const bool anyWillDo = VideoCapture::options.idToSelfieMatchThreshold >= 2;
+  const auto same = photo ? sameFace_(selfie.faceImage, photo) : std::nullopt;
+  if (same && (*same || anyWillDo)) {
     selfie_ = selfie;
     environment().systemSounds.play(4095);
     promptFace(SelfieCapture::strings.realFace, Type::success);
     if (recorder_) recorder_->setMode(VideoCaptureMode::idCapture);
-    sight_.caption = IDCapture::strings.captureFront;
-    return showOverlays(0, 1, sight_.readingAlpha);
-  }
-  if (isOver(wrongFaceSince_, 3)) {
+    sight_["captureLabel"] = IDCapture::strings.captureFront;
+    sight_["selfieOverlayView"] = std::to_string(0.0);
+    sight_["idOverlayView"] = std::to_string(1.0);
+  } else if (isOver(wrongFaceSince_, 3)) {
     promptFace(VideoCapture::strings.faceDoesNotMatch, Type::error);
   } else {
     promptFace(SelfieCapture::strings.capturingFace, Type::success);
   }
 }
 
-void FlowModel::foundLiveFace(const std::optional<platform::CGRect>& frame,
-                              const platform::CGSize& fullSize, VideoCaptureMode mode) {
-  later(0, [frame, fullSize, mode](FlowModel& model) {
+void FlowModel::foundLiveFace(const std::optional<platform::CGRect>& frame, const platform::CGSize&,
+                              VideoCaptureMode mode) {
+  later(0, [frame, mode](FlowModel& model) {
     if (!frame || mode == VideoCaptureMode::liveFaceLost)
       return model.retry(RetryType::liveFaceLost);
-    const platform::CGSize screen = model.environment().mainScreen.bounds.size();
-    const auto face = corvana::aspectFill(*frame, fullSize, screen);
-    const double width = face.height * 3 / 4;
-    model.sight_.ellipse = {screen.width - face.midX() - width / 2, face.minY(), width,
-                            face.height};
+    // A square picture of 1000 fills the screen of 360 by 640 up to its height, and is mirrored.
+    const double middle = 360 - ((frame->x + frame->width / 2) * 0.64 - 140);
+    const double height = frame->height * 0.64;
+    model.sight_["ellipse"] =
+        inWords(platform::CGRect{middle - height * 0.375, frame->y * 0.64, height * 0.75, height});
   });
 }
 
@@ -101,29 +152,28 @@ void FlowModel::update(const IDCaptureState& state) {
 }
 
 void FlowModel::see(const IDCaptureState& state) {
+  using State = IDCaptureState;
   if (flipping_) return;
   const auto& strings = IDCapture::strings;
-  const std::map<std::string, std::string> advice = {{"tooMuchGlare", strings.tooMuchGlare},
-                                                     {"idMoveCloser", strings.moveCloser},
-                                                     {"idMoveAway", strings.moveAway},
-                                                     {"alignRectangle", strings.alignRectangle}};
-  const std::string name = corvana::nameOf(state);
-  if (const auto* success = std::get_if<IDCaptureState::Success>(&state.value))
+  if (const auto* success = std::get_if<State::Success>(&state.value))
     return seeSide(success->data);
-  if (const auto* classified = std::get_if<IDCaptureState::ClassifiedDocument>(&state.value))
+  if (const auto* classified = std::get_if<State::ClassifiedDocument>(&state.value))
     return seeClassified(classified->data);
-  if (name == "detectingBox") {
-    sight_.card.hidden = true;
-    sight_.frame = colors::kWhite;
+  if (is<State::DetectingBox>(state)) {
+    sight_["idOverlayLabel"] = kHidden;
+    sight_["idFrameImageView"] = inWords(colors::kWhite);
     progress(0);
     return silhouette(front_ ? kBackSilhouette : kFrontSilhouette);
   }
-  if (const auto* box = std::get_if<IDCaptureState::DetectedBox>(&state.value)) {
+  if (const auto* box = std::get_if<State::DetectedBox>(&state.value)) {
     promptCard({}, Type::success);
     if (!box->data.type) progress(box->data.isReal == true ? 2.0F / 3 : 1.0F / 3);
   }
-  if (advice.contains(name)) promptCard(advice.at(name), Type::error);
-  if (name == "idTimedOut" || name == "idFailed") retry(RetryType::idCapture);
+  if (is<State::TooMuchGlare>(state)) promptCard(strings.tooMuchGlare, Type::error);
+  if (is<State::MoveCloser>(state)) promptCard(strings.moveCloser, Type::error);
+  if (is<State::MoveAway>(state)) promptCard(strings.moveAway, Type::error);
+  if (is<State::AlignRectangle>(state)) promptCard(strings.alignRectangle, Type::error);
+  if (is<State::TimedOut>(state) || is<State::Failed>(state)) retry(RetryType::idCapture);
   silhouette("");
 }
 
@@ -152,7 +202,7 @@ void FlowModel::seeClassified(const Data& data) {
     promptCard(strings.makeSurePhotoTextVisible, Type::error);
   } else if (lacksBarcode && captureSession().captureMode() == CaptureMode::barcode) {
     promptCard(strings.scanBarcode, Type::info, colors::kClear);
-    sight_.bezelsHidden = true;
+    sight_["selfieOverlayBezel1"] = sight_["selfieOverlayBezel4"] = kHidden;
   } else if (lacksBarcode) {
     promptCard(strings.makeSureBarcodeVisible, Type::error);
   }
@@ -160,8 +210,6 @@ void FlowModel::seeClassified(const Data& data) {
 
 void FlowModel::seeSide(const Data& data) {
   if (!data.ocrStrings) return;
-  sight_.realness = "Face Distance:";
-  sight_.topMatches = "Levenshtein:";
   std::string complaint = VideoCapture::strings.idDoesNotMatch;
   const auto matches = front_ ? backMatches(data) : frontMatches(data, complaint);
   if (!matches) return;
@@ -176,37 +224,28 @@ void FlowModel::seeSide(const Data& data) {
   idValidationBack ? flip() : startReading();
 }
 
-std::optional<bool> FlowModel::frontMatches(const Data& data, std::string& complaint) {
+std::optional<bool> FlowModel::frontMatches(const Data& data, std::string& complaint) const {
+  const Data& given = *idValidationFront;
   bool face = true;
-  if (idValidationFront->faceImage) {
-    const auto distance =
-        data.faceImage ? distance_(data.faceImage, idValidationFront->faceImage) : std::nullopt;
-    face = distance && *distance <= VideoCapture::options.idToIdPhotoMatchThreshold;
-    sight_.realness =
-        "Face Distance: " + (distance ? capture::shortestDecimal(*distance) : "None Found!");
+  if (given.faceImage) {
+    const bool anyWillDo = VideoCapture::options.idToIdPhotoMatchThreshold >= 2;
+    const auto same = data.faceImage ? sameFace_(data.faceImage, given.faceImage) : std::nullopt;
+    face = same && (*same || anyWillDo);
   }
-  if (!idValidationFront->ocrStrings) return {};
-  const bool same =
-      textMatches(*idValidationFront, data, VideoCapture::options.frontLevenshteinThreshold);
+  if (!given.ocrStrings) return {};
+  const bool alike = areAlike(*given.ocrStrings, *data.ocrStrings,
+                              VideoCapture::options.frontLevenshteinThreshold);
   const std::string& otherFace = VideoCapture::strings.faceDoesNotMatch;
-  if (!face) complaint = same ? otherFace : otherFace + "\n" + complaint;
-  return face && same;
+  if (!face) complaint = alike ? otherFace : otherFace + "\n" + complaint;
+  return face && alike;
 }
 
-std::optional<bool> FlowModel::backMatches(const Data& data) {
+std::optional<bool> FlowModel::backMatches(const Data& data) const {
   if (!idValidationBack) return {};
-  if (idValidationBack->mrz) return data.mrz == idValidationBack->mrz;
+  if (idValidationBack->mrz) return data.mrz && data.mrz->lines == idValidationBack->mrz->lines;
   if (!idValidationBack->ocrStrings) return {};
-  return textMatches(*idValidationBack, data, VideoCapture::options.backLevenshteinThreshold);
-}
-
-bool FlowModel::textMatches(const Data& given, const Data& live, float threshold) {
-  const std::string a = join(*given.ocrStrings);
-  const std::string b = join(*live.ocrStrings);
-  const double share =
-      capture::levenshteinDistance(a, b) / static_cast<double>(std::max(a.size(), b.size()));
-  sight_.topMatches = "Levenshtein: " + capture::shortestDecimal(share);
-  return std::isnan(share) || share <= static_cast<double>(threshold);
+  return areAlike(*idValidationBack->ocrStrings, *data.ocrStrings,
+                  VideoCapture::options.backLevenshteinThreshold);
 }
 
 void FlowModel::flip() {
@@ -221,11 +260,9 @@ void FlowModel::flip() {
     model.later(1, [](FlowModel& turned) {
       turned.later(0.5, [](FlowModel& done) {
         done.flipping_ = false;
-        done.sight_.card.hidden = true;
-        done.sight_.frame = colors::kWhite;
+        done.sight_["idOverlayLabel"] = kHidden;
+        done.sight_["idFrameImageView"] = inWords(colors::kWhite);
         done.progress(0);
-        done.sight_.realness = "Realness Scores:";
-        done.sight_.topMatches = "Top Matches:";
       });
     });
   });
@@ -234,10 +271,10 @@ void FlowModel::flip() {
 // ---- The text
 
 void FlowModel::startReading() {
-  startMicrophone();
-  sight_.caption = "Read Text";
+  sight_["captureLabel"] = "Read Text";
   if (recorder_) recorder_->setMode(VideoCaptureMode::readingText);
-  showOverlays(sight_.selfieAlpha, 0, 1);
+  sight_["idOverlayView"] = std::to_string(0.0);
+  sight_["readingTextOverlayView"] = std::to_string(1.0);
   platform::UIView::animate(environment(), platform::seconds(0.5),
                             [this] { readingOverlay_->setAlpha(1); });
   later(0.5, [](FlowModel& model) {
@@ -254,23 +291,17 @@ void FlowModel::tick() {
 }
 
 void FlowModel::speechRecognition(const platform::SFSpeechRecognitionResult& result) {
-  if (!text) return;
   std::vector<std::string> words;
   for (const auto& segment : result.bestTranscription.segments)
-    words.push_back(capture::lowercased(segment.substring));
-  const auto match = capture::matchSpokenWords(words, *text);
-  if (VideoCapture::options.isDebugMode) {
-    sight_.reading = text;
-    sight_.highlights.clear();
-    for (const auto& range : match.ranges)
-      sight_.highlights.push_back({range.location, range.length, colors::kYellow});
-  }
-  if (match.percentage > heard_) heard_ = match.percentage;
+    words.push_back(segment.substring);
+  platform::NSAttributedString marked{*text, {}};
+  const float share = shareHeard(words, *text, marked.runs);
+  if (VideoCapture::options.isDebugMode) sight_["readingTextLabel"] = inWords(marked);
+  if (share > heard_) heard_ = share;
 }
 
 void FlowModel::speechRecognition(const corvana::IDError& error) {
-  alert("Speech Recognition Error", error.localizedDescription(),
-        {"OK", platform::UIAlertAction::Style::cancel, nullptr});
+  alert("Speech Recognition Error", error.localizedDescription());
 }
 
 void FlowModel::finish() {
@@ -280,9 +311,8 @@ void FlowModel::finish() {
   if (!recorder_) return;
   recorder_->stopVideoWriter([self = self()](const auto& film) {
     if (!film) return self->dismissWith(tl::unexpected(film.error()));
-    if (!self->selfie_) {
+    if (!self->selfie_)
       return self->answer(tl::unexpected(corvana::IDError("videoIdResultSelfie == nil")));
-    }
     self->dismissWith(capture::VideoIdResult{*film, *self->selfie_, true, true, true, true});
   });
 }
@@ -298,11 +328,11 @@ void FlowModel::close() {
   dismissWith(tl::unexpected(corvana::IDError(corvana::IDError::Strings::canceled)));
 }
 
-void FlowModel::dismissWith(tl::expected<capture::VideoIdResult, corvana::IDError> result) {
+void FlowModel::dismissWith(const Result& result) {
   dismiss(true, [self = self(), result] { self->answer(result); });
 }
 
-void FlowModel::answer(const tl::expected<capture::VideoIdResult, corvana::IDError>& result) {
+void FlowModel::answer(const Result& result) {
   if (const auto completion = std::exchange(videoIdCompletion, nullptr)) completion(result);
 }
 
@@ -313,17 +343,18 @@ void FlowModel::retry(RetryType type) {
   if (screen) {
     screen->type = type;
     screen->setModalPresentationStyle(platform::UIModalPresentationStyle::fullScreen);
-    screen->retryCompletion = [weak = weak()](bool again) {
+    screen->retryCompletion = [weak = std::weak_ptr(self())](bool again) {
       const auto self = weak.lock();
       if (!self) return;
       if (!again) return self->close();
-      self->sight_.ellipse.reset();
+      self->sight_["ellipse"] = "";
       if (self->recorder_) self->recorder_->retry();
     };
     present(screen, true);
   }
-  sight_.ellipse.reset();
-  showOverlays(1, 0, 0);
+  sight_["ellipse"] = "";
+  if (sight_["selfieOverlayView"] != kHidden) sight_["selfieOverlayView"] = std::to_string(1.0);
+  sight_["idOverlayView"] = sight_["readingTextOverlayView"] = std::to_string(0.0);
   readingOverlay_->setAlpha(0);
   secondsLeft_ = VideoCapture::options.readTextCountdownSeconds;
   showCountdown();
@@ -333,9 +364,8 @@ void FlowModel::retry(RetryType type) {
   update(IDCaptureState{IDCaptureState::DetectingBox{}});
   front_.reset();
   wrongFaceSince_ = wrongCardSince_ = wrongTypeSince_ = {};
-  sight_.caption = SelfieCapture::strings.captureSelfie;
-  sight_.reading = text;
-  sight_.highlights.clear();
+  sight_["captureLabel"] = SelfieCapture::strings.captureSelfie;
+  sight_["readingTextLabel"] = *text;
   heard_ = 0;
   if (recorder_) recorder_->stopVideoWriter(nullptr);
 }
@@ -344,71 +374,51 @@ void FlowModel::retry(RetryType type) {
 
 namespace {
 
-void colour(Prompt& prompt, corvana::PromptType type, const corvana::Colors& table) {
-  using corvana::PromptType;
-  prompt.textColor = colors::kWhite;
-  prompt.background = colors::kGray;
-  if (type == PromptType::success) {
-    prompt.textColor = table.successLabelTextColor.value_or(colors::kWhite);
-    prompt.background = table.successLabelBackgroundColor.value_or(
-        corvana::CaptureSessionViewController::greenColor);
-  } else if (type == PromptType::error) {
-    prompt.textColor = table.errorLabelTextColor.value_or(colors::kWhite);
-    prompt.background = table.errorLabelBackgroundColor.value_or(colors::kRed);
-  }
+std::pair<UIColor, UIColor> textAndBackground(corvana::PromptType type,
+                                              const corvana::Colors& table) {
+  if (type == corvana::PromptType::info) return {colors::kWhite, colors::kGray};
+  if (type == corvana::PromptType::error)
+    return {table.errorLabelTextColor.value_or(colors::kWhite),
+            table.errorLabelBackgroundColor.value_or(colors::kRed)};
+  return {table.successLabelTextColor.value_or(colors::kWhite),
+          table.successLabelBackgroundColor.value_or(UIColor{0.18, 0.49, 0.196, 1})};
 }
 
 }  // namespace
 
-void FlowModel::promptFace(std::optional<std::string> message, Type type) {
-  colour(sight_.face, type, SelfieCapture::colors);
-  sight_.face.hidden = !message;
-  sight_.face.text = std::move(message);
-  sight_.oval = sight_.face.background;
+void FlowModel::alert(const char* title, const std::string& message) {
+  const auto alert = std::make_shared<platform::UIAlertController>(environment(), title, message);
+  alert->addAction({"OK", platform::UIAlertAction::Style::cancel, nullptr});
+  present(alert, true);
 }
 
-void FlowModel::promptCard(std::optional<std::string> message, Type type,
+void FlowModel::promptFace(const std::string& message, Type type) {
+  const auto [textColor, background] = textAndBackground(type, SelfieCapture::colors);
+  sight_["selfieOverlayLabel"] = inWords(message, textColor, background);
+  sight_["selfieOverlayImageView"] = inWords(background);
+}
+
+void FlowModel::promptCard(const std::optional<std::string>& message, Type type,
                            std::optional<UIColor> frame) {
-  colour(sight_.card, type, IDCapture::colors);
-  sight_.card.hidden = !message;
-  sight_.card.text = std::move(message);
-  sight_.frame = frame.value_or(sight_.card.background);
+  const auto [textColor, background] = textAndBackground(type, IDCapture::colors);
+  sight_["idOverlayLabel"] = inWords(message, textColor, background);
+  sight_["idFrameImageView"] = inWords(frame.value_or(background));
 }
 
 void FlowModel::silhouette(const std::string& name) {
-  sight_.silhouette = name;
+  sight_["idImageView"] = name;
   if (!recorder_ || recorder_->mode() != VideoCaptureMode::idCapture) return;
-  if (name == kFrontSilhouette) sight_.caption = IDCapture::strings.captureFront;
-  if (name == kBackSilhouette) sight_.caption = IDCapture::strings.captureBack;
+  if (name == kFrontSilhouette) sight_["captureLabel"] = IDCapture::strings.captureFront;
+  if (name == kBackSilhouette) sight_["captureLabel"] = IDCapture::strings.captureBack;
 }
 
 void FlowModel::progress(float share) {
-  sight_.progress = share;
-  sight_.progressHidden = share == 0;
-}
-
-void FlowModel::showOverlays(double selfie, double card, double reading) {
-  sight_.selfieAlpha = selfie;
-  sight_.cardAlpha = card;
-  sight_.readingAlpha = reading;
-}
-
-void FlowModel::showDebug(bool Sight::*hidden, int outlines) {
-  sight_.*hidden = false;
-  sight_.outlines = outlines;
-  if (debugTimer_) debugTimer_->invalidate();
-  debugTimer_ =
-      environment().runLoop.scheduledTimer(platform::seconds(1), false, [weak = weak(), hidden] {
-        const auto self = weak.lock();
-        if (!self) return;
-        self->sight_.*hidden = true;
-        self->sight_.outlines = 0;
-      });
+  sight_["progressView"] = share == 0 ? kHidden : std::to_string(share);
 }
 
 void FlowModel::showCountdown() {
   const int seconds = secondsLeft_ % 60;
-  sight_.countdown =
+  sight_["readingTextCountdownLabel"] =
       std::to_string(secondsLeft_ / 60) + (seconds < 10 ? ":0" : ":") + std::to_string(seconds);
 }
 
@@ -422,6 +432,10 @@ void FlowModel::later(double delay, std::function<void(FlowModel&)> step) {
   auto& main = environment().runLoop.mainQueue();
   const auto run = [self = self(), step = std::move(step)] { step(*self); };
   delay > 0 ? main.asyncAfter(platform::seconds(delay), run) : main.async(run);
+}
+
+std::shared_ptr<FlowModel> FlowModel::self() {
+  return std::static_pointer_cast<FlowModel>(shared_from_this());
 }
 
 }  // namespace tests

@@ -16,28 +16,27 @@
 
 namespace tests {
 
-/// The flow told a second time, without views: its states, its clocks, and what the user sees.
-/// Stands in for the capture screen behind the same entry, so that both can be driven alike.
+/// Whether two pictures show the same face; absent when they cannot be compared.
+using SameFace = std::function<std::optional<bool>(const platform::UIImageRef& one,
+                                                   const platform::UIImageRef& other)>;
+
+/// The flow told a second time, without views and without the module's ways of judging: its states,
+/// its clocks, and what the user sees. Stands in for the capture screen behind the same entry, so
+/// that both can be driven alike. Every permission is given.
 class FlowModel final : public corvana::CaptureSessionViewController,
                         public capture::VideoCapturePresentableViewController,
                         public corvana::VideoCaptureDelegate,
                         public corvana::SpeechRecognizerDelegate {
  public:
-  /// Distance of two faces; absent when they cannot be compared.
-  using Distance = std::function<std::optional<float>(const platform::UIImageRef& one,
-                                                      const platform::UIImageRef& other)>;
-
-  FlowModel(platform::Environment& environment, Distance distance);
+  FlowModel(platform::Environment& environment, SameFace sameFace);
 
   /// The storyboard's screens as the model plays them.
-  static platform::ControllerFactories factories(Distance distance);
+  static platform::ControllerFactories factories(const SameFace& sameFace);
 
   const Sight& sight() const { return sight_; }
 
-  corvana::CameraPosition cameraPosition() const override { return corvana::CameraPosition::front; }
   void declareOutlets(platform::OutletBinder& binder) override;
   void viewDidLoad() override;
-  void viewWillAppear(bool animated) override;
   void viewDidAppear(bool animated) override;
   void viewWillDisappear(bool animated) override;
   void captureSessionDidStartRunning() override;
@@ -52,59 +51,47 @@ class FlowModel final : public corvana::CaptureSessionViewController,
   using Data = corvana::DetectedData;
   using Type = corvana::PromptType;
   using Clock = std::optional<platform::TimePoint>;
+  using Result = tl::expected<capture::VideoIdResult, corvana::IDError>;
 
-  // Set-up, permissions, end
-  void observe();
-  void askForMicrophone();
-  void askForSpeech();
-  void sendToSettings(const char* message, bool FlowModel::*sent);
-  void alert(const char* title, const std::string& message, platform::UIAlertAction action);
-  void startMicrophone();
-  void close();
-  void stopCountdown();
-  void answer(const tl::expected<capture::VideoIdResult, corvana::IDError>& result);
-  void dismissWith(tl::expected<capture::VideoIdResult, corvana::IDError> result);
-
-  // Phases
+  // The phases
   void see(const corvana::SelfieCaptureState& state);
   void see(const corvana::IDCaptureState& state);
   void seeSelfie(const corvana::Selfie& selfie);
   void seeClassified(const Data& data);
   void seeSide(const Data& data);
   /// True: accepted; absent: there is nothing to compare with.
-  std::optional<bool> frontMatches(const Data& data, std::string& complaint);
-  std::optional<bool> backMatches(const Data& data);
-  bool textMatches(const Data& given, const Data& live, float threshold);
+  std::optional<bool> frontMatches(const Data& data, std::string& complaint) const;
+  std::optional<bool> backMatches(const Data& data) const;
   void flip();
   void startReading();
   void tick();
   void finish();
   void retry(capture::RetryType type);
+  void close();
+  void stopCountdown();
+  void answer(const Result& result);
+  void dismissWith(const Result& result);
 
   // What the user sees
-  void promptFace(std::optional<std::string> text, Type type);
-  void promptCard(std::optional<std::string> text, Type type,
+  void alert(const char* title, const std::string& message);
+  void promptFace(const std::string& text, Type type);
+  void promptCard(const std::optional<std::string>& text, Type type,
                   std::optional<platform::UIColor> frame = {});
   void silhouette(const std::string& name);
   void progress(float share);
   void showOverlays(double selfie, double card, double reading);
-  void showDebug(bool Sight::*hidden, int outlines);
   void showCountdown();
-  /// Whether three or five seconds are over since the clock began; begins it when it stands.
-  bool isOver(Clock& clock, double limit);
 
+  /// Whether more seconds than `limit` are over since the clock began; begins it when it stands.
+  bool isOver(Clock& clock, double limit);
   void later(double delay, std::function<void(FlowModel&)> step);
   std::shared_ptr<FlowModel> self();
-  std::weak_ptr<FlowModel> weak() { return self(); }
 
-  Distance distance_;
+  SameFace sameFace_;
   Sight sight_;
   platform::Outlet<platform::UIView> readingOverlay_;  // its button answers touch only when shown
-  std::vector<std::unique_ptr<platform::NotificationCenter::Observation>> observations_;
-  std::shared_ptr<platform::AVCaptureSession> microphone_;
   std::shared_ptr<corvana::VideoCapture> recorder_;
-  std::shared_ptr<platform::Timer> countdown_, debugTimer_;
-  bool sentForMicrophone_ = false, sentForSpeech_ = false;
+  std::shared_ptr<platform::Timer> countdown_;
   int secondsLeft_;
   float heard_ = 0;
   bool flipping_ = false;

@@ -28,9 +28,6 @@ Step wildStep(Dice& dice, const Beginning& beginning) {
       {3, [&] { return end(); }},
       {8, [&] { return speak(dice, beginning); }},
       {12, [&] { return touchAnything(dice); }},
-      {2, [&] { return returnToForeground(); }},
-      {2, [&] { return changePermission(dice); }},
-      {4, [&] { return postDebugData(dice); }},
       {3, [&] { return changeCaptureMode(dice); }},
       {2, [&] { return chooseFilmsEnd(dice); }},
       {1, [&] { return letFilmAnswerTwice(); }},
@@ -98,8 +95,6 @@ Step CarefulHost::next(Dice& dice) {
   if (roll < 50) return waitAnyTime(dice);
   if (roll < 65) return speak(dice, beginning_);
   if (roll < 90) return touchAnything(dice);
-  if (roll < 93) return returnToForeground();
-  if (roll < 95) return changePermission(dice);
   if (roll < 97) return changeCaptureMode(dice);
   return chooseFilmsEnd(dice);
 }

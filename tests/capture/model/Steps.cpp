@@ -1,6 +1,5 @@
 #include "Steps.h"
 
-#include "corvana/Notifications.h"
 #include "corvana/StateNames.h"
 #include "devices/screen/ViewSearch.h"
 
@@ -37,7 +36,8 @@ std::string spoil(DetectedData& data, Dice& dice, bool keepsPromises) {
   static const Strings types = {"IDENTITY_CARD_FRONT", "IDENTITY_CARD_BACK",
                                 "DRIVING_LICENCE_FRONT", "DRIVING_LICENCE_BACK"};
   static const Strings oddTypes = {"ID_CARD", "SIXSIX", "identity_card_back"};
-  static const std::vector<Strings> readings = {{"MARTAEXEM"}, {"NOBODY"}, {}};
+  static const std::vector<Strings> readings = {
+      {"MARTAEXEM"}, {"MARTAEXEMPLA\u0308R"}, {"MARTAEXEMPLAR"}, {"NOBODY"}, {}};
   switch (dice.roll(keepsPromises ? 6 : 9)) {
     case 0:
       data.faceImage = anyFace(dice, 0).first;
@@ -81,15 +81,6 @@ std::pair<DetectedData, std::string> anyCard(Dice& dice, const Beginning& beginn
   if (keepsPromises && !data.type) data.type = "IDENTITY_CARD_FRONT";
   if (dice.chance(30)) name += spoil(data, dice, keepsPromises);
   return {data, name};
-}
-
-using UserInfo = std::map<std::string, std::any>;
-
-Step notification(const std::string& text, const char* name, UserInfo info) {
-  auto userInfo = std::make_shared<const UserInfo>(std::move(info));
-  return {text, [name, userInfo](TestWorld& world) {
-            world.notificationCenter.post({name, userInfo});
-          }};
 }
 
 }  // namespace
@@ -211,46 +202,12 @@ Step speak(Dice& dice, const Beginning& beginning) {
           }};
 }
 
-Step returnToForeground() {
-  return {"foreground", [](TestWorld& world) { world.postWillEnterForeground(); }};
-}
-
-Step changePermission(Dice& dice) {
-  using Microphone = platform::AVAuthorizationStatus;
-  using Speech = platform::SFSpeechRecognizerAuthorizationStatus;
-  const bool given = dice.chance(60);
-  const bool microphone = dice.chance(50);
-  return {std::string(microphone ? "microphone " : "speech ") + (given ? "given" : "denied"),
-          [given, microphone](TestWorld& world) {
-            if (microphone) {
-              world.mediaDevices.microphoneStatus =
-                  given ? Microphone::authorized : Microphone::denied;
-            } else {
-              world.speechAuthorization.status = given ? Speech::authorized : Speech::denied;
-            }
-          }};
-}
-
-Step postDebugData(Dice& dice) {
-  if (dice.chance(50)) {
-    UserInfo info{{"fullSize", kSquare}};
-    if (dice.chance(70)) info["faceRect"] = platform::CGRect{1, 2, 3, 4};
-    if (dice.chance(70)) info["faceLivenessScore"] = 0.75F;
-    return notification("selfie debug data", corvana::kSelfieCaptureDebugData, std::move(info));
-  }
-  corvana::DebugData data;
-  data.fullSize = kSquare;
-  if (dice.chance(50)) data.faceLocation = platform::CGRect{1, 2, 3, 4};
-  if (dice.chance(50)) data.topClassifierResults.emplace();
-  return notification("card debug data", corvana::kIDCaptureDebugData, {{"debugData", data}});
-}
-
 Step changeCaptureMode(Dice& dice) {
   static const std::vector<CaptureMode> modes = {CaptureMode::standard, CaptureMode::high,
                                                  CaptureMode::barcode, CaptureMode::barcode};
   const CaptureMode mode = dice.pick(modes);
-  return notification("capture mode " + std::to_string(static_cast<int>(mode)),
-                      corvana::kIDCaptureMode, {{"captureMode", mode}});
+  return {"capture mode " + std::to_string(static_cast<int>(mode)),
+          [mode](TestWorld& world) { world.host.captureSession()->setCaptureMode(mode); }};
 }
 
 Step chooseFilmsEnd(Dice& dice) {

@@ -40,9 +40,6 @@ Step showLiveFace(Dice& dice);
 Step loseLiveFace();
 
 Step speak(Dice& dice, const Beginning& beginning);
-Step returnToForeground();
-Step changePermission(Dice& dice);
-Step postDebugData(Dice& dice);
 Step changeCaptureMode(Dice& dice);
 /// How the film will end, and how long that takes.
 Step chooseFilmsEnd(Dice& dice);
