@@ -37,10 +37,20 @@ int main(int argc, char** argv) {
   devices::ReportingSystemSounds sounds([&](auto) { screen.flash(); });
   devices::ScriptedHost host(loop, media);
   devices::DirectoryBundle bundle(RESOURCES "/capture",
-                                  screen.makeStoryboards(capture::controllerFactories()));
-  platform::Environment world{loop,   bundle, notifications, console, settings, media,
-                              speech, sounds, host,          {},      &screen,  &hub};
-  world.mainScreen.bounds = {0, 0, screen.size().width, screen.size().height};
+                                  screen.makeStoryboards(capture::controllerFactories(host)));
+  platform::Environment world{
+      .runLoop = loop,
+      .bundle = bundle,
+      .notificationCenter = notifications,
+      .console = console,
+      .application = settings,
+      .mediaDevices = media,
+      .speechAuthorization = speech,
+      .systemSounds = sounds,
+      .mainScreen = {{0, 0, screen.size().width, screen.size().height}},
+      .animations = &screen,
+      .presentations = &hub,
+  };
 
   auto root = std::make_shared<platform::UIViewController>(world);
   auto screens = std::make_unique<platform::UIWindow>(root);

@@ -7,19 +7,17 @@
 #include "corvana/StoryboardIdentifier.h"
 
 namespace capture {
-namespace {
 
-template <class Controller>
-platform::ControllerFactories::value_type factory() {
-  return {corvana::storyboardIdentifier<Controller>(), [](platform::Environment& environment) {
-            return std::make_shared<Controller>(environment);
-          }};
-}
-
-}  // namespace
-
-platform::ControllerFactories controllerFactories() {
-  return {factory<VideoCaptureViewController>(), factory<VideoRetryViewController>()};
+platform::ControllerFactories controllerFactories(corvana::HostFactories& host,
+                                                  corvana::DecisionObserver* decisions) {
+  return {{corvana::storyboardIdentifier<VideoCaptureViewController>(),
+           [&host, decisions](platform::Environment& environment) {
+             return std::make_shared<VideoCaptureViewController>(environment, host, decisions);
+           }},
+          {corvana::storyboardIdentifier<VideoRetryViewController>(),
+           [](platform::Environment& environment) {
+             return std::make_shared<VideoRetryViewController>(environment);
+           }}};
 }
 
 }  // namespace capture

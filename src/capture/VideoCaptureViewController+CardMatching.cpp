@@ -61,13 +61,12 @@ void VideoCaptureViewController::judgeSide(const DetectedData& data) {
 void VideoCaptureViewController::judgeFront(const DetectedData& data) {
   const bool faceMatches = frontFaceMatches(data);
   if (!idValidationFront || !idValidationFront->ocrStrings) return;
-  const bool textMatches =
-      this->textMatches("frontText", *idValidationFront->ocrStrings, *data.ocrStrings,
-                        VideoCapture::options.frontLevenshteinThreshold);
-  if (faceMatches && textMatches) {
+  const bool sameText = textMatches("frontText", *idValidationFront->ocrStrings, *data.ocrStrings,
+                                    VideoCapture::options.frontLevenshteinThreshold);
+  if (faceMatches && sameText) {
     acceptFront(data);
   } else {
-    showIDMismatch(mismatchText(faceMatches, textMatches));
+    showIDMismatch(mismatchText(faceMatches, sameText));
   }
 }
 
@@ -162,7 +161,7 @@ bool VideoCaptureViewController::isUnexpected(const DetectedData& data) {
     return false;
   }
   if (!frontDetectedData_->type || !data.type) return false;
-  if (!isOfFrontsFamily(*data.type)) {
+  if (!compareWithFrontsType(*data.type)) {
     showIDError(IDCapture::strings.frontBackMismatch);
     const auto now = environment().runLoop.now();
     if (!typeMismatchStartTime_) typeMismatchStartTime_ = now;
@@ -178,7 +177,7 @@ bool VideoCaptureViewController::isUnexpected(const DetectedData& data) {
   return false;
 }
 
-bool VideoCaptureViewController::isOfFrontsFamily(const std::string& type) const {
+bool VideoCaptureViewController::compareWithFrontsType(const std::string& type) const {
   const bool same = hasPrefixDroppingLast(type, *frontDetectedData_->type, kFrontSuffixLength);
   noteDecision("documentType", std::nullopt, std::nullopt, same);
   return same;

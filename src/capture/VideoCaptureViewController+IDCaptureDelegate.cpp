@@ -113,6 +113,7 @@ void VideoCaptureViewController::promptForMissingFeature(const DetectedData& dat
 void VideoCaptureViewController::showIDMessage(
     const std::optional<std::string>& message, PromptType type,
     const std::optional<platform::UIColor>& frameTintColor) {
+  if (decisions_) decisions_->prompted(corvana::PromptPlace::card, type);
   if (frameTintColor == platform::colors::kClear) {
     for (const auto& bezel : outlets_.selfieOverlayBezels)
       bezel->setHidden(true);

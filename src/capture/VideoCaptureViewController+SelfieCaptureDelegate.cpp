@@ -91,14 +91,14 @@ void VideoCaptureViewController::handle(const SelfieCaptureState& state) {
 }
 
 void VideoCaptureViewController::judgeSelfie(const Selfie& selfie) {
-  if (isReferenceFace(selfie)) {
+  if (compareWithReference(selfie)) {
     acceptSelfie(selfie);
   } else {
     showFaceMismatch();
   }
 }
 
-bool VideoCaptureViewController::isReferenceFace(const Selfie& selfie) {
+bool VideoCaptureViewController::compareWithReference(const Selfie& selfie) {
   if (!idValidationFront || !idValidationFront->faceImage) return false;
   const float threshold = VideoCapture::options.idToSelfieMatchThreshold;
   const auto match =
@@ -133,6 +133,7 @@ void VideoCaptureViewController::showFaceMismatch() {
 
 void VideoCaptureViewController::showSelfieMessage(const std::optional<std::string>& message,
                                                    PromptType type) {
+  if (decisions_) decisions_->prompted(corvana::PromptPlace::face, type);
   const PromptColors colors = promptColors(type, SelfieCapture::colors);
   outlets_.selfieOverlayLabel->setTextColor(colors.text);
   if (const auto& font = SelfieCapture::fonts.labelFont)

@@ -5,7 +5,6 @@
 #include "capture/Bundle+Framework.h"
 #include "capture/RecorderAudioDelegate.h"
 #include "capture/VideoWriterSettings.h"
-#include "corvana/Decision.h"
 #include "corvana/HostFactories.h"
 #include "corvana/Notifications.h"
 
@@ -48,8 +47,11 @@ void placePrompt(LabelPosition position, const VideoCaptureOutlets::Constraint& 
 
 }  // namespace
 
-VideoCaptureViewController::VideoCaptureViewController(platform::Environment& environment)
-    : CaptureSessionViewController(environment),
+VideoCaptureViewController::VideoCaptureViewController(platform::Environment& environment,
+                                                       corvana::HostFactories& host,
+                                                       corvana::DecisionObserver* decisions)
+    : CaptureSessionViewController(environment, host),
+      decisions_(decisions),
       faceEllipseLayer_(std::make_shared<platform::CALayer>()),
       audioCaptureSession_(
           std::make_shared<AudioCaptureSession>(environment.runLoop, environment.mediaDevices)),
@@ -138,9 +140,9 @@ bool VideoCaptureViewController::startRecorder() {
   const auto audioSettings =
       audioCaptureSession_->audioDataOutput().recommendedAudioSettingsForAssetWriter(
           VideoWriter::fileType);
-  auto recorder = environment().host.makeVideoCapture(outlets_.selfieOverlayImageView->frame(),
-                                                      outlets_.idFrameImageView->frame(),
-                                                      videoSettings, audioSettings);
+  auto recorder =
+      host().makeVideoCapture(outlets_.selfieOverlayImageView->frame(),
+                              outlets_.idFrameImageView->frame(), videoSettings, audioSettings);
   if (!recorder) return false;
   recorder->setDelegate(strongSelf());
   videoCapture_ = std::move(recorder);
@@ -194,7 +196,7 @@ void VideoCaptureViewController::presentAlert(std::string title, std::string mes
 
 void VideoCaptureViewController::noteDecision(const char* name, std::optional<double> value,
                                               std::optional<double> threshold, bool passed) const {
-  if (auto* observer = environment().decisions) observer->decided({name, value, threshold, passed});
+  if (decisions_) decisions_->decided({name, value, threshold, passed});
 }
 
 std::shared_ptr<VideoCaptureViewController> VideoCaptureViewController::strongSelf() {

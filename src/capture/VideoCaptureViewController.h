@@ -11,6 +11,7 @@
 #include "capture/VideoCapturePresentableViewController.h"
 #include "capture/VideoRetryViewController.h"
 #include "corvana/CaptureSessionViewController.h"
+#include "corvana/Decision.h"
 #include "corvana/VideoCapture.h"
 
 namespace capture {
@@ -29,7 +30,9 @@ class VideoCaptureViewController final : public corvana::CaptureSessionViewContr
   static constexpr const char* kClassName = "VideoCaptureViewController";
 
   /// Loads the face model and reads the seconds of the countdown from the host's options.
-  explicit VideoCaptureViewController(platform::Environment& environment);
+  /// `decisions` is told what was judged and how; null when nobody keeps a record.
+  VideoCaptureViewController(platform::Environment& environment, corvana::HostFactories& host,
+                             corvana::DecisionObserver* decisions);
   ~VideoCaptureViewController() override;
 
   corvana::CameraPosition cameraPosition() const override { return corvana::CameraPosition::front; }
@@ -75,7 +78,7 @@ class VideoCaptureViewController final : public corvana::CaptureSessionViewContr
   // Selfie
   void handle(const corvana::SelfieCaptureState& state);
   void judgeSelfie(const corvana::Selfie& selfie);
-  bool isReferenceFace(const corvana::Selfie& selfie);
+  bool compareWithReference(const corvana::Selfie& selfie);
   void acceptSelfie(const corvana::Selfie& selfie);
   void showFaceMismatch();
   void showSelfieMessage(const std::optional<std::string>& text, corvana::PromptType type);
@@ -104,7 +107,7 @@ class VideoCaptureViewController final : public corvana::CaptureSessionViewContr
   void setIDImage(platform::UIImageRef image);
   void idImageDidSet();
   bool isUnexpected(const corvana::DetectedData& data);
-  bool isOfFrontsFamily(const std::string& type) const;
+  bool compareWithFrontsType(const std::string& type) const;
 
   // Flip
   void showFlipAnimation();
@@ -138,6 +141,7 @@ class VideoCaptureViewController final : public corvana::CaptureSessionViewContr
   std::shared_ptr<VideoCaptureViewController> strongSelf();
   std::weak_ptr<VideoCaptureViewController> weakSelf() { return strongSelf(); }
 
+  corvana::DecisionObserver* const decisions_;
   VideoCaptureOutlets outlets_;
   std::vector<std::unique_ptr<platform::NotificationCenter::Observation>> observations_;
 

@@ -8,8 +8,9 @@ namespace corvana {
 
 using platform::QualityOfService;
 
-CaptureSessionViewController::CaptureSessionViewController(platform::Environment& environment)
-    : UIViewController(environment) {}
+CaptureSessionViewController::CaptureSessionViewController(platform::Environment& environment,
+                                                           HostFactories& host)
+    : UIViewController(environment), host_(host) {}
 
 CaptureSessionViewController::~CaptureSessionViewController() {
   // The queue owns the session from here: stopping a camera may take time.
@@ -20,7 +21,7 @@ CaptureSessionViewController::~CaptureSessionViewController() {
 }
 
 CaptureSession& CaptureSessionViewController::captureSession() {
-  if (!captureSession_) captureSession_ = environment().host.makeCaptureSession(cameraPosition());
+  if (!captureSession_) captureSession_ = host_.makeCaptureSession(cameraPosition());
   return *captureSession_;
 }
 

@@ -7,11 +7,14 @@
 
 namespace corvana {
 
+class HostFactories;
+
 /// A screen with a camera behind it. The camera starts when the screen is about to appear and stops
 /// when it has disappeared.
 class CaptureSessionViewController : public platform::UIViewController {
  public:
-  explicit CaptureSessionViewController(platform::Environment& environment);
+  /// `host` outlives the screen.
+  CaptureSessionViewController(platform::Environment& environment, HostFactories& host);
   ~CaptureSessionViewController() override;
 
   /// The background of success prompts where the tables give none: #2E7D32, 5.1:1 under white.
@@ -31,7 +34,11 @@ class CaptureSessionViewController : public platform::UIViewController {
   void viewWillAppear(bool animated) override;
   void viewDidDisappear(bool animated) override;
 
+ protected:
+  HostFactories& host() const { return host_; }
+
  private:
+  HostFactories& host_;
   std::shared_ptr<CaptureSession> captureSession_;
   std::shared_ptr<platform::CALayer> previewLayer_;
 };

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <string>
 
 #include "corvana/IDError.h"
 #include "platform/media/SampleBuffer.h"
@@ -20,13 +19,6 @@ class SpeechRecognizerDelegate {
 /// Turns microphone samples into words.
 class SpeechRecognizer {
  public:
-  struct Options {
-    /// The text that will be read aloud; its words are expected, others are still heard. Empty
-    /// means the stock language model. Set before the entry.
-    std::string contextualText;
-  };
-  static inline Options options;
-
   virtual ~SpeechRecognizer() = default;
   /// Model and library can be loaded; says nothing about whether the model is built yet. Main
   /// queue, while a screen appears: soon done.

@@ -12,15 +12,10 @@
 #include "platform/media/CaptureDevice.h"
 #include "platform/media/Speech.h"
 #include "platform/media/SystemSounds.h"
-
-namespace corvana {
-class DecisionObserver;
-class HostFactories;
-}  // namespace corvana
+#include "platform/uikit/Animations.h"
 
 namespace platform {
 
-class AnimationPlayer;
 class Bundle;
 class PresentationObserver;
 
@@ -39,8 +34,8 @@ class UIApplication {
   virtual void open(const std::string& url) = 0;
 };
 
-/// The world, handed down to each controller. Everything in it outlives the controllers, also those
-/// that only a block or a timer of the run loop still holds.
+/// What the device offers, handed down to each controller. Fill it by name. Everything in it
+/// outlives the controllers, also those that only a block or a timer of the run loop still holds.
 struct Environment {
   RunLoop& runLoop;
   Bundle& bundle;  ///< resources of the module
@@ -50,16 +45,13 @@ struct Environment {
   MediaDevices& mediaDevices;
   SpeechAuthorization& speechAuthorization;
   SystemSounds& systemSounds;
-  corvana::HostFactories& host;
   UIScreen mainScreen;
-  AnimationPlayer* animations = nullptr;           ///< null: only final states are shown
-  PresentationObserver* presentations = nullptr;   ///< null: nobody watches the stack of screens
-  corvana::DecisionObserver* decisions = nullptr;  ///< null: no record of the run is kept
+  Animations animations = {};
+  PresentationObserver* presentations = nullptr;  ///< null: nobody watches the stack of screens
+
   /// The bundle of the software that a class belongs to. There is one here; where each module is
   /// packed by itself, the class tells which.
   Bundle& bundleFor(const std::type_info& /*anchor*/) const { return bundle; }
-  /// Kept by `UIView::animate`: when the animation ends whose values are being set.
-  std::optional<TimePoint> animationEnd = {};
 };
 
 }  // namespace platform

@@ -123,7 +123,8 @@ TEST_F(Contract, AScreenWithoutAStoryboardIsNotShown) {
   platform::Outlet<platform::UILabel> outlet;
   outlet.connect("captureLabel", nullptr);
   EXPECT_DEATH(outlet->text(), "the outlet \"captureLabel\" is not connected");
-  EXPECT_DEATH(capture::VideoCaptureViewController(world.environment).view(), "not connected");
+  EXPECT_DEATH(capture::VideoCaptureViewController(world.environment, world.host, nullptr).view(),
+               "not connected");
   EXPECT_DEATH(capture::VideoRetryViewController(world.environment).view(), "not connected");
 }
 

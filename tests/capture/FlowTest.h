@@ -40,8 +40,7 @@ class FlowTest : public testing::Test, protected corvana::DecisionObserver {
   static constexpr int kStranger = 1;
 
   FlowTest() {
-    world.factories = capture::controllerFactories();
-    world.environment.decisions = this;
+    world.factories = capture::controllerFactories(world.host, this);
     front.type = "IDENTITY_CARD_FRONT";
     front.side = DocumentSide::front;
     front.ocrStrings = {{"MARTA", "EXEMPLAR"}};

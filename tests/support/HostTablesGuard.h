@@ -2,7 +2,6 @@
 
 #include "corvana/IDCapture.h"
 #include "corvana/SelfieCapture.h"
-#include "corvana/SpeechRecognizer.h"
 #include "corvana/VideoCapture.h"
 
 namespace tests {
@@ -36,7 +35,6 @@ class HostTablesGuard {
   RestoreCapture<corvana::IDCapture> id_;
   Restore<corvana::VideoCapture::Options> options_{corvana::VideoCapture::options};
   Restore<corvana::VideoCapture::Strings> strings_{corvana::VideoCapture::strings};
-  Restore<corvana::SpeechRecognizer::Options> speech_{corvana::SpeechRecognizer::options};
 };
 
 }  // namespace tests

@@ -15,16 +15,15 @@ TestWorld::TestWorld()
                storyboard_ = std::make_shared<devices::HeadlessStoryboard>(env, scenes, factories);
                return storyboard_;
              }),
-      environment{loop,
-                  bundle,
-                  notificationCenter,
-                  console,
-                  application,
-                  mediaDevices,
-                  speechAuthorization,
-                  sounds,
-                  host,
-                  {devices::kHeadlessScreen}},
+      environment{.runLoop = loop,
+                  .bundle = bundle,
+                  .notificationCenter = notificationCenter,
+                  .console = console,
+                  .application = application,
+                  .mediaDevices = mediaDevices,
+                  .speechAuthorization = speechAuthorization,
+                  .systemSounds = sounds,
+                  .mainScreen = {devices::kHeadlessScreen}},
       root(std::make_shared<platform::UIViewController>(environment)),
       window_(std::make_unique<platform::UIWindow>(root)) {}
 

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "capture/ControllerFactories.h"
-#include "corvana/SpeechRecognizer.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
 
 namespace app {
@@ -23,7 +22,7 @@ engine::EngineHost::Setup hostSetup(
     platform::AssetWriterFactory& films, std::shared_ptr<engine::FrameAnalyzer> analyzer,
     platform::CGSize screenSize, engine::RecorderObserver& observer, FlowEnd& end) {
   auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
-      loop, engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder));
+      loop, engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder), inputs.text);
   return {loop,
           notifications,
           mediaDevices,
@@ -88,23 +87,21 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs&
         reporter_.soundPlayed(sound);
         screen_.play(sound);
       }),
-      bundle_(resources.module, screen_.makeStoryboards(capture::controllerFactories())),
+      bundle_(resources.module, screen_.makeStoryboards(capture::controllerFactories(host_, this))),
       films_(loop_),
       host_(hostSetup(arguments, inputs, loop_, notificationCenter_, mediaDevices_, films_,
                       analyzer_, screen_.size(), events_, end_)),
-      environment_{loop_,
-                   bundle_,
-                   notificationCenter_,
-                   console_,
-                   application_,
-                   mediaDevices_,
-                   speechAuthorization_,
-                   sounds_,
-                   host_,
-                   {{0, 0, screen_.size().width, screen_.size().height}},
-                   screen_.animations(),
-                   &hub_,
-                   &events_} {
+      environment_{.runLoop = loop_,
+                   .bundle = bundle_,
+                   .notificationCenter = notificationCenter_,
+                   .console = console_,
+                   .application = application_,
+                   .mediaDevices = mediaDevices_,
+                   .speechAuthorization = speechAuthorization_,
+                   .systemSounds = sounds_,
+                   .mainScreen = {{0, 0, screen_.size().width, screen_.size().height}},
+                   .animations = screen_.animations(),
+                   .presentations = &hub_} {
   screen_.join(hub_);
   hub_.add(reporter_);
   if (arguments.personIsVirtual) hub_.add(person_);
@@ -155,7 +152,6 @@ bool CaptureFlow::hasEnded() {
 }
 
 void CaptureFlow::start() {
-  corvana::SpeechRecognizer::options.contextualText = inputs_.text;
   auto root = std::make_shared<platform::UIViewController>(environment_);
   window_ = std::make_unique<platform::UIWindow>(root);
   capture::videoIDCapture(*root, inputs_.reference.front, inputs_.reference.back, inputs_.text,

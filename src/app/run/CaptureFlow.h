@@ -24,7 +24,7 @@ namespace app {
 
 /// The world of one run, from the entry to the closed film. While it lives, SIGINT and SIGTERM
 /// cancel it. Main thread; used once.
-class CaptureFlow {
+class CaptureFlow final : private corvana::DecisionObserver {
  public:
   /// What the user would see, line by line; may be empty.
   using Progress = std::function<void(platform::TimePoint now, const devices::FlowEvent& event)>;
@@ -33,7 +33,7 @@ class CaptureFlow {
               const Resources& resources, FlowStage& stage,
               std::shared_ptr<devices::MediaSource> media,
               std::shared_ptr<engine::FrameAnalyzer> analyzer, Progress progress);
-  ~CaptureFlow();
+  ~CaptureFlow() override;
 
   /// Runs to the end and closes film and events: every flow ends, with a result or an error.
   RunRecord run();
@@ -51,6 +51,10 @@ class CaptureFlow {
   void endAfterGrace(bool filmWasStopping = false);
   void close();
   void report(const devices::FlowEvent& event);
+  void decided(const corvana::Decision& decision) override { events_.decided(decision); }
+  void prompted(corvana::PromptPlace place, corvana::PromptType type) override {
+    reporter_.prompted(place, type);
+  }
 
   const CaptureArguments& arguments_;
   const CaptureInputs& inputs_;

@@ -10,7 +10,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uint64_t kMaxOptionsBytes = 1 << 16;
+constexpr std::uint64_t kMostOptionsBytes = 1 << 16;
 constexpr int kMostNumberedFolders = 10000;
 
 bool isUtf8(const std::string& text) {
@@ -30,13 +30,13 @@ bool hasLetter(const std::string& text) {
 Expected<std::string> checkText(const CaptureArguments& arguments) {
   std::string text = arguments.text.value_or("");
   if (arguments.textFile) {
-    auto content = readFile(*arguments.textFile, kMaxTextBytes);
+    auto content = readFile(*arguments.textFile, kMostTextBytes);
     if (!content) return tl::unexpected(content.error());
     text = std::move(*content);
   }
   while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
     text.pop_back();
-  if (text.size() > kMaxTextBytes) {
+  if (text.size() > kMostTextBytes) {
     return tl::unexpected(std::string("The text is longer than 8000 bytes; give a shorter one."));
   }
   if (!isUtf8(text)) return tl::unexpected(std::string("The text is not valid UTF-8; save it so."));
@@ -48,7 +48,7 @@ Expected<std::string> checkText(const CaptureArguments& arguments) {
 
 Expected<void> setOptions(const std::optional<fs::path>& file) {
   if (!file) return {};
-  const auto content = readFile(*file, kMaxOptionsBytes);
+  const auto content = readFile(*file, kMostOptionsBytes);
   if (!content) return tl::unexpected(content.error());
   const auto object = parseJson(*content, file->string());
   if (!object) return tl::unexpected(object.error());

@@ -22,6 +22,6 @@ struct CaptureInputs {
 Expected<CaptureInputs> checkInputs(const CaptureArguments& arguments);
 
 /// Longer than anyone reads aloud in ten minutes.
-inline constexpr std::size_t kMaxTextBytes = 8000;
+inline constexpr std::size_t kMostTextBytes = 8000;
 
 }  // namespace app

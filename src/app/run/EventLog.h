@@ -18,7 +18,7 @@ namespace app {
 /// events.jsonl of a run: one JSON object a line, with the time since the start in seconds. Each
 /// line reaches the file at once, so that a crash loses none. A line that can't be written is told,
 /// and is the end of the file: what stands there is whole. Main queue.
-class EventLog final : public engine::RecorderObserver, public corvana::DecisionObserver {
+class EventLog final : public engine::RecorderObserver {
  public:
   using OnFault = std::function<void(const platform::Fault&)>;
 
@@ -30,7 +30,7 @@ class EventLog final : public engine::RecorderObserver, public corvana::Decision
   void add(const std::string& event, const nlohmann::ordered_json& fields);
 
   void happened(const engine::RecorderEvent& event) override;
-  void decided(const corvana::Decision& decision) override;
+  void decided(const corvana::Decision& decision);
 
   static constexpr const char* kFileName = "events.jsonl";
 

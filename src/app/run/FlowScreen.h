@@ -12,6 +12,7 @@
 #include "platform/foundation/DrivenLoop.h"
 #include "platform/media/CaptureDevice.h"
 #include "platform/media/SystemSounds.h"
+#include "platform/uikit/Animations.h"
 
 namespace app {
 

@@ -12,7 +12,7 @@ using corvana::MRZResult;
 using nlohmann::json;
 
 constexpr int kFormatVersion = 1;
-constexpr std::uint64_t kMaxReferenceBytes = 1 << 20;
+constexpr std::uint64_t kMostReferenceBytes = 1 << 20;
 
 /// A field of the file has another shape than ours; caught where the file is read.
 struct WrongShape {
@@ -155,7 +155,7 @@ Expected<void> saveReference(const Reference& reference, const fs::path& folder)
 
 Expected<Reference> loadReference(const fs::path& folder) {
   const fs::path path = folder / kReferenceFileName;
-  const auto text = readFile(path, kMaxReferenceBytes);
+  const auto text = readFile(path, kMostReferenceBytes);
   if (!text) {
     return tl::unexpected(text.error() + " A reference is made with `videoid enroll`.");
   }

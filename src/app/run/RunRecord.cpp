@@ -11,7 +11,7 @@ namespace fs = std::filesystem;
 using nlohmann::ordered_json;
 
 constexpr int kFormatVersion = 1;
-constexpr std::uint64_t kMaxResultBytes = 1 << 20;
+constexpr std::uint64_t kMostResultBytes = 1 << 20;
 
 ordered_json outcomeToJson(const RunRecord& record) {
   const Outcome& outcome = record.outcome;
@@ -124,7 +124,7 @@ WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources
 
 Expected<std::vector<std::string>> verifyRun(const fs::path& folder) {
   const fs::path path = folder / kResultFileName;
-  const auto text = readFile(path, kMaxResultBytes);
+  const auto text = readFile(path, kMostResultBytes);
   if (!text) return tl::unexpected(text.error());
   const auto object = parseJson(*text, path.string());
   if (!object) return tl::unexpected(object.error());

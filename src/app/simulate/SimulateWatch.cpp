@@ -7,7 +7,6 @@
 #include <optional>
 #include <utility>
 
-#include "capture/VideoCaptureViewController.h"
 #include "devices/screen/ViewSearch.h"
 #include "platform/uikit/Controls.h"
 #include "platform/uikit/UIViewController.h"
@@ -191,13 +190,6 @@ std::string alertLine(const platform::UIAlertController& alert) {
   return line;
 }
 
-bool isScene(platform::UIViewController& controller, const char* scene) {
-  return devices::shownBy(controller).view().name() == scene;
-}
-
-constexpr const char* kCaptureScene = capture::VideoCaptureViewController::kClassName;
-constexpr const char* kRetryScene = capture::VideoRetryViewController::kClassName;
-
 }  // namespace
 
 std::string fixedDecimals(double value, int decimals) {
@@ -208,53 +200,41 @@ std::string fixedDecimals(double value, int decimals) {
 }
 
 SimulateWatch::SimulateWatch(platform::RunLoop& loop, Print print, std::vector<Gauge> gauges)
-    : loop_(loop), print_(std::move(print)), gauges_(std::move(gauges)) {
+    : ScreenReader(loop, platform::Duration(1)),
+      print_(std::move(print)),
+      gauges_(std::move(gauges)) {
   for (Gauge& gauge : gauges_)
     gauge.last = gauge.read();
 }
 
-void SimulateWatch::willPresent(platform::UIViewController& controller) {
-  if (isScene(controller, kCaptureScene)) {
-    screen_ = &devices::shownBy(controller).view();
-    seen_.assign(std::size(kReadings), "");
-    covered_ = false;
-    print_("screen capture");
-    lookSoon();
-  } else if (isScene(controller, kRetryScene)) {
-    covered_ = true;
-  }
+void SimulateWatch::captureScreenCame() {
+  seen_.assign(std::size(kReadings), "");
+  print_("screen capture");
 }
 
-void SimulateWatch::didPresent(platform::UIViewController& controller) {
-  if (const auto* alert = dynamic_cast<platform::UIAlertController*>(&controller)) {
-    print_(alertLine(*alert));
-  } else if (isScene(controller, kRetryScene)) {
-    printRetryScreen(controller.view());
-  } else {
-    lookSoon();
-  }
+void SimulateWatch::captureScreenLeft() {
+  print_("screen closed");
 }
 
-void SimulateWatch::didDismiss(platform::UIViewController& controller) {
-  if (dynamic_cast<platform::UIAlertController*>(&controller)) {
-    print_("alert none");
-  } else if (isScene(controller, kRetryScene)) {
-    print_("screen capture");
-    covered_ = false;
-    lookSoon();
-  } else if (isScene(controller, kCaptureScene)) {
-    screen_ = nullptr;
-    print_("screen closed");
-  }
+void SimulateWatch::alertCame(const platform::UIAlertController& alert) {
+  print_(alertLine(alert));
+}
+
+void SimulateWatch::alertLeft() {
+  print_("alert none");
+}
+
+void SimulateWatch::retryScreenLeft() {
+  print_("screen capture");
 }
 
 void SimulateWatch::willFlip(UIView& view, platform::Duration duration) {
   look();
-  if (covered_) return;
+  if (isCovered()) return;
   print_("flip " + view.name() + " " + fixedDecimals(platform::inSeconds(duration), 2) + " s");
 }
 
-void SimulateWatch::printRetryScreen(UIView& root) {
+void SimulateWatch::retryScreenCame(UIView& root) {
   print_("screen retry");
   if (const auto* label = seenView<UILabel>(root, "label")) {
     print_(lineOf("message", inColors(label->textColor(), root.backgroundColor()) +
@@ -270,27 +250,18 @@ void SimulateWatch::printRetryScreen(UIView& root) {
   }
 }
 
-void SimulateWatch::lookSoon() {
-  if (std::exchange(lookPending_, true)) return;
-  loop_.mainQueue().asyncAfter(platform::Duration(1), [this, alive = std::weak_ptr(alive_)] {
-    if (alive.expired()) return;
-    lookPending_ = false;
-    look();
-  });
-}
-
 void SimulateWatch::look() {
-  if (screen_ && !covered_) lookAtScreen();
+  if (UIView* screen = screenInSight()) lookAtScreen(*screen);
   for (Gauge& gauge : gauges_) {
     const std::string before = std::exchange(gauge.last, gauge.read());
     if (gauge.last != before) print_(lineOf(gauge.name, gauge.last));
   }
 }
 
-void SimulateWatch::lookAtScreen() {
+void SimulateWatch::lookAtScreen(UIView& root) {
   for (std::size_t i = 0; i < seen_.size(); ++i) {
     const Reading& reading = kReadings[i];
-    const std::string before = std::exchange(seen_[i], reading.read(*screen_, reading.view));
+    const std::string before = std::exchange(seen_[i], reading.read(root, reading.view));
     if (seen_[i] != before) print_(lineOf(reading.name, seen_[i]));
   }
 }

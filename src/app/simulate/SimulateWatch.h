@@ -1,12 +1,11 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "devices/screen/ScreenHub.h"
-#include "platform/foundation/RunLoop.h"
+#include "devices/screen/ScreenReader.h"
+#include "platform/uikit/Animations.h"
 #include "platform/uikit/UIView.h"
 
 namespace app {
@@ -15,7 +14,7 @@ namespace app {
 /// the gauges beside them. Changes of one instant are seen together; nothing is told of a screen
 /// that another covers. Add it to the `ScreenHub` and make it the environment's animation player.
 /// Main queue.
-class SimulateWatch final : public devices::ScreenListener, public platform::AnimationPlayer {
+class SimulateWatch final : public devices::ScreenReader, public platform::AnimationPlayer {
  public:
   using Print = std::function<void(const std::string& line)>;
   /// Something beside the screen that has a value at all times, as whether the microphone runs.
@@ -27,30 +26,24 @@ class SimulateWatch final : public devices::ScreenListener, public platform::Ani
 
   SimulateWatch(platform::RunLoop& loop, Print print, std::vector<Gauge> gauges);
 
-  /// Looks when all that is due at this instant has been done.
-  void lookSoon();
-
-  void willPresent(platform::UIViewController& controller) override;
-  void didPresent(platform::UIViewController& controller) override;
-  void didDismiss(platform::UIViewController& controller) override;
-  void viewChanged(platform::UIView&, const char*) override { lookSoon(); }
   /// What is about to fade has been seen.
   void willAnimate(platform::Duration) override { look(); }
   void willFlip(platform::UIView& view, platform::Duration duration) override;
 
  private:
-  void look();
-  void lookAtScreen();
-  void printRetryScreen(platform::UIView& root);
+  void captureScreenCame() override;
+  void captureScreenLeft() override;
+  void alertCame(const platform::UIAlertController& alert) override;
+  void alertLeft() override;
+  void retryScreenCame(platform::UIView& root) override;
+  void retryScreenLeft() override;
+  void look() override;
 
-  platform::RunLoop& loop_;
+  void lookAtScreen(platform::UIView& root);
+
   Print print_;
   std::vector<Gauge> gauges_;
-  platform::UIView* screen_ = nullptr;
-  bool covered_ = false;
-  bool lookPending_ = false;
   std::vector<std::string> seen_;
-  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 /// Fixed decimals in any locale.

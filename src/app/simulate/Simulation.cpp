@@ -4,7 +4,6 @@
 
 #include "capture/ControllerFactories.h"
 #include "capture/Corvana+VideoCapture.h"
-#include "corvana/SpeechRecognizer.h"
 #include "devices/screen/ViewSearch.h"
 #include "platform/uikit/Controls.h"
 
@@ -46,20 +45,18 @@ Simulation::Simulation(SimulateScript script, const std::filesystem::path& resou
       sounds_([this](platform::SystemSoundID sound) { print("sound " + std::to_string(sound)); }),
       watch_(
           loop_, [this](const std::string& line) { print(line); }, gauges()),
-      bundle_(resources, screen_->makeStoryboards(capture::controllerFactories())),
-      environment_{loop_,
-                   bundle_,
-                   notificationCenter_,
-                   console_,
-                   application_,
-                   mediaDevices_,
-                   speechAuthorization_,
-                   sounds_,
-                   host_,
-                   {{0, 0, screen_->size().width, screen_->size().height}},
-                   screen_->animations() ? screen_->animations() : &watch_,
-                   &hub_,
-                   this} {
+      bundle_(resources, screen_->makeStoryboards(capture::controllerFactories(host_, this))),
+      environment_{.runLoop = loop_,
+                   .bundle = bundle_,
+                   .notificationCenter = notificationCenter_,
+                   .console = console_,
+                   .application = application_,
+                   .mediaDevices = mediaDevices_,
+                   .speechAuthorization = speechAuthorization_,
+                   .systemSounds = sounds_,
+                   .mainScreen = {{0, 0, screen_->size().width, screen_->size().height}},
+                   .animations = screen_->animations() ? screen_->animations() : &watch_,
+                   .presentations = &hub_} {
   screen_->join(hub_);
   hub_.add(watch_);
   console_.onPrint = [this](std::string_view line) { print("console " + std::string(line)); };
@@ -129,7 +126,6 @@ void Simulation::printContractBreaches() {
 }
 
 void Simulation::start() {
-  corvana::SpeechRecognizer::options.contextualText = script_.text;
   auto root = std::make_shared<platform::UIViewController>(environment_);
   window_ = std::make_unique<platform::UIWindow>(root);
   capture::videoIDCapture(*root, script_.front, script_.back, script_.text,

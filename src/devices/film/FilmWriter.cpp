@@ -192,18 +192,6 @@ void FilmWriter::removeFile() {
   std::filesystem::remove(file_->path(), ignored);
 }
 
-void FilmWriter::cancel() {
-  const std::lock_guard end(endMutex_);
-  const std::lock_guard lock(mutex_);
-  isEnding_ = true;
-  pipeline_.reset();
-  removeFile();
-  if (!outcome_) {
-    outcome_ = tl::unexpected(
-        Fault{"The film " + file_->path().string() + " was cancelled.", FaultCause::canceled});
-  }
-}
-
 std::optional<Fault> FilmWriter::fault() const {
   const std::lock_guard lock(mutex_);
   return currentFault();

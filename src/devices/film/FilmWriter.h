@@ -40,7 +40,6 @@ class FilmWriter final : public platform::AssetWriter {
   bool appendVideo(const platform::CMSampleBufferRef& sample) override;
   bool appendAudio(const platform::CMSampleBufferRef& sample) override;
   tl::expected<void, platform::Fault> finish() override;
-  void cancel() override;
   std::optional<platform::Fault> fault() const override;
   int framesWaiting() const override;
   platform::AssetWriterCounters counters() const override;

@@ -19,10 +19,6 @@ class FilmingCamera : public platform::AVCaptureDevice {
   bool recommendedVideoSettings(const platform::AVVideoCodecType& codec,
                                 const platform::AVFileType& fileType,
                                 platform::WriterSettings& settings) const final;
-  bool recommendedAudioSettings(const platform::AVFileType&,
-                                platform::WriterSettings&) const final {
-    return false;
-  }
 
  protected:
   struct PictureSize {
@@ -38,14 +34,6 @@ class FilmingCamera : public platform::AVCaptureDevice {
 class FilmingMicrophone : public platform::AVCaptureDevice {
  public:
   platform::AVMediaType mediaType() const final { return platform::AVMediaType::audio; }
-  std::vector<platform::AVVideoCodecType> availableVideoCodecTypes(
-      const platform::AVFileType&) const final {
-    return {};
-  }
-  bool recommendedVideoSettings(const platform::AVVideoCodecType&, const platform::AVFileType&,
-                                platform::WriterSettings&) const final {
-    return false;
-  }
   bool recommendedAudioSettings(const platform::AVFileType& fileType,
                                 platform::WriterSettings& settings) const final;
 };

@@ -103,14 +103,14 @@ class SceneBuilder final : public platform::OutletBinder {
   void build() {
     root_->setName(scene_.identifier);
     root_->setFrame(kHeadlessScreen);
-    for (const SceneView& spec : scene_.views) {
-      const auto view = makeView(spec.kind);
-      view->setName(spec.name);
-      view->setFrame(spec.frame);
-      view->setAlpha(spec.alpha);
-      view->setHidden(spec.hidden);
-      (spec.parent.empty() ? root_ : views_.at(spec.parent))->addSubview(view);
-      views_[spec.name] = view;
+    for (const SceneView& row : scene_.views) {
+      const auto view = makeView(row.kind);
+      view->setName(row.name);
+      view->setFrame(row.frame);
+      view->setAlpha(row.alpha);
+      view->setHidden(row.hidden);
+      (row.parent.empty() ? root_ : views_.at(row.parent))->addSubview(view);
+      views_[row.name] = view;
     }
   }
 

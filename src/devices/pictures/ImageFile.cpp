@@ -23,14 +23,14 @@ namespace {
 
 using Failure = tl::unexpected<std::string>;
 
-constexpr std::uintmax_t kMaxFileBytes = 128 * 1024 * 1024;
+constexpr std::uintmax_t kMostFileBytes = 128 * 1024 * 1024;
 
 tl::expected<std::string, std::string> readFile(const std::filesystem::path& path) {
   std::error_code error;
   const std::string name = path.string();
   if (!std::filesystem::exists(path, error)) return Failure("There is no file " + name + ".");
   if (!std::filesystem::is_regular_file(path, error)) return Failure(name + " is not a file.");
-  if (std::filesystem::file_size(path, error) > kMaxFileBytes) {
+  if (std::filesystem::file_size(path, error) > kMostFileBytes) {
     return Failure(name + " is too large for a picture: scale it down.");
   }
   std::ifstream file(path, std::ios::binary);
@@ -107,7 +107,7 @@ tl::expected<platform::PixelBufferRef, std::string> readImage(const std::filesys
   const auto header = readImageHeader(*bytes);
   if (!header) return Failure(name + " is not a picture: use a JPEG or PNG file.");
   if (header->width <= 0 || header->height <= 0 ||
-      header->width > kMaxImagePixels / header->height) {
+      header->width > kMostImagePixels / header->height) {
     return Failure(name + " claims " + std::to_string(header->width) + "x" +
                    std::to_string(header->height) +
                    " pixels: use a picture of at most 64 million.");

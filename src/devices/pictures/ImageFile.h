@@ -11,7 +11,7 @@
 namespace devices {
 
 /// Pictures of more pixels are not read: a small file can claim any size.
-constexpr int kMaxImagePixels = 64'000'000;
+constexpr int kMostImagePixels = 64'000'000;
 
 /// A JPEG or PNG file as rgb24, turned upright by the camera's note on its orientation.
 tl::expected<platform::PixelBufferRef, std::string> readImage(const std::filesystem::path& path);

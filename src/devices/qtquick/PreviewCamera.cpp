@@ -33,9 +33,6 @@ class PreviewedCamera final : public platform::AVCaptureDevice {
                                 WriterSettings& settings) const override {
     return camera_->recommendedVideoSettings(codec, type, settings);
   }
-  bool recommendedAudioSettings(const AVFileType& type, WriterSettings& settings) const override {
-    return camera_->recommendedAudioSettings(type, settings);
-  }
 
  private:
   platform::AVCaptureDeviceRef camera_;

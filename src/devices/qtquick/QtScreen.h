@@ -16,6 +16,7 @@
 #include "devices/qtquick/ScreenSettings.h"
 #include "devices/screen/DirectoryBundle.h"
 #include "devices/screen/ScreenHub.h"
+#include "platform/uikit/Animations.h"
 
 namespace devices {
 

@@ -65,10 +65,11 @@ tl::expected<MediaInfo, std::string> readPicture(const std::string& name, GstSam
   const double aspect = video.par_n > 0 && video.par_d > 0 ? double(video.par_n) / video.par_d : 1;
   const double width = std::round(video.width * aspect);
   const double largest = std::max({width, double(video.width), double(video.height)});
-  if (!(std::min(width, double(video.height)) >= kMinPictureSize && largest <= kMaxPictureSize)) {
+  if (!(std::min(width, double(video.height)) >= kLeastPictureSize &&
+        largest <= kMostPictureSize)) {
     return Failure("The picture of " + name + " measures " + std::to_string(std::llround(width)) +
                    "x" + std::to_string(video.height) + " pixels: it must be " +
-                   std::to_string(kMinPictureSize) + " to " + std::to_string(kMaxPictureSize) +
+                   std::to_string(kLeastPictureSize) + " to " + std::to_string(kMostPictureSize) +
                    " wide and high.");
   }
   MediaInfo info;

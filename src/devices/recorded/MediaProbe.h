@@ -19,8 +19,8 @@ struct MediaInfo {
 };
 
 /// Pictures up to this many pixels wide and high are read and filmed, and no smaller ones.
-constexpr int kMaxPictureSize = 4096;
-constexpr int kMinPictureSize = 16;
+constexpr int kMostPictureSize = 4096;
+constexpr int kLeastPictureSize = 16;
 
 /// Looks into a video file. Blocks for as long as it takes to decode a first picture, half a minute
 /// at most. The error is one sentence: no such file, not a video, no picture in it, too large,

@@ -18,9 +18,6 @@ using Kind = FlowEvent::Kind;
 using platform::UIColor;
 using platform::UIView;
 
-constexpr const char* kCaptureScene = "VideoCaptureViewController";
-constexpr const char* kRetryScene = "VideoRetryViewController";
-
 std::string toneOf(const UIColor& color, const corvana::Colors& table) {
   namespace colors = platform::colors;
   using corvana::CaptureSessionViewController;
@@ -38,20 +35,9 @@ std::string textOf(UIView& root, const char* name) {
   return label && isInSight(*label) ? label->text().value_or("") : "";
 }
 
-/// The words over the oval or the card, whichever phase is in sight.
-FlowEvent promptIn(UIView& root) {
-  FlowEvent event{.kind = Kind::prompt};
-  const std::pair<const char*, const corvana::Colors*> places[] = {
-      {"selfieOverlayLabel", &corvana::SelfieCapture::colors},
-      {"idOverlayLabel", &corvana::IDCapture::colors}};
-  for (const auto& [name, colors] : places) {
-    const std::string text = textOf(root, name);
-    const UIView* label = findView(root, name);
-    if (text.empty() || !label->superview()) continue;
-    event.text = text;
-    event.tone = toneOf(label->superview()->backgroundColor(), *colors);
-  }
-  return event;
+const char* nameOf(corvana::PromptType type) {
+  static constexpr const char* kNames[] = {"success", "error", "info"};
+  return kNames[static_cast<std::size_t>(type)];
 }
 
 FlowEvent outlineIn(UIView& root) {
@@ -93,16 +79,6 @@ FlowEvent textEvent(Kind kind, UIView& root, const char* name) {
   return {.kind = kind, .text = textOf(root, name)};
 }
 
-std::vector<FlowEvent> eventsIn(UIView& root) {
-  return {textEvent(Kind::caption, root, "captureLabel"),
-          promptIn(root),
-          outlineIn(root),
-          silhouetteIn(root),
-          progressIn(root),
-          textEvent(Kind::text, root, "readingTextLabel"),
-          textEvent(Kind::countdown, root, "readingTextCountdownLabel")};
-}
-
 FlowEvent alertEvent(const platform::UIAlertController& alert) {
   FlowEvent event{.kind = Kind::alert, .text = alert.title() + ": " + alert.message()};
   for (const auto& action : alert.actions())
@@ -117,10 +93,6 @@ FlowEvent retryEvent(UIView& root) {
     if (button) event.choices.push_back(button->title());
   }
   return event;
-}
-
-bool isScene(platform::UIViewController& controller, const char* scene) {
-  return shownBy(controller).view().name() == scene;
 }
 
 void replaceLineBreaks(std::string& text) {
@@ -156,60 +128,71 @@ std::string describe(const FlowEvent& event) {
 }
 
 FlowReporter::FlowReporter(platform::RunLoop& loop, Handler handler)
-    : loop_(loop), handler_(std::move(handler)) {}
+    : ScreenReader(loop, platform::Duration::zero()), handler_(std::move(handler)) {}
 
 void FlowReporter::soundPlayed(platform::SystemSoundID sound) {
   handler_({.kind = Kind::sound, .value = sound});
 }
 
-void FlowReporter::willPresent(platform::UIViewController& controller) {
-  if (isScene(controller, kCaptureScene)) {
-    screen_ = &shownBy(controller).view();
-    seen_.clear();
-    covered_ = false;
-    handler_({.kind = Kind::screen, .text = "capture"});
-    lookSoon();
-  } else if (isScene(controller, kRetryScene)) {
-    covered_ = true;
+void FlowReporter::prompted(corvana::PromptPlace place, corvana::PromptType type) {
+  prompts_[place] = type;
+}
+
+void FlowReporter::captureScreenCame() {
+  seen_.clear();
+  handler_({.kind = Kind::screen, .text = "capture"});
+}
+
+void FlowReporter::captureScreenLeft() {
+  handler_({.kind = Kind::screen, .text = "closed"});
+}
+
+void FlowReporter::alertCame(const platform::UIAlertController& alert) {
+  handler_(alertEvent(alert));
+}
+
+void FlowReporter::alertLeft() {
+  handler_({.kind = Kind::alert});
+}
+
+void FlowReporter::retryScreenCame(UIView& root) {
+  handler_(retryEvent(root));
+}
+
+void FlowReporter::retryScreenLeft() {
+  handler_({.kind = Kind::retry});
+}
+
+/// The words over the oval or the card, whichever phase is in sight.
+FlowEvent FlowReporter::promptIn(UIView& root) const {
+  FlowEvent event{.kind = Kind::prompt};
+  const std::pair<const char*, corvana::PromptPlace> places[] = {
+      {"selfieOverlayLabel", corvana::PromptPlace::face},
+      {"idOverlayLabel", corvana::PromptPlace::card}};
+  for (const auto& [name, place] : places) {
+    const std::string text = textOf(root, name);
+    if (text.empty()) continue;
+    event.text = text;
+    const auto type = prompts_.find(place);
+    event.tone = type == prompts_.end() ? "other" : nameOf(type->second);
   }
+  return event;
 }
 
-void FlowReporter::didPresent(platform::UIViewController& controller) {
-  if (const auto* alert = dynamic_cast<platform::UIAlertController*>(&controller)) {
-    handler_(alertEvent(*alert));
-  } else if (isScene(controller, kRetryScene)) {
-    handler_(retryEvent(controller.view()));
-  }
-}
-
-void FlowReporter::didDismiss(platform::UIViewController& controller) {
-  if (dynamic_cast<platform::UIAlertController*>(&controller)) {
-    handler_({.kind = Kind::alert});
-  } else if (isScene(controller, kRetryScene)) {
-    handler_({.kind = Kind::retry});
-    covered_ = false;
-    lookSoon();
-  } else if (isScene(controller, kCaptureScene)) {
-    screen_ = nullptr;
-    handler_({.kind = Kind::screen, .text = "closed"});
-  }
-}
-
-void FlowReporter::viewChanged(UIView&, const char*) {
-  lookSoon();
-}
-
-void FlowReporter::lookSoon() {
-  if (std::exchange(lookPending_, true)) return;
-  loop_.mainQueue().async([this, alive = std::weak_ptr(alive_)] {
-    if (!alive.expired()) look();
-  });
+std::vector<FlowEvent> FlowReporter::eventsIn(UIView& root) const {
+  return {textEvent(Kind::caption, root, "captureLabel"),
+          promptIn(root),
+          outlineIn(root),
+          silhouetteIn(root),
+          progressIn(root),
+          textEvent(Kind::text, root, "readingTextLabel"),
+          textEvent(Kind::countdown, root, "readingTextCountdownLabel")};
 }
 
 void FlowReporter::look() {
-  lookPending_ = false;
-  if (!screen_ || covered_) return;
-  std::vector<FlowEvent> now = eventsIn(*screen_);
+  UIView* screen = screenInSight();
+  if (!screen) return;
+  std::vector<FlowEvent> now = eventsIn(*screen);
   for (std::size_t i = 0; i < now.size(); ++i) {
     const FlowEvent nothing{.kind = now[i].kind};
     if (now[i] != (seen_.empty() ? nothing : seen_[i])) handler_(now[i]);

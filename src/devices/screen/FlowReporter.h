@@ -1,12 +1,13 @@
 #pragma once
 
 #include <functional>
-#include <memory>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "devices/screen/ScreenHub.h"
+#include "corvana/Decision.h"
+#include "devices/screen/ScreenReader.h"
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/SystemSounds.h"
 
@@ -46,7 +47,7 @@ std::string describe(const FlowEvent& event);
 /// Turns what the capture screen, its retry screen and its alerts show into events, each only when
 /// it changes. Changes of one instant are seen together, as by a user; nothing is told of a screen
 /// that another covers. Add it to the `ScreenHub`; main queue.
-class FlowReporter final : public ScreenListener {
+class FlowReporter final : public ScreenReader {
  public:
   using Handler = std::function<void(const FlowEvent&)>;
 
@@ -55,22 +56,24 @@ class FlowReporter final : public ScreenListener {
   /// Reports a sound; called by whoever plays it.
   void soundPlayed(platform::SystemSoundID sound);
 
-  void willPresent(platform::UIViewController& controller) override;
-  void didPresent(platform::UIViewController& controller) override;
-  void didDismiss(platform::UIViewController& controller) override;
-  void viewChanged(platform::UIView& view, const char* property) override;
+  /// Says of what type the prompt over the oval or the card is, before it is shown.
+  void prompted(corvana::PromptPlace place, corvana::PromptType type);
 
  private:
-  void lookSoon();
-  void look();
+  void captureScreenCame() override;
+  void captureScreenLeft() override;
+  void alertCame(const platform::UIAlertController& alert) override;
+  void alertLeft() override;
+  void retryScreenCame(platform::UIView& root) override;
+  void retryScreenLeft() override;
+  void look() override;
 
-  platform::RunLoop& loop_;
+  std::vector<FlowEvent> eventsIn(platform::UIView& root) const;
+  FlowEvent promptIn(platform::UIView& root) const;
+
   Handler handler_;
-  platform::UIView* screen_ = nullptr;
-  bool covered_ = false;
-  bool lookPending_ = false;
+  std::map<corvana::PromptPlace, corvana::PromptType> prompts_;
   std::vector<FlowEvent> seen_;
-  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 }  // namespace devices

@@ -18,25 +18,25 @@ namespace {
 constexpr double kSearchSide = 640;
 /// Around the guide, in guide widths: cards are seen, to be sent back, as far as this beside it.
 constexpr double kSearchMargin = 0.35;
-constexpr std::size_t kMaxLines = 26;
+constexpr std::size_t kMostLines = 26;
 
 // A side counts as seen when this share of it lies on an edge. A hand covers one side in part.
-constexpr double kMinSupport = 0.36;
-constexpr double kMinSecondSupport = 0.55;
-constexpr double kMinScore = 0.66;
+constexpr double kLeastSupport = 0.36;
+constexpr double kLeastSecondSupport = 0.55;
+constexpr double kLeastScore = 0.66;
 /// Small outlines are common in any room; only a clear one counts.
-constexpr double kMinSmallScore = 0.74;
-constexpr double kMaxAspectError = 0.20;  ///< of the ratio's logarithm
-constexpr double kMaxTaper = 1.5;         ///< of a side against the opposite one
+constexpr double kLeastSmallScore = 0.74;
+constexpr double kMostAspectError = 0.20;  ///< of the ratio's logarithm
+constexpr double kMostTaper = 1.5;         ///< of a side against the opposite one
 /// The sides of a card that is cut off by the picture's edge must be this clear.
-constexpr double kMinCutOffSupport = 0.7;
+constexpr double kLeastCutOffSupport = 0.7;
 
 // What the user is asked for.
-constexpr double kMinWidthOfGuide = 0.55;
-constexpr double kMaxWidthOfGuide = 1.30;
-constexpr double kMaxOffsetOfGuide = 0.30;
-constexpr double kMaxRoll = 18;
-constexpr double kMaxGoodTaper = 1.25;
+constexpr double kLeastWidthOfGuide = 0.55;
+constexpr double kMostWidthOfGuide = 1.30;
+constexpr double kMostOffsetOfGuide = 0.30;
+constexpr double kMostRoll = 18;
+constexpr double kMostGoodTaper = 1.25;
 constexpr double kSmallestOfGuide = 0.25;
 
 double squared(double value) {
@@ -81,14 +81,14 @@ class OutlineSearch {
   OutlineSearch(const cv::Mat& rgb, const platform::CGRect& guide)
       : edges_(rgb),
         guide_(guide),
-        across_(edges_.lines(Course::across, kMaxLines)),
-        down_(edges_.lines(Course::down, kMaxLines)) {}
+        across_(edges_.lines(Course::across, kMostLines)),
+        down_(edges_.lines(Course::down, kMostLines)) {}
 
   /// The likeliest outline; its score is 0 when there is none.
   Candidate best() const {
     Candidate best;
     forEachOutline(down_, [&](const Quad& quad) {
-      if (aspectError(quad) > kMaxAspectError || taper(quad) > kMaxTaper) return;
+      if (aspectError(quad) > kMostAspectError || taper(quad) > kMostTaper) return;
       const double support = supportOf(quad);
       if (support == 0) return;
       const double preferred = preference(quad);
@@ -114,11 +114,11 @@ class OutlineSearch {
           right && quad.corners[1].x >= width - 1 && quad.corners[2].x >= width - 1;
       if (isCut || (!cutLeft && !cutRight)) return;
       const double hidden = quad.height() * kCardAspect / quad.width();
-      if (hidden < 1.05 || hidden > 2.5 || taper(quad) > kMaxGoodTaper) return;
-      isCut = sideSupport(quad, 0) >= kMinCutOffSupport &&
-              sideSupport(quad, 2) >= kMinCutOffSupport &&
-              (cutRight || sideSupport(quad, 1) >= kMinCutOffSupport) &&
-              (cutLeft || sideSupport(quad, 3) >= kMinCutOffSupport);
+      if (hidden < 1.05 || hidden > 2.5 || taper(quad) > kMostGoodTaper) return;
+      isCut = sideSupport(quad, 0) >= kLeastCutOffSupport &&
+              sideSupport(quad, 2) >= kLeastCutOffSupport &&
+              (cutRight || sideSupport(quad, 1) >= kLeastCutOffSupport) &&
+              (cutLeft || sideSupport(quad, 3) >= kLeastCutOffSupport);
     });
     return isCut;
   }
@@ -158,11 +158,11 @@ class OutlineSearch {
     std::array<double, 4> supports{};
     for (std::size_t i = 0; i < 4; ++i) {
       supports[i] = sideSupport(quad, i);
-      if (supports[i] < kMinSupport) return 0;
+      if (supports[i] < kLeastSupport) return 0;
     }
     std::array<double, 4> sorted = supports;
     std::sort(sorted.begin(), sorted.end());
-    if (sorted[1] < kMinSecondSupport) return 0;
+    if (sorted[1] < kLeastSecondSupport) return 0;
     return (supports[0] + supports[1] + supports[2] + supports[3]) / 4;
   }
 
@@ -175,7 +175,7 @@ class OutlineSearch {
   /// A side stands out; where lines beside it on both sides lie on edges too, it is mere texture.
   double distinctSupport(Course course, cv::Point2d a, cv::Point2d b) const {
     const double own = edges_.support(course, a, b);
-    if (own < kMinSupport) return own;
+    if (own < kLeastSupport) return own;
     const cv::Point2d along = (b - a) / cv::norm(b - a);
     const cv::Point2d normal(-along.y * 5, along.x * 5);
     const double beside = std::min(edges_.support(course, a + normal, b + normal),
@@ -207,15 +207,15 @@ bool touchesEdge(const Quad& quad, const platform::PixelBuffer& picture) {
 
 CardVerdict judged(const Quad& quad, const platform::PixelBuffer& picture,
                    const platform::CGRect& guide) {
-  if (touchesEdge(quad, picture) || quad.width() > kMaxWidthOfGuide * guide.width) {
+  if (touchesEdge(quad, picture) || quad.width() > kMostWidthOfGuide * guide.width) {
     return CardVerdict::moveAway;
   }
-  if (quad.width() < kMinWidthOfGuide * guide.width) return CardVerdict::moveCloser;
+  if (quad.width() < kLeastWidthOfGuide * guide.width) return CardVerdict::moveCloser;
   const auto center = quad.center();
   const double offset =
       std::max(std::abs(center.x - guide.midX()), std::abs(center.y - guide.midY()));
-  const bool isTilted = std::abs(quad.roll()) > kMaxRoll || taper(quad) > kMaxGoodTaper;
-  if (isTilted || offset > kMaxOffsetOfGuide * guide.width) return CardVerdict::alignRectangle;
+  const bool isTilted = std::abs(quad.roll()) > kMostRoll || taper(quad) > kMostGoodTaper;
+  if (isTilted || offset > kMostOffsetOfGuide * guide.width) return CardVerdict::alignRectangle;
   return CardVerdict::found;
 }
 
@@ -241,7 +241,7 @@ CardSighting findCard(const platform::PixelBuffer& picture, const platform::CGRe
   const OutlineSearch search(small, smallGuide);
   const Candidate best = search.best();
   CardSighting sighting;
-  if (best.score < kMinScore) {
+  if (best.score < kLeastScore) {
     if (search.isCutOff(window.x == 0, window.br().x == rgb.cols)) {
       sighting.verdict = CardVerdict::moveAway;
     }
@@ -250,8 +250,8 @@ CardSighting findCard(const platform::PixelBuffer& picture, const platform::CGRe
   // A pixel of the small picture stands for the middle of those it was made from.
   const cv::Point2d offset(window.x + (factor - 1) / 2, window.y + (factor - 1) / 2);
   const Quad quad = fitSides(rgb, scaled(best.quad, factor, offset), 1.5 * factor + 2);
-  const bool isSmall = quad.width() < kMinWidthOfGuide * guide.width;
-  if (isSmall && best.score < kMinSmallScore) return sighting;
+  const bool isSmall = quad.width() < kLeastWidthOfGuide * guide.width;
+  if (isSmall && best.score < kLeastSmallScore) return sighting;
   return {judged(quad, picture, guide), quad, best.score};
 }
 

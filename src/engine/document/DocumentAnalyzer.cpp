@@ -34,10 +34,10 @@ Face scaled(const Face& face, double factor) {
 /// The face for the matcher. A photo printed small is scaled up first: the matcher refuses faces by
 /// their pixels, of which a straightened card has more than the camera saw anyway.
 platform::UIImageRef faceImageOf(const platform::PixelBuffer& card, const Face& face) {
-  constexpr double kMinPrintedWidth = 48;
-  if (face.box.width >= kMinFaceWidth) return cropFace(card, face);
-  if (face.box.width < kMinPrintedWidth) return nullptr;
-  const double factor = 1.05 * kMinFaceWidth / face.box.width;
+  constexpr double kLeastPrintedWidth = 48;
+  if (face.box.width >= kLeastFaceWidth) return cropFace(card, face);
+  if (face.box.width < kLeastPrintedWidth) return nullptr;
+  const double factor = 1.05 * kLeastFaceWidth / face.box.width;
   const auto larger = resized(card, static_cast<int>(std::lround(card.width() * factor)),
                               static_cast<int>(std::lround(card.height() * factor)));
   return cropFace(*larger, scaled(face, factor));

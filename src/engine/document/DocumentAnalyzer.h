@@ -21,13 +21,13 @@ struct CardView {
   platform::PixelBufferRef picture;
   double sharpness = 0;      ///< `cardSharpness`
   double glareFraction = 0;  ///< `glareFraction`
-  bool isBlurred() const { return sharpness < kMinSharpness; }
-  bool hasTooMuchGlare() const { return glareFraction > kMaxGlare; }
+  bool isBlurred() const { return sharpness < kLeastSharpness; }
+  bool hasTooMuchGlare() const { return glareFraction > kMostGlare; }
 
   /// Sharpness below which print of usual size is no longer read.
-  static constexpr double kMinSharpness = 0.03;
+  static constexpr double kLeastSharpness = 0.03;
   /// Share of glare from which on about a line of print is covered.
-  static constexpr double kMaxGlare = 0.02;
+  static constexpr double kMostGlare = 0.02;
 };
 
 struct CardReading {

@@ -19,7 +19,7 @@ constexpr double kWeakEdge = 14;
 constexpr double kStrongEdge = 32;
 /// A card's corners are rounded with a radius of 3.7 % of its width, 5.9 % of its height.
 constexpr double kCornerShare = 0.06;
-constexpr double kMinVotes = 18;
+constexpr double kLeastVotes = 18;
 
 double angleOf(int step) {
   return (step - kAngles / 2) * kAngleStep;
@@ -120,7 +120,7 @@ std::vector<EdgeLine> EdgeMap::lines(Course course, std::size_t most) const {
     double best = 0;
     cv::Point at;
     cv::minMaxLoc(votes, nullptr, &best, nullptr, &at);
-    if (best < kMinVotes) break;
+    if (best < kLeastVotes) break;
     lines.push_back(lineAt(at.y, at.x - margin, across));
     lines.back().votes = best;
     // Lines that pass within two pixels of this one over the picture's length are the same.

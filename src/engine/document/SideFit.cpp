@@ -14,8 +14,8 @@ namespace {
 
 constexpr int kProfiles = 60;
 constexpr double kCornerShare = 0.07;
-constexpr double kMinStep = 5;  ///< grey levels per pixel, in the channel that changes most
-constexpr std::size_t kMinAgreeing = 15;
+constexpr double kLeastStep = 5;  ///< grey levels per pixel, in the channel that changes most
+constexpr std::size_t kLeastAgreeing = 15;
 
 cv::Vec3d colorAt(const cv::Mat& rgb, cv::Point2d at) {
   const double x = std::clamp(at.x, 0.0, rgb.cols - 1.001);
@@ -45,7 +45,7 @@ std::optional<cv::Point2d> stepAt(const cv::Mat& rgb, cv::Point2d place, cv::Poi
     steps[i] = stepBetween(colors[i + 1], colors[i - 1]);
   }
   const auto strongest = std::max_element(steps.begin() + 1, steps.end() - 1);
-  if (*strongest < kMinStep) return std::nullopt;
+  if (*strongest < kLeastStep) return std::nullopt;
   const double before = *(strongest - 1);
   const double after = *(strongest + 1);
   const double curve = before - 2 * *strongest + after;
@@ -62,13 +62,13 @@ double distanceTo(const cv::Vec4f& line, cv::Point2f point) {
 std::optional<cv::Vec4f> lineThrough(std::vector<cv::Point2f> points) {
   cv::Vec4f line;
   for (const double tolerance : {4.0, 2.5, 1.5}) {
-    if (points.size() < kMinAgreeing) return std::nullopt;
+    if (points.size() < kLeastAgreeing) return std::nullopt;
     cv::fitLine(points, line, cv::DIST_HUBER, 0, 0.01, 0.01);
     points.erase(std::remove_if(points.begin(), points.end(),
                                 [&](auto point) { return distanceTo(line, point) > tolerance; }),
                  points.end());
   }
-  if (points.size() < kMinAgreeing) return std::nullopt;
+  if (points.size() < kLeastAgreeing) return std::nullopt;
   cv::fitLine(points, line, cv::DIST_HUBER, 0, 0.01, 0.01);
   return line;
 }

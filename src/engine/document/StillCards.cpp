@@ -15,15 +15,15 @@ namespace engine {
 namespace {
 
 /// A straightened card has 1000 pixels: more than this adds nothing but time.
-constexpr int kMaxSide = 2400;
-constexpr double kMinCardWidth = 320;
+constexpr int kMostSide = 2400;
+constexpr double kLeastCardWidth = 320;
 /// A picture this near to a card's shape may be nothing but the card.
 constexpr double kShapeTolerance = 0.08;
-constexpr double kMinWidthOfPicture = 0.3;
+constexpr double kLeastWidthOfPicture = 0.3;
 
 platform::PixelBufferRef reduced(const platform::PixelBuffer& picture) {
   const double factor =
-      std::max(1.0, std::max(picture.width(), picture.height()) / static_cast<double>(kMaxSide));
+      std::max(1.0, std::max(picture.width(), picture.height()) / static_cast<double>(kMostSide));
   return resized(picture, static_cast<int>(std::lround(picture.width() / factor)),
                  static_cast<int>(std::lround(picture.height() / factor)));
 }
@@ -35,7 +35,7 @@ std::optional<Quad> outlineIn(const platform::PixelBuffer& picture) {
   const platform::CGRect guide{(width - guideWidth) / 2, (height - guideWidth / kCardAspect) / 2,
                                guideWidth, guideWidth / kCardAspect};
   const CardSighting sighting = findCard(picture, guide);
-  if (sighting.outline && sighting.outline->width() >= kMinWidthOfPicture * width) {
+  if (sighting.outline && sighting.outline->width() >= kLeastWidthOfPicture * width) {
     return sighting.outline;
   }
   const double shape = width / height / kCardAspect;
@@ -65,7 +65,7 @@ tl::expected<std::vector<StillCard>, corvana::IDError> cardsInStill(
     return tl::unexpected(corvana::IDError(
         "No card was seen in the picture: photograph it from above, whole, on a plain ground."));
   }
-  if (cards.front().outline.width() < kMinCardWidth) {
+  if (cards.front().outline.width() < kLeastCardWidth) {
     return tl::unexpected(corvana::IDError(
         "The card in the picture is less than 320 pixels wide: take the photo from nearer."));
   }

@@ -6,12 +6,12 @@ namespace engine {
 namespace {
 
 /// Words below it differ from picture to picture; two letters are easily seen in a pattern.
-constexpr double kMinConfidence = 60;
-constexpr double kMinConfidenceOfPairs = 85;
+constexpr double kLeastConfidence = 60;
+constexpr double kLeastConfidenceOfPairs = 85;
 /// What is printed much smaller than the holder's data is the name of a field, the same on every
 /// card of a kind and the first to blur; what is much taller is no print.
-constexpr double kMinHeight = 0.67;
-constexpr double kMaxHeight = 1.8;
+constexpr double kLeastHeight = 0.67;
+constexpr double kMostHeight = 1.8;
 /// Of all letters, not more than this share are the names of fields.
 constexpr double kSmallPrintShare = 0.75;
 /// Letters of Latin and other scripts begin with a byte from here on; punctuation beyond ASCII
@@ -61,7 +61,8 @@ double capHeight(const TextWord& word) {
 
 bool isSure(const TextWord& word) {
   const std::size_t letters = characterCount(cleaned(word.text));
-  return letters > 0 && word.confidence >= (letters <= 2 ? kMinConfidenceOfPairs : kMinConfidence);
+  return letters > 0 &&
+         word.confidence >= (letters <= 2 ? kLeastConfidenceOfPairs : kLeastConfidence);
 }
 
 /// The height of the holder's data: that of the letter above the small print, by height.
@@ -86,7 +87,7 @@ std::vector<const TextWord*> worthKeeping(const std::vector<TextWord>& words) {
   kept.erase(std::remove_if(kept.begin(), kept.end(),
                             [&](const TextWord* word) {
                               const double height = capHeight(*word);
-                              return height < kMinHeight * usual || height > kMaxHeight * usual;
+                              return height < kLeastHeight * usual || height > kMostHeight * usual;
                             }),
              kept.end());
   return kept;

@@ -20,13 +20,13 @@ using platform::PixelBuffer;
 constexpr float kOtherPersonScore = 0.75F;
 
 // Limits of a usable face. Low on purpose: they refuse what the matcher cannot use, no more.
-constexpr float kMinPresence = 0.5F;
-constexpr double kMaxYaw = 35;
-constexpr double kMaxPitch = 40;
-constexpr double kMaxRoll = 35;
-constexpr double kMinBrightness = 40;
-constexpr double kMaxBrightness = 235;
-constexpr double kMinSharpness = 6;
+constexpr float kLeastPresence = 0.5F;
+constexpr double kMostYaw = 35;
+constexpr double kMostPitch = 40;
+constexpr double kMostRoll = 35;
+constexpr double kLeastBrightness = 40;
+constexpr double kMostBrightness = 235;
+constexpr double kLeastSharpness = 6;
 constexpr float kEyesClosed = 0.2F;
 
 double visiblePart(const CGRect& box, const PixelBuffer& frame) {
@@ -52,27 +52,28 @@ bool showsSeveralPeople(std::span<const Face> faces) {
 SelfieVerdict placeOf(const Face& face, const PixelBuffer& frame, const CGRect& oval) {
   if (oval.isEmpty()) return SelfieVerdict::alignFace;
   const double part = face.box.width / oval.width;
-  if (part < kMinFaceOfGuide || face.box.width < kMinFaceWidth) return SelfieVerdict::moveCloser;
-  if (part > kMaxFaceOfGuide) return SelfieVerdict::moveAway;
-  if (offCentre(face.box, oval) > kMaxOffCentre || visiblePart(face.box, frame) < kMinVisible) {
+  if (part < kLeastFaceOfGuide || face.box.width < kLeastFaceWidth)
+    return SelfieVerdict::moveCloser;
+  if (part > kMostFaceOfGuide) return SelfieVerdict::moveAway;
+  if (offCentre(face.box, oval) > kMostOffCentre || visiblePart(face.box, frame) < kLeastVisible) {
     return SelfieVerdict::alignFace;
   }
   return SelfieVerdict::good;
 }
 
 bool isTurnedAway(const HeadPose& pose) {
-  return std::abs(pose.yaw) > kMaxYaw || std::abs(pose.pitch) > kMaxPitch ||
-         std::abs(pose.roll) > kMaxRoll;
+  return std::abs(pose.yaw) > kMostYaw || std::abs(pose.pitch) > kMostPitch ||
+         std::abs(pose.roll) > kMostRoll;
 }
 
 /// Empty when the face is fit for a selfie.
 std::string issueOf(const SelfieJudgement& judgement) {
   const FaceDetails& details = *judgement.details;
   const std::pair<bool, const char*> issues[] = {
-      {details.presence < kMinPresence, "Show your whole face"},
-      {judgement.brightness < kMinBrightness, "It is too dark here"},
-      {judgement.brightness > kMaxBrightness, "It is too bright here"},
-      {judgement.sharpness < kMinSharpness, "Hold still, the picture is blurred"},
+      {details.presence < kLeastPresence, "Show your whole face"},
+      {judgement.brightness < kLeastBrightness, "It is too dark here"},
+      {judgement.brightness > kMostBrightness, "It is too bright here"},
+      {judgement.sharpness < kLeastSharpness, "Hold still, the picture is blurred"},
       {isTurnedAway(details.pose), "Look straight into the camera"},
       {std::max(details.leftEyeOpen, details.rightEyeOpen) < kEyesClosed, "Open your eyes"},
   };
@@ -88,7 +89,7 @@ double ramp(double value, double zero, double full) {
 
 /// A picture of a picture tends to be softer and paler than a face, and seldom more.
 float passiveLiveness(float presence, double sharpness, double contrast) {
-  return presence * static_cast<float>((ramp(sharpness, kMinSharpness, 150) +  //
+  return presence * static_cast<float>((ramp(sharpness, kLeastSharpness, 150) +  //
                                         ramp(contrast, 10, 40)) /
                                        2);
 }

@@ -36,12 +36,12 @@ struct SelfieJudgement {
 // wide; the matcher, not the oval, decides who it is.
 
 /// Face box width over the oval's width: below, come closer; above, move away.
-inline constexpr double kMinFaceOfGuide = 0.45;
-inline constexpr double kMaxFaceOfGuide = 1.30;
+inline constexpr double kLeastFaceOfGuide = 0.45;
+inline constexpr double kMostFaceOfGuide = 1.30;
 /// How far the face's centre may lie from the oval's, where 1 is the oval's edge.
-inline constexpr double kMaxOffCentre = 0.7;
+inline constexpr double kMostOffCentre = 0.7;
 /// Part of the face box that must lie inside the picture.
-inline constexpr double kMinVisible = 0.9;
+inline constexpr double kLeastVisible = 0.9;
 /// A second face counts as another person from this part of the main face's size on: not a photo on
 /// a card, not a picture on the wall.
 inline constexpr double kOtherPersonSize = 0.4;

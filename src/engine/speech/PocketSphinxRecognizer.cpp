@@ -53,8 +53,12 @@ class PocketSphinxRecognizer::Listener {
 /// The serial queue's side; the two atomics are shared with the main and the audio queue.
 class PocketSphinxRecognizer::Worker {
  public:
-  Worker(platform::RunLoop& loop, SpeechModelPaths paths, std::shared_ptr<Listener> listener)
-      : loop_(loop), paths_(std::move(paths)), listener_(std::move(listener)) {}
+  Worker(platform::RunLoop& loop, SpeechModelPaths paths, std::string text,
+         std::shared_ptr<Listener> listener)
+      : loop_(loop),
+        paths_(std::move(paths)),
+        text_(std::move(text)),
+        listener_(std::move(listener)) {}
 
   std::uint64_t run() const { return run_; }
   void setRun(std::uint64_t run) { run_ = run; }
@@ -66,10 +70,10 @@ class PocketSphinxRecognizer::Worker {
     return true;
   }
 
-  void begin(std::uint64_t run, const std::string& text) {
+  void begin(std::uint64_t run) {
     transcriber_.reset();
     if (run != run_) return;
-    build(run, text);
+    build(run);
     resampler_.reset();
     if (model_) transcriber_.emplace(*model_);
   }
@@ -84,14 +88,12 @@ class PocketSphinxRecognizer::Worker {
   }
 
  private:
-  void build(std::uint64_t run, const std::string& text) {
-    if (builtFor_ == text) return;
-    model_.reset();
-    builtFor_ = text;
-    auto model = SpeechModel::load(paths_, text);
+  void build(std::uint64_t run) {
+    if (std::exchange(built_, true)) return;
+    auto model = SpeechModel::load(paths_, text_);
     if (model) {
       model_ = std::move(*model);
-    } else if (!std::exchange(faultTold_, true)) {
+    } else {
       send(run, model.error());
     }
   }
@@ -104,22 +106,23 @@ class PocketSphinxRecognizer::Worker {
 
   platform::RunLoop& loop_;
   const SpeechModelPaths paths_;
+  const std::string text_;
   const std::shared_ptr<Listener> listener_;
   std::atomic<std::uint64_t> run_{kStopped};
   std::atomic<platform::Duration::rep> waiting_{0};
 
-  std::optional<std::string> builtFor_;
-  bool faultTold_ = false;
+  bool built_ = false;
   std::unique_ptr<SpeechModel> model_;
   MonoResampler resampler_{SpeechModel::kSampleRate};
   std::optional<Transcriber> transcriber_;
 };
 
-PocketSphinxRecognizer::PocketSphinxRecognizer(platform::RunLoop& loop, SpeechModelPaths paths)
+PocketSphinxRecognizer::PocketSphinxRecognizer(platform::RunLoop& loop, SpeechModelPaths paths,
+                                               std::string text)
     : paths_(std::move(paths)),
       queue_(loop.makeSerialQueue("SpeechRecognizerQueue", platform::QualityOfService::utility)),
       listener_(std::make_shared<Listener>(loop)),
-      worker_(std::make_shared<Worker>(loop, paths_, listener_)) {}
+      worker_(std::make_shared<Worker>(loop, paths_, std::move(text), listener_)) {}
 
 PocketSphinxRecognizer::~PocketSphinxRecognizer() {
   stop();
@@ -138,8 +141,7 @@ void PocketSphinxRecognizer::start() {
   const std::uint64_t run = ++lastRun_;
   listener_->setRun(run);
   worker_->setRun(run);
-  queue_->async(
-      [worker = worker_, run, text = options.contextualText] { worker->begin(run, text); });
+  queue_->async([worker = worker_, run] { worker->begin(run); });
 }
 
 void PocketSphinxRecognizer::stop() {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "corvana/SpeechRecognizer.h"
 #include "engine/speech/SpeechModelPaths.h"
@@ -10,13 +11,13 @@
 namespace engine {
 
 /// Hears the reader with PocketSphinx. The model is built on a queue of its own at the first
-/// `start`, for the text that `options.contextualText` then holds, and again when a later `start`
-/// finds another text; sound that comes meanwhile is kept and heard afterwards. Words are reported
-/// as the text spells them, in lower case. A model that cannot be built is reported once.
+/// `start`; sound that comes meanwhile is kept and heard afterwards. Words are reported as the text
+/// spells them, in lower case. A model that cannot be built is reported once.
 class PocketSphinxRecognizer final : public corvana::SpeechRecognizer {
  public:
-  /// Makes a recogniser on a loop that outlives it. Main queue.
-  PocketSphinxRecognizer(platform::RunLoop& loop, SpeechModelPaths paths);
+  /// Makes a recogniser on a loop that outlives it. `text` is what will be read aloud: its words
+  /// are expected, others are still heard; empty means the stock language model. Main queue.
+  PocketSphinxRecognizer(platform::RunLoop& loop, SpeechModelPaths paths, std::string text);
   ~PocketSphinxRecognizer() override;
 
   bool isAvailable() const override;

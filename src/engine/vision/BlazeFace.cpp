@@ -138,7 +138,7 @@ std::vector<Face> look(TfliteModel& model, const cv::Mat& rgb, const cv::Rect& w
   std::vector<Face> faces;
   for (std::size_t i = 0; i < kCentres.size(); ++i) {
     const float score = 1 / (1 + std::exp(-logits[i]));
-    if (score < kMinScore) continue;
+    if (score < kLeastScore) continue;
     const Face face =
         decode(values.subspan(i * kValuesPerAnchor, kValuesPerAnchor), kCentres[i], score, window);
     if (face.box.width > 0 && face.box.height > 0) faces.push_back(face);

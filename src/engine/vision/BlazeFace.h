@@ -14,7 +14,7 @@ namespace engine::blazeface {
 inline constexpr int kInputSide = 128;
 
 /// Faces the network is less sure of than this are dropped; half is the network's own balance.
-inline constexpr float kMinScore = 0.5F;
+inline constexpr float kLeastScore = 0.5F;
 
 TfliteModel::Shapes shapes();
 

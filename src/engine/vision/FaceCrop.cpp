@@ -46,14 +46,14 @@ Similarity templateToFace(const std::array<Point, 3>& face) {
 }  // namespace
 
 platform::UIImageRef cropFace(const platform::PixelBuffer& picture, const Face& face) {
-  if (face.box.width < kMinFaceWidth) return nullptr;
+  if (face.box.width < kLeastFaceWidth) return nullptr;
   const auto point = [&](Face::Keypoint which) {
     return Point{face.keypoints[which].x, face.keypoints[which].y};
   };
   const Similarity fit =
       templateToFace({point(Face::rightEye), point(Face::leftEye), point(Face::mouth)});
   const int side = static_cast<int>(std::lround(std::abs(fit.a)));
-  if (side < kMinFaceWidth / 2 || side > 2 * face.size()) return nullptr;
+  if (side < kLeastFaceWidth / 2 || side > 2 * face.size()) return nullptr;
 
   // Pixel (i + 0.5) of the crop is the template's (i + 0.5) / side, and pixel centres lie at halves
   // in the picture too.

@@ -17,7 +17,7 @@ namespace {
 constexpr double kSecondLookScale = 3;
 
 /// Less sure than this at the best scale, it is a pattern that looked like a face; faces get 0.9.
-constexpr float kMinSecondScore = 0.65F;
+constexpr float kLeastSecondScore = 0.65F;
 
 /// A first look at least this sure stays when the second does not see the face (it may be half
 /// hidden); one less sure was a mistake.
@@ -112,7 +112,7 @@ std::vector<Face> secondLook(Looker& looker, const std::vector<Face>& found) {
     const auto closest = std::ranges::max_element(
         seen, {}, [&](const Face& face) { return overlap(face.box, first.box); });
     if (closest != seen.end() && overlap(closest->box, first.box) > kSameFaceOverlap) {
-      if (closest->score >= kMinSecondScore) faces.push_back(*closest);
+      if (closest->score >= kLeastSecondScore) faces.push_back(*closest);
     } else if (first.score >= kSureScore) {
       faces.push_back(first);
     }

@@ -47,8 +47,6 @@ class AssetWriter {
   virtual std::optional<Fault> fault() const = 0;
   /// Pictures that the encoder has not taken yet. Any thread.
   virtual int framesWaiting() const = 0;
-  /// Ends and removes the film.
-  virtual void cancel() = 0;
   virtual AssetWriterCounters counters() const = 0;
 };
 

@@ -33,15 +33,17 @@ class AVCaptureDevice {
   /// also the main one: soon done. Harmless when not running.
   virtual void stop() = 0;
 
-  /// Codecs in which this device's pictures can be encoded in real time, best first; empty for a
-  /// microphone.
-  virtual std::vector<AVVideoCodecType> availableVideoCodecTypes(
-      const AVFileType& fileType) const = 0;
-  /// Settings that suit this device's stream; false when there are none.
-  virtual bool recommendedVideoSettings(const AVVideoCodecType& codec, const AVFileType& fileType,
-                                        WriterSettings& settings) const = 0;
-  virtual bool recommendedAudioSettings(const AVFileType& fileType,
-                                        WriterSettings& settings) const = 0;
+  /// For cameras: codecs in which the pictures can be encoded in real time, best first.
+  virtual std::vector<AVVideoCodecType> availableVideoCodecTypes(const AVFileType&) const {
+    return {};
+  }
+  /// For cameras: settings that suit the stream; false when there are none.
+  virtual bool recommendedVideoSettings(const AVVideoCodecType&, const AVFileType&,
+                                        WriterSettings&) const {
+    return false;
+  }
+  /// For microphones: settings that suit the stream; false when there are none.
+  virtual bool recommendedAudioSettings(const AVFileType&, WriterSettings&) const { return false; }
 };
 
 using AVCaptureDeviceRef = std::shared_ptr<AVCaptureDevice>;

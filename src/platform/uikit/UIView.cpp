@@ -77,23 +77,23 @@ bool UIView::answersTouch() {
 void UIView::changed(const char* property) {
   const UIView& root = this->root();
   if (root.controller_) {
-    if (const auto end = root.controller_->environment().animationEnd) animatedUntil_ = *end;
+    if (const auto end = root.controller_->environment().animations.end()) animatedUntil_ = *end;
   }
   if (root.observer_) root.observer_->viewChanged(*this, property);
 }
 
 void UIView::animate(Environment& environment, Duration duration,
                      const std::function<void()>& animations, Block completion) {
-  if (environment.animations) environment.animations->willAnimate(duration);
-  environment.animationEnd = environment.runLoop.now() + duration;
+  if (auto* player = environment.animations.player()) player->willAnimate(duration);
+  environment.animations.begin(environment.runLoop.now() + duration);
   animations();
-  environment.animationEnd.reset();
+  environment.animations.commit();
   if (completion) environment.runLoop.mainQueue().asyncAfter(duration, std::move(completion));
 }
 
 void UIView::transition(Environment& environment, UIView& view, Duration duration, Transition,
                         const std::function<void()>& animations, Block completion) {
-  if (environment.animations) environment.animations->willFlip(view, duration);
+  if (auto* player = environment.animations.player()) player->willFlip(view, duration);
   animations();
   if (completion) environment.runLoop.mainQueue().asyncAfter(duration, std::move(completion));
 }

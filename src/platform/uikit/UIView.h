@@ -101,14 +101,4 @@ struct NSLayoutConstraint {
   bool isActive = true;
 };
 
-/// Plays animations between states; implemented by the screen. Main queue. Completions are none of
-/// its business: the run loop keeps them, and they come after the duration, played or not.
-class AnimationPlayer {
- public:
-  virtual ~AnimationPlayer() = default;
-  /// Called before the values change, and when a screen begins to come or go.
-  virtual void willAnimate(Duration duration) = 0;
-  virtual void willFlip(UIView& view, Duration duration) = 0;
-};
-
 }  // namespace platform

@@ -63,7 +63,7 @@ void UIViewController::didDisappear(bool animated) {
 
 void UIViewController::afterTransition(bool animated, Block block) {
   if (!animated) return block();
-  if (environment_.animations) environment_.animations->willAnimate(kPresentationDuration);
+  if (auto* player = environment_.animations.player()) player->willAnimate(kPresentationDuration);
   environment_.runLoop.mainQueue().asyncAfter(kPresentationDuration, std::move(block));
 }
 

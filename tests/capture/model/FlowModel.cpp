@@ -32,15 +32,17 @@ bool is(const State& state) {
 
 }  // namespace
 
-FlowModel::FlowModel(platform::Environment& environment, SameFace sameFace)
-    : CaptureSessionViewController(environment),
+FlowModel::FlowModel(platform::Environment& environment, corvana::HostFactories& host,
+                     SameFace sameFace)
+    : CaptureSessionViewController(environment, host),
       sameFace_(std::move(sameFace)),
       secondsLeft_(VideoCapture::options.readTextCountdownSeconds) {}
 
-platform::ControllerFactories FlowModel::factories(const SameFace& sameFace) {
-  auto factories = capture::controllerFactories();
-  factories["VideoCaptureViewController"] = [sameFace](auto& environment) {
-    return std::make_shared<FlowModel>(environment, sameFace);
+platform::ControllerFactories FlowModel::factories(corvana::HostFactories& host,
+                                                   const SameFace& sameFace) {
+  auto factories = capture::controllerFactories(host);
+  factories["VideoCaptureViewController"] = [&host, sameFace](auto& environment) {
+    return std::make_shared<FlowModel>(environment, host, sameFace);
   };
   return factories;
 }
@@ -61,7 +63,7 @@ void FlowModel::viewDidLoad() {
 
 void FlowModel::viewDidAppear(bool) {
   if (!recorder_) {
-    recorder_ = environment().host.makeVideoCapture({}, {}, {}, {});
+    recorder_ = host().makeVideoCapture({}, {}, {}, {});
     if (!recorder_) return;
     recorder_->setDelegate(self());
     auto* speech = recorder_->speechRecognizer();

@@ -28,10 +28,11 @@ class FlowModel final : public corvana::CaptureSessionViewController,
                         public corvana::VideoCaptureDelegate,
                         public corvana::SpeechRecognizerDelegate {
  public:
-  FlowModel(platform::Environment& environment, SameFace sameFace);
+  FlowModel(platform::Environment& environment, corvana::HostFactories& host, SameFace sameFace);
 
   /// The storyboard's screens as the model plays them.
-  static platform::ControllerFactories factories(const SameFace& sameFace);
+  static platform::ControllerFactories factories(corvana::HostFactories& host,
+                                                 const SameFace& sameFace);
 
   const Sight& sight() const { return sight_; }
 

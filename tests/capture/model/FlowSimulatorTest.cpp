@@ -83,9 +83,8 @@ class TwinFlow final : private corvana::DecisionObserver {
       if (!comparable || one == unreadableFace() || other == unreadableFace()) return {};
       return one == other;
     };
-    seen_.world.factories = capture::controllerFactories();
-    seen_.world.environment.decisions = this;
-    told_.world.factories = FlowModel::factories(sameFace);
+    seen_.world.factories = capture::controllerFactories(seen_.world.host, this);
+    told_.world.factories = FlowModel::factories(told_.world.host, sameFace);
     seen_.enter(beginning_);
     told_.enter(beginning_);
   }

@@ -130,11 +130,14 @@ TEST_F(Person, TheReporterTellsOnlyChangesOfWhatIsInSight) {
   world.label("idOverlayLabel").setText("unseen");
   expect({"caption Take a Selfie"});
 
+  // A theme may give all types one colour.
+  reporter.prompted(corvana::PromptPlace::face, corvana::PromptType::info);
+  reporter.prompted(corvana::PromptPlace::card, corvana::PromptType::success);
   world.view("selfieOverlayLabelView").setBackgroundColor(platform::colors::kRed);
   world.view("selfieOverlayLabelView").setHidden(false);
   world.label("selfieOverlayLabel").setText("Move\ncloser");
   world.view("selfieOverlayImageView").setTintColor(platform::colors::kRed);
-  expect({"prompt [error] Move / closer", "outline [error]"});
+  expect({"prompt [info] Move / closer", "outline [error]"});
   world.label("selfieOverlayLabel").setText("Move\ncloser");
   expect({});
 

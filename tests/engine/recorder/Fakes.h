@@ -64,7 +64,6 @@ class FakeFilms final : public platform::AssetWriterFactory {
     }
     std::optional<platform::Fault> fault() const override { return films.appendFault; }
     int framesWaiting() const override { return films.waiting; }
-    void cancel() override { films.log.push_back("cancel"); }
     platform::AssetWriterCounters counters() const override {
       return {.videoFramesReceived = received, .videoFramesWritten = frames, .secondsWritten = 1};
     }

@@ -76,19 +76,25 @@ TEST(RealTimeFlow, EndsInAResultWhateverTheThreadsDo) {
   media.microphoneStatus = platform::AVAuthorizationStatus::notDetermined;
   devices::ScriptedSpeechAuthorization speechAuthorization(loop);
   devices::ReportingSystemSounds sounds([](auto) {});
-  devices::DirectoryBundle bundle(TEST_RESOURCES,
-                                  devices::headlessStoryboards(capture::controllerFactories()));
   FakeFilms films;
   const auto analyzer = std::make_shared<FakeAnalyzer>();
   analyzer->fill = look;
   const auto recognizer = std::make_shared<devices::ScriptedSpeechRecognizer>(loop);
   engine::EngineHost host({loop, notificationCenter, media, films, analyzer, recognizer, run.path(),
                            false, platform::CGSize(360, 640)});
+  devices::DirectoryBundle bundle(TEST_RESOURCES,
+                                  devices::headlessStoryboards(capture::controllerFactories(host)));
   devices::ScreenHub screen;
-  platform::Environment environment{
-      loop,   bundle, notificationCenter,        console, application, media, speechAuthorization,
-      sounds, host,   {devices::kHeadlessScreen}};
-  environment.presentations = &screen;
+  platform::Environment environment{.runLoop = loop,
+                                    .bundle = bundle,
+                                    .notificationCenter = notificationCenter,
+                                    .console = console,
+                                    .application = application,
+                                    .mediaDevices = media,
+                                    .speechAuthorization = speechAuthorization,
+                                    .systemSounds = sounds,
+                                    .mainScreen = {devices::kHeadlessScreen},
+                                    .presentations = &screen};
   devices::HeadlessPerson person(loop, {.onRetry = devices::PersonHabits::OnRetry::retry});
   screen.add(person);
 

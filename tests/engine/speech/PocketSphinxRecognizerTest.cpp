@@ -90,13 +90,10 @@ const auto kPaths = engine::SpeechModelPaths::inFolder(engine::kDebianSpeechMode
 
 class PocketSphinxRecognizer : public testing::Test {
  protected:
-  void TearDown() override { corvana::SpeechRecognizer::options = {}; }
-
   void listen(const std::string& text, const engine::SpeechModelPaths& paths = kPaths,
               platform::RunLoop* real = nullptr) {
-    corvana::SpeechRecognizer::options.contextualText = text;
     notes = std::make_shared<Notes>();
-    recognizer = std::make_unique<engine::PocketSphinxRecognizer>(real ? *real : loop, paths);
+    recognizer = std::make_unique<engine::PocketSphinxRecognizer>(real ? *real : loop, paths, text);
     recognizer->setDelegate(notes);
     recognizer->start();
   }

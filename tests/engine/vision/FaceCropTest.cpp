@@ -62,7 +62,7 @@ TEST(FaceCrop, RefusesFacesTooSmallOrWithoutEyes) {
   Face face = tests::detector().detect(*picture).at(0);
   ASSERT_NE(cropFace(*picture, face), nullptr);
   Face small = face;
-  small.box.width = kMinFaceWidth - 1;
+  small.box.width = kLeastFaceWidth - 1;
   EXPECT_EQ(cropFace(*picture, small), nullptr);
   face.keypoints.fill({300, 300});
   EXPECT_EQ(cropFace(*picture, face), nullptr);

@@ -64,7 +64,7 @@ TEST(SelfieAnalyzer, RefusesPicturesTheMatcherCannotUse) {
   EXPECT_GT(judgement.details->leftEyeOpen, 0.8F);
   EXPECT_GT(judgement.details->rightEyeOpen, 0.8F);
   EXPECT_GT(judgement.passiveLiveness, 0);
-  EXPECT_GE(judgement.faceImage->pixels()->width(), kMinFaceWidth);
+  EXPECT_GE(judgement.faceImage->pixels()->width(), kLeastFaceWidth);
 }
 
 }  // namespace

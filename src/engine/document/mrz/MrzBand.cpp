@@ -12,18 +12,18 @@ namespace {
 
 // Sizes as fractions of the card's width. The standard's own are: letters 0.0297 apart (2.54 mm),
 // lines 0.049 apart, capitals about 0.028 high; prints and made cards differ by a fifth.
-constexpr double kMinLineDistance = 0.030;
-constexpr double kMaxLineDistance = 0.065;
-constexpr double kMinCapOfDistance = 0.36;
-constexpr double kMaxCapOfDistance = 0.80;
+constexpr double kLeastLineDistance = 0.030;
+constexpr double kMostLineDistance = 0.065;
+constexpr double kLeastCapOfDistance = 0.36;
+constexpr double kMostCapOfDistance = 0.80;
 /// The zone lies in the card's lower part.
 constexpr double kTopOfCard = 0.42;
 
 constexpr int kBlocks = 100;  ///< across the card, when rows are looked for
-constexpr double kMaxSlope = 0.035;
+constexpr double kMostSlope = 0.035;
 constexpr double kSlopeStep = 0.0025;
 constexpr float kInkThreshold = 14;
-constexpr double kMinRowContrast = 0.45;
+constexpr double kLeastRowContrast = 0.45;
 
 using Profile = std::vector<double>;
 
@@ -64,7 +64,7 @@ double sharpnessOf(const Profile& profile, int top) {
 double slopeOf(const cv::Mat& filled, int cardWidth) {
   double best = 0;
   double bestSharpness = -1;
-  for (double slope = -kMaxSlope; slope <= kMaxSlope; slope += kSlopeStep) {
+  for (double slope = -kMostSlope; slope <= kMostSlope; slope += kSlopeStep) {
     const double sharpness =
         sharpnessOf(coverage(filled, slope, cardWidth), static_cast<int>(filled.rows * kTopOfCard));
     if (sharpness > bestSharpness) {
@@ -116,7 +116,7 @@ double rowContrast(const Sums& rows, double firstMiddle, double distance, double
 }
 
 struct ThreeRows {
-  double contrast = kMinRowContrast;
+  double contrast = kLeastRowContrast;
   double firstMiddle = 0;
   double distance = 0;
   double capHeight = 0;  ///< 0 while none is clear enough
@@ -219,9 +219,10 @@ std::optional<MrzBand> findMrzBand(const cv::Mat& ink) {
   const Sums rows(coverage(filled, band.slope, ink.cols));
   const double width = ink.cols;
   ThreeRows best;
-  for (double distance = kMinLineDistance * width; distance <= kMaxLineDistance * width;
+  for (double distance = kLeastLineDistance * width; distance <= kMostLineDistance * width;
        distance += 0.5) {
-    for (double cap = kMinCapOfDistance * distance; cap <= kMaxCapOfDistance * distance; cap += 2) {
+    for (double cap = kLeastCapOfDistance * distance; cap <= kMostCapOfDistance * distance;
+         cap += 2) {
       takeClearest(rows, ink.rows, distance, cap, best);
     }
   }
