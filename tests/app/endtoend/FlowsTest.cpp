@@ -12,18 +12,18 @@ namespace fs = std::filesystem;
 using nlohmann::json;
 using Arguments = std::vector<std::string>;
 
+/// As the sessions want it, which end before the time that a person gets.
+Arguments withShortLimits(Arguments more = {}) {
+  more.insert(more.end(), {"--options", SAMPLES "/short-options.json"});
+  return more;
+}
+
 Arguments captureOf(const Session& session, const fs::path& run, const Arguments& more = {}) {
   Arguments arguments{"capture",      "--reference", session.reference,
                       "--text-file",  session.text,  "--camera",
                       session.camera, "--output",    run};
   arguments.insert(arguments.end(), more.begin(), more.end());
   return arguments;
-}
-
-/// samples/short.json wants a countdown of eight seconds.
-fs::path shortCountdown(const ScratchFolder& scratch) {
-  writeBytes(scratch / "options.json", R"({"videoCapture.readTextCountdownSeconds": 8})");
-  return scratch / "options.json";
 }
 
 double secondsOfFilm(const fs::path& file) {
@@ -41,10 +41,9 @@ void expectPartialFilmPlays(const fs::path& run) {
 
 TEST(EndToEnd, AGoodSessionEndsInAResultThatCanBeVerifiedAndRepeated) {
   const ScratchFolder scratch;
-  const Session session = Session::make("short.json", scratch);
-  const Arguments options{"--options", shortCountdown(scratch)};
+  const Session session = Session::of("short");
   const fs::path run = scratch / "run";
-  const ProgramRun first = runVideoid(captureOf(session, run, options));
+  const ProgramRun first = runVideoid(captureOf(session, run, withShortLimits()));
   ASSERT_EQ(first.exitCode, 0) << first.errors;
 
   const json result = json::parse(first.output);
@@ -68,7 +67,7 @@ TEST(EndToEnd, AGoodSessionEndsInAResultThatCanBeVerifiedAndRepeated) {
   EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
   EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);
   const fs::path again = scratch / "again";
-  ASSERT_EQ(runVideoid(captureOf(session, again, options)).exitCode, 0);
+  ASSERT_EQ(runVideoid(captureOf(session, again, withShortLimits())).exitCode, 0);
   EXPECT_EQ(bytesOf(run / "events.jsonl"), bytesOf(again / "events.jsonl"));
   EXPECT_EQ(bytesOf(run / "result.json"), bytesOf(again / "result.json"));
 
@@ -96,10 +95,9 @@ class FaultySession : public testing::TestWithParam<FaultCase> {};
 TEST_P(FaultySession, LeadsToTheRetryScreenAndThenToCancellation) {
   const FaultCase& fault = GetParam();
   const ScratchFolder scratch;
-  const Session session = Session::make(std::string(fault.script) + ".json", scratch);
+  const Session session = Session::of(fault.script);
   const fs::path run = scratch / "run";
-  const ProgramRun kept =
-      runVideoid(captureOf(session, run, {"--keep", "--options", shortCountdown(scratch)}));
+  const ProgramRun kept = runVideoid(captureOf(session, run, withShortLimits({"--keep"})));
   EXPECT_EQ(kept.exitCode, 1) << kept.errors;
   EXPECT_EQ(json::parse(kept.output)["error"]["message"], "The video identification was canceled.");
 
@@ -131,7 +129,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(EndToEnd, SignalsAndALostFolderEndARunAtOnceAndLeaveWhatPlaysOrNothing) {
   const ScratchFolder scratch;
-  const Session session = Session::make("short.json", scratch);
+  const Session session = Session::of("short");
   setenv("QT_QPA_PLATFORM", "offscreen", 1);
   const struct {
     const char* disturbance;
@@ -160,9 +158,8 @@ TEST(EndToEnd, SignalsAndALostFolderEndARunAtOnceAndLeaveWhatPlaysOrNothing) {
 
 TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAndKeepsTheFirstApart) {
   const ScratchFolder scratch;
-  const ScratchFolder scratchOfSecond;
-  const Session lost = Session::make("face-leaves.json", scratch);
-  const Session good = Session::make("short.json", scratchOfSecond);
+  const Session lost = Session::of("face-leaves");
+  const Session good = Session::of("short");
   writeBytes(scratch / "parts",
              "file '" + lost.camera.string() + "'\nfile '" + good.camera.string() + "'\n");
   Session both = good;
@@ -174,8 +171,8 @@ TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAndKeepsTheFirstApart
   const fs::path run = scratch / "run";
   const ProgramRun retried = runVideoid(
       captureOf(both, run,
-                {"--on-retry", "retry", "--max-retries", "1", "--on-alert", "ok", "--done", "never",
-                 "--keep-failed-runs", "--options", shortCountdown(scratch)}));
+                withShortLimits({"--on-retry", "retry", "--max-retries", "1", "--on-alert", "ok",
+                                 "--done", "never", "--keep-failed-runs"})));
   ASSERT_EQ(retried.exitCode, 0) << retried.errors;
   const json recording = json::parse(retried.output)["recording"];
   EXPECT_EQ(recording["runs"], 2);
@@ -194,7 +191,7 @@ TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAndKeepsTheFirstApart
 
 TEST(EndToEnd, EnrollRefusesTheWrongSidesAndSaysWhy) {
   const ScratchFolder scratch;
-  const Session session = Session::make("short.json", scratch);
+  const Session session = Session::of("short");
   const std::string front = session.camera.parent_path() / "front.png";
   const std::string back = session.camera.parent_path() / "back.png";
   const ProgramRun swapped =
@@ -209,7 +206,7 @@ TEST(EndToEnd, EnrollRefusesTheWrongSidesAndSaysWhy) {
 
 TEST(EndToEnd, ALiveCameraThatDiesEndsTheFlowAndLeavesAFilmThatPlays) {
   const ScratchFolder scratch;
-  Session session = Session::make("short.json", scratch);
+  Session session = Session::of("short");
   const std::string clip = scratch / "clip.mp4";
   const ProgramRun cut = runProgram(
       "ffmpeg", {"-v", "error", "-t", "2", "-i", session.camera, "-an", "-c", "copy", clip});
@@ -234,7 +231,7 @@ TEST(EndToEnd, ALiveCameraThatDiesEndsTheFlowAndLeavesAFilmThatPlays) {
 
 TEST(EndToEnd, TheCamerasEndEndsTheFlowAndLeavesAFilmThatPlays) {
   const ScratchFolder scratch;
-  const Session session = Session::make("silence.json", scratch);
+  const Session session = Session::of("face-leaves");
   const fs::path run = scratch / "run";
   const ProgramRun ended =
       runVideoid(captureOf(session, run, {"--on-retry", "retry", "--max-retries", "5"}));

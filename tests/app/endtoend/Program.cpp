@@ -52,15 +52,13 @@ ProgramRun runDisturbed(const std::vector<std::string>& arguments, const fs::pat
   return runProgram("bash", words);
 }
 
-Session Session::make(const std::string& script, const ScratchFolder& scratch) {
-  const fs::path folder = scratch / "session";
-  const ProgramRun made = runProgram(MAKE_SESSION, {std::string(SAMPLES) + "/" + script, "--cache",
-                                                    SESSION_CACHE, "--output", folder.string()});
-  EXPECT_EQ(made.exitCode, 0) << made.errors;
-  const ProgramRun enrolled = runVideoid({"enroll", "--front", folder / "front.png", "--back",
-                                          folder / "back.png", "--output", scratch / "reference"});
-  EXPECT_EQ(enrolled.exitCode, 0) << enrolled.errors;
-  return {folder / "session.mp4", folder / "text.txt", scratch / "reference"};
+Session Session::of(const std::string& script) {
+  const fs::path sessions = SESSIONS;
+  const Session session{sessions / script / "session.mp4", sessions / script / "text.txt",
+                        sessions / "reference"};
+  EXPECT_TRUE(fs::exists(session.camera) && fs::exists(session.reference))
+      << "make it first: ctest -R Sessions";
+  return session;
 }
 
 std::vector<nlohmann::json> eventsOf(const fs::path& run, const std::string& event,
@@ -82,8 +80,10 @@ std::vector<std::string> breachesOf(const fs::path& run) {
                                           {"liveFace", Kind::liveFace},
                                           {"mode", Kind::mode},
                                           {"call", Kind::call}};
-  devices::HostContractValidator validator({std::chrono::seconds(20), std::chrono::seconds(30)},
-                                           {});
+  const auto options = nlohmann::json::parse(bytesOf(run / "result.json"))["options"];
+  const auto limit = [&](const char* name) { return platform::seconds(options[name]); };
+  devices::HostContractValidator validator(
+      {limit("selfieCapture.timeOutSeconds"), limit("idCapture.timeOutSeconds")}, {});
   for (const auto& event : eventsOf(run)) {
     const auto kind = kinds.find(event["event"]);
     if (kind == kinds.end()) continue;

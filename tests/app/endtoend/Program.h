@@ -26,14 +26,14 @@ ProgramRun runVideoid(const std::vector<std::string>& arguments);
 ProgramRun runDisturbed(const std::vector<std::string>& arguments, const std::filesystem::path& run,
                         const std::string& command);
 
-/// A session made from a script of samples/, and the reference enrolled from its stills. Made once,
-/// then taken from the cache of the build.
+/// A session made from a script of samples/, and the reference enrolled from the stills of its card.
+/// The tests `Sessions.*` make them, which ctest runs before.
 struct Session {
   std::filesystem::path camera;
   std::filesystem::path text;
   std::filesystem::path reference;
 
-  static Session make(const std::string& script, const ScratchFolder& scratch);
+  static Session of(const std::string& script);
 };
 
 /// The lines of events.jsonl, of that event and of that name when they are given.
