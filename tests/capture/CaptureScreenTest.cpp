@@ -67,7 +67,6 @@ TEST_F(CaptureScreen, WithoutAPreviewTheSelfieOverlayStaysHidden) {
 
 TEST_F(CaptureScreen, StaysUpSilentlyWithoutARecorder) {
   world.host.makesRecorder = false;
-  oneSided = true;
   VideoCapture::options.readTextWordMatchThreshold = 0;
   SelfieCapture::options.capture4K = true;
   enter();
@@ -77,6 +76,14 @@ TEST_F(CaptureScreen, StaysUpSilentlyWithoutARecorder) {
   auto& screen = dynamic_cast<capture::VideoCaptureViewController&>(world.topmost());
   screen.update(Face{Face::Success{{nullptr, faceImage(kHolder)}}});
   screen.update(ID{ID::Success{front}});
+  world.advance(3);
+  auto other = back;
+  other.type = "DRIVING_LICENCE_BACK";
+  screen.update(ID{ID::ClassifiedDocument{other}});
+  world.advance(0);
+  EXPECT_EQ(world.text("idOverlayLabel"), IDCapture::strings.frontBackMismatch);
+  EXPECT_TRUE(world.view("progressView").isHidden()) << "it is held back all the same";
+  screen.update(ID{ID::Success{back}});
   world.advance(1);
   EXPECT_TRUE(world.tap("doneButton"));
   world.advance(1);

@@ -79,18 +79,5 @@ TEST_F(Card, OfAnotherTypeIsHeldBackForFiveSecondsHoweverOftenTheFrontIsShown) {
   EXPECT_EQ(mismatches(), 3) << "the right type begins the time anew";
 }
 
-TEST_F(Card, OfAnotherTypeIsHeldBackWithoutARecorderToo) {
-  world.host.makesRecorder = false;
-  enter();
-  auto& screen = dynamic_cast<capture::VideoCaptureViewController&>(world.topmost());
-  screen.update(Face{Face::Success{{nullptr, faceImage(kHolder)}}});
-  screen.update(ID{ID::Success{front}});
-  world.advance(3);
-  screen.update(ID{ID::ClassifiedDocument{otherType()}});
-  world.advance(0);
-  EXPECT_EQ(world.text("idOverlayLabel"), IDCapture::strings.frontBackMismatch);
-  EXPECT_TRUE(world.view("progressView").isHidden());
-}
-
 }  // namespace
 }  // namespace tests

@@ -109,10 +109,6 @@ class FlowTest : public testing::Test, protected corvana::DecisionObserver {
   }
 
   VideoCaptureMode mode() { return world.recorder().mode(); }
-  /// What the face prompt says; "" while it is hidden.
-  std::string facePrompt() {
-    return world.view("selfieOverlayLabelView").isHidden() ? "" : world.text("selfieOverlayLabel");
-  }
   void decided(const corvana::Decision& decision) override { decisions.push_back(decision); }
 
   TestWorld world;
