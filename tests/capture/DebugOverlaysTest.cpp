@@ -45,6 +45,9 @@ TEST_F(DebugOverlays, ShowTheFacesNumbersAndOneOutline) {
   ASSERT_EQ(shapes().size(), 1u);
   EXPECT_EQ(shapes()[0]->pathRect, (CGRect{50, 100, 30, 40})) << "not mirrored";
   EXPECT_EQ(shapes()[0]->strokeColor, platform::colors::kYellow);
+  EXPECT_EQ(shapes()[0]->fillColor, platform::colors::kClear);
+  EXPECT_EQ(shapes()[0]->path, platform::CAShapeLayer::Path::rectangle);
+  EXPECT_EQ(shapes()[0]->lineWidth, 2);
   world.advance(0.5);
   postSelfie();  // nothing measured: what is shown stays, for a second more
   world.advance(0.5);
@@ -68,6 +71,7 @@ TEST_F(DebugOverlays, ShowTheCardsNumbersAndOutlines) {
   EXPECT_TRUE(shows("idDebugStackView"));
   ASSERT_EQ(shapes().size(), 2u);
   EXPECT_EQ(shapes()[0]->pathRect, (CGRect{0, 140, 360, 180})) << "the whole picture is fitted in";
+  EXPECT_EQ(shapes()[1]->pathRect, (CGRect{36, 176, 36, 36}));
   EXPECT_EQ(shapes()[1]->strokeColor, platform::colors::kPurple);
 
   cardInfo.topClassifierResults.emplace();

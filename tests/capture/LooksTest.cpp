@@ -1,5 +1,6 @@
 #include "FlowTest.h"
 #include "capture/VideoCaptureViewController+SelfieCaptureDelegate.h"
+#include "corvana/Geometry.h"
 
 namespace tests {
 namespace {
@@ -93,6 +94,19 @@ TEST_F(Looks, ChangesAreAnimatedAndPromptsLaidOutAnew) {
                                                      "fade 0.500000"}));
   root.setObserver(nullptr);
   world.environment.animations = nullptr;
+}
+
+TEST(Aspect, IsKeptWhetherThePictureFillsTheScreenOrFitsIn) {
+  using platform::CGRect;
+  const platform::CGSize screen{360, 640};
+  EXPECT_EQ(corvana::aspectFill({10, 20, 30, 40}, {100, 100}, screen),
+            (CGRect{-76, 128, 192, 256}));
+  EXPECT_EQ(corvana::aspectFit({10, 20, 30, 40}, {100, 100}, screen), (CGRect{36, 212, 108, 144}));
+  EXPECT_EQ(corvana::aspectFit({0, 0, 1, 1}, {1, 1}, screen), (CGRect{0, 140, 360, 360}));
+  for (const platform::CGSize& empty : {platform::CGSize{0, 9}, {9, 0}, {-1, 9}}) {
+    EXPECT_EQ(corvana::aspectFill({1, 2, 3, 4}, empty, screen), CGRect());
+    EXPECT_EQ(corvana::aspectFit({1, 2, 3, 4}, empty, screen), CGRect());
+  }
 }
 
 TEST(Mirrored, ReflectsAboutTheVerticalCentreLine) {
