@@ -127,9 +127,22 @@ INSTANTIATE_TEST_SUITE_P(
       return name;
     });
 
+/// A session in which nothing comes to an end by itself for minutes, however slow the machine is:
+/// a person whose face is never accepted.
+Session endlessSession(const ScratchFolder& scratch) {
+  Session session = Session::of("wrong-person");
+  const fs::path film = scratch / "endless.mp4";
+  const ProgramRun looped = runProgram(
+      "ffmpeg", {"-v", "error", "-stream_loop", "60", "-i", session.camera, "-c", "copy", film});
+  EXPECT_EQ(looped.exitCode, 0) << looped.errors;
+  session.camera = film;
+  writeBytes(scratch / "patient.json", R"({"selfieCapture.timeOutSeconds": 600})");
+  return session;
+}
+
 TEST(EndToEnd, SignalsAndALostFolderEndARunAtOnceAndLeaveWhatPlaysOrNothing) {
   const ScratchFolder scratch;
-  const Session session = Session::of("short");
+  const Session session = endlessSession(scratch);
   setenv("QT_QPA_PLATFORM", "offscreen", 1);
   const struct {
     const char* disturbance;
@@ -143,7 +156,9 @@ TEST(EndToEnd, SignalsAndALostFolderEndARunAtOnceAndLeaveWhatPlaysOrNothing) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.world[1]);
     const fs::path run = scratch / c.world[1];
-    const ProgramRun ended = runDisturbed(captureOf(session, run, c.world), run, c.disturbance);
+    Arguments arguments = captureOf(session, run, c.world);
+    arguments.insert(arguments.end(), {"--options", scratch / "patient.json"});
+    const ProgramRun ended = runDisturbed(arguments, run, c.disturbance);
     EXPECT_EQ(ended.exitCode, 1);
     EXPECT_EQ(json::parse(ended.output)["error"]["cause"], c.cause);
     EXPECT_NE(ended.errors.find(c.sentence), std::string::npos) << ended.errors;
