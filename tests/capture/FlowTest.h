@@ -102,12 +102,6 @@ class FlowTest : public testing::Test, protected corvana::DecisionObserver {
     ASSERT_EQ(results.size(), 1u);
     ASSERT_TRUE(results[0]) << results[0].error().localizedDescription();
   }
-  void expectFailed(const std::string& message) {
-    ASSERT_EQ(results.size(), 1u);
-    ASSERT_FALSE(results[0]);
-    EXPECT_EQ(results[0].error().localizedDescription(), message);
-  }
-
   VideoCaptureMode mode() { return world.recorder().mode(); }
   void decided(const corvana::Decision& decision) override { decisions.push_back(decision); }
 

@@ -42,8 +42,10 @@ TEST_F(Retry, ScreenKeepsWhatTheStoryboardDrewAndLetsGoOfWhoAsked) {
   screen->viewDidLoad();
   EXPECT_EQ(world.imageView("imageView").image(), drawn);
   EXPECT_TRUE(screen->retryCompletion);
+  EXPECT_FALSE(world.mediaDevices.camera->isRunning());
   answer("retryButton");
   EXPECT_FALSE(screen->retryCompletion);
+  EXPECT_TRUE(world.mediaDevices.camera->isRunning());
 }
 
 /// Gives every value of a table that a retry screen shows, made from one number.

@@ -2,7 +2,6 @@
 #include <cstdlib>
 #include <map>
 #include <set>
-#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -11,7 +10,6 @@
 #include "capture/ControllerFactories.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "corvana/Decision.h"
-#include "corvana/StateNames.h"
 
 namespace tests {
 namespace {
@@ -35,36 +33,38 @@ struct Side {
 
 /// Everything but the views of the capture screen: what other screens show, what was asked of the
 /// host and the machine, what the caller got.
-std::string surroundings(Side& side) {
+Sight surroundings(Side& side) {
   TestWorld& world = side.world;
-  std::ostringstream text;
-  text << "on top: " << world.topmostScene();
+  const auto list = [](const std::vector<std::string>& items) {
+    std::string text;
+    for (const std::string& item : items)
+      text += " [" + item + "]";
+    return text;
+  };
+  Sight seen{{"screen", side.screen.expired() ? "gone" : "there"},
+             {"results", list(side.results)},
+             {"capture mode",
+              std::to_string(static_cast<int>(world.host.captureSession()->captureMode()))},
+             {"sounds", std::to_string(world.sounds.played.size())}};
+  std::string& top = seen["on top"] = world.topmostScene();
   if (auto* alert = world.alert()) {
-    text << "alert " << alert->title() << ": " << alert->message();
+    top += "alert " + alert->title() + ": " + alert->message();
     for (const auto& [title, style, handler] : alert->actions())
-      text << " [" << title << static_cast<int>(style) << "]";
+      top += " [" + title + std::to_string(static_cast<int>(style)) + "]";
   }
-  if (world.topmostScene() == "VideoRetryViewController") text << ": " << world.text("label");
-  text << "\nscreen: " << (side.screen.expired() ? "gone" : "there") << "\nresults:";
-  for (const std::string& result : side.results)
-    text << " [" << result << "]";
-  text << "\ncapture mode: " << static_cast<int>(world.host.captureSession()->captureMode())
-       << "\nsounds: " << world.sounds.played.size();
-  if (!world.host.recorder()) return text.str();
-  text << "\nrecorder:";
-  for (const std::string& call : world.recorder().calls())
-    text << " [" << call << "]";
-  text << " in " << corvana::nameOf(world.recorder().mode())
-       << ", heard: " << world.recorder().hasDelegate();
-  return text.str();
+  if (top == "VideoRetryViewController") top += ": " + world.text("label");
+  if (!world.host.recorder()) return seen;
+  seen["recorder"] = list(world.recorder().calls()) + " in " +
+                     std::to_string(static_cast<int>(world.recorder().mode())) +
+                     (world.recorder().hasDelegate() ? ", heard" : ", not heard");
+  return seen;
 }
 
-std::string lineDifference(const std::string& expected, const std::string& seen) {
-  std::istringstream left(expected);
-  std::istringstream right(seen);
+std::string difference(const Sight& told, const Sight& seen) {
   std::string lines;
-  for (std::string a, b; std::getline(left, a) && std::getline(right, b);) {
-    if (a != b) lines += "  `" + a + "` but `" + b + "`\n";
+  for (const auto& [what, looks] : told) {
+    if (const auto& shown = seen.at(what); shown != looks)
+      lines += "  " + what + ": `" + looks + "` but `" + shown + "`\n";
   }
   return lines;
 }
@@ -131,7 +131,7 @@ class TwinFlow final : private corvana::DecisionObserver {
   std::map<std::string, bool> passed_;
   int retries_ = 0;
   std::optional<Sight> sight_;
-  std::string surroundings_;
+  Sight surroundings_;
 };
 
 /// One touch after the other closes whatever stands open; then nothing may be left.
@@ -156,29 +156,23 @@ std::string TwinFlow::take(const Step& step) {
 
 std::string TwinFlow::faultNow() {
   surroundings_ = surroundings(seen_);
-  if (std::string told = surroundings(told_); told != surroundings_)
-    return lineDifference(told, surroundings_);
+  if (auto fault = difference(surroundings(told_), surroundings_); !fault.empty()) return fault;
   sight_.reset();
   const auto seen = seen_.screen.lock();
   const auto told = told_.screen.lock();
   if (!seen || !told) return "";
   sight_ = sightOf(seen->view());
-  std::string difference;
-  for (const auto& [what, looks] : dynamic_cast<FlowModel&>(*told).sight()) {
-    if (looks != sight_->at(what))
-      difference += "  " + what + ": `" + looks + "` but `" + sight_->at(what) + "`\n";
-  }
-  return difference;
+  return difference(dynamic_cast<FlowModel&>(*told).sight(), *sight_);
 }
 
 void TwinFlow::noteEvents() {
-  events.insert(surroundings_.substr(0, surroundings_.find('\n')));
+  events.insert("on top: " + surroundings_["on top"]);
   for (const std::string& result : seen_.results)
     events.insert("result " + result);
-  if (sight_)
-    events.insert(
-        "card " +
-        sight_->at("idOverlayLabel").substr(0, sight_->at("idOverlayLabel").find(", rgba")));
+  if (sight_) {
+    const std::string& prompt = sight_->at("idOverlayLabel");
+    events.insert("card " + prompt.substr(0, prompt.find(", rgba")));
+  }
   if (!seen_.world.host.recorder()) return;
   const int retries = seen_.world.recorder().count("retry");
   if (retries > retries_) passed_.clear();
