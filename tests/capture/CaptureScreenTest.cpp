@@ -149,9 +149,11 @@ TEST_F(CaptureScreen, HearsAMicrophoneThatIsAllowedWhileTheTextIsRead) {
   EXPECT_FALSE(world.mediaDevices.microphone->isRunning());
   world.advance(10);
   ASSERT_TRUE(world.mediaDevices.microphone->isRunning());
-  world.mediaDevices.microphone->push(
-      devices::silentSample(world.loop.now(), platform::seconds(0.1)));
+  const auto sample = devices::silentSample(world.loop.now(), platform::seconds(0.1));
+  world.mediaDevices.camera->push(sample);
+  world.mediaDevices.microphone->push(sample);
   world.advance(0);
+  EXPECT_EQ(world.recorder().framesReceived(), 1);
   EXPECT_EQ(world.recorder().audioCalls(), (std::vector<std::string>{"write", "append"}));
 }
 
@@ -230,6 +232,26 @@ TEST_F(CaptureScreen, HasGoneWhenTheAnswerComesTooLate) {
     world.mediaDevices.microphoneStatus = platform::AVAuthorizationStatus::notDetermined;
   }
   EXPECT_EQ(world.speechAuthorization.requests(), 1);
+}
+
+TEST_F(CaptureScreen, ShowsTheTimeOfTheOptionsWhenTheScreenWasBuilt) {
+  VideoCapture::strings.doneButton = "Finished";
+  const std::pair<int, const char*> cases[] = {
+      {0, "0:00"}, {59, "0:59"}, {65, "1:05"}, {90, "1:30"}, {600, "10:00"}};
+  for (const auto& [seconds, shown] : cases) {
+    VideoCapture::options.readTextCountdownSeconds = seconds;
+    enter();
+    VideoCapture::options.readTextCountdownSeconds = 99;
+    EXPECT_EQ(world.button("doneButton").title(), "Finished");
+    EXPECT_FALSE(world.tap("doneButton")) << "its overlay is not to be seen yet";
+    reachReading();
+    EXPECT_EQ(world.text("readingTextCountdownLabel"), shown);
+    hear(text);
+    EXPECT_TRUE(world.tap("doneButton"));
+    world.advance(30);
+    expectAccepted();
+    results.clear();
+  }
 }
 
 }  // namespace
