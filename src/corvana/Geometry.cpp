@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <vector>
 
 namespace corvana {
 
@@ -36,8 +37,8 @@ CGRect aspectFit(const CGRect& rect, const CGSize& from, const CGSize& to) {
 }
 
 void removeShapeSublayers(CALayer& layer) {
-  const auto sublayers = layer.sublayers();
-  for (const auto& sublayer : sublayers) {
+  // A copy, since the list shrinks while it is walked.
+  for (const auto& sublayer : std::vector(layer.sublayers())) {
     if (dynamic_cast<CAShapeLayer*>(sublayer.get())) sublayer->removeFromSuperlayer();
   }
 }

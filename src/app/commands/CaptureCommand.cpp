@@ -119,7 +119,7 @@ std::unique_ptr<FlowScreen> makeScreenFor(const CaptureArguments& arguments,
 using Analyzer = std::shared_ptr<engine::FrameAnalyzer>;
 
 Expected<Analyzer> loadAnalyzer(const Resources& resources) {
-  if (const auto lack = lacks(examineModels(resources)); !lack.empty()) {
+  if (const auto lack = lacks({examineFaceModel(resources)}); !lack.empty()) {
     return tl::unexpected(lack);
   }
   auto loaded =

@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uintmax_t kMebibyte = 1024 * 1024;
+constexpr std::uintmax_t kMebibyte = std::uintmax_t{1} << 20;
 constexpr std::uintmax_t kLeastFreeBytes = 256 * kMebibyte;
 
 std::string inMebibytes(std::uintmax_t bytes) {
@@ -29,11 +29,6 @@ template <class Model>
 Finding model(const fs::path& path, const tl::expected<Model, corvana::IDError>& loaded) {
   return {"model " + path.filename().string(), loaded.has_value(),
           loaded ? "" : loaded.error().localizedDescription()};
-}
-
-Finding embeddingModel(const fs::path& path) {
-  return model(path, engine::TfliteModel::load(path, {{1, 160, 160, 3}, {std::nullopt}},
-                                               inference::Runtime::plain));
 }
 
 Finding anyFile(const std::string& what, const std::vector<fs::path>& candidates,
@@ -101,12 +96,10 @@ std::uintmax_t bytesNeeded(const platform::AVCaptureDevice* camera, double secon
   return std::max(kLeastFreeBytes, static_cast<std::uintmax_t>(3 * bytes));
 }
 
-std::vector<Finding> examineModels(const Resources& resources) {
-  const fs::path detector = resources.faceDetector();
-  const fs::path landmarks = resources.faceLandmarks();
-  return {embeddingModel(resources.faceModel()),
-          model(detector, engine::FaceDetector::load(detector)),
-          model(landmarks, engine::FaceLandmarks::load(landmarks))};
+Finding examineFaceModel(const Resources& resources) {
+  const fs::path path = resources.faceModel();
+  return model(path, engine::TfliteModel::load(path, {{1, 160, 160, 3}, {std::nullopt}},
+                                               inference::Runtime::plain));
 }
 
 std::vector<Finding> examineMachine() {
@@ -115,7 +108,11 @@ std::vector<Finding> examineMachine() {
 }
 
 std::vector<Finding> examine(const Resources& resources) {
-  auto findings = examineModels(resources);
+  const fs::path detector = resources.faceDetector();
+  const fs::path landmarks = resources.faceLandmarks();
+  std::vector<Finding> findings{examineFaceModel(resources),
+                                model(detector, engine::FaceDetector::load(detector)),
+                                model(landmarks, engine::FaceLandmarks::load(landmarks))};
   std::ranges::move(examineMachine(), std::back_inserter(findings));
   return findings;
 }

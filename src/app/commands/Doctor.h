@@ -19,8 +19,8 @@ struct Finding {
   std::string cure;
 };
 
-/// Loads the models and runs each once.
-std::vector<Finding> examineModels(const Resources& resources);
+/// Loads the model that compares faces, and runs it once.
+Finding examineFaceModel(const Resources& resources);
 /// Looks at media plugins, encoders, language data and fonts.
 std::vector<Finding> examineMachine();
 /// Looks at models, media plugins, encoders, language data and fonts.

@@ -75,7 +75,11 @@ void describe(const char* name, const DetectedData& data) {
 }
 
 tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments) {
-  auto documents = engine::DocumentAnalyzer::load({.faceModel = findResources().faceDetector()});
+  auto documents =
+      engine::FaceDetector::load(findResources().faceDetector()).and_then([](auto&& faces) {
+        return engine::DocumentAnalyzer::load(
+            std::make_shared<engine::FaceDetector>(std::forward<decltype(faces)>(faces)), {});
+      });
   if (!documents) {
     return tl::unexpected(
         Refusal{ExitCode::machineLacks, documents.error().localizedDescription()});

@@ -16,26 +16,6 @@ constexpr platform::Duration kGraceAfterCamera = std::chrono::seconds(2);
 /// Closing the last film waits for the encoder, not for a person.
 constexpr platform::Duration kLongestClosing = std::chrono::seconds(60);
 
-engine::EngineHost::Setup hostSetup(
-    const CaptureArguments& arguments, const CaptureInputs& inputs, platform::RunLoop& loop,
-    platform::NotificationCenter& notifications, platform::MediaDevices& mediaDevices,
-    platform::AssetWriterFactory& films, std::shared_ptr<engine::FrameAnalyzer> analyzer,
-    platform::CGSize screenSize, engine::RecorderObserver& observer, FlowEnd& end) {
-  auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
-      loop, engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder), inputs.text);
-  return {loop,
-          notifications,
-          mediaDevices,
-          films,
-          std::move(analyzer),
-          std::move(recognizer),
-          inputs.folder,
-          arguments.keepFailedRuns,
-          screenSize,
-          &observer,
-          [&end](const platform::Fault& fault) { end.fail(fault); }};
-}
-
 bool belongsInLog(FlowEvent::Kind kind) {
   switch (kind) {
     case FlowEvent::Kind::screen:
@@ -89,8 +69,7 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs&
       }),
       bundle_(resources.module, screen_.makeStoryboards(capture::controllerFactories(host_, this))),
       films_(loop_),
-      host_(hostSetup(arguments, inputs, loop_, notificationCenter_, mediaDevices_, films_,
-                      analyzer_, screen_.size(), events_, end_)),
+      host_(hostSetup()),
       environment_{.runLoop = loop_,
                    .bundle = bundle_,
                    .notificationCenter = notificationCenter_,
@@ -108,6 +87,22 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs&
 }
 
 CaptureFlow::~CaptureFlow() = default;
+
+engine::EngineHost::Setup CaptureFlow::hostSetup() {
+  auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
+      loop_, engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder), inputs_.text);
+  return {loop_,
+          notificationCenter_,
+          mediaDevices_,
+          films_,
+          analyzer_,
+          std::move(recognizer),
+          inputs_.folder,
+          arguments_.keepFailedRuns,
+          screen_.size(),
+          &events_,
+          [this](const platform::Fault& fault) { end_.fail(fault); }};
+}
 
 void CaptureFlow::report(const FlowEvent& event) {
   if (belongsInLog(event.kind)) events_.add(devices::nameOf(event.kind), fieldsOf(event));

@@ -39,6 +39,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   RunRecord run();
 
  private:
+  engine::EngineHost::Setup hostSetup();
   void start();
   void watchWorld();
   /// What has ended by itself or by a signal.

@@ -31,7 +31,7 @@ class FlowScreen {
   virtual std::unique_ptr<platform::MediaDevices> watch(platform::MediaDevices&) { return nullptr; }
   virtual void play(platform::SystemSoundID) {}
   /// `onClose` is told when the user wants to be rid of the screen; may be null.
-  virtual void setOnClose(std::function<void()>) {}
+  virtual void setOnClose(const std::function<void()>& /*onClose*/) {}
   /// What can be seen, as a PNG file; false when it can't be written or nothing is to be seen.
   virtual bool savePicture(const std::filesystem::path&) { return false; }
 };

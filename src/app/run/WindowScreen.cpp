@@ -1,6 +1,5 @@
+#include <cstdlib>
 #include <utility>
-
-#include <stdlib.h>
 
 #include "app/run/FlowScreen.h"
 #include "devices/loudspeaker/EspeakSynthesizer.h"
@@ -64,9 +63,9 @@ class WindowScreen final : public FlowScreen {
     screen_.flash();
     if (tone_) tone_->play();
   }
-  void setOnClose(std::function<void()> onClose) override {
+  void setOnClose(const std::function<void()>& onClose) override {
     // A block of the main queue makes the loop ask whether the flow is over.
-    screen_.onClose = [this, onClose = std::move(onClose)] {
+    screen_.onClose = [this, onClose] {
       if (onClose) loop_.mainQueue().async(onClose);
     };
   }

@@ -69,7 +69,7 @@ Row row(Table& table, Value Table::*field, std::string key, std::string unit, do
 
 const std::vector<Row>& rows() {
   using VideoOptions = VideoCapture::Options;
-  static const std::vector<Row> table = {
+  static const std::vector<Row> kTable = {
       row(VideoCapture::options, &VideoOptions::idToSelfieMatchThreshold,
           "videoCapture.idToSelfieMatchThreshold", "distance", 0, 2,
           "greatest distance of the unit-length face embeddings at which the live face is the one "
@@ -104,7 +104,7 @@ const std::vector<Row>& rows() {
       row(IDCapture::options, &IDCapture::Options::capture4K, "idCapture.capture4K", "", 0, 0,
           "analyse the camera picture at full size instead of at most 1280 pixels a side"),
   };
-  return table;
+  return kTable;
 }
 
 const Row* find(const std::string& key) {

@@ -55,9 +55,10 @@ platform::CMSampleBufferRef FilmSoundConverter::convert(const platform::CMSample
     initGStreamer();
     GstAudioInfo in = infoOf(buffer->sampleRate, buffer->channels);
     GstAudioInfo out = infoOf(sampleRate_, channels_);
-    run_.reset(new Run{buffer->sampleRate, buffer->channels,
-                       std::unique_ptr<GstAudioConverter, Free>(gst_audio_converter_new(
-                           GST_AUDIO_CONVERTER_FLAG_NONE, &in, &out, nullptr))});
+    run_ =
+        std::make_unique<Run>(Run{buffer->sampleRate, buffer->channels,
+                                  std::unique_ptr<GstAudioConverter, Free>(gst_audio_converter_new(
+                                      GST_AUDIO_CONVERTER_FLAG_NONE, &in, &out, nullptr))});
   }
   auto converted = std::make_shared<platform::CMSampleBuffer>(*buffer);
   converted->sampleRate = sampleRate_;

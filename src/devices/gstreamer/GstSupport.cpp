@@ -5,12 +5,12 @@
 namespace devices {
 
 void initGStreamer() {
-  static const bool started = [] {
+  static const bool kStarted = [] {
     // A helper process that scans plugins would outlive a killed program.
     gst_registry_fork_set_enabled(FALSE);
     return gst_init_check(nullptr, nullptr, nullptr) != FALSE;
   }();
-  platform::require(started, "GStreamer can't be started");
+  platform::require(kStarted, "GStreamer can't be started");
 }
 
 GstElement* child(const GstPtr<GstElement>& pipeline, const char* name) {

@@ -96,7 +96,7 @@ std::vector<platform::AVVideoCodecType> realTimeVideoCodecs(VideoCodecChoice cho
     codecs.push_back(hevc->codec);
   }
   if (!isForced && encoderFor(platform::kAVVideoCodecTypeH264)) {
-    codecs.push_back(platform::kAVVideoCodecTypeH264);
+    codecs.emplace_back(platform::kAVVideoCodecTypeH264);
   }
   return codecs;
 }

@@ -75,8 +75,8 @@ SceneLayout retryScene() {
 }  // namespace
 
 const std::vector<SceneLayout>& videoCaptureScenes() {
-  static const std::vector<SceneLayout> scenes{captureScene(), retryScene()};
-  return scenes;
+  static const std::vector<SceneLayout> kScenes{captureScene(), retryScene()};
+  return kScenes;
 }
 
 }  // namespace devices

@@ -161,7 +161,7 @@ void QtScene::constraint(const std::string& name,
   auto constraint = std::make_shared<platform::NSLayoutConstraint>();
   constraint->priority = priority.toFloat();
   constraints_.emplace_back(&item, constraint);
-  outlet.connect(name, std::move(constraint));
+  outlet.connect(name, constraint);
 }
 
 std::vector<QQuickItem*> QtScene::members(const std::string& name) const {

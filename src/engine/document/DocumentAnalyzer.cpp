@@ -67,17 +67,17 @@ bool isUpright(const CardReading& reading) {
 
 }  // namespace
 
-DocumentAnalyzer::DocumentAnalyzer(FaceDetector faces, TextReader text, MrzReader mrz)
+DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, TextReader text,
+                                   MrzReader mrz)
     : faces_(std::move(faces)), text_(std::move(text)), mrz_(std::move(mrz)) {}
 
-tl::expected<DocumentAnalyzer, corvana::IDError> DocumentAnalyzer::load(const Setup& setup) {
-  auto faces = FaceDetector::load(setup.faceModel);
-  if (!faces) return tl::unexpected(faces.error());
+tl::expected<DocumentAnalyzer, corvana::IDError> DocumentAnalyzer::load(
+    std::shared_ptr<FaceDetector> faces, const Setup& setup) {
   auto text = TextReader::load(setup.tessdata);
   if (!text) return tl::unexpected(text.error());
   auto mrz = MrzReader::load(setup.ocrBFonts);
   if (!mrz) return tl::unexpected(mrz.error());
-  return DocumentAnalyzer(std::move(*faces), std::move(*text), std::move(*mrz));
+  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz));
 }
 
 CardSighting DocumentAnalyzer::find(const platform::PixelBuffer& frame,
@@ -91,7 +91,7 @@ CardView DocumentAnalyzer::view(const platform::PixelBuffer& frame, const Quad& 
 }
 
 std::optional<Face> DocumentAnalyzer::portrait(const platform::PixelBuffer& card) {
-  const auto faces = faces_.detect(card);
+  const auto faces = faces_->detect(card);
   const auto upright =
       std::ranges::find_if(faces, [](const Face& face) { return isUpright(face); });
   if (upright == faces.end()) return std::nullopt;

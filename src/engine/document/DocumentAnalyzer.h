@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -46,13 +47,14 @@ struct CardReading {
 class DocumentAnalyzer {
  public:
   struct Setup {
-    std::filesystem::path faceModel;
     std::filesystem::path tessdata = kDebianTessdataFolder;
     std::vector<std::filesystem::path> ocrBFonts = defaultOcrBFonts();
   };
 
-  /// Loads what reads cards; an error names what is missing and the package that has it.
-  static tl::expected<DocumentAnalyzer, corvana::IDError> load(const Setup& setup);
+  /// Loads what reads cards; an error names what is missing and the package that has it. `faces`
+  /// finds the portraits; its other users are on the same thread.
+  static tl::expected<DocumentAnalyzer, corvana::IDError> load(std::shared_ptr<FaceDetector> faces,
+                                                               const Setup& setup);
 
   /// Looks for a card; the guide is where the user is asked to hold it, in pixels of the frame.
   CardSighting find(const platform::PixelBuffer& frame, const platform::CGRect& guide) const;
@@ -65,10 +67,10 @@ class DocumentAnalyzer {
   tl::expected<CardReading, corvana::IDError> analyzeStill(const platform::PixelBuffer& picture);
 
  private:
-  DocumentAnalyzer(FaceDetector faces, TextReader text, MrzReader mrz);
+  DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, TextReader text, MrzReader mrz);
   std::optional<Face> portrait(const platform::PixelBuffer& card);
 
-  FaceDetector faces_;
+  std::shared_ptr<FaceDetector> faces_;
   TextReader text_;
   MrzReader mrz_;
 };

@@ -44,9 +44,9 @@ CGRect guideInPicture(const CGRect& overlay, const CGSize& screen, const CGSize&
   return {picture.width - left - width, top, width, overlay.height / scale};
 }
 
-VisionFrameAnalyzer::VisionFrameAnalyzer(FaceDetector detector, FaceLandmarks landmarks,
-                                         DocumentAnalyzer documents)
-    : detector_(std::make_shared<FaceDetector>(std::move(detector))),
+VisionFrameAnalyzer::VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
+                                         FaceLandmarks landmarks, DocumentAnalyzer documents)
+    : detector_(std::move(detector)),
       selfies_(detector_, std::make_shared<FaceLandmarks>(std::move(landmarks))),
       documents_(std::move(documents)) {}
 
@@ -56,10 +56,11 @@ tl::expected<std::shared_ptr<VisionFrameAnalyzer>, corvana::IDError> VisionFrame
   if (!detector) return tl::unexpected(detector.error());
   auto landmarks = FaceLandmarks::load(models.faceLandmarks);
   if (!landmarks) return tl::unexpected(landmarks.error());
-  auto documents = DocumentAnalyzer::load({.faceModel = models.faceDetector});
+  auto faces = std::make_shared<FaceDetector>(std::move(*detector));
+  auto documents = DocumentAnalyzer::load(faces, {});
   if (!documents) return tl::unexpected(documents.error());
   return std::shared_ptr<VisionFrameAnalyzer>(
-      new VisionFrameAnalyzer(std::move(*detector), std::move(*landmarks), std::move(*documents)));
+      new VisionFrameAnalyzer(std::move(faces), std::move(*landmarks), std::move(*documents)));
 }
 
 Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& frame,

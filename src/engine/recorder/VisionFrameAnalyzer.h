@@ -38,7 +38,8 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   static constexpr double kSteadyMove = 0.02;
 
  private:
-  VisionFrameAnalyzer(FaceDetector detector, FaceLandmarks landmarks, DocumentAnalyzer documents);
+  VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector, FaceLandmarks landmarks,
+                      DocumentAnalyzer documents);
 
   SelfieView lookForSelfie(const platform::PixelBufferRef& picture, Observation& observation);
   void followLiveFace(const platform::PixelBuffer& picture, Observation& observation);

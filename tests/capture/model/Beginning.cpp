@@ -11,17 +11,17 @@ using corvana::SelfieCapture;
 using corvana::VideoCapture;
 
 const platform::UIImageRef& holdersFace() {
-  static const platform::UIImageRef image = faceImage(0);
-  return image;
+  static const platform::UIImageRef kImage = faceImage(0);
+  return kImage;
 }
 const platform::UIImageRef& strangersFace() {
-  static const platform::UIImageRef image = faceImage(1);
-  return image;
+  static const platform::UIImageRef kImage = faceImage(1);
+  return kImage;
 }
 const platform::UIImageRef& unreadableFace() {
-  static const platform::UIImageRef image =
+  static const platform::UIImageRef kImage =
       std::make_shared<platform::UIImage>(nullptr, "unreadable");
-  return image;
+  return kImage;
 }
 
 Beginning randomBeginning(Dice& dice) {

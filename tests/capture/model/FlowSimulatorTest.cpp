@@ -136,8 +136,8 @@ class TwinFlow final : private corvana::DecisionObserver {
 
 /// One touch after the other closes whatever stands open; then nothing may be left.
 Step TwinFlow::leave(int touch) {
-  static const std::array buttons = {"alert", "cancelButton", "closeButton"};
-  Step step = tap(buttons.at(static_cast<std::size_t>(touch) % buttons.size()));
+  static const std::array kButtons = {"alert", "cancelButton", "closeButton"};
+  Step step = tap(kButtons.at(static_cast<std::size_t>(touch) % kButtons.size()));
   step.seconds = 60;
   return step;
 }
@@ -188,7 +188,7 @@ std::string TwinFlow::brokenInvariant(const Step& step, const std::optional<Sigh
     return "  a state was handled during the flip\n";
   if (seen_.results.empty() || !seen_.results[0].starts_with("film ")) return "";
   std::vector<std::string> checks = {"selfieFace", "frontFace", "frontText", "spokenWords"};
-  if (beginning_.back) checks.push_back(beginning_.back->mrz ? "backMrz" : "backText");
+  if (beginning_.back) checks.emplace_back(beginning_.back->mrz ? "backMrz" : "backText");
   for (const std::string& check : checks) {
     if (!passed_[check]) return "  a result without the check " + check + " in its run\n";
   }

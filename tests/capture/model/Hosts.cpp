@@ -10,9 +10,9 @@ using Face = corvana::SelfieCaptureState;
 Step wildStep(Dice& dice, const Beginning& beginning) {
   const auto end = [&]() -> Step {
     if (dice.chance(40)) return loseLiveFace();
-    static const std::vector<Face> faces = {{Face::TimedOut{}}, {Face::Failed{}}};
-    static const std::vector<ID> cards = {{ID::TimedOut{}}, {ID::Failed{}}};
-    return dice.chance(50) ? say(dice.pick(faces)) : say(dice.pick(cards));
+    static const std::vector<Face> kFaces = {{Face::TimedOut{}}, {Face::Failed{}}};
+    static const std::vector<ID> kCards = {{ID::TimedOut{}}, {ID::Failed{}}};
+    return dice.chance(50) ? say(dice.pick(kFaces)) : say(dice.pick(kCards));
   };
   const bool back = dice.chance(50);
   const std::pair<int, std::function<Step()>> choices[] = {

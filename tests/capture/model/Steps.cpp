@@ -33,10 +33,10 @@ std::pair<platform::UIImageRef, std::string> anyFace(Dice& dice, int holderPerce
 
 /// One thing about the card is not as on the reference.
 std::string spoil(DetectedData& data, Dice& dice, bool keepsPromises) {
-  static const Strings types = {"IDENTITY_CARD_FRONT", "IDENTITY_CARD_BACK",
-                                "DRIVING_LICENCE_FRONT", "DRIVING_LICENCE_BACK"};
-  static const Strings oddTypes = {"ID_CARD", "SIXSIX", "identity_card_back"};
-  static const std::vector<Strings> readings = {
+  static const Strings kTypes = {"IDENTITY_CARD_FRONT", "IDENTITY_CARD_BACK",
+                                 "DRIVING_LICENCE_FRONT", "DRIVING_LICENCE_BACK"};
+  static const Strings kOddTypes = {"ID_CARD", "SIXSIX", "identity_card_back"};
+  static const std::vector<Strings> kReadings = {
       {"MARTAEXEM"}, {"MARTAEXEMPLA\u0308R"}, {"MARTAEXEMPLAR"}, {"NOBODY"}, {}};
   switch (dice.roll(keepsPromises ? 6 : 9)) {
     case 0:
@@ -46,13 +46,13 @@ std::string spoil(DetectedData& data, Dice& dice, bool keepsPromises) {
       data.faceImage = nullptr;
       return ", no face";
     case 2:
-      data.ocrStrings = dice.pick(readings);
+      data.ocrStrings = dice.pick(kReadings);
       return ", other text of " + std::to_string(data.ocrStrings->size());
     case 3:
       data.mrz.emplace().lines = {"ANOTHER"};
       return ", other zone";
     case 4:
-      data.type = dice.pick(types);
+      data.type = dice.pick(kTypes);
       return ", type " + *data.type;
     case 5:
       data.shouldHavePhoto = dice.chance(50);
@@ -68,7 +68,7 @@ std::string spoil(DetectedData& data, Dice& dice, bool keepsPromises) {
       data.side = dice.chance(50) ? std::optional(DocumentSide::back) : std::nullopt;
       return data.side ? ", side back" : ", no side";
     default:
-      data.type = dice.chance(70) ? std::optional(dice.pick(oddTypes)) : std::nullopt;
+      data.type = dice.chance(70) ? std::optional(dice.pick(kOddTypes)) : std::nullopt;
       return ", type " + data.type.value_or("(none)");
   }
 }
@@ -90,16 +90,16 @@ Step wait(double seconds) {
 }
 
 Step waitAnyTime(Dice& dice) {
-  static const std::vector<double> limits = {0.1, 0.3, 0.39, 0.4,  0.5, 0.5,  1,    1.5,
-                                             2,   2,   3,    3.01, 5,   5.01, 0.01, 21};
-  return wait(dice.chance(70) ? dice.pick(limits) : dice.roll(4000) / 1000.0);
+  static const std::vector<double> kLimits = {0.1, 0.3, 0.39, 0.4,  0.5, 0.5,  1,    1.5,
+                                              2,   2,   3,    3.01, 5,   5.01, 0.01, 21};
+  return wait(dice.chance(70) ? dice.pick(kLimits) : dice.roll(4000) / 1000.0);
 }
 
 Step touchAnything(Dice& dice) {
-  static const Strings buttons = {"retryButton",  "retryButton", "retryButton", "retryButton",
-                                  "cancelButton", "doneButton",  "doneButton",  "doneButton",
-                                  "alert",        "alert",       "alert"};
-  return dice.chance(4) ? tap("closeButton") : tap(dice.pick(buttons));
+  static const Strings kButtons = {"retryButton",  "retryButton", "retryButton", "retryButton",
+                                   "cancelButton", "doneButton",  "doneButton",  "doneButton",
+                                   "alert",        "alert",       "alert"};
+  return dice.chance(4) ? tap("closeButton") : tap(dice.pick(kButtons));
 }
 
 Step tap(const std::string& button) {
@@ -135,14 +135,14 @@ Step succeedWithSelfie(Dice& dice, int holderPercent) {
 }
 
 Step adviseFace(Dice& dice) {
-  static const std::vector<Face> states = {{Face::DetectedIssue{"Take off the mask"}},
-                                           {Face::DetectingFace{}},
-                                           {Face::MultipleFacesDetected{}},
-                                           {Face::MoveCloser{}},
-                                           {Face::MoveAway{}},
-                                           {Face::AlignFace{}},
-                                           {Face::CapturingFace{}}};
-  return say(dice.pick(states));
+  static const std::vector<Face> kStates = {{Face::DetectedIssue{"Take off the mask"}},
+                                            {Face::DetectingFace{}},
+                                            {Face::MultipleFacesDetected{}},
+                                            {Face::MoveCloser{}},
+                                            {Face::MoveAway{}},
+                                            {Face::AlignFace{}},
+                                            {Face::CapturingFace{}}};
+  return say(dice.pick(kStates));
 }
 
 Step showLiveFace(Dice& dice) {
@@ -178,34 +178,34 @@ Step findBox(Dice& dice) {
 }
 
 Step adviseCard(Dice& dice) {
-  static const std::vector<ID> states = {{ID::TooMuchGlare{}},
-                                         {ID::MoveCloser{}},
-                                         {ID::MoveAway{}},
-                                         {ID::AlignRectangle{}},
-                                         {ID::Autofill{}}};
-  return say(dice.pick(states));
+  static const std::vector<ID> kStates = {{ID::TooMuchGlare{}},
+                                          {ID::MoveCloser{}},
+                                          {ID::MoveAway{}},
+                                          {ID::AlignRectangle{}},
+                                          {ID::Autofill{}}};
+  return say(dice.pick(kStates));
 }
 
 // ---- The rest
 
 Step speak(Dice& dice, const Beginning& beginning) {
-  static const Strings others = {"seven", "Seven Grey", "grey seven grey", "e e e e",
-                                 "other words"};
+  static const Strings kOthers = {"seven", "Seven Grey", "grey seven grey", "e e e e",
+                                  "other words"};
   if (dice.chance(15)) {
     return {"speech error", [](TestWorld& world) {
               if (auto* recognizer = recognizerOf(world)) recognizer->fail("deaf");
             }};
   }
-  const std::string heard = dice.chance(60) ? beginning.reading : dice.pick(others);
+  const std::string heard = dice.chance(60) ? beginning.reading : dice.pick(kOthers);
   return {"speech \"" + heard + "\"", [heard](TestWorld& world) {
             if (auto* recognizer = recognizerOf(world)) recognizer->hear(heard);
           }};
 }
 
 Step changeCaptureMode(Dice& dice) {
-  static const std::vector<CaptureMode> modes = {CaptureMode::standard, CaptureMode::high,
-                                                 CaptureMode::barcode, CaptureMode::barcode};
-  const CaptureMode mode = dice.pick(modes);
+  static const std::vector<CaptureMode> kModes = {CaptureMode::standard, CaptureMode::high,
+                                                  CaptureMode::barcode, CaptureMode::barcode};
+  const CaptureMode mode = dice.pick(kModes);
   return {"capture mode " + std::to_string(static_cast<int>(mode)),
           [mode](TestWorld& world) { world.host.captureSession()->setCaptureMode(mode); }};
 }

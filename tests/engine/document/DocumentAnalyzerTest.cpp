@@ -45,8 +45,8 @@ class DocumentAnalyzerTest : public testing::Test {
     return double(capture::levenshteinDistance(textOf(a), textOf(b))) / double(longer);
   }
 
-  tl::expected<DocumentAnalyzer, corvana::IDError> analyzer =
-      DocumentAnalyzer::load({.faceModel = FACE_MODEL});
+  tl::expected<DocumentAnalyzer, corvana::IDError> analyzer = DocumentAnalyzer::load(
+      std::make_shared<engine::FaceDetector>(engine::FaceDetector::load(FACE_MODEL).value()), {});
 };
 
 TEST_F(DocumentAnalyzerTest, ReadsTheSameZoneFromEveryPicture) {
@@ -114,11 +114,10 @@ TEST_F(DocumentAnalyzerTest, MeasuresBlurAndGlare) {
 }
 
 TEST(DocumentAnalyzerLoad, NamesThePackageThatIsMissing) {
-  for (const auto& [setup, package] :
-       {std::pair<DocumentAnalyzer::Setup, const char*>(
-            {.faceModel = FACE_MODEL, .tessdata = "/nowhere"}, "tesseract-ocr-eng"),
-        {{.faceModel = FACE_MODEL, .ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"}}) {
-    const auto loaded = DocumentAnalyzer::load(setup);
+  for (const auto& [setup, package] : {std::pair<DocumentAnalyzer::Setup, const char*>(
+                                           {.tessdata = "/nowhere"}, "tesseract-ocr-eng"),
+                                       {{.ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"}}) {
+    const auto loaded = DocumentAnalyzer::load(nullptr, setup);
     ASSERT_FALSE(loaded);
     const std::string message = loaded.error().localizedDescription();
     EXPECT_NE(message.find(package), std::string::npos) << message;
