@@ -16,8 +16,11 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -30,7 +33,6 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
-#include <time.h>
 #include <unistd.h>
 
 #include "app/commands/CaptureCommand.h"
@@ -54,7 +56,7 @@ double percentile(std::vector<double> values, double share) {
   if (values.empty()) return 0;
   std::ranges::sort(values);
   const auto last = static_cast<double>(values.size() - 1);
-  return values[static_cast<std::size_t>(share * last + 0.5)];
+  return values[static_cast<std::size_t>(std::lround(share * last))];
 }
 
 double processorSeconds(clockid_t clock) {
@@ -240,10 +242,7 @@ void measureLoading() {
               loaded ? milliseconds(Clock::now() - before) : 0);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  mainReached = sinceStart();
+int measure(int argc, char** argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);
   arguments.insert(arguments.begin(), "capture");
   arguments.insert(arguments.end(), {"--screen", "window"});
@@ -259,4 +258,16 @@ int main(int argc, char** argv) {
   measureFaceMatch();
   measureLoading();
   return static_cast<int>(exitCode);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  mainReached = sinceStart();
+  try {
+    return measure(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "screen-latency: %s\n", error.what());
+    return 1;
+  }
 }

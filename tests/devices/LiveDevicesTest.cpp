@@ -40,7 +40,7 @@ class LiveDevicesTest : public ::testing::Test {
     if (media->microphone()) media->microphone()->start(into(sounds));
   }
   platform::AVCaptureDevice::SampleHandler into(Samples& samples) {
-    return [this, &samples](CMSampleBufferRef sample) {
+    return [this, &samples](const CMSampleBufferRef& sample) {
       loop.mainQueue().async([&samples, sample] { samples.push_back(sample); });
     };
   }

@@ -15,7 +15,7 @@ using std::chrono::milliseconds;
 class MediaFileTest : public ::testing::Test {
  protected:
   std::filesystem::path make(const char* name, const std::string& options) {
-    const std::filesystem::path path = folder / name;
+    std::filesystem::path path = folder / name;
     EXPECT_EQ(run("ffmpeg -nostdin -v error -y " + options + " '" + path.string() + "'"), 0);
     return path;
   }
@@ -149,7 +149,7 @@ TEST_F(MediaFileTest, endsOrFailsWithASentenceWhateverTheBytes) {
     std::string damaged = bytes;
     if (round % 2 == 0) damaged.resize(damaged.size() * (round + 4) / 16);
     for (int i = 0; i < 1 << round; ++i)
-      damaged[random() % damaged.size()] ^= 1 << random() % 8;
+      damaged[random() % damaged.size()] ^= static_cast<char>(1 << random() % 8);
     writeBytes(folder / "damaged.mp4", damaged);
     const Recording played = play(folder / "damaged.mp4");
     EXPECT_EQ(played.ends + static_cast<int>(played.errors.size()), 1) << round;

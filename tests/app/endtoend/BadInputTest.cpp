@@ -28,7 +28,7 @@ fs::path plainReference(const ScratchFolder& scratch) {
 }
 
 fs::path shortVideo(const ScratchFolder& scratch) {
-  const fs::path file = scratch / "video.mp4";
+  fs::path file = scratch / "video.mp4";
   const ProgramRun made = runProgram(
       "ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "testsrc=duration=1:size=64x64", file});
   EXPECT_EQ(made.exitCode, 0) << made.errors;

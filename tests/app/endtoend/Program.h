@@ -26,8 +26,8 @@ ProgramRun runVideoid(const std::vector<std::string>& arguments);
 ProgramRun runDisturbed(const std::vector<std::string>& arguments, const std::filesystem::path& run,
                         const std::string& command);
 
-/// A session made from a script of samples/, and the reference enrolled from the stills of its card.
-/// The tests `Sessions.*` make them, which ctest runs before.
+/// A session made from a script of samples/, and the reference enrolled from the stills of its
+/// card. The tests `Sessions.*` make them, which ctest runs before.
 struct Session {
   std::filesystem::path camera;
   std::filesystem::path text;

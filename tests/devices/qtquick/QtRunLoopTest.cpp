@@ -1,12 +1,12 @@
 #include <QCoreApplication>
 #include <QTimer>
 #include <atomic>
+#include <cstdlib>
 #include <memory>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include "ScreenWorld.h"
 #include "devices/qtquick/QtRunLoop.h"

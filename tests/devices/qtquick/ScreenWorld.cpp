@@ -2,10 +2,9 @@
 
 #include <QQmlContext>
 #include <QtTest>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
-
-#include <stdlib.h>
 
 #include "devices/qtquick/QtApplication.h"
 

@@ -59,7 +59,7 @@ class FakeFilms final : public platform::AssetWriterFactory {
     }
     bool appendAudio(const platform::CMSampleBufferRef&) override { return !films.appendFault; }
     tl::expected<void, platform::Fault> finish() override {
-      films.log.push_back("finish");
+      films.log.emplace_back("finish");
       return {};
     }
     std::optional<platform::Fault> fault() const override { return films.appendFault; }

@@ -81,7 +81,7 @@ TEST(RealTimeFlow, EndsInAResultWhateverTheThreadsDo) {
   analyzer->fill = look;
   const auto recognizer = std::make_shared<devices::ScriptedSpeechRecognizer>(loop);
   engine::EngineHost host({loop, notificationCenter, media, films, analyzer, recognizer, run.path(),
-                           false, platform::CGSize(360, 640)});
+                           false, platform::CGSize{360, 640}});
   devices::DirectoryBundle bundle(TEST_RESOURCES,
                                   devices::headlessStoryboards(capture::controllerFactories(host)));
   devices::ScreenHub screen;

@@ -110,7 +110,7 @@ class PocketSphinxRecognizer : public testing::Test {
     const std::size_t size = static_cast<std::size_t>(rate / 50 * channels);
     for (std::size_t from = 0; from < samples.size(); from += size) {
       const std::size_t to = std::min(from + size, samples.size());
-      append(Samples(samples.begin() + from, samples.begin() + to), rate, channels);
+      append(Samples(&samples[from], samples.data() + to), rate, channels);
       loop.advance(std::chrono::milliseconds(20));
     }
   }
