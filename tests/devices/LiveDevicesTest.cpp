@@ -20,6 +20,7 @@ namespace {
 using platform::CMSampleBufferRef;
 using platform::TimePoint;
 using std::chrono::milliseconds;
+using std::chrono::seconds;
 using Samples = std::vector<CMSampleBufferRef>;
 
 /// Only ends what hangs: nothing is said about how fast a device or this machine is.
@@ -222,13 +223,20 @@ TEST_F(LiveDevicesTest, PlaysAFileOverAndOverInStepWithItsSound) {
           "-c:v libx264 -qp 1 -pix_fmt yuv420p -c:a aac " +
           clip),
       0);
-  auto file = openLiveFile(clip);
-  ASSERT_TRUE(file) << file.error();
-  open({.camera = file->camera, .microphone = file->microphone});
-  waitFor([&] {
-    return !sounds.empty() &&
-           sounds.back()->presentationTime > sounds.front()->presentationTime + milliseconds(3000);
-  });
+  // Times count anew when the machine stood still for seconds: such a round says nothing.
+  do {
+    auto file = openLiveFile(clip);
+    ASSERT_TRUE(file) << file.error();
+    media.reset();
+    passTime();
+    pictures.clear(), sounds.clear(), warnings.clear();
+    open({.camera = file->camera, .microphone = file->microphone});
+    waitFor([&] {
+      return !sounds.empty() &&
+             sounds.back()->presentationTime > sounds.front()->presentationTime + seconds(3);
+    });
+    passTime();
+  } while (warned("set its clock anew"));
   // One picture fixes the origin; whichever were dropped, all others must agree.
   const auto round = probe(clip)->duration;
   const auto numberOf = [](const auto& p) { return (p->image->bytes()[0] - 20 + 5) / 10; };
