@@ -7,11 +7,6 @@ class Card : public FlowTest {
  protected:
   bool isAccepted() { return world.text("idOverlayLabel") == IDCapture::strings.flipToBack; }
   int mismatches() { return world.recorder().count("typeMismatch"); }
-  DetectedData otherType() {
-    DetectedData other = back;
-    other.type = "DRIVING_LICENCE_BACK";
-    return other;
-  }
 };
 
 TEST_F(Card, IsTheSameWhenFewEnoughOfItsCharactersDiffer) {
@@ -28,7 +23,6 @@ TEST_F(Card, IsTheSameWhenFewEnoughOfItsCharactersDiffer) {
       {{"ABCDEFGHIJ"}, {"ABC"}, 0.7F, false, "0.7"},  // widened, 0.7F is less than 0.7
       {{"ABC"}, {"ABCDEFGHIJ"}, 0.71F, true, "0.7"},
       {{"ABCDEFGHIJ"}, {"ABCDEFG"}, 0.3F, true, "0.3"},  // and 0.3F more than 0.3
-      {{"A B"}, {"a b"}, 0.66F, false, "0.6666666666666666"},
       {{""}, {}, 0, true, "nan"},
   };
   auto& options = VideoCapture::options;
@@ -56,26 +50,28 @@ TEST_F(Card, IsTheSameWhenFewEnoughOfItsCharactersDiffer) {
 }
 
 TEST_F(Card, OfAnotherTypeIsHeldBackForFiveSecondsHoweverOftenTheFrontIsShown) {
+  DetectedData other = back;
+  other.type = "DRIVING_LICENCE_BACK";
   enter();
   passSelfie();
   passFront();
-  card(ID::ClassifiedDocument{otherType()});
+  card(ID::ClassifiedDocument{other});
   EXPECT_EQ(mismatches(), 1);
   EXPECT_EQ(world.text("idOverlayLabel"), IDCapture::strings.frontBackMismatch);
   world.advance(1);
   card(ID::ClassifiedDocument{front});
   EXPECT_TRUE(isAccepted()) << "it is to be turned over again";
   world.advance(4);
-  card(ID::ClassifiedDocument{otherType()});
+  card(ID::ClassifiedDocument{other});
   EXPECT_EQ(mismatches(), 2) << "five seconds are not over";
   EXPECT_TRUE(world.view("progressView").isHidden());
   world.advance(0.01);
-  card(ID::ClassifiedDocument{otherType()});
+  card(ID::ClassifiedDocument{other});
   EXPECT_EQ(mismatches(), 2);
   EXPECT_EQ(world.progressView("progressView").progress(), 5.0F / 6) << "from now on it is read";
   card(ID::ClassifiedDocument{back});
   world.advance(5);
-  card(ID::ClassifiedDocument{otherType()});
+  card(ID::ClassifiedDocument{other});
   EXPECT_EQ(mismatches(), 3) << "the right type begins the time anew";
 }
 
