@@ -7,6 +7,7 @@
 
 // The C API can't set what the library logs by itself, and the headers published with it lack this
 // declaration of its own "logger.h". Weak: a library without the function logs as it likes.
+// NOLINTBEGIN(readability-identifier-naming): the names are the library's.
 namespace tflite {
 
 enum LogSeverity { TFLITE_LOG_WARNING = 2 };
@@ -17,6 +18,7 @@ class LoggerOptions {
 };
 
 }  // namespace tflite
+// NOLINTEND(readability-identifier-naming)
 
 namespace inference {
 namespace {
@@ -53,6 +55,7 @@ bool Tensor::isFloat() const {
 
 std::vector<int> Tensor::shape() const {
   std::vector<int> shape;
+  shape.reserve(static_cast<std::size_t>(TfLiteTensorNumDims(tensor_)));
   for (int i = 0; i < TfLiteTensorNumDims(tensor_); ++i)
     shape.push_back(TfLiteTensorDim(tensor_, i));
   return shape;

@@ -1,7 +1,7 @@
 #include "devices/screen/FlowReporter.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <cmath>
 #include <utility>
 
 #include "corvana/CaptureSessionViewController.h"
@@ -113,7 +113,7 @@ std::string describe(const FlowEvent& event) {
   std::string line = nameOf(event.kind);
   if (!event.tone.empty()) line += " [" + event.tone + "]";
   if (event.value) {
-    const int hundredths = static_cast<int>(*event.value * 100 + 0.5);
+    const long hundredths = std::lround(*event.value * 100);
     const std::string part = std::to_string(hundredths % 100);
     line += " " + std::to_string(hundredths / 100);
     if (event.kind == Kind::progress) line += (part.size() < 2 ? ".0" : ".") + part;

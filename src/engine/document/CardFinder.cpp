@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 #include <vector>
 
 #include <opencv2/imgproc.hpp>
@@ -127,19 +128,26 @@ class OutlineSearch {
   template <typename Visit>
   void forEachOutline(const std::vector<EdgeLine>& down, Visit visit) const {
     const double minWidth = kSmallestOfGuide * guide_.width;
-    for (const EdgeLine& top : across_) {
-      for (const EdgeLine& bottom : across_) {
-        if (gapAt(bottom, top, true) < minWidth / kCardAspect) continue;
-        for (const EdgeLine& left : down) {
-          for (const EdgeLine& right : down) {
-            if (gapAt(right, left, false) < minWidth) continue;
-            const Quad quad{{pointOf(meeting(top, left)), pointOf(meeting(top, right)),
-                             pointOf(meeting(bottom, right)), pointOf(meeting(bottom, left))}};
-            if (quad.isConvex()) visit(quad);
-          }
-        }
+    const auto columns = pairs(down, false, minWidth);
+    for (const auto& [top, bottom] : pairs(across_, true, minWidth / kCardAspect)) {
+      for (const auto& [left, right] : columns) {
+        const Quad quad{{pointOf(meeting(top, left)), pointOf(meeting(top, right)),
+                         pointOf(meeting(bottom, right)), pointOf(meeting(bottom, left))}};
+        if (quad.isConvex()) visit(quad);
       }
     }
+  }
+
+  /// Each line with each that lies at least so far below (or right of) it.
+  std::vector<std::pair<EdgeLine, EdgeLine>> pairs(const std::vector<EdgeLine>& lines, bool across,
+                                                   double leastGap) const {
+    std::vector<std::pair<EdgeLine, EdgeLine>> result;
+    for (const EdgeLine& first : lines) {
+      for (const EdgeLine& second : lines) {
+        if (gapAt(second, first, across) >= leastGap) result.emplace_back(first, second);
+      }
+    }
+    return result;
   }
 
   /// How far the second line lies below (or right of) the first, at the guide's middle.

@@ -22,7 +22,8 @@ constexpr double kCornerShare = 0.06;
 constexpr double kLeastVotes = 18;
 
 double angleOf(int step) {
-  return (step - kAngles / 2) * kAngleStep;
+  constexpr int kLevel = kAngles / 2;
+  return (step - kLevel) * kAngleStep;
 }
 
 /// At each pixel the derivatives of the channel that changes most: two colours may be equally
@@ -61,23 +62,23 @@ cv::Mat accumulate(const cv::Mat& edges, const cv::Mat& along, const cv::Mat& at
     cosine[static_cast<std::size_t>(a)] = static_cast<float>(std::cos(angleOf(a)));
     sine[static_cast<std::size_t>(a)] = static_cast<float>(std::sin(angleOf(a)));
   }
+  const auto vote = [&](int u, int v, double normal) {
+    const double tilt = std::remainder(normal, std::numbers::pi);
+    const int nearest = static_cast<int>(std::lround(tilt / kAngleStep)) + kAngles / 2;
+    const int last = std::min(kAngles - 1, nearest + kVoteSpread);
+    for (int a = std::max(0, nearest - kVoteSpread); a <= last; ++a) {
+      const auto i = static_cast<std::size_t>(a);
+      const int offset = static_cast<int>(
+          std::lround(static_cast<float>(v) * cosine[i] - static_cast<float>(u) * sine[i]));
+      const int column = offset + margin;
+      if (column >= 0 && column < votes.cols) votes.at<float>(a, column) += 1;
+    }
+  };
   for (int y = 0; y < edges.rows; ++y) {
     for (int x = 0; x < edges.cols; ++x) {
       if (edges.at<std::uint8_t>(y, x) == 0) continue;
       const double normal = std::atan2(-along.at<short>(y, x), athwart.at<short>(y, x));
-      const double tilt = std::remainder(normal, std::numbers::pi);
-      const int nearest = static_cast<int>(std::lround(tilt / kAngleStep)) + kAngles / 2;
-      const int u = across ? x : y;
-      const int v = across ? y : x;
-      for (int a = std::max(0, nearest - kVoteSpread);
-           a <= std::min(kAngles - 1, nearest + kVoteSpread); ++a) {
-        const auto i = static_cast<std::size_t>(a);
-        const int offset = static_cast<int>(
-            std::lround(static_cast<float>(v) * cosine[i] - static_cast<float>(u) * sine[i]));
-        if (offset + margin >= 0 && offset + margin < votes.cols) {
-          votes.at<float>(a, offset + margin) += 1;
-        }
-      }
+      vote(across ? x : y, across ? y : x, normal);
     }
   }
   return votes;

@@ -36,10 +36,11 @@ double stepBetween(const cv::Vec3d& a, const cv::Vec3d& b) {
 /// The strongest step across the side at a place, to a part of a pixel.
 std::optional<cv::Point2d> stepAt(const cv::Mat& rgb, cv::Point2d place, cv::Point2d normal,
                                   double reach) {
-  const int count = 2 * static_cast<int>(std::ceil(reach)) + 3;
+  const int middle = static_cast<int>(std::ceil(reach)) + 1;
   std::vector<cv::Vec3d> colors;
-  for (int i = 0; i < count; ++i)
-    colors.push_back(colorAt(rgb, place + (i - count / 2) * normal));
+  colors.reserve(static_cast<std::size_t>(2 * middle + 1));
+  for (int i = -middle; i <= middle; ++i)
+    colors.push_back(colorAt(rgb, place + i * normal));
   std::vector<double> steps(colors.size(), 0.0);
   for (std::size_t i = 1; i + 1 < colors.size(); ++i) {
     steps[i] = stepBetween(colors[i + 1], colors[i - 1]);
@@ -51,7 +52,7 @@ std::optional<cv::Point2d> stepAt(const cv::Mat& rgb, cv::Point2d place, cv::Poi
   const double curve = before - 2 * *strongest + after;
   const double part = curve < 0 ? std::clamp(0.5 * (before - after) / curve, -0.5, 0.5) : 0;
   const auto index = static_cast<double>(strongest - steps.begin());
-  return place + (index + part - count / 2) * normal;
+  return place + (index + part - middle) * normal;
 }
 
 double distanceTo(const cv::Vec4f& line, cv::Point2f point) {

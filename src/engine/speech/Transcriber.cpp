@@ -23,7 +23,8 @@ Transcriber::~Transcriber() {
 void Transcriber::append(std::span<const std::int16_t> samples, const Report& report) {
   while (!samples.empty()) {
     const std::size_t taken = std::min(kChunkSamples - chunk_.size(), samples.size());
-    chunk_.insert(chunk_.end(), samples.begin(), samples.begin() + taken);
+    const auto next = samples.first(taken);
+    chunk_.insert(chunk_.end(), next.begin(), next.end());
     samples = samples.subspan(taken);
     if (chunk_.size() == kChunkSamples) decodeChunk(report);
   }

@@ -117,7 +117,8 @@ double eyeAspectRatio(const FaceMesh& mesh, bool left) {
   const EyePoints& eye = left ? kLeftEye : kRightEye;
   double opening = 0;
   for (std::size_t i = 0; i < eye.upperLid.size(); ++i) {
-    opening += length(mesh[eye.upperLid[i]] - mesh[eye.lowerLid[i]]) / eye.upperLid.size();
+    opening += length(mesh[eye.upperLid[i]] - mesh[eye.lowerLid[i]]) /
+               static_cast<double>(eye.upperLid.size());
   }
   return opening / length(mesh[eye.outerCorner] - mesh[eye.innerCorner]);
 }

@@ -188,7 +188,7 @@ UIWindow::UIWindow(std::shared_ptr<UIViewController> root) : root_(std::move(roo
   if (environment.presentations) environment.presentations->didPresent(*root_);
 }
 
-UIWindow::~UIWindow() {
+UIWindow::~UIWindow() {  // NOLINT(bugprone-exception-escape)
   if (root_->presented_) root_->presented_->detach();
 }
 

@@ -156,7 +156,7 @@ class UIAlertController final : public UIViewController {
 class UIWindow {
  public:
   explicit UIWindow(std::shared_ptr<UIViewController> root);
-  ~UIWindow();
+  ~UIWindow();  // NOLINT(bugprone-exception-escape): what a screen throws now ends the program
   UIViewController& rootViewController() { return *root_; }
   /// The controller on top of all, inside a navigation controller its root.
   UIViewController& topmost();

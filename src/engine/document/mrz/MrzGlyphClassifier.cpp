@@ -76,6 +76,7 @@ std::vector<MrzGlyphClassifier::Reading> MrzGlyphClassifier::classify(
   cv::Mat normalized = cells.clone();
   normalizeCells(normalized);
   std::vector<Reading> readings;
+  readings.reserve(static_cast<std::size_t>(cells.rows));
   for (int i = 0; i < cells.rows; ++i) {
     readings.push_back(winner(normalized.row(i), alphabets[static_cast<std::size_t>(i)]));
   }
