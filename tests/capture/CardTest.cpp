@@ -73,6 +73,15 @@ TEST_F(Card, OfAnotherTypeIsHeldBackForFiveSecondsHoweverOftenTheFrontIsShown) {
   world.advance(5);
   card(ID::ClassifiedDocument{other});
   EXPECT_EQ(mismatches(), 3) << "the right type begins the time anew";
+  selfie(Face::TimedOut{});
+  world.advance(6);
+  world.tap("retryButton");
+  world.advance(1);
+  passSelfie();
+  card(ID::Success{front});  // even from a host that has not classified it
+  world.advance(2);
+  card(ID::ClassifiedDocument{other});
+  EXPECT_EQ(mismatches(), 4) << "and so does another try";
 }
 
 }  // namespace

@@ -65,5 +65,20 @@ TEST_F(Entry, HidesTheNavigationBarAndFillsTheScreen) {
   EXPECT_FALSE(world.mediaDevices.camera->isRunning());
 }
 
+TEST_F(Entry, TellsAScreenOfItsCameraOnceThatRuns) {
+  struct Screen final : corvana::CaptureSessionViewController {
+    using CaptureSessionViewController::CaptureSessionViewController;
+    void captureSessionDidStartRunning() override { told(); }
+    std::function<void()> told;
+  };
+  bool ran = false;
+  const auto screen = std::make_shared<Screen>(world.environment);
+  screen->told = [&] { ran = world.mediaDevices.camera->isRunning(); };
+  screen->viewWillAppear(false);
+  world.advance(0);
+  EXPECT_TRUE(ran);
+  EXPECT_EQ(world.host.positions(), std::vector{corvana::CameraPosition::back});
+}
+
 }  // namespace
 }  // namespace tests
