@@ -72,7 +72,7 @@ TEST_F(Entry, TellsAScreenOfItsCameraOnceThatRuns) {
     std::function<void()> told;
   };
   bool ran = false;
-  const auto screen = std::make_shared<Screen>(world.environment);
+  const auto screen = std::make_shared<Screen>(world.environment, world.host);
   screen->told = [&] { ran = world.mediaDevices.camera->isRunning(); };
   screen->viewWillAppear(false);
   world.advance(0);
