@@ -65,19 +65,26 @@ TEST_F(Entry, HidesTheNavigationBarAndFillsTheScreen) {
   EXPECT_FALSE(world.mediaDevices.camera->isRunning());
 }
 
-TEST_F(Entry, TellsAScreenOfItsCameraOnceThatRuns) {
+TEST_F(Entry, TellsAScreenOfItsCameraWhichRunsAsLongAsItIsThere) {
   struct Screen final : corvana::CaptureSessionViewController {
     using CaptureSessionViewController::CaptureSessionViewController;
     void captureSessionDidStartRunning() override { told(); }
     std::function<void()> told;
   };
   bool ran = false;
-  const auto screen = std::make_shared<Screen>(world.environment, world.host);
+  auto screen = std::make_shared<Screen>(world.environment, world.host);
   screen->told = [&] { ran = world.mediaDevices.camera->isRunning(); };
   screen->viewWillAppear(false);
   world.advance(0);
   EXPECT_TRUE(ran);
+  screen.reset();
+  world.advance(0);
+  EXPECT_FALSE(world.mediaDevices.camera->isRunning()) << "nor does it outlive the screen";
   EXPECT_EQ(world.host.positions(), std::vector{corvana::CameraPosition::back});
+}
+
+TEST(StateNames, AreThoseOfTheModes) {
+  EXPECT_STREQ(corvana::nameOf(VideoCaptureMode::liveFaceLost), "liveFaceLost");
 }
 
 }  // namespace

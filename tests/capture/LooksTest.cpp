@@ -103,6 +103,7 @@ TEST(Aspect, IsKeptWhetherThePictureFillsTheScreenOrFitsIn) {
             (CGRect{-76, 128, 192, 256}));
   EXPECT_EQ(corvana::aspectFit({10, 20, 30, 40}, {100, 100}, screen), (CGRect{36, 212, 108, 144}));
   EXPECT_EQ(corvana::aspectFit({10, 20, 30, 40}, {100, 320}, screen), (CGRect{100, 40, 60, 80}));
+  EXPECT_EQ(corvana::aspectFill({0, 0, 1, 1}, {1, 1}, screen), (CGRect{-140, 0, 640, 640}));
   for (const platform::CGSize& empty : {platform::CGSize{0, 9}, {9, 0}, {-1, 9}}) {
     EXPECT_EQ(corvana::aspectFill({1, 2, 3, 4}, empty, screen), CGRect());
     EXPECT_EQ(corvana::aspectFit({1, 2, 3, 4}, empty, screen), CGRect());
