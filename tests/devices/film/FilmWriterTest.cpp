@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include "MediaTestSupport.h"
+#include "devices/MediaTestSupport.h"
 #include "devices/film/AudioTimeline.h"
 
 namespace devices::test {

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "MediaTestSupport.h"
+#include "devices/MediaTestSupport.h"
 
 namespace devices::test {
 namespace {

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "LivePeer.h"
-#include "MediaTestSupport.h"
+#include "devices/MediaTestSupport.h"
 #include "devices/live/CameraMode.h"
 #include "devices/live/CaptureTimes.h"
 #include "devices/live/DeviceCatalog.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "MediaTestSupport.h"
+#include "devices/MediaTestSupport.h"
 #include "devices/pictures/ImageFile.h"
 
 namespace devices::test {
