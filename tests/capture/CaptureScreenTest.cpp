@@ -174,6 +174,13 @@ TEST_F(CaptureScreen, StartsTheMicrophoneOnTheWayBackFromTheSettings) {
   world.postWillEnterForeground();
   world.advance(0);
   EXPECT_TRUE(microphone.isRunning());
+  selfie(Face::TimedOut{});
+  world.advance(1);
+  world.tap("retryButton");
+  world.advance(1);
+  world.postWillEnterForeground();
+  world.advance(0);
+  EXPECT_FALSE(microphone.isRunning()) << "that was another way back";
 }
 
 /// Each refusal leads to an alert of its own, whose button leads to the settings.

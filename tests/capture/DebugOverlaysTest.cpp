@@ -93,6 +93,10 @@ TEST_F(DebugOverlays, AreQuietWhileABarcodeIsScannedOrNothingIsMeasured) {
   postCard(cardInfo);
   EXPECT_FALSE(shows("idDebugStackView"));
   EXPECT_TRUE(shapes().empty());
+  selfie(Face::Failed{});
+  world.advance(1);
+  postSelfie(faceInfo);
+  EXPECT_FALSE(shows("selfieDebugStackView")) << "under the retry screen nobody listens";
 }
 
 }  // namespace
