@@ -12,14 +12,14 @@ TEST_F(Looks, ColoursAndFontComeFromTheHostsTables) {
   SelfieCapture::colors.errorLabelTextColor = colors::kBlack;
   SelfieCapture::colors.errorLabelBackgroundColor = colors::kYellow;
   SelfieCapture::fonts.labelFont = platform::UIFont{"Serif", 21};
-  IDCapture::fonts.labelFont = platform::UIFont{"Sans", 17};
+  IDCapture::fonts.labelFont = platform::UIFont{"Sans", 19};
   enter();
   selfie(Face::MoveAway{});
   EXPECT_EQ(world.label("selfieOverlayLabel").textColor(), colors::kBlack);
   EXPECT_EQ(world.label("selfieOverlayLabel").font().pointSize, 21);
   EXPECT_EQ(world.view("selfieOverlayLabelView").backgroundColor(), colors::kYellow);
   card(ID::MoveAway{});
-  EXPECT_EQ(world.label("idOverlayLabel").font().pointSize, 17);
+  EXPECT_EQ(world.label("idOverlayLabel").font().pointSize, 19);
 }
 
 TEST_F(Looks, OneEllipseLiesOverTheLiveFace) {
