@@ -100,7 +100,7 @@ Result<Typeface> Typeface::load(const std::string& file, const std::string& pack
 }
 
 void Typeface::draw(cv::Mat& picture, const std::string& text, cv::Point2d baseline, double size,
-                    cv::Scalar colour) const {
+                    const cv::Scalar& colour) const {
   face_->setSize(size);
   for (const char32_t point : codePoints(text)) {
     const double advance = face_->advance(point);
@@ -123,7 +123,7 @@ double Typeface::fittingSize(const std::string& text, double size, double room) 
 }
 
 void Typeface::drawInCells(cv::Mat& picture, const std::string& text, cv::Point2d baseline,
-                           double size, double pitch, cv::Scalar colour) const {
+                           double size, double pitch, const cv::Scalar& colour) const {
   face_->setSize(size);
   for (const char32_t point : codePoints(text)) {
     const double margin = 0.5 * (pitch - face_->advance(point));

@@ -19,13 +19,13 @@ class Typeface {
 
   /// Draws UTF-8 text into an RGB picture; `size` is the em in pixels, `baseline` the left end.
   void draw(cv::Mat& picture, const std::string& text, cv::Point2d baseline, double size,
-            cv::Scalar colour) const;
+            const cv::Scalar& colour) const;
   double width(const std::string& text, double size) const;
   /// The largest size up to `size` at which the text is no wider than `room`.
   double fittingSize(const std::string& text, double size, double room) const;
   /// Draws each character centred in a cell of `pitch` pixels, as machine-readable lines are set.
   void drawInCells(cv::Mat& picture, const std::string& text, cv::Point2d baseline, double size,
-                   double pitch, cv::Scalar colour) const;
+                   double pitch, const cv::Scalar& colour) const;
 
  private:
   struct Face;

@@ -42,6 +42,7 @@ class ScratchFolder {
 /// What the program says on its standard output.
 Result<std::string> run(const std::vector<std::string>& command) {
   std::vector<gchar*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& word : command)
     arguments.push_back(const_cast<gchar*>(word.c_str()));
   arguments.push_back(nullptr);

@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -68,14 +69,11 @@ session::Result<void> run(const Options& options) {
   return cache.deliver(*key, options.output);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int makeSession(int argc, char** argv) {
   Options options;
   CLI::App app(
       "Makes a recorded session (a film of a person who shows a card and reads a text, and stills "
-      "of "
-      "the card) from a script. samples/README.md describes the script.");
+      "of the card) from a script. samples/README.md describes the script.");
   app.add_option("SCRIPT", options.script, "The script, a JSON file")->required();
   app.add_option("--output", options.output, "Folder for the session's files")->required();
   app.add_option("--cache", options.cache, "Folder of sessions made before")->capture_default_str();
@@ -91,4 +89,15 @@ int main(int argc, char** argv) {
     return 1;
   }
   return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return makeSession(argc, argv);
+  } catch (const std::exception& error) {
+    std::cerr << "make-session: an unexpected fault: " << error.what() << '\n';
+    return 1;
+  }
 }
