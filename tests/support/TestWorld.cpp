@@ -51,9 +51,9 @@ platform::UIView& TestWorld::findAny(const std::string& name) {
   std::vector<platform::UIViewController*> stack;
   for (auto* controller = root.get(); controller;
        controller = controller->presentedViewController())
-    stack.push_back(controller);
-  for (auto controller = stack.rbegin(); controller != stack.rend(); ++controller) {
-    platform::UIView& shown = devices::shownBy(**controller).view();
+    stack.insert(stack.begin(), controller);
+  for (auto* controller : stack) {
+    platform::UIView& shown = devices::shownBy(*controller).view();
     if (platform::UIView* found = devices::findView(shown, name)) return *found;
   }
   platform::fatal("no screen of the test has a view \"" + name + "\"");

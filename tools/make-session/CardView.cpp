@@ -86,6 +86,7 @@ void layOver(cv::Mat& picture, const cv::Mat& layer, const std::array<cv::Point2
   const cv::Rect area = bounds & cv::Rect({0, 0}, picture.size());
   if (area.empty() || std::abs(cv::contourArea(target)) < 4.0) return;
   std::vector<cv::Point2f> inArea;
+  inArea.reserve(target.size());
   for (const cv::Point2f& corner : target)
     inArea.push_back(corner - cv::Point2f(area.tl()) - cv::Point2f(0.5F, 0.5F));
   const float right = static_cast<float>(layer.cols) - 0.5F;
@@ -101,7 +102,7 @@ void layOver(cv::Mat& picture, const cv::Mat& layer, const std::array<cv::Point2
              factor);
 }
 
-CardView::CardView(const cv::Mat& front, const cv::Mat& back, double width, cv::Scalar skin)
+CardView::CardView(const cv::Mat& front, const cv::Mat& back, double width, const cv::Scalar& skin)
     : front_(scaledDown(front, width)),
       back_(scaledDown(back, width)),
       thumb_(drawThumb(skin)),

@@ -10,7 +10,7 @@ namespace session {
 class CardView {
  public:
   /// front, back: RGBA drawings of the card's sides; width: of the card in the film, pixels.
-  CardView(const cv::Mat& front, const cv::Mat& back, double width, cv::Scalar skin);
+  CardView(const cv::Mat& front, const cv::Mat& back, double width, const cv::Scalar& skin);
 
   void draw(const CardPose& pose, cv::Mat& picture) const;
 

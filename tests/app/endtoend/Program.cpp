@@ -54,8 +54,8 @@ ProgramRun runDisturbed(const std::vector<std::string>& arguments, const fs::pat
 
 Session Session::of(const std::string& script) {
   const fs::path sessions = SESSIONS;
-  const Session session{sessions / script / "session.mp4", sessions / script / "text.txt",
-                        sessions / "reference"};
+  Session session{sessions / script / "session.mp4", sessions / script / "text.txt",
+                  sessions / "reference"};
   EXPECT_TRUE(fs::exists(session.camera) && fs::exists(session.reference))
       << "make it first: ctest -R Sessions";
   return session;

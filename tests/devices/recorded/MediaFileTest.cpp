@@ -148,8 +148,10 @@ TEST_F(MediaFileTest, endsOrFailsWithASentenceWhateverTheBytes) {
   for (int round = 0; round < 12; ++round) {
     std::string damaged = bytes;
     if (round % 2 == 0) damaged.resize(damaged.size() * (round + 4) / 16);
-    for (int i = 0; i < 1 << round; ++i)
-      damaged[random() % damaged.size()] ^= static_cast<char>(1 << random() % 8);
+    for (int i = 0; i < 1 << round; ++i) {
+      char& byte = damaged[random() % damaged.size()];
+      byte = static_cast<char>(byte ^ 1 << random() % 8);
+    }
     writeBytes(folder / "damaged.mp4", damaged);
     const Recording played = play(folder / "damaged.mp4");
     EXPECT_EQ(played.ends + static_cast<int>(played.errors.size()), 1) << round;
