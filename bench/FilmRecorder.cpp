@@ -15,6 +15,7 @@
 #include "devices/system/RealRunLoop.h"
 #include "platform/foundation/VirtualRunLoop.h"
 
+namespace corvana {
 namespace {
 
 using platform::CMSampleBuffer;
@@ -106,18 +107,19 @@ int record(Loop& loop, const std::string& path, Session session) {
 }
 
 }  // namespace
+}  // namespace corvana
 
 int main(int count, char** arguments) {
   if (count != 7) {
     std::cerr << "usage: film-recorder FILM WIDTH HEIGHT FRAMES_PER_SECOND SECONDS media|real\n";
     return EXIT_FAILURE;
   }
-  const Session session{std::atoi(arguments[2]), std::atoi(arguments[3]), std::atoi(arguments[4]),
-                        std::atof(arguments[5])};
+  const corvana::Session session{std::atoi(arguments[2]), std::atoi(arguments[3]),
+                                 std::atoi(arguments[4]), std::atof(arguments[5])};
   if (std::string(arguments[6]) == "real") {
-    devices::RealRunLoop loop;
-    return record(loop, arguments[1], session);
+    corvana::devices::RealRunLoop loop;
+    return corvana::record(loop, arguments[1], session);
   }
-  platform::VirtualRunLoop loop;
-  return record(loop, arguments[1], session);
+  corvana::platform::VirtualRunLoop loop;
+  return corvana::record(loop, arguments[1], session);
 }

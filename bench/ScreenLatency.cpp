@@ -44,6 +44,7 @@
 #include "devices/system/TerminalSystem.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
 
+namespace corvana {
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -261,11 +262,12 @@ int measure(int argc, char** argv) {
 }
 
 }  // namespace
+}  // namespace corvana
 
 int main(int argc, char** argv) {
-  mainReached = sinceStart();
+  corvana::mainReached = sinceStart();
   try {
-    return measure(argc, argv);
+    return corvana::measure(argc, argv);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "screen-latency: %s\n", error.what());
     return 1;

@@ -1,24 +1,25 @@
 # Installs what a program needs to have the module and its window in it: find_package(CorvanaVideoID). Include after
 # the targets. The reference host (cameras, recognition, film) is not part of it: a program brings its own.
 include(CMakePackageConfigHelpers)
+include(InstallHeaders)
 
 set(CORVANA_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/CorvanaVideoID)
 set(CORVANA_RESOURCES_DIR ${CMAKE_INSTALL_DATADIR}/corvana-videoid)
 
-install(TARGETS platform corvana inference capture devices_headless devices_qtquick devices_screen devices_scripted devices_system
+set(installed_folders platform corvana devices/headless devices/qtquick devices/screen devices/scripted devices/system)
+
+install(TARGETS corvana_platform corvana_sdk corvana_inference corvana_module corvana_devices_headless
+                corvana_devices_qtquick corvana_devices_screen corvana_devices_scripted corvana_devices_system
         EXPORT CorvanaVideoIDTargets
         ARCHIVE COMPONENT library)
-foreach(folder platform corvana devices/headless devices/qtquick devices/screen devices/scripted devices/system)
-  install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/${folder}/
-          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/corvana-videoid/${folder}
-          COMPONENT library
-          FILES_MATCHING PATTERN "*.h")
+# Staged anew at each installation, so that a header that is gone stays behind nowhere.
+install(CODE "file(REMOVE_RECURSE \"${PROJECT_BINARY_DIR}/include\")" COMPONENT library)
+foreach(folder IN LISTS installed_folders)
+  corvana_install_headers(${folder})
 endforeach()
 # Of the module the entry, and what a host wires; how it works inside is nobody else's business.
-install(FILES ${PROJECT_SOURCE_DIR}/src/capture/Corvana+VideoCapture.h
-              ${PROJECT_SOURCE_DIR}/src/capture/ControllerFactories.h
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/corvana-videoid/capture
-        COMPONENT library)
+corvana_install_headers(capture Corvana+VideoCapture.h ControllerFactories.h)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/include/corvana DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT library)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/capture/resources/
         DESTINATION ${CORVANA_RESOURCES_DIR}/capture COMPONENT library)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/devices/qtquick/qml/

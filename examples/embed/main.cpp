@@ -6,14 +6,14 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "capture/ControllerFactories.h"
-#include "capture/Corvana+VideoCapture.h"
-#include "devices/qtquick/QtRunLoop.h"
-#include "devices/qtquick/QtScreen.h"
-#include "devices/screen/ViewSearch.h"
-#include "devices/scripted/ScriptedHost.h"
-#include "devices/system/TerminalSystem.h"
-#include "platform/uikit/Controls.h"
+#include <corvana/capture/ControllerFactories.h>
+#include <corvana/capture/Corvana+VideoCapture.h>
+#include <corvana/devices/qtquick/QtRunLoop.h>
+#include <corvana/devices/qtquick/QtScreen.h>
+#include <corvana/devices/screen/ViewSearch.h>
+#include <corvana/devices/scripted/ScriptedHost.h>
+#include <corvana/devices/system/TerminalSystem.h>
+#include <corvana/platform/uikit/Controls.h>
 
 int main(int argc, char** argv) {
   QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
@@ -22,23 +22,23 @@ int main(int argc, char** argv) {
   window.resize(540, 960);
   window.show();
 
-  devices::QtRunLoop loop;
-  devices::QtScreen::Setup setup{RESOURCES "/screen", RESOURCES "/capture"};
+  corvana::devices::QtRunLoop loop;
+  corvana::devices::QtScreen::Setup setup{RESOURCES "/screen", RESOURCES "/capture"};
   setup.window = &window;
-  devices::QtScreen screen(loop, setup);
-  devices::ScreenHub hub;
+  corvana::devices::QtScreen screen(loop, setup);
+  corvana::devices::ScreenHub hub;
   hub.add(screen);
 
-  platform::NotificationCenter notifications;
-  devices::StreamConsole console(std::cerr);
-  devices::NoSettingsApplication settings;
-  devices::ScriptedMediaDevices media(loop);
-  devices::ScriptedSpeechAuthorization speech(loop);
-  devices::ReportingSystemSounds sounds([&](auto) { screen.flash(); });
-  devices::ScriptedHost host(loop, media);
-  devices::DirectoryBundle bundle(RESOURCES "/capture",
-                                  screen.makeStoryboards(capture::controllerFactories(host)));
-  platform::Environment world{
+  corvana::platform::NotificationCenter notifications;
+  corvana::devices::StreamConsole console(std::cerr);
+  corvana::devices::NoSettingsApplication settings;
+  corvana::devices::ScriptedMediaDevices media(loop);
+  corvana::devices::ScriptedSpeechAuthorization speech(loop);
+  corvana::devices::ReportingSystemSounds sounds([&](auto) { screen.flash(); });
+  corvana::devices::ScriptedHost host(loop, media);
+  corvana::devices::DirectoryBundle bundle(
+      RESOURCES "/capture", screen.makeStoryboards(corvana::capture::controllerFactories(host)));
+  corvana::platform::Environment world{
       .runLoop = loop,
       .bundle = bundle,
       .notificationCenter = notifications,
@@ -52,22 +52,23 @@ int main(int argc, char** argv) {
       .presentations = &hub,
   };
 
-  auto root = std::make_shared<platform::UIViewController>(world);
-  auto screens = std::make_unique<platform::UIWindow>(root);
+  auto root = std::make_shared<corvana::platform::UIViewController>(world);
+  auto screens = std::make_unique<corvana::platform::UIWindow>(root);
   corvana::DetectedData front;  // what was read from the card earlier
   front.type = "IDENTITY_CARD_FRONT";
   std::string outcome;
-  capture::videoIDCapture(
+  corvana::capture::videoIDCapture(
       *root, front, std::nullopt, "I open this account for myself", [&](const auto& result) {
         outcome = result ? result->videoURL.string() : result.error().localizedDescription();
       });
   if (argc > 1) {
-    loop.mainQueue().asyncAfter(platform::seconds(std::atof(argv[1])), [&] {
-      auto* close = devices::findView<platform::UIButton>(screens->topmost().view(), "closeButton");
+    loop.mainQueue().asyncAfter(corvana::platform::seconds(std::atof(argv[1])), [&] {
+      auto* close = corvana::devices::findView<corvana::platform::UIButton>(
+          screens->topmost().view(), "closeButton");
       if (close) close->touchUpInside();
     });
   }
-  loop.runUntil([&] { return !outcome.empty(); }, platform::TimePoint::max());
+  loop.runUntil([&] { return !outcome.empty(); }, corvana::platform::TimePoint::max());
   std::cout << outcome << '\n';
   root.reset();
   screens.reset();

@@ -9,6 +9,7 @@
 #include "app/simulate/ScreensCommand.h"
 #include "app/simulate/SimulateCommand.h"
 
+namespace corvana::app {
 namespace {
 
 int run(int argc, char** argv) {
@@ -48,13 +49,15 @@ void shareOneArena() {
 }
 
 }  // namespace
+}  // namespace corvana::app
 
 int main(int argc, char** argv) {
-  shareOneArena();
+  corvana::app::shareOneArena();
   try {
-    return run(argc, argv);
+    return corvana::app::run(argc, argv);
   } catch (const std::exception& error) {
-    return static_cast<int>(app::complain(std::cerr, app::ExitCode::machineLacks,
-                                          std::string("an unexpected fault: ") + error.what()));
+    return static_cast<int>(
+        corvana::app::complain(std::cerr, corvana::app::ExitCode::machineLacks,
+                               std::string("an unexpected fault: ") + error.what()));
   }
 }

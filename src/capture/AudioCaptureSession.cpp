@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace capture {
+namespace corvana::capture {
 
 using platform::AVAuthorizationStatus;
 using platform::AVMediaType;
@@ -57,4 +57,4 @@ void AudioCaptureSession::captureOutput(platform::AVCaptureOutput&,
                          [&](auto& delegate) { delegate.capturedAudio(sampleBuffer); });
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

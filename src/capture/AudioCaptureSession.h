@@ -5,7 +5,7 @@
 
 #include "platform/media/CaptureSession.h"
 
-namespace capture {
+namespace corvana::capture {
 
 /// Receives each microphone buffer on the queue "AudioCaptureSessionQueue".
 class AudioCaptureSessionDelegate {
@@ -49,4 +49,4 @@ class AudioCaptureSession final : public platform::AVCaptureSampleBufferDelegate
   platform::AVCaptureDeviceRef device_;  ///< the microphone, once it is an input
 };
 
-}  // namespace capture
+}  // namespace corvana::capture

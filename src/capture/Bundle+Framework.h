@@ -3,7 +3,7 @@
 #include "platform/Environment.h"
 #include "platform/foundation/Bundle.h"
 
-namespace capture {
+namespace corvana::capture {
 
 /// Says which bundle is the module's, and nothing else.
 class BundleAnchor {};
@@ -14,4 +14,4 @@ inline platform::Bundle& moduleBundle(platform::Environment& environment) {
   return environment.bundleFor(typeid(BundleAnchor));
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

@@ -6,7 +6,7 @@
 #include "capture/VideoRetryViewController.h"
 #include "corvana/StoryboardIdentifier.h"
 
-namespace capture {
+namespace corvana::capture {
 
 platform::ControllerFactories controllerFactories(corvana::HostFactories& host,
                                                   corvana::DecisionObserver* decisions) {
@@ -20,4 +20,4 @@ platform::ControllerFactories controllerFactories(corvana::HostFactories& host,
            }}};
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

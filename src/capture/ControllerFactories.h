@@ -7,7 +7,7 @@ class DecisionObserver;
 class HostFactories;
 }  // namespace corvana
 
-namespace capture {
+namespace corvana::capture {
 
 /// Makes the module's controllers under their storyboard identifiers: what a host hands to the
 /// storyboard "VideoCapture" that it lays out. `host` makes the camera and the recorder of each
@@ -16,4 +16,4 @@ namespace capture {
 platform::ControllerFactories controllerFactories(corvana::HostFactories& host,
                                                   corvana::DecisionObserver* decisions = nullptr);
 
-}  // namespace capture
+}  // namespace corvana::capture

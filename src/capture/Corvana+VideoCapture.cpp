@@ -7,7 +7,7 @@
 #include "capture/VideoCaptureViewController.h"
 #include "corvana/StoryboardIdentifier.h"
 
-namespace capture {
+namespace corvana::capture {
 namespace {
 
 using platform::UIModalPresentationStyle;
@@ -42,4 +42,4 @@ void videoIDCapture(UIViewController& from, corvana::DetectedData front,
   from.present(navigation, true);
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

@@ -12,7 +12,7 @@
 #include "corvana/VideoWriter.h"
 #include "platform/uikit/UIViewController.h"
 
-namespace capture {
+namespace corvana::capture {
 
 /// What a finished run proves. A record with a false flag is never delivered: a check that fails
 /// keeps the user in its phase.
@@ -39,4 +39,4 @@ void videoIDCapture(platform::UIViewController& from, corvana::DetectedData fron
                     std::optional<corvana::DetectedData> back, std::string text,
                     Completion completion);
 
-}  // namespace capture
+}  // namespace corvana::capture

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numeric>
 
-namespace capture {
+namespace corvana::capture {
 namespace {
 
 constexpr const char* kModelName = "facenet";
@@ -153,4 +153,4 @@ std::optional<FaceMatchResult> FaceMatchDetector::faceMatch(const platform::UIIm
   return FaceMatchResult{faceDistance, faceDistance <= faceMatchMax};
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

@@ -14,7 +14,7 @@
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Console.h"
 
-namespace capture {
+namespace corvana::capture {
 
 struct FaceMatchResult {
   /// Euclidean distance of the unit-length embeddings: 0 (identical) to 2 (opposite).
@@ -60,4 +60,4 @@ class FaceMatchDetector {
   corvana::MetalBilinearScaler scaler_;
 };
 
-}  // namespace capture
+}  // namespace corvana::capture

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-namespace capture {
+namespace corvana::capture {
 namespace {
 
 template <class Number>
@@ -33,4 +33,4 @@ std::string shortestDecimal(double value) {
   return decimal(value);
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

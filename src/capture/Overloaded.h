@@ -1,6 +1,6 @@
 #pragma once
 
-namespace capture {
+namespace corvana::capture {
 
 /// One function object out of a handler for each kind of state.
 template <class... Handlers>
@@ -12,4 +12,4 @@ struct Overloaded : Handlers... {
 template <class... Handlers>
 Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
-}  // namespace capture
+}  // namespace corvana::capture

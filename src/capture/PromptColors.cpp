@@ -2,7 +2,7 @@
 
 #include "corvana/CaptureSessionViewController.h"
 
-namespace capture {
+namespace corvana::capture {
 
 using corvana::PromptType;
 namespace colors = platform::colors;
@@ -22,4 +22,4 @@ PromptColors promptColors(PromptType type, const corvana::Colors& table) {
   return {colors::kWhite, colors::kGray};
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

@@ -2,7 +2,7 @@
 
 #include "corvana/Appearance.h"
 
-namespace capture {
+namespace corvana::capture {
 
 struct PromptColors {
   platform::UIColor text;
@@ -12,4 +12,4 @@ struct PromptColors {
 /// The table's colours for the type, with white on the host's green, red or gray where it has none.
 PromptColors promptColors(corvana::PromptType type, const corvana::Colors& table);
 
-}  // namespace capture
+}  // namespace corvana::capture

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace capture {
+namespace corvana::capture {
 
 RecorderAudioDelegate::RecorderAudioDelegate(std::shared_ptr<corvana::VideoCapture> recorder)
     : recorder_(std::move(recorder)) {}
@@ -12,4 +12,4 @@ void RecorderAudioDelegate::capturedAudio(const platform::CMSampleBufferRef& sam
   if (auto* recognizer = recorder_->speechRecognizer()) recognizer->append(sampleBuffer);
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

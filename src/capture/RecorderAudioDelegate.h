@@ -5,7 +5,7 @@
 #include "capture/AudioCaptureSession.h"
 #include "corvana/VideoCapture.h"
 
-namespace capture {
+namespace corvana::capture {
 
 /// The recorder as receiver of the microphone: each buffer goes to the film, then to the
 /// recogniser.
@@ -19,4 +19,4 @@ class RecorderAudioDelegate final : public AudioCaptureSessionDelegate {
   std::shared_ptr<corvana::VideoCapture> recorder_;
 };
 
-}  // namespace capture
+}  // namespace corvana::capture

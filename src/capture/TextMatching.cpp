@@ -12,7 +12,7 @@
 
 #include "platform/foundation/Require.h"
 
-namespace capture {
+namespace corvana::capture {
 namespace {
 
 /// One user-perceived character: what it is compared by, and its length in the text as written.
@@ -145,4 +145,4 @@ SpokenWordMatch matchSpokenWords(const std::vector<std::string>& spokenWords,
   return match;
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

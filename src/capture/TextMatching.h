@@ -7,7 +7,7 @@
 /// How alike two texts are. Pure functions on UTF-8; any thread. A character is a user-perceived
 /// one (an extended grapheme cluster); two are equal when they are canonically equivalent.
 /// Ill-formed bytes count as U+FFFD.
-namespace capture {
+namespace corvana::capture {
 
 /// The least number of insertions, deletions and substitutions of one character each that turn `a`
 /// into `b`. Case, blanks and everything else count.
@@ -44,4 +44,4 @@ struct SpokenWordMatch {
 SpokenWordMatch matchSpokenWords(const std::vector<std::string>& spokenWords,
                                  const std::string& text);
 
-}  // namespace capture
+}  // namespace corvana::capture

@@ -1,6 +1,6 @@
 #include "capture/VideoCaptureOutlets.h"
 
-namespace capture {
+namespace corvana::capture {
 
 void VideoCaptureOutlets::declare(platform::OutletBinder& binder) {
   binder.outlet("overlayTopView", overlayTopView);
@@ -48,4 +48,4 @@ void VideoCaptureOutlets::declareID(platform::OutletBinder& binder) {
   binder.outlet("topMatchesLabel", topMatchesLabel);
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

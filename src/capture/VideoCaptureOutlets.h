@@ -2,7 +2,7 @@
 
 #include "platform/uikit/UIStoryboard.h"
 
-namespace capture {
+namespace corvana::capture {
 
 /// The views of the capture screen. All must be connected.
 struct VideoCaptureOutlets {
@@ -62,4 +62,4 @@ struct VideoCaptureOutlets {
   void declareID(platform::OutletBinder& binder);
 };
 
-}  // namespace capture
+}  // namespace corvana::capture

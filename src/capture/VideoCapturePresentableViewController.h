@@ -5,7 +5,7 @@
 
 #include "capture/Corvana+VideoCapture.h"
 
-namespace capture {
+namespace corvana::capture {
 
 /// What the entry writes into the capture screen, whatever class it is.
 class VideoCapturePresentableViewController {
@@ -18,4 +18,4 @@ class VideoCapturePresentableViewController {
   std::optional<std::string> text;
 };
 
-}  // namespace capture
+}  // namespace corvana::capture

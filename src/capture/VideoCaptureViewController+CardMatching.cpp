@@ -6,7 +6,7 @@
 #include "capture/TextMatching.h"
 #include "capture/VideoCaptureViewController.h"
 
-namespace capture {
+namespace corvana::capture {
 
 using corvana::DetectedData;
 using corvana::DocumentSide;
@@ -183,4 +183,4 @@ bool VideoCaptureViewController::compareWithFrontsType(const std::string& type) 
   return same;
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

@@ -4,7 +4,7 @@
 #include "capture/VideoCaptureViewController.h"
 #include "corvana/Geometry.h"
 
-namespace capture {
+namespace corvana::capture {
 
 using corvana::CaptureMode;
 using corvana::DebugData;
@@ -105,4 +105,4 @@ void VideoCaptureViewController::hideLater(platform::UIStackView& stack) {
       });
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

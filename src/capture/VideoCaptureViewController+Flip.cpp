@@ -1,7 +1,7 @@
 #include "capture/VideoCaptureViewController+IDCaptureDelegate.h"
 #include "capture/VideoCaptureViewController.h"
 
-namespace capture {
+namespace corvana::capture {
 
 using corvana::CaptureMode;
 using corvana::IDCapture;
@@ -50,4 +50,4 @@ void VideoCaptureViewController::endFlipAnimation() {
   outlets_.topMatchesLabel->setText("Top Matches:");
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

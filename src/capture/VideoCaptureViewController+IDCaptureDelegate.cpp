@@ -7,7 +7,7 @@
 #include "capture/VideoCaptureViewController+IDCaptureDelegate.h"
 #include "capture/VideoCaptureViewController.h"
 
-namespace capture {
+namespace corvana::capture {
 
 using corvana::CaptureMode;
 using corvana::DetectedData;
@@ -147,4 +147,4 @@ void VideoCaptureViewController::idImageDidSet() {
   }
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

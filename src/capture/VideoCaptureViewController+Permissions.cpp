@@ -2,7 +2,7 @@
 
 #include "capture/VideoCaptureViewController.h"
 
-namespace capture {
+namespace corvana::capture {
 
 using platform::SFSpeechRecognizerAuthorizationStatus;
 using platform::UIAlertAction;
@@ -71,4 +71,4 @@ void VideoCaptureViewController::audioWillEnterForeground() {
   }
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

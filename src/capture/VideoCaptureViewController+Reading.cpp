@@ -5,7 +5,7 @@
 #include "capture/TextMatching.h"
 #include "capture/VideoCaptureViewController.h"
 
-namespace capture {
+namespace corvana::capture {
 
 using corvana::IDError;
 using corvana::VideoCapture;
@@ -102,4 +102,4 @@ void VideoCaptureViewController::setProgress(float progress) {
   outlets_.progressView->setProgress(progress, shown);
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

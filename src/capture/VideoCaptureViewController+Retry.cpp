@@ -3,7 +3,7 @@
 #include "corvana/Geometry.h"
 #include "corvana/StoryboardIdentifier.h"
 
-namespace capture {
+namespace corvana::capture {
 
 using corvana::IDCaptureState;
 using corvana::SelfieCaptureState;
@@ -58,4 +58,4 @@ void VideoCaptureViewController::retryAnswered(bool retry) {
   if (videoCapture_) videoCapture_->retry();
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

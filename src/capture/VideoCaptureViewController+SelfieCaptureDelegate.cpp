@@ -7,7 +7,7 @@
 #include "capture/VideoCaptureViewController.h"
 #include "corvana/Geometry.h"
 
-namespace capture {
+namespace corvana::capture {
 
 using corvana::IDCapture;
 using corvana::PromptType;
@@ -162,4 +162,4 @@ void VideoCaptureViewController::showLiveFace(const std::optional<CGRect>& frame
   faceEllipseLayer_->addSublayer(shape);
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

@@ -2,10 +2,10 @@
 
 #include "platform/geometry/Geometry.h"
 
-namespace capture {
+namespace corvana::capture {
 
 /// The rectangle reflected about the vertical centre line of `size`, as a front camera's picture is
 /// shown.
 platform::CGRect mirrored(const platform::CGRect& rect, const platform::CGSize& size);
 
-}  // namespace capture
+}  // namespace corvana::capture

@@ -8,7 +8,7 @@
 #include "corvana/HostFactories.h"
 #include "corvana/Notifications.h"
 
-namespace capture {
+namespace corvana::capture {
 
 using corvana::CaptureMode;
 using corvana::IDCapture;
@@ -203,4 +203,4 @@ std::shared_ptr<VideoCaptureViewController> VideoCaptureViewController::strongSe
   return std::static_pointer_cast<VideoCaptureViewController>(shared_from_this());
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

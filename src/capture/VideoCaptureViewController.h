@@ -14,7 +14,7 @@
 #include "corvana/Decision.h"
 #include "corvana/VideoCapture.h"
 
-namespace capture {
+namespace corvana::capture {
 
 class RecorderAudioDelegate;
 
@@ -166,4 +166,4 @@ class VideoCaptureViewController final : public corvana::CaptureSessionViewContr
   int countdownTimerSeconds_;
 };
 
-}  // namespace capture
+}  // namespace corvana::capture

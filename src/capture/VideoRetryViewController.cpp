@@ -6,7 +6,7 @@
 #include "corvana/IDCapture.h"
 #include "corvana/SelfieCapture.h"
 
-namespace capture {
+namespace corvana::capture {
 namespace {
 
 constexpr const char* kTryAgain = " Please try again";
@@ -95,4 +95,4 @@ void VideoRetryViewController::dismiss(Retry retry) {
   });
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

@@ -6,7 +6,7 @@
 #include "platform/uikit/UIStoryboard.h"
 #include "platform/uikit/UIViewController.h"
 
-namespace capture {
+namespace corvana::capture {
 
 /// Why the user has to try again.
 enum class RetryType : std::uint8_t { selfieCapture, idCapture, liveFaceLost, spokenText };
@@ -41,4 +41,4 @@ class VideoRetryViewController final : public platform::UIViewController {
   platform::OutletCollection<platform::UIButton> buttons_;
 };
 
-}  // namespace capture
+}  // namespace corvana::capture

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace capture {
+namespace corvana::capture {
 
 std::optional<platform::WriterSettings> recommendedVideoSettingsForAssetWriter(
     corvana::CaptureSession& session, const platform::AVFileType& fileType) {
@@ -13,4 +13,4 @@ std::optional<platform::WriterSettings> recommendedVideoSettingsForAssetWriter(
       hevc ? platform::kAVVideoCodecTypeHEVC : platform::kAVVideoCodecTypeH264, fileType);
 }
 
-}  // namespace capture
+}  // namespace corvana::capture

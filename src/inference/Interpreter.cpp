@@ -20,7 +20,7 @@ class LoggerOptions {
 }  // namespace tflite
 // NOLINTEND(readability-identifier-naming)
 
-namespace inference {
+namespace corvana::inference {
 namespace {
 
 /// The library announces on standard error, among the program's own lines, that it made a delegate.
@@ -126,4 +126,4 @@ void Interpreter::Delete::operator()(TfLiteInterpreter* interpreter) const {
   TfLiteInterpreterDelete(interpreter);
 }
 
-}  // namespace inference
+}  // namespace corvana::inference

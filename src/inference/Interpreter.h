@@ -15,7 +15,7 @@ struct TfLiteInterpreter;
 struct TfLiteModel;
 struct TfLiteTensor;
 
-namespace inference {
+namespace corvana::inference {
 
 /// What computes a network.
 enum class Runtime {
@@ -81,4 +81,4 @@ class Interpreter {
   bool isAllocated_ = false;
 };
 
-}  // namespace inference
+}  // namespace corvana::inference

@@ -14,7 +14,7 @@
 #include "platform/media/SystemSounds.h"
 #include "platform/uikit/Animations.h"
 
-namespace platform {
+namespace corvana::platform {
 
 class Bundle;
 class PresentationObserver;
@@ -54,4 +54,4 @@ struct Environment {
   Bundle& bundleFor(const std::type_info& /*anchor*/) const { return bundle; }
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

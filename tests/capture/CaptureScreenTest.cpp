@@ -1,6 +1,6 @@
 #include "FlowTest.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 class CaptureScreen : public FlowTest {};
@@ -262,4 +262,4 @@ TEST_F(CaptureScreen, ShowsTheTimeOfTheOptionsWhenTheScreenWasBuilt) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

@@ -1,6 +1,6 @@
 #include "FlowTest.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 class Card : public FlowTest {
@@ -85,4 +85,4 @@ TEST_F(Card, OfAnotherTypeIsHeldBackForFiveSecondsHoweverOftenTheFrontIsShown) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

@@ -9,7 +9,7 @@
 
 // What a programmer who fits the module into an application may get wrong: the program stops and
 // names it.
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 struct Part {
@@ -137,4 +137,4 @@ TEST_F(Contract, ATypeTooShortForAFamilyIsNamedOnceTheBackIsClassified) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

@@ -3,7 +3,7 @@
 #include "FlowTest.h"
 #include "corvana/Notifications.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 using platform::CGRect;
@@ -100,4 +100,4 @@ TEST_F(DebugOverlays, AreQuietWhileABarcodeIsScannedOrNothingIsMeasured) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

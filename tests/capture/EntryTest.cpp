@@ -1,6 +1,6 @@
 #include "FlowTest.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 class Entry : public FlowTest {};
@@ -88,4 +88,4 @@ TEST(StateNames, AreThoseOfTheModes) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

@@ -31,7 +31,7 @@ void __wrap_TfLiteInterpreterOptionsSetNumThreads(TfLiteInterpreterOptions* opti
 }
 // NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
 
-namespace capture {
+namespace corvana::capture {
 
 struct FaceMatchDetectorProbe {
   static auto preprocess(const std::vector<std::uint8_t>& data) {
@@ -267,4 +267,4 @@ TEST(Scaling, GivesNothingWithoutRgbPixelsOrSize) {
 }
 
 }  // namespace
-}  // namespace capture
+}  // namespace corvana::capture

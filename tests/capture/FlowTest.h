@@ -15,7 +15,7 @@
 #include "support/TestImages.h"
 #include "support/TestWorld.h"
 
-namespace tests {
+namespace corvana::tests {
 
 using corvana::CaptureMode;
 using corvana::DetectedData;
@@ -115,4 +115,4 @@ class FlowTest : public testing::Test, protected corvana::DecisionObserver {
   std::vector<corvana::Decision> decisions;
 };
 
-}  // namespace tests
+}  // namespace corvana::tests

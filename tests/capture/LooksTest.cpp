@@ -2,7 +2,7 @@
 #include "capture/VideoCaptureViewController+SelfieCaptureDelegate.h"
 #include "corvana/Geometry.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 namespace colors = platform::colors;
@@ -119,4 +119,4 @@ TEST(Mirrored, ReflectsAboutTheVerticalCentreLine) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

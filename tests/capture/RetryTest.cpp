@@ -2,7 +2,7 @@
 
 #include "FlowTest.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 using platform::UIColor;
@@ -92,4 +92,4 @@ TEST_F(Retry, ScreenTakesItsLooksFromTheCaptureThatFailed) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

@@ -9,7 +9,7 @@
 #include "capture/NumberText.h"
 #include "capture/TextMatching.h"
 
-namespace capture {
+namespace corvana::capture {
 namespace {
 
 using Words = std::vector<std::string>;
@@ -129,4 +129,4 @@ TEST(Numbers, AreWrittenShortAndAlikeInEveryLocale) {
 }
 
 }  // namespace
-}  // namespace capture
+}  // namespace corvana::capture

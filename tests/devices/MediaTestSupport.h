@@ -15,7 +15,7 @@
 #include "support/Scratch.h"
 
 /// Made pictures and sound for films, and what films hold.
-namespace devices::test {
+namespace corvana::devices::test {
 
 using tests::bytesOf;
 using tests::ScratchFolder;
@@ -130,4 +130,4 @@ inline int run(const std::string& command) {
   return std::system(("exec " + command).c_str());
 }
 
-}  // namespace devices::test
+}  // namespace corvana::devices::test

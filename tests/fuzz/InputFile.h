@@ -8,7 +8,7 @@
 
 #include <unistd.h>
 
-namespace fuzz {
+namespace corvana::fuzz {
 
 /// The bytes of one try as a file in a folder that goes with it.
 class InputFile {
@@ -33,4 +33,4 @@ class InputFile {
   const std::filesystem::path path_;
 };
 
-}  // namespace fuzz
+}  // namespace corvana::fuzz

@@ -6,6 +6,8 @@
 #include "app/simulate/SimulateScript.h"
 
 /// Every JSON file that the program reads.
+namespace corvana {
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   {
     const fuzz::InputFile file("script.json", data, size);
@@ -22,3 +24,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   (void)app::verifyRun(file.path().parent_path());
   return 0;
 }
+
+}  // namespace corvana

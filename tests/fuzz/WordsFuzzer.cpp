@@ -5,6 +5,8 @@
 #include "capture/TextMatching.h"
 
 /// Bytes before and after the first zero: what was heard, and what was to be read.
+namespace corvana {
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string input(reinterpret_cast<const char*>(data), size);
   const std::size_t middle = input.find('\0');
@@ -15,3 +17,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   (void)capture::matchSpokenWords({capture::trimmed(heard), heard}, text);
   return 0;
 }
+
+}  // namespace corvana

@@ -8,6 +8,7 @@
 #include "platform/foundation/VirtualRunLoop.h"
 #include "platform/media/CaptureSession.h"
 
+namespace corvana::tests {
 namespace {
 
 /// A microphone whose session is stopped by someone else while it starts.
@@ -110,3 +111,4 @@ TEST(CaptureSession, DropsAndCountsWhatADelegateThatFellBehindCannotTake) {
 }
 
 }  // namespace
+}  // namespace corvana::tests

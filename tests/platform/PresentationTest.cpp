@@ -8,6 +8,7 @@
 #include "platform/uikit/Controls.h"
 #include "support/TestWorld.h"
 
+namespace corvana::tests {
 namespace {
 
 using platform::UIAlertController;
@@ -227,3 +228,4 @@ TEST_F(Presentation, AnAnimationShowsItsEndAtOnceButIsTouchedAndCompletesWhenItI
 }
 
 }  // namespace
+}  // namespace corvana::tests

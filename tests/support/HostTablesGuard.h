@@ -4,7 +4,7 @@
 #include "corvana/SelfieCapture.h"
 #include "corvana/VideoCapture.h"
 
-namespace tests {
+namespace corvana::tests {
 
 /// Gives the host's static tables back as they were, whatever a test wrote into them.
 class HostTablesGuard {
@@ -37,4 +37,4 @@ class HostTablesGuard {
   Restore<corvana::VideoCapture::Strings> strings_{corvana::VideoCapture::strings};
 };
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string>
 
-namespace tests {
+namespace corvana::tests {
 
 /// A folder of its own for each test, removed at the end.
 class ScratchFolder {
@@ -34,4 +34,4 @@ inline void writeBytes(const std::filesystem::path& file, const std::string& byt
   std::ofstream(file, std::ios::binary) << bytes;
 }
 
-}  // namespace tests
+}  // namespace corvana::tests

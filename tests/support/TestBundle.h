@@ -8,7 +8,7 @@
 
 #include "platform/foundation/Bundle.h"
 
-namespace tests {
+namespace corvana::tests {
 
 /// The module's resources in a folder, each of which a test can take away. Any image name gives a
 /// drawing, the same object each time.
@@ -46,4 +46,4 @@ class TestBundle final : public platform::Bundle {
   std::map<std::string, platform::UIImageRef> images_;
 };
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -7,7 +7,7 @@
 
 #include "devices/scripted/PatternFaces.h"
 
-namespace tests {
+namespace corvana::tests {
 
 /// A picture of one colour, 160×160.
 inline platform::UIImageRef flatImage(std::uint8_t red, std::uint8_t green, std::uint8_t blue) {
@@ -23,4 +23,4 @@ inline platform::UIImageRef faceImage(int person) {
   return devices::patternFace(person);
 }
 
-}  // namespace tests
+}  // namespace corvana::tests

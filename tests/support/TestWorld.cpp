@@ -5,7 +5,7 @@
 #include "devices/screen/ScreenHub.h"
 #include "devices/screen/ViewSearch.h"
 
-namespace tests {
+namespace corvana::tests {
 TestWorld::TestWorld()
     : bundle(CORVANA_TEST_RESOURCES,
              [this](platform::Environment& env,
@@ -73,4 +73,4 @@ bool TestWorld::isVisible(const std::string& name) {
   return devices::isInSight(findAny(name));
 }
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -14,7 +14,7 @@
 #include "support/HostTablesGuard.h"
 #include "support/TestBundle.h"
 
-namespace tests {
+namespace corvana::tests {
 
 /// Everything the module needs, on a virtual clock, with a scripted host and a screen whose every
 /// view a test can read and touch by its outlet's name.
@@ -100,4 +100,4 @@ class TestWorld {
   std::unique_ptr<platform::UIWindow> window_;
 };
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -12,7 +12,7 @@
 #include "Mrz.h"
 #include "Random.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 // All lengths below are millimetres on the card; `px` brings them into the picture.
@@ -189,4 +189,4 @@ cv::Mat CardArtist::back(const CardData& card) const {
   return withRoundedCorners(picture);
 }
 
-}  // namespace session
+}  // namespace corvana::session

@@ -6,7 +6,7 @@
 #include "Script.h"
 #include "Typeface.h"
 
-namespace session {
+namespace corvana::session {
 
 /// Draws the two sides of a fictitious identity card of the size ID-1 (85.60 × 53.98 mm, corners of
 /// 3.18 mm; ISO/IEC 7810). The pictures are RGBA, transparent outside the rounded corners.
@@ -36,4 +36,4 @@ class CardArtist {
   Typeface machine_;
 };
 
-}  // namespace session
+}  // namespace corvana::session

@@ -7,7 +7,7 @@
 #include "Ease.h"
 #include "Picture.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 constexpr double kComing = 1.2;          // seconds from out of view to in place
@@ -80,4 +80,4 @@ CardPose CardMotion::at(double seconds) const {
   return pose;
 }
 
-}  // namespace session
+}  // namespace corvana::session

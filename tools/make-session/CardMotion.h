@@ -7,7 +7,7 @@
 #include "Random.h"
 #include "Script.h"
 
-namespace session {
+namespace corvana::session {
 
 /// The card in the picture at one moment.
 struct CardPose {
@@ -41,4 +41,4 @@ class CardMotion {
   Wobble tremorX_, tremorY_, swayX_, swayY_, roll_, tiltX_, tiltY_;
 };
 
-}  // namespace session
+}  // namespace corvana::session

@@ -9,7 +9,7 @@
 
 #include "Ease.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 /// More pixels in the drawing than in the film, so that a tilted card stays sharp.
@@ -122,4 +122,4 @@ void CardView::draw(const CardPose& pose, cv::Mat& picture) const {
           1.0);
 }
 
-}  // namespace session
+}  // namespace corvana::session

@@ -4,7 +4,7 @@
 
 #include "CardMotion.h"
 
-namespace session {
+namespace corvana::session {
 
 /// Lays the card and the thumb that holds it over a picture.
 class CardView {
@@ -25,4 +25,4 @@ class CardView {
 void layOver(cv::Mat& picture, const cv::Mat& layer, const std::array<cv::Point2f, 4>& corners,
              double light);
 
-}  // namespace session
+}  // namespace corvana::session

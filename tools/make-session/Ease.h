@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace session {
+namespace corvana::session {
 
 /// 0 before `from`, 1 after `to`, in between a start and a stop without a jerk.
 inline double ease(double value, double from, double to) {
@@ -20,4 +20,4 @@ inline double mix(double a, double b, double share) {
   return a + (b - a) * share;
 }
 
-}  // namespace session
+}  // namespace corvana::session

@@ -9,7 +9,7 @@
 
 #include "Ease.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 using Indices = std::vector<std::size_t>;
@@ -157,4 +157,4 @@ void Expression::drawMouth(const cv::Mat& rest, cv::Mat& canvas, double open) co
   }
 }
 
-}  // namespace session
+}  // namespace corvana::session

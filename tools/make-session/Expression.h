@@ -7,7 +7,7 @@
 
 #include "engine/vision/FaceLandmarks.h"
 
-namespace session {
+namespace corvana::session {
 
 /// A line through points sorted from left to right, as a height over x; flat beyond its ends.
 class Contour {
@@ -52,4 +52,4 @@ class Expression {
   cv::Rect mouthArea_;
 };
 
-}  // namespace session
+}  // namespace corvana::session

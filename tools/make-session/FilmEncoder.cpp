@@ -11,7 +11,7 @@
 #include "devices/gstreamer/GstSupport.h"
 #include "devices/gstreamer/MediaElements.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 using devices::GstPtr;
@@ -107,4 +107,4 @@ Result<void> FilmEncoder::finish() {
   return {};
 }
 
-}  // namespace session
+}  // namespace corvana::session

@@ -8,7 +8,7 @@
 
 #include "Result.h"
 
-namespace session {
+namespace corvana::session {
 
 /// Writes the film: H.264 and AAC in MP4, its bytes fixed by what goes in. One thread.
 class FilmEncoder {
@@ -31,4 +31,4 @@ class FilmEncoder {
   std::unique_ptr<State> state_;
 };
 
-}  // namespace session
+}  // namespace corvana::session

@@ -6,7 +6,7 @@
 
 #include "Picture.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 constexpr double kNoise = 1.5;    // standard deviation in steps of 255
@@ -40,4 +40,4 @@ void Grain::add(cv::Mat luma, double seconds) {
   cv::min(luma, kWhite, luma);
 }
 
-}  // namespace session
+}  // namespace corvana::session

@@ -6,7 +6,7 @@
 
 #include "Random.h"
 
-namespace session {
+namespace corvana::session {
 
 /// What a phone's camera adds to a picture: noise and an exposure that drifts a little.
 class Grain {
@@ -23,4 +23,4 @@ class Grain {
   cv::Mat darker_;
 };
 
-}  // namespace session
+}  // namespace corvana::session

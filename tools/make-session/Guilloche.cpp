@@ -8,7 +8,7 @@
 #include "Ease.h"
 #include "Random.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 constexpr double kTurn = 6.283185307179586;
@@ -78,4 +78,4 @@ cv::Mat guilloche(cv::Size size, std::uint64_t seed) {
   return picture;
 }
 
-}  // namespace session
+}  // namespace corvana::session

@@ -8,7 +8,7 @@
 #include "Ease.h"
 #include "Picture.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 constexpr int kStep = 8;      // pixels between nodes
@@ -141,4 +141,4 @@ void HeadWarp::maps(const PersonPose& pose, cv::Point2f corner, cv::Mat& mapX,
   mapY = fine(picture).clone();
 }
 
-}  // namespace session
+}  // namespace corvana::session

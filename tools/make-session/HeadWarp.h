@@ -7,7 +7,7 @@
 #include "PersonMotion.h"
 #include "Portrait.h"
 
-namespace session {
+namespace corvana::session {
 
 /// Moves a still portrait as a head with depth: near points travel further than far ones. The head
 /// follows its pose as a rigid body, the surroundings less and less with the distance from it, so
@@ -37,4 +37,4 @@ class HeadWarp {
   std::vector<Node> nodes_;
 };
 
-}  // namespace session
+}  // namespace corvana::session

@@ -4,7 +4,7 @@
 
 #include <glib.h>
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 constexpr std::size_t kLineLength = 30;
@@ -81,4 +81,4 @@ std::array<std::string, 3> mrzLines(const CardData& card) {
   return {first, second, third};
 }
 
-}  // namespace session
+}  // namespace corvana::session

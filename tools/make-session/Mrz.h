@@ -6,7 +6,7 @@
 
 #include "Script.h"
 
-namespace session {
+namespace corvana::session {
 
 /// The check digit of a machine-readable zone: weights 7, 3, 1 modulo 10 over digits as they are,
 /// letters as 10 to 35 and the filler as 0 (ICAO Doc 9303, part 3).
@@ -16,4 +16,4 @@ char mrzCheckDigit(std::string_view characters);
 /// number longer than nine characters goes on in the optional data, as the standard says.
 std::array<std::string, 3> mrzLines(const CardData& card);
 
-}  // namespace session
+}  // namespace corvana::session

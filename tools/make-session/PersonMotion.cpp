@@ -6,7 +6,7 @@
 #include "Ease.h"
 #include "Picture.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 constexpr double kTurn = 6.283185307179586;
@@ -74,4 +74,4 @@ PersonPose PersonMotion::at(double seconds, double mouth) const {
   return pose;
 }
 
-}  // namespace session
+}  // namespace corvana::session

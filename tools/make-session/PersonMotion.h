@@ -6,7 +6,7 @@
 #include "Random.h"
 #include "Script.h"
 
-namespace session {
+namespace corvana::session {
 
 /// How the person is seen at one moment.
 struct PersonPose {
@@ -45,4 +45,4 @@ class PersonMotion {
   std::vector<double> blinks_;
 };
 
-}  // namespace session
+}  // namespace corvana::session

@@ -5,7 +5,7 @@
 #include "Picture.h"
 #include "Room.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 // The canvas holds what comes into view when the camera looks away from the person.
@@ -53,4 +53,4 @@ void PersonView::draw(const PersonPose& pose, cv::Mat& picture) {
   cv::remap(canvas_, picture, mapX_, mapY_, cv::INTER_LINEAR, cv::BORDER_REPLICATE);
 }
 
-}  // namespace session
+}  // namespace corvana::session

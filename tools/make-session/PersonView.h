@@ -8,7 +8,7 @@
 #include "Portrait.h"
 #include "Script.h"
 
-namespace session {
+namespace corvana::session {
 
 /// The person in a room, as the camera sees them. One thread.
 class PersonView {
@@ -34,4 +34,4 @@ class PersonView {
   cv::Mat mapX_, mapY_;
 };
 
-}  // namespace session
+}  // namespace corvana::session

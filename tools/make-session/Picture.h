@@ -1,6 +1,6 @@
 #pragma once
 
-namespace session {
+namespace corvana::session {
 
 /// The film's picture: a phone held upright.
 inline constexpr int kPictureWidth = 720;
@@ -8,4 +8,4 @@ inline constexpr int kPictureHeight = 1280;
 inline constexpr int kFramesPerSecond = 30;
 inline constexpr int kSoundRate = 48000;
 
-}  // namespace session
+}  // namespace corvana::session

@@ -10,7 +10,7 @@
 #include "devices/pictures/ImageFile.h"
 #include "platform/media/PixelBuffer.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 // Points of the 468-point face surface, numbered from the person's own sides.
@@ -71,4 +71,4 @@ cv::Mat passportPhoto(const Portrait& portrait, double aspect, int width) {
   return photo;
 }
 
-}  // namespace session
+}  // namespace corvana::session

@@ -8,7 +8,7 @@
 #include "engine/vision/FaceDetector.h"
 #include "engine/vision/FaceLandmarks.h"
 
-namespace session {
+namespace corvana::session {
 
 /// A picture of one person, and the surface of the face in it, in pixels of the picture.
 struct Portrait {
@@ -43,4 +43,4 @@ class PortraitReader {
 /// width over height, seven twelfths as wide as it.
 cv::Mat passportPhoto(const Portrait& portrait, double aspect, int width);
 
-}  // namespace session
+}  // namespace corvana::session

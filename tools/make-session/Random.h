@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <random>
 
-namespace session {
+namespace corvana::session {
 
 /// Reproducible numbers: the engine's sequence is fixed by the language, the distributions of the
 /// standard library are not, so they are made here.
@@ -60,4 +60,4 @@ class Wobble {
   std::array<double, kTerms> phases_{};
 };
 
-}  // namespace session
+}  // namespace corvana::session

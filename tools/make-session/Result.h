@@ -4,7 +4,7 @@
 
 #include <tl/expected.hpp>
 
-namespace session {
+namespace corvana::session {
 
 /// The error is one sentence for the user: what is wrong, where, what to do.
 template <typename T>
@@ -14,4 +14,4 @@ inline tl::unexpected<std::string> fault(std::string sentence) {
   return tl::unexpected<std::string>(std::move(sentence));
 }
 
-}  // namespace session
+}  // namespace corvana::session

@@ -7,7 +7,7 @@
 
 #include "Ease.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 constexpr int kCoarse = 8;  // what is blurred needs no more than an eighth of the pixels
@@ -70,4 +70,4 @@ cv::Mat setIntoRoom(const cv::Mat& portrait, double scale, cv::Point2d shift, cv
   return picture;
 }
 
-}  // namespace session
+}  // namespace corvana::session

@@ -2,7 +2,7 @@
 
 #include "ScriptReader.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 using std::filesystem::path;
@@ -139,4 +139,4 @@ std::vector<path> referencedFiles(const Script& script) {
   return files;
 }
 
-}  // namespace session
+}  // namespace corvana::session

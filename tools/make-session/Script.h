@@ -8,7 +8,7 @@
 
 #include "Result.h"
 
-namespace session {
+namespace corvana::session {
 
 /// Who stands before the camera. Lengths in pixels of the 720×1280 picture.
 struct PersonScript {
@@ -96,4 +96,4 @@ Result<Script> parseScript(const std::string& json, const std::filesystem::path&
 /// Every picture that the script names.
 std::vector<std::filesystem::path> referencedFiles(const Script& script);
 
-}  // namespace session
+}  // namespace corvana::session

@@ -8,7 +8,7 @@
 
 #include <glib.h>
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 const nlohmann::json kEmptyObject = nlohmann::json::object();
@@ -147,4 +147,4 @@ void ScriptReader::finish() {
     if (known_.count(item.key()) == 0) complain(item.key().c_str(), "is not a key of the script");
 }
 
-}  // namespace session
+}  // namespace corvana::session

@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-namespace session {
+namespace corvana::session {
 
 /// Reads the keys of one JSON object into fields and keeps the first complaint of the whole script.
 /// A key that is absent leaves its field alone; `finish` complains of a key that nobody asked for.
@@ -43,4 +43,4 @@ class ScriptReader {
   std::set<std::string> known_;
 };
 
-}  // namespace session
+}  // namespace corvana::session

@@ -10,7 +10,7 @@
 #include <glib.h>
 #include <unistd.h>
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 namespace fs = std::filesystem;
@@ -114,4 +114,4 @@ Result<std::string> sessionKey(const std::string& script, std::uint64_t seed,
   return digest.hex();
 }
 
-}  // namespace session
+}  // namespace corvana::session

@@ -6,7 +6,7 @@
 
 #include "Result.h"
 
-namespace session {
+namespace corvana::session {
 
 /// The files of a session.
 inline const std::vector<std::string> kSessionFiles = {"session.mp4", "front.png", "back.png",
@@ -36,4 +36,4 @@ class SessionCache {
 Result<std::string> sessionKey(const std::string& script, std::uint64_t seed,
                                const std::vector<std::filesystem::path>& files);
 
-}  // namespace session
+}  // namespace corvana::session

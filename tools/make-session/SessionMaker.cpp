@@ -25,7 +25,7 @@
 #include "devices/pictures/ImageFile.h"
 #include "platform/media/PixelBuffer.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 namespace fs = std::filesystem;
@@ -229,4 +229,4 @@ Result<void> makeSession(const Script& script, const fs::path& models, const fs:
   return Maker(script, std::move(*portraits), std::move(*artist)).make(folder, progress);
 }
 
-}  // namespace session
+}  // namespace corvana::session

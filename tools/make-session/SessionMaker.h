@@ -6,7 +6,7 @@
 #include "Result.h"
 #include "Script.h"
 
-namespace session {
+namespace corvana::session {
 
 /// Told the frames done and the frames in all.
 using Progress = std::function<void(std::size_t, std::size_t)>;
@@ -16,4 +16,4 @@ using Progress = std::function<void(std::size_t, std::size_t)>;
 Result<void> makeSession(const Script& script, const std::filesystem::path& models,
                          const std::filesystem::path& folder, const Progress& progress);
 
-}  // namespace session
+}  // namespace corvana::session

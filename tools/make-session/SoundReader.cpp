@@ -6,7 +6,7 @@
 
 #include "devices/gstreamer/GstSupport.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 using devices::GstPtr;
@@ -50,4 +50,4 @@ Result<std::vector<float>> readSound(const std::filesystem::path& file, int rate
                (complaint.empty() ? "" : " (" + complaint + ")") + ": give another file.");
 }
 
-}  // namespace session
+}  // namespace corvana::session

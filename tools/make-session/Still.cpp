@@ -8,7 +8,7 @@
 
 #include "CardView.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 const cv::Size kStill(1400, 1000);
@@ -87,4 +87,4 @@ cv::Mat photographed(const cv::Mat& card, Random& random) {
   return picture;
 }
 
-}  // namespace session
+}  // namespace corvana::session

@@ -4,10 +4,10 @@
 
 #include "Random.h"
 
-namespace session {
+namespace corvana::session {
 
 /// A photo of a card side (RGBA) lying on a table, as a person takes it: a little turned, not quite
 /// from above, with the table around it. RGB, 1400 pixels wide.
 cv::Mat photographed(const cv::Mat& card, Random& random);
 
-}  // namespace session
+}  // namespace corvana::session

@@ -11,7 +11,7 @@
 #include FT_OUTLINE_H
 #include <glib.h>
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 namespace fs = std::filesystem;
@@ -132,4 +132,4 @@ void Typeface::drawInCells(cv::Mat& picture, const std::string& text, cv::Point2
   }
 }
 
-}  // namespace session
+}  // namespace corvana::session

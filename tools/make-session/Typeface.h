@@ -8,7 +8,7 @@
 
 #include "Result.h"
 
-namespace session {
+namespace corvana::session {
 
 /// Letters of one font file, drawn with soft edges at any size and position.
 class Typeface {
@@ -34,4 +34,4 @@ class Typeface {
   std::shared_ptr<Face> face_;
 };
 
-}  // namespace session
+}  // namespace corvana::session

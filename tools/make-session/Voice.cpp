@@ -14,7 +14,7 @@
 #include "Picture.h"
 #include "SoundReader.h"
 
-namespace session {
+namespace corvana::session {
 namespace {
 
 constexpr float kQuiet = 0.004F;  // below this a synthetic voice is silent
@@ -143,4 +143,4 @@ std::vector<double> mouthOpening(const std::vector<float>& sound, std::size_t fr
   return opening;
 }
 
-}  // namespace session
+}  // namespace corvana::session

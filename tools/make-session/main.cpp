@@ -14,6 +14,7 @@
 #include "SessionCache.h"
 #include "SessionMaker.h"
 
+namespace corvana {
 namespace {
 
 namespace fs = std::filesystem;
@@ -92,10 +93,11 @@ int makeSession(int argc, char** argv) {
 }
 
 }  // namespace
+}  // namespace corvana
 
 int main(int argc, char** argv) {
   try {
-    return makeSession(argc, argv);
+    return corvana::makeSession(argc, argv);
   } catch (const std::exception& error) {
     std::cerr << "make-session: an unexpected fault: " << error.what() << '\n';
     return 1;

@@ -11,7 +11,7 @@
 #include "engine/recorder/LateFrameAnalyzer.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
@@ -199,4 +199,4 @@ void addCaptureCommand(CLI::App& app, ExitCode& exitCode) {
   });
 }
 
-}  // namespace app
+}  // namespace corvana::app

@@ -4,10 +4,10 @@
 
 #include "app/commands/ExitCode.h"
 
-namespace app {
+namespace corvana::app {
 
 /// `videoid capture`: one video identification, from a reference and a camera to a judged film.
 /// Result as JSON on standard output, progress on standard error. `exitCode` is set when it runs.
 void addCaptureCommand(CLI::App& app, ExitCode& exitCode);
 
-}  // namespace app
+}  // namespace corvana::app

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 void addCameraOptions(CLI::App& command, CameraChoice& choice) {
@@ -157,4 +157,4 @@ void addCaptureOptions(CLI::App& command, CaptureArguments& arguments) {
                    "keep the films of runs that were retried, as film.run1.mp4 and so on");
 }
 
-}  // namespace app
+}  // namespace corvana::app

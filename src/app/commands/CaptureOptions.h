@@ -4,9 +4,9 @@
 
 #include "app/run/CaptureArguments.h"
 
-namespace app {
+namespace corvana::app {
 
 /// Adds what `videoid capture` can be told; `arguments` is filled when the command line is read.
 void addCaptureOptions(CLI::App& command, CaptureArguments& arguments);
 
-}  // namespace app
+}  // namespace corvana::app

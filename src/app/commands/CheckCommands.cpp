@@ -6,7 +6,7 @@
 #include "app/run/RunRecord.h"
 #include "app/settings/OptionTable.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
@@ -77,4 +77,4 @@ void addOptionsCommand(CLI::App& app, ExitCode& exitCode) {
   command.callback([&exitCode] { exitCode = runOptions(); });
 }
 
-}  // namespace app
+}  // namespace corvana::app

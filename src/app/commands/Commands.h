@@ -5,7 +5,7 @@
 #include "app/commands/ExitCode.h"
 
 /// The small commands; each sets `exitCode` when it runs.
-namespace app {
+namespace corvana::app {
 
 /// `videoid enroll`: an earlier capture of a card, read into a reference.
 void addEnrollCommand(CLI::App& app, ExitCode& exitCode);
@@ -18,4 +18,4 @@ void addDoctorCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid options`: every key with unit, default and meaning.
 void addOptionsCommand(CLI::App& app, ExitCode& exitCode);
 
-}  // namespace app
+}  // namespace corvana::app

@@ -11,7 +11,7 @@
 #include "app/commands/Commands.h"
 #include "devices/live/DeviceCatalog.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 using devices::DeviceInfo;
@@ -124,4 +124,4 @@ void addDevicesCommand(CLI::App& app, ExitCode& exitCode) {
   });
 }
 
-}  // namespace app
+}  // namespace corvana::app

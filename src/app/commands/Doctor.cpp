@@ -13,7 +13,7 @@
 #include "engine/vision/FaceLandmarks.h"
 #include "engine/vision/TfliteModel.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
@@ -127,4 +127,4 @@ std::string lacks(const std::vector<Finding>& findings) {
   return sentence;
 }
 
-}  // namespace app
+}  // namespace corvana::app

@@ -9,7 +9,7 @@
 #include "app/run/Resources.h"
 #include "platform/media/CaptureDevice.h"
 
-namespace app {
+namespace corvana::app {
 
 /// One thing that the program needs of the machine.
 struct Finding {
@@ -37,4 +37,4 @@ std::uintmax_t bytesNeeded(const platform::AVCaptureDevice* camera, double secon
 /// The cures of all that is wrong, in one sentence; empty when nothing is.
 std::string lacks(const std::vector<Finding>& findings);
 
-}  // namespace app
+}  // namespace corvana::app

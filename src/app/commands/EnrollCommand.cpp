@@ -7,7 +7,7 @@
 #include "devices/pictures/ImageFile.h"
 #include "engine/document/DocumentAnalyzer.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
@@ -122,4 +122,4 @@ void addEnrollCommand(CLI::App& app, ExitCode& exitCode) {
   command.callback([arguments, &exitCode] { exitCode = runEnroll(*arguments); });
 }
 
-}  // namespace app
+}  // namespace corvana::app

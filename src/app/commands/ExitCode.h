@@ -3,7 +3,7 @@
 #include <ostream>
 #include <string_view>
 
-namespace app {
+namespace corvana::app {
 
 /// What the program tells its caller.
 enum class ExitCode : int {
@@ -19,4 +19,4 @@ inline ExitCode complain(std::ostream& err, ExitCode code, std::string_view sent
   return code;
 }
 
-}  // namespace app
+}  // namespace corvana::app

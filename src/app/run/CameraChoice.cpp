@@ -9,7 +9,7 @@
 #include "devices/live/LiveFile.h"
 #include "devices/recorded/MediaFile.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
@@ -129,4 +129,4 @@ Expected<MediaOpener> chooseMedia(const CameraChoice& choice, devices::VideoCode
   };
 }
 
-}  // namespace app
+}  // namespace corvana::app

@@ -11,7 +11,7 @@
 #include "devices/live/LiveDevices.h"
 #include "platform/foundation/RunLoop.h"
 
-namespace app {
+namespace corvana::app {
 
 /// Which camera and microphone a run is to use.
 struct CameraChoice {
@@ -33,4 +33,4 @@ using MediaOpener =
 /// user's to mend.
 Expected<MediaOpener> chooseMedia(const CameraChoice& choice, devices::VideoCodecChoice codec);
 
-}  // namespace app
+}  // namespace corvana::app

@@ -10,7 +10,7 @@
 #include "devices/gstreamer/MediaElements.h"
 #include "devices/headless/HeadlessPerson.h"
 
-namespace app {
+namespace corvana::app {
 
 /// A flow may take so long, unless it is told otherwise.
 inline constexpr double kUsualLimitSeconds = 600;
@@ -38,4 +38,4 @@ struct CaptureArguments {
   bool keepFailedRuns = false;  ///< the films of runs that were retried
 };
 
-}  // namespace app
+}  // namespace corvana::app

@@ -6,7 +6,7 @@
 #include "capture/ControllerFactories.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 using devices::FlowEvent;
@@ -193,4 +193,4 @@ RunRecord CaptureFlow::run() {
   return record;
 }
 
-}  // namespace app
+}  // namespace corvana::app

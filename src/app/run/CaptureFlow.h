@@ -20,7 +20,7 @@
 #include "engine/recorder/EngineHost.h"
 #include "platform/Environment.h"
 
-namespace app {
+namespace corvana::app {
 
 /// The world of one run, from the entry to the closed film. While it lives, SIGINT and SIGTERM
 /// cancel it. Main thread; used once.
@@ -86,4 +86,4 @@ class CaptureFlow final : private corvana::DecisionObserver {
   std::unique_ptr<platform::UIWindow> window_;
 };
 
-}  // namespace app
+}  // namespace corvana::app

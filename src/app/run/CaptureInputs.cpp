@@ -5,7 +5,7 @@
 
 #include "app/settings/OptionTable.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
@@ -87,4 +87,4 @@ Expected<CaptureInputs> checkInputs(const CaptureArguments& arguments) {
   return inputs;
 }
 
-}  // namespace app
+}  // namespace corvana::app

@@ -8,7 +8,7 @@
 #include "app/run/Files.h"
 #include "app/run/Reference.h"
 
-namespace app {
+namespace corvana::app {
 
 /// All that a run is given, checked before anything is recorded.
 struct CaptureInputs {
@@ -24,4 +24,4 @@ Expected<CaptureInputs> checkInputs(const CaptureArguments& arguments);
 /// Longer than anyone reads aloud in ten minutes.
 inline constexpr std::size_t kMostTextBytes = 8000;
 
-}  // namespace app
+}  // namespace corvana::app

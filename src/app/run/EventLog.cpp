@@ -9,7 +9,7 @@
 
 #include "devices/film/FilmFault.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 using nlohmann::ordered_json;
@@ -107,4 +107,4 @@ void EventLog::decided(const corvana::Decision& decision) {
   add("decision", fields);
 }
 
-}  // namespace app
+}  // namespace corvana::app

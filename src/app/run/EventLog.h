@@ -13,7 +13,7 @@
 #include "platform/foundation/Fault.h"
 #include "platform/foundation/RunLoop.h"
 
-namespace app {
+namespace corvana::app {
 
 /// events.jsonl of a run: one JSON object a line, with the time since the start in seconds. Each
 /// line reaches the file at once, so that a crash loses none. A line that can't be written is told,
@@ -47,4 +47,4 @@ class EventLog final : public engine::RecorderObserver {
   int retries_ = 0;
 };
 
-}  // namespace app
+}  // namespace corvana::app

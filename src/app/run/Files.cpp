@@ -11,7 +11,7 @@
 
 #include "devices/system/DiskSync.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
@@ -154,4 +154,4 @@ Expected<void> putOnDisk(const fs::path& folder) {
   return sync(folder);
 }
 
-}  // namespace app
+}  // namespace corvana::app

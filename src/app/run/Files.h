@@ -8,7 +8,7 @@
 #include <tl/expected.hpp>
 
 /// Files and folders with errors of one sentence: what, where, what to do.
-namespace app {
+namespace corvana::app {
 
 template <class T>
 using Expected = tl::expected<T, std::string>;
@@ -35,4 +35,4 @@ Expected<void> makeEmptyFolder(const std::filesystem::path& path);
 /// leaves them as they are.
 Expected<void> putOnDisk(const std::filesystem::path& folder);
 
-}  // namespace app
+}  // namespace corvana::app

@@ -4,7 +4,7 @@
 
 #include "app/run/RunRecord.h"
 
-namespace app {
+namespace corvana::app {
 
 /// How a flow ended: by the module's completion, or because the world around it did.
 class FlowEnd {
@@ -22,4 +22,4 @@ class FlowEnd {
   std::optional<Outcome> outcome_;
 };
 
-}  // namespace app
+}  // namespace corvana::app

@@ -3,11 +3,11 @@
 #include "devices/system/RealRunLoop.h"
 #include "platform/foundation/VirtualRunLoop.h"
 
-namespace app {
+namespace corvana::app {
 
 std::unique_ptr<platform::DrivenLoop> makeLoop(TimeKind kind) {
   if (kind == TimeKind::real) return std::make_unique<devices::RealRunLoop>();
   return std::make_unique<platform::VirtualRunLoop>();
 }
 
-}  // namespace app
+}  // namespace corvana::app

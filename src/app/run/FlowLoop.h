@@ -4,7 +4,7 @@
 
 #include "platform/foundation/DrivenLoop.h"
 
-namespace app {
+namespace corvana::app {
 
 /// Whose time a run lives in: that of the recording, as fast as the machine can, or the wall
 /// clock's.
@@ -13,4 +13,4 @@ enum class TimeKind { media, real };
 /// The loop of a run without a window.
 std::unique_ptr<platform::DrivenLoop> makeLoop(TimeKind kind);
 
-}  // namespace app
+}  // namespace corvana::app

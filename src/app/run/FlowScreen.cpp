@@ -3,7 +3,7 @@
 #include "devices/headless/HeadlessStoryboard.h"
 #include "devices/headless/SceneLayout.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 class HeadlessScreen final : public FlowScreen {
@@ -21,4 +21,4 @@ std::unique_ptr<FlowScreen> makeHeadlessScreen(platform::RunLoop&) {
   return std::make_unique<HeadlessScreen>();
 }
 
-}  // namespace app
+}  // namespace corvana::app

@@ -14,7 +14,7 @@
 #include "platform/media/SystemSounds.h"
 #include "platform/uikit/Animations.h"
 
-namespace app {
+namespace corvana::app {
 
 /// What shows a flow to its user. Outlives the flow; main queue.
 class FlowScreen {
@@ -65,4 +65,4 @@ std::unique_ptr<FlowScreen> makePictureScreen(platform::RunLoop& loop, const Win
 /// There is a display, or a platform was named.
 bool windowIsPossible();
 
-}  // namespace app
+}  // namespace corvana::app

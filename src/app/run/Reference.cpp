@@ -2,7 +2,7 @@
 
 #include "devices/pictures/ImageFile.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
@@ -179,4 +179,4 @@ Expected<Reference> loadReference(const fs::path& folder) {
   }
 }
 
-}  // namespace app
+}  // namespace corvana::app

@@ -6,7 +6,7 @@
 #include "app/run/Files.h"
 #include "corvana/DetectedData.h"
 
-namespace app {
+namespace corvana::app {
 
 /// An earlier capture of a card, kept in a folder: reference.json and the pictures that it names.
 /// docs/reference.schema.json gives its shape.
@@ -23,4 +23,4 @@ Expected<void> saveReference(const Reference& reference, const std::filesystem::
 /// Refuses other shapes, other versions, missing pictures, and names that lead out of the folder.
 Expected<Reference> loadReference(const std::filesystem::path& folder);
 
-}  // namespace app
+}  // namespace corvana::app

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <system_error>
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
@@ -25,4 +25,4 @@ Resources findResources() {
           source / "src/devices/qtquick/qml"};
 }
 
-}  // namespace app
+}  // namespace corvana::app

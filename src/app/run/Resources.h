@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace app {
+namespace corvana::app {
 
 /// Where the program's resources lie.
 struct Resources {
@@ -27,4 +27,4 @@ struct Resources {
 /// one beside the program, else the source tree that the program was built from.
 Resources findResources();
 
-}  // namespace app
+}  // namespace corvana::app

@@ -4,7 +4,7 @@
 #include "app/settings/OptionTable.h"
 #include "devices/pictures/ImageFile.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
@@ -148,4 +148,4 @@ Expected<std::vector<std::string>> verifyRun(const fs::path& folder) {
   return names;
 }
 
-}  // namespace app
+}  // namespace corvana::app

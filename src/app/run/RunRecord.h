@@ -16,7 +16,7 @@
 #include "devices/film/MediaSource.h"
 #include "platform/media/AssetWriter.h"
 
-namespace app {
+namespace corvana::app {
 
 using Outcome = tl::expected<capture::VideoIdResult, corvana::IDError>;
 
@@ -65,4 +65,4 @@ WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources
 /// that are as they were. The error names the first that differs or is missing.
 Expected<std::vector<std::string>> verifyRun(const std::filesystem::path& folder);
 
-}  // namespace app
+}  // namespace corvana::app

@@ -7,7 +7,7 @@
 #include "platform/media/CaptureDevice.h"
 #include "platform/media/Speech.h"
 
-namespace app {
+namespace corvana::app {
 
 /// The camera and microphone of a run as the machine's; who starts the program has allowed their
 /// use.
@@ -39,4 +39,4 @@ class LocalSpeechAuthorization final : public platform::SpeechAuthorization {
   }
 };
 
-}  // namespace app
+}  // namespace corvana::app

@@ -10,7 +10,7 @@
 #include "devices/qtquick/QtScreen.h"
 #include "devices/screen/SpokenHints.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 struct ApplicationHolder {
@@ -112,4 +112,4 @@ std::unique_ptr<FlowScreen> makePictureScreen(platform::RunLoop& loop, const Win
   return made;
 }
 
-}  // namespace app
+}  // namespace corvana::app

@@ -11,7 +11,7 @@
 #include "corvana/VideoCapture.h"
 #include "devices/pictures/ImageFile.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
@@ -269,4 +269,4 @@ std::vector<TextEntry> translatableTexts(WindowLooks& looks) {
   return texts;
 }
 
-}  // namespace app
+}  // namespace corvana::app

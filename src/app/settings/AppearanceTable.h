@@ -11,7 +11,7 @@
 #include "app/run/Files.h"
 #include "app/run/Resources.h"
 
-namespace app {
+namespace corvana::app {
 
 /// What only a window knows of its looks; the rest are the host's tables.
 struct WindowLooks {
@@ -47,4 +47,4 @@ struct TextEntry {
 /// fixed.
 std::vector<TextEntry> translatableTexts(WindowLooks& looks);
 
-}  // namespace app
+}  // namespace corvana::app

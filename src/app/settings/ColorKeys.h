@@ -6,7 +6,7 @@
 
 #include "corvana/Appearance.h"
 
-namespace app {
+namespace corvana::app {
 
 using ColorField = std::optional<platform::UIColor> corvana::Colors::*;
 
@@ -22,4 +22,4 @@ inline constexpr std::array<std::pair<const char*, ColorField>, 9> kColorKeys{
      {"retryScreenButtonTextColor", &corvana::Colors::retryScreenButtonTextColor},
      {"retryScreenButtonBackgroundColor", &corvana::Colors::retryScreenButtonBackgroundColor}}};
 
-}  // namespace app
+}  // namespace corvana::app

@@ -11,7 +11,7 @@
 #include "corvana/SelfieCapture.h"
 #include "corvana/VideoCapture.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 using corvana::IDCapture;
@@ -159,4 +159,4 @@ json currentOptions() {
   return object;
 }
 
-}  // namespace app
+}  // namespace corvana::app

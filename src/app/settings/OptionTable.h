@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <tl/expected.hpp>
 
-namespace app {
+namespace corvana::app {
 
 /// Every tunable of the host's tables, by key: one row each for reading, writing and describing it.
 /// The tables are static: written before the entry, by one writer.
@@ -28,4 +28,4 @@ tl::expected<void, std::string> applyOptions(const nlohmann::json& object);
 /// {key: value} of all options, for the record of a run.
 nlohmann::json currentOptions();
 
-}  // namespace app
+}  // namespace corvana::app

@@ -11,7 +11,7 @@
 #include "app/simulate/Simulation.h"
 #include "corvana/VideoCapture.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
@@ -123,4 +123,4 @@ void addScreensCommand(CLI::App& app, ExitCode& exitCode) {
   });
 }
 
-}  // namespace app
+}  // namespace corvana::app

@@ -12,7 +12,7 @@
 #include "app/run/Resources.h"
 #include "platform/geometry/Geometry.h"
 
-namespace app {
+namespace corvana::app {
 
 struct ScreensOptions {
   std::filesystem::path folder;  ///< where the pictures go
@@ -30,4 +30,4 @@ ExitCode runScreens(const ScreensOptions& options, std::ostream& out, std::ostre
 /// `videoid screens`; sets `exitCode` when it runs.
 void addScreensCommand(CLI::App& app, ExitCode& exitCode);
 
-}  // namespace app
+}  // namespace corvana::app

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <utility>
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 using nlohmann::json;
@@ -117,4 +117,4 @@ void ScriptObject::refuseOtherKeys() const {
   }
 }
 
-}  // namespace app
+}  // namespace corvana::app

@@ -11,7 +11,7 @@
 
 #include <nlohmann/json.hpp>
 
-namespace app {
+namespace corvana::app {
 
 /// What is wrong with a script: thrown while it is read, caught where it is loaded.
 struct ScriptFault {
@@ -61,4 +61,4 @@ class ScriptObject {
   std::set<std::string> asked_;
 };
 
-}  // namespace app
+}  // namespace corvana::app

@@ -11,7 +11,7 @@
 #include "corvana/IDCapture.h"
 #include "corvana/SelfieCapture.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 template <class Capture>
@@ -54,4 +54,4 @@ void addSimulateCommand(CLI::App& app, ExitCode& exitCode) {
   });
 }
 
-}  // namespace app
+}  // namespace corvana::app

@@ -7,7 +7,7 @@
 
 #include "app/commands/ExitCode.h"
 
-namespace app {
+namespace corvana::app {
 
 struct SimulateOptions {
   std::filesystem::path script;
@@ -22,4 +22,4 @@ ExitCode runSimulate(const SimulateOptions& options, std::ostream& out, std::ost
 /// `videoid simulate`; sets `exitCode` when it runs.
 void addSimulateCommand(CLI::App& app, ExitCode& exitCode);
 
-}  // namespace app
+}  // namespace corvana::app

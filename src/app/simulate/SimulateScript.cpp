@@ -15,7 +15,7 @@
 #include "devices/pictures/ImageFile.h"
 #include "devices/scripted/PatternFaces.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
@@ -351,4 +351,4 @@ tl::expected<SimulateScript, std::string> loadSimulateScript(const fs::path& pat
   }
 }
 
-}  // namespace app
+}  // namespace corvana::app

@@ -16,7 +16,7 @@
 #include "platform/media/CaptureDevice.h"
 #include "platform/media/Speech.h"
 
-namespace app {
+namespace corvana::app {
 
 /// What happens at one moment of a simulation.
 namespace steps {
@@ -88,4 +88,4 @@ struct SimulateScript {
 /// key or the byte.
 tl::expected<SimulateScript, std::string> loadSimulateScript(const std::filesystem::path& path);
 
-}  // namespace app
+}  // namespace corvana::app

@@ -11,7 +11,7 @@
 #include "platform/uikit/Controls.h"
 #include "platform/uikit/UIViewController.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 using devices::findView;
@@ -266,4 +266,4 @@ void SimulateWatch::lookAtScreen(UIView& root) {
   }
 }
 
-}  // namespace app
+}  // namespace corvana::app

@@ -8,7 +8,7 @@
 #include "platform/uikit/Animations.h"
 #include "platform/uikit/UIView.h"
 
-namespace app {
+namespace corvana::app {
 
 /// Prints a line for each thing that changes on the screens of the module, with its colours, and on
 /// the gauges beside them. Changes of one instant are seen together; nothing is told of a screen
@@ -49,4 +49,4 @@ class SimulateWatch final : public devices::ScreenReader, public platform::Anima
 /// Fixed decimals in any locale.
 std::string fixedDecimals(double value, int decimals);
 
-}  // namespace app
+}  // namespace corvana::app

@@ -7,7 +7,7 @@
 #include "devices/screen/ViewSearch.h"
 #include "platform/uikit/Controls.h"
 
-namespace app {
+namespace corvana::app {
 namespace {
 
 using devices::HostEvent;
@@ -229,4 +229,4 @@ tl::expected<std::optional<Outcome>, std::string> Simulation::run() {
   return end_.outcome();
 }
 
-}  // namespace app
+}  // namespace corvana::app

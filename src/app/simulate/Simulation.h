@@ -21,7 +21,7 @@
 #include "platform/foundation/VirtualRunLoop.h"
 #include "platform/uikit/UIViewController.h"
 
-namespace app {
+namespace corvana::app {
 
 /// One run of a script: the real module before a scripted host, on a virtual clock. Prints a line
 /// for each thing that the user sees and hears, the recorder is asked and the caller gets.
@@ -81,4 +81,4 @@ class Simulation final : public corvana::DecisionObserver {
   std::size_t breachesPrinted_ = 0;
 };
 
-}  // namespace app
+}  // namespace corvana::app

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 /// Enough for buffers that overlap the first frame; older ones lie before the film.
@@ -92,4 +92,4 @@ std::vector<std::int16_t> AudioTimeline::takeRest(std::int64_t frames) {
   return out;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -7,7 +7,7 @@
 
 #include "platform/media/SampleBuffer.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// The film's sound track before it is encoded: microphone buffers are laid on the film's time line
 /// by their presentation time, to the sample, and digital silence stands wherever there is none.
@@ -68,4 +68,4 @@ class AudioTimeline {
   bool heard_ = false;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <system_error>
 
-namespace devices {
+namespace corvana::devices {
 
 using platform::FaultCause;
 
@@ -39,4 +39,4 @@ FaultCause fileFaultCause(int error) {
   return isFull ? FaultCause::diskFull : FaultCause::folderLost;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -5,7 +5,7 @@
 
 #include "platform/foundation/Fault.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Why a film can't be `done` ("created", "encoded"), and the cure that its cause has. Says that
 /// what was recorded plays where there is something. Any thread.
@@ -15,4 +15,4 @@ platform::Fault filmFault(const std::filesystem::path& film, const std::string& 
 /// What an `errno` of a call for a file comes from.
 platform::FaultCause fileFaultCause(int error);
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -12,7 +12,7 @@
 #include "devices/film/FilmFault.h"
 #include "devices/system/DiskSync.h"
 
-namespace devices {
+namespace corvana::devices {
 
 using platform::Fault;
 using platform::FaultCause;
@@ -85,4 +85,4 @@ tl::expected<void, Fault> syncFolderOf(const std::filesystem::path& path) {
   return tl::unexpected(faultOf(path, "named on the disk", error.value()));
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

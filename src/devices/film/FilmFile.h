@@ -11,7 +11,7 @@
 #include "platform/foundation/Fault.h"
 #include "platform/foundation/RunLoop.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// A new file that only grows, readable by its owner only. What was written to it is put on the
 /// disk while it grows, so that a power loss, too, leaves its beginning. Any thread.
@@ -54,4 +54,4 @@ class FilmFile final : public std::enable_shared_from_this<FilmFile> {
 /// after a power loss otherwise.
 tl::expected<void, platform::Fault> syncFolderOf(const std::filesystem::path& path);
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -14,7 +14,7 @@
 #include "devices/film/FilmSettings.h"
 #include "devices/gstreamer/GstPicture.h"
 
-namespace devices {
+namespace corvana::devices {
 
 using platform::Fault;
 using platform::FaultCause;
@@ -244,4 +244,4 @@ std::optional<Fault> FilmPipeline::error() const {
   return state_->error;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

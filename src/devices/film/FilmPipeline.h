@@ -15,7 +15,7 @@
 #include "platform/foundation/Time.h"
 #include "platform/media/PixelBuffer.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Encoders and muxer of one film. The file only grows, by a whole fragment every half second of
 /// film, so that any beginning of it plays. One thread at a time.
@@ -56,4 +56,4 @@ class FilmPipeline {
   GstPtr<GstCaps> pictureCaps_;  ///< of the last picture
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -8,7 +8,7 @@
 #include "devices/film/Mp4Dates.h"
 #include "devices/gstreamer/GstSupport.h"
 
-namespace devices {
+namespace corvana::devices {
 
 using platform::FaultCause;
 using Result = tl::expected<void, platform::Fault>;
@@ -117,4 +117,4 @@ Result remuxFilm(const std::filesystem::path& film, const CreationTime& created)
       });
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -8,7 +8,7 @@
 #include "devices/gstreamer/GstSupport.h"
 #include "platform/foundation/Fault.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Gives a muxer's video track (`video_0`) the usual clock of video, in which every common frame
 /// rate comes out exact.
@@ -24,4 +24,4 @@ inline void setVideoTimescale(GstElement* mux) {
 tl::expected<void, platform::Fault> remuxFilm(const std::filesystem::path& film,
                                               const CreationTime& created);
 
-}  // namespace devices
+}  // namespace corvana::devices

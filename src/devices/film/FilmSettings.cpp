@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <any>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 using platform::WriterSettings;
@@ -173,4 +173,4 @@ tl::expected<FilmFormat, std::string> filmFormat(const std::optional<WriterSetti
   return format;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

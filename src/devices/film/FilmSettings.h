@@ -9,7 +9,7 @@
 #include "platform/media/WriterSettings.h"
 
 /// Writer settings as devices recommend them and films obey them.
-namespace devices {
+namespace corvana::devices {
 
 /// The size without an odd last row or column, for which chroma at half size leaves no room.
 constexpr int even(int size) {
@@ -55,4 +55,4 @@ tl::expected<FilmFormat, std::string> filmFormat(
     const std::optional<platform::WriterSettings>& video,
     const std::optional<platform::WriterSettings>& audio);
 
-}  // namespace devices
+}  // namespace corvana::devices

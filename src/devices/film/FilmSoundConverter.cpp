@@ -7,7 +7,7 @@
 
 #include "devices/gstreamer/GstSupport.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 constexpr int kLeastRate = 4000;
@@ -79,4 +79,4 @@ platform::CMSampleBufferRef FilmSoundConverter::convert(const platform::CMSample
   return converted;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

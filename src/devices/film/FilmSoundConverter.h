@@ -5,7 +5,7 @@
 
 #include "platform/media/SampleBuffer.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Brings microphone buffers of any usual rate into a film's form, should the microphone change
 /// its own. Buffers that have that form already pass untouched. Not thread safe.
@@ -26,4 +26,4 @@ class FilmSoundConverter {
   std::unique_ptr<Run> run_;  ///< the buffers of one form that come now
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -7,7 +7,7 @@
 #include "devices/film/FilmPipeline.h"
 #include "devices/film/FilmRemux.h"
 
-namespace devices {
+namespace corvana::devices {
 
 using platform::Fault;
 using platform::FaultCause;
@@ -230,4 +230,4 @@ tl::expected<std::shared_ptr<platform::AssetWriter>, Fault> FilmWriterFactory::m
   return std::make_shared<FilmWriter>(loop_, std::move(*format), std::move(*file), wallClock_);
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

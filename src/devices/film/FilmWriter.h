@@ -16,7 +16,7 @@
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/AssetWriter.h"
 
-namespace devices {
+namespace corvana::devices {
 
 class FilmPipeline;
 
@@ -97,4 +97,4 @@ class FilmWriterFactory final : public platform::AssetWriterFactory {
   const std::shared_ptr<platform::DispatchQueue> diskQueue_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

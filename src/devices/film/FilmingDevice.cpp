@@ -2,7 +2,7 @@
 
 #include "devices/film/FilmSettings.h"
 
-namespace devices {
+namespace corvana::devices {
 
 std::vector<platform::AVVideoCodecType> FilmingCamera::availableVideoCodecTypes(
     const platform::AVFileType& fileType) const {
@@ -26,4 +26,4 @@ bool FilmingMicrophone::recommendedAudioSettings(const platform::AVFileType& fil
   return true;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

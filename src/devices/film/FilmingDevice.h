@@ -7,7 +7,7 @@
 
 /// What the cameras and microphones of this folder, live or recorded, say of the films that can be
 /// made of what they deliver.
-namespace devices {
+namespace corvana::devices {
 
 class FilmingCamera : public platform::AVCaptureDevice {
  public:
@@ -38,4 +38,4 @@ class FilmingMicrophone : public platform::AVCaptureDevice {
                                 platform::WriterSettings& settings) const final;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

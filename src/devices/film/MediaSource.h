@@ -7,7 +7,7 @@
 #include "platform/foundation/Fault.h"
 #include "platform/media/CaptureDevice.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// The camera and the microphone of one run, in step with each other: a recorded file or live
 /// devices. The reports are set before the camera starts and come on the main queue.
@@ -34,4 +34,4 @@ class MediaSource {
   std::function<void(std::string)> onWarning;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

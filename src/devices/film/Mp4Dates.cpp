@@ -6,7 +6,7 @@
 #include <limits>
 #include <string>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 struct Box {
@@ -102,4 +102,4 @@ bool setDates(const std::filesystem::path& path, const CreationTime& date) {
   return Mp4File(path).setDates(date ? mp4Date(*date) : 0);
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -5,7 +5,7 @@
 #include <functional>
 #include <optional>
 
-namespace devices {
+namespace corvana::devices {
 
 /// When a film was begun (UTC, to the second); absent where time is virtual.
 using CreationTime = std::optional<std::chrono::system_clock::time_point>;
@@ -17,4 +17,4 @@ using WallClock = std::function<CreationTime()>;
 /// written.
 bool setDates(const std::filesystem::path& path, const CreationTime& date);
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 GstVideoFormat videoFormat(platform::PixelFormat format) {
@@ -79,4 +79,4 @@ platform::PixelBufferRef copyPicture(GstSample* sample, platform::PixelFormat fo
   return std::make_shared<platform::PixelBuffer>(width, height, format, std::move(bytes));
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

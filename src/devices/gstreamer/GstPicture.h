@@ -6,7 +6,7 @@
 #include "platform/media/PixelBuffer.h"
 
 /// Pictures on their way into and out of GStreamer; private to this folder. Any thread.
-namespace devices {
+namespace corvana::devices {
 
 /// The caps of a picture with square pixels, of which the left upper part of this size is used.
 GstPtr<GstCaps> pictureCaps(platform::PixelFormat format, int width, int height,
@@ -20,4 +20,4 @@ GstPtr<GstBuffer> wrapPicture(const platform::PixelBuffer& image, int width, int
 /// A copy of the picture in the sample; null when that holds none of the format.
 platform::PixelBufferRef copyPicture(GstSample* sample, platform::PixelFormat format);
 
-}  // namespace devices
+}  // namespace corvana::devices

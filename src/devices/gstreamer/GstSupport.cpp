@@ -2,7 +2,7 @@
 
 #include "platform/foundation/Require.h"
 
-namespace devices {
+namespace corvana::devices {
 
 void initGStreamer() {
   static const bool kStarted = [] {
@@ -43,4 +43,4 @@ std::string describe(const GError& error) {
   return text;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

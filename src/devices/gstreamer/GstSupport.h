@@ -7,7 +7,7 @@
 #include <gst/gst.h>
 
 /// Ownership and start-up of GStreamer; private to this folder.
-namespace devices {
+namespace corvana::devices {
 
 namespace detail {
 
@@ -60,4 +60,4 @@ inline GstClockTime clockTime(std::chrono::nanoseconds time) {
   return static_cast<GstClockTime>(time.count());
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

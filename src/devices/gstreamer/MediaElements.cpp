@@ -4,7 +4,7 @@
 
 #include "devices/gstreamer/GstSupport.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 const char* const kBase = "gstreamer1.0-plugins-base";
@@ -108,4 +108,4 @@ std::optional<AudioEncoder> aacEncoder() {
   return {};
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

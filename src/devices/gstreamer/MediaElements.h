@@ -8,7 +8,7 @@
 
 /// Which GStreamer elements this system needs, which of them are installed, and which Debian
 /// package brings the others. Any thread.
-namespace devices {
+namespace corvana::devices {
 
 struct MissingElement {
   std::string element;
@@ -56,4 +56,4 @@ struct AudioEncoder {
 /// The AAC encoder of this machine; absent when there is none.
 std::optional<AudioEncoder> aacEncoder();
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -8,7 +8,7 @@
 #include "platform/uikit/Controls.h"
 #include "platform/uikit/UIViewController.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 using platform::UIButton;
@@ -69,4 +69,4 @@ void HeadlessPerson::touchDone(const std::weak_ptr<platform::UIView>& button, in
   }
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

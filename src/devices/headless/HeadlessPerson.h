@@ -6,11 +6,11 @@
 #include "devices/screen/ScreenHub.h"
 #include "platform/foundation/RunLoop.h"
 
-namespace platform {
+namespace corvana::platform {
 class UIAlertController;
 }
 
-namespace devices {
+namespace corvana::devices {
 
 /// What the person before a headless screen does. Alerts get their first button, always.
 struct PersonHabits {
@@ -49,4 +49,4 @@ class HeadlessPerson final : public ScreenListener {
   int sighting_ = 0;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

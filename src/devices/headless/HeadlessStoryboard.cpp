@@ -6,7 +6,7 @@
 
 #include "corvana/CaptureSessionViewController.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 using platform::UIView;
@@ -196,4 +196,4 @@ DirectoryBundle::StoryboardMaker headlessStoryboards(platform::ControllerFactori
   };
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -9,7 +9,7 @@
 #include "devices/screen/DirectoryBundle.h"
 #include "platform/uikit/UIStoryboard.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Builds scenes from tables, with true frames and, in camera screens, a preview layer in front of
 /// all views that are not raised above it. A scene that lacks an outlet or an action of its
@@ -40,4 +40,4 @@ class HeadlessStoryboard final : public platform::UIStoryboard {
 /// The storyboard "VideoCapture" of the headless screen with these controllers; null for others.
 DirectoryBundle::StoryboardMaker headlessStoryboards(platform::ControllerFactories factories);
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -1,6 +1,6 @@
 #include "devices/headless/SceneLayout.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 using Kind = SceneView::Kind;
@@ -79,4 +79,4 @@ const std::vector<SceneLayout>& videoCaptureScenes() {
   return kScenes;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -6,7 +6,7 @@
 
 #include "platform/geometry/Geometry.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// One view of a scene.
 struct SceneView {
@@ -34,4 +34,4 @@ inline constexpr platform::CGRect kHeadlessScreen{0, 0, 360, 640};
 /// The scenes of the storyboard "VideoCapture" at the size of `kHeadlessScreen`.
 const std::vector<SceneLayout>& videoCaptureScenes();
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -5,7 +5,7 @@
 #include <sstream>
 #include <tuple>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 constexpr int kLeastSize = 64;
@@ -69,4 +69,4 @@ const OfferedMode* nearestMode(const std::vector<OfferedMode>& offers, const Cam
   return nearest == offers.end() ? nullptr : &*nearest;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

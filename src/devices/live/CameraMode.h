@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace devices {
+namespace corvana::devices {
 
 /// Size and rate of a camera's pictures, before they are turned upright.
 struct CameraMode {
@@ -28,4 +28,4 @@ struct OfferedMode {
 /// Null when there is none.
 const OfferedMode* nearestMode(const std::vector<OfferedMode>& offers, const CameraMode& wanted);
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 /// Drivers may give a sample the time of the one before, or just miss it.
@@ -34,4 +34,4 @@ CaptureTimes::Placed CaptureTimes::place(std::optional<platform::TimePoint> capt
   return {time, jumped && !isFirst};
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

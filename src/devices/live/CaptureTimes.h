@@ -4,7 +4,7 @@
 
 #include "platform/foundation/Time.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Lays the samples of a live device on the run loop's clock, by the times the device gives them.
 ///
@@ -33,4 +33,4 @@ class CaptureTimes {
   platform::Duration offset_{};  ///< from the device's clock to the run loop's
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -9,7 +9,7 @@
 
 #include "devices/live/DeviceModes.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 namespace fs = std::filesystem;
@@ -181,4 +181,4 @@ LiveSource microphoneSource(const DeviceInfo& microphone) {
           nullptr};
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -6,7 +6,7 @@
 #include "devices/live/CameraMode.h"
 #include "devices/live/LiveSource.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// A camera or a microphone that is connected now, or one that this program makes itself.
 struct DeviceInfo {
@@ -40,4 +40,4 @@ bool isVirtualCamera(const std::string& driver, const std::string& bus);
 LiveSource cameraSource(const DeviceInfo& camera, const CameraMode& wanted);
 LiveSource microphoneSource(const DeviceInfo& microphone);
 
-}  // namespace devices
+}  // namespace corvana::devices

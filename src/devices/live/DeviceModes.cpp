@@ -4,7 +4,7 @@
 #include <optional>
 #include <sstream>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 struct Size {
@@ -110,4 +110,4 @@ std::string lineOf(const OfferedMode& mode) {
   return capsOf(mode) + decoder;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

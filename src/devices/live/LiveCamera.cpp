@@ -4,7 +4,7 @@
 
 #include "devices/gstreamer/GstPicture.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 /// A tenth of a second at the usual rate.
@@ -99,4 +99,4 @@ void LiveCamera::keepSize(int width, int height) {
   g_object_set(sizeFilter_, "caps", caps.get(), nullptr);
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

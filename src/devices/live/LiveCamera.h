@@ -9,7 +9,7 @@
 #include "devices/live/LiveDevices.h"
 #include "devices/live/LiveStream.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// A live camera: upright I420 pictures (BT.601, limited range) of the size of the first one. When
 /// the device changes size or format, pictures are scaled into that size, with borders.
@@ -46,4 +46,4 @@ class LiveCamera final : public FilmingCamera {
   std::shared_ptr<LiveStream> stream_;  ///< last: its pipeline calls this camera
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -5,7 +5,7 @@
 #include "devices/live/LiveCamera.h"
 #include "devices/live/LiveMicrophone.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 constexpr platform::Duration kLookInterval = std::chrono::milliseconds(250);
@@ -107,4 +107,4 @@ void LiveDevices::warnOnce(bool& warned, bool now, const std::string& sentence) 
   if (onWarning) onWarning(sentence);
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

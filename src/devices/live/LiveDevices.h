@@ -12,7 +12,7 @@
 #include "devices/live/LiveSource.h"
 #include "platform/foundation/RunLoop.h"
 
-namespace devices {
+namespace corvana::devices {
 
 class LiveCamera;
 class LiveMicrophone;
@@ -84,4 +84,4 @@ class LiveDevices final : public MediaSource, public std::enable_shared_from_thi
   bool microphoneJumped_ = false;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

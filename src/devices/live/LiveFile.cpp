@@ -15,7 +15,7 @@
 #include "devices/recorded/MediaProbe.h"
 #include "devices/recorded/StreamReader.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 /// What is read ahead hides the moment that opening the file anew takes.
@@ -245,4 +245,4 @@ tl::expected<LiveFile, std::string> openLiveFile(const std::filesystem::path& pa
   });
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

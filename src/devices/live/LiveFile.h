@@ -8,7 +8,7 @@
 
 #include "devices/live/LiveSource.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// A recorded file as the head of live pipelines: played in real time, over and over, without a
 /// seam and with growing times. Its first picture stands until the camera's pictures are wanted.
@@ -21,4 +21,4 @@ struct LiveFile {
 /// Opens a video file as live devices; the error is one sentence, as of `probe`.
 tl::expected<LiveFile, std::string> openLiveFile(const std::filesystem::path& path);
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 constexpr int kSampleRate = 48000;
@@ -50,4 +50,4 @@ platform::Duration LiveMicrophone::silentFor() const {
   return platform::seconds(double(silentSamples_) / kSampleRate);
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

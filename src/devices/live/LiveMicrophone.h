@@ -7,7 +7,7 @@
 #include "devices/film/FilmingDevice.h"
 #include "devices/live/LiveStream.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// A live microphone: 48 kHz mono, 16 bit, in buffers of 20 ms, whatever the device delivers.
 class LiveMicrophone final : public FilmingMicrophone {
@@ -34,4 +34,4 @@ class LiveMicrophone final : public FilmingMicrophone {
   std::shared_ptr<LiveStream> stream_;  ///< last: its pipeline calls this microphone
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -6,7 +6,7 @@
 /// GStreamer's element, declared here so that who only passes sources on need not know it.
 using GstElement = struct _GstElement;
 
-namespace devices {
+namespace corvana::devices {
 
 /// What stands at the head of a live pipeline. Real devices, made ones and those of tests differ
 /// in nothing else.
@@ -21,4 +21,4 @@ struct LiveSource {
   std::function<void()> begin;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 enum class Trouble { busy, forbidden, missing, other };
@@ -239,4 +239,4 @@ std::string liveFault(const std::string& kind, const std::string& name, const GE
          ".";
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

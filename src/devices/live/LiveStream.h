@@ -19,7 +19,7 @@
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/CaptureDevice.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// The samples of one live device, from its pipeline to the handler. A device that was opened stays
 /// open until this is destroyed: what comes while there is no handler is thrown away, so that a
@@ -105,4 +105,4 @@ class LiveStream final : public std::enable_shared_from_this<LiveStream> {
 std::string liveFault(const std::string& kind, const std::string& name, const GError& error,
                       const std::string& details);
 
-}  // namespace devices
+}  // namespace corvana::devices

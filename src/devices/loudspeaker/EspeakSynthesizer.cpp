@@ -8,7 +8,7 @@
 #include "devices/gstreamer/MediaElements.h"
 #include "devices/loudspeaker/Loudspeaker.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 constexpr const char* kElement = "espeak";
@@ -73,4 +73,4 @@ std::vector<std::int16_t> EspeakSynthesizer::samples(const std::string& utteranc
   return samples;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

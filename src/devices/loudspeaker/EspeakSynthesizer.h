@@ -9,7 +9,7 @@
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/SpeechSynthesizer.h"
 
-namespace devices {
+namespace corvana::devices {
 
 class Loudspeaker;
 
@@ -37,4 +37,4 @@ class EspeakSynthesizer final : public platform::SpeechSynthesizer {
   std::shared_ptr<Loudspeaker> loudspeaker_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -8,7 +8,7 @@
 
 #include "devices/gstreamer/GstSupport.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 void feed(GstAppSrc* source, std::span<const std::int16_t> samples) {
@@ -75,4 +75,4 @@ void Loudspeaker::stop() {
   if (lock) sound_.reset();
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -7,7 +7,7 @@
 #include <span>
 #include <string>
 
-namespace devices {
+namespace corvana::devices {
 
 /// The machine's loudspeaker: one sound at a time. Any thread.
 class Loudspeaker {
@@ -37,4 +37,4 @@ class Loudspeaker {
   std::unique_ptr<Sound> sound_;  ///< guarded by mutex_
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

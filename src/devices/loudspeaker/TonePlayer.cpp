@@ -2,7 +2,7 @@
 
 #include "devices/loudspeaker/Loudspeaker.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 /// 880 Hz for 0.15 s, softly.
@@ -24,4 +24,4 @@ void TonePlayer::play() {
       });
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

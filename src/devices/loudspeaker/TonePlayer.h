@@ -4,7 +4,7 @@
 
 #include "platform/foundation/RunLoop.h"
 
-namespace devices {
+namespace corvana::devices {
 
 class Loudspeaker;
 
@@ -21,4 +21,4 @@ class TonePlayer {
   std::shared_ptr<Loudspeaker> loudspeaker_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -18,7 +18,7 @@
 #include "devices/pictures/ImageHeader.h"
 #include "devices/recorded/StreamReader.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 using Failure = tl::unexpected<std::string>;
@@ -138,4 +138,4 @@ tl::expected<void, std::string> writeJpeg(const std::filesystem::path& path,
   return writePicture(path, image, "jpegenc quality=92 snapshot=true");
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -8,7 +8,7 @@
 #include "platform/media/PixelBuffer.h"
 
 /// Picture files. Blocking; any thread. Errors are one sentence each.
-namespace devices {
+namespace corvana::devices {
 
 /// Pictures of more pixels are not read: a small file can claim any size.
 constexpr int kMostImagePixels = 64'000'000;
@@ -23,4 +23,4 @@ tl::expected<void, std::string> writePng(const std::filesystem::path& path,
 tl::expected<void, std::string> writeJpeg(const std::filesystem::path& path,
                                           const platform::PixelBuffer& image);
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 using namespace std::string_view_literals;
@@ -68,4 +68,4 @@ std::optional<ImageHeader> readImageHeader(std::string_view bytes) {
   return {};
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

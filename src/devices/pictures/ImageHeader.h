@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-namespace devices {
+namespace corvana::devices {
 
 /// What the first bytes of a picture file tell, read without decoding it.
 struct ImageHeader {
@@ -19,4 +19,4 @@ struct ImageHeader {
 /// Reads a header; absent when the bytes are neither JPEG nor PNG, or are damaged before the size.
 std::optional<ImageHeader> readImageHeader(std::string_view bytes);
 
-}  // namespace devices
+}  // namespace corvana::devices

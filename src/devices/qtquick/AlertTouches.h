@@ -5,7 +5,7 @@
 
 #include "platform/uikit/UIViewController.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Carries the user's answer from an alert's item, which owns it, to the alert.
 class AlertTouches final : public QObject {
@@ -26,4 +26,4 @@ class AlertTouches final : public QObject {
   std::weak_ptr<platform::UIViewController> alert_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 constexpr platform::Duration kStep = std::chrono::milliseconds(16);
@@ -48,4 +48,4 @@ void Animator::step() {
   timer_.reset();
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

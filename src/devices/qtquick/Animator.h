@@ -9,7 +9,7 @@
 
 #include "platform/foundation/RunLoop.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Moves numbers of items from one value to another over the run loop's time, so that a replay in
 /// virtual time shows the same pictures as a window. Main queue.
@@ -44,4 +44,4 @@ class Animator {
   std::shared_ptr<platform::Timer> timer_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

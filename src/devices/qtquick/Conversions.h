@@ -7,7 +7,7 @@
 #include "platform/geometry/Geometry.h"
 #include "platform/uikit/UIColor.h"
 
-namespace devices {
+namespace corvana::devices {
 
 inline QColor toQt(const platform::UIColor& color) {
   return QColor::fromRgbF(static_cast<float>(color.red), static_cast<float>(color.green),
@@ -26,4 +26,4 @@ inline platform::CGRect fromQt(const QRectF& rect) {
   return {rect.x(), rect.y(), rect.width(), rect.height()};
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

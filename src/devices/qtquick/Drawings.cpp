@@ -5,7 +5,7 @@
 
 #include "devices/qtquick/Conversions.h"
 
-namespace devices {
+namespace corvana::devices {
 
 using platform::CALayer;
 using platform::CAShapeLayer;
@@ -78,4 +78,4 @@ void OvalItem::paint(QPainter* painter) {
   painter->drawEllipse(boundingRect().adjusted(margin, margin, -margin, -margin));
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -7,7 +7,7 @@
 
 #include "platform/uikit/CALayer.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// The outlines that hang below a layer: the ellipse around the face, rectangles of the debug mode.
 /// Takes only as much of the screen as they need.
@@ -76,4 +76,4 @@ class OvalItem : public QQuickPaintedItem {
   qreal lineWidth_ = 4;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

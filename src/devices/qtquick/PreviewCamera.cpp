@@ -1,6 +1,6 @@
 #include "devices/qtquick/PreviewCamera.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 using platform::AVFileType;
@@ -47,4 +47,4 @@ platform::AVCaptureDeviceRef PreviewedMediaDevices::defaultDevice(platform::AVMe
   return std::make_shared<PreviewedCamera>(std::move(device), feed_);
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -6,7 +6,7 @@
 #include "devices/qtquick/PreviewItem.h"
 #include "platform/media/CaptureDevice.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// The machine's cameras and microphones, with an eye on the camera's pictures: each goes to the
 /// preview as well as to whoever started the camera.
@@ -28,4 +28,4 @@ class PreviewedMediaDevices final : public platform::MediaDevices {
   std::shared_ptr<PreviewFeed> feed_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

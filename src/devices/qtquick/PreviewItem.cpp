@@ -10,7 +10,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-namespace devices {
+namespace corvana::devices {
 
 using platform::PixelBuffer;
 using platform::PixelFormat;
@@ -170,4 +170,4 @@ QSGNode* PreviewItem::updatePaintNode(QSGNode* node, UpdatePaintNodeData*) {
   return textureNode;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -11,7 +11,7 @@
 
 #include "platform/media/SampleBuffer.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// The latest picture of the camera, ready to be shown: mirrored as in a looking-glass, cut and
 /// scaled to the size that is asked for. Fed by the camera's thread, read by the screen.
@@ -67,4 +67,4 @@ class PreviewItem : public QQuickItem {
   std::shared_ptr<PreviewFeed> feed_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -4,7 +4,7 @@
 #include <QGuiApplication>
 #include <QQuickWindow>
 
-namespace devices {
+namespace corvana::devices {
 
 bool QtApplication::isPossible() {
   return qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || qEnvironmentVariableIsSet("DISPLAY") ||
@@ -33,4 +33,4 @@ QtApplication::QtApplication() {
 
 QtApplication::~QtApplication() = default;
 
-}  // namespace devices
+}  // namespace corvana::devices

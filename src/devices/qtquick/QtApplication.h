@@ -4,7 +4,7 @@
 
 class QGuiApplication;
 
-namespace devices {
+namespace corvana::devices {
 
 /// The one application object of a program with windows; made first, destroyed last, on the thread
 /// that is to be the main queue. Draws without graphics hardware unless QT_QUICK_BACKEND or
@@ -25,4 +25,4 @@ class QtApplication {
   std::unique_ptr<QGuiApplication> application_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -9,7 +9,7 @@
 #include <chrono>
 #include <utility>
 
-namespace devices {
+namespace corvana::devices {
 
 using platform::Duration;
 using platform::TimePoint;
@@ -110,4 +110,4 @@ void QtRunLoop::shutDown() {
   plain_.shutDown();
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -7,7 +7,7 @@
 #include "devices/system/RealRunLoop.h"
 #include "platform/foundation/DrivenLoop.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// A window's event loop as the run loop: the thread of the application object is the main queue.
 /// Blocks run in turns with input and painting, so that a run of them does not hold either up.
@@ -48,4 +48,4 @@ class QtRunLoop : public platform::DrivenLoop {
   std::unique_ptr<Pump> pump_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

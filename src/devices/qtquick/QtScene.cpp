@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 
-namespace devices {
+namespace corvana::devices {
 
 using platform::UIButton;
 using platform::UIView;
@@ -278,4 +278,4 @@ void QtScene::flip(UIView& view, platform::Duration duration) {
   if (auto* imageView = dynamic_cast<ImageViewBinding*>(binding->second)) imageView->flip(duration);
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

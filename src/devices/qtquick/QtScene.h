@@ -13,7 +13,7 @@
 #include "devices/qtquick/ViewBinding.h"
 #include "platform/uikit/UIStoryboard.h"
 
-namespace devices {
+namespace corvana::devices {
 
 class QtScene;
 
@@ -110,4 +110,4 @@ class QtScene final : public platform::OutletBinder, public platform::ViewObserv
   std::vector<std::string> offered_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -12,7 +12,7 @@
 #include "devices/qtquick/QtStoryboard.h"
 #include "platform/uikit/UIViewController.h"
 
-namespace devices {
+namespace corvana::devices {
 
 using platform::Duration;
 using platform::UIViewController;
@@ -243,4 +243,4 @@ void QtScreen::willFlip(platform::UIView& view, Duration duration) {
   if (auto* root = dynamic_cast<QtRootView*>(&view.root())) root->scene().flip(view, duration);
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

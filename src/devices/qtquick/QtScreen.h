@@ -18,7 +18,7 @@
 #include "devices/screen/ScreenHub.h"
 #include "platform/uikit/Animations.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// A window that shows a flow by the storyboards of a folder of QML modules. Add it to the
 /// `ScreenHub`, give it to the environment as its animations, and its feed to the camera. Needs a
@@ -104,4 +104,4 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

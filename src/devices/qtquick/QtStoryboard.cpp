@@ -6,7 +6,7 @@
 #include "devices/qtquick/QtScene.h"
 #include "devices/qtquick/QtScreen.h"
 
-namespace devices {
+namespace corvana::devices {
 QtStoryboard::QtStoryboard(platform::Environment& environment, QtScreen& screen, std::string name,
                            platform::ControllerFactories factories)
     : environment_(environment),
@@ -38,4 +38,4 @@ std::shared_ptr<platform::UIView> QtStoryboard::load(const std::string& identifi
   return root;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -5,7 +5,7 @@
 
 #include "platform/uikit/UIStoryboard.h"
 
-namespace devices {
+namespace corvana::devices {
 
 class QtScreen;
 
@@ -28,4 +28,4 @@ class QtStoryboard final : public platform::UIStoryboard {
   platform::ControllerFactories factories_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -3,7 +3,7 @@
 #include <QImageReader>
 #include <QPainter>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 QImage toImage(const platform::PixelBuffer& pixels) {
@@ -68,4 +68,4 @@ QImage ScreenImages::requestImage(const QString& id, QSize* size, const QSize& r
   return image;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

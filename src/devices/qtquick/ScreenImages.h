@@ -10,7 +10,7 @@
 
 #include "platform/uikit/UIImage.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// The images of the views, by address, in any colour. Drawings are looked up by name in the
 /// folders, as NAME.svg or NAME.png. Lives as long as the QML engine that owns it; main thread.
@@ -36,4 +36,4 @@ class ScreenImages final : public QQuickImageProvider {
   std::map<std::string, platform::UIImageRef> pictures_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -3,7 +3,7 @@
 #include <QObject>
 #include <QVariantMap>
 
-namespace devices {
+namespace corvana::devices {
 
 /// What the person before the screen needs and how it looks; `screen` in the QML files.
 class ScreenSettings final : public QObject {
@@ -29,4 +29,4 @@ class ScreenSettings final : public QObject {
   void changed();
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -7,7 +7,7 @@
 
 #include "devices/qtquick/Conversions.h"
 
-namespace devices {
+namespace corvana::devices {
 
 using platform::NSAttributedString;
 using platform::UIColor;
@@ -225,4 +225,4 @@ std::string lacksForProgressView(const QQuickItem& item) {
   return lacksProperties(item, {kHidden, kAlpha, kBackgroundColor, kTintColor, kProgress});
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

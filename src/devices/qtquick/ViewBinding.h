@@ -11,7 +11,7 @@
 #include "devices/qtquick/ScreenImages.h"
 #include "platform/uikit/Controls.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// What bindings need of the screen that they belong to.
 struct BindingTools {
@@ -114,4 +114,4 @@ std::string lacksForImageView(const QQuickItem& item);
 std::string lacksForButton(const QQuickItem& item);
 std::string lacksForProgressView(const QQuickItem& item);
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -8,7 +8,7 @@
 
 #include "devices/gstreamer/GstSupport.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 constexpr std::size_t kHeadBytes = 65536;
@@ -57,4 +57,4 @@ tl::expected<std::string, std::string> demuxerOf(const std::filesystem::path& pa
   return notAVideo(name, "it is " + type);
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 /// In real time a picture this late would only make the next ones late too.
@@ -119,4 +119,4 @@ void FileCamera::endAfter(platform::Duration lastFrame) {
   });
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

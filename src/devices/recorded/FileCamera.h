@@ -13,7 +13,7 @@
 #include "devices/recorded/FileTimeline.h"
 #include "devices/recorded/StreamReader.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// The pictures of a recorded file as a camera's.
 class FileCamera final : public FilmingCamera, public std::enable_shared_from_this<FileCamera> {
@@ -65,4 +65,4 @@ class FileCamera final : public FilmingCamera, public std::enable_shared_from_th
   std::atomic<std::uint64_t> framesDropped_ = 0;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-namespace devices {
+namespace corvana::devices {
 
 FileMicrophone::FileMicrophone(platform::RunLoop& loop, std::shared_ptr<FileTimeline> timeline,
                                platform::Duration fileDuration, std::unique_ptr<AudioReader> reader,
@@ -83,4 +83,4 @@ void FileMicrophone::deliver() {
   handler(std::move(sample));
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -10,7 +10,7 @@
 #include "devices/recorded/FileTimeline.h"
 #include "devices/recorded/StreamReader.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// The sound of a recorded file as a microphone's. It is silent where the file holds no
 /// sound, and ends with the file.
@@ -50,4 +50,4 @@ class FileMicrophone final : public FilmingMicrophone,
   bool failed_ = false;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -7,7 +7,7 @@
 
 #include "platform/foundation/RunLoop.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// The instant at which a recorded file's time 0 falls: shared by its camera, which sets it, and
 /// its microphone, which follows. Any thread.
@@ -41,4 +41,4 @@ class FileTimeline {
   std::vector<platform::Block> waiting_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -5,7 +5,7 @@
 #include "devices/recorded/FileCamera.h"
 #include "devices/recorded/FileMicrophone.h"
 
-namespace devices {
+namespace corvana::devices {
 
 MediaFile::~MediaFile() = default;
 
@@ -69,4 +69,4 @@ void MediaFile::reportError(const std::string& sentence) {
   });
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

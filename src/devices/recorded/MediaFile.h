@@ -14,7 +14,7 @@
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/CaptureDevice.h"
 
-namespace devices {
+namespace corvana::devices {
 
 class FileCamera;
 class FileMicrophone;
@@ -55,4 +55,4 @@ class MediaFile final : public MediaSource, public std::enable_shared_from_this<
   std::shared_ptr<FileMicrophone> microphone_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

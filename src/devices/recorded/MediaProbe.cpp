@@ -11,7 +11,7 @@
 #include "devices/gstreamer/GstSupport.h"
 #include "devices/recorded/StreamReader.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 constexpr double kUsualRate = 30;
@@ -110,4 +110,4 @@ tl::expected<MediaInfo, std::string> probe(const std::filesystem::path& path) {
   return info;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

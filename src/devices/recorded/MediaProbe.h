@@ -7,7 +7,7 @@
 
 #include "platform/foundation/Time.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// What a video file holds, after its rotation and with square pixels.
 struct MediaInfo {
@@ -27,4 +27,4 @@ constexpr int kLeastPictureSize = 16;
 /// damaged, or no decoder installed (with the Debian package that brings it). Any thread.
 tl::expected<MediaInfo, std::string> probe(const std::filesystem::path& path);
 
-}  // namespace devices
+}  // namespace corvana::devices

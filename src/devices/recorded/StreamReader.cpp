@@ -12,7 +12,7 @@
 #include "devices/gstreamer/MediaElements.h"
 #include "devices/recorded/Container.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 constexpr GstClockTime kPullSlice = 100 * GST_MSECOND;
@@ -204,4 +204,4 @@ tl::expected<std::vector<std::int16_t>, std::string> AudioReader::read(std::int6
   return out;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -13,7 +13,7 @@
 #include "devices/recorded/MediaProbe.h"
 #include "platform/media/PixelBuffer.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// One stream pulled piece by piece out of a pipeline, which works a few pieces ahead. No call
 /// takes longer than half a minute. One thread at a time.
@@ -101,4 +101,4 @@ class AudioReader {
   bool ended_ = false;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

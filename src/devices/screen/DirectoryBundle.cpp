@@ -3,7 +3,7 @@
 #include <system_error>
 #include <utility>
 
-namespace devices {
+namespace corvana::devices {
 
 std::optional<std::filesystem::path> DirectoryBundle::path(const std::string& resource,
                                                            const std::string& type) const {
@@ -25,4 +25,4 @@ std::shared_ptr<platform::UIStoryboard> DirectoryBundle::storyboard(
   return makeStoryboard_(environment, name);
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -7,7 +7,7 @@
 #include "platform/foundation/Bundle.h"
 #include "platform/uikit/UIStoryboard.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Resources that lie in one folder. An image is a drawing known by its name, there when the folder
 /// has NAME.svg or NAME.png; storyboards are made by a function, which may return null.
@@ -31,4 +31,4 @@ class DirectoryBundle final : public platform::Bundle {
   std::map<std::string, platform::UIImageRef> images_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -11,7 +11,7 @@
 #include "platform/uikit/Controls.h"
 #include "platform/uikit/UIViewController.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 using Kind = FlowEvent::Kind;
@@ -200,4 +200,4 @@ void FlowReporter::look() {
   seen_ = std::move(now);
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -11,7 +11,7 @@
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/SystemSounds.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// One change of what the user sees or hears.
 struct FlowEvent {
@@ -76,4 +76,4 @@ class FlowReporter final : public ScreenReader {
   std::vector<FlowEvent> seen_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -2,7 +2,7 @@
 
 #include "platform/uikit/UIViewController.h"
 
-namespace devices {
+namespace corvana::devices {
 
 void ScreenHub::willPresent(platform::UIViewController& controller) {
   shownBy(controller).view().setObserver(this);
@@ -36,4 +36,4 @@ platform::UIViewController& shownBy(platform::UIViewController& controller) {
   return navigation ? *navigation->rootViewController() : controller;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

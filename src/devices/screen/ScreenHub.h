@@ -5,7 +5,7 @@
 #include "platform/uikit/PresentationObserver.h"
 #include "platform/uikit/UIView.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Someone who looks at the screen: a person who answers it, a reporter who writes down what it
 /// shows. Main queue.
@@ -38,4 +38,4 @@ class ScreenHub final : public platform::PresentationObserver, public platform::
 /// The controller whose views are shown: inside a navigation controller its root.
 platform::UIViewController& shownBy(platform::UIViewController& controller);
 
-}  // namespace devices
+}  // namespace corvana::devices

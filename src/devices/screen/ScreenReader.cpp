@@ -4,7 +4,7 @@
 
 #include "platform/uikit/UIViewController.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 constexpr const char* kCaptureScene = "VideoCaptureViewController";
@@ -66,4 +66,4 @@ void ScreenReader::lookSoon() {
   });
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -5,11 +5,11 @@
 #include "devices/screen/ScreenHub.h"
 #include "platform/foundation/RunLoop.h"
 
-namespace platform {
+namespace corvana::platform {
 class UIAlertController;
 }
 
-namespace devices {
+namespace corvana::devices {
 
 /// Follows the module's screens as a user's eyes do: knows which one is in sight, and looks at the
 /// capture screen when all that is due at an instant has been done. Whoever tells of what is seen
@@ -49,4 +49,4 @@ class ScreenReader : public ScreenListener {
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 /// One after the other, with a pause between.
@@ -83,4 +83,4 @@ void SpokenHints::speak() {
   if (!words.empty()) voice_.speak(words);
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -7,7 +7,7 @@
 #include "devices/screen/FlowReporter.h"
 #include "platform/media/SpeechSynthesizer.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Has captions, prompts, retry screens and alerts spoken, for those who look at their card or
 /// can't read the screen. The newest words win. Nothing is said while a text is read aloud, since
@@ -60,4 +60,4 @@ class SpokenHints final : public ScreenListener {
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

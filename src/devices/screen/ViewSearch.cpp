@@ -1,6 +1,6 @@
 #include "devices/screen/ViewSearch.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 constexpr double kLowestVisibleAlpha = 0.01;
@@ -22,4 +22,4 @@ bool isInSight(const platform::UIView& view) {
   return true;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -4,7 +4,7 @@
 
 #include "platform/uikit/UIView.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// The view of that name in the tree below `root`, or null.
 platform::UIView* findView(platform::UIView& root, const std::string& name);
@@ -18,4 +18,4 @@ View* findView(platform::UIView& root, const std::string& name) {
 /// Whether the view and all its ancestors are shown, at an alpha that can be seen.
 bool isInSight(const platform::UIView& view);
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string_view>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 using Kind = HostEvent::Kind;
@@ -256,4 +256,4 @@ void HostContractValidator::observeFrame(const std::string& size) {
   frameSize_ = size;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

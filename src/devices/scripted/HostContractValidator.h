@@ -7,7 +7,7 @@
 
 #include "platform/foundation/Time.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Something that passed between a recorder and the module, in the order in which it happened.
 struct HostEvent {
@@ -94,4 +94,4 @@ class HostContractValidator {
   std::string frameSize_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 constexpr int kSide = 160;
@@ -38,4 +38,4 @@ platform::UIImageRef patternFace(int person) {
       kSide, kSide, platform::PixelFormat::rgb24, std::move(bytes)));
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

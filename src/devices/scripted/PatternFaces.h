@@ -2,7 +2,7 @@
 
 #include "platform/uikit/UIImage.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// How many pattern faces there are.
 inline constexpr int kPatternFaces = 2;
@@ -12,4 +12,4 @@ inline constexpr int kPatternFaces = 2;
 /// 0.50 from each other.
 platform::UIImageRef patternFace(int person);
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -4,7 +4,7 @@
 #include <sstream>
 #include <utility>
 
-namespace devices {
+namespace corvana::devices {
 
 using corvana::nameOf;
 using corvana::VideoCaptureMode;
@@ -182,4 +182,4 @@ std::shared_ptr<corvana::VideoCapture> ScriptedHost::makeVideoCapture(
   return recorder_;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -12,7 +12,7 @@
 #include "devices/scripted/HostContractValidator.h"
 #include "devices/scripted/ScriptedMedia.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Hears what a script says was spoken. Results and errors come on the main queue and only between
 /// start and stop. Alone, without a scripted recorder, its sound may come on any thread.
@@ -171,4 +171,4 @@ class ScriptedHost final : public corvana::HostFactories {
   int recordersMade_ = 0;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

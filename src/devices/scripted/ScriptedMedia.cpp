@@ -1,6 +1,6 @@
 #include "devices/scripted/ScriptedMedia.h"
 
-namespace devices {
+namespace corvana::devices {
 
 using platform::AVMediaType;
 
@@ -88,4 +88,4 @@ platform::CMSampleBufferRef silentSample(platform::TimePoint start, platform::Du
   return sample;
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -14,7 +14,7 @@
 #include "platform/media/CaptureDevice.h"
 #include "platform/media/Speech.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// A camera or microphone whose samples, codecs and faults a script decides. Samples may be pushed
 /// on any thread; the script's settings belong to the main queue.
@@ -108,4 +108,4 @@ class ScriptedSpeechAuthorization final : public platform::SpeechAuthorization {
 /// Microphone samples of silence, `length` long from `start`: 16 kHz, one channel.
 platform::CMSampleBufferRef silentSample(platform::TimePoint start, platform::Duration length);
 
-}  // namespace devices
+}  // namespace corvana::devices

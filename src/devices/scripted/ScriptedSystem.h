@@ -9,7 +9,7 @@
 
 #include "platform/Environment.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Notes the pages that were opened.
 class ScriptedApplication final : public platform::UIApplication {
@@ -45,4 +45,4 @@ class CapturingConsole final : public platform::Console {
   }
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace devices {
+namespace corvana::devices {
 
 using platform::Block;
 using platform::TimePoint;
@@ -85,4 +85,4 @@ bool BlockTimeline::clear() {
   return !left.empty();
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -11,7 +11,7 @@
 
 #include "platform/foundation/RunLoop.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Blocks in the order of their due times, waited for on the steady clock. Any thread.
 class BlockTimeline {
@@ -52,4 +52,4 @@ class BlockTimeline {
   std::atomic<bool> closed_ = false;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -5,7 +5,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace devices {
+namespace corvana::devices {
 
 std::error_code syncToDisk(const std::filesystem::path& path) {
   const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -16,4 +16,4 @@ std::error_code syncToDisk(const std::filesystem::path& path) {
   return {error, std::generic_category()};
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -9,7 +9,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-namespace devices {
+namespace corvana::devices {
 
 using platform::Block;
 using platform::Duration;
@@ -189,4 +189,4 @@ void RealRunLoop::shutDown() {
   }
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -11,7 +11,7 @@
 #include "platform/foundation/DrivenLoop.h"
 #include "platform/foundation/LoopTimers.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// The plain loop on the wall clock for runs without a window. The thread that calls `runUntil` is
 /// the main queue; it makes and destroys the loop, too. Devices get a thread of their own. Queues
@@ -65,4 +65,4 @@ class RealRunLoop final : public platform::DrivenLoop {
   std::vector<std::weak_ptr<SerialQueue>> serialQueues_;  ///< main thread only
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

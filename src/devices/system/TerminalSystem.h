@@ -9,7 +9,7 @@
 
 #include "platform/Environment.h"
 
-namespace devices {
+namespace corvana::devices {
 
 /// Prints console lines to a stream, each as a whole. Any thread.
 class StreamConsole final : public platform::Console {
@@ -54,4 +54,4 @@ class ReportingSystemSounds final : public platform::SystemSounds {
   std::function<void(platform::SystemSoundID)> report_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -10,7 +10,7 @@
 
 #include "platform/foundation/Require.h"
 
-namespace devices {
+namespace corvana::devices {
 namespace {
 
 constexpr std::array kSignals{SIGINT, SIGTERM};
@@ -83,4 +83,4 @@ void TerminationSignals::watch(int pipe) {
   }
 }
 
-}  // namespace devices
+}  // namespace corvana::devices

@@ -4,7 +4,7 @@
 #include <functional>
 #include <thread>
 
-namespace devices {
+namespace corvana::devices {
 
 /// While it lives, the first SIGINT or SIGTERM asks the program to end in good order, and the
 /// second one ends it at once. A signal that the program was started to ignore stays ignored. One
@@ -29,4 +29,4 @@ class TerminationSignals {
   std::thread watcher_;
 };
 
-}  // namespace devices
+}  // namespace corvana::devices

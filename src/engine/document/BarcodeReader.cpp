@@ -9,7 +9,7 @@
 
 #include "engine/vision/MatViews.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 bool isElement(const std::string& line) {
@@ -59,4 +59,4 @@ std::optional<std::map<std::string, std::string>> readBarcode(const platform::Pi
   return barcodeElements(result.text());
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

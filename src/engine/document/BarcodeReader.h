@@ -6,7 +6,7 @@
 
 #include "platform/media/PixelBuffer.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// Reads the PDF417 barcode of a card, if there is one: the elements of an AAMVA licence by their
 /// three-letter identifiers ("DCS" is the family name, "DAQ" the number), else {"text": contents}.
@@ -16,4 +16,4 @@ std::optional<std::map<std::string, std::string>> readBarcode(const platform::Pi
 /// The elements of a barcode's text; {"text": contents} when it is no AAMVA record.
 std::map<std::string, std::string> barcodeElements(const std::string& text);
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -12,7 +12,7 @@
 #include "engine/document/SideFit.h"
 #include "engine/vision/MatViews.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 /// Lines are sought in a picture whose longer side is at most this.
@@ -263,4 +263,4 @@ CardSighting findCard(const platform::PixelBuffer& picture, const platform::CGRe
   return {judged(quad, picture, guide), quad, best.score};
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -6,7 +6,7 @@
 #include "platform/geometry/Geometry.h"
 #include "platform/media/PixelBuffer.h"
 
-namespace engine {
+namespace corvana::engine {
 
 enum class CardVerdict {
   none,            ///< no card is seen
@@ -29,4 +29,4 @@ struct CardSighting {
 /// of a 720-pixel-wide picture. Pure; about 10 ms for a camera frame.
 CardSighting findCard(const platform::PixelBuffer& picture, const platform::CGRect& guide);
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -7,7 +7,7 @@
 
 #include "engine/vision/MatViews.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 constexpr int kSaturated = 250;
@@ -97,4 +97,4 @@ double glareFraction(const platform::PixelBuffer& card) {
   return lost / total;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

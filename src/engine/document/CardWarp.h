@@ -4,7 +4,7 @@
 #include "platform/media/PixelBuffer.h"
 
 /// The straightened card and the measures of its picture. Pure.
-namespace engine {
+namespace corvana::engine {
 
 /// Size of a straightened card: about 300 dots an inch, what text recognition is made for.
 inline constexpr int kCardWidth = 1000;
@@ -25,4 +25,4 @@ double cardSharpness(const platform::PixelBuffer& card);
 /// card that is white itself has none.
 double glareFraction(const platform::PixelBuffer& card);
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -11,7 +11,7 @@
 #include "engine/vision/FaceCrop.h"
 #include "engine/vision/ImageOps.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 /// The photo around a face that measures from brow to chin: as on passports, where the head takes
@@ -143,4 +143,4 @@ tl::expected<CardReading, corvana::IDError> DocumentAnalyzer::analyzeStill(
   return *std::move(best);
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

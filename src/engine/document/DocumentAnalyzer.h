@@ -15,7 +15,7 @@
 #include "engine/document/mrz/MrzReader.h"
 #include "engine/vision/FaceDetector.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// A card taken out of a picture, straightened to 1000×630, with the measures of its quality.
 struct CardView {
@@ -75,4 +75,4 @@ class DocumentAnalyzer {
   MrzReader mrz_;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 constexpr std::string_view kIdentityCard = "IDENTITY_CARD";
@@ -163,4 +163,4 @@ void classify(const DocumentFeatures& features, corvana::DetectedData& data) {
   data.shouldHaveBarcode = !isFront && family == kDrivingLicence && !features.mrz;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -8,7 +8,7 @@
 
 #include "corvana/DetectedData.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// What was found on one side of a card.
 struct DocumentFeatures {
@@ -36,4 +36,4 @@ using FamilyMatches = std::vector<std::pair<std::string, float>>;
 /// name counts from about 0.86 on), and 1 for what zone or barcode say. For tuning. Pure.
 FamilyMatches familyMatches(const DocumentFeatures& features);
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -7,7 +7,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 constexpr int kAngles = 53;
@@ -159,4 +159,4 @@ cv::Point2d meeting(const EdgeLine& a, const EdgeLine& b) {
   return {a.point.x + t * a.direction[0], a.point.y + t * a.direction[1]};
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -5,7 +5,7 @@
 #include <opencv2/core.hpp>
 
 /// Straight edges of a picture, for the search of a card's sides.
-namespace engine {
+namespace corvana::engine {
 
 /// Edges that run across the picture (within 26° of level) and edges that run down it.
 enum class Course { across, down };
@@ -46,4 +46,4 @@ class EdgeMap {
 /// Where two lines meet; they must not be parallel.
 cv::Point2d meeting(const EdgeLine& a, const EdgeLine& b);
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 double distance(const platform::CGPoint& a, const platform::CGPoint& b) {
@@ -58,4 +58,4 @@ bool Quad::isConvex() const {
   return true;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -4,7 +4,7 @@
 
 #include "platform/geometry/Geometry.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// An ID-1 card: 85.60 × 53.98 mm (ISO/IEC 7810).
 inline constexpr double kCardAspect = 85.60 / 53.98;
@@ -28,4 +28,4 @@ struct Quad {
   bool isConvex() const;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -9,7 +9,7 @@
 
 #include "engine/document/EdgeLines.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 constexpr int kProfiles = 60;
@@ -109,4 +109,4 @@ Quad fitSides(const cv::Mat& rgb, const Quad& rough, double reach) {
   return fitted;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -4,11 +4,11 @@
 
 #include "engine/document/Quad.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// The outline moved onto the picture's edges: along each side the strongest step within `reach`
 /// pixels is sought, and a line laid through the steps that agree (fingers over an edge do not).
 /// A side without enough agreement stays. `rgb` is 8-bit.
 Quad fitSides(const cv::Mat& rgb, const Quad& rough, double reach);
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -11,7 +11,7 @@
 #include "engine/vision/ImageOps.h"
 #include "engine/vision/MatViews.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 /// A straightened card has 1000 pixels: more than this adds nothing but time.
@@ -72,4 +72,4 @@ tl::expected<std::vector<StillCard>, corvana::IDError> cardsInStill(
   return cards;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -8,7 +8,7 @@
 #include "engine/document/Quad.h"
 #include "platform/media/PixelBuffer.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// A card's outline in a still, in pixels of `picture`: the still or one of its turns.
 struct StillCard {
@@ -22,4 +22,4 @@ struct StillCard {
 tl::expected<std::vector<StillCard>, corvana::IDError> cardsInStill(
     const platform::PixelBuffer& picture);
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 /// Words below it differ from picture to picture; two letters are easily seen in a pattern.
@@ -142,4 +142,4 @@ std::vector<std::string> textLines(const std::vector<TextWord>& words) {
   return texts;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

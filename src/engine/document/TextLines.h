@@ -6,7 +6,7 @@
 
 #include "platform/geometry/Geometry.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// A word as recognised.
 struct TextWord {
@@ -23,4 +23,4 @@ std::size_t characterCount(const std::string& text);
 /// bottom and from left to right. Pure.
 std::vector<std::string> textLines(const std::vector<TextWord>& words);
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -9,7 +9,7 @@
 #include "engine/document/TextLines.h"
 #include "engine/vision/MatViews.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 constexpr int kDotsPerInch = 300;
@@ -99,4 +99,4 @@ std::vector<std::string> TextReader::read(const platform::PixelBuffer& card,
   return lines;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -15,7 +15,7 @@ namespace tesseract {
 class TessBaseAPI;
 }
 
-namespace engine {
+namespace corvana::engine {
 
 /// Where Debian's package tesseract-ocr-eng puts its data.
 inline constexpr const char* kDebianTessdataFolder = "/usr/share/tesseract-ocr/5/tessdata";
@@ -45,4 +45,4 @@ class TextReader {
   std::unique_ptr<tesseract::TessBaseAPI> tesseract_;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -1,6 +1,6 @@
 #include "engine/recorder/DocumentPhase.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 using corvana::DetectedData;
@@ -94,4 +94,4 @@ std::vector<IDCaptureState> DocumentPhase::judge(const DocumentView& view,
   return states;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -6,7 +6,7 @@
 #include "corvana/IDCapture.h"
 #include "engine/recorder/FrameAnalyzer.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// Turns what is seen frame by frame into the states of document capture. For each side the order
 /// is detectingBox, detectedBox, classifiedDocument, success; a card is classified before each
@@ -40,4 +40,4 @@ class DocumentPhase {
 /// Whether everything that such a card must carry was found on it.
 bool isComplete(const corvana::DetectedData& data);
 
-}  // namespace engine
+}  // namespace corvana::engine

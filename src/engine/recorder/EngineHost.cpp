@@ -2,7 +2,7 @@
 
 #include "engine/recorder/Recorder.h"
 
-namespace engine {
+namespace corvana::engine {
 
 std::shared_ptr<corvana::CaptureSession> EngineHost::makeCaptureSession(corvana::CameraPosition) {
   auto session = corvana::CaptureSession::make(
@@ -29,4 +29,4 @@ std::shared_ptr<corvana::VideoCapture> EngineHost::makeVideoCapture(
                          idOverlayFrame, setup_.screenSize, setup_.observer});
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -13,7 +13,7 @@
 #include "engine/recorder/RecorderObserver.h"
 #include "platform/foundation/NotificationCenter.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// The reference host: recorders that see, read and hear for themselves. Main queue; one flow at a
 /// time, since analyzer and recognizer are shared.
@@ -58,4 +58,4 @@ class EngineHost final : public corvana::HostFactories {
   std::shared_ptr<Film> film_;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

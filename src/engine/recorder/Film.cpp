@@ -4,7 +4,7 @@
 #include <system_error>
 #include <utility>
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 namespace fs = std::filesystem;
@@ -182,4 +182,4 @@ std::vector<std::string> Film::fileNames() const {
   return names;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

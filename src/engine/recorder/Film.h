@@ -12,7 +12,7 @@
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/AssetWriter.h"
 
-namespace engine {
+namespace corvana::engine {
 
 struct FilmSettings {
   /// Folder of the run; the film is recorded there as film.partial.mp4 and called film.mp4 when it
@@ -88,4 +88,4 @@ class Film final : public corvana::VideoWriter, public std::enable_shared_from_t
   int failedRuns_ = 0;                                                           // film queue
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -15,7 +15,7 @@
 #include "platform/geometry/Geometry.h"
 #include "platform/media/SampleBuffer.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// What to look for in a frame.
 struct AnalysisTask {
@@ -88,4 +88,4 @@ class FrameAnalyzer {
                               const AnalysisTask& task) = 0;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

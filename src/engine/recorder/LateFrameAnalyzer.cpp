@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace engine {
+namespace corvana::engine {
 
 std::shared_ptr<LateFrameAnalyzer> LateFrameAnalyzer::start(platform::RunLoop& loop, Load load) {
   std::shared_ptr<LateFrameAnalyzer> self(new LateFrameAnalyzer);
@@ -20,4 +20,4 @@ std::shared_ptr<LateFrameAnalyzer> LateFrameAnalyzer::start(platform::RunLoop& l
   return self;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -11,7 +11,7 @@
 #include "engine/recorder/FrameAnalyzer.h"
 #include "platform/foundation/RunLoop.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// Stands in for an analyzer whose models a worker is still loading, so that the user sees the
 /// camera's pictures meanwhile. Only for loops on the wall clock: in virtual time no frame may be
@@ -39,4 +39,4 @@ class LateFrameAnalyzer final : public FrameAnalyzer {
   std::optional<platform::Fault> fault_;  ///< main queue
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

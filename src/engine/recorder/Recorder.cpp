@@ -8,7 +8,7 @@
 #include "corvana/StateNames.h"
 #include "engine/recorder/StateEvents.h"
 
-namespace engine {
+namespace corvana::engine {
 
 using corvana::IDCapture;
 using corvana::IDCaptureState;
@@ -253,4 +253,4 @@ void Recorder::note(const RecorderEvent& event) {
   if (setup_.observer) setup_.observer->happened(event);
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

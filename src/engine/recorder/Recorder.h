@@ -14,7 +14,7 @@
 #include "engine/recorder/SelfiePhase.h"
 #include "platform/foundation/NotificationCenter.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// The reference host's recorder. Frames come on the capture queue: each goes to the film, ten a
 /// second are analysed on a queue of their own. What was seen is judged on the main queue, which
@@ -109,4 +109,4 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   std::optional<AnalysisTask> task_;  ///< guarded by taskMutex_; absent while nothing is reported
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -5,7 +5,7 @@
 #include <variant>
 #include <vector>
 
-namespace engine {
+namespace corvana::engine {
 
 /// Something that the recorder reported, or that was asked of it.
 struct RecorderEvent {
@@ -30,4 +30,4 @@ class RecorderObserver {
   virtual void happened(const RecorderEvent& event) = 0;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -1,6 +1,6 @@
 #include "engine/recorder/SelfiePhase.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 using corvana::SelfieCaptureState;
@@ -58,4 +58,4 @@ std::vector<SelfieCaptureState> SelfiePhase::judge(const SelfieView& view,
   return states;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

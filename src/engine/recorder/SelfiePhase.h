@@ -6,7 +6,7 @@
 #include "corvana/SelfieCapture.h"
 #include "engine/recorder/FrameAnalyzer.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// Turns what is seen frame by frame into the states of selfie capture: each change once, a success
 /// when the face was good for a while, and then again at most twice a second. Pure.
@@ -35,4 +35,4 @@ class SelfiePhase {
   double bestSharpness_ = 0;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

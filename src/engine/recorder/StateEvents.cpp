@@ -2,7 +2,7 @@
 
 #include "corvana/StateNames.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 using corvana::DetectedData;
@@ -55,4 +55,4 @@ RecorderEvent eventOf(const IDCaptureState& state) {
   return {RecorderEvent::Kind::state, corvana::nameOf(state), detailsOf(state)};
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

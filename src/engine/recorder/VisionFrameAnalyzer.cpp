@@ -7,7 +7,7 @@
 #include "engine/document/CardWarp.h"
 #include "engine/vision/ImageOps.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 using corvana::VideoCaptureMode;
@@ -163,4 +163,4 @@ DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
   return view;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

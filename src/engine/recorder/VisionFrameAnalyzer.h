@@ -14,7 +14,7 @@
 #include "engine/vision/FaceDetector.h"
 #include "engine/vision/LiveFaceTracker.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// Looks at frames with the face and document models.
 class VisionFrameAnalyzer final : public FrameAnalyzer {
@@ -62,4 +62,4 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
 platform::CGRect guideInPicture(const platform::CGRect& overlay, const platform::CGSize& screen,
                                 const platform::CGSize& picture);
 
-}  // namespace engine
+}  // namespace corvana::engine

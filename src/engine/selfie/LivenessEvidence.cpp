@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 // Points of the face that no expression moves much: nose, brow, temples, cheekbones, eye corners.
@@ -141,4 +141,4 @@ float LivenessEvidence::score() const {
                             kBlinkWeight * (blinkSeen_ ? 1 : 0) + kDepthWeight * depth);
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

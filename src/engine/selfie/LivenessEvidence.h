@@ -6,7 +6,7 @@
 #include "engine/vision/FaceLandmarks.h"
 #include "platform/foundation/Time.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// Gathers signs over time that a face is alive: a blink, and a turn of the head in which near
 /// parts move against far ones, as no flat picture's do. Basic and honest: a good replay on a
@@ -51,4 +51,4 @@ class LivenessEvidence {
 /// in distances between the eyes.
 double nonPlanarMotion(const FaceMesh& reference, const FaceMesh& face);
 
-}  // namespace engine
+}  // namespace corvana::engine

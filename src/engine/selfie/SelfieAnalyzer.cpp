@@ -10,7 +10,7 @@
 #include "engine/vision/ImageOps.h"
 #include "platform/foundation/Require.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 using platform::CGRect;
@@ -129,4 +129,4 @@ SelfieJudgement SelfieAnalyzer::analyze(const platform::PixelBufferRef& frame,
   return judgement;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -12,7 +12,7 @@
 #include "platform/media/PixelBuffer.h"
 #include "platform/uikit/UIImage.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// What one frame says. Measures are filled in as far as the judgement got.
 struct SelfieJudgement {
@@ -62,4 +62,4 @@ class SelfieAnalyzer {
   std::shared_ptr<FaceLandmarks> landmarks_;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace engine {
+namespace corvana::engine {
 
 /// What a frame is worth as a selfie.
 enum class SelfieVerdict {
@@ -13,4 +13,4 @@ enum class SelfieVerdict {
   good,
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

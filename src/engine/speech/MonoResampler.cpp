@@ -4,7 +4,7 @@
 
 #include "platform/foundation/Require.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 constexpr float kFullScale = 32768.0F;
@@ -70,4 +70,4 @@ std::vector<std::int16_t> MonoResampler::convert(const platform::CMSampleBuffer&
   return samples;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -6,7 +6,7 @@
 
 #include "platform/media/SampleBuffer.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// Brings a stream of microphone samples to one channel and one rate, low-passed. One thread at a
 /// time.
@@ -30,4 +30,4 @@ class MonoResampler {
   std::unique_ptr<Converter> converter_;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -9,7 +9,7 @@
 #include "engine/speech/SpeechModel.h"
 #include "engine/speech/Transcriber.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 /// The number of no run.
@@ -156,4 +156,4 @@ void PocketSphinxRecognizer::append(const platform::CMSampleBufferRef& sampleBuf
   queue_->async([worker = worker_, run, sampleBuffer] { worker->hear(run, *sampleBuffer); });
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -8,7 +8,7 @@
 #include "engine/speech/SpeechModelPaths.h"
 #include "platform/foundation/RunLoop.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// Hears the reader with PocketSphinx. The model is built on a queue of its own at the first
 /// `start`; sound that comes meanwhile is kept and heard afterwards. Words are reported as the text
@@ -37,4 +37,4 @@ class PocketSphinxRecognizer final : public corvana::SpeechRecognizer {
   std::uint64_t lastRun_ = 0;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -12,7 +12,7 @@ void usenglish_init(cst_voice* voice);
 cst_lexicon* cmulex_init(void);
 }
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 /// The lexicon is one static object of the library, which its first user completes.
@@ -125,4 +125,4 @@ std::vector<std::string> Pronouncer::pronunciations(const std::string& asciiWord
   return distinct;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

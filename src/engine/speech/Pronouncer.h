@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace engine {
+namespace corvana::engine {
 
 /// Says how a word that no dictionary holds sounds, by Flite's text analysis, lexicon and
 /// letter-to-sound rules for American English: names, numbers and abbreviations alike.
@@ -27,4 +27,4 @@ class Pronouncer {
   std::unique_ptr<Voice> voice_;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -8,7 +8,7 @@
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 bool isSpoken(UChar32 c) {
@@ -86,4 +86,4 @@ std::vector<ReadingWord> readingWords(const std::string& text) {
   return words;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

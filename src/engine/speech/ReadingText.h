@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace engine {
+namespace corvana::engine {
 
 /// A word of a text that is read aloud.
 struct ReadingWord {
@@ -15,4 +15,4 @@ struct ReadingWord {
 /// commas and colons within numbers ("10,000" is one word, as it is in the text). Any thread.
 std::vector<ReadingWord> readingWords(const std::string& text);
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -17,7 +17,7 @@
 #include "engine/speech/ReadingText.h"
 #include "engine/speech/TextLanguageModel.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 /// The name PocketSphinx's decoder knows our search by.
@@ -181,4 +181,4 @@ void SpeechModel::endUtterance() {
   ps_end_utt(decoder_->handle);
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -11,7 +11,7 @@
 #include "corvana/IDError.h"
 #include "engine/speech/SpeechModelPaths.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// PocketSphinx with an acoustic model, a dictionary and a language model: turns one utterance
 /// after the other into words. One thread at a time.
@@ -47,4 +47,4 @@ class SpeechModel {
   std::unique_ptr<Decoder> decoder_;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

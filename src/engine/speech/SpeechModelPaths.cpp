@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 namespace fs = std::filesystem;
@@ -53,4 +53,4 @@ std::optional<corvana::IDError> SpeechModelPaths::findFault() const {
   return std::nullopt;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

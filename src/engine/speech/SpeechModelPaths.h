@@ -5,7 +5,7 @@
 
 #include "corvana/IDError.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// Where the files of a PocketSphinx model lie.
 struct SpeechModelPaths {
@@ -24,4 +24,4 @@ struct SpeechModelPaths {
 
 inline constexpr const char* kDebianSpeechModelFolder = "/usr/share/pocketsphinx/model/en-us";
 
-}  // namespace engine
+}  // namespace corvana::engine

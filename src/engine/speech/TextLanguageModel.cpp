@@ -6,7 +6,7 @@
 #include <sstream>
 #include <utility>
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 constexpr const char* kStart = "<s>";
@@ -93,4 +93,4 @@ std::string textLanguageModel(const std::vector<std::string>& words) {
   return arpa.str();
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 /// 100 ms: results come soon enough to follow a reader, and the search is entered seldom.
@@ -56,4 +56,4 @@ platform::SFSpeechRecognitionResult Transcriber::transcript(bool isFinal) const 
   return result;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -9,7 +9,7 @@
 #include "engine/speech/SpeechModel.h"
 #include "platform/media/Speech.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// Listens without end: cuts the sound into utterances at silences and keeps the transcript of all
 /// of them. Samples are decoded in chunks of fixed size, so that results depend on the samples
@@ -40,4 +40,4 @@ class Transcriber {
   bool heardSpeech_ = false;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

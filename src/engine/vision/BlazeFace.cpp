@@ -6,7 +6,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-namespace engine {
+namespace corvana::engine {
 
 double overlap(const platform::CGRect& a, const platform::CGRect& b) {
   const double width = std::min(a.maxX(), b.maxX()) - std::max(a.minX(), b.minX());
@@ -16,9 +16,9 @@ double overlap(const platform::CGRect& a, const platform::CGRect& b) {
   return shared / (a.width * a.height + b.width * b.height - shared);
 }
 
-}  // namespace engine
+}  // namespace corvana::engine
 
-namespace engine::blazeface {
+namespace corvana::engine::blazeface {
 namespace {
 
 using platform::CGPoint;
@@ -146,4 +146,4 @@ std::vector<Face> look(TfliteModel& model, const cv::Mat& rgb, const cv::Rect& w
   return merged(std::move(faces));
 }
 
-}  // namespace engine::blazeface
+}  // namespace corvana::engine::blazeface

@@ -8,7 +8,7 @@
 #include "engine/vision/TfliteModel.h"
 
 /// One look of the BlazeFace network through a square window; the detector's inner part.
-namespace engine::blazeface {
+namespace corvana::engine::blazeface {
 
 /// The network's input is a square of this side.
 inline constexpr int kInputSide = 128;
@@ -25,4 +25,4 @@ std::vector<Face> look(TfliteModel& model, const cv::Mat& rgb, const cv::Rect& w
 /// Merges faces that overlap by more than 0.3 into their mean, weighted by their scores.
 std::vector<Face> merged(std::vector<Face> faces);
 
-}  // namespace engine::blazeface
+}  // namespace corvana::engine::blazeface

@@ -6,7 +6,7 @@
 
 #include "platform/geometry/Geometry.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// One face in a picture. Right and left are the person's own: in an unmirrored picture the right
 /// eye is the one further left.
@@ -26,4 +26,4 @@ struct Face {
 /// Area shared by both rectangles over the area covered by either, 0 to 1.
 double overlap(const platform::CGRect& a, const platform::CGRect& b);
 
-}  // namespace engine
+}  // namespace corvana::engine

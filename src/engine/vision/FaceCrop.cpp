@@ -9,7 +9,7 @@
 
 #include "engine/vision/MatViews.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 // Points of the plane as complex numbers: a similarity is then z → a·z + b.
@@ -67,4 +67,4 @@ platform::UIImageRef cropFace(const platform::PixelBuffer& picture, const Face& 
   return std::make_shared<const platform::UIImage>(pixelBufferFrom(crop));
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -4,7 +4,7 @@
 #include "platform/media/PixelBuffer.h"
 #include "platform/uikit/UIImage.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// Faces narrower than this, in pixels, are not cropped: below it the matcher's distances of one
 /// person's pictures begin to reach those of strangers.
@@ -16,4 +16,4 @@ inline constexpr double kLeastFaceWidth = 80;
 /// narrower than `kLeastFaceWidth` or without distinct eyes.
 platform::UIImageRef cropFace(const platform::PixelBuffer& picture, const Face& face);
 
-}  // namespace engine
+}  // namespace corvana::engine

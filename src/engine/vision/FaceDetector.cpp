@@ -9,7 +9,7 @@
 #include "engine/vision/BlazeFace.h"
 #include "engine/vision/MatViews.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 /// The second look's crop is this many times as wide as the face: the scale at which the network is
@@ -162,4 +162,4 @@ std::vector<Face> FaceDetector::detectNear(const platform::PixelBuffer& picture,
   return settled(looker, looker.look(squareAround(box, side)));
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -10,7 +10,7 @@
 #include "engine/vision/TfliteModel.h"
 #include "platform/media/PixelBuffer.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// Finds faces with BlazeFace (short range). The network sees 128×128 and misses faces narrower
 /// than about a fifth of that, so the picture is also looked at in overlapping squares, and each
@@ -42,4 +42,4 @@ class FaceDetector {
   TfliteModel model_;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

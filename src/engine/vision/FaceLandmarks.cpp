@@ -9,7 +9,7 @@
 
 #include "engine/vision/MatViews.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 constexpr int kInputSide = 192;
@@ -163,4 +163,4 @@ FaceDetails FaceLandmarks::locate(const platform::PixelBuffer& picture, const Fa
   return details;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

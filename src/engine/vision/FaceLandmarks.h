@@ -13,7 +13,7 @@
 #include "platform/geometry/Geometry.h"
 #include "platform/media/PixelBuffer.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// A point of the face's surface, in pixels of the picture; z points away from the camera, in the
 /// same unit, with its zero near the head's middle.
@@ -74,4 +74,4 @@ float eyeOpenProbability(double aspectRatio);
 
 HeadPose headPose(const FaceMesh& mesh);
 
-}  // namespace engine
+}  // namespace corvana::engine

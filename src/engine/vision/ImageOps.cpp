@@ -10,7 +10,7 @@
 #include "engine/vision/MatViews.h"
 #include "platform/foundation/Require.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 using platform::CGRect;
@@ -138,4 +138,4 @@ Luma luma(const PixelBuffer& picture, const CGRect& rect) {
   return {mean[0], deviation[0]};
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -5,7 +5,7 @@
 
 /// Operations on whole pictures, and the measures of their quality. Pure and free of threads; every
 /// pixel format goes in.
-namespace engine {
+namespace corvana::engine {
 
 /// The picture itself if it is rgb24, else converted (i420 as BT.601, limited range).
 platform::PixelBufferRef rgbPicture(const platform::PixelBufferRef& picture);
@@ -33,4 +33,4 @@ struct Luma {
 /// Brightness and contrast inside the rectangle; zeros for an empty one.
 Luma luma(const platform::PixelBuffer& picture, const platform::CGRect& rect);
 
-}  // namespace engine
+}  // namespace corvana::engine

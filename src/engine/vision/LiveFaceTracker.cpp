@@ -5,7 +5,7 @@
 
 #include "platform/foundation/Require.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 using platform::CGRect;
@@ -72,4 +72,4 @@ LiveFaceTracker::Sighting LiveFaceTracker::update(std::span<const Face> faces,
   return {last_, platform::Duration::zero()};
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -7,7 +7,7 @@
 #include "platform/foundation/Time.h"
 #include "platform/geometry/Geometry.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// Keeps an eye on one live face from frame to frame. A portrait printed on a card is not taken for
 /// it: it is much smaller than the live face was, or far from where that was. Pure: times come with
@@ -40,4 +40,4 @@ class LiveFaceTracker {
   platform::TimePoint lastSeen_;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -7,7 +7,7 @@
 
 /// Bridges between the system's pictures and OpenCV's, for the engine's source files only: no
 /// public header includes this one.
-namespace engine {
+namespace corvana::engine {
 
 /// The picture as 8-bit RGB. Shares the bytes of an rgb24 picture: read it, never write it, and
 /// keep the picture alive.
@@ -23,4 +23,4 @@ platform::PixelBufferRef pixelBufferFrom(const cv::Mat& mat);
 /// The rectangle rounded outwards to whole pixels and cut at the picture's edges; may be empty.
 cv::Rect pixelRect(const platform::CGRect& rect, cv::Size picture);
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -5,7 +5,7 @@
 
 #include "platform/foundation/Require.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 using corvana::IDError;
@@ -84,4 +84,4 @@ std::span<const float> TfliteModel::output(int index) const {
   return valuesOf(*tensor);
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

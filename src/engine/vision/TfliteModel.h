@@ -11,7 +11,7 @@
 #include "corvana/IDError.h"
 #include "inference/Interpreter.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// One TensorFlow Lite network: a float picture in, float tables out, on one thread. The same
 /// build, CPU type and input give the same output. Movable; use it from one thread at a time.
@@ -43,4 +43,4 @@ class TfliteModel {
   inference::Interpreter interpreter_;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

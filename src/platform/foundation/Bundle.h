@@ -7,7 +7,7 @@
 
 #include "platform/uikit/UIImage.h"
 
-namespace platform {
+namespace corvana::platform {
 
 struct Environment;
 class UIStoryboard;
@@ -26,4 +26,4 @@ class Bundle {
                                                    const std::string& name) = 0;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

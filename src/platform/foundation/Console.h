@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-namespace platform {
+namespace corvana::platform {
 
 /// Where the module's diagnostic lines go; standard error in the program.
 class Console {
@@ -12,4 +12,4 @@ class Console {
   virtual void print(std::string_view line) = 0;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

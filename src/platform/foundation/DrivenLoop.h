@@ -4,7 +4,7 @@
 
 #include "platform/foundation/RunLoop.h"
 
-namespace platform {
+namespace corvana::platform {
 
 /// A run loop that its owner runs: the thread that calls `runUntil` is the main queue, and makes
 /// and destroys the loop, too.
@@ -24,4 +24,4 @@ class DrivenLoop : public RunLoop {
   virtual void shutDown() = 0;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

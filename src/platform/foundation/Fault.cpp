@@ -2,7 +2,7 @@
 
 #include "platform/foundation/Require.h"
 
-namespace platform {
+namespace corvana::platform {
 
 const char* nameOf(FaultCause cause) {
   switch (cause) {
@@ -36,4 +36,4 @@ bool canTryAgain(FaultCause cause) {
   }
 }
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace platform {
+namespace corvana::platform {
 
 /// What went wrong in the world around a flow, as far as a program may want to tell cases apart.
 enum class FaultCause {
@@ -29,4 +29,4 @@ const char* nameOf(FaultCause cause);
 /// machine first.
 bool canTryAgain(FaultCause cause);
 
-}  // namespace platform
+}  // namespace corvana::platform

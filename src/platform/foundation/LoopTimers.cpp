@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace platform {
+namespace corvana::platform {
 
 class LoopTimers::LoopTimer final : public Timer, public std::enable_shared_from_this<LoopTimer> {
  public:
@@ -52,4 +52,4 @@ void LoopTimers::invalidateAll() {
   }
 }
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -6,7 +6,7 @@
 
 #include "platform/foundation/RunLoop.h"
 
-namespace platform {
+namespace corvana::platform {
 
 /// The timers of a run loop's main queue, where all of them live.
 class LoopTimers {
@@ -28,4 +28,4 @@ class LoopTimers {
   std::vector<std::weak_ptr<Timer>> timers_;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

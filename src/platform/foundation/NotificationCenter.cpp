@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace platform {
+namespace corvana::platform {
 
 struct NotificationCenter::Observation::Entry {
   std::string name;
@@ -35,4 +35,4 @@ void NotificationCenter::post(const Notification& notification) {
   }
 }
 
-}  // namespace platform
+}  // namespace corvana::platform

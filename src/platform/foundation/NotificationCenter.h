@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace platform {
+namespace corvana::platform {
 
 struct Notification {
   std::string name;
@@ -52,4 +52,4 @@ class NotificationCenter {
   std::vector<std::weak_ptr<Observation::Entry>> entries_;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

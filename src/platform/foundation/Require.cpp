@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-namespace platform {
+namespace corvana::platform {
 
 void fatal(std::string_view message) {
   std::fprintf(stderr, "fatal: %.*s\n", static_cast<int>(message.size()), message.data());
@@ -11,4 +11,4 @@ void fatal(std::string_view message) {
   std::abort();
 }
 
-}  // namespace platform
+}  // namespace corvana::platform

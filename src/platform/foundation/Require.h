@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-namespace platform {
+namespace corvana::platform {
 
 /// Ends the program with a message on standard error: a promise between programmers was broken
 /// (an outlet that the storyboard lacks, a document type too short). Never used for user input.
@@ -12,4 +12,4 @@ inline void require(bool condition, std::string_view message) {
   if (!condition) fatal(message);
 }
 
-}  // namespace platform
+}  // namespace corvana::platform

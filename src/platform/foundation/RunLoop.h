@@ -6,7 +6,7 @@
 
 #include "platform/foundation/Time.h"
 
-namespace platform {
+namespace corvana::platform {
 
 using Block = std::function<void()>;
 
@@ -81,4 +81,4 @@ void callDelegate(RunLoop& loop, const std::weak_ptr<Delegate>& delegate, Call&&
   }
 }
 
-}  // namespace platform
+}  // namespace corvana::platform

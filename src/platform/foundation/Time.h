@@ -5,7 +5,7 @@
 
 /// Time of the system: monotonic, counted from the start of a run loop. The wall clock is never
 /// read.
-namespace platform {
+namespace corvana::platform {
 
 using Duration = std::chrono::nanoseconds;
 
@@ -27,4 +27,4 @@ constexpr double inSeconds(Duration duration) {
   return std::chrono::duration<double>(duration).count();
 }
 
-}  // namespace platform
+}  // namespace corvana::platform

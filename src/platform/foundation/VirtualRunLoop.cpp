@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace platform {
+namespace corvana::platform {
 
 /// All queues share the one line of events: posting order is the order of running.
 class VirtualRunLoop::Queue final : public DispatchQueue {
@@ -94,4 +94,4 @@ VirtualRunLoop::Stop VirtualRunLoop::advance(Duration duration) {
   return stop;
 }
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -9,7 +9,7 @@
 #include "platform/foundation/DrivenLoop.h"
 #include "platform/foundation/LoopTimers.h"
 
-namespace platform {
+namespace corvana::platform {
 
 /// Virtual time: the clock jumps from event to event, all on the calling thread. Events of equal
 /// time run in posting order, frames first; the same input gives the same run, whatever the load.
@@ -50,4 +50,4 @@ class VirtualRunLoop final : public DrivenLoop {
   std::shared_ptr<DispatchQueue> queue_;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

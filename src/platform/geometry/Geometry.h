@@ -1,6 +1,6 @@
 #pragma once
 
-namespace platform {
+namespace corvana::platform {
 
 struct CGPoint {
   double x = 0;
@@ -32,4 +32,4 @@ struct CGRect {
   bool operator==(const CGRect&) const = default;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -13,7 +13,7 @@
 #include "platform/media/SampleBuffer.h"
 #include "platform/media/WriterSettings.h"
 
-namespace platform {
+namespace corvana::platform {
 
 /// What a film has taken in so far.
 struct AssetWriterCounters {
@@ -61,4 +61,4 @@ class AssetWriterFactory {
       const std::optional<WriterSettings>& audio) = 0;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -8,7 +8,7 @@
 #include "platform/media/SampleBuffer.h"
 #include "platform/media/WriterSettings.h"
 
-namespace platform {
+namespace corvana::platform {
 
 enum class AVMediaType { video, audio };
 
@@ -62,4 +62,4 @@ class MediaDevices {
   virtual void requestAccess(AVMediaType type, std::function<void(bool granted)> answer) = 0;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

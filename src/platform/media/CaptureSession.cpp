@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace platform {
+namespace corvana::platform {
 
 AVCaptureOutput::AVCaptureOutput(RunLoop& loop, AVMediaType mediaType)
     : loop_(loop), mediaType_(mediaType) {}
@@ -173,4 +173,4 @@ bool AVCaptureSession::isRunning() const {
   return connections_->isRunning();
 }
 
-}  // namespace platform
+}  // namespace corvana::platform

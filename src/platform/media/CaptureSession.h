@@ -11,7 +11,7 @@
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/CaptureDevice.h"
 
-namespace platform {
+namespace corvana::platform {
 
 class AVCaptureOutput;
 
@@ -108,4 +108,4 @@ class AVCaptureSession {
   std::shared_ptr<Connections> connections_;  ///< shared with what starts devices on other queues
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

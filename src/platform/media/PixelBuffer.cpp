@@ -4,7 +4,7 @@
 
 #include "platform/foundation/Require.h"
 
-namespace platform {
+namespace corvana::platform {
 namespace {
 
 std::size_t product(int width, int height) {
@@ -51,4 +51,4 @@ const std::uint8_t* PixelBuffer::plane(int index) const {
   return bytes_.data() + offset;
 }
 
-}  // namespace platform
+}  // namespace corvana::platform

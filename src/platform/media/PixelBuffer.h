@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-namespace platform {
+namespace corvana::platform {
 
 enum class PixelFormat {
   rgb24,  ///< one plane, three bytes a pixel: R, G, B
@@ -40,4 +40,4 @@ class PixelBuffer {
 
 using PixelBufferRef = std::shared_ptr<const PixelBuffer>;
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -7,7 +7,7 @@
 #include "platform/foundation/Time.h"
 #include "platform/media/PixelBuffer.h"
 
-namespace platform {
+namespace corvana::platform {
 
 /// One camera picture or a run of microphone samples, with the instant of its first sample on the
 /// run loop's clock. Immutable and shared; any thread.
@@ -26,4 +26,4 @@ struct CMSampleBuffer {
 
 using CMSampleBufferRef = std::shared_ptr<const CMSampleBuffer>;
 
-}  // namespace platform
+}  // namespace corvana::platform

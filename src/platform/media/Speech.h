@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace platform {
+namespace corvana::platform {
 
 struct SFTranscriptionSegment {
   std::string substring;
@@ -32,4 +32,4 @@ class SpeechAuthorization {
       std::function<void(SFSpeechRecognizerAuthorizationStatus status)> answer) = 0;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

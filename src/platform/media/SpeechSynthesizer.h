@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace platform {
+namespace corvana::platform {
 
 /// A voice that speaks one utterance at a time. Main queue; both calls return at once.
 class SpeechSynthesizer {
@@ -13,4 +13,4 @@ class SpeechSynthesizer {
   virtual void stopSpeaking() = 0;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

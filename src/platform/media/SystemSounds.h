@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-namespace platform {
+namespace corvana::platform {
 
 using SystemSoundID = std::uint32_t;
 
@@ -16,4 +16,4 @@ class SystemSounds {
   virtual void play(SystemSoundID sound) = 0;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-namespace platform {
+namespace corvana::platform {
 
 using AVFileType = std::string;
 using AVVideoCodecType = std::string;
@@ -35,4 +35,4 @@ inline constexpr const char* kAVSampleRateKey = "AVSampleRateKey";  ///< int, Hz
 inline constexpr const char* kAVNumberOfChannelsKey = "AVNumberOfChannelsKey";  ///< int
 inline constexpr const char* kAVEncoderBitRateKey = "AVEncoderBitRateKey";      ///< int, bit/s
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -4,7 +4,7 @@
 
 #include "platform/foundation/Time.h"
 
-namespace platform {
+namespace corvana::platform {
 
 class UIView;
 
@@ -36,4 +36,4 @@ class Animations {
   std::optional<TimePoint> end_;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace platform {
+namespace corvana::platform {
 
 CALayer::~CALayer() {
   for (const auto& layer : sublayers_)
@@ -37,4 +37,4 @@ void CALayer::setZPosition(double z) {
   changed();
 }
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -7,7 +7,7 @@
 #include "platform/geometry/Geometry.h"
 #include "platform/uikit/UIColor.h"
 
-namespace platform {
+namespace corvana::platform {
 
 /// A node of the tree of drawings behind the views. Main queue only.
 class CALayer : public std::enable_shared_from_this<CALayer> {
@@ -51,4 +51,4 @@ class CAShapeLayer final : public CALayer {
   double lineWidth = 1;  ///< points
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

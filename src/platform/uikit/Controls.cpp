@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace platform {
+namespace corvana::platform {
 
 void UILabel::setText(std::optional<std::string> text) {
   text_ = std::move(text);
@@ -59,4 +59,4 @@ void UIProgressView::setProgress(float progress, bool animated) {
   changed("progress");
 }
 
-}  // namespace platform
+}  // namespace corvana::platform

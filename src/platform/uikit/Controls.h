@@ -8,7 +8,7 @@
 #include "platform/uikit/UIImage.h"
 #include "platform/uikit/UIView.h"
 
-namespace platform {
+namespace corvana::platform {
 
 struct UIFont {
   std::string family;
@@ -98,4 +98,4 @@ class UIProgressView final : public UIView {
   bool progressAnimated_ = false;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

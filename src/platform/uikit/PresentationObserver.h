@@ -1,6 +1,6 @@
 #pragma once
 
-namespace platform {
+namespace corvana::platform {
 
 class UIViewController;
 
@@ -20,4 +20,4 @@ class PresentationObserver {
   virtual void didDismiss(UIViewController& controller) = 0;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace platform {
+namespace corvana::platform {
 
 /// Straight (not premultiplied) sRGB components from 0 to 1.
 struct UIColor {
@@ -27,4 +27,4 @@ inline constexpr UIColor kPurple{0.5, 0, 0.5, 1};
 inline constexpr UIColor kClear{0, 0, 0, 0};
 }  // namespace colors
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -5,7 +5,7 @@
 
 #include "platform/media/PixelBuffer.h"
 
-namespace platform {
+namespace corvana::platform {
 
 /// A picture that is shown or judged; equality is that of the object. A drawing known to the screen
 /// only by its resource name has no pixels.
@@ -26,4 +26,4 @@ class UIImage {
 /// Null means no image.
 using UIImageRef = std::shared_ptr<const UIImage>;
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -10,7 +10,7 @@
 #include "platform/uikit/Controls.h"
 #include "platform/uikit/UIViewController.h"
 
-namespace platform {
+namespace corvana::platform {
 
 /// A reference to a view that the storyboard connects. Using one that is not connected ends the
 /// program, naming it. It owns the view, unless its `Pointer` is a `std::weak_ptr`: then only the
@@ -85,4 +85,4 @@ class UIStoryboard : public std::enable_shared_from_this<UIStoryboard> {
       const std::string& identifier) = 0;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -5,7 +5,7 @@
 #include "platform/Environment.h"
 #include "platform/uikit/UIViewController.h"
 
-namespace platform {
+namespace corvana::platform {
 namespace {
 
 constexpr double kLowestTouchableAlpha = 0.01;
@@ -98,4 +98,4 @@ void UIView::transition(Environment& environment, UIView& view, Duration duratio
   if (completion) environment.runLoop.mainQueue().asyncAfter(duration, std::move(completion));
 }
 
-}  // namespace platform
+}  // namespace corvana::platform

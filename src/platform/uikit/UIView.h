@@ -10,7 +10,7 @@
 #include "platform/uikit/CALayer.h"
 #include "platform/uikit/UIColor.h"
 
-namespace platform {
+namespace corvana::platform {
 
 class UIView;
 class UIViewController;
@@ -101,4 +101,4 @@ struct NSLayoutConstraint {
   bool isActive = true;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

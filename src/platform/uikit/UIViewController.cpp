@@ -5,7 +5,7 @@
 #include "platform/uikit/PresentationObserver.h"
 #include "platform/uikit/UIStoryboard.h"
 
-namespace platform {
+namespace corvana::platform {
 
 UIViewController::~UIViewController() {
   if (presented_) presented_->presenting_ = nullptr;
@@ -202,4 +202,4 @@ UIViewController& UIWindow::topmost() {
   return *top;
 }
 
-}  // namespace platform
+}  // namespace corvana::platform

@@ -10,7 +10,7 @@
 #include "platform/Environment.h"
 #include "platform/uikit/UIView.h"
 
-namespace platform {
+namespace corvana::platform {
 
 class OutletBinder;
 class UINavigationController;
@@ -165,4 +165,4 @@ class UIWindow {
   std::shared_ptr<UIViewController> root_;
 };
 
-}  // namespace platform
+}  // namespace corvana::platform

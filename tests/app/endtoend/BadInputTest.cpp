@@ -5,7 +5,7 @@
 
 #include "app/endtoend/Program.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 namespace fs = std::filesystem;
@@ -137,4 +137,4 @@ TEST(Commands, WrongUseIsExitCodeTwo) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

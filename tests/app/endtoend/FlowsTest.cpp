@@ -5,7 +5,7 @@
 #include "app/endtoend/Program.h"
 #include "devices/recorded/MediaProbe.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 namespace fs = std::filesystem;
@@ -260,4 +260,4 @@ TEST(EndToEnd, TheCamerasEndEndsTheFlowAndLeavesAFilmThatPlays) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

@@ -9,7 +9,7 @@
 
 #include "devices/scripted/HostContractValidator.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 namespace fs = std::filesystem;
@@ -93,4 +93,4 @@ std::vector<std::string> breachesOf(const fs::path& run) {
   return validator.breaches();
 }
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -8,7 +8,7 @@
 
 #include "support/Scratch.h"
 
-namespace tests {
+namespace corvana::tests {
 
 /// What a program left behind when it was run with these arguments.
 struct ProgramRun {
@@ -43,4 +43,4 @@ std::vector<nlohmann::json> eventsOf(const std::filesystem::path& run,
 /// Where the host of that run broke a promise of docs/host-contract.md.
 std::vector<std::string> breachesOf(const std::filesystem::path& run);
 
-}  // namespace tests
+}  // namespace corvana::tests

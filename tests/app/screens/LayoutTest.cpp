@@ -5,7 +5,7 @@
 #include "ScreenWorld.h"
 #include "app/settings/AppearanceTable.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 /// A window, how large its letters are, and their language; "longer" is English with words that
@@ -217,4 +217,4 @@ TEST_F(Contrast, LettersStandOutByTheDefaultTables) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

@@ -9,7 +9,7 @@
 #include "app/settings/AppearanceTable.h"
 #include "app/simulate/ScreensCommand.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 namespace fs = std::filesystem;
@@ -113,4 +113,4 @@ TEST_F(Screens, PicturesOfEveryStateAreTheSameEachTime) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

@@ -10,6 +10,7 @@
 #include "support/HostTablesGuard.h"
 #include "support/Scratch.h"
 
+namespace corvana::tests {
 namespace {
 
 namespace fs = std::filesystem;
@@ -133,3 +134,4 @@ TEST_F(HostileScript, ThatBreaksTheHostsContractIsToldSo) {
 }
 
 }  // namespace
+}  // namespace corvana::tests

@@ -2,7 +2,7 @@
 
 #include "support/TestImages.h"
 
-namespace tests {
+namespace corvana::tests {
 
 using corvana::DetectedData;
 using corvana::DocumentSide;
@@ -84,4 +84,4 @@ Beginning randomBeginning(Dice& dice) {
   return result;
 }
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -9,7 +9,7 @@
 
 #include "support/TestWorld.h"
 
-namespace tests {
+namespace corvana::tests {
 
 /// Numbers that follow from a seed alone, on every machine.
 class Dice {
@@ -44,4 +44,4 @@ struct Beginning {
 
 Beginning randomBeginning(Dice& dice);
 
-}  // namespace tests
+}  // namespace corvana::tests

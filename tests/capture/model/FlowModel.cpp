@@ -6,7 +6,7 @@
 #include "Judgement.h"
 #include "capture/ControllerFactories.h"
 
-namespace tests {
+namespace corvana::tests {
 
 using capture::RetryType;
 using corvana::CaptureMode;
@@ -440,4 +440,4 @@ std::shared_ptr<FlowModel> FlowModel::self() {
   return std::static_pointer_cast<FlowModel>(shared_from_this());
 }
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -14,7 +14,7 @@
 #include "corvana/VideoCapture.h"
 #include "platform/uikit/UIStoryboard.h"
 
-namespace tests {
+namespace corvana::tests {
 
 /// Whether two pictures show the same face; absent when they cannot be compared.
 using SameFace = std::function<std::optional<bool>(const platform::UIImageRef& one,
@@ -101,4 +101,4 @@ class FlowModel final : public corvana::CaptureSessionViewController,
   std::optional<Data> front_;
 };
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -11,7 +11,7 @@
 #include "capture/Corvana+VideoCapture.h"
 #include "corvana/Decision.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 /// A world, the screen that was entered in it, and what the caller got.
@@ -242,4 +242,4 @@ TEST(FlowSimulator, TheScreenDoesWhatTheModelTells) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace tests {
+namespace corvana::tests {
 
 using ID = corvana::IDCaptureState;
 using Face = corvana::SelfieCaptureState;
@@ -151,4 +151,4 @@ std::optional<Step> CarefulHost::reportEnd(Dice& dice) {
   return step;
 }
 
-}  // namespace tests
+}  // namespace corvana::tests

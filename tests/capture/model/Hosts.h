@@ -6,7 +6,7 @@
 
 #include "Steps.h"
 
-namespace tests {
+namespace corvana::tests {
 
 /// Any host and any person: whatever comes, whenever.
 Step wildStep(Dice& dice, const Beginning& beginning);
@@ -42,4 +42,4 @@ class CarefulHost {
   std::optional<Step> unanswered_;
 };
 
-}  // namespace tests
+}  // namespace corvana::tests

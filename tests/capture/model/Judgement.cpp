@@ -5,7 +5,7 @@
 #include <sstream>
 #include <utility>
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 using Letters = std::vector<std::string>;
@@ -76,4 +76,4 @@ float shareHeard(const std::vector<std::string>& words, const std::string& text,
   return static_cast<float>(marks.size()) / static_cast<float>(count);
 }
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -6,7 +6,7 @@
 #include "platform/uikit/Controls.h"
 
 /// How the model judges texts: in its own words, for the letters that the random flows use.
-namespace tests {
+namespace corvana::tests {
 
 /// Whether at most the share `limit` of the letters of the longer text has to be put in, taken out
 /// or exchanged to make one text of the other. Two empty texts are alike.
@@ -18,4 +18,4 @@ bool areAlike(const std::vector<std::string>& given, const std::vector<std::stri
 float shareHeard(const std::vector<std::string>& words, const std::string& text,
                  std::vector<platform::NSAttributedString::Run>& marks);
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -3,7 +3,7 @@
 #include "devices/screen/ViewSearch.h"
 #include "platform/foundation/Require.h"
 
-namespace tests {
+namespace corvana::tests {
 
 using platform::UILabel;
 using platform::UIView;
@@ -82,4 +82,4 @@ Sight sightOf(UIView& screen) {
   return sight;
 }
 
-}  // namespace tests
+}  // namespace corvana::tests

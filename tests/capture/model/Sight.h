@@ -6,7 +6,7 @@
 
 #include "platform/uikit/Controls.h"
 
-namespace tests {
+namespace corvana::tests {
 
 /// What the user sees of the capture screen, in words: what each thing is called, and how it looks.
 using Sight = std::map<std::string, std::string>;
@@ -24,4 +24,4 @@ std::string inWords(const std::optional<std::string>& text, const platform::UICo
 /// A text, and which stretches of it are coloured.
 std::string inWords(const platform::NSAttributedString& text);
 
-}  // namespace tests
+}  // namespace corvana::tests

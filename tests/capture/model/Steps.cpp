@@ -3,7 +3,7 @@
 #include "corvana/StateNames.h"
 #include "devices/screen/ViewSearch.h"
 
-namespace tests {
+namespace corvana::tests {
 
 using corvana::CaptureMode;
 using corvana::DetectedData;
@@ -229,4 +229,4 @@ Step letFilmAnswerTwice() {
           }};
 }
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -6,7 +6,7 @@
 
 #include "Beginning.h"
 
-namespace tests {
+namespace corvana::tests {
 
 /// Something that a host, a person or time does to a world.
 struct Step {
@@ -45,4 +45,4 @@ Step changeCaptureMode(Dice& dice);
 Step chooseFilmsEnd(Dice& dice);
 Step letFilmAnswerTwice();
 
-}  // namespace tests
+}  // namespace corvana::tests

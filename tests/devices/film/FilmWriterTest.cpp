@@ -9,7 +9,7 @@
 #include "devices/MediaTestSupport.h"
 #include "devices/film/AudioTimeline.h"
 
-namespace devices::test {
+namespace corvana::devices::test {
 namespace {
 
 using platform::seconds;
@@ -329,4 +329,4 @@ TEST_F(FilmWriterTest, saysWhyAFilmCannotBeMade) {
 }
 
 }  // namespace
-}  // namespace devices::test
+}  // namespace corvana::devices::test

@@ -10,6 +10,7 @@
 #include "devices/screen/ViewSearch.h"
 #include "support/TestWorld.h"
 
+namespace corvana::tests {
 namespace {
 
 using devices::PersonHabits;
@@ -175,3 +176,4 @@ TEST_F(Person, TheReporterTellsOnlyChangesOfWhatIsInSight) {
 }
 
 }  // namespace
+}  // namespace corvana::tests

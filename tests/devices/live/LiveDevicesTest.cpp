@@ -14,7 +14,7 @@
 #include "devices/live/LiveStream.h"
 #include "devices/system/RealRunLoop.h"
 
-namespace devices::test {
+namespace corvana::devices::test {
 namespace {
 
 using platform::CMSampleBufferRef;
@@ -313,4 +313,4 @@ TEST(Cameras, TakeTheNearestMode) {
 }
 
 }  // namespace
-}  // namespace devices::test
+}  // namespace corvana::devices::test

@@ -7,7 +7,7 @@
 
 #include "devices/live/LiveSource.h"
 
-namespace devices::test {
+namespace corvana::devices::test {
 
 /// Stands at the head of a live pipeline as a device does, and misbehaves on order. It delivers one
 /// sample by itself when it is opened.
@@ -82,4 +82,4 @@ class LivePeer {
   GstElement* source_ = nullptr;
 };
 
-}  // namespace devices::test
+}  // namespace corvana::devices::test

@@ -5,7 +5,7 @@
 #include "devices/MediaTestSupport.h"
 #include "devices/pictures/ImageFile.h"
 
-namespace devices::test {
+namespace corvana::devices::test {
 namespace {
 
 using platform::PixelBuffer;
@@ -122,4 +122,4 @@ TEST(ImageFileTest, saysInOneSentenceWhatIsWrong) {
 }
 
 }  // namespace
-}  // namespace devices::test
+}  // namespace corvana::devices::test

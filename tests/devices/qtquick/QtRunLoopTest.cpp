@@ -11,6 +11,7 @@
 #include "ScreenWorld.h"
 #include "devices/qtquick/QtRunLoop.h"
 
+namespace corvana::tests {
 namespace {
 
 using devices::QtRunLoop;
@@ -78,3 +79,4 @@ TEST_F(EventLoop, NothingRunsOnceItIsShutDown) {
 }
 
 }  // namespace
+}  // namespace corvana::tests

@@ -11,7 +11,7 @@
 #include "corvana/Notifications.h"
 #include "devices/qtquick/PreviewCamera.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 using platform::colors::kRed;
@@ -382,4 +382,4 @@ TEST_F(Screen, WantsToBeClosedOnlyByTheProgram) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

@@ -8,7 +8,7 @@
 
 #include "devices/qtquick/QtApplication.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 namespace fs = std::filesystem;
@@ -102,4 +102,4 @@ EditedStoryboards::~EditedStoryboards() {
   fs::remove_all(folder_);
 }
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -8,7 +8,7 @@
 #include "devices/qtquick/QtScreen.h"
 #include "devices/screen/ScreenHub.h"
 
-namespace tests {
+namespace corvana::tests {
 
 /// A flow on a window that nobody sees, in virtual time.
 class ScreenWorld : public FlowTest {
@@ -48,4 +48,4 @@ class EditedStoryboards {
   std::filesystem::path folder_;
 };
 
-}  // namespace tests
+}  // namespace corvana::tests

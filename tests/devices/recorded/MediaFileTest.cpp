@@ -5,7 +5,7 @@
 
 #include "devices/MediaTestSupport.h"
 
-namespace devices::test {
+namespace corvana::devices::test {
 namespace {
 
 using platform::Duration;
@@ -174,4 +174,4 @@ TEST_F(MediaFileTest, dropsAndCountsInRealTimeWhatCameFarTooLate) {
 }
 
 }  // namespace
-}  // namespace devices::test
+}  // namespace corvana::devices::test

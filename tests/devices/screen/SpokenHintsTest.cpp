@@ -1,7 +1,7 @@
 #include "capture/FlowTest.h"
 #include "devices/screen/SpokenHints.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -79,4 +79,4 @@ TEST_F(Hints, NewestWordsAreSpokenOnceAndNoneWhileTheTextIsRead) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

@@ -9,6 +9,7 @@
 #include "devices/scripted/ScriptedMedia.h"
 #include "platform/foundation/VirtualRunLoop.h"
 
+namespace corvana::tests {
 namespace {
 
 using devices::HostContractValidator;
@@ -138,3 +139,4 @@ TEST(ScriptedMedia, AnswersLaterAndKeepsTheAnswer) {
 }
 
 }  // namespace
+}  // namespace corvana::tests

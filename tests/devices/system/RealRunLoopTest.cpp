@@ -15,6 +15,7 @@
 #include "devices/system/RealRunLoop.h"
 #include "devices/system/TerminationSignals.h"
 
+namespace corvana::tests {
 namespace {
 
 using devices::RealRunLoop;
@@ -190,3 +191,4 @@ TEST(RealRunLoop, AnOwnerLetGoOnAWorkerIsDestroyedOnMain) {
 }
 
 }  // namespace
+}  // namespace corvana::tests

@@ -6,7 +6,7 @@
 #include <ZXing/BitMatrix.h>
 #include <ZXing/MultiFormatWriter.h>
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 /// The text as PDF417 in the lower part of a white card of 1000 by 630 pixels.
@@ -42,4 +42,4 @@ TEST(BarcodeReader, ReadsTheElementsOfALicenceAndTheWholeTextOfOthers) {
 }
 
 }  // namespace
-}  // namespace engine
+}  // namespace corvana::engine

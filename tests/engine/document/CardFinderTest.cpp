@@ -7,6 +7,7 @@
 #include "engine/document/CardFinder.h"
 #include "engine/document/CardWarp.h"
 
+namespace corvana::tests {
 namespace {
 
 using engine::CardVerdict;
@@ -85,3 +86,4 @@ TEST(CardWarp, FindsAPartOfTheCardInThePicture) {
 }
 
 }  // namespace
+}  // namespace corvana::tests

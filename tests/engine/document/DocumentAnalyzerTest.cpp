@@ -12,6 +12,7 @@
 #include "engine/document/DocumentAnalyzer.h"
 #include "engine/vision/MatViews.h"
 
+namespace corvana::tests {
 namespace {
 
 using corvana::DocumentSide;
@@ -125,3 +126,4 @@ TEST(DocumentAnalyzerLoad, NamesThePackageThatIsMissing) {
 }
 
 }  // namespace
+}  // namespace corvana::tests

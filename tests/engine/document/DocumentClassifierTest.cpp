@@ -5,6 +5,7 @@
 #include "engine/document/DocumentClassifier.h"
 #include "engine/document/TextLines.h"
 
+namespace corvana::tests {
 namespace {
 
 using corvana::DocumentSide;
@@ -77,3 +78,4 @@ TEST(TextLines, KeepsSureWordsInReadingOrder) {
 }
 
 }  // namespace
+}  // namespace corvana::tests

@@ -5,6 +5,7 @@
 
 #include "engine/document/mrz/MrzParser.h"
 
+namespace corvana::tests {
 namespace {
 
 using engine::parseMrz;
@@ -136,3 +137,4 @@ TEST(MrzParser, RefusesWhatIsNoZone) {
 }
 
 }  // namespace
+}  // namespace corvana::tests

@@ -9,7 +9,7 @@
 #include "devices/pictures/ImageFile.h"
 #include "engine/vision/MatViews.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 using session::CardArtist;
@@ -111,4 +111,4 @@ HeldPicture hold(const cv::Mat& side, const Held& held) {
   return {engine::pixelBufferFrom(picture), pose.corners};
 }
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -9,7 +9,7 @@
 #include "platform/media/PixelBuffer.h"
 
 /// Fictitious cards of several designs, and pictures of them as a hand holds them before a person.
-namespace tests {
+namespace corvana::tests {
 
 /// Sides drawn flat, RGBA, transparent outside the rounded corners.
 struct CardSides {
@@ -41,4 +41,4 @@ struct HeldPicture {
 
 HeldPicture hold(const cv::Mat& side, const Held& held);
 
-}  // namespace tests
+}  // namespace corvana::tests

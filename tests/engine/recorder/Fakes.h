@@ -12,7 +12,7 @@
 #include "platform/media/AssetWriter.h"
 #include "support/Scratch.h"
 
-namespace tests {
+namespace corvana::tests {
 
 /// Answers each frame with what the test says it shows.
 class FakeAnalyzer final : public engine::FrameAnalyzer {
@@ -74,4 +74,4 @@ class FakeFilms final : public platform::AssetWriterFactory {
   };
 };
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -18,7 +18,7 @@
 #include "engine/recorder/Fakes.h"
 #include "support/HostTablesGuard.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 using corvana::VideoCaptureMode;
@@ -133,4 +133,4 @@ TEST(RealTimeFlow, EndsInAResultWhateverTheThreadsDo) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

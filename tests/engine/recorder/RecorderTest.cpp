@@ -8,7 +8,7 @@
 #include "engine/recorder/Fakes.h"
 #include "platform/foundation/VirtualRunLoop.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 using corvana::VideoCaptureMode;
@@ -326,4 +326,4 @@ TEST_F(DebugDataTest, IsPostedInDebugModeOnly) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

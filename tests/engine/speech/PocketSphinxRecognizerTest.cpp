@@ -13,6 +13,7 @@
 #include "platform/foundation/VirtualRunLoop.h"
 #include "support/Scratch.h"
 
+namespace corvana::tests {
 namespace {
 
 using Samples = std::vector<std::int16_t>;
@@ -252,3 +253,4 @@ TEST_F(PocketSphinxRecognizer, HearsOnItsOwnThreadWhatCameWhileTheModelWasBuilt)
 }
 
 }  // namespace
+}  // namespace corvana::tests

@@ -5,6 +5,7 @@
 #include "engine/speech/Pronouncer.h"
 #include "engine/speech/ReadingText.h"
 
+namespace corvana::tests {
 namespace {
 
 using engine::Pronouncer;
@@ -41,3 +42,4 @@ TEST(Pronouncer, SaysNamesNumbersAndAbbreviations) {
 }
 
 }  // namespace
+}  // namespace corvana::tests

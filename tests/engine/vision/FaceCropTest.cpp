@@ -8,7 +8,7 @@
 #include "engine/vision/MatViews.h"
 #include "engine/vision/Portraits.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 platform::UIImageRef cropOf(const platform::PixelBufferRef& picture) {
@@ -69,4 +69,4 @@ TEST(FaceCrop, RefusesFacesTooSmallOrWithoutEyes) {
 }
 
 }  // namespace
-}  // namespace engine
+}  // namespace corvana::engine

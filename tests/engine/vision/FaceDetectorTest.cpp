@@ -7,7 +7,7 @@
 #include "engine/vision/MatViews.h"
 #include "engine/vision/Portraits.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 // Points read off the enlarged photographs by eye.
@@ -69,4 +69,4 @@ TEST(FaceDetector, SeesNothingInEmptyOrOddPictures) {
 }
 
 }  // namespace
-}  // namespace engine
+}  // namespace corvana::engine

@@ -5,7 +5,7 @@
 #include "engine/vision/MatViews.h"
 #include "engine/vision/Portraits.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 TEST(ImageOps, ReadsLimitedRangeYuvOfOddSizes) {
@@ -50,4 +50,4 @@ TEST(ImageOps, SharpnessFallsWithBlurAndHardlyDependsOnSize) {
 }
 
 }  // namespace
-}  // namespace engine
+}  // namespace corvana::engine

@@ -4,7 +4,7 @@
 
 #include "engine/vision/LiveFaceTracker.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 using platform::CGRect;
@@ -62,4 +62,4 @@ TEST(LiveFaceTracker, TellsTheLiveFace) {
 }
 
 }  // namespace
-}  // namespace engine
+}  // namespace corvana::engine

@@ -7,7 +7,7 @@
 #include "engine/vision/MatViews.h"
 #include "engine/vision/Portraits.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 FaceDetails detailsOf(const cv::Mat& rgb) {
@@ -80,4 +80,4 @@ TEST(LivenessEvidence, AFlatPrintMovedAndTiltedShowsLittleDepth) {
 }
 
 }  // namespace
-}  // namespace engine
+}  // namespace corvana::engine

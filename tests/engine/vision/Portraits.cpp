@@ -8,7 +8,7 @@
 
 #include "engine/vision/MatViews.h"
 
-namespace tests {
+namespace corvana::tests {
 
 std::filesystem::path fromSource(const char* path) {
   return std::filesystem::path(SOURCE_DIR) / path;
@@ -57,4 +57,4 @@ engine::FaceLandmarks& landmarks() {
   return loaded;
 }
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -8,7 +8,7 @@
 #include "engine/vision/FaceDetector.h"
 #include "engine/vision/FaceLandmarks.h"
 
-namespace tests {
+namespace corvana::tests {
 
 std::filesystem::path fromSource(const char* path);
 
@@ -28,4 +28,4 @@ platform::PixelBufferRef cameraFrame(std::initializer_list<Placed> people);
 engine::FaceDetector& detector();
 engine::FaceLandmarks& landmarks();
 
-}  // namespace tests
+}  // namespace corvana::tests

@@ -6,7 +6,7 @@
 #include "engine/vision/MatViews.h"
 #include "engine/vision/Portraits.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 // An oval in the upper middle of a 720×1280 picture.
@@ -68,4 +68,4 @@ TEST(SelfieAnalyzer, RefusesPicturesTheMatcherCannotUse) {
 }
 
 }  // namespace
-}  // namespace engine
+}  // namespace corvana::engine

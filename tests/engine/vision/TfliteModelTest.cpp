@@ -4,7 +4,7 @@
 #include "engine/vision/Portraits.h"
 #include "support/Scratch.h"
 
-namespace tests {
+namespace corvana::tests {
 namespace {
 
 // The library says that it made a delegate once in a process: ctest gives each test one of its own.
@@ -41,4 +41,4 @@ TEST(TfliteModel, SaysWhatIsWrongWithAFile) {
 }
 
 }  // namespace
-}  // namespace tests
+}  // namespace corvana::tests

@@ -2,6 +2,7 @@
 
 #include "Mrz.h"
 
+namespace corvana::tests {
 namespace {
 
 // The reader of documents, proven by the standard's specimens, reads these lines in its own tests.
@@ -23,3 +24,4 @@ TEST(Mrz, WritesWithTheLettersThatTheZoneHasAndCarriesALongNumberOn) {
 }
 
 }  // namespace
+}  // namespace corvana::tests

@@ -2,6 +2,7 @@
 
 #include "Script.h"
 
+namespace corvana::tests {
 namespace {
 
 const std::string kPerson = R"("text": "hello", "person": {"portrait": "portraits/person_a.jpg")";
@@ -44,3 +45,4 @@ TEST(Script, FillsInWhatIsLeftOut) {
 }
 
 }  // namespace
+}  // namespace corvana::tests

@@ -8,6 +8,7 @@
 #include "SessionMaker.h"
 #include "support/Scratch.h"
 
+namespace corvana::tests {
 namespace {
 
 namespace fs = std::filesystem;
@@ -64,3 +65,4 @@ TEST(Session, IsKeptUnderWhatItWasMadeFrom) {
 }
 
 }  // namespace
+}  // namespace corvana::tests

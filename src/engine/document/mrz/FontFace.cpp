@@ -3,7 +3,7 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
-namespace engine {
+namespace corvana::engine {
 
 void FontFace::Delete::operator()(FT_LibraryRec_* library) const {
   FT_Done_FreeType(library);
@@ -48,4 +48,4 @@ FontFace::Glyph FontFace::draw(char32_t letter, int emPixels) {
   return glyph;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

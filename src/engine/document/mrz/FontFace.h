@@ -12,7 +12,7 @@
 struct FT_FaceRec_;
 struct FT_LibraryRec_;
 
-namespace engine {
+namespace corvana::engine {
 
 /// A font file, drawn one letter at a time. Movable; from one thread at a time.
 class FontFace {
@@ -43,4 +43,4 @@ class FontFace {
   std::unique_ptr<FT_FaceRec_, Delete> face_;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine

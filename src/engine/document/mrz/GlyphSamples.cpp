@@ -7,7 +7,7 @@
 
 #include "engine/document/mrz/MrzGlyphClassifier.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 using Classifier = MrzGlyphClassifier;
@@ -107,4 +107,4 @@ GlyphSamples drawGlyphSamples(FontFace& font) {
   return samples;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -4,7 +4,7 @@
 
 #include "engine/document/mrz/FontFace.h"
 
-namespace engine {
+namespace corvana::engine {
 
 struct GlyphSamples {
   cv::Mat cells;   ///< CV_32F, one normalised cell a row
@@ -17,4 +17,4 @@ void normalizeCells(cv::Mat& cells);
 /// Draws letters of the font as a camera might see them; the same for the same font.
 GlyphSamples drawGlyphSamples(FontFace& font);
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -7,7 +7,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 // Sizes as fractions of the card's width. The standard's own are: letters 0.0297 apart (2.54 mm),
@@ -258,4 +258,4 @@ std::optional<MrzGrid> fitMrzGrid(const cv::Mat& ink, const MrzBand& band) {
   return grid;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -6,7 +6,7 @@
 #include <opencv2/core.hpp>
 
 /// Where the machine-readable zone of an ID-1 card lies: three lines of thirty letters (TD1).
-namespace engine {
+namespace corvana::engine {
 
 inline constexpr int kMrzLines = 3;
 inline constexpr int kMrzColumns = 30;
@@ -38,4 +38,4 @@ std::optional<MrzBand> findMrzBand(const cv::Mat& ink);
 /// Fits thirty cells of one pitch into each row, so that the print falls between the cells' edges.
 std::optional<MrzGrid> fitMrzGrid(const cv::Mat& ink, const MrzBand& band);
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -8,7 +8,7 @@
 
 #include "engine/document/mrz/GlyphSamples.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 constexpr std::size_t kLetters = MrzGlyphClassifier::kAlphabet.size();
@@ -108,4 +108,4 @@ std::vector<std::filesystem::path> defaultOcrBFonts() {
   return {"/usr/share/fonts/opentype/ocr-b/OCRB.otf", "/usr/share/fonts/truetype/ocr-b/OCRB.ttf"};
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -9,7 +9,7 @@
 
 #include "corvana/IDError.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// Tells the 37 characters of a machine-readable zone apart: a linear support vector machine,
 /// trained when it is made (about 0.2 s) on letters drawn from an OCR-B font and then blurred,
@@ -53,4 +53,4 @@ class MrzGlyphClassifier {
 /// Where Debian's package fonts-ocr-b puts the font.
 std::vector<std::filesystem::path> defaultOcrBFonts();
 
-}  // namespace engine
+}  // namespace corvana::engine

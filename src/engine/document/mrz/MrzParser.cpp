@@ -6,7 +6,7 @@
 #include <tuple>
 #include <utility>
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 constexpr char kFiller = '<';
@@ -290,4 +290,4 @@ tl::expected<corvana::MRZResult, std::string> parseMrz(std::string_view text) {
   return parseMrz(lines);
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -10,7 +10,7 @@
 
 /// Machine-readable zones of ICAO Doc 9303: TD1 (three lines of 30), TD2 (two of 36) and TD3 (two
 /// of 44). Pure.
-namespace engine {
+namespace corvana::engine {
 
 /// The check digit of a field: weights 7, 3, 1; digits count as themselves, letters A to Z as 10 to
 /// 35, the filler as 0.
@@ -24,4 +24,4 @@ tl::expected<corvana::MRZResult, std::string> parseMrz(const std::vector<std::st
 /// lines do not count.
 tl::expected<corvana::MRZResult, std::string> parseMrz(std::string_view text);
 
-}  // namespace engine
+}  // namespace corvana::engine

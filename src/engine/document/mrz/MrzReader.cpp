@@ -10,7 +10,7 @@
 #include "engine/document/mrz/MrzParser.h"
 #include "engine/vision/MatViews.h"
 
-namespace engine {
+namespace corvana::engine {
 namespace {
 
 using Classifier = MrzGlyphClassifier;
@@ -180,4 +180,4 @@ MrzReading MrzReader::read(const platform::PixelBuffer& card) const {
   return reading;
 }
 
-}  // namespace engine
+}  // namespace corvana::engine

@@ -13,7 +13,7 @@
 #include "platform/geometry/Geometry.h"
 #include "platform/media/PixelBuffer.h"
 
-namespace engine {
+namespace corvana::engine {
 
 /// What was seen of a machine-readable zone on a straightened card.
 struct MrzReading {
@@ -42,4 +42,4 @@ class MrzReader {
   MrzGlyphClassifier classifier_;
 };
 
-}  // namespace engine
+}  // namespace corvana::engine
