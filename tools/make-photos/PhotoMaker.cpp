@@ -58,6 +58,21 @@ bool contains(const std::vector<std::string>& list, const std::string& name) {
   return std::find(list.begin(), list.end(), name) != list.end();
 }
 
+/// A letter that the font lacks would be painted as a box, and nobody could read it.
+Result<void> checkLetters(const Design& design, const SideArtist& artist,
+                          const std::vector<NameList>& names) {
+  for (const std::string& language : design.languages) {
+    const NameList& list = namesIn(names, language);
+    for (const auto* texts :
+         {&list.surnames, &list.female, &list.male, &list.places, &list.streets})
+      for (const std::string& text : *texts)
+        if (!artist.canWrite(text) || !artist.canWrite(capitals(text, language)))
+          return fault("The letters " + design.valueFont.file + " of the design " + design.name +
+                       " cannot write " + text + ": give it other letters or languages.");
+  }
+  return {};
+}
+
 Result<void> Maker::chooseDesigns() {
   auto all = readDesigns(order_.data / "designs");
   if (!all) return fault(all.error());
@@ -109,6 +124,7 @@ Result<void> Maker::prepare() {
   for (const Design& design : designs_) {
     auto artist = SideArtist::create(design);
     if (!artist) return fault(artist.error());
+    if (auto able = checkLetters(design, *artist, names_); !able) return able;
     artists_.emplace(design.name, std::move(*artist));
   }
   return readPortraits();
@@ -143,10 +159,7 @@ Result<void> Maker::photograph(const Taken& what, const Design& design, const Si
   taken.file = std::string(number) + "-" + design.name + (taken.back ? "-back.jpg" : "-front.jpg");
 
   Random random = stream(order_.seed, taken.pair, taken.back ? 2 : 1);
-  const Sheet sheet{artists_.at(design.name).paint(side, card, card, photo),
-                    {{0.0, 0.0}, design.size()},
-                    design.size(),
-                    contentsOf(design, side)};
+  const Sheet sheet = layOut(artists_.at(design.name).paint(side, card, card, photo), design, side);
   const Conditions conditions =
       drawConditions(groundOf(design, taken.pair), sheet.card, sheet.contents, random);
   auto made = takePhotograph(sheet, conditions, random);

@@ -1,5 +1,9 @@
 #include "Truth.h"
 
+#include <cmath>
+
+#include "AamvaRecord.h"
+
 namespace corvana::photos {
 namespace {
 
@@ -60,6 +64,7 @@ ordered_json truthOf(const Taken& taken, const Design& design, const SideDesign&
                         {"fields", printOf(design, side, print)},
                         {"conditions", conditionsOf(conditions, photograph)}};
   if (side.zone) truth["zone"] = session::mrzLines(coded, design.format);
+  if (side.code) truth["code"] = {{"format", "PDF417"}, {"text", aamvaRecord(coded)}};
   if (!taken.altered.empty()) truth["altered"] = taken.altered;
   return truth;
 }
