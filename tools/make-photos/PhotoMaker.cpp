@@ -9,6 +9,7 @@
 #include "Grounds.h"
 #include "People.h"
 #include "Portrait.h"
+#include "SideArtist.h"
 #include "Truth.h"
 #include "devices/pictures/ImageFile.h"
 #include "platform/media/PixelBuffer.h"
@@ -42,7 +43,7 @@ class Maker {
   Result<void> chooseDesigns();
   Result<void> readPortraits();
   Result<void> photograph(const Taken& taken, const Design& design, const SideDesign& side,
-                          const CardData& card, const cv::Mat& photo);
+                          const cv::Mat& photo);
   const std::string& groundOf(const Design& design, int number) const;
 
   const Order& order_;
@@ -145,23 +146,29 @@ Result<void> Maker::makeCard(int number) {
       session::passportPhoto(portrait, place.width / place.height, kPortraitPixels);
   Taken taken;
   taken.pair = number;
-  if (auto front = photograph(taken, design, design.front, card, photo); !front) return front;
+  taken.kind = kindNames()[static_cast<std::size_t>(order_.kind)];
+  taken.coded = taken.print = card;
+  if (order_.kind == Kind::altered) taken.altered = alter(taken.print, design, names_, random);
+  if (auto front = photograph(taken, design, design.front, photo); !front) return front;
   if (!design.back) return {};
   taken.back = true;
-  return photograph(taken, design, *design.back, card, photo);
+  return photograph(taken, design, *design.back, photo);
 }
 
 Result<void> Maker::photograph(const Taken& what, const Design& design, const SideDesign& side,
-                               const CardData& card, const cv::Mat& photo) {
+                               const cv::Mat& photo) {
   char number[16];
   std::snprintf(number, sizeof number, "%04d", what.pair);
   Taken taken = what;
   taken.file = std::string(number) + "-" + design.name + (taken.back ? "-back.jpg" : "-front.jpg");
 
   Random random = stream(order_.seed, taken.pair, taken.back ? 2 : 1);
-  const Sheet sheet = layOut(artists_.at(design.name).paint(side, card, card, photo), design, side);
+  const cv::Mat painted = artists_.at(design.name).paint(side, taken.print, taken.coded, photo);
+  const Sheet sheet = copied(layOut(painted, design, side), order_.kind, random);
   const Conditions conditions =
-      drawConditions(groundOf(design, taken.pair), sheet.card, sheet.contents, random);
+      order_.kind == Kind::scan
+          ? scanConditions()
+          : drawConditions(groundOf(design, taken.pair), sheet.card, sheet.contents, random);
   auto made = takePhotograph(sheet, conditions, random);
   if (!made) return fault(made.error());
   const cv::Mat& picture = made->picture;
@@ -170,7 +177,7 @@ Result<void> Maker::photograph(const Taken& what, const Design& design, const Si
                                      bytes);
   if (auto written = devices::writeJpeg(folder_ / taken.file, pixels, conditions.quality); !written)
     return fault(written.error());
-  pictures_.push_back(truthOf(taken, design, side, card, card, conditions, *made));
+  pictures_.push_back(truthOf(taken, design, side, conditions, *made));
   return {};
 }
 
