@@ -71,8 +71,8 @@ DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, TextRead
                                    MrzReader mrz)
     : faces_(std::move(faces)), text_(std::move(text)), mrz_(std::move(mrz)) {}
 
-tl::expected<DocumentAnalyzer, corvana::IDError> DocumentAnalyzer::load(
-    std::shared_ptr<FaceDetector> faces, const Setup& setup) {
+platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<FaceDetector> faces,
+                                                            const Setup& setup) {
   auto text = TextReader::load(setup.tessdata);
   if (!text) return tl::unexpected(text.error());
   auto mrz = MrzReader::load(setup.ocrBFonts);
@@ -130,7 +130,7 @@ CardReading DocumentAnalyzer::read(const CardView& card) {
   return reading;
 }
 
-tl::expected<CardReading, corvana::IDError> DocumentAnalyzer::analyzeStill(
+platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
     const platform::PixelBuffer& picture) {
   auto cards = cardsInStill(picture);
   if (!cards) return tl::unexpected(cards.error());

@@ -5,15 +5,13 @@
 #include <optional>
 #include <vector>
 
-#include <tl/expected.hpp>
-
 #include "corvana/DetectedData.h"
-#include "corvana/IDError.h"
 #include "engine/document/CardFinder.h"
 #include "engine/document/DocumentClassifier.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/mrz/MrzReader.h"
 #include "engine/vision/FaceDetector.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 
@@ -53,8 +51,8 @@ class DocumentAnalyzer {
 
   /// Loads what reads cards; an error names what is missing and the package that has it. `faces`
   /// finds the portraits; its other users are on the same thread.
-  static tl::expected<DocumentAnalyzer, corvana::IDError> load(std::shared_ptr<FaceDetector> faces,
-                                                               const Setup& setup);
+  static platform::Expected<DocumentAnalyzer> load(std::shared_ptr<FaceDetector> faces,
+                                                   const Setup& setup);
 
   /// Looks for a card; the guide is where the user is asked to hold it, in pixels of the frame.
   CardSighting find(const platform::PixelBuffer& frame, const platform::CGRect& guide) const;
@@ -64,7 +62,7 @@ class DocumentAnalyzer {
   /// Reads a photo or scan of one side, however large, upright or turned by quarters, in which the
   /// card lies on something else or fills the picture. Error: no card is seen, or it is too small
   /// to be read.
-  tl::expected<CardReading, corvana::IDError> analyzeStill(const platform::PixelBuffer& picture);
+  platform::Expected<CardReading> analyzeStill(const platform::PixelBuffer& picture);
 
  private:
   DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, TextReader text, MrzReader mrz);

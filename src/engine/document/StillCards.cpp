@@ -46,8 +46,7 @@ std::optional<Quad> outlineIn(const platform::PixelBuffer& picture) {
 
 }  // namespace
 
-tl::expected<std::vector<StillCard>, corvana::IDError> cardsInStill(
-    const platform::PixelBuffer& picture) {
+platform::Expected<std::vector<StillCard>> cardsInStill(const platform::PixelBuffer& picture) {
   const auto upright = reduced(picture);
   constexpr std::array<int, 3> kTurns{cv::ROTATE_180, cv::ROTATE_90_CLOCKWISE,
                                       cv::ROTATE_90_COUNTERCLOCKWISE};
@@ -62,12 +61,12 @@ tl::expected<std::vector<StillCard>, corvana::IDError> cardsInStill(
     add(pixelBufferFrom(turned));
   }
   if (cards.empty()) {
-    return tl::unexpected(corvana::IDError(
-        "No card was seen in the picture: photograph it from above, whole, on a plain ground."));
+    return platform::failure(
+        "No card was seen in the picture: photograph it from above, whole, on a plain ground.");
   }
   if (cards.front().outline.width() < kLeastCardWidth) {
-    return tl::unexpected(corvana::IDError(
-        "The card in the picture is less than 320 pixels wide: take the photo from nearer."));
+    return platform::failure(
+        "The card in the picture is less than 320 pixels wide: take the photo from nearer.");
   }
   return cards;
 }

@@ -2,10 +2,8 @@
 
 #include <vector>
 
-#include <tl/expected.hpp>
-
-#include "corvana/IDError.h"
 #include "engine/document/Quad.h"
+#include "platform/foundation/Fault.h"
 #include "platform/media/PixelBuffer.h"
 
 namespace corvana::engine {
@@ -19,7 +17,6 @@ struct StillCard {
 /// Finds where the card may lie in a photo or scan, the likeliest way up first; at least one place.
 /// A card is sought as an outline; failing that, a picture of a card's shape is taken for the card
 /// itself. Error: there is neither, or the card is less than 320 pixels wide.
-tl::expected<std::vector<StillCard>, corvana::IDError> cardsInStill(
-    const platform::PixelBuffer& picture);
+platform::Expected<std::vector<StillCard>> cardsInStill(const platform::PixelBuffer& picture);
 
 }  // namespace corvana::engine

@@ -69,16 +69,15 @@ TextReader::TextReader(TextReader&&) noexcept = default;
 TextReader& TextReader::operator=(TextReader&&) noexcept = default;
 TextReader::~TextReader() = default;
 
-tl::expected<TextReader, corvana::IDError> TextReader::load(const std::filesystem::path& tessdata) {
+platform::Expected<TextReader> TextReader::load(const std::filesystem::path& tessdata) {
   // Leptonica, beneath Tesseract, prints a line for each speck it cannot crop.
   setMsgSeverity(L_SEVERITY_NONE);
   auto tesseract = std::make_unique<tesseract::TessBaseAPI>();
   std::error_code error;
   if (!std::filesystem::is_regular_file(tessdata / "eng.traineddata", error) ||
       tesseract->Init(tessdata.c_str(), "eng", tesseract::OEM_LSTM_ONLY) != 0) {
-    return tl::unexpected(corvana::IDError("Tesseract's English data was not found in " +
-                                           tessdata.string() +
-                                           ": install the package tesseract-ocr-eng."));
+    return platform::failure("Tesseract's English data was not found in " + tessdata.string() +
+                             ": install the package tesseract-ocr-eng.");
   }
   tesseract->SetVariable("debug_file", "/dev/null");
   tesseract->SetPageSegMode(tesseract::PSM_SPARSE_TEXT);

@@ -5,9 +5,7 @@
 #include <string>
 #include <vector>
 
-#include <tl/expected.hpp>
-
-#include "corvana/IDError.h"
+#include "platform/foundation/Fault.h"
 #include "platform/geometry/Geometry.h"
 #include "platform/media/PixelBuffer.h"
 
@@ -26,7 +24,7 @@ inline constexpr const char* kDebianTessdataFolder = "/usr/share/tesseract-ocr/5
 class TextReader {
  public:
   /// Loads the English data (0.1 s). Error: it is not in the folder.
-  static tl::expected<TextReader, corvana::IDError> load(
+  static platform::Expected<TextReader> load(
       const std::filesystem::path& tessdata = kDebianTessdataFolder);
 
   TextReader(TextReader&&) noexcept;
