@@ -6,7 +6,7 @@
 
 #include "devices/film/FilmSettings.h"
 #include "devices/gstreamer/MediaElements.h"
-#include "engine/document/TextReader.h"
+#include "engine/document/TesseractReader.h"
 #include "engine/document/mrz/MrzGlyphClassifier.h"
 #include "engine/speech/SpeechModelPaths.h"
 #include "engine/vision/FaceDetector.h"

@@ -67,17 +67,18 @@ bool isUpright(const CardReading& reading) {
 
 }  // namespace
 
-DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, TextReader text,
-                                   MrzReader mrz)
+DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces,
+                                   std::unique_ptr<TextReader> text, MrzReader mrz)
     : faces_(std::move(faces)), text_(std::move(text)), mrz_(std::move(mrz)) {}
 
 tl::expected<DocumentAnalyzer, corvana::IDError> DocumentAnalyzer::load(
     std::shared_ptr<FaceDetector> faces, const Setup& setup) {
-  auto text = TextReader::load(setup.tessdata);
+  auto text = TesseractReader::load(setup.tessdata);
   if (!text) return tl::unexpected(text.error());
   auto mrz = MrzReader::load(setup.ocrBFonts);
   if (!mrz) return tl::unexpected(mrz.error());
-  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz));
+  return DocumentAnalyzer(std::move(faces), std::make_unique<TesseractReader>(std::move(*text)),
+                          std::move(*mrz));
 }
 
 CardSighting DocumentAnalyzer::find(const platform::PixelBuffer& frame,
@@ -118,7 +119,7 @@ CardReading DocumentAnalyzer::read(const CardView& card) {
   // A front's lines of print may look like a zone; only what was read or stands alone is one.
   if (mrz.band && (mrz.mrz || !face)) blanks.push_back(*mrz.band);
   if (!mrz.mrz && !face) features.barcode = readBarcode(picture);
-  features.lines = text_.read(picture, blanks);
+  features.lines = textLines(text_->read(picture), blanks);
 
   reading.data.isPhotoPresent = face.has_value();
   reading.data.mrz = features.mrz;

@@ -11,6 +11,7 @@
 #include "corvana/IDError.h"
 #include "engine/document/CardFinder.h"
 #include "engine/document/DocumentClassifier.h"
+#include "engine/document/TesseractReader.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/mrz/MrzReader.h"
 #include "engine/vision/FaceDetector.h"
@@ -67,11 +68,12 @@ class DocumentAnalyzer {
   tl::expected<CardReading, corvana::IDError> analyzeStill(const platform::PixelBuffer& picture);
 
  private:
-  DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, TextReader text, MrzReader mrz);
+  DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, std::unique_ptr<TextReader> text,
+                   MrzReader mrz);
   std::optional<Face> portrait(const platform::PixelBuffer& card);
 
   std::shared_ptr<FaceDetector> faces_;
-  TextReader text_;
+  std::unique_ptr<TextReader> text_;
   MrzReader mrz_;
 };
 
