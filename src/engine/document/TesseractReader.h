@@ -33,6 +33,9 @@ class TesseractReader final : public TextReader {
   ~TesseractReader() override;
 
   std::vector<TextLine> read(const platform::PixelBuffer& card) override;
+  /// Looks anew: it finds lines as it reads them.
+  std::vector<TextLine> readAgain(const platform::PixelBuffer& card,
+                                  const std::vector<TextLine>& known) override;
   std::string name() const override;
 
  private:

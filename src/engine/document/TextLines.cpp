@@ -10,7 +10,7 @@ constexpr double kLeastConfidence = 0.60;
 constexpr double kLeastConfidenceOfPairs = 0.85;
 /// What is printed much smaller than the holder's data is the name of a field, the same on every
 /// card of a kind and the first to blur; what is much taller is no print.
-constexpr double kLeastHeight = 0.67;
+constexpr double kLeastHeight = 0.78;
 constexpr double kMostHeight = 1.8;
 /// Of all letters, not more than this share are the names of fields.
 constexpr double kSmallPrintShare = 0.75;

@@ -13,6 +13,7 @@ struct TextLine {
   std::string text;       ///< UTF-8, with accents
   platform::CGRect box;   ///< in pixels of the straightened card
   double confidence = 0;  ///< 0 to 1
+  double tilt = 0;        ///< degrees clockwise by which the box is turned about its middle
 };
 
 /// Reads the print of a straightened card. The same picture gives the same text. One thread at a
@@ -23,6 +24,11 @@ class TextReader {
 
   /// Everything that was read, sure or not, photo and machine-readable zone included.
   virtual std::vector<TextLine> read(const platform::PixelBuffer& card) = 0;
+
+  /// Reads lines again where they were before, on another picture of the same card in the same
+  /// place: cheaper than to look for them.
+  virtual std::vector<TextLine> readAgain(const platform::PixelBuffer& card,
+                                          const std::vector<TextLine>& known) = 0;
 
   /// Name and version. Texts compare only with those of the same reader.
   virtual std::string name() const = 0;
