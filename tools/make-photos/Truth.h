@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "Photograph.h"
+#include "SideArtist.h"
+
+namespace corvana::photos {
+
+/// One picture with everything that went into it.
+struct Taken {
+  std::string file;
+  int pair = 0;  ///< pictures of the same card have the same number
+  bool back = false;
+  std::string copy = "original";
+  std::string altered;  ///< the field in which print and zone or code differ; mostly empty
+};
+
+/// What truth.json says of one picture.
+nlohmann::ordered_json truthOf(const Taken& taken, const Design& design, const SideDesign& side,
+                               const session::CardData& print, const session::CardData& coded,
+                               const Conditions& conditions, const Photograph& photograph);
+
+}  // namespace corvana::photos
