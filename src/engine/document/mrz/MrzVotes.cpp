@@ -34,8 +34,8 @@ void MrzVotes::add(const std::vector<MrzPrint>& lines) {
   if (candidates.empty()) return;
   MrzCandidate seen = std::move(candidates.front());
   if (const auto whole = readMrz(texts)) {
-    if (number_ && *number_ != whole->documentNumber) clear();
-    number_ = whole->documentNumber;
+    const auto before = result();
+    if (before && before->documentNumber != whole->documentNumber) clear();
     seen.lines = whole->lines;
   } else if (candidates.size() > 1) {
     return;  // where its fillers stand is open: its characters would vote for their neighbours

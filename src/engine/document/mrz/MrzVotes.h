@@ -35,7 +35,6 @@ class MrzVotes {
 
   const MrzLayout* layout_ = nullptr;
   std::vector<std::vector<Place>> places_;
-  std::optional<std::string> number_;
 };
 
 }  // namespace corvana::engine
