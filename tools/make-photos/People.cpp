@@ -65,12 +65,6 @@ void drawDates(CardData& card, int yearsValid, Random& random) {
   card.dateOfExpiry = date(issued + yearsValid, month, day);
 }
 
-const NameList& namesIn(const std::vector<NameList>& names, const std::string& language) {
-  const auto found = std::find_if(names.begin(), names.end(),
-                                  [&](const NameList& list) { return list.language == language; });
-  return found == names.end() ? names.front() : *found;
-}
-
 }  // namespace
 
 std::string capitals(const std::string& text, const std::string& language) {
@@ -95,6 +89,12 @@ Result<std::vector<NameList>> readNames(const std::filesystem::path& file) {
   } catch (const json::exception& error) {
     return fault("The names in " + file.string() + " cannot be used: " + error.what() + ".");
   }
+}
+
+const NameList& namesIn(const std::vector<NameList>& names, const std::string& language) {
+  const auto found = std::find_if(names.begin(), names.end(),
+                                  [&](const NameList& list) { return list.language == language; });
+  return found == names.end() ? names.front() : *found;
 }
 
 CardData drawHolder(const Design& design, const std::vector<NameList>& names, Random& random) {

@@ -19,6 +19,9 @@ struct NameList {
 
 Result<std::vector<NameList>> readNames(const std::filesystem::path& file);
 
+/// The names of one language; those of the first list when there is none of it.
+const NameList& namesIn(const std::vector<NameList>& names, const std::string& language);
+
 /// Draws a holder for a card of the design: names of one of its languages, a number of its pattern,
 /// dates that fit each other. The state is Utopia always.
 session::CardData drawHolder(const Design& design, const std::vector<NameList>& names,

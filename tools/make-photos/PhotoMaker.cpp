@@ -9,6 +9,7 @@
 #include "Grounds.h"
 #include "People.h"
 #include "Portrait.h"
+#include "SideArtist.h"
 #include "Truth.h"
 #include "devices/pictures/ImageFile.h"
 #include "platform/media/PixelBuffer.h"
@@ -42,7 +43,7 @@ class Maker {
   Result<void> chooseDesigns();
   Result<void> readPortraits();
   Result<void> photograph(const Taken& taken, const Design& design, const SideDesign& side,
-                          const CardData& card, const cv::Mat& photo);
+                          const cv::Mat& photo);
   const std::string& groundOf(const Design& design, int number) const;
 
   const Order& order_;
@@ -56,6 +57,21 @@ class Maker {
 
 bool contains(const std::vector<std::string>& list, const std::string& name) {
   return std::find(list.begin(), list.end(), name) != list.end();
+}
+
+/// A letter that the font lacks would be painted as a box, and nobody could read it.
+Result<void> checkLetters(const Design& design, const SideArtist& artist,
+                          const std::vector<NameList>& names) {
+  for (const std::string& language : design.languages) {
+    const NameList& list = namesIn(names, language);
+    for (const auto* texts :
+         {&list.surnames, &list.female, &list.male, &list.places, &list.streets})
+      for (const std::string& text : *texts)
+        if (!artist.canWrite(text) || !artist.canWrite(capitals(text, language)))
+          return fault("The letters " + design.valueFont.file + " of the design " + design.name +
+                       " cannot write " + text + ": give it other letters or languages.");
+  }
+  return {};
 }
 
 Result<void> Maker::chooseDesigns() {
@@ -109,6 +125,7 @@ Result<void> Maker::prepare() {
   for (const Design& design : designs_) {
     auto artist = SideArtist::create(design);
     if (!artist) return fault(artist.error());
+    if (auto able = checkLetters(design, *artist, names_); !able) return able;
     artists_.emplace(design.name, std::move(*artist));
   }
   return readPortraits();
@@ -129,26 +146,29 @@ Result<void> Maker::makeCard(int number) {
       session::passportPhoto(portrait, place.width / place.height, kPortraitPixels);
   Taken taken;
   taken.pair = number;
-  if (auto front = photograph(taken, design, design.front, card, photo); !front) return front;
+  taken.kind = kindNames()[static_cast<std::size_t>(order_.kind)];
+  taken.coded = taken.print = card;
+  if (order_.kind == Kind::altered) taken.altered = alter(taken.print, design, names_, random);
+  if (auto front = photograph(taken, design, design.front, photo); !front) return front;
   if (!design.back) return {};
   taken.back = true;
-  return photograph(taken, design, *design.back, card, photo);
+  return photograph(taken, design, *design.back, photo);
 }
 
 Result<void> Maker::photograph(const Taken& what, const Design& design, const SideDesign& side,
-                               const CardData& card, const cv::Mat& photo) {
+                               const cv::Mat& photo) {
   char number[16];
   std::snprintf(number, sizeof number, "%04d", what.pair);
   Taken taken = what;
   taken.file = std::string(number) + "-" + design.name + (taken.back ? "-back.jpg" : "-front.jpg");
 
   Random random = stream(order_.seed, taken.pair, taken.back ? 2 : 1);
-  const Sheet sheet{artists_.at(design.name).paint(side, card, card, photo),
-                    {{0.0, 0.0}, design.size()},
-                    design.size(),
-                    contentsOf(design, side)};
+  const cv::Mat painted = artists_.at(design.name).paint(side, taken.print, taken.coded, photo);
+  const Sheet sheet = copied(layOut(painted, design, side), order_.kind, random);
   const Conditions conditions =
-      drawConditions(groundOf(design, taken.pair), sheet.card, sheet.contents, random);
+      order_.kind == Kind::scan
+          ? scanConditions()
+          : drawConditions(groundOf(design, taken.pair), sheet.card, sheet.contents, random);
   auto made = takePhotograph(sheet, conditions, random);
   if (!made) return fault(made.error());
   const cv::Mat& picture = made->picture;
@@ -157,7 +177,7 @@ Result<void> Maker::photograph(const Taken& what, const Design& design, const Si
                                      bytes);
   if (auto written = devices::writeJpeg(folder_ / taken.file, pixels, conditions.quality); !written)
     return fault(written.error());
-  pictures_.push_back(truthOf(taken, design, side, card, card, conditions, *made));
+  pictures_.push_back(truthOf(taken, design, side, conditions, *made));
   return {};
 }
 

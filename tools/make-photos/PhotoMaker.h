@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "Kind.h"
 #include "Result.h"
 
 namespace corvana::photos {
@@ -17,9 +18,10 @@ struct Order {
   std::vector<std::string> designs;  ///< names; empty: all
   std::vector<std::string> grounds;  ///< names; empty: those of each design
   bool unseen = false;               ///< the designs that are set aside, in place of all others
-  std::filesystem::path data;        ///< folder of designs/ and people.json
-  std::filesystem::path portraits;   ///< folder of pictures of one person each
-  std::filesystem::path models;      ///< folder of the face models
+  Kind kind = Kind::original;
+  std::filesystem::path data;       ///< folder of designs/ and people.json
+  std::filesystem::path portraits;  ///< folder of pictures of one person each
+  std::filesystem::path models;     ///< folder of the face models
 };
 
 /// Told the cards done and the cards in all.

@@ -4,16 +4,9 @@
 
 #include "Conditions.h"
 #include "Result.h"
+#include "Sheet.h"
 
 namespace corvana::photos {
-
-/// What lies before the camera: a painted card, or something that shows one.
-struct Sheet {
-  cv::Mat picture;   ///< RGBA
-  cv::Rect2d place;  ///< of the picture, millimetres from the card's upper left corner
-  cv::Size2d card;   ///< of the card in it
-  std::vector<cv::Rect2d> contents;  ///< what on the card is to be read
-};
 
 struct Photograph {
   cv::Mat picture;  ///< RGB

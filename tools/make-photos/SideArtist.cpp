@@ -7,8 +7,12 @@
 #include <map>
 #include <utility>
 
+#include <ZXing/BarcodeFormat.h>
+#include <ZXing/BitMatrix.h>
+#include <ZXing/MultiFormatWriter.h>
 #include <opencv2/imgproc.hpp>
 
+#include "AamvaRecord.h"
 #include "Pattern.h"
 #include "Random.h"
 
@@ -104,6 +108,20 @@ void drawGhost(cv::Mat& picture, const cv::Rect& place, const cv::Mat& photo) {
   cv::Mat pale;
   cv::resize(photo, pale, place.size(), 0, 0, cv::INTER_AREA);
   cv::addWeighted(picture(place), 0.65, pale, 0.35, 0.0, picture(place));
+}
+
+/// PDF417 on white, as large as the place lets it be.
+void drawCode(cv::Mat& picture, const cv::Rect& place, const std::string& text) {
+  const ZXing::BitMatrix code =
+      ZXing::MultiFormatWriter(ZXing::BarcodeFormat::PDF417).setMargin(2).encode(text, 0, 0);
+  cv::Mat modules(code.height(), code.width(), CV_8UC3);
+  for (int row = 0; row < modules.rows; ++row)
+    for (int column = 0; column < modules.cols; ++column)
+      modules.at<cv::Vec3b>(row, column) =
+          code.get(column, row) ? cv::Vec3b(20, 20, 22) : cv::Vec3b(246, 246, 242);
+  cv::Mat scaled;
+  cv::resize(modules, scaled, place.size(), 0, 0, cv::INTER_NEAREST);
+  scaled.copyTo(picture(place));
 }
 
 std::string replaced(std::string text, const std::string& mark, const std::string& value) {
@@ -226,6 +244,7 @@ cv::Mat SideArtist::paint(const SideDesign& side, const CardData& print, const C
   for (const FieldPlace& place : side.fields)
     field(picture, place, printedValue(design_, print, place.field));
   if (side.zone) zone(picture, coded);
+  if (side.code) drawCode(picture, whole(*side.code), aamvaRecord(coded));
   return withRoundedCorners(picture);
 }
 

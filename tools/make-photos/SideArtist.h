@@ -24,6 +24,9 @@ class SideArtist {
 
   static Result<SideArtist> create(const Design& design);
 
+  /// Whether the letters of the values can write a text.
+  bool canWrite(const std::string& value) const { return value_.has(value); }
+
   /// print: what the fields say; coded: what zone and code say, the same on a true card.
   /// photo: RGB, of any size with the sides' relation of the design's photo.
   cv::Mat paint(const SideDesign& side, const session::CardData& print,

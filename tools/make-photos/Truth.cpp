@@ -1,5 +1,10 @@
 #include "Truth.h"
 
+#include <cmath>
+
+#include "AamvaRecord.h"
+#include "SideArtist.h"
+
 namespace corvana::photos {
 namespace {
 
@@ -42,7 +47,6 @@ ordered_json printOf(const Design& design, const SideDesign& side, const session
 }  // namespace
 
 ordered_json truthOf(const Taken& taken, const Design& design, const SideDesign& side,
-                     const session::CardData& print, const session::CardData& coded,
                      const Conditions& conditions, const Photograph& photograph) {
   ordered_json corners = ordered_json::array();
   for (const cv::Point2f& corner : photograph.corners)
@@ -50,16 +54,17 @@ ordered_json truthOf(const Taken& taken, const Design& design, const SideDesign&
   ordered_json truth = {{"file", taken.file},
                         {"pair", taken.pair},
                         {"design", design.name},
-                        {"kind", design.kind},
+                        {"document", design.kind},
                         {"side", taken.back ? "back" : "front"},
-                        {"copy", taken.copy},
+                        {"kind", taken.kind},
                         {"ground", conditions.ground},
                         {"turn", rounded(conditions.turn)},
                         {"corners", corners},
                         {"photo", side.photo.has_value()},
-                        {"fields", printOf(design, side, print)},
+                        {"fields", printOf(design, side, taken.print)},
                         {"conditions", conditionsOf(conditions, photograph)}};
-  if (side.zone) truth["zone"] = session::mrzLines(coded, design.format);
+  if (side.zone) truth["zone"] = session::mrzLines(taken.coded, design.format);
+  if (side.code) truth["code"] = {{"format", "PDF417"}, {"text", aamvaRecord(taken.coded)}};
   if (!taken.altered.empty()) truth["altered"] = taken.altered;
   return truth;
 }

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Photograph.h"
-#include "SideArtist.h"
+#include "Script.h"
 
 namespace corvana::photos {
 
@@ -14,13 +14,14 @@ struct Taken {
   std::string file;
   int pair = 0;  ///< pictures of the same card have the same number
   bool back = false;
-  std::string copy = "original";
-  std::string altered;  ///< the field in which print and zone or code differ; mostly empty
+  std::string kind;
+  session::CardData print;  ///< what the fields say
+  session::CardData coded;  ///< what zone or code say
+  std::string altered;      ///< the field in which they differ; mostly empty
 };
 
 /// What truth.json says of one picture.
 nlohmann::ordered_json truthOf(const Taken& taken, const Design& design, const SideDesign& side,
-                               const session::CardData& print, const session::CardData& coded,
                                const Conditions& conditions, const Photograph& photograph);
 
 }  // namespace corvana::photos

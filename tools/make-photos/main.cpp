@@ -1,6 +1,8 @@
 #include <cstdio>
 #include <exception>
 #include <iostream>
+#include <map>
+#include <string>
 
 #include <CLI/CLI.hpp>
 #include <unistd.h>
@@ -35,6 +37,12 @@ int makePhotos(int argc, char** argv) {
   app.add_option("--grounds", order.grounds,
                  "Names of grounds, with commas; those of each design if left out")
       ->delimiter(',');
+  std::map<std::string, photos::Kind> kinds;
+  for (const std::string& name : photos::kindNames())
+    kinds.emplace(name, static_cast<photos::Kind>(kinds.size()));
+  app.add_option("--kind", order.kind,
+                 "What is photographed: original, altered, photocopy, screen, print or scan")
+      ->transform(CLI::CheckedTransformer(kinds));
   app.add_flag("--unseen", order.unseen,
                "The designs that are set aside for the last measurement, and no others");
   app.add_option("--data", order.data, "Folder of designs/ and people.json")->capture_default_str();

@@ -41,15 +41,13 @@ std::string padded(std::string text, std::size_t length) {
   return text;
 }
 
-/// Letters without their marks, capitals, and a filler for each break between words.
+/// Capitals, and a filler for each break between words.
 std::string zoneText(const std::string& text) {
-  const std::unique_ptr<gchar, decltype(&g_free)> ascii(g_str_to_ascii(spelled(text).c_str(), "C"),
-                                                        g_free);
   std::string result;
-  for (const char* c = ascii.get(); *c != 0; ++c) {
-    if (*c == '\'' || *c == '.') continue;
-    if (g_ascii_isalnum(*c))
-      result += static_cast<char>(g_ascii_toupper(*c));
+  for (const char c : plainLetters(text)) {
+    if (c == '\'' || c == '.') continue;
+    if (g_ascii_isalnum(c))
+      result += c;
     else if (!result.empty() && result.back() != '<')
       result += '<';
   }
@@ -121,6 +119,13 @@ char mrzCheckDigit(std::string_view characters) {
   for (std::size_t i = 0; i < characters.size(); ++i)
     sum += valueOf(characters[i]) * kWeights[i % 3];
   return static_cast<char>('0' + sum % 10);
+}
+
+std::string plainLetters(const std::string& text) {
+  const std::unique_ptr<gchar, decltype(&g_free)> ascii(g_str_to_ascii(spelled(text).c_str(), "C"),
+                                                        g_free);
+  const std::unique_ptr<gchar, decltype(&g_free)> capitals(g_ascii_strup(ascii.get(), -1), g_free);
+  return capitals.get();
 }
 
 std::vector<std::string> mrzLines(const CardData& card, MrzFormat format) {
