@@ -29,9 +29,11 @@ corvana::IDError noCardSeen() {
       "No card was seen in the picture: photograph it from above, whole, on a plain ground.");
 }
 
-tl::expected<StillCards, corvana::IDError> cardsInStill(const platform::PixelBufferRef& picture) {
+tl::expected<StillCards, corvana::IDError> cardsInStill(const platform::PixelBufferRef& picture,
+                                                        TextBoxes& print) {
   StillCards cards{reduced(picture), {}};
-  cards.outlines = cardOutlines(rgbMat(*cards.picture));
+  const cv::Mat rgb = rgbMat(*cards.picture);
+  cards.outlines = cardOutlines(rgb, print.find(rgb));
   if (cards.outlines.empty()) {
     return tl::unexpected(noCardSeen());
   }

@@ -6,6 +6,7 @@
 
 #include "corvana/IDError.h"
 #include "engine/document/Quad.h"
+#include "engine/document/text/TextBoxes.h"
 #include "platform/media/PixelBuffer.h"
 
 namespace corvana::engine {
@@ -22,6 +23,7 @@ corvana::IDError noCardSeen();
 
 /// Finds where the card may lie in a photo or scan: outlines of its shape, or the whole picture
 /// where that has a card's shape. Error: there is neither, or all are less than 320 pixels wide.
-tl::expected<StillCards, corvana::IDError> cardsInStill(const platform::PixelBufferRef& picture);
+tl::expected<StillCards, corvana::IDError> cardsInStill(const platform::PixelBufferRef& picture,
+                                                        TextBoxes& print);
 
 }  // namespace corvana::engine

@@ -21,6 +21,8 @@ class TextBoxes {
   std::vector<cv::RotatedRect> find(const cv::Mat& rgb);
 
  private:
+  std::vector<cv::RotatedRect> findInWide(const cv::Mat& rgb);
+
   explicit TextBoxes(TfliteModel model) : model_(std::move(model)) {}
 
   TfliteModel model_;
