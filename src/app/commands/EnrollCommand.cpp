@@ -20,21 +20,16 @@ struct EnrollArguments {
   fs::path output;
 };
 
-struct Refusal {
-  ExitCode code;
-  std::string sentence;
-};
-
 tl::expected<DetectedData, Refusal> readSide(engine::DocumentAnalyzer& documents,
                                              const fs::path& path, DocumentSide expected) {
   const auto refuse = [&](const std::string& sentence) {
     return tl::unexpected(Refusal{ExitCode::wrongUse, sentence});
   };
   const auto picture = devices::readImage(path);
-  if (!picture) return refuse(picture.error());
+  if (!picture) return refuse(picture.error().sentence);
   auto reading = documents.analyzeStill(*picture);
   if (!reading) {
-    return refuse("\"" + path.string() + "\": " + reading.error().localizedDescription());
+    return refuse("\"" + path.string() + "\": " + reading.error().sentence);
   }
   DetectedData& data = reading->data;
   const bool isFront = expected == DocumentSide::front;
@@ -82,8 +77,7 @@ tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments)
         {.text = resources.textReader()});
   });
   if (!documents) {
-    return tl::unexpected(
-        Refusal{ExitCode::machineLacks, documents.error().localizedDescription()});
+    return tl::unexpected(Refusal{ExitCode::machineLacks, documents.error().sentence});
   }
   Reference reference;
   auto front = readSide(*documents, arguments.front, DocumentSide::front);
@@ -100,11 +94,11 @@ tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments)
 
 ExitCode runEnroll(const EnrollArguments& arguments) {
   const auto reference = readReference(arguments);
-  if (!reference) return complain(std::cerr, reference.error().code, reference.error().sentence);
+  if (!reference) return complain(std::cerr, reference.error());
   auto saved = makeEmptyFolder(arguments.output).and_then([&] {
     return saveReference(*reference, arguments.output);
   });
-  if (!saved) return complain(std::cerr, ExitCode::wrongUse, saved.error());
+  if (!saved) return complain(std::cerr, ExitCode::wrongUse, saved.error().sentence);
   std::cout << nlohmann::ordered_json{{"reference", fs::absolute(arguments.output).string()}}.dump()
             << '\n';
   return ExitCode::result;

@@ -110,8 +110,8 @@ Expected<platform::UIImageRef> imageFromJson(const json& object, const char* key
   if (fs::path(*name).filename() != *name || name->empty() || *name == "..") throw WrongShape{key};
   auto pixels = devices::readImage(folder / *name);
   if (!pixels) {
-    return tl::unexpected("The reference lacks a picture: " + pixels.error() +
-                          " Enroll the card again.");
+    return platform::failure("The reference lacks a picture: " + pixels.error().sentence +
+                             " Enroll the card again.");
   }
   return std::make_shared<platform::UIImage>(*pixels);
 }
@@ -157,7 +157,7 @@ Expected<Reference> loadReference(const fs::path& folder) {
   const fs::path path = folder / kReferenceFileName;
   const auto text = readFile(path, kMostReferenceBytes);
   if (!text) {
-    return tl::unexpected(text.error() + " A reference is made with `videoid enroll`.");
+    return platform::failure(text.error().sentence + " A reference is made with `videoid enroll`.");
   }
   const auto object = parseJson(*text, path.string());
   if (!object) return tl::unexpected(object.error());
@@ -173,9 +173,9 @@ Expected<Reference> loadReference(const fs::path& folder) {
     reference.back = std::move(*back);
     return reference;
   } catch (const WrongShape& fault) {
-    return tl::unexpected("The reference \"" + path.string() +
-                          "\" has another shape than this program's: look at \"" + fault.key +
-                          "\", or enroll the card again.");
+    return platform::failure("The reference \"" + path.string() +
+                             "\" has another shape than this program's: look at \"" + fault.key +
+                             "\", or enroll the card again.");
   }
 }
 

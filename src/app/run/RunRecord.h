@@ -53,7 +53,7 @@ inline constexpr const char* kSelfieFileName = "selfie.png";
 /// What is in result.json, or would be.
 struct WrittenRecord {
   nlohmann::ordered_json content;
-  std::string fault;  ///< why a file could not be written; empty when all are
+  std::optional<platform::Fault> fault;  ///< why a file could not be written
 };
 
 /// Writes the selfie and result.json, and blocks until the whole folder is on the disk. The film

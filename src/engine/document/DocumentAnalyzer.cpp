@@ -79,8 +79,8 @@ DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkT
                                    MrzReader mrz)
     : faces_(std::move(faces)), text_(std::move(text)), mrz_(std::move(mrz)) {}
 
-tl::expected<DocumentAnalyzer, corvana::IDError> DocumentAnalyzer::load(
-    std::shared_ptr<FaceDetector> faces, const Setup& setup) {
+platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<FaceDetector> faces,
+                                                            const Setup& setup) {
   auto text = NetworkTextReader::load(setup.text);
   if (!text) return tl::unexpected(text.error());
   auto mrz = MrzReader::load(setup.ocrBFonts);
@@ -191,7 +191,7 @@ std::optional<CardReading> DocumentAnalyzer::readUpright(const platform::PixelBu
   return *turn == CardTurn::upright ? std::move(asItLies) : std::move(turned);
 }
 
-tl::expected<CardReading, corvana::IDError> DocumentAnalyzer::analyzeStill(
+platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
     const platform::PixelBufferRef& picture) {
   const auto cards = cardsInStill(picture, text_.boxes());
   if (!cards) return tl::unexpected(cards.error());
@@ -199,9 +199,9 @@ tl::expected<CardReading, corvana::IDError> DocumentAnalyzer::analyzeStill(
   if (!look) return tl::unexpected(noCardSeen());
   auto reading = readUpright(*cards->picture, *look);
   if (!reading) {
-    return tl::unexpected(corvana::IDError(
+    return platform::failure(
         "It can't be told which way up the card in the picture lies: take a sharper photo, from "
-        "nearer and without glare."));
+        "nearer and without glare.");
   }
   return *std::move(reading);
 }

@@ -24,13 +24,12 @@ platform::PixelBufferRef reduced(const platform::PixelBufferRef& picture) {
 
 }  // namespace
 
-corvana::IDError noCardSeen() {
-  return corvana::IDError(
-      "No card was seen in the picture: photograph it from above, whole, on a plain ground.");
+platform::Fault noCardSeen() {
+  return {"No card was seen in the picture: photograph it from above, whole, on a plain ground."};
 }
 
-tl::expected<StillCards, corvana::IDError> cardsInStill(const platform::PixelBufferRef& picture,
-                                                        TextBoxes& print) {
+platform::Expected<StillCards> cardsInStill(const platform::PixelBufferRef& picture,
+                                            TextBoxes& print) {
   StillCards cards{reduced(picture), {}};
   const cv::Mat rgb = rgbMat(*cards.picture);
   cards.outlines = cardOutlines(rgb, print.find(rgb));
@@ -39,8 +38,8 @@ tl::expected<StillCards, corvana::IDError> cardsInStill(const platform::PixelBuf
   }
   std::erase_if(cards.outlines, [](const Quad& quad) { return quad.width() < kLeastCardWidth; });
   if (cards.outlines.empty()) {
-    return tl::unexpected(corvana::IDError(
-        "The card in the picture is less than 320 pixels wide: take the photo from nearer."));
+    return platform::failure(
+        "The card in the picture is less than 320 pixels wide: take the photo from nearer.");
   }
   return cards;
 }

@@ -6,6 +6,7 @@
 
 #include "engine/document/CardWarp.h"
 #include "engine/vision/ImageOps.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 namespace {
@@ -50,7 +51,7 @@ VisionFrameAnalyzer::VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
       selfies_(detector_, std::make_shared<FaceLandmarks>(std::move(landmarks))),
       documents_(std::move(documents)) {}
 
-tl::expected<std::shared_ptr<VisionFrameAnalyzer>, corvana::IDError> VisionFrameAnalyzer::load(
+platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> VisionFrameAnalyzer::load(
     const Models& models) {
   auto detector = FaceDetector::load(models.faceDetector);
   if (!detector) return tl::unexpected(detector.error());

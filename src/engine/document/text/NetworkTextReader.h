@@ -4,13 +4,11 @@
 #include <string>
 #include <vector>
 
-#include <tl/expected.hpp>
-
-#include "corvana/IDError.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/text/LineRecognizer.h"
 #include "engine/document/text/LineTurn.h"
 #include "engine/document/text/TextBoxes.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 
@@ -29,7 +27,7 @@ class NetworkTextReader final : public TextReader {
   };
 
   /// Loads the models (0.3 s). Error: one is missing or broken.
-  static tl::expected<NetworkTextReader, corvana::IDError> load(const Models& models);
+  static platform::Expected<NetworkTextReader> load(const Models& models);
 
   /// What finds lines, for pictures other than straightened cards.
   TextBoxes& boxes() { return boxes_; }
