@@ -82,6 +82,12 @@ tl::expected<Interpreter, LoadFault> Interpreter::load(const std::filesystem::pa
   return loaded;
 }
 
+bool Interpreter::resizeInput(int index, const std::vector<int>& shape) {
+  isAllocated_ = false;
+  return TfLiteInterpreterResizeInputTensor(interpreter_.get(), index, shape.data(),
+                                            static_cast<int>(shape.size())) == kTfLiteOk;
+}
+
 bool Interpreter::allocateTensors() {
   isAllocated_ = TfLiteInterpreterAllocateTensors(interpreter_.get()) == kTfLiteOk;
   return isAllocated_;

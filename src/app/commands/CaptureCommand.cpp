@@ -122,8 +122,8 @@ Expected<Analyzer> loadAnalyzer(const Resources& resources) {
   if (const auto lack = lacks({examineFaceModel(resources)}); !lack.empty()) {
     return tl::unexpected(lack);
   }
-  auto loaded =
-      engine::VisionFrameAnalyzer::load({resources.faceDetector(), resources.faceLandmarks()});
+  auto loaded = engine::VisionFrameAnalyzer::load(
+      {resources.faceDetector(), resources.faceLandmarks(), resources.textReader()});
   if (!loaded) return tl::unexpected(loaded.error().localizedDescription());
   return *loaded;
 }

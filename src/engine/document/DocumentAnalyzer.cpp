@@ -14,6 +14,9 @@
 namespace corvana::engine {
 namespace {
 
+/// Of the lines known from an earlier picture so many are read again on the same card.
+constexpr double kLeastShareReadAgain = 0.8;
+
 /// The photo around a face that measures from brow to chin: as on passports, where the head takes
 /// about half the width and two thirds of the height.
 platform::CGRect photoAround(const platform::CGRect& face) {
@@ -67,17 +70,18 @@ bool isUpright(const CardReading& reading) {
 
 }  // namespace
 
-DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, TextReader text,
-                                   MrzReader mrz)
+DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces,
+                                   std::unique_ptr<TextReader> text, MrzReader mrz)
     : faces_(std::move(faces)), text_(std::move(text)), mrz_(std::move(mrz)) {}
 
 tl::expected<DocumentAnalyzer, corvana::IDError> DocumentAnalyzer::load(
     std::shared_ptr<FaceDetector> faces, const Setup& setup) {
-  auto text = TextReader::load(setup.tessdata);
+  auto text = NetworkTextReader::load(setup.text);
   if (!text) return tl::unexpected(text.error());
   auto mrz = MrzReader::load(setup.ocrBFonts);
   if (!mrz) return tl::unexpected(mrz.error());
-  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz));
+  return DocumentAnalyzer(std::move(faces), std::make_unique<NetworkTextReader>(std::move(*text)),
+                          std::move(*mrz));
 }
 
 CardSighting DocumentAnalyzer::find(const platform::PixelBuffer& frame,
@@ -98,7 +102,16 @@ std::optional<Face> DocumentAnalyzer::portrait(const platform::PixelBuffer& card
   return *upright;
 }
 
-CardReading DocumentAnalyzer::read(const CardView& card) {
+std::vector<TextLine> DocumentAnalyzer::linesOf(const platform::PixelBuffer& card,
+                                                const std::vector<TextLine>& known) {
+  if (known.empty()) return text_->read(card);
+  auto lines = text_->readAgain(card, known);
+  const bool isTheSame =
+      static_cast<double>(lines.size()) >= kLeastShareReadAgain * static_cast<double>(known.size());
+  return isTheSame ? lines : text_->read(card);
+}
+
+CardReading DocumentAnalyzer::read(const CardView& card, const std::vector<TextLine>& known) {
   const platform::PixelBuffer& picture = *card.picture;
   CardReading reading;
   DocumentFeatures features;
@@ -118,12 +131,14 @@ CardReading DocumentAnalyzer::read(const CardView& card) {
   // A front's lines of print may look like a zone; only what was read or stands alone is one.
   if (mrz.band && (mrz.mrz || !face)) blanks.push_back(*mrz.band);
   if (!mrz.mrz && !face) features.barcode = readBarcode(picture);
-  features.lines = text_.read(picture, blanks);
+  reading.lines = linesOf(picture, known);
+  for (const TextLine& line : reading.lines)
+    features.lines.push_back(line.text);
 
   reading.data.isPhotoPresent = face.has_value();
   reading.data.mrz = features.mrz;
   reading.data.barcode = features.barcode;
-  reading.data.ocrStrings = features.lines;
+  reading.data.ocrStrings = textLines(reading.lines, blanks);
   reading.data.image = std::make_shared<platform::UIImage>(card.picture);
   reading.familyMatches = familyMatches(features);
   classify(features, reading.data);

@@ -56,7 +56,8 @@ tl::expected<TfliteModel, IDError> TfliteModel::load(const std::filesystem::path
   if (!made && made.error() == inference::LoadFault::notAModel) {
     return tl::unexpected(unusable(file, "is not a readable model"));
   }
-  if (!made || !made->allocateTensors()) {
+  if (!made || (shapes.isInputFree && !made->resizeInput(0, shapes.input)) ||
+      !made->allocateTensors()) {
     return tl::unexpected(unusable(file, "cannot be run by this TensorFlow Lite"));
   }
   if (!hasShapes(*made, shapes)) {
@@ -68,6 +69,11 @@ tl::expected<TfliteModel, IDError> TfliteModel::load(const std::filesystem::path
     return tl::unexpected(unusable(file, "cannot be run by this TensorFlow Lite"));
   }
   return loaded;
+}
+
+void TfliteModel::resizeInput(const std::vector<int>& shape) {
+  platform::require(interpreter_.resizeInput(0, shape) && interpreter_.allocateTensors(),
+                    "TfliteModel: the network does not take an input of this shape");
 }
 
 std::span<float> TfliteModel::input() {

@@ -25,6 +25,8 @@ const Held kPoses[] = {{.roll = 2, .blur = 0.8},
                        {.width = 620, .taper = -0.04, .background = 1, .noise = 5},
                        {.width = 500, .roll = 10, .background = 1, .blur = 1.1, .noise = 6}};
 
+const auto kTextModels = engine::NetworkTextReader::Models::inFolder(ENGINE_RESOURCES);
+
 class DocumentAnalyzerTest : public testing::Test {
  protected:
   /// As in a camera frame; the card must be found.
@@ -47,7 +49,8 @@ class DocumentAnalyzerTest : public testing::Test {
   }
 
   tl::expected<DocumentAnalyzer, corvana::IDError> analyzer = DocumentAnalyzer::load(
-      std::make_shared<engine::FaceDetector>(engine::FaceDetector::load(FACE_MODEL).value()), {});
+      std::make_shared<engine::FaceDetector>(engine::FaceDetector::load(FACE_MODEL).value()),
+      {.text = kTextModels});
 };
 
 TEST_F(DocumentAnalyzerTest, ReadsTheSameZoneFromEveryPicture) {
@@ -114,14 +117,17 @@ TEST_F(DocumentAnalyzerTest, MeasuresBlurAndGlare) {
   EXPECT_TRUE(view(card.front + lamp, {.noise = 1}).hasTooMuchGlare());
 }
 
-TEST(DocumentAnalyzerLoad, NamesThePackageThatIsMissing) {
-  for (const auto& [setup, package] : {std::pair<DocumentAnalyzer::Setup, const char*>(
-                                           {.tessdata = "/nowhere"}, "tesseract-ocr-eng"),
-                                       {{.ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"}}) {
+TEST(DocumentAnalyzerLoad, NamesWhatIsMissing) {
+  auto broken = kTextModels;
+  broken.alphabet = "/nowhere.txt";
+  for (const auto& [setup, missing] :
+       {std::pair<DocumentAnalyzer::Setup, const char*>({.text = broken}, "/nowhere.txt"),
+        {{}, "install the program's models again"},
+        {{.text = kTextModels, .ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"}}) {
     const auto loaded = DocumentAnalyzer::load(nullptr, setup);
     ASSERT_FALSE(loaded);
     const std::string message = loaded.error().localizedDescription();
-    EXPECT_NE(message.find(package), std::string::npos) << message;
+    EXPECT_NE(message.find(missing), std::string::npos) << message;
   }
 }
 

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <tl/expected.hpp>
+
+#include "corvana/IDError.h"
+#include "engine/document/TextReader.h"
+#include "engine/document/text/LineRecognizer.h"
+#include "engine/document/text/LineTurn.h"
+#include "engine/document/text/TextBoxes.h"
+
+namespace corvana::engine {
+
+/// Reads with neural networks: one finds the lines, one reads them, one tells whether they stand on
+/// their head. Knows the letters of all Latin alphabets, rare capitals less well. Movable.
+class NetworkTextReader final : public TextReader {
+ public:
+  struct Models {
+    std::filesystem::path boxes;
+    std::filesystem::path recognizer;
+    std::filesystem::path alphabet;
+    std::filesystem::path turn;
+
+    static Models inFolder(const std::filesystem::path& resources);
+    std::vector<std::filesystem::path> files() const;
+  };
+
+  /// Loads the models (0.3 s). Error: one is missing or broken.
+  static tl::expected<NetworkTextReader, corvana::IDError> load(const Models& models);
+
+  std::vector<TextLine> read(const platform::PixelBuffer& card) override;
+  std::vector<TextLine> readAgain(const platform::PixelBuffer& card,
+                                  const std::vector<TextLine>& known) override;
+  std::string name() const override { return "PP-OCRv6 small Latin, 1"; }
+
+ private:
+  NetworkTextReader(TextBoxes boxes, LineRecognizer recognizer, LineTurn turn);
+
+  TextBoxes boxes_;
+  LineRecognizer recognizer_;
+  LineTurn turn_;
+};
+
+}  // namespace corvana::engine

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <filesystem>
+#include <vector>
+
+#include <opencv2/core.hpp>
+#include <tl/expected.hpp>
+
+#include "corvana/IDError.h"
+#include "engine/vision/TfliteModel.h"
+
+namespace corvana::engine {
+
+/// Finds where lines of print are in a picture. One thread at a time. Movable.
+class TextBoxes {
+ public:
+  static tl::expected<TextBoxes, corvana::IDError> load(const std::filesystem::path& model);
+
+  /// The lines of an 8-bit RGB picture as rectangles around their letters, in its pixels: the width
+  /// runs along the line, and the angle (degrees clockwise) is within 45° of level. About 0.2 s.
+  std::vector<cv::RotatedRect> find(const cv::Mat& rgb);
+
+ private:
+  explicit TextBoxes(TfliteModel model) : model_(std::move(model)) {}
+
+  TfliteModel model_;
+};
+
+}  // namespace corvana::engine
