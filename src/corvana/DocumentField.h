@@ -39,4 +39,16 @@ struct DocumentField {
   bool operator==(const DocumentField&) const = default;
 };
 
+/// How the print stands to what zone or code say of the same.
+enum class FieldAgreement { agrees, conflicts, unread };
+
+struct FieldCheck {
+  FieldName name{};
+  FieldSource against{};  ///< zone or code
+  FieldAgreement agreement{};
+  float confidence = 0;  ///< the lesser of both readings' ones; 0 where unread
+  /// Of the print, in pixels of the straightened card.
+  std::optional<platform::CGRect> place;
+};
+
 }  // namespace corvana

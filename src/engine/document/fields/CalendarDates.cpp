@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdio>
 #include <map>
-#include <vector>
 
 namespace corvana::engine {
 namespace {
@@ -212,18 +211,22 @@ std::optional<std::string> isoExpiryDate(std::string_view yymmdd, const Calendar
                     number(yymmdd.substr(4))));
 }
 
-std::optional<std::string> isoFromPrint(std::string_view text, const CalendarDate& today,
-                                        const PrintedDateRules& rules) {
+std::vector<std::string> datesInPrint(std::string_view text, const CalendarDate& today,
+                                      const PrintedDateRules& rules) {
   const std::string plain = capitals(text);
   const std::vector<Piece> pieces = piecesOf(plain);
+  std::vector<std::string> dates;
   for (std::size_t i = 0; i + 2 < pieces.size(); ++i) {
     const Piece& a = pieces[i];
     const Piece& b = pieces[i + 1];
     const Piece& c = pieces[i + 2];
     if (!isParted(plain, a, b) || !isParted(plain, b, c)) continue;
-    if (const auto date = dateFrom(a, b, c, today, rules)) return isoDate(*date);
+    const auto date = dateFrom(a, b, c, today, rules);
+    if (!date) continue;
+    dates.push_back(isoDate(*date));
+    i += 2;
   }
-  return std::nullopt;
+  return dates;
 }
 
 }  // namespace corvana::engine

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Dates as documents write them, read into YYYY-MM-DD. Pure: what day it is, is handed in.
 namespace corvana::engine {
@@ -24,15 +25,17 @@ std::optional<std::string> isoBirthDate(std::string_view yymmdd, const CalendarD
 /// YYMMDD of a zone: the year next to today's.
 std::optional<std::string> isoExpiryDate(std::string_view yymmdd, const CalendarDate& today);
 
-/// A printed date: day, month and year in this order or turned about, parted by points, blanks,
-/// strokes or dashes; months in digits or as a word of the languages of cards ("12 AUG/AOÛT 1984").
-/// Two-digit years are settled as a birth or as a year next to today's. Where day and month could
-/// be exchanged, `isMonthFirst` says how a country writes them. Absent without a date in the text.
 struct PrintedDateRules {
+  /// Two-digit years are those of a birth, else the next to today's.
   bool isBirth = false;
+  /// How the country writes dates where day and month could be exchanged.
   bool isMonthFirst = false;
 };
-std::optional<std::string> isoFromPrint(std::string_view text, const CalendarDate& today,
-                                        const PrintedDateRules& rules);
+
+/// The dates in a line of print: day, month and year in this order or turned about, parted by
+/// points, blanks, strokes or dashes; months in digits or as a word of the languages of cards
+/// ("12 AUG/AOÛT 1984").
+std::vector<std::string> datesInPrint(std::string_view text, const CalendarDate& today,
+                                      const PrintedDateRules& rules);
 
 }  // namespace corvana::engine
