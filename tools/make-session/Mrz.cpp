@@ -1,14 +1,34 @@
 #include "Mrz.h"
 
+#include <array>
+#include <cstddef>
 #include <memory>
+#include <utility>
 
 #include <glib.h>
 
 namespace corvana::session {
 namespace {
 
-constexpr std::size_t kLineLength = 30;
+constexpr std::size_t kTd1Length = 30;
+constexpr std::size_t kTd2Length = 36;
+constexpr std::size_t kTd3Length = 44;
 constexpr std::size_t kNumberLength = 9;
+
+/// What the standard recommends where taking the mark away is not enough.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 28> kSpellings = {{
+    {"Ä", "AE"}, {"ä", "AE"}, {"Å", "AA"}, {"å", "AA"}, {"Æ", "AE"}, {"æ", "AE"}, {"Ð", "D"},
+    {"ð", "D"},  {"Đ", "D"},  {"đ", "D"},  {"Ħ", "H"},  {"ħ", "H"},  {"İ", "I"},  {"ı", "I"},
+    {"Ł", "L"},  {"ł", "L"},  {"Ö", "OE"}, {"ö", "OE"}, {"Ø", "OE"}, {"ø", "OE"}, {"Œ", "OE"},
+    {"œ", "OE"}, {"Ü", "UE"}, {"ü", "UE"}, {"ẞ", "SS"}, {"ß", "SS"}, {"Þ", "TH"}, {"þ", "TH"},
+}};
+
+std::string spelled(std::string text) {
+  for (const auto& [letter, spelling] : kSpellings)
+    for (std::size_t at = text.find(letter); at != std::string::npos; at = text.find(letter, at))
+      text.replace(at, letter.size(), spelling);
+  return text;
+}
 
 int valueOf(char c) {
   if (c >= '0' && c <= '9') return c - '0';
@@ -21,14 +41,13 @@ std::string padded(std::string text, std::size_t length) {
   return text;
 }
 
-/// Letters without their marks, capitals, and a filler for each break between words.
+/// Capitals, and a filler for each break between words.
 std::string zoneText(const std::string& text) {
-  const std::unique_ptr<gchar, decltype(&g_free)> ascii(g_str_to_ascii(text.c_str(), "C"), g_free);
   std::string result;
-  for (const char* c = ascii.get(); *c != 0; ++c) {
-    if (*c == '\'' || *c == '.') continue;
-    if (g_ascii_isalnum(*c))
-      result += static_cast<char>(g_ascii_toupper(*c));
+  for (const char c : plainLetters(text)) {
+    if (c == '\'' || c == '.') continue;
+    if (g_ascii_isalnum(c))
+      result += c;
     else if (!result.empty() && result.back() != '<')
       result += '<';
   }
@@ -57,6 +76,41 @@ std::string numberAndOptional(const CardData& card) {
                 25);
 }
 
+std::string sexOf(const CardData& card) {
+  return card.sex == "X" ? "<" : card.sex;
+}
+
+std::string namesOf(const CardData& card, std::size_t room) {
+  return padded(zoneText(card.surname) + "<<" + zoneText(card.givenNames), room);
+}
+
+/// What the first line begins with: kind of document and issuing state.
+std::string headOf(const CardData& card) {
+  return padded(card.documentCode, 2) + padded(zoneText(card.state), 3);
+}
+
+std::vector<std::string> threeLines(const CardData& card) {
+  const std::string first = headOf(card) + numberAndOptional(card);
+  std::string second = withCheckDigit(zoneDate(card.dateOfBirth)) + sexOf(card) +
+                       withCheckDigit(zoneDate(card.dateOfExpiry)) +
+                       padded(zoneText(card.nationalityCode), 3) +
+                       padded(zoneText(card.optionalData2), 11);
+  second += mrzCheckDigit(first.substr(5, 25) + second.substr(0, 7) + second.substr(8, 7) +
+                          second.substr(18, 11));
+  return {first, second, namesOf(card, kTd1Length)};
+}
+
+std::vector<std::string> twoLines(const CardData& card, std::size_t length) {
+  std::string second = withCheckDigit(padded(zoneText(card.documentNumber), kNumberLength)) +
+                       padded(zoneText(card.nationalityCode), 3) +
+                       withCheckDigit(zoneDate(card.dateOfBirth)) + sexOf(card) +
+                       withCheckDigit(zoneDate(card.dateOfExpiry));
+  const std::string optional = zoneText(card.optionalData);
+  second += length == kTd3Length ? withCheckDigit(padded(optional, 14)) : padded(optional, 7);
+  second += mrzCheckDigit(second.substr(0, 10) + second.substr(13, 7) + second.substr(21));
+  return {headOf(card) + namesOf(card, length - 5), second};
+}
+
 }  // namespace
 
 char mrzCheckDigit(std::string_view characters) {
@@ -67,18 +121,16 @@ char mrzCheckDigit(std::string_view characters) {
   return static_cast<char>('0' + sum % 10);
 }
 
-std::array<std::string, 3> mrzLines(const CardData& card) {
-  const std::string first =
-      padded("ID" + padded(zoneText(card.state), 3), 5) + numberAndOptional(card);
-  std::string second =
-      withCheckDigit(zoneDate(card.dateOfBirth)) + (card.sex == "X" ? "<" : card.sex) +
-      withCheckDigit(zoneDate(card.dateOfExpiry)) + padded(zoneText(card.nationalityCode), 3) +
-      padded(zoneText(card.optionalData2), 11);
-  second += mrzCheckDigit(first.substr(5, 25) + second.substr(0, 7) + second.substr(8, 7) +
-                          second.substr(18, 11));
-  const std::string third =
-      padded(zoneText(card.surname) + "<<" + zoneText(card.givenNames), kLineLength);
-  return {first, second, third};
+std::string plainLetters(const std::string& text) {
+  const std::unique_ptr<gchar, decltype(&g_free)> ascii(g_str_to_ascii(spelled(text).c_str(), "C"),
+                                                        g_free);
+  const std::unique_ptr<gchar, decltype(&g_free)> capitals(g_ascii_strup(ascii.get(), -1), g_free);
+  return capitals.get();
+}
+
+std::vector<std::string> mrzLines(const CardData& card, MrzFormat format) {
+  if (format == MrzFormat::td1) return threeLines(card);
+  return twoLines(card, format == MrzFormat::td2 ? kTd2Length : kTd3Length);
 }
 
 }  // namespace corvana::session

@@ -22,6 +22,7 @@ struct PersonScript {
 /// What is printed on the card. Dates are YYYY-MM-DD.
 struct CardData {
   std::filesystem::path photo;  ///< a picture with one face; the person's portrait when left out
+  std::string documentCode = "ID";  ///< the zone's first letters; a script does not change them
   std::string state = "UTO";
   std::string stateName = "UTOPIA";
   std::string surname = "ERIKSSON";

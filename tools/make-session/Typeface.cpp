@@ -117,6 +117,12 @@ double Typeface::width(const std::string& text, double size) const {
   return sum;
 }
 
+bool Typeface::has(const std::string& text) const {
+  const auto points = codePoints(text);
+  return std::all_of(points.begin(), points.end(),
+                     [&](char32_t point) { return FT_Get_Char_Index(face_->face, point) != 0; });
+}
+
 double Typeface::fittingSize(const std::string& text, double size, double room) const {
   const double needed = width(text, size);
   return needed <= room ? size : size * room / needed;

@@ -21,6 +21,8 @@ class Typeface {
   void draw(cv::Mat& picture, const std::string& text, cv::Point2d baseline, double size,
             const cv::Scalar& colour) const;
   double width(const std::string& text, double size) const;
+  /// Whether the font has every letter of the text.
+  bool has(const std::string& text) const;
   /// The largest size up to `size` at which the text is no wider than `room`.
   double fittingSize(const std::string& text, double size, double room) const;
   /// Draws each character centred in a cell of `pitch` pixels, as machine-readable lines are set.

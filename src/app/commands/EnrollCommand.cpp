@@ -32,7 +32,7 @@ tl::expected<DetectedData, Refusal> readSide(engine::DocumentAnalyzer& documents
   };
   const auto picture = devices::readImage(path);
   if (!picture) return refuse(picture.error());
-  auto reading = documents.analyzeStill(**picture);
+  auto reading = documents.analyzeStill(*picture);
   if (!reading) {
     return refuse("\"" + path.string() + "\": " + reading.error().localizedDescription());
   }

@@ -134,8 +134,8 @@ tl::expected<void, std::string> writePng(const std::filesystem::path& path,
 }
 
 tl::expected<void, std::string> writeJpeg(const std::filesystem::path& path,
-                                          const platform::PixelBuffer& image) {
-  return writePicture(path, image, "jpegenc quality=92 snapshot=true");
+                                          const platform::PixelBuffer& image, int quality) {
+  return writePicture(path, image, "jpegenc quality=" + std::to_string(quality) + " snapshot=true");
 }
 
 }  // namespace corvana::devices

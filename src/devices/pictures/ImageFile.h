@@ -17,10 +17,10 @@ constexpr int kMostImagePixels = 64'000'000;
 tl::expected<platform::PixelBufferRef, std::string> readImage(const std::filesystem::path& path);
 
 /// Writes a picture of any pixel format, readable by its owner only; an existing file is replaced,
-/// and nothing half-written stays.
+/// and nothing half-written stays. quality: 0 to 100, as JPEG counts it.
 tl::expected<void, std::string> writePng(const std::filesystem::path& path,
                                          const platform::PixelBuffer& image);
 tl::expected<void, std::string> writeJpeg(const std::filesystem::path& path,
-                                          const platform::PixelBuffer& image);
+                                          const platform::PixelBuffer& image, int quality = 92);
 
 }  // namespace corvana::devices

@@ -10,6 +10,7 @@
 #include "corvana/DetectedData.h"
 #include "corvana/IDError.h"
 #include "engine/document/CardFinder.h"
+#include "engine/document/CardLook.h"
 #include "engine/document/DocumentClassifier.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/mrz/MrzReader.h"
@@ -66,20 +67,24 @@ class DocumentAnalyzer {
   /// picture, it is not looked for again, unless it can no longer be read there.
   CardReading read(const CardView& card, const std::vector<TextLine>& known = {});
 
-  /// Reads a photo or scan of one side, however large, upright or turned by quarters, in which the
-  /// card lies on something else or fills the picture. Error: no card is seen, or it is too small
-  /// to be read.
-  tl::expected<CardReading, corvana::IDError> analyzeStill(const platform::PixelBuffer& picture);
+  /// Reads a photo or scan of one side, however large and however turned, in which the card lies on
+  /// something else or fills the picture. Error: no card is seen, it is too small to be read, or it
+  /// can't be told which way up it lies.
+  tl::expected<CardReading, corvana::IDError> analyzeStill(const platform::PixelBufferRef& picture);
 
  private:
-  DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, std::unique_ptr<TextReader> text,
-                   MrzReader mrz);
+  DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz);
   std::optional<Face> portrait(const platform::PixelBuffer& card);
   std::vector<TextLine> linesOf(const platform::PixelBuffer& card,
                                 const std::vector<TextLine>& known);
+  CardLook lookAt(const platform::PixelBuffer& picture, const Quad& outline);
+  std::optional<CardLook> likeliestCard(const platform::PixelBuffer& picture,
+                                        const std::vector<Quad>& outlines);
+  std::optional<CardReading> readUpright(const platform::PixelBuffer& picture,
+                                         const CardLook& look);
 
   std::shared_ptr<FaceDetector> faces_;
-  std::unique_ptr<TextReader> text_;
+  NetworkTextReader text_;
   MrzReader mrz_;
 };
 

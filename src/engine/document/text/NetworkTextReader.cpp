@@ -64,11 +64,27 @@ tl::expected<NetworkTextReader, corvana::IDError> NetworkTextReader::load(const 
   return NetworkTextReader(std::move(*boxes), std::move(*recognizer), std::move(*turn));
 }
 
-std::vector<TextLine> NetworkTextReader::read(const platform::PixelBuffer& card) {
+std::vector<TextLine> NetworkTextReader::find(const platform::PixelBuffer& card) {
   std::vector<TextLine> found;
   for (const cv::RotatedRect& box : boxes_.find(rgbMat(card)))
     found.push_back(lineIn(box));
-  return readAgain(card, found);
+  return found;
+}
+
+double NetworkTextReader::turnSign(const platform::PixelBuffer& card,
+                                   const std::vector<TextLine>& lines) {
+  double sum = 0;
+  double length = 0;
+  for (const TextLine& line : lines) {
+    const double upsideDown = turn_.upsideDown(lineCrop(rgbMat(card), boxOf(line)));
+    sum += (1 - 2 * upsideDown) * line.box.width;
+    length += line.box.width;
+  }
+  return length > 0 ? sum / length : 0;
+}
+
+std::vector<TextLine> NetworkTextReader::read(const platform::PixelBuffer& card) {
+  return readAgain(card, find(card));
 }
 
 std::vector<TextLine> NetworkTextReader::readAgain(const platform::PixelBuffer& card,

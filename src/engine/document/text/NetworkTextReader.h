@@ -31,6 +31,12 @@ class NetworkTextReader final : public TextReader {
   /// Loads the models (0.3 s). Error: one is missing or broken.
   static tl::expected<NetworkTextReader, corvana::IDError> load(const Models& models);
 
+  /// The places of lines, without their text: most of what reading costs, bar a few lines.
+  std::vector<TextLine> find(const platform::PixelBuffer& card);
+  /// Whether lines stand upright (1) or on their head (-1), in the mean by their length; 0 without
+  /// lines.
+  double turnSign(const platform::PixelBuffer& card, const std::vector<TextLine>& lines);
+
   std::vector<TextLine> read(const platform::PixelBuffer& card) override;
   std::vector<TextLine> readAgain(const platform::PixelBuffer& card,
                                   const std::vector<TextLine>& known) override;

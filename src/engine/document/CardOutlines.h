@@ -1,0 +1,15 @@
+#pragma once
+
+#include <vector>
+
+#include <opencv2/core.hpp>
+
+#include "engine/document/Quad.h"
+
+namespace corvana::engine {
+
+/// Where cards may lie in a still, at any turn, with their long sides as width; the likeliest by
+/// their edges first. Which of them is a card, and which way up, its content has to tell.
+std::vector<Quad> cardOutlines(const cv::Mat& rgb);
+
+}  // namespace corvana::engine

@@ -1,0 +1,179 @@
+#include "Grounds.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <map>
+
+#include <opencv2/imgproc.hpp>
+
+#include "People.h"
+#include "Typeface.h"
+
+namespace corvana::photos {
+namespace {
+
+using session::Random;
+using session::Typeface;
+
+/// Numbers around zero, alike over about `across` by `along` pixels, of standard deviation one.
+cv::Mat unevenness(cv::Size size, double across, double along, Random& random) {
+  const int stepX = std::max(1, static_cast<int>(along / 2.0));
+  const int stepY = std::max(1, static_cast<int>(across / 2.0));
+  cv::Mat coarse(size.height / stepY + 8, size.width / stepX + 8, CV_32FC1);
+  for (int row = 0; row < coarse.rows; ++row)
+    for (int column = 0; column < coarse.cols; ++column)
+      coarse.at<float>(row, column) = static_cast<float>(random.normal());
+  cv::Mat fine;
+  cv::resize(coarse, fine, size, 0, 0, cv::INTER_CUBIC);
+  return fine;
+}
+
+/// The colour lightened and darkened: each pixel is colour · light.
+cv::Mat coloured(const cv::Mat& light, const cv::Scalar& colour) {
+  std::array<cv::Mat, 3> channels;
+  for (int i = 0; i < 3; ++i)
+    light.convertTo(channels[static_cast<std::size_t>(i)], CV_8UC1, colour[i]);
+  cv::Mat picture;
+  cv::merge(channels.data(), 3, picture);
+  return picture;
+}
+
+cv::Mat plain(cv::Size size, double scale, Random& random) {
+  static const std::vector<cv::Scalar> colours = {{232, 232, 228}, {206, 200, 190}, {122, 126, 130},
+                                                  {46, 50, 58},    {38, 62, 108},   {60, 104, 84},
+                                                  {168, 58, 52},   {222, 206, 172}};
+  const cv::Mat light = 1.0 + 0.015 * unevenness(size, 9.0 * scale, 9.0 * scale, random);
+  return coloured(light, drawFrom(colours, random));
+}
+
+cv::Mat wood(cv::Size size, double scale, Random& random) {
+  static const std::vector<cv::Scalar> colours = {
+      {104, 74, 52}, {164, 122, 82}, {206, 172, 128}, {84, 56, 44}, {142, 104, 84}};
+  cv::Mat light = 1.0 + 0.07 * unevenness(size, 0.5 * scale, 30.0 * scale, random) +
+                  0.08 * unevenness(size, 4.0 * scale, 70.0 * scale, random);
+  const double plank = random.uniform(60.0, 140.0) * scale;
+  for (double y = random.uniform(0.0, plank); y < size.height; y += plank) {
+    const int row = static_cast<int>(y);
+    cv::Mat gap =
+        light.rowRange(row, std::min(size.height, row + 1 + static_cast<int>(0.4 * scale)));
+    gap *= 0.55;
+  }
+  return coloured(light, drawFrom(colours, random));
+}
+
+cv::Mat cloth(cv::Size size, double scale, Random& random) {
+  static const std::vector<cv::Scalar> colours = {{176, 168, 152}, {54, 66, 96},    {128, 44, 50},
+                                                  {96, 110, 84},   {222, 216, 204}, {70, 70, 74}};
+  const double thread = random.uniform(0.5, 1.3) * scale;
+  const double checks = random.uniform(0.0, 1.0) < 0.4 ? random.uniform(12.0, 30.0) * scale : 0.0;
+  cv::Mat light = 1.0 + 0.04 * unevenness(size, thread, 12.0 * thread, random) +
+                  0.06 * unevenness(size, 40.0 * scale, 25.0 * scale, random);
+  for (int row = 0; row < size.height; ++row)
+    for (int column = 0; column < size.width; ++column) {
+      const double weave = std::sin(CV_PI * row / thread) * std::sin(CV_PI * column / thread);
+      float& value = light.at<float>(row, column);
+      value += static_cast<float>(0.09 * weave);
+      if (checks <= 0.0) continue;
+      if (std::fmod(row, checks) < 0.5 * checks) value *= 0.86F;
+      if (std::fmod(column, checks) < 0.5 * checks) value *= 0.86F;
+    }
+  return coloured(light, drawFrom(colours, random));
+}
+
+/// Words that no language has.
+std::string words(std::size_t letters, Random& random) {
+  static const std::vector<std::string> syllables = {"ba", "lor", "mi", "ten", "qua", "ri", "sol",
+                                                     "ve", "dun", "ka", "pel", "os",  "ti", "gran"};
+  std::string text;
+  while (text.size() < letters) {
+    for (int left = static_cast<int>(random.uniform(1.0, 4.0)); left > 0; --left)
+      text += drawFrom(syllables, random);
+    text += random.uniform(0, 1) < 0.1 ? ", " : " ";
+  }
+  return text;
+}
+
+void drawColumn(cv::Mat& page, const cv::Rect& place, const Typeface& face, double letter,
+                Random& random) {
+  const cv::Scalar ink = cv::Scalar::all(random.uniform(20, 70));
+  double y = place.y + letter;
+  while (y < place.y + place.height) {
+    if (random.uniform(0, 1) < 0.05) {
+      const int height = static_cast<int>(letter * random.uniform(8.0, 18.0));
+      const cv::Rect picture(place.x, static_cast<int>(y), place.width, height);
+      cv::rectangle(page, picture, cv::Scalar::all(random.uniform(60, 190)), cv::FILLED);
+      y += height + 2.0 * letter;
+      continue;
+    }
+    const bool heading = random.uniform(0, 1) < 0.07;
+    const double size = heading ? 2.2 * letter : letter;
+    std::string line = words(static_cast<std::size_t>(place.width / size * 2.2), random);
+    while (!line.empty() && face.width(line, size) > place.width)
+      line.resize(line.size() - 1);
+    face.draw(page, line, {static_cast<double>(place.x), y}, size, ink);
+    y += 1.3 * size;
+  }
+}
+
+cv::Mat print(cv::Size size, double scale, const Typeface& face, Random& random) {
+  const double paper = random.uniform(205, 245);
+  cv::Mat page(size, CV_8UC3, cv::Scalar(paper, paper, paper * random.uniform(0.93, 1.0)));
+  const double width = random.uniform(45.0, 90.0) * scale;
+  const double letter = random.uniform(2.4, 4.2) * scale;
+  for (double x = 0.04 * width; x < size.width; x += 1.08 * width)
+    drawColumn(page, {static_cast<int>(x), 0, static_cast<int>(width), size.height}, face, letter,
+               random);
+  return page;
+}
+
+cv::Mat stone(cv::Size size, double scale, Random& random) {
+  static const std::vector<cv::Scalar> colours = {
+      {150, 146, 142}, {92, 92, 96}, {196, 182, 170}, {60, 64, 62}};
+  const cv::Mat light = 1.0 + 0.16 * unevenness(size, 1.4 * scale, 1.4 * scale, random) +
+                        0.12 * unevenness(size, 0.4 * scale, 0.4 * scale, random);
+  return coloured(light, drawFrom(colours, random));
+}
+
+cv::Mat tiles(cv::Size size, double scale, Random& random) {
+  static const std::vector<cv::Scalar> colours = {
+      {214, 216, 214}, {120, 150, 160}, {186, 150, 120}, {70, 84, 100}};
+  cv::Mat light = 1.0 + 0.02 * unevenness(size, 15.0 * scale, 15.0 * scale, random);
+  const double tile = random.uniform(35.0, 110.0) * scale;
+  const double joint = random.uniform(1.5, 3.5) * scale;
+  for (int row = 0; row < size.height; ++row)
+    for (int column = 0; column < size.width; ++column)
+      if (std::fmod(row, tile) < joint || std::fmod(column, tile) < joint)
+        light.at<float>(row, column) *= 0.72F;
+  return coloured(light, drawFrom(colours, random));
+}
+
+using Painter = cv::Mat (*)(cv::Size, double, Random&);
+
+const std::map<std::string, Painter>& painters() {
+  static const std::map<std::string, Painter> all = {
+      {"plain", plain}, {"wood", wood}, {"cloth", cloth}, {"stone", stone}, {"tiles", tiles}};
+  return all;
+}
+
+}  // namespace
+
+const std::vector<std::string>& groundNames() {
+  static const std::vector<std::string> names = {"plain", "wood",  "print",
+                                                 "cloth", "stone", "tiles"};
+  return names;
+}
+
+session::Result<cv::Mat> paintGround(const std::string& name, cv::Size size, double scale,
+                                     Random& random) {
+  if (const auto found = painters().find(name); found != painters().end())
+    return found->second(size, scale, random);
+  if (name != "print")
+    return session::fault("There is no ground named " + name + ": correct the design.");
+  auto face = Typeface::load("DejaVuSerif.ttf", "fonts-dejavu-core");
+  if (!face) return session::fault(face.error());
+  return print(size, scale, *face, random);
+}
+
+}  // namespace corvana::photos

@@ -1,0 +1,112 @@
+#include "Pattern.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include <opencv2/imgproc.hpp>
+
+#include "Random.h"
+
+namespace corvana::photos {
+namespace {
+
+using session::Random;
+
+constexpr double kTurn = 6.283185307179586;
+constexpr int kShift = 4;  // sixteenths of a pixel in OpenCV's fixed-point drawing
+
+void drawCurve(cv::Mat& picture, const std::vector<cv::Point2d>& points, const cv::Scalar& colour) {
+  std::vector<cv::Point> fixed;
+  fixed.reserve(points.size());
+  for (const cv::Point2d& point : points)
+    fixed.emplace_back(static_cast<int>(std::lround(point.x * (1 << kShift))),
+                       static_cast<int>(std::lround(point.y * (1 << kShift))));
+  cv::polylines(picture, fixed, false, colour, 1, cv::LINE_AA, kShift);
+}
+
+cv::Mat gradient(const std::vector<cv::Scalar>& colours, cv::Size size) {
+  cv::Mat picture(size, CV_8UC3);
+  const auto last = static_cast<double>(colours.size() - 1);
+  for (int x = 0; x < size.width; ++x) {
+    const double at = last * x / size.width;
+    const auto from = static_cast<std::size_t>(at);
+    const std::size_t to = std::min(from + 1, colours.size() - 1);
+    const double share = at - static_cast<double>(from);
+    picture.col(x).setTo(colours[from] * (1.0 - share) + colours[to] * share);
+  }
+  return picture;
+}
+
+void drawWaves(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
+  const double phase = random.uniform(0.0, kTurn);
+  const double turns = random.uniform(1.5, 4.0);
+  for (double line = -0.2; line < 1.2; line += 0.019) {
+    std::vector<cv::Point2d> points;
+    for (int x = -8; x <= picture.cols + 8; x += 8) {
+      const double share = static_cast<double>(x) / picture.cols;
+      points.emplace_back(
+          x, picture.rows * (line + 0.05 * std::sin(kTurn * turns * share + phase + 2.0 * line) +
+                             0.01 * std::sin(kTurn * turns * 5.0 * share + 8.0 * line)));
+    }
+    drawCurve(picture, points, colour);
+  }
+}
+
+void drawRosettes(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
+  for (int i = 0; i < 5; ++i) {
+    const cv::Point2d centre(picture.cols * random.uniform(0.0, 1.0),
+                             picture.rows * random.uniform(0.0, 1.0));
+    const double radius = picture.rows * random.uniform(0.2, 0.45);
+    const double leaves = std::floor(random.uniform(7.0, 15.0));
+    for (double ring = 0.3; ring <= 1.0; ring += 0.06) {
+      std::vector<cv::Point2d> points;
+      for (int step = 0; step <= 540; ++step) {
+        const double angle = kTurn * step / 540.0;
+        const double r = radius * ring * (1.0 + 0.18 * std::sin(leaves * angle + 8.0 * ring));
+        points.emplace_back(centre.x + r * std::cos(angle), centre.y + r * std::sin(angle));
+      }
+      drawCurve(picture, points, colour);
+    }
+  }
+}
+
+void drawMesh(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
+  const double slope = random.uniform(0.3, 0.8);
+  const double step = picture.rows / 42.0;
+  for (double x = -picture.rows; x < picture.cols + picture.rows; x += step) {
+    drawCurve(picture, {{x, 0.0}, {x + slope * picture.rows, static_cast<double>(picture.rows)}},
+              colour);
+    drawCurve(picture, {{x, 0.0}, {x - slope * picture.rows, static_cast<double>(picture.rows)}},
+              colour);
+  }
+}
+
+void drawRays(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
+  const cv::Point2d centre(picture.cols * random.uniform(-0.1, 1.1), picture.rows * 1.15);
+  const double far = 1.4 * picture.cols;
+  for (double angle = 0.0; angle < kTurn / 2.0; angle += kTurn / 420.0) {
+    std::vector<cv::Point2d> points;
+    for (double r = 0.02 * far; r < far; r += 0.01 * far) {
+      const double bent = angle + 0.03 * std::sin(kTurn * 5.0 * r / far);
+      points.emplace_back(centre.x + r * std::cos(bent), centre.y - r * std::sin(bent));
+    }
+    drawCurve(picture, points, colour);
+  }
+}
+
+}  // namespace
+
+cv::Mat printedGround(const Design& design, cv::Size size, std::uint64_t seed) {
+  Random random(seed);
+  cv::Mat picture = gradient(design.groundColours, size);
+  for (const cv::Scalar& colour : design.patternColours) {
+    if (design.pattern == "waves") drawWaves(picture, random, colour);
+    if (design.pattern == "rosettes") drawRosettes(picture, random, colour);
+    if (design.pattern == "mesh") drawMesh(picture, random, colour);
+    if (design.pattern == "rays") drawRays(picture, random, colour);
+  }
+  return picture;
+}
+
+}  // namespace corvana::photos

@@ -1,0 +1,251 @@
+#include "SideArtist.h"
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <utility>
+
+#include <ZXing/BarcodeFormat.h>
+#include <ZXing/BitMatrix.h>
+#include <ZXing/MultiFormatWriter.h>
+#include <opencv2/imgproc.hpp>
+
+#include "AamvaRecord.h"
+#include "Pattern.h"
+#include "Random.h"
+
+namespace corvana::photos {
+namespace {
+
+using session::CardData;
+using session::Random;
+using session::Typeface;
+
+constexpr double kCornerRadius = 3.18;  // millimetres, as all below
+constexpr double kMachinePitch = 2.54;  // OCR-B size 1: ten characters an inch
+
+double px(double millimetres) {
+  return millimetres * SideArtist::kPixelsPerMillimetre;
+}
+
+int whole(double millimetres) {
+  return static_cast<int>(std::lround(px(millimetres)));
+}
+
+cv::Rect whole(const cv::Rect2d& box) {
+  return {whole(box.x), whole(box.y), whole(box.width), whole(box.height)};
+}
+
+std::uint64_t seedOf(const std::string& text) {
+  std::uint64_t hash = 1469598103934665603ULL;  // FNV-1a
+  for (const unsigned char c : text)
+    hash = (hash ^ c) * 1099511628211ULL;
+  return hash;
+}
+
+cv::Mat withRoundedCorners(const cv::Mat& picture) {
+  cv::Mat mask(picture.size(), CV_8UC1, cv::Scalar(0));
+  const int r = whole(kCornerRadius);
+  const int right = picture.cols - 1;
+  const int bottom = picture.rows - 1;
+  cv::rectangle(mask, {r, 0}, {right - r, bottom}, 255, cv::FILLED);
+  cv::rectangle(mask, {0, r}, {right, bottom - r}, 255, cv::FILLED);
+  for (const cv::Point centre :
+       {cv::Point(r, r), {right - r, r}, {r, bottom - r}, {right - r, bottom - r}})
+    cv::circle(mask, centre, r, 255, cv::FILLED, cv::LINE_AA);
+  const int order[] = {0, 0, 1, 1, 2, 2, 3, 3};
+  cv::Mat rgba(picture.size(), CV_8UC4);
+  const cv::Mat sources[] = {picture, mask};
+  cv::mixChannels(sources, 2, &rgba, 1, order, 4);
+  return rgba;
+}
+
+void drawEmblem(cv::Mat& picture, const cv::Rect2d& place, const cv::Scalar& colour) {
+  const cv::Point2d centre(place.x + 0.5 * place.width, place.y + 0.5 * place.height);
+  const double radius = 0.5 * place.width;
+  std::vector<cv::Point> star;
+  for (int i = 0; i < 16; ++i) {
+    const double angle = CV_PI * i / 8.0 - CV_PI / 2.0;
+    const double r = i % 2 == 0 ? radius * 0.86 : radius * 0.36;
+    star.emplace_back(whole(centre.x + r * std::cos(angle)), whole(centre.y + r * std::sin(angle)));
+  }
+  cv::circle(picture, {whole(centre.x), whole(centre.y)}, whole(radius), colour, whole(0.22),
+             cv::LINE_AA);
+  cv::fillPoly(picture, std::vector<std::vector<cv::Point>>{star}, colour, cv::LINE_AA);
+}
+
+/// Loops that lean to the right and flatten towards the end, as a hurried signature does.
+void drawSignature(cv::Mat& picture, const cv::Rect2d& place, const std::string& name) {
+  Random random(seedOf(name));
+  const double loops = random.uniform(5.0, 8.0);
+  const double phase = random.uniform(0.0, 6.28);
+  std::vector<cv::Point> points;
+  for (int i = 0; i <= 400; ++i) {
+    const double t = i / 400.0;
+    const double angle = 6.2832 * loops * t + phase;
+    const double height = (0.34 - 0.24 * t) * (0.7 + 0.3 * std::sin(5.0 * t + phase));
+    points.emplace_back(whole(place.x + place.width * (0.05 + 0.85 * t) + 0.9 * std::cos(angle)),
+                        whole(place.y + place.height * (0.55 - height * std::sin(angle))));
+  }
+  cv::polylines(picture, points, false, cv::Scalar(34, 44, 110), whole(0.22), cv::LINE_AA);
+}
+
+void drawPhoto(cv::Mat& picture, const cv::Rect& place, const cv::Mat& photo, bool grey) {
+  cv::Mat printed;
+  cv::resize(photo, printed, place.size(), 0, 0,
+             photo.cols > place.width ? cv::INTER_AREA : cv::INTER_CUBIC);
+  if (grey) {
+    cv::cvtColor(printed, printed, cv::COLOR_RGB2GRAY);
+    cv::cvtColor(printed, printed, cv::COLOR_GRAY2RGB);
+  }
+  // Print neither reaches the screen's black nor its white.
+  printed.convertTo(picture(place), -1, 0.9, 14.0);
+}
+
+void drawGhost(cv::Mat& picture, const cv::Rect& place, const cv::Mat& photo) {
+  cv::Mat pale;
+  cv::resize(photo, pale, place.size(), 0, 0, cv::INTER_AREA);
+  cv::addWeighted(picture(place), 0.65, pale, 0.35, 0.0, picture(place));
+}
+
+/// PDF417 on white, as large as the place lets it be.
+void drawCode(cv::Mat& picture, const cv::Rect& place, const std::string& text) {
+  const ZXing::BitMatrix code =
+      ZXing::MultiFormatWriter(ZXing::BarcodeFormat::PDF417).setMargin(2).encode(text, 0, 0);
+  cv::Mat modules(code.height(), code.width(), CV_8UC3);
+  for (int row = 0; row < modules.rows; ++row)
+    for (int column = 0; column < modules.cols; ++column)
+      modules.at<cv::Vec3b>(row, column) =
+          code.get(column, row) ? cv::Vec3b(20, 20, 22) : cv::Vec3b(246, 246, 242);
+  cv::Mat scaled;
+  cv::resize(modules, scaled, place.size(), 0, 0, cv::INTER_NEAREST);
+  scaled.copyTo(picture(place));
+}
+
+std::string replaced(std::string text, const std::string& mark, const std::string& value) {
+  if (const auto at = text.find(mark); at != std::string::npos)
+    text.replace(at, mark.size(), value);
+  return text;
+}
+
+std::string printedDate(const std::string& format, const std::string& date) {
+  static const std::array<const char*, 12> months = {"JAN", "FEB", "MAR", "APR", "MAY", "JUN",
+                                                     "JUL", "AUG", "SEP", "OCT", "NOV", "DEC"};
+  const auto month = static_cast<std::size_t>(std::stoi(date.substr(5, 2)) - 1);
+  std::string text = replaced(format, "YYYY", date.substr(0, 4));
+  text = replaced(text, "MON", months.at(month));
+  text = replaced(text, "MM", date.substr(5, 2));
+  return replaced(text, "DD", date.substr(8, 2));
+}
+
+}  // namespace
+
+std::string plainValue(const CardData& card, const std::string& field) {
+  static const std::map<std::string, std::string CardData::*> members = {
+      {"surname", &CardData::surname},
+      {"givenNames", &CardData::givenNames},
+      {"nationality", &CardData::nationality},
+      {"dateOfBirth", &CardData::dateOfBirth},
+      {"sex", &CardData::sex},
+      {"documentNumber", &CardData::documentNumber},
+      {"dateOfIssue", &CardData::dateOfIssue},
+      {"dateOfExpiry", &CardData::dateOfExpiry},
+      {"placeOfBirth", &CardData::placeOfBirth},
+      {"address", &CardData::address},
+      {"height", &CardData::height},
+      {"authority", &CardData::authority},
+  };
+  const auto found = members.find(field);
+  return found == members.end() ? std::string() : card.*found->second;
+}
+
+std::string printedValue(const Design& design, const CardData& card, const std::string& field) {
+  const std::string value = plainValue(card, field);
+  return field.rfind("dateOf", 0) == 0 ? printedDate(design.dateFormat, value) : value;
+}
+
+SideArtist::SideArtist(const Design& design, Typeface label, Typeface value, Typeface title,
+                       Typeface machine)
+    : design_(design),
+      label_(std::move(label)),
+      value_(std::move(value)),
+      title_(std::move(title)),
+      machine_(std::move(machine)) {}
+
+Result<SideArtist> SideArtist::create(const Design& design) {
+  std::vector<Typeface> faces;
+  for (const FontName& name : {design.labelFont, design.valueFont, design.titleFont,
+                               FontName{"OCRB.otf", "fonts-ocr-b"}}) {
+    auto face = Typeface::load(name.file, name.package);
+    if (!face) return fault(face.error());
+    faces.push_back(std::move(*face));
+  }
+  return SideArtist(design, faces[0], faces[1], faces[2], faces[3]);
+}
+
+void SideArtist::write(cv::Mat& picture, const Writing& writing) const {
+  const double size = title_.fittingSize(writing.text, px(writing.size), px(writing.room));
+  const double width = title_.width(writing.text, size);
+  double left = px(writing.at.x);
+  if (writing.align == "right") left -= width;
+  if (writing.align == "middle") left -= 0.5 * width;
+  title_.draw(picture, writing.text, {left, px(writing.at.y)}, size, writing.colour);
+}
+
+void SideArtist::field(cv::Mat& picture, const FieldPlace& place, const std::string& value) const {
+  const double full = px(place.size > 0 ? place.size : design_.valueSize);
+  cv::Point2d at(px(place.at.x), px(place.at.y));
+  double room = px(place.room);
+  const double labelSize = label_.fittingSize(place.label, px(design_.labelSize), room);
+  label_.draw(picture, place.label, at, labelSize, design_.labelInk);
+  if (design_.labels == LabelPlace::before) {
+    const double taken = label_.width(place.label, labelSize) + px(1.0);
+    at.x += taken;
+    room -= taken;
+  } else {
+    at.y += 1.18 * full;
+  }
+  value_.draw(picture, value, at, value_.fittingSize(value, full, room), design_.ink);
+}
+
+void SideArtist::zone(cv::Mat& picture, const CardData& card) const {
+  const cv::Rect2d place = zoneBox(design_);
+  cv::Mat area = picture(whole(place) & cv::Rect({0, 0}, picture.size()));
+  // The standard wants the zone free of pattern that a reader could take for print.
+  cv::addWeighted(area, 0.25, cv::Mat(area.size(), area.type(), cv::Scalar(246, 246, 244)), 0.75,
+                  0.0, area);
+  const double size = px(kMachinePitch) / machine_.width("0", 1000.0) * 1000.0;
+  const auto lines = session::mrzLines(card, design_.format);
+  const double spacing = lines.size() == 3 ? 5.8 : 6.35;
+  double baseline = place.y + place.height - 5.4 - spacing * static_cast<double>(lines.size() - 1);
+  for (const std::string& line : lines) {
+    const double left = 0.5 * (place.width - kMachinePitch * static_cast<double>(line.size()));
+    machine_.drawInCells(picture, line, {px(left), px(baseline)}, size, px(kMachinePitch),
+                         cv::Scalar(22, 24, 34));
+    baseline += spacing;
+  }
+}
+
+cv::Mat SideArtist::paint(const SideDesign& side, const CardData& print, const CardData& coded,
+                          const cv::Mat& photo) const {
+  const cv::Size size(whole(design_.size().width), whole(design_.size().height));
+  cv::Mat picture = printedGround(design_, size, seedOf(design_.name) + (side.zone ? 1 : 0));
+  for (const ColourBand& band : side.bands)
+    cv::rectangle(picture, whole(band.place), band.colour, cv::FILLED);
+  const cv::Scalar pale(236, 238, 246);
+  if (side.emblem) drawEmblem(picture, *side.emblem, side.bands.empty() ? design_.labelInk : pale);
+  for (const Writing& writing : side.writings)
+    write(picture, writing);
+  if (side.photo) drawPhoto(picture, whole(*side.photo), photo, design_.greyPhoto);
+  if (side.ghost) drawGhost(picture, whole(*side.ghost), photo);
+  if (side.signature) drawSignature(picture, *side.signature, print.surname + print.givenNames);
+  for (const FieldPlace& place : side.fields)
+    field(picture, place, printedValue(design_, print, place.field));
+  if (side.zone) zone(picture, coded);
+  if (side.code) drawCode(picture, whole(*side.code), aamvaRecord(coded));
+  return withRoundedCorners(picture);
+}
+
+}  // namespace corvana::photos
