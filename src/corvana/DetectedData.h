@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "corvana/DocumentField.h"
 #include "platform/geometry/Geometry.h"
 #include "platform/uikit/UIImage.h"
 
@@ -49,6 +50,8 @@ struct DetectedData {
   bool shouldHaveBarcode = false;
   /// Whether the card is an original rather than a copy or a screen; absent when not judged.
   std::optional<bool> isReal;
+  /// What zone, code and print say of holder and document, each by itself; absent when not read.
+  std::optional<std::vector<DocumentField>> fields;
 };
 
 struct RealnessScores {

@@ -89,6 +89,12 @@ platform::Expected<Interpreter> Interpreter::load(const std::filesystem::path& f
   return loaded;
 }
 
+bool Interpreter::resizeInput(int index, const std::vector<int>& shape) {
+  isAllocated_ = false;
+  return TfLiteInterpreterResizeInputTensor(interpreter_.get(), index, shape.data(),
+                                            static_cast<int>(shape.size())) == kTfLiteOk;
+}
+
 bool Interpreter::allocateTensors() {
   isAllocated_ = TfLiteInterpreterAllocateTensors(interpreter_.get()) == kTfLiteOk;
   return isAllocated_;

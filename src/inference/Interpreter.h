@@ -47,6 +47,9 @@ class Interpreter {
   static platform::Expected<Interpreter> load(const std::filesystem::path& file, int threads,
                                               Runtime runtime);
 
+  /// Gives an input another shape; false when the network does not allow it. The tensors have to be
+  /// allocated anew.
+  bool resizeInput(int index, const std::vector<int>& shape);
   /// Gives the tensors their memory; false when that fails.
   bool allocateTensors();
   int inputCount() const;

@@ -27,7 +27,7 @@ tl::expected<DetectedData, Refusal> readSide(engine::DocumentAnalyzer& documents
   };
   const auto picture = devices::readImage(path);
   if (!picture) return refuse(picture.error().sentence);
-  auto reading = documents.analyzeStill(**picture);
+  auto reading = documents.analyzeStill(*picture);
   if (!reading) {
     return refuse("\"" + path.string() + "\": " + reading.error().sentence);
   }
@@ -70,11 +70,12 @@ void describe(const char* name, const DetectedData& data) {
 }
 
 tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments) {
-  auto documents =
-      engine::FaceDetector::load(findResources().faceDetector()).and_then([](auto&& faces) {
-        return engine::DocumentAnalyzer::load(
-            std::make_shared<engine::FaceDetector>(std::forward<decltype(faces)>(faces)), {});
-      });
+  const Resources resources = findResources();
+  auto documents = engine::FaceDetector::load(resources.faceDetector()).and_then([&](auto&& faces) {
+    return engine::DocumentAnalyzer::load(
+        std::make_shared<engine::FaceDetector>(std::forward<decltype(faces)>(faces)),
+        {.text = resources.textReader()});
+  });
   if (!documents) {
     return tl::unexpected(Refusal{ExitCode::machineLacks, documents.error().sentence});
   }

@@ -6,8 +6,8 @@
 
 #include "devices/film/FilmSettings.h"
 #include "devices/gstreamer/MediaElements.h"
-#include "engine/document/TextReader.h"
 #include "engine/document/mrz/MrzGlyphClassifier.h"
+#include "engine/document/text/NetworkTextReader.h"
 #include "engine/speech/SpeechModelPaths.h"
 #include "engine/vision/FaceDetector.h"
 #include "engine/vision/FaceLandmarks.h"
@@ -46,10 +46,10 @@ Finding speechModel() {
   return {"speech model", !fault, fault ? fault->sentence : ""};
 }
 
-Finding textModel() {
-  return anyFile("text recognition data",
-                 {fs::path(engine::kDebianTessdataFolder) / "eng.traineddata"},
-                 "tesseract-ocr-eng");
+Finding textModels(const Resources& resources) {
+  const auto loaded = engine::NetworkTextReader::load(resources.textReader());
+  return {"text recognition models", loaded.has_value(),
+          loaded ? "" : loaded.error().sentence};
 }
 
 Finding mediaPlugins() {
@@ -103,16 +103,16 @@ Finding examineFaceModel(const Resources& resources) {
 }
 
 std::vector<Finding> examineMachine() {
-  return {mediaPlugins(), textModel(),
-          anyFile("font OCR-B", engine::defaultOcrBFonts(), "fonts-ocr-b"), speechModel()};
+  return {mediaPlugins(), anyFile("font OCR-B", engine::defaultOcrBFonts(), "fonts-ocr-b"),
+          speechModel()};
 }
 
 std::vector<Finding> examine(const Resources& resources) {
   const fs::path detector = resources.faceDetector();
   const fs::path landmarks = resources.faceLandmarks();
-  std::vector<Finding> findings{examineFaceModel(resources),
-                                model(detector, engine::FaceDetector::load(detector)),
-                                model(landmarks, engine::FaceLandmarks::load(landmarks))};
+  std::vector<Finding> findings{
+      examineFaceModel(resources), model(detector, engine::FaceDetector::load(detector)),
+      model(landmarks, engine::FaceLandmarks::load(landmarks)), textModels(resources)};
   std::ranges::move(examineMachine(), std::back_inserter(findings));
   return findings;
 }

@@ -56,8 +56,8 @@ Expected<Analyzer> loadAnalyzer(const Resources& resources) {
   if (const auto lack = lacks({examineFaceModel(resources)}); !lack.empty()) {
     return platform::failure(lack);
   }
-  auto loaded =
-      engine::VisionFrameAnalyzer::load({resources.faceDetector(), resources.faceLandmarks()});
+  auto loaded = engine::VisionFrameAnalyzer::load(
+      {resources.faceDetector(), resources.faceLandmarks(), resources.textReader()});
   if (!loaded) return tl::unexpected(loaded.error());
   return *loaded;
 }

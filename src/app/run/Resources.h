@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "engine/document/text/NetworkTextReader.h"
+
 namespace corvana::app {
 
 /// Where the program's resources lie.
@@ -18,8 +20,14 @@ struct Resources {
     return engine / "face_detection_short_range.tflite";
   }
   std::filesystem::path faceLandmarks() const { return engine / "face_landmark.tflite"; }
+  engine::NetworkTextReader::Models textReader() const {
+    return engine::NetworkTextReader::Models::inFolder(engine);
+  }
   std::vector<std::filesystem::path> models() const {
-    return {faceModel(), faceDetector(), faceLandmarks()};
+    std::vector<std::filesystem::path> files{faceModel(), faceDetector(), faceLandmarks()};
+    const auto text = textReader().files();
+    files.insert(files.end(), text.begin(), text.end());
+    return files;
   }
 };
 

@@ -8,12 +8,14 @@
 
 namespace corvana::engine {
 
-/// Reads the PDF417 barcode of a card, if there is one: the elements of an AAMVA licence by their
-/// three-letter identifiers ("DCS" is the family name, "DAQ" the number), else {"text": contents}.
-/// Pure.
+/// Under this name stands all that a barcode holds, as it is.
+inline constexpr const char* kBarcodeText = "text";
+
+/// Reads the PDF417 barcode of a card, if there is one: its text, and of an AAMVA licence the
+/// elements by their three-letter identifiers ("DCS" is the family name, "DAQ" the number). Pure.
 std::optional<std::map<std::string, std::string>> readBarcode(const platform::PixelBuffer& card);
 
-/// The elements of a barcode's text; {"text": contents} when it is no AAMVA record.
+/// The same of a barcode's text.
 std::map<std::string, std::string> barcodeElements(const std::string& text);
 
 }  // namespace corvana::engine

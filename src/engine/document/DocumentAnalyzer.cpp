@@ -5,14 +5,19 @@
 #include <utility>
 
 #include "engine/document/BarcodeReader.h"
+#include "engine/document/CardTurn.h"
 #include "engine/document/CardWarp.h"
 #include "engine/document/StillCards.h"
 #include "engine/document/TextLines.h"
+#include "engine/document/mrz/MrzPrint.h"
 #include "engine/vision/FaceCrop.h"
 #include "engine/vision/ImageOps.h"
 
 namespace corvana::engine {
 namespace {
+
+/// Of the lines known from an earlier picture so many are read again on the same card.
+constexpr double kLeastShareReadAgain = 0.8;
 
 /// The photo around a face that measures from brow to chin: as on passports, where the head takes
 /// about half the width and two thirds of the height.
@@ -43,13 +48,6 @@ platform::UIImageRef faceImageOf(const platform::PixelBuffer& card, const Face& 
   return cropFace(*larger, scaled(face, factor));
 }
 
-std::size_t letterCount(const corvana::DetectedData& data) {
-  std::size_t count = 0;
-  for (const std::string& line : *data.ocrStrings)
-    count += characterCount(line);
-  return count;
-}
-
 /// The detector also finds faces that lie on their side or their head.
 bool isUpright(const Face& face) {
   const auto& right = face.keypoints[Face::rightEye];
@@ -59,21 +57,31 @@ bool isUpright(const Face& face) {
   return across > std::abs(left.y - right.y) && mouth.y > (left.y + right.y) / 2;
 }
 
-/// Whether the card was certainly read the right way up.
-bool isUpright(const CardReading& reading) {
-  return reading.data.mrz || reading.data.barcode ||
-         (reading.faceBox && !reading.data.ocrStrings->empty());
+/// What was made of the print: sure letters count, doubtful ones less.
+double senseOf(const CardReading& reading) {
+  double sense = 0;
+  for (const TextLine& line : reading.lines)
+    sense += line.confidence * static_cast<double>(characterCount(line.text));
+  return sense;
+}
+
+/// Which way up a card lies that was read both ways.
+std::optional<CardTurn> turnByReading(const CardReading& asItLies, const CardReading& turned) {
+  if (asItLies.data.mrz.has_value() != turned.data.mrz.has_value()) {
+    return asItLies.data.mrz ? CardTurn::upright : CardTurn::upsideDown;
+  }
+  return cardTurnByReading(senseOf(asItLies), senseOf(turned));
 }
 
 }  // namespace
 
-DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, TextReader text,
+DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text,
                                    MrzReader mrz)
     : faces_(std::move(faces)), text_(std::move(text)), mrz_(std::move(mrz)) {}
 
 platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<FaceDetector> faces,
                                                             const Setup& setup) {
-  auto text = TextReader::load(setup.tessdata);
+  auto text = NetworkTextReader::load(setup.text);
   if (!text) return tl::unexpected(text.error());
   auto mrz = MrzReader::load(setup.ocrBFonts);
   if (!mrz) return tl::unexpected(mrz.error());
@@ -98,7 +106,16 @@ std::optional<Face> DocumentAnalyzer::portrait(const platform::PixelBuffer& card
   return *upright;
 }
 
-CardReading DocumentAnalyzer::read(const CardView& card) {
+std::vector<TextLine> DocumentAnalyzer::linesOf(const platform::PixelBuffer& card,
+                                                const std::vector<TextLine>& known) {
+  if (known.empty()) return text_.read(card);
+  auto lines = text_.readAgain(card, known);
+  const bool isTheSame =
+      static_cast<double>(lines.size()) >= kLeastShareReadAgain * static_cast<double>(known.size());
+  return isTheSame ? lines : text_.read(card);
+}
+
+CardReading DocumentAnalyzer::read(const CardView& card, const std::vector<TextLine>& known) {
   const platform::PixelBuffer& picture = *card.picture;
   CardReading reading;
   DocumentFeatures features;
@@ -111,36 +128,82 @@ CardReading DocumentAnalyzer::read(const CardView& card) {
     reading.data.faceImage = faceImageOf(picture, *face);
     blanks.push_back(photoAround(face->box));
   }
-  const MrzReading mrz = mrz_.read(picture);
+  reading.lines = linesOf(picture, known);
+  MrzReading mrz = mrzInPrint(reading.lines);
+  if (!mrz.mrz) mrz = mrz_.read(picture);
   features.mrz = mrz.mrz;
   features.hasMrzBand = mrz.band.has_value();
   reading.mrzBand = mrz.band;
   // A front's lines of print may look like a zone; only what was read or stands alone is one.
   if (mrz.band && (mrz.mrz || !face)) blanks.push_back(*mrz.band);
   if (!mrz.mrz && !face) features.barcode = readBarcode(picture);
-  features.lines = text_.read(picture, blanks);
+  for (const TextLine& line : reading.lines)
+    features.lines.push_back(line.text);
 
   reading.data.isPhotoPresent = face.has_value();
   reading.data.mrz = features.mrz;
   reading.data.barcode = features.barcode;
-  reading.data.ocrStrings = features.lines;
+  reading.data.ocrStrings = textLines(reading.lines, blanks);
   reading.data.image = std::make_shared<platform::UIImage>(card.picture);
   reading.familyMatches = familyMatches(features);
   classify(features, reading.data);
   return reading;
 }
 
-platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
-    const platform::PixelBuffer& picture) {
-  auto cards = cardsInStill(picture);
-  if (!cards) return tl::unexpected(cards.error());
-  std::optional<CardReading> best;
-  for (const StillCard& card : *cards) {
-    CardReading reading = read(view(*card.picture, card.outline));
-    if (isUpright(reading)) return reading;
-    if (!best || letterCount(reading.data) > letterCount(best->data)) best = std::move(reading);
+CardLook DocumentAnalyzer::lookAt(const platform::PixelBuffer& picture, const Quad& outline) {
+  CardLook look;
+  look.outline = outline;
+  const auto card = straightened(picture, outline);
+  look.lines = text_.find(*card);
+  const auto score = [&](const platform::PixelBuffer& as) {
+    const auto faces = faces_->detect(as);
+    const auto surest = std::ranges::max_element(faces, {}, &Face::score);
+    return surest == faces.end() ? 0.0 : static_cast<double>(surest->score);
+  };
+  look.faceScore = score(*card);
+  look.faceScoreTurned = score(*straightened(picture, upsideDown(outline)));
+  look.signs.lines = text_.turnSign(*card, look.lines);
+  look.signs.face = faceSign(look.faceScore, look.faceScoreTurned);
+  return look;
+}
+
+std::optional<CardLook> DocumentAnalyzer::likeliestCard(const platform::PixelBuffer& picture,
+                                                        const std::vector<Quad>& outlines) {
+  std::optional<CardLook> best;
+  for (const Quad& outline : outlines) {
+    CardLook look = lookAt(picture, outline);
+    if (look.isCertainlyACard()) return look;
+    if (look.content() > (best ? best->content() : 0)) best = std::move(look);
   }
-  return *std::move(best);
+  return best;
+}
+
+std::optional<CardReading> DocumentAnalyzer::readUpright(const platform::PixelBuffer& picture,
+                                                         const CardLook& look) {
+  const auto readAs = [&](CardTurn turn) {
+    return read(view(picture, turn == CardTurn::upright ? look.outline : upsideDown(look.outline)));
+  };
+  if (const auto turn = cardTurn(look.signs)) return readAs(*turn);
+  CardReading asItLies = readAs(CardTurn::upright);
+  CardReading turned = readAs(CardTurn::upsideDown);
+  const auto turn = turnByReading(asItLies, turned);
+  if (!turn) return std::nullopt;
+  return *turn == CardTurn::upright ? std::move(asItLies) : std::move(turned);
+}
+
+platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
+    const platform::PixelBufferRef& picture) {
+  const auto cards = cardsInStill(picture, text_.boxes());
+  if (!cards) return tl::unexpected(cards.error());
+  const auto look = likeliestCard(*cards->picture, cards->outlines);
+  if (!look) return tl::unexpected(noCardSeen());
+  auto reading = readUpright(*cards->picture, *look);
+  if (!reading) {
+    return platform::failure(
+        "It can't be told which way up the card in the picture lies: take a sharper photo, from "
+        "nearer and without glare.");
+  }
+  return *std::move(reading);
 }
 
 }  // namespace corvana::engine

@@ -7,9 +7,11 @@
 
 #include "corvana/DetectedData.h"
 #include "engine/document/CardFinder.h"
+#include "engine/document/CardLook.h"
 #include "engine/document/DocumentClassifier.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/mrz/MrzReader.h"
+#include "engine/document/text/NetworkTextReader.h"
 #include "engine/vision/FaceDetector.h"
 #include "platform/foundation/Fault.h"
 
@@ -36,6 +38,8 @@ struct CardReading {
   /// Where a machine-readable zone seems to be, read or not.
   std::optional<platform::CGRect> mrzBand;
   FamilyMatches familyMatches;
+  /// All print that was read.
+  std::vector<TextLine> lines;
 };
 
 /// Finds and reads identity cards, one picture at a time, in stages of rising cost: `find` for
@@ -45,7 +49,7 @@ struct CardReading {
 class DocumentAnalyzer {
  public:
   struct Setup {
-    std::filesystem::path tessdata = kDebianTessdataFolder;
+    NetworkTextReader::Models text;
     std::vector<std::filesystem::path> ocrBFonts = defaultOcrBFonts();
   };
 
@@ -57,19 +61,28 @@ class DocumentAnalyzer {
   /// Looks for a card; the guide is where the user is asked to hold it, in pixels of the frame.
   CardSighting find(const platform::PixelBuffer& frame, const platform::CGRect& guide) const;
   CardView view(const platform::PixelBuffer& frame, const Quad& outline) const;
-  CardReading read(const CardView& card);
+  /// Reads a card. Where the print of the same card in the same place is known from an earlier
+  /// picture, it is not looked for again, unless it can no longer be read there.
+  CardReading read(const CardView& card, const std::vector<TextLine>& known = {});
 
-  /// Reads a photo or scan of one side, however large, upright or turned by quarters, in which the
-  /// card lies on something else or fills the picture. Error: no card is seen, or it is too small
-  /// to be read.
-  platform::Expected<CardReading> analyzeStill(const platform::PixelBuffer& picture);
+  /// Reads a photo or scan of one side, however large and however turned, in which the card lies on
+  /// something else or fills the picture. Error: no card is seen, it is too small to be read, or it
+  /// can't be told which way up it lies.
+  platform::Expected<CardReading> analyzeStill(const platform::PixelBufferRef& picture);
 
  private:
-  DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, TextReader text, MrzReader mrz);
+  DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz);
   std::optional<Face> portrait(const platform::PixelBuffer& card);
+  std::vector<TextLine> linesOf(const platform::PixelBuffer& card,
+                                const std::vector<TextLine>& known);
+  CardLook lookAt(const platform::PixelBuffer& picture, const Quad& outline);
+  std::optional<CardLook> likeliestCard(const platform::PixelBuffer& picture,
+                                        const std::vector<Quad>& outlines);
+  std::optional<CardReading> readUpright(const platform::PixelBuffer& picture,
+                                         const CardLook& look);
 
   std::shared_ptr<FaceDetector> faces_;
-  TextReader text_;
+  NetworkTextReader text_;
   MrzReader mrz_;
 };
 

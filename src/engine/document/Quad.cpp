@@ -58,4 +58,8 @@ bool Quad::isConvex() const {
   return true;
 }
 
+Quad upsideDown(const Quad& quad) {
+  return {{quad.corners[2], quad.corners[3], quad.corners[0], quad.corners[1]}};
+}
+
 }  // namespace corvana::engine

@@ -28,4 +28,7 @@ struct Quad {
   bool isConvex() const;
 };
 
+/// The same outline with the card in it turned by 180°.
+Quad upsideDown(const Quad& quad);
+
 }  // namespace corvana::engine

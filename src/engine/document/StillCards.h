@@ -3,20 +3,25 @@
 #include <vector>
 
 #include "engine/document/Quad.h"
+#include "engine/document/text/TextBoxes.h"
 #include "platform/foundation/Fault.h"
 #include "platform/media/PixelBuffer.h"
 
 namespace corvana::engine {
 
-/// A card's outline in a still, in pixels of `picture`: the still or one of its turns.
-struct StillCard {
+/// The places where a card may lie in a still, in pixels of `picture`: the still, made smaller
+/// where it has more pixels than a reading needs.
+struct StillCards {
   platform::PixelBufferRef picture;
-  Quad outline;
+  std::vector<Quad> outlines;  ///< the likeliest first, at any turn; at least one
 };
 
-/// Finds where the card may lie in a photo or scan, the likeliest way up first; at least one place.
-/// A card is sought as an outline; failing that, a picture of a card's shape is taken for the card
-/// itself. Error: there is neither, or the card is less than 320 pixels wide.
-platform::Expected<std::vector<StillCard>> cardsInStill(const platform::PixelBuffer& picture);
+/// What to say of a picture without a card.
+platform::Fault noCardSeen();
+
+/// Finds where the card may lie in a photo or scan: outlines of its shape, or the whole picture
+/// where that has a card's shape. Error: there is neither, or all are less than 320 pixels wide.
+platform::Expected<StillCards> cardsInStill(const platform::PixelBufferRef& picture,
+                                            TextBoxes& print);
 
 }  // namespace corvana::engine

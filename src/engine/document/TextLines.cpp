@@ -6,11 +6,11 @@ namespace corvana::engine {
 namespace {
 
 /// Words below it differ from picture to picture; two letters are easily seen in a pattern.
-constexpr double kLeastConfidence = 60;
-constexpr double kLeastConfidenceOfPairs = 85;
+constexpr double kLeastConfidence = 0.60;
+constexpr double kLeastConfidenceOfPairs = 0.85;
 /// What is printed much smaller than the holder's data is the name of a field, the same on every
 /// card of a kind and the first to blur; what is much taller is no print.
-constexpr double kLeastHeight = 0.67;
+constexpr double kLeastHeight = 0.78;
 constexpr double kMostHeight = 1.8;
 /// Of all letters, not more than this share are the names of fields.
 constexpr double kSmallPrintShare = 0.75;
@@ -53,22 +53,16 @@ bool hasAny(const std::string& text, const char* letters) {
 
 /// Height of a capital in the word's print: small letters reach up to three quarters of it, tails a
 /// quarter below the line.
-double capHeight(const TextWord& word) {
+double capHeight(const TextLine& word) {
   const bool isTall = hasAny(word.text, "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZbdfhiklt");
   const bool hasTail = hasAny(word.text, "gjpqy,;");
   return word.box.height / ((isTall ? 1.0 : 0.75) + (hasTail ? 0.26 : 0.0));
 }
 
-bool isSure(const TextWord& word) {
-  const std::size_t letters = characterCount(cleaned(word.text));
-  return letters > 0 &&
-         word.confidence >= (letters <= 2 ? kLeastConfidenceOfPairs : kLeastConfidence);
-}
-
 /// The height of the holder's data: that of the letter above the small print, by height.
-double usualHeight(const std::vector<const TextWord*>& words) {
+double usualHeight(const std::vector<const TextLine*>& words) {
   std::vector<double> heights;
-  for (const TextWord* word : words) {
+  for (const TextLine* word : words) {
     heights.insert(heights.end(), characterCount(cleaned(word->text)), capHeight(*word));
   }
   if (heights.empty()) return 0;
@@ -78,18 +72,26 @@ double usualHeight(const std::vector<const TextWord*>& words) {
   return *middle;
 }
 
-std::vector<const TextWord*> worthKeeping(const std::vector<TextWord>& words) {
-  std::vector<const TextWord*> kept;
-  for (const TextWord& word : words) {
-    if (isSure(word)) kept.push_back(&word);
+/// Whether the text's middle lies inside the area.
+bool isInside(const platform::CGRect& area, const TextLine& text) {
+  const double x = text.box.midX();
+  const double y = text.box.midY();
+  return x >= area.minX() && x < area.maxX() && y >= area.minY() && y < area.maxY();
+}
+
+std::vector<const TextLine*> worthKeeping(const std::vector<TextLine>& found,
+                                          const std::vector<platform::CGRect>& blanks) {
+  std::vector<const TextLine*> kept;
+  for (const TextLine& text : found) {
+    const bool isBlanked = std::ranges::any_of(
+        blanks, [&](const platform::CGRect& blank) { return isInside(blank, text); });
+    if (!isBlanked && isSure(text)) kept.push_back(&text);
   }
   const double usual = usualHeight(kept);
-  kept.erase(std::remove_if(kept.begin(), kept.end(),
-                            [&](const TextWord* word) {
-                              const double height = capHeight(*word);
-                              return height < kLeastHeight * usual || height > kMostHeight * usual;
-                            }),
-             kept.end());
+  std::erase_if(kept, [&](const TextLine* text) {
+    const double height = capHeight(*text);
+    return height < kLeastHeight * usual || height > kMostHeight * usual;
+  });
   return kept;
 }
 
@@ -97,7 +99,7 @@ std::vector<const TextWord*> worthKeeping(const std::vector<TextWord>& words) {
 struct Line {
   double top;
   double bottom;
-  std::vector<const TextWord*> words;
+  std::vector<const TextLine*> words;
 
   bool takes(const platform::CGRect& box) const {
     const double shared = std::min(bottom, box.maxY()) - std::max(top, box.minY());
@@ -107,9 +109,9 @@ struct Line {
 
 std::string joined(Line line) {
   std::sort(line.words.begin(), line.words.end(),
-            [](const TextWord* a, const TextWord* b) { return a->box.minX() < b->box.minX(); });
+            [](const TextLine* a, const TextLine* b) { return a->box.minX() < b->box.minX(); });
   std::string text;
-  for (const TextWord* word : line.words) {
+  for (const TextLine* word : line.words) {
     if (!text.empty()) text += ' ';
     text += cleaned(word->text);
   }
@@ -123,13 +125,20 @@ std::size_t characterCount(const std::string& text) {
       text, [](char c) { return !isContinuation(static_cast<unsigned char>(c)); }));
 }
 
-std::vector<std::string> textLines(const std::vector<TextWord>& words) {
-  std::vector<const TextWord*> kept = worthKeeping(words);
-  std::stable_sort(kept.begin(), kept.end(), [](const TextWord* a, const TextWord* b) {
+bool isSure(const TextLine& word) {
+  const std::size_t letters = characterCount(cleaned(word.text));
+  return letters > 0 &&
+         word.confidence >= (letters <= 2 ? kLeastConfidenceOfPairs : kLeastConfidence);
+}
+
+std::vector<std::string> textLines(const std::vector<TextLine>& found,
+                                   const std::vector<platform::CGRect>& blanks) {
+  std::vector<const TextLine*> kept = worthKeeping(found, blanks);
+  std::stable_sort(kept.begin(), kept.end(), [](const TextLine* a, const TextLine* b) {
     return a->box.midY() < b->box.midY();
   });
   std::vector<Line> lines;
-  for (const TextWord* word : kept) {
+  for (const TextLine* word : kept) {
     if (lines.empty() || !lines.back().takes(word->box)) {
       lines.push_back({word->box.minY(), word->box.maxY(), {}});
     }

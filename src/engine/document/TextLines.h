@@ -4,23 +4,23 @@
 #include <string>
 #include <vector>
 
+#include "engine/document/TextReader.h"
 #include "platform/geometry/Geometry.h"
 
 namespace corvana::engine {
-
-/// A word as recognised.
-struct TextWord {
-  std::string text;  ///< UTF-8
-  platform::CGRect box;
-  double confidence = 0;  ///< 0 to 100
-};
 
 /// Characters as a reader counts them in recognised text, where a letter and its accent are one
 /// code point. Pure.
 std::size_t characterCount(const std::string& text);
 
-/// The words worth keeping (sure ones in the size of the holder's data), in lines from top to
-/// bottom and from left to right. Pure.
-std::vector<std::string> textLines(const std::vector<TextWord>& words);
+/// Whether the text would be read again: other text differs from picture to picture. Pure.
+bool isSure(const TextLine& text);
+
+/// The print worth keeping (what is sure and in the size of the holder's data), in lines from top
+/// to bottom and from left to right; without lone letters and the punctuation around lines, so that
+/// two pictures of one card agree. Nothing is kept of what lies inside the `blanks` (photo,
+/// machine-readable zone; in pixels of the card). Pure.
+std::vector<std::string> textLines(const std::vector<TextLine>& found,
+                                   const std::vector<platform::CGRect>& blanks);
 
 }  // namespace corvana::engine

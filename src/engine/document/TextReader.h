@@ -1,46 +1,37 @@
 #pragma once
 
-#include <filesystem>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "platform/foundation/Fault.h"
 #include "platform/geometry/Geometry.h"
 #include "platform/media/PixelBuffer.h"
 
-namespace tesseract {
-class TessBaseAPI;
-}
-
 namespace corvana::engine {
 
-/// Where Debian's package tesseract-ocr-eng puts its data.
-inline constexpr const char* kDebianTessdataFolder = "/usr/share/tesseract-ocr/5/tessdata";
+/// A line of print as a reader saw it, or the part of one that stands by itself.
+struct TextLine {
+  std::string text;       ///< UTF-8, with accents
+  platform::CGRect box;   ///< in pixels of the straightened card
+  double confidence = 0;  ///< 0 to 1
+  double tilt = 0;        ///< degrees clockwise by which the box is turned about its middle
+};
 
-/// Reads the printed text of a straightened card with Tesseract. One thread at a time, and one
-/// thread inside: more of them only wait for each other on pictures of this size. The same picture
-/// gives the same text. Movable.
+/// Reads the print of a straightened card. The same picture gives the same text. One thread at a
+/// time.
 class TextReader {
  public:
-  /// Loads the English data (0.1 s). Error: it is not in the folder.
-  static platform::Expected<TextReader> load(
-      const std::filesystem::path& tessdata = kDebianTessdataFolder);
+  virtual ~TextReader() = default;
 
-  TextReader(TextReader&&) noexcept;
-  TextReader& operator=(TextReader&&) noexcept;
-  ~TextReader();
+  /// Everything that was read, sure or not, photo and machine-readable zone included.
+  virtual std::vector<TextLine> read(const platform::PixelBuffer& card) = 0;
 
-  /// Lines of text from top to bottom, words parted by blanks. What is doubtful (unsure words, lone
-  /// letters, punctuation around words) is left out, so that two pictures of one card agree.
-  /// Nothing is read inside the `blanks` (photo, machine-readable zone; in pixels of the card).
-  std::vector<std::string> read(const platform::PixelBuffer& card,
-                                const std::vector<platform::CGRect>& blanks);
+  /// Reads lines again where they were before, on another picture of the same card in the same
+  /// place: cheaper than to look for them.
+  virtual std::vector<TextLine> readAgain(const platform::PixelBuffer& card,
+                                          const std::vector<TextLine>& known) = 0;
 
- private:
-  explicit TextReader(std::unique_ptr<tesseract::TessBaseAPI> tesseract);
-
-  std::unique_ptr<tesseract::TessBaseAPI> tesseract_;
+  /// Name and version. Texts compare only with those of the same reader.
+  virtual std::string name() const = 0;
 };
 
 }  // namespace corvana::engine

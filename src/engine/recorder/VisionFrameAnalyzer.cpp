@@ -58,7 +58,7 @@ platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> VisionFrameAnalyzer::lo
   auto landmarks = FaceLandmarks::load(models.faceLandmarks);
   if (!landmarks) return tl::unexpected(landmarks.error());
   auto faces = std::make_shared<FaceDetector>(std::move(*detector));
-  auto documents = DocumentAnalyzer::load(faces, {});
+  auto documents = DocumentAnalyzer::load(faces, {.text = models.text});
   if (!documents) return tl::unexpected(documents.error());
   return std::shared_ptr<VisionFrameAnalyzer>(
       new VisionFrameAnalyzer(std::move(faces), std::move(*landmarks), std::move(*documents)));
@@ -71,6 +71,7 @@ Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& fram
     tracker_.stop();
     lastReading_.reset();
     lastOutline_.reset();
+    knownLines_.clear();
   }
   const PixelBufferRef picture = analysisPicture(frame->image, task.captureMode);
   Observation observation;
@@ -151,13 +152,15 @@ DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
   view.verdict = sighting.verdict;
   if (sighting.outline) view.location = sighting.outline->bounds();
   const bool steady = isSteady(sighting);
+  if (!steady) knownLines_.clear();
   const bool due = !lastReading_ || observation.frameTime - *lastReading_ >= kReadInterval;
   if (sighting.verdict != CardVerdict::found || !steady || !due) return view;
   const CardView card = documents_.view(*picture, *sighting.outline);
   view.tooMuchGlare = card.hasTooMuchGlare();
   if (view.tooMuchGlare || card.isBlurred()) return view;
   lastReading_ = observation.frameTime;
-  CardReading reading = documents_.read(card);
+  CardReading reading = documents_.read(card, knownLines_);
+  knownLines_ = std::move(reading.lines);
   if (reading.faceBox) view.portrait = boundsInPicture(*reading.faceBox, *sighting.outline);
   view.familyMatches = std::move(reading.familyMatches);
   view.reading = std::move(reading.data);

@@ -4,7 +4,6 @@
 #include <memory>
 #include <optional>
 
-#include "corvana/IDError.h"
 #include "engine/document/DocumentAnalyzer.h"
 #include "engine/recorder/FrameAnalyzer.h"
 #include "engine/selfie/LivenessEvidence.h"
@@ -21,6 +20,7 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   struct Models {
     std::filesystem::path faceDetector;
     std::filesystem::path faceLandmarks;
+    NetworkTextReader::Models text;
   };
 
   /// Loads the models; the error is one sentence: a model, language data or a font is missing or
@@ -54,6 +54,8 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   LiveFaceTracker tracker_;
   std::optional<platform::TimePoint> lastReading_;
   std::optional<Quad> lastOutline_;
+  /// The print of the card that has been held still since it was read.
+  std::vector<TextLine> knownLines_;
 };
 
 /// Where a rectangle of the screen lies in a camera picture that fills the screen mirrored.

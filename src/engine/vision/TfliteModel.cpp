@@ -61,7 +61,10 @@ platform::Expected<TfliteModel> TfliteModel::load(const std::filesystem::path& f
   if (!made && made.error().cause == FaultCause::notAModel) {
     return unusable(file, "is not a readable model", FaultCause::notAModel);
   }
-  if (!made || !made->allocateTensors()) return cannotBeRun(file);
+  if (!made || (shapes.isInputFree && !made->resizeInput(0, shapes.input)) ||
+      !made->allocateTensors()) {
+    return cannotBeRun(file);
+  }
   if (!hasShapes(*made, shapes)) {
     return unusable(file, "is another network than the one expected", FaultCause::notAModel);
   }
@@ -69,6 +72,11 @@ platform::Expected<TfliteModel> TfliteModel::load(const std::filesystem::path& f
   std::ranges::fill(loaded.input(), 0.0F);
   if (!loaded.interpreter_.invoke()) return cannotBeRun(file);
   return loaded;
+}
+
+void TfliteModel::resizeInput(const std::vector<int>& shape) {
+  platform::require(interpreter_.resizeInput(0, shape) && interpreter_.allocateTensors(),
+                    "TfliteModel: the network does not take an input of this shape");
 }
 
 std::span<float> TfliteModel::input() {

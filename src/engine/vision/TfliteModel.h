@@ -20,6 +20,8 @@ class TfliteModel {
     std::vector<int> input;  ///< for example {1, 128, 128, 3}
     /// Number of values of each output, in file order; absent for one whose length is free.
     std::vector<std::optional<std::size_t>> outputValues;
+    /// Whether the network is made for inputs of several shapes; it gets `input` first.
+    bool isInputFree = false;
   };
 
   /// Loads the file and runs it once on zeros, so that what can fail fails here and the first
@@ -27,6 +29,8 @@ class TfliteModel {
   static platform::Expected<TfliteModel> load(const std::filesystem::path& file,
                                               const Shapes& shapes, inference::Runtime runtime);
 
+  /// Gives a free input another shape that the network is made for.
+  void resizeInput(const std::vector<int>& shape);
   /// Where the next input is written: as many values as the input's shape has, row by row.
   std::span<float> input();
   /// Computes the outputs from the present input.

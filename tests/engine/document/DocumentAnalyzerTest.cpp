@@ -25,6 +25,8 @@ const Held kPoses[] = {{.roll = 2, .blur = 0.8},
                        {.width = 620, .taper = -0.04, .background = 1, .noise = 5},
                        {.width = 500, .roll = 10, .background = 1, .blur = 1.1, .noise = 6}};
 
+const auto kTextModels = engine::NetworkTextReader::Models::inFolder(ENGINE_RESOURCES);
+
 class DocumentAnalyzerTest : public testing::Test {
  protected:
   /// As in a camera frame; the card must be found.
@@ -47,7 +49,8 @@ class DocumentAnalyzerTest : public testing::Test {
   }
 
   platform::Expected<DocumentAnalyzer> analyzer = DocumentAnalyzer::load(
-      std::make_shared<engine::FaceDetector>(engine::FaceDetector::load(FACE_MODEL).value()), {});
+      std::make_shared<engine::FaceDetector>(engine::FaceDetector::load(FACE_MODEL).value()),
+      {.text = kTextModels});
 };
 
 TEST_F(DocumentAnalyzerTest, ReadsTheSameZoneFromEveryPicture) {
@@ -71,7 +74,7 @@ TEST_F(DocumentAnalyzerTest, ReadsACardAlikeTwiceAndAnotherDifferently) {
     const auto card = tests::drawCard(design, tests::holder(0), "person_b.jpg");
     const auto other = tests::drawCard(design, tests::holder(1), "person_b.jpg");
     const auto still = tests::hold(card.front, {.y = 600, .width = 690, .background = 2});
-    const auto reference = analyzer->analyzeStill(*still.picture);
+    const auto reference = analyzer->analyzeStill(still.picture);
     ASSERT_TRUE(reference) << reference.error().sentence;
     for (const Held& held : std::span(kPoses).first(3)) {  // small print needs more than a zone
       SCOPED_TRACE(testing::Message() << "design " << design << ", width " << held.width);
@@ -89,7 +92,7 @@ TEST_F(DocumentAnalyzerTest, TakesStillsInAnyPosition) {
   cv::Mat upright;
   cv::cvtColor(card.front, upright, cv::COLOR_RGBA2RGB);
   for (int turns = 0; turns < 4; ++turns) {
-    const auto reading = analyzer->analyzeStill(*engine::pixelBufferFrom(upright));
+    const auto reading = analyzer->analyzeStill(engine::pixelBufferFrom(upright));
     ASSERT_TRUE(reading) << reading.error().sentence;
     EXPECT_NE(textOf(*reading).find("OKONKWO"), std::string::npos) << turns;
     EXPECT_EQ(reading->data.type, "IDENTITY_CARD_FRONT");
@@ -97,9 +100,9 @@ TEST_F(DocumentAnalyzerTest, TakesStillsInAnyPosition) {
     cv::rotate(upright, upright, cv::ROTATE_90_CLOCKWISE);
   }
   cv::resize(upright, upright, {200, 126}, 0, 0, cv::INTER_AREA);
-  EXPECT_FALSE(analyzer->analyzeStill(*engine::pixelBufferFrom(upright))) << "too small";
+  EXPECT_FALSE(analyzer->analyzeStill(engine::pixelBufferFrom(upright))) << "too small";
   const cv::Mat plain(900, 900, CV_8UC3, cv::Scalar(80, 90, 100));
-  EXPECT_FALSE(analyzer->analyzeStill(*engine::pixelBufferFrom(plain)));
+  EXPECT_FALSE(analyzer->analyzeStill(engine::pixelBufferFrom(plain)));
 }
 
 TEST_F(DocumentAnalyzerTest, MeasuresBlurAndGlare) {
@@ -114,14 +117,17 @@ TEST_F(DocumentAnalyzerTest, MeasuresBlurAndGlare) {
   EXPECT_TRUE(view(card.front + lamp, {.noise = 1}).hasTooMuchGlare());
 }
 
-TEST(DocumentAnalyzerLoad, NamesThePackageThatIsMissing) {
-  for (const auto& [setup, package] : {std::pair<DocumentAnalyzer::Setup, const char*>(
-                                           {.tessdata = "/nowhere"}, "tesseract-ocr-eng"),
-                                       {{.ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"}}) {
+TEST(DocumentAnalyzerLoad, NamesWhatIsMissing) {
+  auto broken = kTextModels;
+  broken.alphabet = "/nowhere.txt";
+  for (const auto& [setup, missing] :
+       {std::pair<DocumentAnalyzer::Setup, const char*>({.text = broken}, "/nowhere.txt"),
+        {{}, "install the program's models again"},
+        {{.text = kTextModels, .ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"}}) {
     const auto loaded = DocumentAnalyzer::load(nullptr, setup);
     ASSERT_FALSE(loaded);
     const std::string message = loaded.error().sentence;
-    EXPECT_NE(message.find(package), std::string::npos) << message;
+    EXPECT_NE(message.find(missing), std::string::npos) << message;
   }
 }
 

@@ -60,20 +60,17 @@ TEST(DocumentClassifier, MeasuresHowWellTheCardSpeaksForEachFamily) {
     EXPECT_EQ(share, 0) << family;
 }
 
-TEST(TextLines, KeepsSureWordsInReadingOrder) {
-  const std::vector<engine::TextWord> words{{"MARIA.", {300, 101, 90, 30}, 95},
-                                            {"ANNA", {200, 100, 80, 31}, 95},
-                                            {"Given", {200, 70, 50, 17}, 96},
-                                            {"names", {260, 74, 60, 13}, 96},
-                                            {"|", {10, 100, 2, 30}, 99},
-                                            {"rubbish", {20, 140, 90, 30}, 30},
-                                            {"ee", {20, 180, 30, 30}, 70},
-                                            {"ZENITH,", {200, 150, 90, 34}, 90},
-                                            {"OF", {160, 150, 30, 30}, 95},
-                                            {"PATTERN", {0, 300, 500, 200}, 90},
-                                            {"\xC3\x85\xC3\x96", {20, 180, 30, 30}, 70}};
-  EXPECT_EQ(engine::textLines(words), (std::vector<std::string>{"ANNA MARIA", "OF ZENITH"}));
-  EXPECT_TRUE(engine::textLines({}).empty());
+TEST(TextLines, KeepsWhatIsSureInReadingOrder) {
+  const std::vector<engine::TextLine> found{
+      {"MARIA.", {300, 101, 90, 30}, 0.95},  {"ANNA", {200, 100, 80, 31}, 0.95},
+      {"Given", {200, 70, 50, 17}, 0.96},    {"names", {260, 74, 60, 13}, 0.96},
+      {"|", {10, 100, 2, 30}, 0.99},         {"rubbish", {20, 140, 90, 30}, 0.30},
+      {"ee", {20, 180, 30, 30}, 0.70},       {"ZENITH,", {200, 150, 90, 34}, 0.90},
+      {"OF", {160, 150, 30, 30}, 0.95},      {"ZENITH<<", {100, 500, 700, 33}, 0.95},
+      {"PATTERN", {0, 300, 500, 200}, 0.90}, {"\xC3\x85\xC3\x96", {20, 180, 30, 30}, 0.70}};
+  EXPECT_EQ(engine::textLines(found, {{0, 450, 1000, 180}}),
+            (std::vector<std::string>{"ANNA MARIA", "OF ZENITH"}));
+  EXPECT_TRUE(engine::textLines({}, {}).empty());
   EXPECT_EQ(engine::characterCount("ZO\xC3\x8B"), 3u);
 }
 

@@ -6,10 +6,10 @@
 #include <tuple>
 #include <utility>
 
+#include "engine/document/mrz/MrzLayout.h"
+
 namespace corvana::engine {
 namespace {
-
-constexpr char kFiller = '<';
 
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
@@ -21,98 +21,29 @@ bool isBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r';
 }
 
-/// A stretch of one line.
-struct Span {
-  std::size_t line;
-  std::size_t start;
-  std::size_t length;
-};
-
-/// Where a format keeps its fields; each of the checked ones is followed by its check digit.
-struct Layout {
-  std::size_t lineCount;
-  std::size_t lineLength;
-  Span names;
-  Span number;
-  Span nationality;
-  Span birthDate;
-  Span sex;
-  Span expiryDate;
-  /// Where a document number of more than nine characters goes on; absent where it may not.
-  std::optional<Span> longNumber;
-  /// Optional data with a check digit of its own behind it.
-  std::optional<Span> personalNumber;
-  Span compositeDigit;
-  std::vector<Span> composite;
-};
-
-const std::array<Layout, 3>& layouts() {
-  static const std::array<Layout, 3> kLayouts{{
-      {3,
-       30,
-       {2, 0, 30},
-       {0, 5, 9},
-       {1, 15, 3},
-       {1, 0, 6},
-       {1, 7, 1},
-       {1, 8, 6},
-       Span{0, 15, 15},
-       std::nullopt,
-       {1, 29, 1},
-       {{0, 5, 25}, {1, 0, 7}, {1, 8, 7}, {1, 18, 11}}},
-      {2,
-       36,
-       {0, 5, 31},
-       {1, 0, 9},
-       {1, 10, 3},
-       {1, 13, 6},
-       {1, 20, 1},
-       {1, 21, 6},
-       Span{1, 28, 7},
-       std::nullopt,
-       {1, 35, 1},
-       {{1, 0, 10}, {1, 13, 7}, {1, 21, 14}}},
-      {2,
-       44,
-       {0, 5, 39},
-       {1, 0, 9},
-       {1, 10, 3},
-       {1, 13, 6},
-       {1, 20, 1},
-       {1, 21, 6},
-       std::nullopt,
-       Span{1, 28, 14},
-       {1, 43, 1},
-       {{1, 0, 10}, {1, 13, 7}, {1, 21, 22}}},
-  }};
-  return kLayouts;
-}
-
 class Zone {
  public:
-  Zone(const Layout& layout, const std::vector<std::string>& lines)
+  Zone(const MrzLayout& layout, const std::vector<std::string>& lines)
       : layout_(layout), lines_(lines) {}
 
-  std::string_view at(Span span) const {
-    return std::string_view(lines_[span.line]).substr(span.start, span.length);
-  }
-  char after(Span span) const { return lines_[span.line][span.start + span.length]; }
-  const Layout& layout() const { return layout_; }
+  std::string_view at(const MrzSpan& span) const { return mrzField(lines_, span); }
+  char after(const MrzSpan& span) const { return lines_[span.line][span.start + span.length]; }
+  const MrzLayout& layout() const { return layout_; }
 
   std::string composite() const {
     std::string all;
-    for (const Span& span : layout_.composite)
+    for (const MrzSpan& span : layout_.composite)
       all += at(span);
     return all;
   }
 
  private:
-  const Layout& layout_;
+  const MrzLayout& layout_;
   const std::vector<std::string>& lines_;
 };
 
 std::string withoutFillers(std::string_view field) {
-  const auto end = field.find_last_not_of(kFiller);
+  const auto end = field.find_last_not_of(kMrzFiller);
   return std::string(field.substr(0, end == std::string_view::npos ? 0 : end + 1));
 }
 
@@ -130,11 +61,11 @@ struct DocumentNumber {
 DocumentNumber documentNumber(const Zone& zone) {
   const std::string_view first = zone.at(zone.layout().number);
   const char digit = zone.after(zone.layout().number);
-  if (digit != kFiller || !zone.layout().longNumber) {
+  if (digit != kMrzFiller || !zone.layout().longNumber) {
     return {withoutFillers(first), isCheckDigitOf(digit, first)};
   }
   const std::string_view optional = zone.at(*zone.layout().longNumber);
-  const std::string_view rest = optional.substr(0, optional.find(kFiller));
+  const std::string_view rest = optional.substr(0, optional.find(kMrzFiller));
   if (rest.size() < 2) return {};
   const std::string whole = std::string(first) + std::string(rest.substr(0, rest.size() - 1));
   return {whole, isCheckDigitOf(rest.back(), whole)};
@@ -145,7 +76,7 @@ bool isPersonalNumberValid(const Zone& zone) {
   if (!zone.layout().personalNumber) return true;
   const std::string_view field = zone.at(*zone.layout().personalNumber);
   const char digit = zone.after(*zone.layout().personalNumber);
-  if (digit == kFiller) return withoutFillers(field).empty();
+  if (digit == kMrzFiller) return withoutFillers(field).empty();
   return isCheckDigitOf(digit, field);
 }
 
@@ -182,16 +113,16 @@ bool isBirthDate(std::string_view yymmdd) {
 
 bool isLettersAndFillers(std::string_view field) {
   return std::all_of(field.begin(), field.end(),
-                     [](char c) { return isLetter(c) || c == kFiller; });
+                     [](char c) { return isLetter(c) || c == kMrzFiller; });
 }
 
 std::optional<std::string> fault(const Zone& zone, const DocumentNumber& documentNumber) {
-  const Layout& layout = zone.layout();
-  if (!isLetter(zone.at({0, 0, 1}).front())) return "the document code is not a letter";
-  if (!isLettersAndFillers(zone.at({0, 2, 3}))) return "the issuing state holds a digit";
+  const MrzLayout& layout = zone.layout();
+  if (!isLetter(zone.at(kMrzDocumentCode).front())) return "the document code is not a letter";
+  if (!isLettersAndFillers(zone.at(kMrzIssuingState))) return "the issuing state holds a digit";
   if (!isLettersAndFillers(zone.at(layout.nationality))) return "the nationality holds a digit";
   if (!isLettersAndFillers(zone.at(layout.names))) return "the name holds a digit";
-  if (zone.at(layout.names).front() == kFiller) return "the name is empty";
+  if (zone.at(layout.names).front() == kMrzFiller) return "the name is empty";
   if (std::string_view("MFX<").find(zone.at(layout.sex).front()) == std::string_view::npos) {
     return "the sex is none of M, F and <";
   }
@@ -218,13 +149,13 @@ std::pair<std::string, std::string> names(std::string_view field) {
   std::string given(gap == std::string_view::npos ? "" : field.substr(gap + 2));
   for (std::string* name : {&surname, &given}) {
     *name = withoutFillers(*name);
-    std::replace(name->begin(), name->end(), kFiller, ' ');
+    std::replace(name->begin(), name->end(), kMrzFiller, ' ');
   }
   return {surname, given};
 }
 
-const Layout* layoutOf(const std::vector<std::string>& lines) {
-  for (const Layout& layout : layouts()) {
+const MrzLayout* layoutOf(const std::vector<std::string>& lines) {
+  for (const MrzLayout& layout : mrzLayouts()) {
     const bool fits = lines.size() == layout.lineCount &&
                       std::all_of(lines.begin(), lines.end(), [&](const std::string& line) {
                         return line.size() == layout.lineLength;
@@ -248,13 +179,13 @@ int mrzCheckDigit(std::string_view field) {
 }
 
 tl::expected<corvana::MRZResult, std::string> parseMrz(const std::vector<std::string>& lines) {
-  const Layout* layout = layoutOf(lines);
+  const MrzLayout* layout = layoutOf(lines);
   if (layout == nullptr) {
     return tl::unexpected<std::string>("not three lines of 30, two of 36 or two of 44 characters");
   }
   for (const std::string& line : lines) {
     if (!std::all_of(line.begin(), line.end(),
-                     [](char c) { return isDigit(c) || isLetter(c) || c == kFiller; })) {
+                     [](char c) { return isDigit(c) || isLetter(c) || c == kMrzFiller; })) {
       return tl::unexpected<std::string>("a character other than A to Z, 0 to 9 and <");
     }
   }
@@ -264,8 +195,8 @@ tl::expected<corvana::MRZResult, std::string> parseMrz(const std::vector<std::st
 
   corvana::MRZResult result;
   result.lines = lines;
-  result.documentCode = withoutFillers(zone.at({0, 0, 2}));
-  result.issuingState = withoutFillers(zone.at({0, 2, 3}));
+  result.documentCode = withoutFillers(zone.at(kMrzDocumentCode));
+  result.issuingState = withoutFillers(zone.at(kMrzIssuingState));
   result.documentNumber = number.value;
   result.birthDate = zone.at(layout->birthDate);
   result.sex = zone.at(layout->sex) == "X" ? "<" : zone.at(layout->sex);

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <vector>
+
+#include "engine/document/CardTurn.h"
+#include "engine/document/Quad.h"
+#include "engine/document/TextReader.h"
+
+namespace corvana::engine {
+
+/// A first look inside an outline, before anything is read: whether a card is in it, and its turn.
+struct CardLook {
+  Quad outline;
+  std::vector<TextLine> lines;  ///< places only, in pixels of the straightened card
+  double faceScore = 0;
+  double faceScoreTurned = 0;
+  TurnSigns signs;
+
+  /// How much speaks for a card: level lines that end within it, and a face; 0 without lines.
+  double content() const;
+  /// Whether there is no need to look inside another outline.
+  bool isCertainlyACard() const;
+};
+
+}  // namespace corvana::engine

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "corvana/DetectedData.h"
+#include "corvana/DocumentField.h"
+#include "engine/document/fields/CalendarDates.h"
+
+namespace corvana::engine {
+
+/// What a zone says of its holder, two-digit years settled by the day. Its check digits held, but
+/// none guards names, sex and states, whose confidence is therefore lower. Pure.
+std::vector<corvana::DocumentField> zoneFields(const corvana::MRZResult& zone,
+                                               const CalendarDate& today);
+
+/// The name of a field, of a source, of an agreement as reference.json and events have it, such as
+/// "givenNames".
+const char* nameOf(corvana::FieldName name);
+const char* nameOf(corvana::FieldSource source);
+const char* nameOf(corvana::FieldAgreement agreement);
+/// Absent for names of no field.
+std::optional<corvana::FieldName> fieldNamed(const std::string& name);
+std::optional<corvana::FieldSource> fieldSourceNamed(const std::string& name);
+
+}  // namespace corvana::engine

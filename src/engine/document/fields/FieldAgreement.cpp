@@ -1,0 +1,352 @@
+#include "engine/document/fields/FieldAgreement.h"
+
+#include <algorithm>
+#include <numeric>
+#include <optional>
+#include <sstream>
+
+#include "engine/document/fields/Transliteration.h"
+#include "engine/document/mrz/StateCodes.h"
+
+namespace corvana::engine {
+namespace {
+
+using corvana::DetectedData;
+using corvana::DocumentField;
+using corvana::FieldAgreement;
+using corvana::FieldCheck;
+using corvana::FieldName;
+using corvana::FieldSource;
+
+/// Print below it may be misread, which is no conflict.
+constexpr float kClearPrint = 0.8F;
+/// The confidence of a line that counts as sure.
+constexpr float kSureLine = 0.8F;
+/// Shorter values are found by chance.
+constexpr std::size_t kLeastNearName = 4;
+constexpr std::size_t kLeastNearNumber = 6;
+/// One letter in so many may differ in a value that is nearly the same.
+constexpr std::size_t kLettersPerChange = 4;
+constexpr std::size_t kMostChangedDigits = 2;
+
+bool isName(FieldName name) {
+  return name == FieldName::surname || name == FieldName::givenNames;
+}
+bool isDate(FieldName name) {
+  return name == FieldName::birthDate || name == FieldName::issueDate ||
+         name == FieldName::expiryDate;
+}
+
+std::vector<std::string> words(const std::string& text) {
+  std::istringstream stream(text);
+  std::vector<std::string> all;
+  for (std::string word; stream >> word;)
+    all.push_back(std::move(word));
+  return all;
+}
+
+/// A number without blanks and signs, its letters as the digits they are taken for.
+std::string numberSkeleton(std::string_view text) {
+  constexpr std::string_view kLetters = "OQILZSGB";
+  constexpr std::string_view kDigits = "00112568";
+  std::string skeleton;
+  for (const char c : plainLetters(text)) {
+    const auto at = kLetters.find(c);
+    if (c != ' ') skeleton += at == std::string_view::npos ? c : kDigits[at];
+  }
+  return skeleton;
+}
+
+std::string skeletonOf(FieldName name, std::string_view text) {
+  return isName(name) ? letterSkeleton(text) : numberSkeleton(text);
+}
+
+std::size_t edits(const std::string& a, const std::string& b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), 0U);
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = row[0]++;
+    for (std::size_t j = 0; j < b.size(); ++j) {
+      const std::size_t above = row[j + 1];
+      row[j + 1] = std::min({diagonal + (a[i] == b[j] ? 0U : 1U), above + 1, row[j] + 1});
+      diagonal = above;
+    }
+  }
+  return row.back();
+}
+
+bool isBeginning(const std::vector<std::string>& part, const std::vector<std::string>& whole) {
+  return !part.empty() && part.size() <= whole.size() &&
+         std::equal(part.begin(), part.end(), whole.begin());
+}
+
+std::vector<std::string> wordSkeletons(const std::string& names) {
+  std::vector<std::string> all = words(zoneLetters(names));
+  for (std::string& word : all)
+    word = letterSkeleton(word);
+  return all;
+}
+
+/// A side may leave out the last of several names or add a name of birth; two surnames may stand on
+/// two lines.
+bool doNamesAgree(const std::string& printed, const DocumentField& field) {
+  const std::string a = letterSkeleton(printed);
+  const std::string b = letterSkeleton(field.value);
+  if (a == b || (field.isTruncated && !b.empty() && a.starts_with(b))) return true;
+  const auto ofPrint = wordSkeletons(printed);
+  const auto ofField = wordSkeletons(field.value);
+  return isBeginning(ofPrint, ofField) || isBeginning(ofField, ofPrint);
+}
+
+/// A check digit behind the number may be printed with it.
+bool doNumbersAgree(const std::string& printed, const std::string& value) {
+  const std::string a = numberSkeleton(printed);
+  const std::string b = numberSkeleton(value);
+  return a == b || (b.size() >= kLeastNearNumber && a.size() == b.size() + 1 && a.starts_with(b));
+}
+
+/// What a nationality says in the language of its card is compared as far as it begins like the
+/// state's code; only another code is a conflict.
+FieldAgreement ofNationality(const std::string& printed, const std::string& code) {
+  const auto all = words(plainLetters(printed));
+  const auto isCode = [&](const std::string& word) { return word == code; };
+  if (std::ranges::any_of(all, isCode)) return FieldAgreement::agrees;
+  if (all.size() == 1 && all.front().size() > 3 && all.front().starts_with(code)) {
+    return FieldAgreement::agrees;
+  }
+  const bool isOtherCode =
+      all.size() == 1 && all.front().size() == 3 && code.size() == 3 && isMrzStateCode(all.front());
+  return isOtherCode ? FieldAgreement::conflicts : FieldAgreement::unread;
+}
+
+/// How a labelled value stands to the record's.
+FieldAgreement ofValue(const std::string& printed, const DocumentField& field) {
+  const auto orConflict = [](bool agrees) {
+    return agrees ? FieldAgreement::agrees : FieldAgreement::conflicts;
+  };
+  switch (field.name) {
+    case FieldName::surname:
+    case FieldName::givenNames:
+      return orConflict(doNamesAgree(printed, field));
+    case FieldName::documentNumber:
+      return orConflict(doNumbersAgree(printed, field.value));
+    case FieldName::birthDate:
+    case FieldName::issueDate:
+    case FieldName::expiryDate:
+      return orConflict(printed.starts_with(field.value) || field.value.starts_with(printed));
+    case FieldName::sex:
+      return orConflict(printed == field.value);
+    case FieldName::nationality:
+      return ofNationality(printed, field.value);
+    case FieldName::authority:
+    case FieldName::address:
+      break;
+  }
+  return letterSkeleton(printed) == letterSkeleton(field.value) ? FieldAgreement::agrees
+                                                                : FieldAgreement::unread;
+}
+
+/// The dates of a line, read either way where day and month could be exchanged.
+std::vector<std::string> datesNear(const std::string& line, const std::string& iso) {
+  const auto around = calendarDate(iso);
+  if (!around) return {};
+  std::vector<std::string> dates = datesInPrint(line, *around, {});
+  const auto monthFirst = datesInPrint(line, *around, {.isBirth = false, .isMonthFirst = true});
+  dates.insert(dates.end(), monthFirst.begin(), monthFirst.end());
+  return dates;
+}
+
+/// Calls back with the skeleton of each run of a line's words until one pleases.
+template <class Pleases>
+bool anyRun(FieldName name, const std::string& line, bool toTheEnd, const Pleases& pleases) {
+  const auto all = words(isName(name) ? zoneLetters(line) : plainLetters(line));
+  for (std::size_t first = 0; first < all.size(); ++first) {
+    std::string run;
+    for (std::size_t last = first; last < all.size(); ++last) {
+      run += skeletonOf(name, all[last]);
+      if ((!toTheEnd || last + 1 == all.size()) && pleases(run)) return true;
+    }
+  }
+  return false;
+}
+
+bool holds(const std::string& line, const DocumentField& field) {
+  if (isDate(field.name)) {
+    const auto dates = datesNear(line, field.value);
+    return std::ranges::find(dates, field.value) != dates.end();
+  }
+  const std::string wanted = skeletonOf(field.name, field.value);
+  return !wanted.empty() &&
+         anyRun(field.name, line, false, [&](const std::string& run) { return run == wanted; });
+}
+
+std::size_t changedDigits(const std::string& a, const std::string& b) {
+  if (a.size() != b.size()) return a.size();
+  return std::inner_product(a.begin(), a.end(), b.begin(), std::size_t{0}, std::plus<>(),
+                            std::not_equal_to<>());
+}
+
+/// Whether a line holds a value that is nearly, but not quite, this one.
+bool nearlyHolds(const std::string& line, const DocumentField& field) {
+  if (field.name == FieldName::birthDate) {
+    // Only births are unlike all other dates: a document expires on the day it was issued.
+    return std::ranges::any_of(datesNear(line, field.value), [&](const std::string& date) {
+      return changedDigits(date, field.value) <= kMostChangedDigits;
+    });
+  }
+  const std::string wanted = skeletonOf(field.name, field.value);
+  if (field.name == FieldName::documentNumber) {
+    return wanted.size() >= kLeastNearNumber &&
+           anyRun(field.name, line, false, [&](const std::string& run) {
+             return changedDigits(run, wanted) <= kMostChangedDigits;
+           });
+  }
+  return isName(field.name) && !field.isTruncated && wanted.size() >= kLeastNearName &&
+         anyRun(field.name, line, true, [&](const std::string& run) {
+           return edits(run, wanted) <= std::max<std::size_t>(1, wanted.size() / kLettersPerChange);
+         });
+}
+
+bool isSearched(FieldName name) {
+  return isName(name) || isDate(name) || name == FieldName::documentNumber;
+}
+
+/// Sets one field of a record against the print.
+class PrintCheck {
+ public:
+  PrintCheck(const Print& print, const std::vector<DocumentField>& record)
+      : print_(print), record_(record) {}
+
+  FieldCheck operator()(const DocumentField& field) const {
+    FieldCheck check{field.name, field.source, FieldAgreement::unread, 0, std::nullopt};
+    for (const DocumentField& printed : print_.fields) {
+      if (printed.name != field.name || isOthers(printed)) continue;
+      const FieldAgreement agreement = ofValue(printed.value, field);
+      if (agreement == FieldAgreement::unread || check.agreement == FieldAgreement::agrees)
+        continue;
+      if (agreement == FieldAgreement::conflicts && printed.confidence < kClearPrint) continue;
+      check.agreement = agreement;
+      check.confidence = std::min(printed.confidence, field.confidence);
+      check.place = printed.place;
+    }
+    if (check.agreement != FieldAgreement::agrees && isSearched(field.name)) search(field, check);
+    return check;
+  }
+
+ private:
+  /// A label may have been given its neighbour's value.
+  bool isOthers(const DocumentField& printed) const {
+    return std::ranges::any_of(record_, [&](const DocumentField& other) {
+      return other.name != printed.name && isName(other.name) == isName(printed.name) &&
+             isDate(other.name) == isDate(printed.name) && isSearched(other.name) &&
+             ofValue(printed.value, other) == FieldAgreement::agrees;
+    });
+  }
+
+  bool isTaken(const std::string& line, FieldName name) const {
+    return std::ranges::any_of(record_, [&](const DocumentField& other) {
+      return other.name != name && isSearched(other.name) && holds(line, other);
+    });
+  }
+
+  void search(const DocumentField& field, FieldCheck& check) const {
+    const auto found = [&](FieldAgreement agreement) {
+      if (check.agreement != agreement) check.place = std::nullopt;
+      check.agreement = agreement;
+      check.confidence = std::min(kSureLine, field.confidence);
+    };
+    const auto isHeld = [&](const std::string& line) { return holds(line, field); };
+    const auto isNear = [&](const std::string& line) {
+      return nearlyHolds(line, field) && !isTaken(line, field.name);
+    };
+    if (std::ranges::any_of(print_.lines, isHeld))
+      found(FieldAgreement::agrees);
+    else if (check.agreement == FieldAgreement::unread && std::ranges::any_of(print_.lines, isNear))
+      found(FieldAgreement::conflicts);
+  }
+
+  const Print& print_;
+  const std::vector<DocumentField>& record_;
+};
+
+/// The first value of a field, zone and code before print.
+std::optional<std::string> valueOf(const std::vector<DocumentField>& fields, FieldName name) {
+  std::optional<std::string> printed;
+  for (const DocumentField& field : fields) {
+    if (field.name != name) continue;
+    if (field.source != FieldSource::print) return field.value;
+    if (!printed) printed = field.value;
+  }
+  return printed;
+}
+
+/// The last day that a date with an open day or month may mean.
+std::optional<CalendarDate> lastDay(const std::string& iso) {
+  if (iso.size() == 10) return calendarDate(iso);
+  const auto first = calendarDate(iso.size() == 7 ? iso + "-01" : iso + "-12-01");
+  if (!first) return std::nullopt;
+  return CalendarDate(
+      std::chrono::year_month_day_last(first->year(), std::chrono::month_day_last(first->month())));
+}
+
+bool isUnderAge(const CalendarDate& birth, const CalendarDate& today, int leastAge) {
+  const auto years = std::chrono::years(leastAge);
+  // Who was born on a 29th of February comes of age on the 1st of March.
+  CalendarDate grown = birth + years;
+  if (!grown.ok()) grown = CalendarDate(std::chrono::sys_days(grown));
+  return today < grown;
+}
+
+}  // namespace
+
+std::vector<FieldCheck> checkPrint(const Print& print, const std::vector<DocumentField>& record) {
+  const PrintCheck check(print, record);
+  std::vector<FieldCheck> checks;
+  for (const DocumentField& field : record)
+    checks.push_back(check(field));
+  return checks;
+}
+
+std::vector<FieldCheck> checkSides(const std::vector<const DetectedData*>& sides) {
+  Print print;
+  std::vector<DocumentField> record;
+  for (const DetectedData* side : sides) {
+    for (const DocumentField& field : side->fields.value_or(std::vector<DocumentField>()))
+      (field.source == FieldSource::print ? print.fields : record).push_back(field);
+    for (const std::string& line : side->ocrStrings.value_or(std::vector<std::string>())) {
+      // A zone's own lines are no print to set it against.
+      if (line.find('<') == std::string::npos) print.lines.push_back(line);
+    }
+  }
+  return checkPrint(print, record);
+}
+
+const char* nameOf(DateFinding finding) {
+  switch (finding) {
+    case DateFinding::expired:
+      return "expired";
+    case DateFinding::notYetValid:
+      return "notYetValid";
+    case DateFinding::underAge:
+      break;
+  }
+  return "underAge";
+}
+
+std::vector<DateFinding> checkDates(const std::vector<DocumentField>& fields,
+                                    const CalendarDate& today, int leastAge) {
+  const auto dateOf = [&](FieldName name) {
+    const auto value = valueOf(fields, name);
+    return value ? lastDay(*value) : std::nullopt;
+  };
+  std::vector<DateFinding> findings;
+  const auto expiry = dateOf(FieldName::expiryDate);
+  const auto issue = dateOf(FieldName::issueDate);
+  const auto birth = dateOf(FieldName::birthDate);
+  if (expiry && *expiry < today) findings.push_back(DateFinding::expired);
+  if (issue && today < *issue) findings.push_back(DateFinding::notYetValid);
+  if (birth && isUnderAge(*birth, today, leastAge)) findings.push_back(DateFinding::underAge);
+  return findings;
+}
+
+}  // namespace corvana::engine

@@ -1,0 +1,267 @@
+#include "engine/document/fields/PrintedFields.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "engine/document/fields/FieldLabels.h"
+#include "engine/document/fields/Transliteration.h"
+
+namespace corvana::engine {
+namespace {
+
+using corvana::DocumentField;
+using corvana::FieldName;
+using corvana::FieldSource;
+
+/// Lines with numbers that make a licence of a card.
+constexpr std::size_t kLeastNumbers = 3;
+/// How far below its label a value may stand, in heights of the taller of both.
+constexpr double kMostBelow = 2.0;
+/// How far to its right, in pixels of the card.
+constexpr double kMostBeside = 450;
+constexpr double kLeastSharedHeight = 0.5;
+/// Print beneath a label is commoner than print beside it at the same distance.
+constexpr double kBesideWeight = 1.5;
+constexpr std::size_t kLeastNumberLength = 5;
+constexpr std::size_t kMostNumberLength = 20;
+constexpr std::size_t kMostAddressLines = 3;
+
+struct Line {
+  const TextLine* print;
+  std::optional<LabelledText> label;
+};
+
+std::vector<std::string> plainWords(const std::string& text) {
+  std::istringstream stream(plainLetters(text));
+  std::vector<std::string> words;
+  for (std::string word; stream >> word;)
+    words.push_back(std::move(word));
+  return words;
+}
+
+std::size_t digitCount(const std::string& text) {
+  return static_cast<std::size_t>(
+      std::ranges::count_if(text, [](char c) { return c >= '0' && c <= '9'; }));
+}
+
+bool isNorthAmerican(const std::vector<TextLine>& lines) {
+  static const std::set<std::string> kWords{"DOB", "DLN", "HGT", "WGT", "LICENSE"};
+  return std::ranges::any_of(lines, [](const TextLine& line) {
+    return std::ranges::any_of(plainWords(line.text),
+                               [](const std::string& word) { return kWords.contains(word); });
+  });
+}
+
+std::vector<Line> labelledLines(const std::vector<TextLine>& lines) {
+  std::vector<Line> result;
+  std::set<std::string> numbers;
+  for (const TextLine& line : lines) {
+    // A zone's fillers are no print.
+    if (line.text.find('<') != std::string::npos) continue;
+    result.push_back({&line, labelledText(line.text)});
+    const auto& label = result.back().label;
+    if (label && !label->number.empty()) numbers.insert(label->number);
+  }
+  if (numbers.size() >= kLeastNumbers) return result;
+  for (Line& line : result) {
+    // A house's number is no field's.
+    if (line.label && !line.label->hasWords) line.label.reset();
+  }
+  return result;
+}
+
+std::optional<std::string> sexIn(const std::string& text) {
+  static const std::set<std::string> kMale{"M", "MALE"};
+  static const std::set<std::string> kFemale{"F", "FEMALE", "W"};
+  bool isMale = false;
+  bool isFemale = false;
+  bool isOpen = false;
+  for (const std::string& word : plainWords(text)) {
+    isMale |= kMale.contains(word);
+    isFemale |= kFemale.contains(word);
+    isOpen |= word == "X";
+  }
+  if (int(isMale) + int(isFemale) + int(isOpen) != 1) return std::nullopt;
+  return isMale ? "M" : isFemale ? "F" : "X";
+}
+
+/// The number without a date or another field that was read in one with it.
+std::optional<std::string> numberIn(const std::string& text) {
+  std::string number;
+  for (const std::string& word : plainWords(text)) {
+    if (number.size() >= kLeastNumberLength && digitCount(word) == 0) break;
+    number += word;
+  }
+  const bool isNumber = number.size() >= kLeastNumberLength && number.size() <= kMostNumberLength &&
+                        digitCount(number) >= 2;
+  return isNumber ? std::optional(number) : std::nullopt;
+}
+
+std::optional<std::string> wordsIn(const std::string& text) {
+  const std::string plain = plainLetters(text);
+  if (plain.size() < 2 || digitCount(plain) > 0) return std::nullopt;
+  return text;
+}
+
+/// The value that a text holds for a field.
+class ValueReader {
+ public:
+  ValueReader(const CalendarDate& today, bool isMonthFirst)
+      : today_(today), isMonthFirst_(isMonthFirst) {}
+
+  std::optional<std::string> operator()(FieldName name, const std::string& text) const {
+    switch (name) {
+      case FieldName::surname:
+      case FieldName::givenNames:
+      case FieldName::nationality:
+        return wordsIn(text);
+      case FieldName::documentNumber:
+        return dateIn(text, false) ? std::nullopt : numberIn(text);
+      case FieldName::birthDate:
+        return dateIn(text, true);
+      case FieldName::issueDate:
+      case FieldName::expiryDate:
+        return dateIn(text, false);
+      case FieldName::sex:
+        return sexIn(text);
+      case FieldName::authority:
+      case FieldName::address:
+        break;
+    }
+    return plainLetters(text).size() < 2 ? std::nullopt : std::optional(text);
+  }
+
+ private:
+  std::optional<std::string> dateIn(const std::string& text, bool isBirth) const {
+    const auto dates =
+        datesInPrint(text, today_, {.isBirth = isBirth, .isMonthFirst = isMonthFirst_});
+    if (dates.empty()) return std::nullopt;
+    return dates.front();
+  }
+
+  const CalendarDate& today_;
+  const bool isMonthFirst_;
+};
+
+/// How near a text is to a label as its value; absent where it is none.
+std::optional<double> distance(const platform::CGRect& label, const platform::CGRect& text) {
+  const double shared = std::min(label.maxY(), text.maxY()) - std::max(label.minY(), text.minY());
+  const double gap = text.minX() - label.maxX();
+  if (shared > kLeastSharedHeight * std::min(label.height, text.height)) {
+    if (gap < -label.height / 2 || gap > kMostBeside) return std::nullopt;
+    return kBesideWeight * std::max(0.0, gap);
+  }
+  const double drop = text.minY() - label.maxY();
+  const double height = std::max(label.height, text.height);
+  const double indent = std::abs(text.minX() - label.minX());
+  const bool isBelow = text.midY() > label.midY() && drop < kMostBelow * height;
+  const bool isAligned =
+      indent < 2 * height || (text.minX() < label.maxX() && text.maxX() > label.minX());
+  if (!isBelow || !isAligned) return std::nullopt;
+  return std::max(0.0, drop) + indent;
+}
+
+/// A text that may be a label's value.
+struct Pair {
+  double distance;
+  FieldName name;
+  const TextLine* text;
+  std::string value;
+};
+
+class Assembly {
+ public:
+  Assembly(std::vector<Line> lines, const ValueReader& read, bool isNorthAmerican)
+      : lines_(std::move(lines)), read_(read), isNorthAmerican_(isNorthAmerican) {}
+
+  std::vector<DocumentField> fields() {
+    takeInline();
+    std::vector<Pair> found = pairs();
+    std::ranges::stable_sort(found, {}, &Pair::distance);
+    for (Pair& pair : found)
+      take(pair.name, *pair.text, std::move(pair.value));
+    for (DocumentField& field : fields_) {
+      if (field.name == FieldName::address) addLinesBelow(field);
+    }
+    return std::move(fields_);
+  }
+
+ private:
+  std::optional<FieldName> nameOf(const LabelledText& label) const {
+    return label.hasWords ? label.name : numberedField(label.number, isNorthAmerican_);
+  }
+
+  void take(FieldName name, const TextLine& text, std::string value) {
+    if (!names_.insert(name).second) return;
+    if (!used_.insert(&text).second) {
+      names_.erase(name);
+      return;
+    }
+    fields_.push_back({name, std::move(value), FieldSource::print,
+                       static_cast<float>(text.confidence), false, text.box});
+  }
+
+  void takeInline() {
+    for (const Line& line : lines_) {
+      if (!line.label || line.label->rest.empty()) continue;
+      const auto name = nameOf(*line.label);
+      if (!name) continue;
+      if (auto value = read_(*name, line.label->rest)) take(*name, *line.print, *std::move(value));
+    }
+  }
+
+  std::vector<Pair> pairs() const {
+    std::vector<Pair> found;
+    for (const Line& label : lines_) {
+      const auto name = label.label ? nameOf(*label.label) : std::nullopt;
+      if (!name || !label.label->rest.empty()) continue;
+      for (const Line& text : lines_) {
+        if (text.label) continue;
+        const auto apart = distance(label.print->box, text.print->box);
+        if (!apart) continue;
+        if (auto value = read_(*name, text.print->text))
+          found.push_back({*apart, *name, text.print, *std::move(value)});
+      }
+    }
+    return found;
+  }
+
+  /// An address has several lines, of which the label names the first.
+  void addLinesBelow(DocumentField& address) {
+    platform::CGRect last = *address.place;
+    for (std::size_t count = 1; count < kMostAddressLines; ++count) {
+      const auto next = std::ranges::find_if(lines_, [&](const Line& line) {
+        const platform::CGRect& box = line.print->box;
+        return !line.label && !used_.contains(line.print) && box.midY() > last.maxY() &&
+               box.minY() - last.maxY() < last.height && box.minX() < last.maxX() &&
+               box.maxX() > last.minX();
+      });
+      if (next == lines_.end()) return;
+      used_.insert(next->print);
+      address.value += ", " + next->print->text;
+      last = next->print->box;
+    }
+  }
+
+  std::vector<Line> lines_;
+  const ValueReader& read_;
+  bool isNorthAmerican_;
+  std::set<FieldName> names_;
+  std::set<const TextLine*> used_;
+  std::vector<DocumentField> fields_;
+};
+
+}  // namespace
+
+std::vector<DocumentField> printedFields(const std::vector<TextLine>& lines,
+                                         const CalendarDate& today) {
+  const bool isAmerican = isNorthAmerican(lines);
+  const ValueReader read(today, isAmerican);
+  return Assembly(labelledLines(lines), read, isAmerican).fields();
+}
+
+}  // namespace corvana::engine

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <vector>
+
+#include "corvana/DocumentField.h"
+#include "engine/document/TextReader.h"
+#include "engine/document/fields/CalendarDates.h"
+
+namespace corvana::engine {
+
+/// The fields that a card's print names: values that stand behind, beside or below a label in the
+/// languages of cards or a number as on licences. Values that cannot be one of their field (a
+/// birth date without a date) are passed over. Pure.
+std::vector<corvana::DocumentField> printedFields(const std::vector<TextLine>& lines,
+                                                  const CalendarDate& today);
+
+}  // namespace corvana::engine

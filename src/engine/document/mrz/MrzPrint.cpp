@@ -1,0 +1,32 @@
+#include "engine/document/mrz/MrzPrint.h"
+
+#include <algorithm>
+#include <string>
+
+#include "engine/document/mrz/MrzRepair.h"
+
+namespace corvana::engine {
+namespace {
+
+platform::CGRect unionOf(const platform::CGRect& a, const platform::CGRect& b) {
+  const double x = std::min(a.minX(), b.minX());
+  const double y = std::min(a.minY(), b.minY());
+  return {x, y, std::max(a.maxX(), b.maxX()) - x, std::max(a.maxY(), b.maxY()) - y};
+}
+
+}  // namespace
+
+MrzReading mrzInPrint(const std::vector<TextLine>& print) {
+  MrzReading reading;
+  std::vector<std::string> texts;
+  for (const TextLine& line : print) {
+    if (mrzLinesAmong({line.text}).empty()) continue;
+    texts.push_back(line.text);
+    reading.band = reading.band ? unionOf(*reading.band, line.box) : line.box;
+  }
+  reading.lines = mrzLinesAmong(texts);
+  if (auto mrz = readMrz(reading.lines)) reading.mrz = *std::move(mrz);
+  return reading;
+}
+
+}  // namespace corvana::engine

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <opencv2/core.hpp>
+
+namespace corvana::engine {
+
+/// Height of a line of print as the networks see it.
+inline constexpr int kLineHeight = 48;
+
+/// The line of print inside the box of an 8-bit picture, level, `kLineHeight` high; lines longer
+/// than the networks can see are squeezed.
+cv::Mat lineCrop(const cv::Mat& rgb, const cv::RotatedRect& box);
+
+}  // namespace corvana::engine

@@ -1,0 +1,109 @@
+#include "engine/document/text/NetworkTextReader.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "engine/document/text/LineCrop.h"
+#include "engine/vision/MatViews.h"
+
+namespace corvana::engine {
+namespace {
+
+/// Lines less sure than this are patterns that looked like print.
+constexpr double kLeastConfidence = 0.7;
+
+/// The boxes that lines are read in reach beyond the letters, in pixels of a straightened card:
+/// what the network marks is that much wider at any size of print.
+constexpr float kHalo = 10;
+
+cv::RotatedRect boxOf(const TextLine& line) {
+  return {{static_cast<float>(line.box.midX()), static_cast<float>(line.box.midY())},
+          {static_cast<float>(line.box.width) + kHalo, static_cast<float>(line.box.height) + kHalo},
+          static_cast<float>(line.tilt)};
+}
+
+TextLine lineIn(const cv::RotatedRect& box) {
+  const auto& [x, y] = box.center;
+  const float width = std::max(1.0F, box.size.width - kHalo);
+  const float height = std::max(1.0F, box.size.height - kHalo);
+  TextLine line;
+  line.box = {x - width / 2, y - height / 2, width, height};
+  line.tilt = box.angle;
+  return line;
+}
+
+std::string trimmed(const std::string& text) {
+  const auto first = text.find_first_not_of(' ');
+  if (first == std::string::npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+}  // namespace
+
+NetworkTextReader::Models NetworkTextReader::Models::inFolder(
+    const std::filesystem::path& resources) {
+  return {resources / "ppocrv6_det_small_448x704_fp16.tflite",
+          resources / "ppocrv6_rec_small_latin_fp16.tflite", resources / "ppocrv6_latin.txt",
+          resources / "ppocr_cls_v2_192.tflite"};
+}
+
+std::vector<std::filesystem::path> NetworkTextReader::Models::files() const {
+  return {boxes, recognizer, alphabet, turn};
+}
+
+NetworkTextReader::NetworkTextReader(TextBoxes boxes, LineRecognizer recognizer, LineTurn turn)
+    : boxes_(std::move(boxes)), recognizer_(std::move(recognizer)), turn_(std::move(turn)) {}
+
+platform::Expected<NetworkTextReader> NetworkTextReader::load(const Models& models) {
+  auto boxes = TextBoxes::load(models.boxes);
+  if (!boxes) return tl::unexpected(boxes.error());
+  auto recognizer = LineRecognizer::load(models.recognizer, models.alphabet);
+  if (!recognizer) return tl::unexpected(recognizer.error());
+  auto turn = LineTurn::load(models.turn);
+  if (!turn) return tl::unexpected(turn.error());
+  return NetworkTextReader(std::move(*boxes), std::move(*recognizer), std::move(*turn));
+}
+
+std::vector<TextLine> NetworkTextReader::find(const platform::PixelBuffer& card) {
+  std::vector<TextLine> found;
+  for (const cv::RotatedRect& box : boxes_.find(rgbMat(card)))
+    found.push_back(lineIn(box));
+  return found;
+}
+
+double NetworkTextReader::turnSign(const platform::PixelBuffer& card,
+                                   const std::vector<TextLine>& lines) {
+  double sum = 0;
+  double length = 0;
+  for (const TextLine& line : lines) {
+    const double upsideDown = turn_.upsideDown(lineCrop(rgbMat(card), boxOf(line)));
+    sum += (1 - 2 * upsideDown) * line.box.width;
+    length += line.box.width;
+  }
+  return length > 0 ? sum / length : 0;
+}
+
+std::vector<TextLine> NetworkTextReader::read(const platform::PixelBuffer& card) {
+  return readAgain(card, find(card));
+}
+
+std::vector<TextLine> NetworkTextReader::readAgain(const platform::PixelBuffer& card,
+                                                   const std::vector<TextLine>& known) {
+  const cv::Mat rgb = rgbMat(card);
+  std::vector<std::pair<cv::Mat, TextLine>> lines;
+  for (const TextLine& line : known)
+    lines.emplace_back(lineCrop(rgb, boxOf(line)), line);
+  // Lines of like width one after the other.
+  std::ranges::stable_sort(lines, {}, [](const auto& line) { return line.first.cols; });
+  std::vector<TextLine> read;
+  for (auto& [picture, line] : lines) {
+    const LineRecognizer::Reading reading = recognizer_.read(picture);
+    line.text = trimmed(reading.text);
+    line.confidence = reading.confidence;
+    if (!line.text.empty() && line.confidence >= kLeastConfidence) read.push_back(line);
+  }
+  std::ranges::stable_sort(read, {}, [](const TextLine& line) { return line.box.midY(); });
+  return read;
+}
+
+}  // namespace corvana::engine

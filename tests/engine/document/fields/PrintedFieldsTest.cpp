@@ -1,0 +1,104 @@
+#include <map>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "engine/document/fields/PrintedFields.h"
+
+namespace corvana::tests {
+namespace {
+
+using corvana::FieldName;
+using engine::TextLine;
+using Values = std::map<FieldName, std::string>;
+
+const engine::CalendarDate kToday{std::chrono::year(2026), std::chrono::month(3),
+                                  std::chrono::day(1)};
+
+/// Print at a place of the card; letters are half as wide as high.
+TextLine at(double x, double y, const std::string& text, double height = 24) {
+  return {text, {x, y, 0.5 * height * double(text.size()), height}, 0.95};
+}
+
+struct Case {
+  const char* what;
+  std::vector<TextLine> lines;
+  Values values;
+};
+
+const Case kCases[] = {
+    {"labels above values, in two languages, in columns",
+     {at(300, 40, "BUNDESREPUBLIK DEUTSCHLAND"), at(300, 100, "Name/Surname/Nom", 14),
+      at(300, 118, "MÜLLER"), at(300, 160, "Vornamen/Given names/Prénoms", 14),
+      at(300, 178, "JÖRG PETER"), at(300, 220, "Geburtstag/Date of birth", 14),
+      at(620, 220, "Staatsangehörigkeit/Nationality", 14), at(300, 238, "12.08.1984"),
+      at(620, 238, "DEUTSCH"), at(300, 280, "Gültig bis/Date of expiry", 14),
+      at(300, 298, "30.06.2031"), at(620, 60, "L01X00T47")},
+     {{FieldName::surname, "MÜLLER"},
+      {FieldName::givenNames, "JÖRG PETER"},
+      {FieldName::birthDate, "1984-08-12"},
+      {FieldName::nationality, "DEUTSCH"},
+      {FieldName::expiryDate, "2031-06-30"}}},
+    {"labels before values, on a line with them and beside them",
+     {at(300, 100, "Surname: ERIKSSON"), at(300, 150, "Given name(s)", 18),
+      at(480, 148, "ANNA MARIA"), at(300, 200, "Sex F"), at(480, 200, "Nationality UTOPIAN"),
+      at(300, 250, "Document no. D23145890"), at(300, 300, "Date of issue 15 APR/AVR 22"),
+      at(300, 350, "Expires"), at(480, 350, "15 APR 32"), at(300, 400, "Born"),
+      at(480, 400, "1 MAY 31")},
+     {{FieldName::surname, "ERIKSSON"},
+      {FieldName::givenNames, "ANNA MARIA"},
+      {FieldName::sex, "F"},
+      {FieldName::nationality, "UTOPIAN"},
+      {FieldName::documentNumber, "D23145890"},
+      {FieldName::issueDate, "2022-04-15"},
+      {FieldName::expiryDate, "2032-04-15"},
+      {FieldName::birthDate, "1931-05-01"}}},
+    {"a European licence with its numbers",
+     {at(300, 60, "FÜHRERSCHEIN"), at(300, 100, "1. Mustermann"), at(300, 140, "2. Erika"),
+      at(300, 180, "3. 12.08.64 Berlin"), at(300, 220, "4a. 26.07.11"),
+      at(620, 220, "4c. LRA Musterstadt"), at(300, 260, "4b. 25.07.26"),
+      at(300, 300, "5. B072RRE2I55"), at(300, 340, "9. AM/B/L")},
+     {{FieldName::surname, "Mustermann"},
+      {FieldName::givenNames, "Erika"},
+      {FieldName::birthDate, "1964-08-12"},
+      {FieldName::issueDate, "2011-07-26"},
+      {FieldName::expiryDate, "2026-07-25"},
+      {FieldName::authority, "LRA Musterstadt"},
+      {FieldName::documentNumber, "B072RRE2I55"}}},
+    {"a licence of a state of the US, month before day",
+     {at(300, 40, "DRIVER LICENSE"), at(300, 80, "4d DLN I1234562"),
+      at(300, 120, "3 DOB 01/02/1990"), at(620, 120, "4b EXP 01/02/2030"),
+      at(300, 160, "1 CARDHOLDER"), at(300, 200, "2 IMA"), at(300, 240, "8 2570 24TH STREET"),
+      at(300, 270, "ANYTOWN, CA 95818"), at(300, 320, "15 SEX F"),
+      at(300, 360, "5 DD 00/00/0000NNNAN/ANFD/YY"), at(620, 360, "4a ISS 03/04/2022")},
+     {{FieldName::documentNumber, "I1234562"},
+      {FieldName::birthDate, "1990-01-02"},
+      {FieldName::expiryDate, "2030-01-02"},
+      {FieldName::surname, "CARDHOLDER"},
+      {FieldName::givenNames, "IMA"},
+      {FieldName::address, "2570 24TH STREET, ANYTOWN, CA 95818"},
+      {FieldName::sex, "F"},
+      {FieldName::issueDate, "2022-03-04"}}},
+    {"what cannot be a value is none; numbers of houses are no fields' numbers",
+     {at(300, 100, "Surname", 14), at(300, 118, "12.08.1984"), at(300, 160, "Date of birth", 14),
+      at(300, 178, "ZENITH"), at(300, 240, "1 HARBOUR ROAD"), at(300, 280, "Sex", 14),
+      at(300, 298, "M/F"), at(300, 340, "I<UTOD231458907<<<<<<<<<<<<<<<")},
+     {}},
+    {"nothing at all", {}, {}},
+};
+
+TEST(PrintedFields, AreFoundByTheirLabels) {
+  for (const Case& c : kCases) {
+    Values values;
+    for (const auto& field : engine::printedFields(c.lines, kToday)) {
+      values[field.name] = field.value;
+      EXPECT_EQ(field.source, corvana::FieldSource::print);
+      EXPECT_TRUE(field.place);
+    }
+    EXPECT_EQ(values, c.values) << c.what;
+  }
+}
+
+}  // namespace
+}  // namespace corvana::tests
