@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numeric>
 
+#include "platform/foundation/Fault.h"
+
 namespace corvana::capture {
 namespace {
 
@@ -26,37 +28,30 @@ std::vector<float> unitLength(const std::vector<double>& embedding) {
   return result;
 }
 
-std::string loadSentence(const std::filesystem::path& model, inference::LoadFault fault) {
-  const std::string name = "The face model " + model.filename().string();
-  return fault == inference::LoadFault::notAModel
-             ? name + " is not a TensorFlow Lite model."
-             : name + " needs what this TensorFlow Lite does not offer.";
-}
-
-tl::expected<void, std::string> fillInput(inference::Interpreter& interpreter,
-                                          std::span<const std::uint8_t> bytes) {
+platform::Expected<void> fillInput(inference::Interpreter& interpreter,
+                                   std::span<const std::uint8_t> bytes) {
   const auto input = interpreter.input(0);
-  if (!input) return tl::unexpected<std::string>("The face model has no input.");
+  if (!input) return platform::failure("The face model has no input.");
   if (input->byteSize() != bytes.size()) {
-    return tl::unexpected("The face model's input takes " + std::to_string(input->byteSize()) +
-                          " bytes, but the picture has " + std::to_string(bytes.size()) + ".");
+    return platform::failure("The face model's input takes " + std::to_string(input->byteSize()) +
+                             " bytes, but the picture has " + std::to_string(bytes.size()) + ".");
   }
   if (!interpreter.copyToInput(0, bytes)) {
-    return tl::unexpected<std::string>("The face model's input could not be filled.");
+    return platform::failure("The face model's input could not be filled.");
   }
   return {};
 }
 
-tl::expected<void, std::string> run(inference::Interpreter& interpreter) {
+platform::Expected<void> run(inference::Interpreter& interpreter) {
   if (interpreter.invoke()) return {};
-  return tl::unexpected<std::string>("The face model could not be run.");
+  return platform::failure("The face model could not be run.");
 }
 
-tl::expected<std::span<const std::uint8_t>, std::string> readOutput(
+platform::Expected<std::span<const std::uint8_t>> readOutput(
     const inference::Interpreter& interpreter) {
   const auto output = interpreter.output(0);
   if (!output || (output->data() == nullptr && output->byteSize() > 0)) {
-    return tl::unexpected<std::string>("The face model's output could not be read.");
+    return platform::failure("The face model's output could not be read.");
   }
   return std::span(static_cast<const std::uint8_t*>(output->data()), output->byteSize());
 }
@@ -68,22 +63,22 @@ FaceMatchDetector::FaceMatchDetector(const platform::Bundle& bundle, platform::C
   const auto model = bundle.path(kModelName, kModelType);
   if (!model) return;
   if (const auto loaded = load(*model); !loaded) {
-    console_.print("ERROR initializing FaceMatchDetector: " + loaded.error());
+    console_.print("ERROR initializing FaceMatchDetector: " + loaded.error().sentence);
   }
 }
 
-FaceMatchDetector::Expected<void> FaceMatchDetector::load(const std::filesystem::path& model) {
+platform::Expected<void> FaceMatchDetector::load(const std::filesystem::path& model) {
   if (auto first = load(model, interpreter1_); !first) return first;
   return load(model, interpreter2_);
 }
 
-FaceMatchDetector::Expected<void> FaceMatchDetector::load(const std::filesystem::path& model,
-                                                          std::optional<Interpreter>& interpreter) {
+platform::Expected<void> FaceMatchDetector::load(const std::filesystem::path& model,
+                                                 std::optional<Interpreter>& interpreter) {
   auto loaded = Interpreter::load(model, kThreadCount, inference::Runtime::plain);
-  if (!loaded) return tl::unexpected(loadSentence(model, loaded.error()));
+  if (!loaded) return platform::failure("The face model " + loaded.error().sentence);
   interpreter = std::move(*loaded);
   if (interpreter->allocateTensors()) return {};
-  return tl::unexpected<std::string>("The face model's tensors could not be allocated.");
+  return platform::failure("The face model's tensors could not be allocated.");
 }
 
 std::optional<FaceMatchDetector::Bytes> FaceMatchDetector::scaled(
@@ -117,7 +112,7 @@ std::optional<FaceMatchDetector::Embedding> FaceMatchDetector::embedding(
         return readOutput(interpreter);
       });
   if (!output) {
-    console_.print("ERROR detecting face match: " + output.error());
+    console_.print("ERROR detecting face match: " + output.error().sentence);
     return {};
   }
   return corvana::cgFloats(*output);

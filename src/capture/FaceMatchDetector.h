@@ -7,12 +7,11 @@
 #include <string>
 #include <vector>
 
-#include <tl/expected.hpp>
-
 #include "corvana/ImageData.h"
 #include "inference/Interpreter.h"
 #include "platform/foundation/Bundle.h"
 #include "platform/foundation/Console.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::capture {
 
@@ -41,12 +40,9 @@ class FaceMatchDetector {
   using Interpreter = inference::Interpreter;
   using Bytes = std::vector<std::uint8_t>;
   using Embedding = std::vector<double>;
-  template <class T>
-  using Expected = tl::expected<T, std::string>;  // the error is a sentence
-
-  Expected<void> load(const std::filesystem::path& model);
-  static Expected<void> load(const std::filesystem::path& model,
-                             std::optional<Interpreter>& interpreter);
+  platform::Expected<void> load(const std::filesystem::path& model);
+  static platform::Expected<void> load(const std::filesystem::path& model,
+                                       std::optional<Interpreter>& interpreter);
   std::optional<Bytes> scaled(const platform::UIImageRef& image) const;
   static std::optional<std::vector<float>> preprocess(std::span<const std::uint8_t> data);
   /// Absent, with a line on the console unless the output is no list of floats.

@@ -69,16 +69,23 @@ void* Tensor::data() const {
   return TfLiteTensorData(tensor_);
 }
 
-tl::expected<Interpreter, LoadFault> Interpreter::load(const std::filesystem::path& file,
-                                                       int threads, Runtime runtime) {
+platform::Expected<Interpreter> Interpreter::load(const std::filesystem::path& file, int threads,
+                                                  Runtime runtime) {
   logOnlyWhatIsWrong();
   Interpreter loaded;
   loaded.model_.reset(
       TfLiteModelCreateFromFileWithErrorReporter(file.c_str(), discardMessage, nullptr));
-  if (!loaded.model_) return tl::unexpected(LoadFault::notAModel);
+  const std::string name = file.filename().string();
+  if (!loaded.model_) {
+    return platform::failure(name + " is not a TensorFlow Lite model.",
+                             platform::FaultCause::notAModel);
+  }
   if (runtime == Runtime::xnnpack) loaded.delegate_.reset(TfLiteXNNPackDelegateCreate(nullptr));
   loaded.interpreter_.reset(makeInterpreter(loaded.model_.get(), threads, loaded.delegate_.get()));
-  if (!loaded.interpreter_) return tl::unexpected(LoadFault::notSupported);
+  if (!loaded.interpreter_) {
+    return platform::failure(name + " needs what this TensorFlow Lite does not offer.",
+                             platform::FaultCause::modelNotSupported);
+  }
   return loaded;
 }
 

@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-#include <tl/expected.hpp>
+#include "platform/foundation/Fault.h"
 
 struct TfLiteDelegate;
 struct TfLiteInterpreter;
@@ -21,12 +21,6 @@ namespace corvana::inference {
 enum class Runtime {
   plain,    ///< built-in kernels, nothing delegated
   xnnpack,  ///< the XNNPACK delegate: about ten times as fast on convolutions
-};
-
-/// Why a file gives no interpreter.
-enum class LoadFault {
-  notAModel,     ///< the file is missing, or no TensorFlow Lite model
-  notSupported,  ///< the network needs what this library does not offer
 };
 
 /// An input or output of a network; valid as long as its interpreter.
@@ -49,9 +43,9 @@ class Tensor {
 /// thread at a time.
 class Interpreter {
  public:
-  /// `threads` is how many the library may compute with.
-  static tl::expected<Interpreter, LoadFault> load(const std::filesystem::path& file, int threads,
-                                                   Runtime runtime);
+  /// `threads` is how many the library may compute with. Error: `notAModel` or `modelNotSupported`.
+  static platform::Expected<Interpreter> load(const std::filesystem::path& file, int threads,
+                                              Runtime runtime);
 
   /// Gives an input another shape; false when the network does not allow it. The tensors have to be
   /// allocated anew.

@@ -107,7 +107,7 @@ inline Recording play(const std::filesystem::path& path) {
   platform::VirtualRunLoop loop;
   const auto file = MediaFile::open(loop, path);
   if (!file) {
-    recording.errors.push_back(file.error());
+    recording.errors.push_back(file.error().sentence);
     return recording;
   }
   (*file)->onEnd = [&] { ++recording.ends; };

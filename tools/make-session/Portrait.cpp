@@ -35,15 +35,15 @@ double Portrait::faceWidth() const {
 
 Result<PortraitReader> PortraitReader::create(const std::filesystem::path& models) {
   auto detector = engine::FaceDetector::load(models / "face_detection_short_range.tflite");
-  if (!detector) return fault(detector.error().localizedDescription());
+  if (!detector) return fault(detector.error().sentence);
   auto landmarks = engine::FaceLandmarks::load(models / "face_landmark.tflite");
-  if (!landmarks) return fault(landmarks.error().localizedDescription());
+  if (!landmarks) return fault(landmarks.error().sentence);
   return PortraitReader(std::move(*detector), std::move(*landmarks));
 }
 
 Result<Portrait> PortraitReader::read(const std::filesystem::path& file) {
   const auto pixels = devices::readImage(file);
-  if (!pixels) return fault(pixels.error());
+  if (!pixels) return fault(pixels.error().sentence);
   const std::vector<engine::Face> faces = detector_.detect(**pixels);
   if (faces.empty())
     return fault("No face is found in " + file.string() +

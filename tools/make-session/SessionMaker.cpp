@@ -85,8 +85,10 @@ Result<void> writeText(const fs::path& file, const std::string& text) {
 
 Result<void> writePicture(const fs::path& file, const cv::Mat& picture) {
   const std::vector<std::uint8_t> bytes(picture.datastart, picture.dataend);
-  return devices::writePng(
+  const auto written = devices::writePng(
       file, platform::PixelBuffer(picture.cols, picture.rows, platform::PixelFormat::rgb24, bytes));
+  if (!written) return fault(written.error().sentence);
+  return {};
 }
 
 Result<Sides> Maker::sides(const CardData& front, const CardData& back) {

@@ -5,11 +5,9 @@
 #include <sstream>
 
 #include "app/commands/CaptureOptions.h"
-#include "app/commands/Doctor.h"
 #include "app/run/CaptureFlow.h"
-#include "devices/loudspeaker/EspeakSynthesizer.h"
-#include "engine/recorder/LateFrameAnalyzer.h"
-#include "engine/recorder/VisionFrameAnalyzer.h"
+#include "app/run/Preflight.h"
+#include "app/run/RunRecord.h"
 
 namespace corvana::app {
 namespace {
@@ -47,8 +45,8 @@ void removeRun(const fs::path& folder) {
 ExitCode finish(const RunRecord& record, const CaptureArguments& arguments,
                 const CaptureInputs& inputs, const Resources& resources) {
   WrittenRecord written = writeRunRecord(record, resources, inputs.folder);
-  if (record.outcome && !written.fault.empty()) {
-    return complain(std::cerr, ExitCode::machineLacks, written.fault);
+  if (record.outcome && written.fault) {
+    return complain(std::cerr, ExitCode::machineLacks, written.fault->sentence);
   }
   const bool removed = wasCanceled(record.outcome) && !arguments.keep;
   if (removed) removeRun(inputs.folder);
@@ -60,8 +58,8 @@ ExitCode finish(const RunRecord& record, const CaptureArguments& arguments,
   if (record.outcome) return ExitCode::result;
   const corvana::IDError& fault = record.outcome.error();
   // What keeps result.json away has often ended the run as well.
-  if (!removed && !written.fault.empty() && platform::canTryAgain(fault.cause())) {
-    complain(std::cerr, ExitCode::flowError, written.fault);
+  if (!removed && written.fault && platform::canTryAgain(fault.cause())) {
+    complain(std::cerr, ExitCode::flowError, written.fault->sentence);
   }
   return complain(std::cerr, ExitCode::flowError, fault.localizedDescription());
 }
@@ -80,109 +78,13 @@ void choosePerson(const CLI::App& command, CaptureArguments& arguments) {
   arguments.personIsVirtual = arguments.screen != ScreenKind::window || told;
 }
 
-/// Why the screen and the time that were asked for can't be had; empty when they can.
-std::string screenFault(const CaptureArguments& arguments) {
-  if (!arguments.source.isRecording() && arguments.time == TimeKind::media) {
-    return "A live camera works in real time; leave out --time media, or name a recorded video "
-           "with --camera.";
-  }
-  if (arguments.screen != ScreenKind::window) {
-    return arguments.spokenHints ? "Hints are spoken only with --screen window." : "";
-  }
-  if (arguments.time == TimeKind::media) {
-    return "A window shows a run in real time; leave out --time media, or use --screen headless.";
-  }
-  if (!windowIsPossible()) {
-    return "There is no display for a window; use --screen headless, or set DISPLAY.";
-  }
-  return {};
-}
-
-std::string hintsFault(const CaptureArguments& arguments, const WindowLooks& looks) {
-  if (arguments.screen != ScreenKind::window || !looks.spokenHints) return {};
-  return devices::EspeakSynthesizer::fault().value_or("");
-}
-
-std::unique_ptr<platform::DrivenLoop> makeLoopFor(const CaptureArguments& arguments) {
-  if (arguments.screen == ScreenKind::window) return makeWindowLoop();
-  const TimeKind usual = arguments.source.isRecording() ? TimeKind::media : TimeKind::real;
-  return makeLoop(arguments.time.value_or(usual));
-}
-
-std::unique_ptr<FlowScreen> makeScreenFor(const CaptureArguments& arguments,
-                                          const WindowWishes& wishes, const Resources& resources,
-                                          platform::RunLoop& loop) {
-  if (arguments.screen == ScreenKind::window) return makeWindowScreen(loop, wishes, resources);
-  return makeHeadlessScreen(loop);
-}
-
-using Analyzer = std::shared_ptr<engine::FrameAnalyzer>;
-
-Expected<Analyzer> loadAnalyzer(const Resources& resources) {
-  if (const auto lack = lacks({examineFaceModel(resources)}); !lack.empty()) {
-    return tl::unexpected(lack);
-  }
-  auto loaded = engine::VisionFrameAnalyzer::load(
-      {resources.faceDetector(), resources.faceLandmarks(), resources.textReader()});
-  if (!loaded) return tl::unexpected(loaded.error().localizedDescription());
-  return *loaded;
-}
-
-/// A user does not wait for the models to see their picture; a replay has all the time it wants.
-Expected<Analyzer> startAnalyzer(const Resources& resources, platform::RunLoop& loop) {
-  if (loop.isVirtual()) return loadAnalyzer(resources);
-  return engine::LateFrameAnalyzer::start(loop, [resources] { return loadAnalyzer(resources); });
-}
-
-/// What is missing whatever the camera is; empty when nothing is.
-std::string machineLack(const CaptureArguments& arguments) {
-  if (auto lack = lacks(examineMachine()); !lack.empty()) return lack;
-  if (!devices::realTimeVideoCodecs(arguments.videoCodec).empty()) return {};
-  return "No encoder for the film's --video-codec is installed: install "
-         "gstreamer1.0-plugins-bad for hevc, gstreamer1.0-plugins-ugly for h264.";
-}
-
 ExitCode runCapture(const CaptureArguments& arguments) {
-  if (!arguments.text && !arguments.textFile) {
-    return complain(std::cerr, ExitCode::wrongUse,
-                    "Give the text to be read with --text or --text-file.");
-  }
-  if (const auto fault = screenFault(arguments); !fault.empty()) {
-    return complain(std::cerr, ExitCode::wrongUse, fault);
-  }
-  const Resources resources = findResources();
-  WindowWishes wishes = arguments.window;
-  const auto dressed =
-      applyLooks({arguments.screen == ScreenKind::window, arguments.language, arguments.theme},
-                 resources, wishes.looks);
-  if (!dressed) return complain(std::cerr, ExitCode::wrongUse, dressed.error());
-  wishes.looks.spokenHints |= arguments.spokenHints;
-  if (const auto fault = hintsFault(arguments, wishes.looks); !fault.empty()) {
-    return complain(std::cerr, ExitCode::machineLacks, fault);
-  }
-  auto inputs = checkInputs(arguments);
-  if (!inputs) return complain(std::cerr, ExitCode::wrongUse, inputs.error());
-  if (const auto lack = machineLack(arguments); !lack.empty()) {
-    return complain(std::cerr, ExitCode::machineLacks, lack);
-  }
-  FlowStage stage{makeLoopFor(arguments), nullptr};
-  platform::RunLoop& loop = *stage.loop;
-  auto media = inputs->openMedia(loop);
-  if (!media) return complain(std::cerr, ExitCode::wrongUse, media.error());
-  const auto needed = bytesNeeded((*media)->camera().get(), arguments.maxDurationSeconds);
-  if (const auto lack = lacks({diskSpace(inputs->folder, needed)}); !lack.empty()) {
-    return complain(std::cerr, ExitCode::machineLacks, lack);
-  }
-  auto analyzer = startAnalyzer(resources, loop);
-  if (!analyzer) return complain(std::cerr, ExitCode::machineLacks, analyzer.error());
-  if (auto made = makeEmptyFolder(inputs->folder); !made) {
-    return complain(std::cerr, ExitCode::wrongUse, made.error());
-  }
-  stage.screen = makeScreenFor(arguments, wishes, resources, loop);
-  CaptureFlow flow(arguments, *inputs, resources, stage, *media, *analyzer, printProgress);
+  auto prepared = prepareCapture(arguments);
+  if (!prepared) return complain(std::cerr, prepared.error());
+  CaptureFlow flow(arguments, *prepared, printProgress);
   const RunRecord record = flow.run();
-  const ExitCode code = finish(record, arguments, *inputs, resources);
-  return (*analyzer)->fault() ? ExitCode::machineLacks : code;
+  const ExitCode code = finish(record, arguments, prepared->inputs, prepared->resources);
+  return prepared->analyzer->fault() ? ExitCode::machineLacks : code;
 }
 
 }  // namespace

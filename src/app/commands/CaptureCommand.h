@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "app/commands/ExitCode.h"
+#include "app/run/ExitCode.h"
 
 namespace corvana::app {
 

@@ -1,8 +1,8 @@
 #include <iostream>
 
 #include "app/commands/Commands.h"
-#include "app/commands/Doctor.h"
 #include "app/run/CaptureArguments.h"
+#include "app/run/MachineCheck.h"
 #include "app/run/RunRecord.h"
 #include "app/settings/OptionTable.h"
 
@@ -19,7 +19,7 @@ ExitCode runVerify(const fs::path& folder) {
         "\"" + folder.string() + "\" holds no " + kResultFileName + ". Name the folder of a run.");
   }
   const auto names = verifyRun(folder);
-  if (!names) return complain(std::cerr, ExitCode::flowError, names.error());
+  if (!names) return complain(std::cerr, ExitCode::flowError, names.error().sentence);
   for (const std::string& name : *names)
     std::cout << name << ": unchanged\n";
   return ExitCode::result;

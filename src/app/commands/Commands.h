@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "app/commands/ExitCode.h"
+#include "app/run/ExitCode.h"
 
 /// The small commands; each sets `exitCode` when it runs.
 namespace corvana::app {

@@ -27,23 +27,23 @@ bool isFile(const std::string& path) {
 }
 
 /// Why a virtual device may not be used.
-tl::unexpected<std::string> refusal(const std::string& name) {
-  return tl::unexpected("\"" + name +
-                        "\" is a virtual device, so its film proves nothing; give "
-                        "--allow-virtual-camera if you only want to try.");
+tl::unexpected<platform::Fault> refusal(const std::string& name) {
+  return platform::failure("\"" + name +
+                           "\" is a virtual device, so its film proves nothing; give "
+                           "--allow-virtual-camera if you only want to try.");
 }
 
 Expected<DeviceInfo> chooseCamera(const std::string& id) {
   const auto cameras = devices::connectedCameras();
   if (id == kDefault) {
     if (const DeviceInfo* first = devices::defaultDevice(cameras)) return *first;
-    return tl::unexpected(std::string(
+    return platform::failure(
         "There is no camera; connect one (`videoid devices` lists them), or name a recorded video "
-        "with --camera FILE."));
+        "with --camera FILE.");
   }
   if (const DeviceInfo* found = devices::findDevice(cameras, id)) return *found;
-  return tl::unexpected("There is no camera and no file \"" + id +
-                        "\"; `videoid devices` lists the cameras.");
+  return platform::failure("There is no camera and no file \"" + id +
+                           "\"; `videoid devices` lists the cameras.");
 }
 
 Expected<std::optional<LiveSource>> chooseMicrophone(const CameraChoice& choice) {
@@ -54,8 +54,8 @@ Expected<std::optional<LiveSource>> chooseMicrophone(const CameraChoice& choice)
                                 : devices::findDevice(microphones, choice.microphone);
   if (!found && any) return std::nullopt;
   if (!found) {
-    return tl::unexpected("There is no microphone \"" + choice.microphone +
-                          "\"; `videoid devices` lists them, and none makes a silent film.");
+    return platform::failure("There is no microphone \"" + choice.microphone +
+                             "\"; `videoid devices` lists them, and none makes a silent film.");
   }
   if (found->isVirtual && !choice.allowVirtual) return refusal(found->name);
   return devices::microphoneSource(*found);
@@ -104,9 +104,9 @@ std::shared_ptr<devices::MediaSource> asSource(std::shared_ptr<devices::MediaSou
 
 Expected<MediaOpener> chooseRecording(const CameraChoice& choice, devices::VideoCodecChoice codec) {
   if (choice.microphone != kDefault) {
-    return tl::unexpected(std::string(
+    return platform::failure(
         "A recorded video brings its own sound; leave --microphone out, or play the video as a "
-        "live camera with --camera virtual:FILE."));
+        "live camera with --camera virtual:FILE.");
   }
   return [path = choice.camera, codec](platform::RunLoop& loop) {
     return devices::MediaFile::open(loop, path, codec).map(asSource);

@@ -43,20 +43,20 @@ nlohmann::ordered_json fieldsOf(const FlowEvent& event) {
 
 }  // namespace
 
-CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs& inputs,
-                         const Resources& resources, FlowStage& stage,
-                         std::shared_ptr<devices::MediaSource> media,
-                         std::shared_ptr<engine::FrameAnalyzer> analyzer, Progress progress)
+CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& prepared,
+                         Progress progress)
     : arguments_(arguments),
-      inputs_(inputs),
-      loop_(*stage.loop),
-      screen_(*stage.screen),
-      media_(std::move(media)),
-      analyzer_(std::move(analyzer)),
+      inputs_(prepared.inputs),
+      rules_(prepared.rules),
+      loop_(*prepared.stage.loop),
+      screen_(*prepared.stage.screen),
+      media_(prepared.media),
+      analyzer_(prepared.analyzer),
       progress_(std::move(progress)),
       signals_([&loop = loop_] { loop.wake(); }),
-      events_(loop_, inputs.folder / EventLog::kFileName,
+      events_(loop_, inputs_.folder / EventLog::kFileName,
               [this](const platform::Fault& fault) { eventsFailed(fault); }),
+      card_(events_, rules_),
       reporter_(loop_, [this](const FlowEvent& event) { report(event); }),
       person_(loop_, arguments.habits),
       console_(std::cerr),
@@ -67,23 +67,12 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, const CaptureInputs&
         reporter_.soundPlayed(sound);
         screen_.play(sound);
       }),
-      bundle_(resources.module, screen_.makeStoryboards(capture::controllerFactories(host_, this))),
+      world_(loop_, screen_, prepared.resources.module, capture::controllerFactories(host_, this),
+             {console_, application_, mediaDevices_, speechAuthorization_, sounds_}),
       films_(loop_),
-      host_(hostSetup()),
-      environment_{.runLoop = loop_,
-                   .bundle = bundle_,
-                   .notificationCenter = notificationCenter_,
-                   .console = console_,
-                   .application = application_,
-                   .mediaDevices = mediaDevices_,
-                   .speechAuthorization = speechAuthorization_,
-                   .systemSounds = sounds_,
-                   .mainScreen = {{0, 0, screen_.size().width, screen_.size().height}},
-                   .animations = screen_.animations(),
-                   .presentations = &hub_} {
-  screen_.join(hub_);
-  hub_.add(reporter_);
-  if (arguments.personIsVirtual) hub_.add(person_);
+      host_(hostSetup()) {
+  world_.hub().add(reporter_);
+  if (arguments.personIsVirtual) world_.hub().add(person_);
 }
 
 CaptureFlow::~CaptureFlow() = default;
@@ -92,7 +81,7 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
   auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
       loop_, engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder), inputs_.text);
   return {loop_,
-          notificationCenter_,
+          world_.notificationCenter(),
           mediaDevices_,
           films_,
           analyzer_,
@@ -100,7 +89,7 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
           inputs_.folder,
           arguments_.keepFailedRuns,
           screen_.size(),
-          &events_,
+          &card_,
           [this](const platform::Fault& fault) { end_.fail(fault); }};
 }
 
@@ -147,13 +136,9 @@ bool CaptureFlow::hasEnded() {
 }
 
 void CaptureFlow::start() {
-  auto root = std::make_shared<platform::UIViewController>(environment_);
-  window_ = std::make_unique<platform::UIWindow>(root);
-  capture::videoIDCapture(*root, inputs_.reference.front, inputs_.reference.back, inputs_.text,
-                          [this](const Outcome& outcome) { end_.set(outcome); });
-  if (!root->presentedViewController()) {
-    end_.fail({"The capture screen could not be built from the program's resources."});
-  }
+  const auto started = world_.start({inputs_.reference.front, inputs_.reference.back, inputs_.text},
+                                    [this](const Outcome& outcome) { end_.set(outcome); });
+  if (!started) end_.fail(started.error());
 }
 
 void CaptureFlow::close() {
@@ -161,7 +146,7 @@ void CaptureFlow::close() {
   media_->onEnd = nullptr;
   media_->onError = nullptr;
   media_->onWarning = nullptr;
-  window_.reset();
+  world_.close();
   if (const auto film = host_.film()) {
     bool closed = false;
     film->abandon([&closed] { closed = true; });
@@ -183,7 +168,10 @@ RunRecord CaptureFlow::run() {
   const bool succeeded = end_.outcome().has_value();
   events_.add("end", {{"outcome", succeeded ? "result" : "error"}});
   close();
-  RunRecord record{end_.outcome(), UsedDevices::of(*media_), {}, 0, {}, 1 + events_.retries()};
+  RunRecord record{
+      end_.outcome(), UsedDevices::of(*media_), {}, 0, {}, 1 + events_.retries(), {}, {}};
+  record.date = engine::isoDate(rules_.today);
+  record.hints = card_.hints();
   if (const auto film = host_.film()) {
     record.recording = film->counters();
     record.films = film->fileNames();

@@ -4,21 +4,17 @@
 #include <memory>
 #include <string>
 
-#include "app/run/CaptureArguments.h"
-#include "app/run/CaptureInputs.h"
+#include "app/run/CardWatch.h"
 #include "app/run/EventLog.h"
 #include "app/run/FlowEnd.h"
-#include "app/run/FlowScreen.h"
-#include "app/run/Resources.h"
+#include "app/run/FlowWorld.h"
+#include "app/run/Preflight.h"
 #include "app/run/SourceMediaDevices.h"
-#include "capture/Corvana+VideoCapture.h"
 #include "devices/film/FilmWriter.h"
-#include "devices/screen/DirectoryBundle.h"
 #include "devices/screen/FlowReporter.h"
 #include "devices/system/TerminalSystem.h"
 #include "devices/system/TerminationSignals.h"
 #include "engine/recorder/EngineHost.h"
-#include "platform/Environment.h"
 
 namespace corvana::app {
 
@@ -29,10 +25,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   /// What the user would see, line by line; may be empty.
   using Progress = std::function<void(platform::TimePoint now, const devices::FlowEvent& event)>;
 
-  CaptureFlow(const CaptureArguments& arguments, const CaptureInputs& inputs,
-              const Resources& resources, FlowStage& stage,
-              std::shared_ptr<devices::MediaSource> media,
-              std::shared_ptr<engine::FrameAnalyzer> analyzer, Progress progress);
+  CaptureFlow(const CaptureArguments& arguments, PreparedCapture& prepared, Progress progress);
   ~CaptureFlow() override;
 
   /// Runs to the end and closes film and events: every flow ends, with a result or an error.
@@ -59,6 +52,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
 
   const CaptureArguments& arguments_;
   const CaptureInputs& inputs_;
+  const DocumentRules rules_;
   platform::DrivenLoop& loop_;
   FlowScreen& screen_;
   std::shared_ptr<devices::MediaSource> media_;
@@ -68,10 +62,9 @@ class CaptureFlow final : private corvana::DecisionObserver {
   devices::TerminationSignals signals_;
 
   EventLog events_;
+  CardWatch card_;
   devices::FlowReporter reporter_;
   devices::HeadlessPerson person_;
-  devices::ScreenHub hub_;
-  platform::NotificationCenter notificationCenter_;
   devices::StreamConsole console_;
   devices::NoSettingsApplication application_;
   SourceMediaDevices sourceDevices_;
@@ -79,11 +72,9 @@ class CaptureFlow final : private corvana::DecisionObserver {
   platform::MediaDevices& mediaDevices_;
   LocalSpeechAuthorization speechAuthorization_;
   devices::ReportingSystemSounds sounds_;
-  devices::DirectoryBundle bundle_;
+  FlowWorld world_;
   devices::FilmWriterFactory films_;
   engine::EngineHost host_;
-  platform::Environment environment_;
-  std::unique_ptr<platform::UIWindow> window_;
 };
 
 }  // namespace corvana::app

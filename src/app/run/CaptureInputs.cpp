@@ -37,11 +37,11 @@ Expected<std::string> checkText(const CaptureArguments& arguments) {
   while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
     text.pop_back();
   if (text.size() > kMostTextBytes) {
-    return tl::unexpected(std::string("The text is longer than 8000 bytes; give a shorter one."));
+    return platform::failure("The text is longer than 8000 bytes; give a shorter one.");
   }
-  if (!isUtf8(text)) return tl::unexpected(std::string("The text is not valid UTF-8; save it so."));
+  if (!isUtf8(text)) return platform::failure("The text is not valid UTF-8; save it so.");
   if (!hasLetter(text)) {
-    return tl::unexpected(std::string("The text holds no word to read aloud; give a sentence."));
+    return platform::failure("The text holds no word to read aloud; give a sentence.");
   }
   return text;
 }
@@ -64,7 +64,7 @@ Expected<fs::path> chooseFolder(const std::optional<fs::path>& wanted) {
     const fs::path folder = "videoid-run-" + std::to_string(number);
     if (!fs::exists(folder)) return folder;
   }
-  return tl::unexpected(std::string("This folder is full of runs; name one with --output."));
+  return platform::failure("This folder is full of runs; name one with --output.");
 }
 
 }  // namespace

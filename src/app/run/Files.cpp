@@ -24,10 +24,6 @@ std::string quoted(const fs::path& path) {
   return "\"" + path.string() + "\"";
 }
 
-tl::unexpected<std::string> fault(std::string sentence) {
-  return tl::unexpected<std::string>(std::move(sentence));
-}
-
 std::string hexadecimal(const unsigned char* bytes, unsigned int count) {
   constexpr const char* kDigits = "0123456789abcdef";
   std::string text;
@@ -41,24 +37,24 @@ std::string hexadecimal(const unsigned char* bytes, unsigned int count) {
 Expected<void> sync(const fs::path& path) {
   const std::error_code error = devices::syncToDisk(path);
   if (!error) return {};
-  return fault(quoted(path) + " could not be put on the disk: " + error.message() +
-               "; check its folder and disk.");
+  return platform::failure(quoted(path) + " could not be put on the disk: " + error.message() +
+                           "; check its folder and disk.");
 }
 
 }  // namespace
 
 Expected<std::string> readFile(const fs::path& path, std::uint64_t maxBytes) {
   std::error_code error;
-  if (!fs::exists(path, error)) return fault("There is no file " + quoted(path) + ".");
-  if (!fs::is_regular_file(path, error)) return fault(quoted(path) + " is not a file.");
+  if (!fs::exists(path, error)) return platform::failure("There is no file " + quoted(path) + ".");
+  if (!fs::is_regular_file(path, error)) return platform::failure(quoted(path) + " is not a file.");
   if (fs::file_size(path, error) > maxBytes) {
-    return fault("The file " + quoted(path) + " is larger than " + std::to_string(maxBytes) +
-                 " bytes; give a smaller one.");
+    return platform::failure("The file " + quoted(path) + " is larger than " +
+                             std::to_string(maxBytes) + " bytes; give a smaller one.");
   }
   std::ifstream file(path, std::ios::binary);
   std::ostringstream content;
   content << file.rdbuf();
-  if (!file) return fault("The file " + quoted(path) + " could not be read.");
+  if (!file) return platform::failure("The file " + quoted(path) + " could not be read.");
   return content.str();
 }
 
@@ -72,12 +68,14 @@ Expected<void> writeFile(const fs::path& path, const std::string& content) {
     file.flush();
     if (!file) {
       fs::remove(draft, error);
-      return fault("The file " + quoted(path) + " could not be written; check the disk space.");
+      return platform::failure("The file " + quoted(path) +
+                               " could not be written; check the disk space.");
     }
   }
   fs::rename(draft, path, error);
   if (error)
-    return fault("The file " + quoted(path) + " could not be written: " + error.message() + ".");
+    return platform::failure("The file " + quoted(path) +
+                             " could not be written: " + error.message() + ".");
   return {};
 }
 
@@ -89,19 +87,20 @@ Expected<nlohmann::json> parseJson(const std::string& text, const std::string& n
   };
   try {
     auto value = nlohmann::json::parse(text, callback);
-    if (tooDeep) return fault("\"" + name + "\" is nested deeper than any file of this program.");
+    if (tooDeep)
+      return platform::failure("\"" + name + "\" is nested deeper than any file of this program.");
     return value;
   } catch (const nlohmann::json::parse_error& error) {
-    return fault("\"" + name + "\" is not valid JSON: the fault is at byte " +
-                 std::to_string(error.byte) + ".");
+    return platform::failure("\"" + name + "\" is not valid JSON: the fault is at byte " +
+                             std::to_string(error.byte) + ".");
   } catch (const nlohmann::json::exception&) {
-    return fault("\"" + name + "\" holds a number that is too large.");
+    return platform::failure("\"" + name + "\" holds a number that is too large.");
   }
 }
 
 Expected<std::string> sha256(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
-  if (!file) return fault("There is no file " + quoted(path) + ".");
+  if (!file) return platform::failure("There is no file " + quoted(path) + ".");
   const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(),
                                                                         EVP_MD_CTX_free);
   EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr);
@@ -110,7 +109,7 @@ Expected<std::string> sha256(const fs::path& path) {
     file.read(buffer.data(), buffer.size());
     EVP_DigestUpdate(context.get(), buffer.data(), static_cast<std::size_t>(file.gcount()));
   }
-  if (file.bad()) return fault("The file " + quoted(path) + " could not be read.");
+  if (file.bad()) return platform::failure("The file " + quoted(path) + " could not be read.");
   std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
   unsigned int length = 0;
   EVP_DigestFinal_ex(context.get(), digest.data(), &length);
@@ -121,14 +120,14 @@ Expected<void> checkEmptyFolder(const fs::path& path) {
   std::error_code error;
   if (!fs::exists(path, error)) return {};
   if (!fs::is_directory(path, error)) {
-    return fault(quoted(path) + " is a file; name a folder for the output.");
+    return platform::failure(quoted(path) + " is a file; name a folder for the output.");
   }
   if (!fs::is_empty(path, error) || error) {
-    return fault("The folder " + quoted(path) +
-                 " is not empty; name a new one, so that nothing is overwritten.");
+    return platform::failure("The folder " + quoted(path) +
+                             " is not empty; name a new one, so that nothing is overwritten.");
   }
   if (access(path.c_str(), W_OK | X_OK) != 0) {
-    return fault("The folder " + quoted(path) + " is not writable; name another one.");
+    return platform::failure("The folder " + quoted(path) + " is not writable; name another one.");
   }
   return {};
 }
@@ -138,8 +137,8 @@ Expected<void> makeEmptyFolder(const fs::path& path) {
   std::error_code error;
   fs::create_directories(path, error);
   if (error) {
-    return fault("The folder " + quoted(path) + " can't be made: " + error.message() +
-                 "; name another one.");
+    return platform::failure("The folder " + quoted(path) + " can't be made: " + error.message() +
+                             "; name another one.");
   }
   fs::permissions(path, kOwnerFolder, error);
   return checkEmptyFolder(path);

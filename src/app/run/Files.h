@@ -5,13 +5,11 @@
 #include <string>
 
 #include <nlohmann/json.hpp>
-#include <tl/expected.hpp>
 
-/// Files and folders with errors of one sentence: what, where, what to do.
+#include "platform/foundation/Fault.h"
 namespace corvana::app {
 
-template <class T>
-using Expected = tl::expected<T, std::string>;
+using platform::Expected;
 
 /// Refuses folders, missing files and files of more than `maxBytes`.
 Expected<std::string> readFile(const std::filesystem::path& path, std::uint64_t maxBytes);

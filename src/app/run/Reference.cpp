@@ -1,6 +1,9 @@
 #include "app/run/Reference.h"
 
+#include <array>
+
 #include "devices/pictures/ImageFile.h"
+#include "engine/document/fields/DocumentFields.h"
 
 namespace corvana::app {
 namespace {
@@ -48,6 +51,26 @@ constexpr FlagField kFlagFields[] = {
     {"shouldHaveBarcode", &DetectedData::shouldHaveBarcode},
 };
 
+json fieldToJson(const corvana::DocumentField& field) {
+  json object = {{"name", engine::nameOf(field.name)},
+                 {"value", field.value},
+                 {"source", engine::nameOf(field.source)},
+                 {"confidence", field.confidence}};
+  if (field.isTruncated) object["truncated"] = true;
+  if (field.place) {
+    const platform::CGRect& box = *field.place;
+    object["place"] = {box.x, box.y, box.width, box.height};
+  }
+  return object;
+}
+
+json fieldsToJson(const std::vector<corvana::DocumentField>& fields) {
+  json list = json::array();
+  for (const auto& field : fields)
+    list.push_back(fieldToJson(field));
+  return list;
+}
+
 json mrzToJson(const MRZResult& mrz) {
   json object = {{"lines", mrz.lines}};
   for (const MrzField& field : kMrzFields)
@@ -63,6 +86,7 @@ Expected<json> sideToJson(const DetectedData& data, const std::string& name,
   if (data.ocrStrings) object["ocrStrings"] = *data.ocrStrings;
   if (data.mrz) object["mrz"] = mrzToJson(*data.mrz);
   if (data.barcode) object["barcode"] = *data.barcode;
+  if (data.fields) object["fields"] = fieldsToJson(*data.fields);
   for (const FlagField& field : kFlagFields)
     object[field.key] = data.*field.field;
   const std::pair<const char*, platform::UIImageRef> images[] = {{"faceImage", data.faceImage},
@@ -103,6 +127,31 @@ MRZResult mrzFromJson(const json& object) {
   return mrz;
 }
 
+corvana::DocumentField fieldFromJson(const json& object) {
+  const auto name = engine::fieldNamed(get<std::string>(object, "name"));
+  const auto source = engine::fieldSourceNamed(get<std::string>(object, "source"));
+  if (!name) throw WrongShape{"name"};
+  if (!source) throw WrongShape{"source"};
+  corvana::DocumentField field{*name,
+                               get<std::string>(object, "value"),
+                               *source,
+                               get<float>(object, "confidence"),
+                               getOptional<bool>(object, "truncated").value_or(false),
+                               std::nullopt};
+  if (const auto box = getOptional<std::array<double, 4>>(object, "place")) {
+    field.place = platform::CGRect{(*box)[0], (*box)[1], (*box)[2], (*box)[3]};
+  }
+  return field;
+}
+
+std::optional<std::vector<corvana::DocumentField>> fieldsFromJson(const json& side) {
+  if (!side.contains("fields")) return std::nullopt;
+  std::vector<corvana::DocumentField> fields;
+  for (const json& field : get<std::vector<json>>(side, "fields"))
+    fields.push_back(fieldFromJson(field));
+  return fields;
+}
+
 Expected<platform::UIImageRef> imageFromJson(const json& object, const char* key,
                                              const fs::path& folder) {
   const auto name = getOptional<std::string>(object, key);
@@ -110,8 +159,8 @@ Expected<platform::UIImageRef> imageFromJson(const json& object, const char* key
   if (fs::path(*name).filename() != *name || name->empty() || *name == "..") throw WrongShape{key};
   auto pixels = devices::readImage(folder / *name);
   if (!pixels) {
-    return tl::unexpected("The reference lacks a picture: " + pixels.error() +
-                          " Enroll the card again.");
+    return platform::failure("The reference lacks a picture: " + pixels.error().sentence +
+                             " Enroll the card again.");
   }
   return std::make_shared<platform::UIImage>(*pixels);
 }
@@ -126,6 +175,7 @@ Expected<DetectedData> sideFromJson(const json& object, const fs::path& folder) 
   data.ocrStrings = getOptional<std::vector<std::string>>(object, "ocrStrings");
   if (object.contains("mrz")) data.mrz = mrzFromJson(object["mrz"]);
   data.barcode = getOptional<std::map<std::string, std::string>>(object, "barcode");
+  data.fields = fieldsFromJson(object);
   for (const FlagField& field : kFlagFields)
     data.*field.field = get<bool>(object, field.key);
   const std::pair<const char*, platform::UIImageRef DetectedData::*> images[] = {
@@ -157,7 +207,7 @@ Expected<Reference> loadReference(const fs::path& folder) {
   const fs::path path = folder / kReferenceFileName;
   const auto text = readFile(path, kMostReferenceBytes);
   if (!text) {
-    return tl::unexpected(text.error() + " A reference is made with `videoid enroll`.");
+    return platform::failure(text.error().sentence + " A reference is made with `videoid enroll`.");
   }
   const auto object = parseJson(*text, path.string());
   if (!object) return tl::unexpected(object.error());
@@ -173,9 +223,9 @@ Expected<Reference> loadReference(const fs::path& folder) {
     reference.back = std::move(*back);
     return reference;
   } catch (const WrongShape& fault) {
-    return tl::unexpected("The reference \"" + path.string() +
-                          "\" has another shape than this program's: look at \"" + fault.key +
-                          "\", or enroll the card again.");
+    return platform::failure("The reference \"" + path.string() +
+                             "\" has another shape than this program's: look at \"" + fault.key +
+                             "\", or enroll the card again.");
   }
 }
 

@@ -71,6 +71,8 @@ ordered_json recordToJson(const RunRecord& record) {
   object.update(outcomeToJson(record));
   object.update(devicesToJson(record.devices));
   object["recording"] = recordingToJson(record);
+  object["date"] = record.date;
+  object["hints"] = hintsToJson(record.hints);
   object["options"] = currentOptions();
   object["program"] = {{"name", "videoid"}, {"version", CORVANA_VERSION}};
   return object;
@@ -130,18 +132,19 @@ Expected<std::vector<std::string>> verifyRun(const fs::path& folder) {
   if (!object) return tl::unexpected(object.error());
   const auto hashes = object->find("sha256");
   if (hashes == object->end() || !hashes->is_object() || hashes->empty()) {
-    return tl::unexpected("\"" + path.string() + "\" names no hashes; it is not a run's result.");
+    return platform::failure("\"" + path.string() +
+                             "\" names no hashes; it is not a run's result.");
   }
   std::vector<std::string> names;
   for (const auto& [name, expected] : hashes->items()) {
     if (fs::path(name).filename() != name) {
-      return tl::unexpected("\"" + path.string() + "\" names a file outside its folder.");
+      return platform::failure("\"" + path.string() + "\" names a file outside its folder.");
     }
     const auto actual = sha256(folder / name);
     if (!actual) return tl::unexpected(actual.error());
     if (!expected.is_string() || expected.get<std::string>() != *actual) {
-      return tl::unexpected("\"" + name + "\" is not the file that the run left: its SHA-256 is " +
-                            *actual + ".");
+      return platform::failure(
+          "\"" + name + "\" is not the file that the run left: its SHA-256 is " + *actual + ".");
     }
     names.push_back(name);
   }

@@ -224,17 +224,18 @@ Expected<void> applyAppearance(const fs::path& file, WindowLooks& looks) {
   if (!object) return tl::unexpected(object.error());
   const std::string name = "\"" + file.string() + "\"";
   if (!object->is_object()) {
-    return tl::unexpected(name + " must hold a JSON object of keys and values.");
+    return platform::failure(name + " must hold a JSON object of keys and values.");
   }
   const std::vector<Row> rows = rowsFor(looks);
   for (const auto& [key, value] : object->items()) {
     const auto row = std::ranges::find(rows, key, &Row::key);
     if (row == rows.end()) {
-      return tl::unexpected(name + " has an unknown key \"" + key +
-                            "\"; docs/screen.md lists those that there are.");
+      return platform::failure(name + " has an unknown key \"" + key +
+                               "\"; docs/screen.md lists those that there are.");
     }
     if (!row->set(value, file.parent_path())) {
-      return tl::unexpected("In " + name + " the key \"" + key + "\" must be " + row->wanted + ".");
+      return platform::failure("In " + name + " the key \"" + key + "\" must be " + row->wanted +
+                               ".");
     }
   }
   return {};
@@ -250,8 +251,8 @@ Expected<void> applyLooks(const LooksWishes& wishes, const Resources& resources,
     std::error_code error;
     const bool isName = wishes.language.find('/') == std::string::npos;
     if (!isName || !fs::is_regular_file(files.back(), error)) {
-      return tl::unexpected("There is no language \"" + wishes.language +
-                            "\"; choose ar, de, en, es or fr, or give texts with --theme.");
+      return platform::failure("There is no language \"" + wishes.language +
+                               "\"; choose ar, de, en, es or fr, or give texts with --theme.");
     }
   }
   if (wishes.theme) files.push_back(*wishes.theme);

@@ -10,6 +10,7 @@
 #include "corvana/IDCapture.h"
 #include "corvana/SelfieCapture.h"
 #include "corvana/VideoCapture.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::app {
 namespace {
@@ -130,9 +131,9 @@ std::vector<OptionInfo> listOptions() {
   return options;
 }
 
-tl::expected<void, std::string> applyOptions(const json& object) {
+platform::Expected<void> applyOptions(const json& object) {
   if (!object.is_object()) {
-    return tl::unexpected(std::string("The options must be a JSON object of keys and values."));
+    return platform::failure("The options must be a JSON object of keys and values.");
   }
   const json before = currentOptions();
   for (const auto& [key, value] : object.items()) {
@@ -147,7 +148,7 @@ tl::expected<void, std::string> applyOptions(const json& object) {
     if (problem.empty()) continue;
     for (const auto& [name, old] : before.items())
       find(name)->set(old);
-    return tl::unexpected(problem);
+    return platform::failure(problem);
   }
   return {};
 }

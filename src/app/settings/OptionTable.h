@@ -4,8 +4,8 @@
 #include <vector>
 
 #include <nlohmann/json.hpp>
-#include <tl/expected.hpp>
 
+#include "platform/foundation/Fault.h"
 namespace corvana::app {
 
 /// Every tunable of the host's tables, by key: one row each for reading, writing and describing it.
@@ -23,7 +23,7 @@ std::vector<OptionInfo> listOptions();
 
 /// Sets the options of a JSON object {key: value}. Nothing is set when one key is unknown or one
 /// value absurd; the error is one sentence naming it.
-tl::expected<void, std::string> applyOptions(const nlohmann::json& object);
+platform::Expected<void> applyOptions(const nlohmann::json& object);
 
 /// {key: value} of all options, for the record of a run.
 nlohmann::json currentOptions();

@@ -10,6 +10,7 @@
 #include "app/simulate/SimulateScript.h"
 #include "app/simulate/Simulation.h"
 #include "corvana/VideoCapture.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::app {
 namespace {
@@ -79,8 +80,8 @@ struct Gallery {
       if (screen.savePicture(file)) {
         out << file.string() << '\n';
       } else {
-        saved = tl::unexpected("The picture \"" + file.string() +
-                               "\" can't be written; name another folder.");
+        saved = platform::failure("The picture \"" + file.string() +
+                                  "\" can't be written; name another folder.");
       }
     };
     if (auto played = simulation.run(); !played) return tl::unexpected(played.error());
@@ -102,7 +103,7 @@ ExitCode runScreens(const ScreensOptions& options, std::ostream& out, std::ostre
     for (const platform::CGSize& size : options.sizes) {
       for (const fs::path& flow : flowsIn(options.resources)) {
         const auto played = Gallery{options, theme, size, out}.play(flow);
-        if (!played) return complain(err, ExitCode::wrongUse, played.error());
+        if (!played) return complain(err, ExitCode::wrongUse, played.error().sentence);
       }
     }
   }

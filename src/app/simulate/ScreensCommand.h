@@ -8,7 +8,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "app/commands/ExitCode.h"
+#include "app/run/ExitCode.h"
 #include "app/run/Resources.h"
 #include "platform/geometry/Geometry.h"
 

@@ -24,15 +24,15 @@ void apply(const ScriptAppearance& appearance) {
 
 ExitCode runSimulate(const SimulateOptions& options, std::ostream& out, std::ostream& err) {
   const auto script = loadSimulateScript(options.script);
-  if (!script) return complain(err, ExitCode::wrongUse, script.error());
+  if (!script) return complain(err, ExitCode::wrongUse, script.error().sentence);
   if (const auto applied = applyOptions(script->options); !applied) {
-    return complain(err, ExitCode::wrongUse, applied.error());
+    return complain(err, ExitCode::wrongUse, applied.error().sentence);
   }
   apply<corvana::SelfieCapture>(script->selfieAppearance);
   apply<corvana::IDCapture>(script->cardAppearance);
   Simulation simulation(*script, options.resources, out);
   const auto end = simulation.run();
-  if (!end) return complain(err, ExitCode::wrongUse, end.error());
+  if (!end) return complain(err, ExitCode::wrongUse, end.error().sentence);
   if (!*end) {
     return complain(err, ExitCode::wrongUse,
                     "The script ended before the flow did; add steps, or a tap on \"close\".");

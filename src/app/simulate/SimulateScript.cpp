@@ -128,7 +128,7 @@ class Loader {
       return devices::patternFace(number[0] - '0');
     }
     auto pixels = devices::readImage(folder_ / *name);
-    if (!pixels) object.complain("face", pixels.error());
+    if (!pixels) object.complain("face", pixels.error().sentence);
     return std::make_shared<platform::UIImage>(*pixels);
   }
 
@@ -338,7 +338,7 @@ class Loader {
 
 }  // namespace
 
-tl::expected<SimulateScript, std::string> loadSimulateScript(const fs::path& path) {
+platform::Expected<SimulateScript> loadSimulateScript(const fs::path& path) {
   const auto content = readFile(path, kLargestScript);
   if (!content) return tl::unexpected(content.error());
   const auto json = parseJson(*content, path.string());
@@ -346,8 +346,8 @@ tl::expected<SimulateScript, std::string> loadSimulateScript(const fs::path& pat
   try {
     return Loader(path.parent_path()).load(*json);
   } catch (const ScriptFault& fault) {
-    return tl::unexpected("\"" + path.string() +
-                          "\" is no script of a simulation: " + fault.sentence + ".");
+    return platform::failure("\"" + path.string() +
+                             "\" is no script of a simulation: " + fault.sentence + ".");
   }
 }
 

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include <nlohmann/json.hpp>
-#include <tl/expected.hpp>
 
 #include "corvana/IDCapture.h"
 #include "corvana/SelfieCapture.h"
+#include "platform/foundation/Fault.h"
 #include "platform/foundation/NotificationCenter.h"
 #include "platform/foundation/Time.h"
 #include "platform/media/CaptureDevice.h"
@@ -86,6 +86,6 @@ struct SimulateScript {
 
 /// Reads a script; pictures of faces are looked up beside it. The error is one sentence naming the
 /// key or the byte.
-tl::expected<SimulateScript, std::string> loadSimulateScript(const std::filesystem::path& path);
+platform::Expected<SimulateScript> loadSimulateScript(const std::filesystem::path& path);
 
 }  // namespace corvana::app

@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "capture/ControllerFactories.h"
-#include "capture/Corvana+VideoCapture.h"
 #include "devices/screen/ViewSearch.h"
+#include "platform/foundation/Fault.h"
 #include "platform/uikit/Controls.h"
 
 namespace corvana::app {
@@ -45,25 +45,14 @@ Simulation::Simulation(SimulateScript script, const std::filesystem::path& resou
       sounds_([this](platform::SystemSoundID sound) { print("sound " + std::to_string(sound)); }),
       watch_(
           loop_, [this](const std::string& line) { print(line); }, gauges()),
-      bundle_(resources, screen_->makeStoryboards(capture::controllerFactories(host_, this))),
-      environment_{.runLoop = loop_,
-                   .bundle = bundle_,
-                   .notificationCenter = notificationCenter_,
-                   .console = console_,
-                   .application = application_,
-                   .mediaDevices = mediaDevices_,
-                   .speechAuthorization = speechAuthorization_,
-                   .systemSounds = sounds_,
-                   .mainScreen = {{0, 0, screen_->size().width, screen_->size().height}},
-                   .animations = screen_->animations() ? screen_->animations() : &watch_,
-                   .presentations = &hub_} {
-  screen_->join(hub_);
-  hub_.add(watch_);
+      world_(loop_, *screen_, resources, capture::controllerFactories(host_, this),
+             {console_, application_, mediaDevices_, speechAuthorization_, sounds_, &watch_}) {
+  world_.hub().add(watch_);
   console_.onPrint = [this](std::string_view line) { print("console " + std::string(line)); };
 }
 
 Simulation::~Simulation() {
-  window_.reset();
+  world_.close();
   // What waits on the loop may own controllers, which need this world to the end.
   loop_.shutDown();
 }
@@ -126,13 +115,9 @@ void Simulation::printContractBreaches() {
 }
 
 void Simulation::start() {
-  auto root = std::make_shared<platform::UIViewController>(environment_);
-  window_ = std::make_unique<platform::UIWindow>(root);
-  capture::videoIDCapture(*root, script_.front, script_.back, script_.text,
-                          [this](const Outcome& outcome) { finish(outcome); });
-  if (!root->presentedViewController()) {
-    fault_ = "The capture screen could not be built from the program's resources.";
-  }
+  const auto started = world_.start({script_.front, script_.back, script_.text},
+                                    [this](const Outcome& outcome) { finish(outcome); });
+  if (!started) fault_ = started.error();
 }
 
 void Simulation::finish(const Outcome& outcome) {
@@ -151,12 +136,14 @@ struct Simulation::Actor {
 
   devices::ScriptedRecorder* recorder() const {
     const auto& made = world.host_.recorder();
-    if (!made) world.fault_ = step.where + " comes while there is no recorder yet.";
+    if (!made)
+      world.fault_ = platform::Fault{step.where + " comes while there is no recorder yet."};
     return made.get();
   }
   devices::ScriptedSpeechRecognizer* speech() const {
     auto* made = recorder();
-    if (made && !made->speechRecognizer()) world.fault_ = step.where + " has nobody to hear it.";
+    if (made && !made->speechRecognizer())
+      world.fault_ = platform::Fault{step.where + " has nobody to hear it."};
     return made ? made->speechRecognizer() : nullptr;
   }
 
@@ -187,7 +174,7 @@ struct Simulation::Actor {
     if (r && !film.error) r->setup.film = corvana::FileURL("film.mp4");
   }
   void operator()(const steps::Notice& notice) const {
-    world.notificationCenter_.post(notice.notification);
+    world.world_.notificationCenter().post(notice.notification);
   }
   void operator()(const steps::Picture& picture) const {
     if (world.onPicture) world.onPicture(*world.screen_, picture.name);
@@ -195,7 +182,7 @@ struct Simulation::Actor {
 };
 
 void Simulation::tap(const std::string& name) {
-  platform::UIViewController& top = window_->topmost();
+  platform::UIViewController& top = world_.topmost();
   bool answered = false;
   if (auto* alert = dynamic_cast<platform::UIAlertController*>(&top)) {
     answered = name == "alert" && alert->choose(0);
@@ -216,7 +203,7 @@ void Simulation::schedule(const SimulateStep& step) {
   loop_.mainQueue().asyncAfter(step.at, [this, &step] { perform(step); });
 }
 
-tl::expected<std::optional<Outcome>, std::string> Simulation::run() {
+platform::Expected<std::optional<Outcome>> Simulation::run() {
   watchHost();
   for (const SimulateStep& step : script_.steps)
     schedule(step);

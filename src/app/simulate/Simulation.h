@@ -8,18 +8,17 @@
 
 #include "app/run/FlowEnd.h"
 #include "app/run/FlowScreen.h"
+#include "app/run/FlowWorld.h"
 #include "app/simulate/SimulateScript.h"
 #include "app/simulate/SimulateWatch.h"
 #include "corvana/Decision.h"
-#include "devices/screen/DirectoryBundle.h"
-#include "devices/screen/ScreenHub.h"
 #include "devices/scripted/HostContractValidator.h"
 #include "devices/scripted/ScriptedHost.h"
 #include "devices/scripted/ScriptedMedia.h"
 #include "devices/scripted/ScriptedSystem.h"
 #include "devices/system/TerminalSystem.h"
+#include "platform/foundation/Fault.h"
 #include "platform/foundation/VirtualRunLoop.h"
-#include "platform/uikit/UIViewController.h"
 
 namespace corvana::app {
 
@@ -35,7 +34,7 @@ class Simulation final : public corvana::DecisionObserver {
 
   /// Absent when the script ended before the flow did; an error is a fault of the script, in one
   /// sentence.
-  tl::expected<std::optional<Outcome>, std::string> run();
+  platform::Expected<std::optional<Outcome>> run();
 
   /// Told at each step that takes a picture; may be null.
   std::function<void(FlowScreen& screen, const std::string& name)> onPicture;
@@ -60,13 +59,11 @@ class Simulation final : public corvana::DecisionObserver {
   SimulateScript script_;
   std::ostream& out_;
   FlowEnd end_;
-  std::optional<std::string> fault_;
+  std::optional<platform::Fault> fault_;
   bool isOver_ = false;  ///< what is taken down from now on nobody sees
 
   platform::VirtualRunLoop loop_;
   std::unique_ptr<FlowScreen> screen_;
-  platform::NotificationCenter notificationCenter_;
-  devices::ScreenHub hub_;
   devices::CapturingConsole console_;
   devices::NoSettingsApplication application_;
   devices::ScriptedMediaDevices mediaDevices_{loop_};
@@ -74,9 +71,7 @@ class Simulation final : public corvana::DecisionObserver {
   devices::ReportingSystemSounds sounds_;
   devices::ScriptedHost host_{loop_, mediaDevices_};
   SimulateWatch watch_;
-  devices::DirectoryBundle bundle_;
-  platform::Environment environment_;
-  std::unique_ptr<platform::UIWindow> window_;
+  FlowWorld world_;
   std::optional<devices::HostContractValidator> validator_;
   std::size_t breachesPrinted_ = 0;
 };

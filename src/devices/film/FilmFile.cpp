@@ -33,14 +33,14 @@ FilmFile::~FilmFile() {
   ::close(descriptor_);
 }
 
-tl::expected<std::shared_ptr<FilmFile>, Fault> FilmFile::create(
+platform::Expected<std::shared_ptr<FilmFile>> FilmFile::create(
     const std::filesystem::path& path, std::shared_ptr<platform::DispatchQueue> queue) {
   const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
   if (descriptor < 0 && errno == EEXIST) {
-    return tl::unexpected(Fault{"The film " + path.string() +
-                                    " can't be created where a file of that name is already: "
-                                    "choose another folder.",
-                                FaultCause::folderLost});
+    return platform::failure("The film " + path.string() +
+                                 " can't be created where a file of that name is already: "
+                                 "choose another folder.",
+                             FaultCause::folderLost);
   }
   if (descriptor < 0) return tl::unexpected(faultOf(path, "created", errno));
   std::shared_ptr<FilmFile> file(new FilmFile(path, descriptor, std::move(queue)));
@@ -56,7 +56,7 @@ void FilmFile::syncSoon() {
   });
 }
 
-tl::expected<void, Fault> FilmFile::sync() {
+platform::Expected<void> FilmFile::sync() {
   auto fault = putOnDisk();
   const std::lock_guard lock(mutex_);
   if (!fault_) fault_ = std::move(fault);
@@ -78,7 +78,7 @@ std::optional<Fault> FilmFile::fault() const {
   return fault_;
 }
 
-tl::expected<void, Fault> syncFolderOf(const std::filesystem::path& path) {
+platform::Expected<void> syncFolderOf(const std::filesystem::path& path) {
   const auto folder = path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
   const std::error_code error = syncToDisk(folder);
   if (!error) return {};

@@ -6,8 +6,6 @@
 #include <mutex>
 #include <optional>
 
-#include <tl/expected.hpp>
-
 #include "platform/foundation/Fault.h"
 #include "platform/foundation/RunLoop.h"
 
@@ -19,7 +17,7 @@ class FilmFile final : public std::enable_shared_from_this<FilmFile> {
  public:
   /// Makes the file, which must not exist, and blocks until its folder's entry is on the disk.
   /// `queue` runs the blocks of `syncSoon`; it may be null when that is never called.
-  static tl::expected<std::shared_ptr<FilmFile>, platform::Fault> create(
+  static platform::Expected<std::shared_ptr<FilmFile>> create(
       const std::filesystem::path& path, std::shared_ptr<platform::DispatchQueue> queue = nullptr);
   ~FilmFile();
   FilmFile(const FilmFile&) = delete;
@@ -33,7 +31,7 @@ class FilmFile final : public std::enable_shared_from_this<FilmFile> {
   /// slower than the calls is asked again only when it has answered.
   void syncSoon();
   /// Blocks until everything written is on the disk.
-  tl::expected<void, platform::Fault> sync();
+  platform::Expected<void> sync();
   /// Why a sync failed: the disk refused, or the file was removed.
   std::optional<platform::Fault> fault() const;
 
@@ -52,6 +50,6 @@ class FilmFile final : public std::enable_shared_from_this<FilmFile> {
 
 /// Puts the names in the folder of `path` on the disk: a renamed or new file is not found again
 /// after a power loss otherwise.
-tl::expected<void, platform::Fault> syncFolderOf(const std::filesystem::path& path);
+platform::Expected<void> syncFolderOf(const std::filesystem::path& path);
 
 }  // namespace corvana::devices

@@ -150,14 +150,14 @@ void FilmPipeline::configureSources() {
   gst_app_src_set_caps(GST_APP_SRC(audio_), audioCaps.get());
 }
 
-tl::expected<std::unique_ptr<FilmPipeline>, Fault> FilmPipeline::start(
+platform::Expected<std::unique_ptr<FilmPipeline>> FilmPipeline::start(
     const FilmFormat& format, std::shared_ptr<FilmFile> file) {
   std::unique_ptr<FilmPipeline> film(new FilmPipeline(format, std::move(file)));
   if (!film->pipeline_) {
-    return tl::unexpected(Fault{"The film " + film->file_->path().string() +
-                                    " can't be encoded: elements of GStreamer are missing; install "
-                                    "gstreamer1.0-plugins-good, -ugly and gstreamer1.0-libav.",
-                                FaultCause::filmFailed});
+    return platform::failure("The film " + film->file_->path().string() +
+                                 " can't be encoded: elements of GStreamer are missing; install "
+                                 "gstreamer1.0-plugins-good, -ugly and gstreamer1.0-libav.",
+                             FaultCause::filmFailed);
   }
   film->configureSources();
   setVideoTimescale(child(film->pipeline_, "mux"));
@@ -227,7 +227,7 @@ void FilmPipeline::pushAudio(const std::vector<std::int16_t>& samples, std::int6
   gst_app_src_push_buffer(GST_APP_SRC(audio_), buffer);
 }
 
-tl::expected<void, Fault> FilmPipeline::finish() {
+platform::Expected<void> FilmPipeline::finish() {
   gst_app_src_end_of_stream(GST_APP_SRC(video_));
   if (audio_) gst_app_src_end_of_stream(GST_APP_SRC(audio_));
   {

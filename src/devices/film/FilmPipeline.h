@@ -6,8 +6,6 @@
 #include <string>
 #include <vector>
 
-#include <tl/expected.hpp>
-
 #include "devices/film/FilmFile.h"
 #include "devices/film/FilmSettings.h"
 #include "devices/gstreamer/GstSupport.h"
@@ -21,8 +19,8 @@ namespace corvana::devices {
 /// film, so that any beginning of it plays. One thread at a time.
 class FilmPipeline {
  public:
-  static tl::expected<std::unique_ptr<FilmPipeline>, platform::Fault> start(
-      const FilmFormat& format, std::shared_ptr<FilmFile> file);
+  static platform::Expected<std::unique_ptr<FilmPipeline>> start(const FilmFormat& format,
+                                                                 std::shared_ptr<FilmFile> file);
   ~FilmPipeline();
 
   /// How many frames the encoder has not taken yet.
@@ -35,7 +33,7 @@ class FilmPipeline {
   /// Encodes sound from `position` on, which counts sample frames from the film's beginning.
   void pushAudio(const std::vector<std::int16_t>& samples, std::int64_t position);
   /// Ends both tracks and writes the last fragment; blocks.
-  tl::expected<void, platform::Fault> finish();
+  platform::Expected<void> finish();
   /// The first error; absent when there was none.
   std::optional<platform::Fault> error() const;
 

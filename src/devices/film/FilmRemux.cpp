@@ -11,7 +11,7 @@
 namespace corvana::devices {
 
 using platform::FaultCause;
-using Result = tl::expected<void, platform::Fault>;
+using Result = platform::Expected<void>;
 
 namespace {
 

@@ -2,8 +2,6 @@
 
 #include <filesystem>
 
-#include <tl/expected.hpp>
-
 #include "devices/film/Mp4Dates.h"
 #include "devices/gstreamer/GstSupport.h"
 #include "platform/foundation/Fault.h"
@@ -21,7 +19,6 @@ inline void setVideoTimescale(GstElement* mux) {
 /// same encoded pictures and sound at the same times. It is made in a file beside it, put on the
 /// disk and then given the film's name, so at every moment one of the two is whole; after a fault
 /// the recorded one is still there. Needs room for two more such films. Blocks.
-tl::expected<void, platform::Fault> remuxFilm(const std::filesystem::path& film,
-                                              const CreationTime& created);
+platform::Expected<void> remuxFilm(const std::filesystem::path& film, const CreationTime& created);
 
 }  // namespace corvana::devices

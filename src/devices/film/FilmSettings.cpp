@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <any>
 
+#include "platform/foundation/Fault.h"
+
 namespace corvana::devices {
 namespace {
 
@@ -163,13 +165,13 @@ WriterSettings audioSettings() {
           {platform::kAVEncoderBitRateKey, kVoiceBitRate}};
 }
 
-tl::expected<FilmFormat, std::string> filmFormat(const std::optional<WriterSettings>& video,
-                                                 const std::optional<WriterSettings>& audio) {
+platform::Expected<FilmFormat> filmFormat(const std::optional<WriterSettings>& video,
+                                          const std::optional<WriterSettings>& audio) {
   FilmFormat format;
   SettingsReader reader;
   readVideo(reader, video.value_or(WriterSettings{}), format);
   if (audio) readAudio(reader, *audio, format);
-  if (reader.fault()) return tl::unexpected(*reader.fault());
+  if (reader.fault()) return platform::failure(*reader.fault());
   return format;
 }
 

@@ -3,9 +3,8 @@
 #include <optional>
 #include <string>
 
-#include <tl/expected.hpp>
-
 #include "devices/gstreamer/MediaElements.h"
+#include "platform/foundation/Fault.h"
 #include "platform/media/WriterSettings.h"
 
 /// Writer settings as devices recommend them and films obey them.
@@ -51,8 +50,7 @@ struct FilmFormat {
 /// Encoders, bit rates, size and sound format of a film; absent video settings mean defaults,
 /// absent audio settings no sound track. The error names what is missing on this machine, of the
 /// wrong type or impossible.
-tl::expected<FilmFormat, std::string> filmFormat(
-    const std::optional<platform::WriterSettings>& video,
-    const std::optional<platform::WriterSettings>& audio);
+platform::Expected<FilmFormat> filmFormat(const std::optional<platform::WriterSettings>& video,
+                                          const std::optional<platform::WriterSettings>& audio);
 
 }  // namespace corvana::devices

@@ -6,6 +6,7 @@
 
 #include "devices/film/FilmPipeline.h"
 #include "devices/film/FilmRemux.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::devices {
 
@@ -220,11 +221,11 @@ FilmWriterFactory::FilmWriterFactory(platform::RunLoop& loop, WallClock wallCloc
       wallClock_(std::move(wallClock)),
       diskQueue_(loop.makeSerialQueue("FilmDisk", platform::QualityOfService::utility)) {}
 
-tl::expected<std::shared_ptr<platform::AssetWriter>, Fault> FilmWriterFactory::make(
+platform::Expected<std::shared_ptr<platform::AssetWriter>> FilmWriterFactory::make(
     const std::filesystem::path& path, const std::optional<platform::WriterSettings>& video,
     const std::optional<platform::WriterSettings>& audio) {
   auto format = filmFormat(video, audio);
-  if (!format) return tl::unexpected(Fault{format.error(), platform::FaultCause::filmFailed});
+  if (!format) return platform::failure(format.error().sentence, platform::FaultCause::filmFailed);
   auto file = FilmFile::create(path, diskQueue_);
   if (!file) return tl::unexpected(file.error());
   return std::make_shared<FilmWriter>(loop_, std::move(*format), std::move(*file), wallClock_);

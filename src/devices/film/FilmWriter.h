@@ -6,13 +6,12 @@
 #include <optional>
 #include <string>
 
-#include <tl/expected.hpp>
-
 #include "devices/film/AudioTimeline.h"
 #include "devices/film/FilmFile.h"
 #include "devices/film/FilmSettings.h"
 #include "devices/film/FilmSoundConverter.h"
 #include "devices/film/Mp4Dates.h"
+#include "platform/foundation/Fault.h"
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/AssetWriter.h"
 
@@ -39,13 +38,13 @@ class FilmWriter final : public platform::AssetWriter {
 
   bool appendVideo(const platform::CMSampleBufferRef& sample) override;
   bool appendAudio(const platform::CMSampleBufferRef& sample) override;
-  tl::expected<void, platform::Fault> finish() override;
+  platform::Expected<void> finish() override;
   std::optional<platform::Fault> fault() const override;
   int framesWaiting() const override;
   platform::AssetWriterCounters counters() const override;
 
  private:
-  using Outcome = tl::expected<void, platform::Fault>;
+  using Outcome = platform::Expected<void>;
 
   std::optional<platform::Fault> currentFault() const;
   bool isOpen();
@@ -87,7 +86,7 @@ class FilmWriterFactory final : public platform::AssetWriterFactory {
   explicit FilmWriterFactory(platform::RunLoop& loop);
   FilmWriterFactory(platform::RunLoop& loop, WallClock wallClock);
 
-  tl::expected<std::shared_ptr<platform::AssetWriter>, platform::Fault> make(
+  platform::Expected<std::shared_ptr<platform::AssetWriter>> make(
       const std::filesystem::path& path, const std::optional<platform::WriterSettings>& video,
       const std::optional<platform::WriterSettings>& audio) override;
 

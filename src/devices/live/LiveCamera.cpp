@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "devices/gstreamer/GstPicture.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::devices {
 namespace {
@@ -55,7 +56,7 @@ LiveCamera::LiveCamera(platform::RunLoop& loop, LiveSource source, CameraTurn tu
   stream_ = std::make_shared<LiveStream>(loop, std::move(setup));
 }
 
-tl::expected<void, std::string> LiveCamera::open(platform::Duration patience) {
+platform::Expected<void> LiveCamera::open(platform::Duration patience) {
   return stream_->open(patience);
 }
 

@@ -8,6 +8,7 @@
 #include "devices/film/FilmingDevice.h"
 #include "devices/live/LiveDevices.h"
 #include "devices/live/LiveStream.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::devices {
 
@@ -20,7 +21,7 @@ class LiveCamera final : public FilmingCamera {
   ~LiveCamera() override { stream_->close(); }
 
   /// Opens the device as `LiveStream::open` does; called before all else, since it takes its time.
-  tl::expected<void, std::string> open(platform::Duration patience);
+  platform::Expected<void> open(platform::Duration patience);
   const LiveStream& stream() const { return *stream_; }
   /// Whether the device changed its size or format on its own.
   bool hasChanged() const { return changed_; }

@@ -4,6 +4,7 @@
 
 #include "devices/live/LiveCamera.h"
 #include "devices/live/LiveMicrophone.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::devices {
 namespace {
@@ -31,8 +32,8 @@ LiveDevices::~LiveDevices() {
   if (timer_) timer_->invalidate();
 }
 
-tl::expected<std::shared_ptr<LiveDevices>, std::string> LiveDevices::open(platform::RunLoop& loop,
-                                                                          Setup setup) {
+platform::Expected<std::shared_ptr<LiveDevices>> LiveDevices::open(platform::RunLoop& loop,
+                                                                   Setup setup) {
   const platform::Duration patience = setup.patience;
   std::shared_ptr<LiveDevices> devices(new LiveDevices(loop, std::move(setup)));
   if (auto opened = devices->openBoth(patience); !opened) return tl::unexpected(opened.error());
@@ -42,7 +43,7 @@ tl::expected<std::shared_ptr<LiveDevices>, std::string> LiveDevices::open(platfo
   return devices;
 }
 
-tl::expected<void, std::string> LiveDevices::openBoth(platform::Duration patience) {
+platform::Expected<void> LiveDevices::openBoth(platform::Duration patience) {
   if (auto opened = camera_->open(patience); !opened || !microphone_) return opened;
   return microphone_->open(patience);
 }
@@ -75,10 +76,11 @@ void LiveDevices::watchCamera() {
   const bool quiet = cameraPulse_.look(camera_->stream()) >= kCameraPatience;
   auto fault = camera_->stream().fault();
   if (!fault && quiet) {
-    fault = named("camera", *camera_) + "delivers no pictures any more: connect it again.";
+    fault = platform::Fault{named("camera", *camera_) +
+                            "delivers no pictures any more: connect it again."};
   }
   if (fault && !std::exchange(cameraLost_, true)) {
-    onError({*fault, platform::FaultCause::cameraLost});
+    onError({fault->sentence, platform::FaultCause::cameraLost});
   }
   warnOnce(cameraChanged_, camera_->hasChanged(),
            named("camera", *camera_) +
@@ -91,9 +93,11 @@ void LiveDevices::watchMicrophone() {
   const LiveStream& stream = microphone_->stream();
   const bool quiet = microphonePulse_.look(stream) >= kMicrophonePatience;
   auto fault = stream.fault();
-  if (!fault && quiet) fault = named("microphone", *microphone_) + "delivers nothing any more.";
+  if (!fault && quiet) {
+    fault = platform::Fault{named("microphone", *microphone_) + "delivers nothing any more."};
+  }
   warnOnce(microphoneLost_, fault.has_value(),
-           fault.value_or("") + " The film goes on without sound.");
+           (fault ? fault->sentence : "") + " The film goes on without sound.");
   warnOnce(
       microphoneSilent_, microphone_->silentFor() >= kLongestSilence,
       named("microphone", *microphone_) + "delivers nothing but silence: see whether it is muted.");

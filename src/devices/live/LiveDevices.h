@@ -5,11 +5,10 @@
 #include <optional>
 #include <string>
 
-#include <tl/expected.hpp>
-
 #include "devices/film/MediaSource.h"
 #include "devices/gstreamer/MediaElements.h"
 #include "devices/live/LiveSource.h"
+#include "platform/foundation/Fault.h"
 #include "platform/foundation/RunLoop.h"
 
 namespace corvana::devices {
@@ -38,8 +37,8 @@ class LiveDevices final : public MediaSource, public std::enable_shared_from_thi
   };
 
   /// Opens both devices and waits for their first samples; the error is one sentence.
-  static tl::expected<std::shared_ptr<LiveDevices>, std::string> open(platform::RunLoop& loop,
-                                                                      Setup setup);
+  static platform::Expected<std::shared_ptr<LiveDevices>> open(platform::RunLoop& loop,
+                                                               Setup setup);
   ~LiveDevices() override;
 
   platform::AVCaptureDeviceRef camera() const override;
@@ -61,7 +60,7 @@ class LiveDevices final : public MediaSource, public std::enable_shared_from_thi
   };
 
   LiveDevices(platform::RunLoop& loop, Setup setup);
-  tl::expected<void, std::string> openBoth(platform::Duration patience);
+  platform::Expected<void> openBoth(platform::Duration patience);
   void watch();
   void watchCamera();
   void watchMicrophone();

@@ -14,6 +14,7 @@
 #include "devices/gstreamer/GstPicture.h"
 #include "devices/recorded/MediaProbe.h"
 #include "devices/recorded/StreamReader.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::devices {
 namespace {
@@ -55,8 +56,7 @@ void fail(GstAppSrc* source, const std::string& sentence) {
 class FilePlayer final : public std::enable_shared_from_this<FilePlayer> {
  public:
   /// The error is one sentence, as of `probe`.
-  static tl::expected<std::shared_ptr<FilePlayer>, std::string> open(
-      const std::filesystem::path& path);
+  static platform::Expected<std::shared_ptr<FilePlayer>> open(const std::filesystem::path& path);
 
   LiveSource camera();
   /// In step with the camera; absent when the file has no sound.
@@ -69,10 +69,10 @@ class FilePlayer final : public std::enable_shared_from_this<FilePlayer> {
 
   void feedPicture(GstAppSrc* source);
   void feedSound(GstAppSrc* source);
-  tl::expected<VideoReader::Picture, std::string> nextPicture();
-  tl::expected<std::vector<std::int16_t>, std::string> sound(std::int64_t position);
-  tl::expected<void, std::string> rewindPictures();
-  tl::expected<void, std::string> rewindSound();
+  platform::Expected<VideoReader::Picture> nextPicture();
+  platform::Expected<std::vector<std::int16_t>> sound(std::int64_t position);
+  platform::Expected<void> rewindPictures();
+  platform::Expected<void> rewindSound();
 
   const std::filesystem::path path_;
   const MediaInfo info_;
@@ -112,7 +112,7 @@ FilePlayer::FilePlayer(std::filesystem::path path, const MediaInfo& info)
       info_(info),
       length_(std::llround(platform::inSeconds(info.duration) * AudioReader::kSampleRate)) {}
 
-tl::expected<std::shared_ptr<FilePlayer>, std::string> FilePlayer::open(
+platform::Expected<std::shared_ptr<FilePlayer>> FilePlayer::open(
     const std::filesystem::path& path) {
   const auto info = probe(path);
   if (!info) return tl::unexpected(info.error());
@@ -120,7 +120,7 @@ tl::expected<std::shared_ptr<FilePlayer>, std::string> FilePlayer::open(
   if (auto opened = player->rewindPictures(); !opened) return tl::unexpected(opened.error());
   auto first = player->pictures_->next();
   if (!first) return tl::unexpected(first.error());
-  if (!*first) return tl::unexpected(path.string() + " holds no picture: record it again.");
+  if (!*first) return platform::failure(path.string() + " holds no picture: record it again.");
   player->first_ = (*first)->image;
   player->soundOrigin_ = player->pictures_->origin();
   if (auto again = player->rewindPictures(); !again) return tl::unexpected(again.error());
@@ -158,7 +158,7 @@ void FilePlayer::feedPicture(GstAppSrc* source) {
   GstClockTime instant = *still_;
   if (begun_) {
     auto next = nextPicture();
-    if (!next) return fail(source, next.error());
+    if (!next) return fail(source, next.error().sentence);
     picture = std::move(*next);
     const std::lock_guard lock(mutex_);
     if (!origin_) origin_ = *still_;
@@ -171,7 +171,7 @@ void FilePlayer::feedPicture(GstAppSrc* source) {
   push(source, wrapPicture(*picture.image, info_.width, info_.height, hold, letGo), instant);
 }
 
-tl::expected<VideoReader::Picture, std::string> FilePlayer::nextPicture() {
+platform::Expected<VideoReader::Picture> FilePlayer::nextPicture() {
   const auto round = platform::Duration(static_cast<platform::Duration::rep>(timeOf(length_)));
   for (;;) {
     auto next = pictures_->next();
@@ -184,7 +184,7 @@ tl::expected<VideoReader::Picture, std::string> FilePlayer::nextPicture() {
   }
 }
 
-tl::expected<void, std::string> FilePlayer::rewindPictures() {
+platform::Expected<void> FilePlayer::rewindPictures() {
   auto reader = VideoReader::open(path_, info_);
   if (!reader) return tl::unexpected(reader.error());
   pictures_ = std::move(*reader);
@@ -203,7 +203,7 @@ void FilePlayer::feedSound(GstAppSrc* source) {
     const auto position =
         gst_util_uint64_scale_round(*soundAt_ - *origin, AudioReader::kSampleRate, GST_SECOND);
     auto read = sound(static_cast<std::int64_t>(position));
-    if (!read) return fail(source, read.error());
+    if (!read) return fail(source, read.error().sentence);
     samples = std::move(*read);
   }
   const gsize size = samples.size() * sizeof(std::int16_t);
@@ -213,7 +213,7 @@ void FilePlayer::feedSound(GstAppSrc* source) {
   *soundAt_ += timeOf(kSoundSamples);
 }
 
-tl::expected<std::vector<std::int16_t>, std::string> FilePlayer::sound(std::int64_t position) {
+platform::Expected<std::vector<std::int16_t>> FilePlayer::sound(std::int64_t position) {
   std::vector<std::int16_t> out;
   while (std::ssize(out) < kSoundSamples) {
     if (!sound_ || position / length_ != soundRound_) {
@@ -230,7 +230,7 @@ tl::expected<std::vector<std::int16_t>, std::string> FilePlayer::sound(std::int6
   return out;
 }
 
-tl::expected<void, std::string> FilePlayer::rewindSound() {
+platform::Expected<void> FilePlayer::rewindSound() {
   auto reader = AudioReader::open(path_, soundOrigin_);
   if (!reader) return tl::unexpected(reader.error());
   sound_ = std::move(*reader);
@@ -239,7 +239,7 @@ tl::expected<void, std::string> FilePlayer::rewindSound() {
 
 }  // namespace
 
-tl::expected<LiveFile, std::string> openLiveFile(const std::filesystem::path& path) {
+platform::Expected<LiveFile> openLiveFile(const std::filesystem::path& path) {
   return FilePlayer::open(path).map([](const auto& player) {
     return LiveFile{player->camera(), player->microphone()};
   });

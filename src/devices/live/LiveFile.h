@@ -4,9 +4,8 @@
 #include <optional>
 #include <string>
 
-#include <tl/expected.hpp>
-
 #include "devices/live/LiveSource.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::devices {
 
@@ -19,6 +18,6 @@ struct LiveFile {
 };
 
 /// Opens a video file as live devices; the error is one sentence, as of `probe`.
-tl::expected<LiveFile, std::string> openLiveFile(const std::filesystem::path& path);
+platform::Expected<LiveFile> openLiveFile(const std::filesystem::path& path);
 
 }  // namespace corvana::devices

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/foundation/Fault.h"
+
 namespace corvana::devices {
 namespace {
 
@@ -28,7 +30,7 @@ LiveMicrophone::LiveMicrophone(platform::RunLoop& loop, LiveSource source) : nam
   stream_ = std::make_shared<LiveStream>(loop, std::move(setup));
 }
 
-tl::expected<void, std::string> LiveMicrophone::open(platform::Duration patience) {
+platform::Expected<void> LiveMicrophone::open(platform::Duration patience) {
   return stream_->open(patience);
 }
 

@@ -6,6 +6,7 @@
 
 #include "devices/film/FilmingDevice.h"
 #include "devices/live/LiveStream.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::devices {
 
@@ -16,7 +17,7 @@ class LiveMicrophone final : public FilmingMicrophone {
   ~LiveMicrophone() override { stream_->close(); }
 
   /// Opens the device as `LiveStream::open` does; called before all else, since it takes its time.
-  tl::expected<void, std::string> open(platform::Duration patience);
+  platform::Expected<void> open(platform::Duration patience);
   const LiveStream& stream() const { return *stream_; }
   /// How long it has been delivering nothing but zeros, which no open microphone does. Any thread.
   platform::Duration silentFor() const;

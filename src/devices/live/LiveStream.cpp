@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/foundation/Fault.h"
+
 namespace corvana::devices {
 namespace {
 
@@ -48,14 +50,14 @@ void LiveStream::close() {
   pipeline_.reset();
 }
 
-tl::expected<void, std::string> LiveStream::open(platform::Duration patience) {
+platform::Expected<void> LiveStream::open(platform::Duration patience) {
   if (pipeline_) return {};
   pipeline_ = launch(lineOf(setup_));
   const std::string device = "The " + setup_.kind + " \"" + setup_.source.name + "\" ";
   if (!pipeline_) {
-    return tl::unexpected(device +
-                          "can't be used: elements of GStreamer are missing; `videoid doctor` "
-                          "names the packages.");
+    return platform::failure(device +
+                             "can't be used: elements of GStreamer are missing; `videoid doctor` "
+                             "names the packages.");
   }
   if (setup_.source.setUp) setup_.source.setUp(child(pipeline_, "source"));
   if (setup_.setUp) setup_.setUp(pipeline_.get());
@@ -68,11 +70,11 @@ tl::expected<void, std::string> LiveStream::open(platform::Duration patience) {
   std::unique_lock lock(mutex_);
   changed_.wait_for(lock, patience, [this] { return fault_ || taken_ > 0; });
   if (!fault_ && taken_ > 0) return {};
-  std::string sentence = fault_.value_or(device + "delivers nothing: connect it again, or choose " +
-                                         "another " + setup_.kind + ".");
+  const platform::Fault fault = fault_.value_or(platform::Fault{
+      device + "delivers nothing: connect it again, or choose another " + setup_.kind + "."});
   lock.unlock();
   close();
-  return tl::unexpected(std::move(sentence));
+  return tl::unexpected(fault);
 }
 
 bool LiveStream::isOpen() const {
@@ -100,7 +102,7 @@ void LiveStream::useMonotonicClock() {
 void LiveStream::fail(std::string sentence) {
   {
     const std::lock_guard lock(mutex_);
-    if (!fault_) fault_ = std::move(sentence);
+    if (!fault_) fault_ = platform::Fault{std::move(sentence)};
   }
   changed_.notify_all();
 }
@@ -215,7 +217,7 @@ void LiveStream::stop() {
   waiting_.clear();
 }
 
-std::optional<std::string> LiveStream::fault() const {
+std::optional<platform::Fault> LiveStream::fault() const {
   const std::lock_guard lock(mutex_);
   return fault_;
 }

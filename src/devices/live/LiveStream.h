@@ -11,11 +11,11 @@
 #include <string>
 
 #include <gst/app/gstappsink.h>
-#include <tl/expected.hpp>
 
 #include "devices/gstreamer/GstSupport.h"
 #include "devices/live/CaptureTimes.h"
 #include "devices/live/LiveSource.h"
+#include "platform/foundation/Fault.h"
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/CaptureDevice.h"
 
@@ -48,7 +48,7 @@ class LiveStream final : public std::enable_shared_from_this<LiveStream> {
 
   /// Opens the device and waits for its first sample; the error is one sentence. Harmless when it
   /// is open.
-  tl::expected<void, std::string> open(platform::Duration patience);
+  platform::Expected<void> open(platform::Duration patience);
   bool isOpen() const;
   /// Closes the device; nothing of `Setup` is called afterwards. Not for the pipeline's thread.
   void close();
@@ -57,7 +57,7 @@ class LiveStream final : public std::enable_shared_from_this<LiveStream> {
   void stop();
 
   /// Why nothing will come any more: one sentence. Any thread, as all below.
-  std::optional<std::string> fault() const;
+  std::optional<platform::Fault> fault() const;
   std::uint64_t samplesTaken() const { return taken_; }
   std::uint64_t samplesDropped() const { return dropped_; }
   bool clockJumped() const { return clockJumped_; }
@@ -89,7 +89,7 @@ class LiveStream final : public std::enable_shared_from_this<LiveStream> {
 
   mutable std::mutex mutex_;  ///< guards what follows
   std::condition_variable changed_;
-  std::optional<std::string> fault_;
+  std::optional<platform::Fault> fault_;
   std::deque<platform::CMSampleBufferRef> waiting_;
   bool wanted_ = false;  ///< there is a handler
   bool begun_ = false;

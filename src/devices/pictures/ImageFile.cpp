@@ -17,25 +17,26 @@
 #include "devices/gstreamer/GstPicture.h"
 #include "devices/pictures/ImageHeader.h"
 #include "devices/recorded/StreamReader.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::devices {
 namespace {
 
-using Failure = tl::unexpected<std::string>;
-
 constexpr std::uintmax_t kMostFileBytes = 128 * 1024 * 1024;
 
-tl::expected<std::string, std::string> readFile(const std::filesystem::path& path) {
+platform::Expected<std::string> readFile(const std::filesystem::path& path) {
   std::error_code error;
   const std::string name = path.string();
-  if (!std::filesystem::exists(path, error)) return Failure("There is no file " + name + ".");
-  if (!std::filesystem::is_regular_file(path, error)) return Failure(name + " is not a file.");
+  if (!std::filesystem::exists(path, error))
+    return platform::failure("There is no file " + name + ".");
+  if (!std::filesystem::is_regular_file(path, error))
+    return platform::failure(name + " is not a file.");
   if (std::filesystem::file_size(path, error) > kMostFileBytes) {
-    return Failure(name + " is too large for a picture: scale it down.");
+    return platform::failure(name + " is too large for a picture: scale it down.");
   }
   std::ifstream file(path, std::ios::binary);
   std::string bytes{std::istreambuf_iterator<char>(file), {}};
-  if (!file) return Failure(name + " can't be read: check its rights.");
+  if (!file) return platform::failure(name + " can't be read: check its rights.");
   return bytes;
 }
 
@@ -49,12 +50,11 @@ GstVideoOrientationMethod orientationIn(std::string_view exif) {
 }
 
 /// Encodes a picture with the element named in `encoder`.
-tl::expected<std::string, std::string> encode(const std::string& name,
-                                              const platform::PixelBuffer& image,
-                                              const std::string& encoder) {
+platform::Expected<std::string> encode(const std::string& name, const platform::PixelBuffer& image,
+                                       const std::string& encoder) {
   auto stream = StreamReader::open(
       name, "appsrc name=source format=time ! videoconvert ! video/x-raw,format=RGB ! " + encoder);
-  if (!stream) return Failure(stream.error());
+  if (!stream) return tl::unexpected(stream.error());
   GstAppSrc* source = GST_APP_SRC(stream->element("source"));
   const auto caps = pictureCaps(image.format(), image.width(), image.height(), 1);
   gst_app_src_set_caps(source, caps.get());
@@ -64,7 +64,7 @@ tl::expected<std::string, std::string> encode(const std::string& name,
   gst_app_src_push_buffer(source, buffer.release());
   gst_app_src_end_of_stream(source);
   const auto sample = stream->pull();
-  if (!sample || !*sample) return Failure("The picture " + name + " can't be encoded.");
+  if (!sample || !*sample) return platform::failure("The picture " + name + " can't be encoded.");
   GstBuffer* encoded = gst_sample_get_buffer(sample->get());
   std::string bytes(gst_buffer_get_size(encoded), '\0');
   gst_buffer_extract(encoded, 0, bytes.data(), bytes.size());
@@ -81,12 +81,12 @@ bool writeAll(int file, std::string_view bytes) {
   return true;
 }
 
-tl::expected<void, std::string> writePicture(const std::filesystem::path& path,
-                                             const platform::PixelBuffer& image,
-                                             const std::string& encoder) {
+platform::Expected<void> writePicture(const std::filesystem::path& path,
+                                      const platform::PixelBuffer& image,
+                                      const std::string& encoder) {
   const std::string name = path.string();
   const auto bytes = encode(name, image, encoder);
-  if (!bytes) return Failure(bytes.error());
+  if (!bytes) return tl::unexpected(bytes.error());
   std::string part = name + ".XXXXXX";
   const int file = ::mkstemp(part.data());
   const bool written = file >= 0 && writeAll(file, *bytes) && ::close(file) == 0 &&
@@ -94,47 +94,47 @@ tl::expected<void, std::string> writePicture(const std::filesystem::path& path,
   if (written) return {};
   const std::string reason = std::strerror(errno);
   if (file >= 0) ::unlink(part.c_str());
-  return Failure("The picture " + name + " can't be written (" + reason +
-                 "): check its folder and disk.");
+  return platform::failure("The picture " + name + " can't be written (" + reason +
+                           "): check its folder and disk.");
 }
 
 }  // namespace
 
-tl::expected<platform::PixelBufferRef, std::string> readImage(const std::filesystem::path& path) {
+platform::Expected<platform::PixelBufferRef> readImage(const std::filesystem::path& path) {
   const std::string name = path.string();
   const auto bytes = readFile(path);
-  if (!bytes) return Failure(bytes.error());
+  if (!bytes) return tl::unexpected(bytes.error());
   const auto header = readImageHeader(*bytes);
-  if (!header) return Failure(name + " is not a picture: use a JPEG or PNG file.");
+  if (!header) return platform::failure(name + " is not a picture: use a JPEG or PNG file.");
   if (header->width <= 0 || header->height <= 0 ||
       header->width > kMostImagePixels / header->height) {
-    return Failure(name + " claims " + std::to_string(header->width) + "x" +
-                   std::to_string(header->height) +
-                   " pixels: use a picture of at most 64 million.");
+    return platform::failure(name + " claims " + std::to_string(header->width) + "x" +
+                             std::to_string(header->height) +
+                             " pixels: use a picture of at most 64 million.");
   }
   const bool isPng = header->type == ImageHeader::Type::png;
   auto stream = StreamReader::open(name, std::string("filesrc name=file ! ") +
                                              (isPng ? "pngdec" : "jpegdec") +
                                              " ! videoconvert ! videoflip name=turn ! "
                                              "videoconvert ! video/x-raw,format=RGB");
-  if (!stream) return Failure(stream.error());
+  if (!stream) return tl::unexpected(stream.error());
   g_object_set(stream->element("file"), "location", path.c_str(), nullptr);
   g_object_set(stream->element("turn"), "video-direction", orientationIn(header->exif), nullptr);
   stream->start();
   const auto sample = stream->pull();
-  if (!sample) return Failure(sample.error());
+  if (!sample) return tl::unexpected(sample.error());
   auto image = *sample ? copyPicture(sample->get(), platform::PixelFormat::rgb24) : nullptr;
-  if (!image) return Failure(name + " is damaged: make or copy the picture again.");
+  if (!image) return platform::failure(name + " is damaged: make or copy the picture again.");
   return image;
 }
 
-tl::expected<void, std::string> writePng(const std::filesystem::path& path,
-                                         const platform::PixelBuffer& image) {
+platform::Expected<void> writePng(const std::filesystem::path& path,
+                                  const platform::PixelBuffer& image) {
   return writePicture(path, image, "pngenc snapshot=true");
 }
 
-tl::expected<void, std::string> writeJpeg(const std::filesystem::path& path,
-                                          const platform::PixelBuffer& image, int quality) {
+platform::Expected<void> writeJpeg(const std::filesystem::path& path,
+                                   const platform::PixelBuffer& image, int quality) {
   return writePicture(path, image, "jpegenc quality=" + std::to_string(quality) + " snapshot=true");
 }
 

@@ -3,8 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include <tl/expected.hpp>
-
+#include "platform/foundation/Fault.h"
 #include "platform/media/PixelBuffer.h"
 
 /// Picture files. Blocking; any thread. Errors are one sentence each.
@@ -14,13 +13,13 @@ namespace corvana::devices {
 constexpr int kMostImagePixels = 64'000'000;
 
 /// A JPEG or PNG file as rgb24, turned upright by the camera's note on its orientation.
-tl::expected<platform::PixelBufferRef, std::string> readImage(const std::filesystem::path& path);
+platform::Expected<platform::PixelBufferRef> readImage(const std::filesystem::path& path);
 
 /// Writes a picture of any pixel format, readable by its owner only; an existing file is replaced,
 /// and nothing half-written stays. quality: 0 to 100, as JPEG counts it.
-tl::expected<void, std::string> writePng(const std::filesystem::path& path,
-                                         const platform::PixelBuffer& image);
-tl::expected<void, std::string> writeJpeg(const std::filesystem::path& path,
-                                          const platform::PixelBuffer& image, int quality = 92);
+platform::Expected<void> writePng(const std::filesystem::path& path,
+                                  const platform::PixelBuffer& image);
+platform::Expected<void> writeJpeg(const std::filesystem::path& path,
+                                   const platform::PixelBuffer& image, int quality = 92);
 
 }  // namespace corvana::devices

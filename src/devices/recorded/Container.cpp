@@ -7,6 +7,7 @@
 #include <gst/base/gsttypefindhelper.h>
 
 #include "devices/gstreamer/GstSupport.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::devices {
 namespace {
@@ -24,24 +25,25 @@ constexpr struct {
     {"audio/webm", "matroskademux"},       {"video/x-msvideo", "avidemux"},
 };
 
-tl::unexpected<std::string> notAVideo(const std::string& name, const std::string& why) {
-  return tl::unexpected(name + " is not a video (" + why + "): use an MP4, Matroska or AVI file.");
+tl::unexpected<platform::Fault> notAVideo(const std::string& name, const std::string& why) {
+  return platform::failure(name + " is not a video (" + why +
+                           "): use an MP4, Matroska or AVI file.");
 }
 
 }  // namespace
 
-tl::expected<std::string, std::string> demuxerOf(const std::filesystem::path& path) {
+platform::Expected<std::string> demuxerOf(const std::filesystem::path& path) {
   initGStreamer();
   const std::string name = path.string();
   std::error_code error;
   if (!std::filesystem::exists(path, error)) {
-    return tl::unexpected("There is no file " + name + ".");
+    return platform::failure("There is no file " + name + ".");
   }
   if (!std::filesystem::is_regular_file(path, error)) {
-    return tl::unexpected(name + " is not a file: name a video file.");
+    return platform::failure(name + " is not a file: name a video file.");
   }
   std::ifstream file(path, std::ios::binary);
-  if (!file) return tl::unexpected(name + " can't be read: check its rights.");
+  if (!file) return platform::failure(name + " can't be read: check its rights.");
   std::vector<char> head(kHeadBytes);
   file.read(head.data(), static_cast<std::streamsize>(head.size()));
   const auto count = static_cast<gsize>(file.gcount());
@@ -53,7 +55,7 @@ tl::expected<std::string, std::string> demuxerOf(const std::filesystem::path& pa
   for (const auto& container : kContainers) {
     if (type == container.type) return container.demuxer;
   }
-  if (type.starts_with("audio/")) return tl::unexpected(name + " holds sound but no picture.");
+  if (type.starts_with("audio/")) return platform::failure(name + " holds sound but no picture.");
   return notAVideo(name, "it is " + type);
 }
 

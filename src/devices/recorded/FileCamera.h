@@ -21,7 +21,7 @@ class FileCamera final : public FilmingCamera, public std::enable_shared_from_th
   /// What is told of the file, on a thread of the device.
   struct Reports {
     std::function<void()> end;
-    std::function<void(std::string)> error;
+    std::function<void(platform::Fault)> error;
   };
 
   /// `first` is the first picture that `reader` gave.
@@ -59,7 +59,7 @@ class FileCamera final : public FilmingCamera, public std::enable_shared_from_th
   platform::TimePoint origin_{};
   std::optional<VideoReader::Picture> current_;
   std::optional<VideoReader::Picture> next_;
-  std::optional<std::string> error_;  ///< met while decoding `next_`
+  std::optional<platform::Fault> error_;  ///< met while decoding `next_`
   bool over_ = false;
   int droppedInARow_ = 0;
   std::atomic<std::uint64_t> framesDropped_ = 0;

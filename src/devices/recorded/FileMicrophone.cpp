@@ -8,7 +8,7 @@ namespace corvana::devices {
 
 FileMicrophone::FileMicrophone(platform::RunLoop& loop, std::shared_ptr<FileTimeline> timeline,
                                platform::Duration fileDuration, std::unique_ptr<AudioReader> reader,
-                               std::function<void(std::string)> error)
+                               std::function<void(platform::Fault)> error)
     : loop_(loop),
       timeline_(std::move(timeline)),
       fileDuration_(fileDuration),

@@ -20,7 +20,7 @@ class FileMicrophone final : public FilmingMicrophone,
   /// `error` is called on a thread of the device.
   FileMicrophone(platform::RunLoop& loop, std::shared_ptr<FileTimeline> timeline,
                  platform::Duration fileDuration, std::unique_ptr<AudioReader> reader,
-                 std::function<void(std::string)> error);
+                 std::function<void(platform::Fault)> error);
 
   std::string localizedName() const override { return "Recorded microphone"; }
   bool open() override;
@@ -39,7 +39,7 @@ class FileMicrophone final : public FilmingMicrophone,
   const std::shared_ptr<FileTimeline> timeline_;
   const platform::Duration fileDuration_;
   const std::unique_ptr<AudioReader> reader_;
-  const std::function<void(std::string)> reportError_;
+  const std::function<void(platform::Fault)> reportError_;
 
   /// Guards what follows; recursive, since a handler may stop the device that calls it.
   std::recursive_mutex mutex_;

@@ -4,27 +4,29 @@
 
 #include "devices/recorded/FileCamera.h"
 #include "devices/recorded/FileMicrophone.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::devices {
 
 MediaFile::~MediaFile() = default;
 
-tl::expected<std::shared_ptr<MediaFile>, std::string> MediaFile::open(
-    platform::RunLoop& loop, const std::filesystem::path& path, VideoCodecChoice codecChoice) {
+platform::Expected<std::shared_ptr<MediaFile>> MediaFile::open(platform::RunLoop& loop,
+                                                               const std::filesystem::path& path,
+                                                               VideoCodecChoice codecChoice) {
   const auto info = probe(path);
   if (!info) return tl::unexpected(info.error());
   auto video = VideoReader::open(path, *info);
   if (!video) return tl::unexpected(video.error());
   auto first = (*video)->next();
   if (!first) return tl::unexpected(first.error());
-  if (!*first) return tl::unexpected(path.string() + " holds no picture: record it again.");
+  if (!*first) return platform::failure(path.string() + " holds no picture: record it again.");
   const platform::Duration origin = (*video)->origin();
 
   std::shared_ptr<MediaFile> file(new MediaFile(loop, *info));
   const auto timeline = std::make_shared<FileTimeline>();
   const std::weak_ptr<MediaFile> weak = file;
-  const auto error = [weak](const std::string& sentence) {
-    if (const auto self = weak.lock()) self->reportError(sentence);
+  const auto error = [weak](const platform::Fault& fault) {
+    if (const auto self = weak.lock()) self->reportError(fault);
   };
   const auto end = [weak] {
     const auto self = weak.lock();
@@ -62,10 +64,10 @@ void MediaFile::post(std::function<void(MediaFile&)> report) {
   });
 }
 
-void MediaFile::reportError(const std::string& sentence) {
-  post([sentence](MediaFile& media) {
+void MediaFile::reportError(const platform::Fault& fault) {
+  post([fault](MediaFile& media) {
     if (std::exchange(media.errorReported_, true)) return;
-    if (media.onError) media.onError({sentence});
+    if (media.onError) media.onError(fault);
   });
 }
 

@@ -6,11 +6,10 @@
 #include <memory>
 #include <string>
 
-#include <tl/expected.hpp>
-
 #include "devices/film/MediaSource.h"
 #include "devices/gstreamer/MediaElements.h"
 #include "devices/recorded/MediaProbe.h"
+#include "platform/foundation/Fault.h"
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/CaptureDevice.h"
 
@@ -29,7 +28,7 @@ class FileMicrophone;
 class MediaFile final : public MediaSource, public std::enable_shared_from_this<MediaFile> {
  public:
   /// Blocks until the first picture is decoded. The error is one sentence, as of `probe`.
-  static tl::expected<std::shared_ptr<MediaFile>, std::string> open(
+  static platform::Expected<std::shared_ptr<MediaFile>> open(
       platform::RunLoop& loop, const std::filesystem::path& path,
       VideoCodecChoice codecChoice = VideoCodecChoice::automatic);
   ~MediaFile() override;
@@ -46,7 +45,7 @@ class MediaFile final : public MediaSource, public std::enable_shared_from_this<
  private:
   explicit MediaFile(platform::RunLoop& loop, const MediaInfo& info) : loop_(loop), info_(info) {}
   void post(std::function<void(MediaFile&)> report);
-  void reportError(const std::string& sentence);
+  void reportError(const platform::Fault& fault);
 
   platform::RunLoop& loop_;
   MediaInfo info_;

@@ -10,13 +10,12 @@
 
 #include "devices/gstreamer/GstSupport.h"
 #include "devices/recorded/StreamReader.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::devices {
 namespace {
 
 constexpr double kUsualRate = 30;
-
-using Failure = tl::unexpected<std::string>;
 
 /// What a file's demuxer has found; written by its thread, so it must outlive the pipeline.
 struct Streams {
@@ -57,20 +56,20 @@ bool isTurned(GstElement* sink) {
   }
 }
 
-tl::expected<MediaInfo, std::string> readPicture(const std::string& name, GstSample* sample) {
+platform::Expected<MediaInfo> readPicture(const std::string& name, GstSample* sample) {
   GstVideoInfo video;
   if (!gst_video_info_from_caps(&video, gst_sample_get_caps(sample))) {
-    return Failure(name + " holds a picture that can't be read.");
+    return platform::failure(name + " holds a picture that can't be read.");
   }
   const double aspect = video.par_n > 0 && video.par_d > 0 ? double(video.par_n) / video.par_d : 1;
   const double width = std::round(video.width * aspect);
   const double largest = std::max({width, double(video.width), double(video.height)});
   if (!(std::min(width, double(video.height)) >= kLeastPictureSize &&
         largest <= kMostPictureSize)) {
-    return Failure("The picture of " + name + " measures " + std::to_string(std::llround(width)) +
-                   "x" + std::to_string(video.height) + " pixels: it must be " +
-                   std::to_string(kLeastPictureSize) + " to " + std::to_string(kMostPictureSize) +
-                   " wide and high.");
+    return platform::failure(
+        "The picture of " + name + " measures " + std::to_string(std::llround(width)) + "x" +
+        std::to_string(video.height) + " pixels: it must be " + std::to_string(kLeastPictureSize) +
+        " to " + std::to_string(kMostPictureSize) + " wide and high.");
   }
   MediaInfo info;
   info.width = static_cast<int>(width);
@@ -82,10 +81,10 @@ tl::expected<MediaInfo, std::string> readPicture(const std::string& name, GstSam
 
 }  // namespace
 
-tl::expected<MediaInfo, std::string> probe(const std::filesystem::path& path) {
+platform::Expected<MediaInfo> probe(const std::filesystem::path& path) {
   Streams streams;
   auto stream = openStream(path, "video_0", "videoconvert");
-  if (!stream) return Failure(stream.error());
+  if (!stream) return tl::unexpected(stream.error());
   streams.sink = stream->element("sink");
   GstElement* demuxer = stream->element("demuxer");
   g_signal_connect(demuxer, "pad-added", G_CALLBACK(&Streams::onPad), &streams);
@@ -95,10 +94,11 @@ tl::expected<MediaInfo, std::string> probe(const std::filesystem::path& path) {
   const std::string name = path.string();
   const auto sample = stream->pull();
   if (streams.isComplete && !streams.hasVideo) {
-    return Failure(name + (streams.hasAudio ? " holds sound but no picture." : " is empty."));
+    return platform::failure(name +
+                             (streams.hasAudio ? " holds sound but no picture." : " is empty."));
   }
-  if (!sample) return Failure(sample.error());
-  if (!*sample) return Failure(name + " holds no picture: record it again.");
+  if (!sample) return tl::unexpected(sample.error());
+  if (!*sample) return platform::failure(name + " holds no picture: record it again.");
   auto info = readPicture(name, sample->get());
   if (!info) return info;
   if (isTurned(streams.sink)) std::swap(info->width, info->height);

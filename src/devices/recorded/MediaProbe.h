@@ -3,8 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include <tl/expected.hpp>
-
+#include "platform/foundation/Fault.h"
 #include "platform/foundation/Time.h"
 
 namespace corvana::devices {
@@ -25,6 +24,6 @@ constexpr int kLeastPictureSize = 16;
 /// Looks into a video file. Blocks for as long as it takes to decode a first picture, half a minute
 /// at most. The error is one sentence: no such file, not a video, no picture in it, too large,
 /// damaged, or no decoder installed (with the Debian package that brings it). Any thread.
-tl::expected<MediaInfo, std::string> probe(const std::filesystem::path& path);
+platform::Expected<MediaInfo> probe(const std::filesystem::path& path);
 
 }  // namespace corvana::devices

@@ -11,6 +11,7 @@
 #include "devices/gstreamer/GstPicture.h"
 #include "devices/gstreamer/MediaElements.h"
 #include "devices/recorded/Container.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::devices {
 namespace {
@@ -41,28 +42,27 @@ void replace(std::string& text, const std::string& mark, int value) {
 StreamReader::StreamReader(std::string name, GstPtr<GstElement> pipeline)
     : name_(std::move(name)), pipeline_(std::move(pipeline)), sink_(element("sink")) {}
 
-tl::expected<StreamReader, std::string> StreamReader::open(std::string name,
-                                                           const std::string& line) {
+platform::Expected<StreamReader> StreamReader::open(std::string name, const std::string& line) {
   GstPtr<GstElement> pipeline = launch(line + " ! appsink name=sink sync=false max-buffers=4");
   if (pipeline) return StreamReader(std::move(name), std::move(pipeline));
-  return tl::unexpected(name +
-                        " can't be read or written: elements of GStreamer are missing; install "
-                        "gstreamer1.0-plugins-base, -good and gstreamer1.0-libav.");
+  return platform::failure(name +
+                           " can't be read or written: elements of GStreamer are missing; install "
+                           "gstreamer1.0-plugins-base, -good and gstreamer1.0-libav.");
 }
 
 void StreamReader::start() {
   gst_element_set_state(pipeline_.get(), GST_STATE_PLAYING);
 }
 
-tl::expected<GstPtr<GstSample>, std::string> StreamReader::pull() {
+platform::Expected<GstPtr<GstSample>> StreamReader::pull() {
   for (int slice = 0; slice < kPullSlices; ++slice) {
     GstPtr<GstSample> sample(gst_app_sink_try_pull_sample(GST_APP_SINK(sink_), kPullSlice));
     if (sample) return sample;
     readMessages();
-    if (error_) return tl::unexpected(missing_.value_or(*error_));
+    if (error_) return platform::failure(missing_.value_or(*error_));
     if (gst_app_sink_is_eos(GST_APP_SINK(sink_))) return GstPtr<GstSample>();
   }
-  return tl::unexpected(name_ + " can't be decoded any further: record it again.");
+  return platform::failure(name_ + " can't be decoded any further: record it again.");
 }
 
 void StreamReader::readMessages() {
@@ -92,9 +92,9 @@ std::optional<platform::Duration> StreamReader::timeOf(GstSample* sample) {
   return platform::Duration(static_cast<platform::Duration::rep>(time));
 }
 
-tl::expected<StreamReader, std::string> openStream(const std::filesystem::path& path,
-                                                   const std::string& stream,
-                                                   const std::string& conversion) {
+platform::Expected<StreamReader> openStream(const std::filesystem::path& path,
+                                            const std::string& stream,
+                                            const std::string& conversion) {
   const auto demuxer = demuxerOf(path);
   if (!demuxer) return tl::unexpected(demuxer.error());
   // The demuxer stands outside of the decoding bin, which may swallow its errors and never end.
@@ -109,7 +109,7 @@ VideoReader::VideoReader(const std::filesystem::path& path, const MediaInfo& inf
                          StreamReader reader)
     : name_(path.string()), info_(info), reader_(std::move(reader)) {}
 
-tl::expected<std::unique_ptr<VideoReader>, std::string> VideoReader::open(
+platform::Expected<std::unique_ptr<VideoReader>> VideoReader::open(
     const std::filesystem::path& path, const MediaInfo& info) {
   std::string conversion = kPictureConversion;
   replace(conversion, "%w", info.width);
@@ -120,23 +120,23 @@ tl::expected<std::unique_ptr<VideoReader>, std::string> VideoReader::open(
   return std::unique_ptr<VideoReader>(new VideoReader(path, info, std::move(*reader)));
 }
 
-tl::expected<bool, std::string> VideoReader::placePicture(GstSample* sample) {
+platform::Expected<bool> VideoReader::placePicture(GstSample* sample) {
   const auto usual = platform::seconds(1 / info_.frameRate);
   auto time = StreamReader::timeOf(sample);
   if (!origin_) origin_ = time.value_or(platform::Duration::zero());
   const platform::Duration place =
       time ? *time - *origin_ : last_.value_or(platform::Duration::zero()) + usual;
   if (last_ && place - *last_ > kLongestGap) {
-    return tl::unexpected(name_ + " stands still for " +
-                          std::to_string(std::llround(platform::inSeconds(place - *last_))) +
-                          " s: its times are wrong; record it again.");
+    return platform::failure(name_ + " stands still for " +
+                             std::to_string(std::llround(platform::inSeconds(place - *last_))) +
+                             " s: its times are wrong; record it again.");
   }
   if (last_ && place - *last_ < kShortestGap) return false;
   last_ = place;
   return true;
 }
 
-tl::expected<std::optional<VideoReader::Picture>, std::string> VideoReader::next() {
+platform::Expected<std::optional<VideoReader::Picture>> VideoReader::next() {
   for (;;) {
     const auto sample = reader_.pull();
     if (!sample) return tl::unexpected(sample.error());
@@ -145,7 +145,7 @@ tl::expected<std::optional<VideoReader::Picture>, std::string> VideoReader::next
     if (!placed) return tl::unexpected(placed.error());
     if (!*placed) continue;
     platform::PixelBufferRef image = copyPicture(sample->get(), platform::PixelFormat::i420);
-    if (!image) return tl::unexpected(name_ + " holds a picture that can't be read.");
+    if (!image) return platform::failure(name_ + " holds a picture that can't be read.");
     return Picture{std::move(image), *last_};
   }
 }
@@ -153,7 +153,7 @@ tl::expected<std::optional<VideoReader::Picture>, std::string> VideoReader::next
 AudioReader::AudioReader(StreamReader reader, platform::Duration origin)
     : reader_(std::move(reader)), origin_(origin) {}
 
-tl::expected<std::unique_ptr<AudioReader>, std::string> AudioReader::open(
+platform::Expected<std::unique_ptr<AudioReader>> AudioReader::open(
     const std::filesystem::path& path, platform::Duration origin) {
   auto reader = openStream(path, "audio_0", kSoundConversion);
   if (!reader) return tl::unexpected(reader.error());
@@ -167,7 +167,7 @@ std::int64_t AudioReader::chunkEnd() const {
   return chunkStart_ + static_cast<std::int64_t>(chunk_.size());
 }
 
-tl::expected<void, std::string> AudioReader::readChunk() {
+platform::Expected<void> AudioReader::readChunk() {
   const auto sample = reader_.pull();
   if (!sample) return tl::unexpected(sample.error());
   if (!*sample) {
@@ -187,8 +187,8 @@ tl::expected<void, std::string> AudioReader::readChunk() {
   return {};
 }
 
-tl::expected<std::vector<std::int16_t>, std::string> AudioReader::read(std::int64_t position,
-                                                                       std::int64_t count) {
+platform::Expected<std::vector<std::int16_t>> AudioReader::read(std::int64_t position,
+                                                                std::int64_t count) {
   std::vector<std::int16_t> out(static_cast<std::size_t>(count), 0);
   const std::int64_t end = position + count;
   while (!ended_) {

@@ -7,10 +7,9 @@
 #include <string>
 #include <vector>
 
-#include <tl/expected.hpp>
-
 #include "devices/gstreamer/GstSupport.h"
 #include "devices/recorded/MediaProbe.h"
+#include "platform/foundation/Fault.h"
 #include "platform/media/PixelBuffer.h"
 
 namespace corvana::devices {
@@ -21,12 +20,12 @@ class StreamReader {
  public:
   /// Makes the pipeline of `line`, the launch line up to what is pulled; `name` stands for the file
   /// in errors.
-  static tl::expected<StreamReader, std::string> open(std::string name, const std::string& line);
+  static platform::Expected<StreamReader> open(std::string name, const std::string& line);
   /// An element of the line, to be set up before the start.
   GstElement* element(const char* elementName) { return child(pipeline_, elementName); }
   void start();
   /// The next piece; null at the end of the stream. The error is one sentence.
-  tl::expected<GstPtr<GstSample>, std::string> pull();
+  platform::Expected<GstPtr<GstSample>> pull();
 
   /// The place of a sample on the file's time line; absent when it has none.
   static std::optional<platform::Duration> timeOf(GstSample* sample);
@@ -45,9 +44,9 @@ class StreamReader {
 
 /// Opens a stream of a video file (`video_0`, `audio_0`), decoded and converted, and does not start
 /// it yet. The elements that take the file apart are named `file` and `demuxer`.
-tl::expected<StreamReader, std::string> openStream(const std::filesystem::path& path,
-                                                   const std::string& stream,
-                                                   const std::string& conversion);
+platform::Expected<StreamReader> openStream(const std::filesystem::path& path,
+                                            const std::string& stream,
+                                            const std::string& conversion);
 
 /// Upright I420 pictures (BT.601, limited range) of one size, in order of strictly growing time.
 class VideoReader {
@@ -57,16 +56,16 @@ class VideoReader {
     platform::Duration time{};  ///< since the stream's first picture
   };
 
-  static tl::expected<std::unique_ptr<VideoReader>, std::string> open(
-      const std::filesystem::path& path, const MediaInfo& info);
+  static platform::Expected<std::unique_ptr<VideoReader>> open(const std::filesystem::path& path,
+                                                               const MediaInfo& info);
   /// The next picture; absent at the end.
-  tl::expected<std::optional<Picture>, std::string> next();
+  platform::Expected<std::optional<Picture>> next();
   /// Where the first picture lies on the file's time line.
   platform::Duration origin() const { return origin_.value_or(platform::Duration::zero()); }
 
  private:
   VideoReader(const std::filesystem::path& path, const MediaInfo& info, StreamReader reader);
-  tl::expected<bool, std::string> placePicture(GstSample* sample);
+  platform::Expected<bool> placePicture(GstSample* sample);
 
   std::string name_;
   MediaInfo info_;
@@ -81,16 +80,15 @@ class AudioReader {
   static constexpr int kSampleRate = 48000;
 
   /// Opens the file's sound; position 0 is the instant `origin` of the file's time line.
-  static tl::expected<std::unique_ptr<AudioReader>, std::string> open(
-      const std::filesystem::path& path, platform::Duration origin);
+  static platform::Expected<std::unique_ptr<AudioReader>> open(const std::filesystem::path& path,
+                                                               platform::Duration origin);
   /// `count` samples from `position` on, which must not lie before the end of an earlier call.
-  tl::expected<std::vector<std::int16_t>, std::string> read(std::int64_t position,
-                                                            std::int64_t count);
+  platform::Expected<std::vector<std::int16_t>> read(std::int64_t position, std::int64_t count);
   bool hasEnded() const { return ended_; }
 
  private:
   AudioReader(StreamReader reader, platform::Duration origin);
-  tl::expected<void, std::string> readChunk();
+  platform::Expected<void> readChunk();
   std::int64_t chunkEnd() const;
 
   StreamReader reader_;

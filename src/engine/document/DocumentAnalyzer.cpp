@@ -9,6 +9,7 @@
 #include "engine/document/CardWarp.h"
 #include "engine/document/StillCards.h"
 #include "engine/document/TextLines.h"
+#include "engine/document/fields/DocumentFields.h"
 #include "engine/document/mrz/MrzPrint.h"
 #include "engine/vision/FaceCrop.h"
 #include "engine/vision/ImageOps.h"
@@ -76,16 +77,16 @@ std::optional<CardTurn> turnByReading(const CardReading& asItLies, const CardRea
 }  // namespace
 
 DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text,
-                                   MrzReader mrz)
-    : faces_(std::move(faces)), text_(std::move(text)), mrz_(std::move(mrz)) {}
+                                   MrzReader mrz, const CalendarDate& today)
+    : faces_(std::move(faces)), text_(std::move(text)), mrz_(std::move(mrz)), today_(today) {}
 
-tl::expected<DocumentAnalyzer, corvana::IDError> DocumentAnalyzer::load(
-    std::shared_ptr<FaceDetector> faces, const Setup& setup) {
+platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<FaceDetector> faces,
+                                                            const Setup& setup) {
   auto text = NetworkTextReader::load(setup.text);
   if (!text) return tl::unexpected(text.error());
   auto mrz = MrzReader::load(setup.ocrBFonts);
   if (!mrz) return tl::unexpected(mrz.error());
-  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz));
+  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz), setup.today);
 }
 
 CardSighting DocumentAnalyzer::find(const platform::PixelBuffer& frame,
@@ -147,6 +148,7 @@ CardReading DocumentAnalyzer::read(const CardView& card, const std::vector<TextL
   reading.data.image = std::make_shared<platform::UIImage>(card.picture);
   reading.familyMatches = familyMatches(features);
   classify(features, reading.data);
+  reading.data.fields = documentFields(reading.data, reading.lines, today_);
   return reading;
 }
 
@@ -191,7 +193,7 @@ std::optional<CardReading> DocumentAnalyzer::readUpright(const platform::PixelBu
   return *turn == CardTurn::upright ? std::move(asItLies) : std::move(turned);
 }
 
-tl::expected<CardReading, corvana::IDError> DocumentAnalyzer::analyzeStill(
+platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
     const platform::PixelBufferRef& picture) {
   const auto cards = cardsInStill(picture);
   if (!cards) return tl::unexpected(cards.error());
@@ -199,9 +201,9 @@ tl::expected<CardReading, corvana::IDError> DocumentAnalyzer::analyzeStill(
   if (!look) return tl::unexpected(noCardSeen());
   auto reading = readUpright(*cards->picture, *look);
   if (!reading) {
-    return tl::unexpected(corvana::IDError(
+    return platform::failure(
         "It can't be told which way up the card in the picture lies: take a sharper photo, from "
-        "nearer and without glare."));
+        "nearer and without glare.");
   }
   return *std::move(reading);
 }

@@ -5,17 +5,16 @@
 #include <optional>
 #include <vector>
 
-#include <tl/expected.hpp>
-
 #include "corvana/DetectedData.h"
-#include "corvana/IDError.h"
 #include "engine/document/CardFinder.h"
 #include "engine/document/CardLook.h"
 #include "engine/document/DocumentClassifier.h"
 #include "engine/document/TextReader.h"
+#include "engine/document/fields/CalendarDates.h"
 #include "engine/document/mrz/MrzReader.h"
 #include "engine/document/text/NetworkTextReader.h"
 #include "engine/vision/FaceDetector.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 
@@ -52,13 +51,15 @@ class DocumentAnalyzer {
  public:
   struct Setup {
     NetworkTextReader::Models text;
+    /// Settles two-digit years.
+    CalendarDate today{};
     std::vector<std::filesystem::path> ocrBFonts = defaultOcrBFonts();
   };
 
   /// Loads what reads cards; an error names what is missing and the package that has it. `faces`
   /// finds the portraits; its other users are on the same thread.
-  static tl::expected<DocumentAnalyzer, corvana::IDError> load(std::shared_ptr<FaceDetector> faces,
-                                                               const Setup& setup);
+  static platform::Expected<DocumentAnalyzer> load(std::shared_ptr<FaceDetector> faces,
+                                                   const Setup& setup);
 
   /// Looks for a card; the guide is where the user is asked to hold it, in pixels of the frame.
   CardSighting find(const platform::PixelBuffer& frame, const platform::CGRect& guide) const;
@@ -70,10 +71,11 @@ class DocumentAnalyzer {
   /// Reads a photo or scan of one side, however large and however turned, in which the card lies on
   /// something else or fills the picture. Error: no card is seen, it is too small to be read, or it
   /// can't be told which way up it lies.
-  tl::expected<CardReading, corvana::IDError> analyzeStill(const platform::PixelBufferRef& picture);
+  platform::Expected<CardReading> analyzeStill(const platform::PixelBufferRef& picture);
 
  private:
-  DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz);
+  DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz,
+                   const CalendarDate& today);
   std::optional<Face> portrait(const platform::PixelBuffer& card);
   std::vector<TextLine> linesOf(const platform::PixelBuffer& card,
                                 const std::vector<TextLine>& known);
@@ -86,6 +88,7 @@ class DocumentAnalyzer {
   std::shared_ptr<FaceDetector> faces_;
   NetworkTextReader text_;
   MrzReader mrz_;
+  CalendarDate today_;
 };
 
 }  // namespace corvana::engine

@@ -24,12 +24,11 @@ platform::PixelBufferRef reduced(const platform::PixelBufferRef& picture) {
 
 }  // namespace
 
-corvana::IDError noCardSeen() {
-  return corvana::IDError(
-      "No card was seen in the picture: photograph it from above, whole, on a plain ground.");
+platform::Fault noCardSeen() {
+  return {"No card was seen in the picture: photograph it from above, whole, on a plain ground."};
 }
 
-tl::expected<StillCards, corvana::IDError> cardsInStill(const platform::PixelBufferRef& picture) {
+platform::Expected<StillCards> cardsInStill(const platform::PixelBufferRef& picture) {
   StillCards cards{reduced(picture), {}};
   cards.outlines = cardOutlines(rgbMat(*cards.picture));
   if (cards.outlines.empty()) {
@@ -37,8 +36,8 @@ tl::expected<StillCards, corvana::IDError> cardsInStill(const platform::PixelBuf
   }
   std::erase_if(cards.outlines, [](const Quad& quad) { return quad.width() < kLeastCardWidth; });
   if (cards.outlines.empty()) {
-    return tl::unexpected(corvana::IDError(
-        "The card in the picture is less than 320 pixels wide: take the photo from nearer."));
+    return platform::failure(
+        "The card in the picture is less than 320 pixels wide: take the photo from nearer.");
   }
   return cards;
 }

@@ -2,10 +2,8 @@
 
 #include <vector>
 
-#include <tl/expected.hpp>
-
-#include "corvana/IDError.h"
 #include "engine/document/Quad.h"
+#include "platform/foundation/Fault.h"
 #include "platform/media/PixelBuffer.h"
 
 namespace corvana::engine {
@@ -18,10 +16,10 @@ struct StillCards {
 };
 
 /// What to say of a picture without a card.
-corvana::IDError noCardSeen();
+platform::Fault noCardSeen();
 
 /// Finds where the card may lie in a photo or scan: outlines of its shape, or the whole picture
 /// where that has a card's shape. Error: there is neither, or all are less than 320 pixels wide.
-tl::expected<StillCards, corvana::IDError> cardsInStill(const platform::PixelBufferRef& picture);
+platform::Expected<StillCards> cardsInStill(const platform::PixelBufferRef& picture);
 
 }  // namespace corvana::engine

@@ -99,7 +99,7 @@ TesseractReader::TesseractReader(TesseractReader&&) noexcept = default;
 TesseractReader& TesseractReader::operator=(TesseractReader&&) noexcept = default;
 TesseractReader::~TesseractReader() = default;
 
-tl::expected<TesseractReader, corvana::IDError> TesseractReader::load(const fs::path& tessdata) {
+platform::Expected<TesseractReader> TesseractReader::load(const fs::path& tessdata) {
   // Leptonica, beneath Tesseract, prints a line for each speck it cannot crop.
   setMsgSeverity(L_SEVERITY_NONE);
   for (const char* language : {"script/Latin", "eng"}) {
@@ -111,9 +111,8 @@ tl::expected<TesseractReader, corvana::IDError> TesseractReader::load(const fs::
     tesseract->SetPageSegMode(tesseract::PSM_SPARSE_TEXT);
     return TesseractReader(std::move(tesseract), language);
   }
-  return tl::unexpected(corvana::IDError("Tesseract's English data was not found in " +
-                                         tessdata.string() +
-                                         ": install the package tesseract-ocr-eng."));
+  return platform::failure("Tesseract's English data was not found in " + tessdata.string() +
+                           ": install the package tesseract-ocr-eng.");
 }
 
 std::vector<TextLine> TesseractReader::read(const platform::PixelBuffer& card) {

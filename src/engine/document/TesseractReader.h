@@ -7,8 +7,8 @@
 
 #include <tl/expected.hpp>
 
-#include "corvana/IDError.h"
 #include "engine/document/TextReader.h"
+#include "platform/foundation/Fault.h"
 
 namespace tesseract {
 class TessBaseAPI;
@@ -25,7 +25,7 @@ class TesseractReader final : public TextReader {
  public:
   /// Loads the data of the Latin script where it is installed, else the English one (0.1 s), which
   /// knows no accents. Error: neither is in the folder.
-  static tl::expected<TesseractReader, corvana::IDError> load(
+  static platform::Expected<TesseractReader> load(
       const std::filesystem::path& tessdata = kDebianTessdataFolder);
 
   TesseractReader(TesseractReader&&) noexcept;

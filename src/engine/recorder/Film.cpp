@@ -4,6 +4,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/foundation/Fault.h"
+
 namespace corvana::engine {
 namespace {
 
@@ -46,9 +48,9 @@ Film::Film(platform::RunLoop& loop, platform::AssetWriterFactory& factory, FilmS
       stem_(freeStem(settings_.folder)),
       queue_(loop.makeSerialQueue("FilmQueue")) {}
 
-tl::expected<std::shared_ptr<Film>, Fault> Film::make(platform::RunLoop& loop,
-                                                      platform::AssetWriterFactory& factory,
-                                                      FilmSettings settings) {
+platform::Expected<std::shared_ptr<Film>> Film::make(platform::RunLoop& loop,
+                                                     platform::AssetWriterFactory& factory,
+                                                     FilmSettings settings) {
   std::shared_ptr<Film> film(new Film(loop, factory, std::move(settings)));
   if (auto error = film->open()) return tl::unexpected(std::move(*error));
   return film;
@@ -103,7 +105,7 @@ void Film::tell(const Fault& fault) {
   });
 }
 
-tl::expected<void, Fault> Film::close(platform::AssetWriter& writer) {
+platform::Expected<void> Film::close(platform::AssetWriter& writer) {
   auto finished = writer.finish();
   const std::lock_guard lock(mutex_);
   counters_ = sum(counters_, writer.counters());

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "corvana/VideoCapture.h"
+#include "platform/foundation/Fault.h"
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/AssetWriter.h"
 
@@ -31,8 +32,9 @@ struct FilmSettings {
 class Film final : public corvana::VideoWriter, public std::enable_shared_from_this<Film> {
  public:
   /// Opens the first film at once; its fault is the answer, and not told to `onFault`.
-  static tl::expected<std::shared_ptr<Film>, platform::Fault> make(
-      platform::RunLoop& loop, platform::AssetWriterFactory& factory, FilmSettings settings);
+  static platform::Expected<std::shared_ptr<Film>> make(platform::RunLoop& loop,
+                                                        platform::AssetWriterFactory& factory,
+                                                        FilmSettings settings);
 
   void writeVideo(const platform::CMSampleBufferRef& sample);
   void writeAudio(const platform::CMSampleBufferRef& sample) override;
@@ -67,7 +69,7 @@ class Film final : public corvana::VideoWriter, public std::enable_shared_from_t
   std::optional<platform::Fault> open();
   Writer takeWriter();
   Writer currentWriter() const;
-  tl::expected<void, platform::Fault> close(platform::AssetWriter& writer);
+  platform::Expected<void> close(platform::AssetWriter& writer);
   Outcome finish(platform::AssetWriter& writer);
   void putFailedRunAway();
   void tellFaultOf(const Writer& writer);

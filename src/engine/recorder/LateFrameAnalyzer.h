@@ -6,9 +6,8 @@
 #include <optional>
 #include <string>
 
-#include <tl/expected.hpp>
-
 #include "engine/recorder/FrameAnalyzer.h"
+#include "platform/foundation/Fault.h"
 #include "platform/foundation/RunLoop.h"
 
 namespace corvana::engine {
@@ -19,7 +18,7 @@ namespace corvana::engine {
 class LateFrameAnalyzer final : public FrameAnalyzer {
  public:
   /// Loads the analyzer; the error is one sentence for the user.
-  using Load = std::function<tl::expected<std::shared_ptr<FrameAnalyzer>, std::string>()>;
+  using Load = std::function<platform::Expected<std::shared_ptr<FrameAnalyzer>>()>;
 
   /// Begins to load on a worker, and returns at once. Main queue.
   static std::shared_ptr<LateFrameAnalyzer> start(platform::RunLoop& loop, Load load);

@@ -6,6 +6,7 @@
 
 #include "engine/document/CardWarp.h"
 #include "engine/vision/ImageOps.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 namespace {
@@ -50,14 +51,14 @@ VisionFrameAnalyzer::VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
       selfies_(detector_, std::make_shared<FaceLandmarks>(std::move(landmarks))),
       documents_(std::move(documents)) {}
 
-tl::expected<std::shared_ptr<VisionFrameAnalyzer>, corvana::IDError> VisionFrameAnalyzer::load(
+platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> VisionFrameAnalyzer::load(
     const Models& models) {
   auto detector = FaceDetector::load(models.faceDetector);
   if (!detector) return tl::unexpected(detector.error());
   auto landmarks = FaceLandmarks::load(models.faceLandmarks);
   if (!landmarks) return tl::unexpected(landmarks.error());
   auto faces = std::make_shared<FaceDetector>(std::move(*detector));
-  auto documents = DocumentAnalyzer::load(faces, {.text = models.text});
+  auto documents = DocumentAnalyzer::load(faces, {.text = models.text, .today = models.today});
   if (!documents) return tl::unexpected(documents.error());
   return std::shared_ptr<VisionFrameAnalyzer>(
       new VisionFrameAnalyzer(std::move(faces), std::move(*landmarks), std::move(*documents)));

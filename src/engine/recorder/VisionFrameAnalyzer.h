@@ -4,15 +4,13 @@
 #include <memory>
 #include <optional>
 
-#include <tl/expected.hpp>
-
-#include "corvana/IDError.h"
 #include "engine/document/DocumentAnalyzer.h"
 #include "engine/recorder/FrameAnalyzer.h"
 #include "engine/selfie/LivenessEvidence.h"
 #include "engine/selfie/SelfieAnalyzer.h"
 #include "engine/vision/FaceDetector.h"
 #include "engine/vision/LiveFaceTracker.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 
@@ -23,12 +21,13 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
     std::filesystem::path faceDetector;
     std::filesystem::path faceLandmarks;
     NetworkTextReader::Models text;
+    /// Settles two-digit years.
+    CalendarDate today{};
   };
 
   /// Loads the models; the error is one sentence: a model, language data or a font is missing or
   /// broken.
-  static tl::expected<std::shared_ptr<VisionFrameAnalyzer>, corvana::IDError> load(
-      const Models& models);
+  static platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> load(const Models& models);
 
   Observation analyze(const platform::CMSampleBufferRef& frame, const AnalysisTask& task) override;
 

@@ -94,7 +94,7 @@ class PocketSphinxRecognizer::Worker {
     if (model) {
       model_ = std::move(*model);
     } else {
-      send(run, model.error());
+      send(run, corvana::IDError(model.error()));
     }
   }
 

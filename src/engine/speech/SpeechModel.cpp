@@ -99,9 +99,9 @@ LanguageModel interpolated(ps_decoder_t* decoder, LanguageModel stock,
                                             shares.data(), models.size()));
 }
 
-corvana::IDError loadError(const SpeechModelPaths& paths) {
-  return corvana::IDError("The speech model in " + paths.acousticModel.parent_path().string() +
-                          " cannot be loaded: install the package pocketsphinx-en-us again.");
+platform::Fault loadError(const SpeechModelPaths& paths) {
+  return platform::Fault{"The speech model in " + paths.acousticModel.parent_path().string() +
+                         " cannot be loaded: install the package pocketsphinx-en-us again."};
 }
 
 }  // namespace
@@ -141,7 +141,7 @@ SpeechModel::SpeechModel(std::unique_ptr<Decoder> decoder) : decoder_(std::move(
 
 SpeechModel::~SpeechModel() = default;
 
-tl::expected<std::unique_ptr<SpeechModel>, corvana::IDError> SpeechModel::load(
+platform::Expected<std::unique_ptr<SpeechModel>> SpeechModel::load(
     const SpeechModelPaths& paths, const std::string& expectedText) {
   if (auto fault = paths.findFault()) return tl::unexpected(std::move(*fault));
   auto decoder = std::make_unique<Decoder>();

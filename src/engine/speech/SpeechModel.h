@@ -6,10 +6,8 @@
 #include <string>
 #include <vector>
 
-#include <tl/expected.hpp>
-
-#include "corvana/IDError.h"
 #include "engine/speech/SpeechModelPaths.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 
@@ -22,8 +20,8 @@ class SpeechModel {
 
   /// Loads the stock model; when a text is expected, its words are learnt and its pairs of words
   /// are preferred to others. Takes seconds: for a worker.
-  static tl::expected<std::unique_ptr<SpeechModel>, corvana::IDError> load(
-      const SpeechModelPaths& paths, const std::string& expectedText);
+  static platform::Expected<std::unique_ptr<SpeechModel>> load(const SpeechModelPaths& paths,
+                                                               const std::string& expectedText);
   ~SpeechModel();
   SpeechModel(const SpeechModel&) = delete;
   SpeechModel& operator=(const SpeechModel&) = delete;

@@ -10,13 +10,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-corvana::IDError fault(const fs::path& file, const std::string& what) {
-  return corvana::IDError("The speech model's file " + file.string() + " " + what +
-                          ": install the package pocketsphinx-en-us again.");
+platform::Fault fault(const fs::path& file, const std::string& what) {
+  return platform::Fault{"The speech model's file " + file.string() + " " + what +
+                         ": install the package pocketsphinx-en-us again."};
 }
 
 /// An empty `opening` lets any content pass.
-std::optional<corvana::IDError> findFault(const fs::path& file, std::string_view opening) {
+std::optional<platform::Fault> findFault(const fs::path& file, std::string_view opening) {
   std::ifstream stream(file, std::ios::binary);
   std::array<char, 16> head{};
   if (!stream) return fault(file, "is missing or may not be read");
@@ -32,7 +32,7 @@ SpeechModelPaths SpeechModelPaths::inFolder(const fs::path& folder) {
   return {folder / "en-us", folder / "cmudict-en-us.dict", folder / "en-us.lm.bin"};
 }
 
-std::optional<corvana::IDError> SpeechModelPaths::findFault() const {
+std::optional<platform::Fault> SpeechModelPaths::findFault() const {
   struct Expected {
     fs::path file;
     std::string_view opening;

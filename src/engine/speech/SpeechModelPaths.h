@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "corvana/IDError.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 
@@ -19,7 +19,7 @@ struct SpeechModelPaths {
 
   /// Names the first file that is absent, unreadable or plainly something else. Cheap: reads a few
   /// bytes of each file. Any thread.
-  std::optional<corvana::IDError> findFault() const;
+  std::optional<platform::Fault> findFault() const;
 };
 
 inline constexpr const char* kDebianSpeechModelFolder = "/usr/share/pocketsphinx/model/en-us";

@@ -131,8 +131,7 @@ std::vector<Face> settled(Looker& looker, std::vector<Face> found) {
 
 }  // namespace
 
-tl::expected<FaceDetector, corvana::IDError> FaceDetector::load(
-    const std::filesystem::path& model) {
+platform::Expected<FaceDetector> FaceDetector::load(const std::filesystem::path& model) {
   return TfliteModel::load(model, blazeface::shapes(), inference::Runtime::xnnpack)
       .map([](TfliteModel&& loaded) { return FaceDetector(std::move(loaded)); });
 }

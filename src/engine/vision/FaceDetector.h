@@ -3,11 +3,9 @@
 #include <filesystem>
 #include <vector>
 
-#include <tl/expected.hpp>
-
-#include "corvana/IDError.h"
 #include "engine/vision/Face.h"
 #include "engine/vision/TfliteModel.h"
+#include "platform/foundation/Fault.h"
 #include "platform/media/PixelBuffer.h"
 
 namespace corvana::engine {
@@ -25,7 +23,7 @@ class FaceDetector {
     everywhere,
   };
 
-  static tl::expected<FaceDetector, corvana::IDError> load(const std::filesystem::path& model);
+  static platform::Expected<FaceDetector> load(const std::filesystem::path& model);
 
   /// All faces of the picture, the largest first. Faces wider than about an eighth of the picture's
   /// shorter side are found.

@@ -135,8 +135,7 @@ HeadPose headPose(const FaceMesh& mesh) {
           .roll = degrees(std::atan2(across.y, across.x))};
 }
 
-tl::expected<FaceLandmarks, corvana::IDError> FaceLandmarks::load(
-    const std::filesystem::path& model) {
+platform::Expected<FaceLandmarks> FaceLandmarks::load(const std::filesystem::path& model) {
   const TfliteModel::Shapes shapes{{1, kInputSide, kInputSide, 3}, {3 * kFaceMeshPoints, 1}};
   return TfliteModel::load(model, shapes, inference::Runtime::xnnpack)
       .map([](TfliteModel&& loaded) { return FaceLandmarks(std::move(loaded)); });

@@ -5,11 +5,9 @@
 #include <filesystem>
 #include <span>
 
-#include <tl/expected.hpp>
-
-#include "corvana/IDError.h"
 #include "engine/vision/Face.h"
 #include "engine/vision/TfliteModel.h"
+#include "platform/foundation/Fault.h"
 #include "platform/geometry/Geometry.h"
 #include "platform/media/PixelBuffer.h"
 
@@ -53,7 +51,7 @@ struct FaceDetails {
 /// The 468-point face surface network and what is read off its points. From one thread at a time.
 class FaceLandmarks {
  public:
-  static tl::expected<FaceLandmarks, corvana::IDError> load(const std::filesystem::path& model);
+  static platform::Expected<FaceLandmarks> load(const std::filesystem::path& model);
 
   /// Looks at the face in a square of one and a half times its box, levelled by its eyes.
   FaceDetails locate(const platform::PixelBuffer& picture, const Face& face);

@@ -8,8 +8,6 @@
 namespace corvana::engine {
 namespace {
 
-using corvana::IDError;
-
 using inference::Interpreter;
 using inference::Tensor;
 
@@ -38,36 +36,41 @@ bool hasShapes(const Interpreter& interpreter, const TfliteModel::Shapes& shapes
   return true;
 }
 
-IDError unusable(const std::filesystem::path& file, const char* what) {
-  return IDError("The model " + file.string() + " " + what +
-                 ": install the program's models again.");
+tl::unexpected<platform::Fault> unusable(const std::filesystem::path& file, const char* what,
+                                         platform::FaultCause cause) {
+  return platform::failure(
+      "The model " + file.string() + " " + what + ": install the program's models again.", cause);
+}
+
+tl::unexpected<platform::Fault> cannotBeRun(const std::filesystem::path& file) {
+  return unusable(file, "cannot be run by this TensorFlow Lite",
+                  platform::FaultCause::modelNotSupported);
 }
 
 }  // namespace
 
-tl::expected<TfliteModel, IDError> TfliteModel::load(const std::filesystem::path& file,
-                                                     const Shapes& shapes,
-                                                     inference::Runtime runtime) {
+platform::Expected<TfliteModel> TfliteModel::load(const std::filesystem::path& file,
+                                                  const Shapes& shapes,
+                                                  inference::Runtime runtime) {
+  using platform::FaultCause;
   std::error_code ignored;
   if (!std::filesystem::is_regular_file(file, ignored)) {
-    return tl::unexpected(unusable(file, "is missing"));
+    return unusable(file, "is missing", FaultCause::notAModel);
   }
   auto made = Interpreter::load(file, kThreads, runtime);
-  if (!made && made.error() == inference::LoadFault::notAModel) {
-    return tl::unexpected(unusable(file, "is not a readable model"));
+  if (!made && made.error().cause == FaultCause::notAModel) {
+    return unusable(file, "is not a readable model", FaultCause::notAModel);
   }
   if (!made || (shapes.isInputFree && !made->resizeInput(0, shapes.input)) ||
       !made->allocateTensors()) {
-    return tl::unexpected(unusable(file, "cannot be run by this TensorFlow Lite"));
+    return cannotBeRun(file);
   }
   if (!hasShapes(*made, shapes)) {
-    return tl::unexpected(unusable(file, "is another network than the one expected"));
+    return unusable(file, "is another network than the one expected", FaultCause::notAModel);
   }
   TfliteModel loaded(std::move(*made));
   std::ranges::fill(loaded.input(), 0.0F);
-  if (!loaded.interpreter_.invoke()) {
-    return tl::unexpected(unusable(file, "cannot be run by this TensorFlow Lite"));
-  }
+  if (!loaded.interpreter_.invoke()) return cannotBeRun(file);
   return loaded;
 }
 

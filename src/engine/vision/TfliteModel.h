@@ -6,10 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include <tl/expected.hpp>
-
-#include "corvana/IDError.h"
 #include "inference/Interpreter.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 
@@ -28,9 +26,8 @@ class TfliteModel {
 
   /// Loads the file and runs it once on zeros, so that what can fail fails here and the first
   /// picture is not slow. Errors: the file is missing, is no model, or has other shapes.
-  static tl::expected<TfliteModel, corvana::IDError> load(const std::filesystem::path& file,
-                                                          const Shapes& shapes,
-                                                          inference::Runtime runtime);
+  static platform::Expected<TfliteModel> load(const std::filesystem::path& file,
+                                              const Shapes& shapes, inference::Runtime runtime);
 
   /// Gives a free input another shape that the network is made for.
   void resizeInput(const std::vector<int>& shape);

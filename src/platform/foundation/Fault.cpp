@@ -22,6 +22,10 @@ const char* nameOf(FaultCause cause) {
       return "filmFailed";
     case FaultCause::timeLimit:
       return "timeLimit";
+    case FaultCause::notAModel:
+      return "notAModel";
+    case FaultCause::modelNotSupported:
+      return "modelNotSupported";
   }
   fatal("a fault has one of the known causes");
 }
@@ -30,6 +34,8 @@ bool canTryAgain(FaultCause cause) {
   switch (cause) {
     case FaultCause::diskFull:
     case FaultCause::folderLost:
+    case FaultCause::notAModel:
+    case FaultCause::modelNotSupported:
       return false;
     default:
       return true;

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <string>
+#include <utility>
+
+#include <tl/expected.hpp>
 
 namespace corvana::platform {
 
@@ -11,9 +14,11 @@ enum class FaultCause {
   cameraLost,      ///< unplugged, or it delivers nothing any more
   recordingEnded,  ///< the recorded file that stands in for a camera is over
   diskFull,
-  folderLost,  ///< the folder of the run is gone or may not be written any more
-  filmFailed,  ///< the encoder or the multiplexer gave up
-  timeLimit,   ///< the flow took longer than it is allowed to
+  folderLost,         ///< the folder of the run is gone or may not be written any more
+  filmFailed,         ///< the encoder or the multiplexer gave up
+  timeLimit,          ///< the flow took longer than it is allowed to
+  notAModel,          ///< a network's file is missing, or holds no TensorFlow Lite model
+  modelNotSupported,  ///< a network needs what the installed TensorFlow Lite does not offer
 };
 
 /// One sentence for the user of the program (what, where, what to do), and its cause.
@@ -21,6 +26,16 @@ struct Fault {
   std::string sentence;
   FaultCause cause = FaultCause::other;
 };
+
+/// A value, or why there is none: the one currency for errors below the host's public face, where
+/// they become an `IDError`.
+template <class T>
+using Expected = tl::expected<T, Fault>;
+
+/// What an `Expected` of any value is given when there is none.
+inline tl::unexpected<Fault> failure(std::string sentence, FaultCause cause = FaultCause::other) {
+  return tl::unexpected(Fault{std::move(sentence), cause});
+}
 
 /// The name of a cause in results and logs, such as "diskFull".
 const char* nameOf(FaultCause cause);

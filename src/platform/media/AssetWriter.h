@@ -42,7 +42,7 @@ class AssetWriter {
   virtual bool appendAudio(const CMSampleBufferRef& sample) = 0;
   /// Ends the film and closes the file; blocks until that is done, so not on the main queue in real
   /// time. A second call returns the same answer.
-  virtual tl::expected<void, Fault> finish() = 0;
+  virtual Expected<void> finish() = 0;
   /// The first error; absent while all is well. Any thread.
   virtual std::optional<Fault> fault() const = 0;
   /// Pictures that the encoder has not taken yet. Any thread.
@@ -56,7 +56,7 @@ class AssetWriterFactory {
   virtual ~AssetWriterFactory() = default;
   /// `path` must not exist yet. Absent settings mean the maker's defaults for video and no sound
   /// track for audio. Any thread, one film at a time.
-  virtual tl::expected<std::shared_ptr<AssetWriter>, Fault> make(
+  virtual Expected<std::shared_ptr<AssetWriter>> make(
       const std::filesystem::path& path, const std::optional<WriterSettings>& video,
       const std::optional<WriterSettings>& audio) = 0;
 };

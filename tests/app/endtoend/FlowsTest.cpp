@@ -28,7 +28,7 @@ Arguments captureOf(const Session& session, const fs::path& run, const Arguments
 
 double secondsOfFilm(const fs::path& file) {
   const auto film = devices::probe(file);
-  EXPECT_TRUE(film) << film.error();
+  EXPECT_TRUE(film) << film.error().sentence;
   return film ? platform::inSeconds(film->duration) : 0;
 }
 
@@ -56,7 +56,7 @@ TEST(EndToEnd, AGoodSessionEndsInAResultThatCanBeVerifiedAndRepeated) {
   EXPECT_FALSE(fs::exists(run / "film.partial.mp4"));
 
   const auto film = devices::probe(run / "film.mp4");
-  ASSERT_TRUE(film) << film.error();
+  ASSERT_TRUE(film) << film.error().sentence;
   EXPECT_TRUE(film->hasAudio);
   EXPECT_EQ(film->width, 720);
   EXPECT_NEAR(secondsOfFilm(run / "film.mp4"), result["recording"]["seconds"], 0.05);

@@ -28,7 +28,7 @@ app::WindowLooks speak(const std::string& language) {
   app::WindowLooks looks;
   const auto file = folder / ((longer ? "en" : language) + ".json");
   const auto applied = app::applyAppearance(file, looks);
-  EXPECT_TRUE(applied) << applied.error();
+  EXPECT_TRUE(applied) << applied.error().sentence;
   if (!longer) return looks;
   for (const app::TextEntry& entry : app::translatableTexts(looks)) {
     std::string& text = *entry.text;

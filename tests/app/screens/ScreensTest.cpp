@@ -43,7 +43,7 @@ TEST_F(Screens, EveryLanguageHasEveryTextAndKeepsItsPlace) {
   for (const auto& entry : fs::directory_iterator(fs::path(STORYBOARDS) / "languages")) {
     ++languages;
     const auto applied = app::applyAppearance(entry.path(), looks);
-    EXPECT_TRUE(applied) << applied.error();
+    EXPECT_TRUE(applied) << applied.error().sentence;
     std::set<std::string> missing = wanted;
     const auto texts = nlohmann::json::parse(contentOf(entry.path()));
     for (const auto& [key, value] : texts.items())
@@ -77,7 +77,8 @@ TEST_F(Screens, ThemesSetTheTablesAndFaultsAreNamed) {
   for (const auto& [json, complaint] : faults) {
     const auto applied = apply(json);
     ASSERT_FALSE(applied) << json;
-    EXPECT_NE(applied.error().find(complaint), std::string::npos) << applied.error();
+    EXPECT_NE(applied.error().sentence.find(complaint), std::string::npos)
+        << applied.error().sentence;
   }
   EXPECT_FALSE(app::applyLooks({false, "../en", {}}, {}, looks));
 }

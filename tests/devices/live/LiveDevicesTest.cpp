@@ -33,7 +33,7 @@ class LiveDevicesTest : public ::testing::Test {
   void open(LiveDevices::Setup setup) {
     setup.patience = kAnyTime;
     auto opened = LiveDevices::open(loop, std::move(setup));
-    ASSERT_TRUE(opened) << opened.error();
+    ASSERT_TRUE(opened) << opened.error().sentence;
     media = *opened;
     media->onError = [&](const platform::Fault& fault) { faults.push_back(fault); };
     media->onWarning = [&](const std::string& sentence) { warnings.push_back(sentence); };
@@ -205,7 +205,7 @@ TEST_F(LiveDevicesTest, RefusesADeviceThatDeliversNothing) {
     const auto opened =
         LiveDevices::open(loop, {.camera = camera.source(opening), .patience = patience});
     ASSERT_FALSE(opened);
-    EXPECT_NE(opened.error().find(words), std::string::npos) << opened.error();
+    EXPECT_NE(opened.error().sentence.find(words), std::string::npos) << opened.error().sentence;
   }
   const GError error{GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_OPEN_READ_WRITE, nullptr};
   EXPECT_NE(liveFault("camera", "C", error, "system error: Permission denied").find("group video"),
@@ -226,7 +226,7 @@ TEST_F(LiveDevicesTest, PlaysAFileOverAndOverInStepWithItsSound) {
   // Times count anew when the machine stood still for seconds: such a round says nothing.
   do {
     auto file = openLiveFile(clip);
-    ASSERT_TRUE(file) << file.error();
+    ASSERT_TRUE(file) << file.error().sentence;
     media.reset();
     passTime();
     pictures.clear(), sounds.clear(), warnings.clear();

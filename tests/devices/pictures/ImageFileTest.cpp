@@ -55,13 +55,13 @@ TEST(ImageFileTest, readsWhatItWrites) {
   const PixelBuffer image = flag();
   ASSERT_TRUE(writePng(folder / "flag.png", image));
   const auto png = readImage(folder / "flag.png");
-  ASSERT_TRUE(png) << png.error();
+  ASSERT_TRUE(png) << png.error().sentence;
   EXPECT_EQ((*png)->bytes(), image.bytes());
 
   ASSERT_TRUE(writeJpeg(folder / "flag.jpg", image));
   ASSERT_TRUE(writeJpeg(folder / "flag.jpg", image)) << "a second writing replaces the file";
   const auto jpeg = readImage(folder / "flag.jpg");
-  ASSERT_TRUE(jpeg) << jpeg.error();
+  ASSERT_TRUE(jpeg) << jpeg.error().sentence;
   ASSERT_EQ((*jpeg)->width(), kWidth);
   expectRed((*jpeg)->plane(0) + 20 * (*jpeg)->stride(0) + 5 * 3);
   constexpr auto kOwners = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
@@ -76,7 +76,7 @@ TEST(ImageFileTest, writesLimitedRangeColoursAsTheyAre) {
   bytes.resize(bytes.size() + 32 * 32, 240);
   ASSERT_TRUE(writePng(folder / "red.png", PixelBuffer(64, 64, PixelFormat::i420, bytes)));
   const auto red = readImage(folder / "red.png");
-  ASSERT_TRUE(red) << red.error();
+  ASSERT_TRUE(red) << red.error().sentence;
   expectRed((*red)->plane(0));
 }
 
@@ -90,7 +90,7 @@ TEST(ImageFileTest, turnsPicturesUpright) {
     SCOPED_TRACE(++orientation);
     writeBytes(folder / "turned.jpg", withOrientation(jpeg, static_cast<char>(orientation)));
     const auto image = readImage(folder / "turned.jpg");
-    ASSERT_TRUE(image) << image.error();
+    ASSERT_TRUE(image) << image.error().sentence;
     EXPECT_EQ((*image)->width(), orientation > 4 ? kHeight : kWidth);
     EXPECT_EQ(colourAt(**image, sides[0]), 'G');
     EXPECT_EQ(colourAt(**image, sides[1]), 'R');
@@ -116,7 +116,7 @@ TEST(ImageFileTest, saysInOneSentenceWhatIsWrong) {
   for (const auto& [name, part] : cases) {
     const auto image = readImage(folder / name);
     ASSERT_FALSE(image) << name;
-    EXPECT_NE(image.error().find(part), std::string::npos) << image.error();
+    EXPECT_NE(image.error().sentence.find(part), std::string::npos) << image.error().sentence;
   }
   EXPECT_FALSE(writePng(folder / "none/flag.png", flag()));
 }

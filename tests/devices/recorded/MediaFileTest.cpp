@@ -32,7 +32,7 @@ class MediaFileTest : public ::testing::Test {
 
 TEST_F(MediaFileTest, deliversPicturesAndSoundAtTheirTimes) {
   const auto info = probe(clip);
-  ASSERT_TRUE(info) << info.error();
+  ASSERT_TRUE(info) << info.error().sentence;
   EXPECT_EQ(info->width, 320);
   EXPECT_EQ(info->height, 240);
   EXPECT_NEAR(info->frameRate, 25, 1e-9);
@@ -106,7 +106,7 @@ TEST_F(MediaFileTest, turnsPicturesUprightAndKeepsOddSizesAndUnevenTimes) {
   EXPECT_EQ(uneven.pictures[1]->duration, milliseconds(80));
 
   const auto wide = probe(make("wide.mp4", input + " -an -vf setsar=3/2"));
-  ASSERT_TRUE(wide) << wide.error();
+  ASSERT_TRUE(wide) << wide.error().sentence;
   EXPECT_EQ(wide->width, 480);
 }
 
@@ -135,10 +135,11 @@ TEST_F(MediaFileTest, saysInOneSentenceWhatIsWrongWithAFile) {
        }) {
     const auto file = MediaFile::open(loop, folder / name);
     ASSERT_FALSE(file) << name;
-    EXPECT_NE(file.error().find(part), std::string::npos) << file.error();
-    EXPECT_NE(file.error().find((folder / name).string()), std::string::npos) << file.error();
-    EXPECT_EQ(file.error().back(), '.');
-    EXPECT_EQ(std::ranges::count(file.error(), '\n'), 0) << file.error();
+    EXPECT_NE(file.error().sentence.find(part), std::string::npos) << file.error().sentence;
+    EXPECT_NE(file.error().sentence.find((folder / name).string()), std::string::npos)
+        << file.error().sentence;
+    EXPECT_EQ(file.error().sentence.back(), '.');
+    EXPECT_EQ(std::ranges::count(file.error().sentence, '\n'), 0) << file.error().sentence;
   }
 }
 
@@ -161,7 +162,7 @@ TEST_F(MediaFileTest, endsOrFailsWithASentenceWhateverTheBytes) {
 TEST_F(MediaFileTest, dropsAndCountsInRealTimeWhatCameFarTooLate) {
   StallingLoop stalling;
   const auto file = MediaFile::open(stalling, clip);
-  ASSERT_TRUE(file) << file.error();
+  ASSERT_TRUE(file) << file.error().sentence;
   int pictures = 0;
   (*file)->camera()->start([&](const auto&) {
     if (++pictures == 10) stalling.stall = std::chrono::seconds(1);

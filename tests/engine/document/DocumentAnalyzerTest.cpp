@@ -48,7 +48,7 @@ class DocumentAnalyzerTest : public testing::Test {
     return double(capture::levenshteinDistance(textOf(a), textOf(b))) / double(longer);
   }
 
-  tl::expected<DocumentAnalyzer, corvana::IDError> analyzer = DocumentAnalyzer::load(
+  platform::Expected<DocumentAnalyzer> analyzer = DocumentAnalyzer::load(
       std::make_shared<engine::FaceDetector>(engine::FaceDetector::load(FACE_MODEL).value()),
       {.text = kTextModels});
 };
@@ -75,7 +75,7 @@ TEST_F(DocumentAnalyzerTest, ReadsACardAlikeTwiceAndAnotherDifferently) {
     const auto other = tests::drawCard(design, tests::holder(1), "person_b.jpg");
     const auto still = tests::hold(card.front, {.y = 600, .width = 690, .background = 2});
     const auto reference = analyzer->analyzeStill(still.picture);
-    ASSERT_TRUE(reference) << reference.error().localizedDescription();
+    ASSERT_TRUE(reference) << reference.error().sentence;
     for (const Held& held : std::span(kPoses).first(3)) {  // small print needs more than a zone
       SCOPED_TRACE(testing::Message() << "design " << design << ", width " << held.width);
       const auto same = read(card.front, held);
@@ -93,7 +93,7 @@ TEST_F(DocumentAnalyzerTest, TakesStillsInAnyPosition) {
   cv::cvtColor(card.front, upright, cv::COLOR_RGBA2RGB);
   for (int turns = 0; turns < 4; ++turns) {
     const auto reading = analyzer->analyzeStill(engine::pixelBufferFrom(upright));
-    ASSERT_TRUE(reading) << reading.error().localizedDescription();
+    ASSERT_TRUE(reading) << reading.error().sentence;
     EXPECT_NE(textOf(*reading).find("OKONKWO"), std::string::npos) << turns;
     EXPECT_EQ(reading->data.type, "IDENTITY_CARD_FRONT");
     EXPECT_EQ(reading->data.image->pixels()->width(), 1000);
@@ -126,7 +126,7 @@ TEST(DocumentAnalyzerLoad, NamesWhatIsMissing) {
         {{.text = kTextModels, .ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"}}) {
     const auto loaded = DocumentAnalyzer::load(nullptr, setup);
     ASSERT_FALSE(loaded);
-    const std::string message = loaded.error().localizedDescription();
+    const std::string message = loaded.error().sentence;
     EXPECT_NE(message.find(missing), std::string::npos) << message;
   }
 }

@@ -34,7 +34,7 @@ TEST(TfliteModel, SaysWhatIsWrongWithAFile) {
   for (const auto& [file, reason] : cases) {
     const auto detector = engine::FaceDetector::load(file);
     ASSERT_FALSE(detector.has_value()) << file;
-    const std::string message = detector.error().localizedDescription();
+    const std::string message = detector.error().sentence;
     EXPECT_NE(message.find(reason), std::string::npos) << message;
     EXPECT_NE(message.find(file.string()), std::string::npos) << message;
   }

@@ -12,18 +12,16 @@ void FontFace::Delete::operator()(FT_FaceRec_* face) const {
   FT_Done_Face(face);
 }
 
-tl::expected<FontFace, corvana::IDError> FontFace::load(const std::filesystem::path& file) {
+platform::Expected<FontFace> FontFace::load(const std::filesystem::path& file) {
   FontFace font;
   FT_Library library = nullptr;
   if (FT_Init_FreeType(&library) != 0) {
-    return tl::unexpected(
-        corvana::IDError("FreeType could not be started: reinstall libfreetype6."));
+    return platform::failure("FreeType could not be started: reinstall libfreetype6.");
   }
   font.library_.reset(library);
   FT_Face face = nullptr;
   if (FT_New_Face(library, file.c_str(), 0, &face) != 0) {
-    return tl::unexpected(
-        corvana::IDError("The font " + file.string() + " is missing or is not a font."));
+    return platform::failure("The font " + file.string() + " is missing or is not a font.");
   }
   font.face_.reset(face);
   return font;

@@ -5,9 +5,8 @@
 #include <vector>
 
 #include <opencv2/core.hpp>
-#include <tl/expected.hpp>
 
-#include "corvana/IDError.h"
+#include "platform/foundation/Fault.h"
 
 struct FT_FaceRec_;
 struct FT_LibraryRec_;
@@ -25,7 +24,7 @@ class FontFace {
     double advance = 0;  ///< from this letter's pen to the next one's, pixels
   };
 
-  static tl::expected<FontFace, corvana::IDError> load(const std::filesystem::path& file);
+  static platform::Expected<FontFace> load(const std::filesystem::path& file);
 
   /// Opens a font file at a size: `emPixels` is the side of its em square in pixels.
   Glyph draw(char32_t letter, int emPixels);

@@ -40,16 +40,16 @@ int rowOfPair(std::size_t i, std::size_t j) {
 
 }  // namespace
 
-tl::expected<MrzGlyphClassifier, corvana::IDError> MrzGlyphClassifier::train(
+platform::Expected<MrzGlyphClassifier> MrzGlyphClassifier::train(
     const std::vector<std::filesystem::path>& fonts) {
   const auto found = std::find_if(fonts.begin(), fonts.end(), [](const auto& file) {
     std::error_code error;
     return std::filesystem::is_regular_file(file, error);
   });
   if (found == fonts.end()) {
-    return tl::unexpected(corvana::IDError(
+    return platform::failure(
         "The OCR-B font, from which reading machine-readable zones is learned, was not found: "
-        "install the package fonts-ocr-b."));
+        "install the package fonts-ocr-b.");
   }
   auto font = FontFace::load(*found);
   if (!font) return tl::unexpected(font.error());

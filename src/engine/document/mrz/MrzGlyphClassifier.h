@@ -5,9 +5,8 @@
 #include <vector>
 
 #include <opencv2/core.hpp>
-#include <tl/expected.hpp>
 
-#include "corvana/IDError.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 
@@ -31,7 +30,7 @@ class MrzGlyphClassifier {
   };
 
   /// Trains the classifier on the first of the fonts that exists. Error: none does.
-  static tl::expected<MrzGlyphClassifier, corvana::IDError> train(
+  static platform::Expected<MrzGlyphClassifier> train(
       const std::vector<std::filesystem::path>& fonts);
 
   /// One row per cell: `kCellWidth * kCellHeight` grey values (CV_32F), dark letters on light.

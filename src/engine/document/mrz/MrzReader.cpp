@@ -149,8 +149,7 @@ platform::CGRect rectOf(const cv::Rect& rect) {
 
 }  // namespace
 
-tl::expected<MrzReader, corvana::IDError> MrzReader::load(
-    const std::vector<std::filesystem::path>& fonts) {
+platform::Expected<MrzReader> MrzReader::load(const std::vector<std::filesystem::path>& fonts) {
   return Classifier::train(fonts).map(
       [](Classifier classifier) { return MrzReader(std::move(classifier)); });
 }

@@ -5,11 +5,9 @@
 #include <string>
 #include <vector>
 
-#include <tl/expected.hpp>
-
 #include "corvana/DetectedData.h"
-#include "corvana/IDError.h"
 #include "engine/document/mrz/MrzGlyphClassifier.h"
+#include "platform/foundation/Fault.h"
 #include "platform/geometry/Geometry.h"
 #include "platform/media/PixelBuffer.h"
 
@@ -30,7 +28,7 @@ struct MrzReading {
 class MrzReader {
  public:
   /// Learns the letters from the first of the fonts that exists (0.2 s). Error: none does.
-  static tl::expected<MrzReader, corvana::IDError> load(
+  static platform::Expected<MrzReader> load(
       const std::vector<std::filesystem::path>& fonts = defaultOcrBFonts());
 
   /// Reads the zone of a card, which must be upright and about 1000 pixels wide.

@@ -57,12 +57,12 @@ LineRecognizer::Reading decoded(std::span<const float> shares, std::size_t answe
 
 }  // namespace
 
-tl::expected<LineRecognizer, corvana::IDError> LineRecognizer::load(
-    const std::filesystem::path& model, const std::filesystem::path& alphabet) {
+platform::Expected<LineRecognizer> LineRecognizer::load(const std::filesystem::path& model,
+                                                        const std::filesystem::path& alphabet) {
   std::vector<std::string> letters = linesOf(alphabet);
   if (letters.empty()) {
-    return tl::unexpected(corvana::IDError("The alphabet " + alphabet.string() +
-                                           " is missing: install the program's models again."));
+    return platform::failure("The alphabet " + alphabet.string() +
+                             " is missing: install the program's models again.");
   }
   const std::size_t values = (letters.size() + 1) * kLeastWidth / kStride;
   std::vector<Fitted> networks;

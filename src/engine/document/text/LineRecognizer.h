@@ -7,7 +7,6 @@
 #include <opencv2/core.hpp>
 #include <tl/expected.hpp>
 
-#include "corvana/IDError.h"
 #include "engine/vision/TfliteModel.h"
 
 namespace corvana::engine {
@@ -22,8 +21,8 @@ class LineRecognizer {
   };
 
   /// `alphabet` names the network's letters, one a line.
-  static tl::expected<LineRecognizer, corvana::IDError> load(const std::filesystem::path& model,
-                                                             const std::filesystem::path& alphabet);
+  static platform::Expected<LineRecognizer> load(const std::filesystem::path& model,
+                                                 const std::filesystem::path& alphabet);
 
   /// Reads an 8-bit RGB picture of a line, `kLineHeight` high. About 16 ms for 300 pixels. Lines of
   /// like width in a row are quicker: the network is fitted to each width.

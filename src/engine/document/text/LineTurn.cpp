@@ -12,7 +12,7 @@ constexpr int kWidth = 192;
 
 }  // namespace
 
-tl::expected<LineTurn, corvana::IDError> LineTurn::load(const std::filesystem::path& model) {
+platform::Expected<LineTurn> LineTurn::load(const std::filesystem::path& model) {
   return TfliteModel::load(model, {{1, kLineHeight, kWidth, 3}, {2}}, inference::Runtime::xnnpack)
       .map([](TfliteModel&& loaded) { return LineTurn(std::move(loaded)); });
 }

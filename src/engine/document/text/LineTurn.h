@@ -5,7 +5,6 @@
 #include <opencv2/core.hpp>
 #include <tl/expected.hpp>
 
-#include "corvana/IDError.h"
 #include "engine/vision/TfliteModel.h"
 
 namespace corvana::engine {
@@ -13,7 +12,7 @@ namespace corvana::engine {
 /// Tells whether a line of print stands on its head. One thread at a time. Movable.
 class LineTurn {
  public:
-  static tl::expected<LineTurn, corvana::IDError> load(const std::filesystem::path& model);
+  static platform::Expected<LineTurn> load(const std::filesystem::path& model);
 
   /// How likely an 8-bit RGB picture of a line, `kLineHeight` high, is upside down, 0 to 1; about
   /// 0.5 ms. Of a long line the beginning is looked at.

@@ -54,7 +54,7 @@ std::vector<std::filesystem::path> NetworkTextReader::Models::files() const {
 NetworkTextReader::NetworkTextReader(TextBoxes boxes, LineRecognizer recognizer, LineTurn turn)
     : boxes_(std::move(boxes)), recognizer_(std::move(recognizer)), turn_(std::move(turn)) {}
 
-tl::expected<NetworkTextReader, corvana::IDError> NetworkTextReader::load(const Models& models) {
+platform::Expected<NetworkTextReader> NetworkTextReader::load(const Models& models) {
   auto boxes = TextBoxes::load(models.boxes);
   if (!boxes) return tl::unexpected(boxes.error());
   auto recognizer = LineRecognizer::load(models.recognizer, models.alphabet);

@@ -6,7 +6,6 @@
 
 #include <tl/expected.hpp>
 
-#include "corvana/IDError.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/text/LineRecognizer.h"
 #include "engine/document/text/LineTurn.h"
@@ -29,7 +28,7 @@ class NetworkTextReader final : public TextReader {
   };
 
   /// Loads the models (0.3 s). Error: one is missing or broken.
-  static tl::expected<NetworkTextReader, corvana::IDError> load(const Models& models);
+  static platform::Expected<NetworkTextReader> load(const Models& models);
 
   /// The places of lines, without their text: most of what reading costs, bar a few lines.
   std::vector<TextLine> find(const platform::PixelBuffer& card);

@@ -65,7 +65,7 @@ std::optional<cv::RotatedRect> lineOf(const std::vector<cv::Point>& outline,
 
 }  // namespace
 
-tl::expected<TextBoxes, corvana::IDError> TextBoxes::load(const std::filesystem::path& model) {
+platform::Expected<TextBoxes> TextBoxes::load(const std::filesystem::path& model) {
   return TfliteModel::load(model, {{1, kHeight, kWidth, 3}, {kHeight * kWidth}},
                            inference::Runtime::xnnpack)
       .map([](TfliteModel&& loaded) { return TextBoxes(std::move(loaded)); });

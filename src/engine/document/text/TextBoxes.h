@@ -6,7 +6,6 @@
 #include <opencv2/core.hpp>
 #include <tl/expected.hpp>
 
-#include "corvana/IDError.h"
 #include "engine/vision/TfliteModel.h"
 
 namespace corvana::engine {
@@ -14,7 +13,7 @@ namespace corvana::engine {
 /// Finds where lines of print are in a picture. One thread at a time. Movable.
 class TextBoxes {
  public:
-  static tl::expected<TextBoxes, corvana::IDError> load(const std::filesystem::path& model);
+  static platform::Expected<TextBoxes> load(const std::filesystem::path& model);
 
   /// The lines of an 8-bit RGB picture as rectangles around their letters, in its pixels: the width
   /// runs along the line, and the angle (degrees clockwise) is within 45° of level. About 0.2 s.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ostream>
+#include <string>
 #include <string_view>
 
 namespace corvana::app {
@@ -13,10 +14,20 @@ enum class ExitCode : int {
   machineLacks = 3,  ///< a model, plugin or package is missing
 };
 
+/// Why the program does not do what it was asked for.
+struct Refusal {
+  ExitCode code;
+  std::string sentence;
+};
+
 /// Tells the user what is wrong, as one line of the program's; returns `code`.
 inline ExitCode complain(std::ostream& err, ExitCode code, std::string_view sentence) {
   err << "videoid: " << sentence << '\n';
   return code;
+}
+
+inline ExitCode complain(std::ostream& err, const Refusal& refusal) {
+  return complain(err, refusal.code, refusal.sentence);
 }
 
 }  // namespace corvana::app

@@ -1,4 +1,4 @@
-#include "app/commands/Doctor.h"
+#include "app/run/MachineCheck.h"
 
 #include <algorithm>
 #include <iterator>
@@ -26,9 +26,9 @@ std::string inMebibytes(std::uintmax_t bytes) {
 }
 
 template <class Model>
-Finding model(const fs::path& path, const tl::expected<Model, corvana::IDError>& loaded) {
+Finding model(const fs::path& path, const platform::Expected<Model>& loaded) {
   return {"model " + path.filename().string(), loaded.has_value(),
-          loaded ? "" : loaded.error().localizedDescription()};
+          loaded ? "" : loaded.error().sentence};
 }
 
 Finding anyFile(const std::string& what, const std::vector<fs::path>& candidates,
@@ -43,13 +43,12 @@ Finding anyFile(const std::string& what, const std::vector<fs::path>& candidates
 Finding speechModel() {
   const auto fault =
       engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder).findFault();
-  return {"speech model", !fault, fault ? fault->localizedDescription() : ""};
+  return {"speech model", !fault, fault ? fault->sentence : ""};
 }
 
 Finding textModels(const Resources& resources) {
   const auto loaded = engine::NetworkTextReader::load(resources.textReader());
-  return {"text recognition models", loaded.has_value(),
-          loaded ? "" : loaded.error().localizedDescription()};
+  return {"text recognition models", loaded.has_value(), loaded ? "" : loaded.error().sentence};
 }
 
 Finding mediaPlugins() {

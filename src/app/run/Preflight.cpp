@@ -1,0 +1,141 @@
+#include "app/run/Preflight.h"
+
+#include <string>
+
+#include "app/run/MachineCheck.h"
+#include "devices/loudspeaker/EspeakSynthesizer.h"
+#include "engine/recorder/LateFrameAnalyzer.h"
+#include "engine/recorder/VisionFrameAnalyzer.h"
+
+namespace corvana::app {
+namespace {
+
+tl::unexpected<Refusal> refuse(ExitCode code, std::string sentence) {
+  return tl::unexpected(Refusal{code, std::move(sentence)});
+}
+
+/// Why the screen and the time that were asked for can't be had; empty when they can.
+std::string screenFault(const CaptureArguments& arguments) {
+  if (!arguments.source.isRecording() && arguments.time == TimeKind::media) {
+    return "A live camera works in real time; leave out --time media, or name a recorded video "
+           "with --camera.";
+  }
+  if (arguments.screen != ScreenKind::window) {
+    return arguments.spokenHints ? "Hints are spoken only with --screen window." : "";
+  }
+  if (arguments.time == TimeKind::media) {
+    return "A window shows a run in real time; leave out --time media, or use --screen headless.";
+  }
+  if (!windowIsPossible()) {
+    return "There is no display for a window; use --screen headless, or set DISPLAY.";
+  }
+  return {};
+}
+
+std::string hintsFault(const CaptureArguments& arguments, const WindowLooks& looks) {
+  if (arguments.screen != ScreenKind::window || !looks.spokenHints) return {};
+  return devices::EspeakSynthesizer::fault().value_or("");
+}
+
+std::unique_ptr<platform::DrivenLoop> makeLoopFor(const CaptureArguments& arguments) {
+  if (arguments.screen == ScreenKind::window) return makeWindowLoop();
+  const TimeKind usual = arguments.source.isRecording() ? TimeKind::media : TimeKind::real;
+  return makeLoop(arguments.time.value_or(usual));
+}
+
+std::unique_ptr<FlowScreen> makeScreenFor(const CaptureArguments& arguments,
+                                          const WindowWishes& wishes, const Resources& resources,
+                                          platform::RunLoop& loop) {
+  if (arguments.screen == ScreenKind::window) return makeWindowScreen(loop, wishes, resources);
+  return makeHeadlessScreen(loop);
+}
+
+using Analyzer = std::shared_ptr<engine::FrameAnalyzer>;
+
+Expected<Analyzer> loadAnalyzer(const Resources& resources, const DocumentRules& rules) {
+  if (const auto lack = lacks({examineFaceModel(resources)}); !lack.empty()) {
+    return platform::failure(lack);
+  }
+  auto loaded = engine::VisionFrameAnalyzer::load(
+      {resources.faceDetector(), resources.faceLandmarks(), resources.textReader(), rules.today});
+  if (!loaded) return tl::unexpected(loaded.error());
+  return *loaded;
+}
+
+/// A user does not wait for the models to see their picture; a replay has all the time it wants.
+Expected<Analyzer> startAnalyzer(const Resources& resources, const DocumentRules& rules,
+                                 platform::RunLoop& loop) {
+  if (loop.isVirtual()) return loadAnalyzer(resources, rules);
+  return engine::LateFrameAnalyzer::start(
+      loop, [resources, rules] { return loadAnalyzer(resources, rules); });
+}
+
+/// What is missing whatever the camera is; empty when nothing is.
+std::string machineLack(const CaptureArguments& arguments) {
+  if (auto lack = lacks(examineMachine()); !lack.empty()) return lack;
+  if (!devices::realTimeVideoCodecs(arguments.videoCodec).empty()) return {};
+  return "No encoder for the film's --video-codec is installed: install "
+         "gstreamer1.0-plugins-bad for hevc, gstreamer1.0-plugins-ugly for h264.";
+}
+
+/// Dresses the screen as it was asked for.
+tl::expected<WindowWishes, Refusal> chooseLooks(const CaptureArguments& arguments,
+                                                const Resources& resources) {
+  WindowWishes wishes = arguments.window;
+  const auto dressed =
+      applyLooks({arguments.screen == ScreenKind::window, arguments.language, arguments.theme},
+                 resources, wishes.looks);
+  if (!dressed) return refuse(ExitCode::wrongUse, dressed.error().sentence);
+  wishes.looks.spokenHints |= arguments.spokenHints;
+  if (const auto fault = hintsFault(arguments, wishes.looks); !fault.empty()) {
+    return refuse(ExitCode::machineLacks, fault);
+  }
+  return wishes;
+}
+
+/// Why the options can't be obeyed, before any file is opened; empty when they can.
+std::string optionsFault(const CaptureArguments& arguments) {
+  if (!arguments.text && !arguments.textFile) {
+    return "Give the text to be read with --text or --text-file.";
+  }
+  return screenFault(arguments);
+}
+
+}  // namespace
+
+tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& arguments) {
+  if (const auto fault = optionsFault(arguments); !fault.empty()) {
+    return refuse(ExitCode::wrongUse, fault);
+  }
+  PreparedCapture prepared;
+  prepared.resources = findResources();
+  const auto wishes = chooseLooks(arguments, prepared.resources);
+  if (!wishes) return tl::unexpected(wishes.error());
+  prepared.rules = documentRules(arguments.documents);
+  auto inputs = checkInputs(arguments);
+  if (!inputs) return refuse(ExitCode::wrongUse, inputs.error().sentence);
+  prepared.inputs = std::move(*inputs);
+  if (const auto lack = machineLack(arguments); !lack.empty()) {
+    return refuse(ExitCode::machineLacks, lack);
+  }
+  prepared.stage.loop = makeLoopFor(arguments);
+  platform::RunLoop& loop = *prepared.stage.loop;
+  auto media = prepared.inputs.openMedia(loop);
+  if (!media) return refuse(ExitCode::wrongUse, media.error().sentence);
+  prepared.media = *media;
+  const std::filesystem::path& folder = prepared.inputs.folder;
+  const auto needed = bytesNeeded(prepared.media->camera().get(), arguments.maxDurationSeconds);
+  if (const auto lack = lacks({diskSpace(folder, needed)}); !lack.empty()) {
+    return refuse(ExitCode::machineLacks, lack);
+  }
+  auto analyzer = startAnalyzer(prepared.resources, prepared.rules, loop);
+  if (!analyzer) return refuse(ExitCode::machineLacks, analyzer.error().sentence);
+  prepared.analyzer = *analyzer;
+  if (auto made = makeEmptyFolder(folder); !made) {
+    return refuse(ExitCode::wrongUse, made.error().sentence);
+  }
+  prepared.stage.screen = makeScreenFor(arguments, *wishes, prepared.resources, loop);
+  return prepared;
+}
+
+}  // namespace corvana::app
