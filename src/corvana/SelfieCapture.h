@@ -59,6 +59,13 @@ struct SelfieCapture {
     std::string multipleFacesDetected = "Only one face, please";
     std::string capturingFace = "Hold still";
     std::string realFace = "Face accepted";
+    // What a `DetectedIssue` says of a face that is in its place but not fit for a selfie.
+    std::string showWholeFace = "Show your whole face";
+    std::string tooDark = "It is too dark here";
+    std::string tooBright = "It is too bright here";
+    std::string blurred = "Hold still, the picture is blurred";
+    std::string lookStraight = "Look straight into the camera";
+    std::string openEyes = "Open your eyes";
     std::string retryScreenText = "Your face could not be captured. Please try again";
     std::string retryButtonText = "Try Again";
     std::string cancelButtonText = "Cancel";

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "corvana/IDCapture.h"
-#include "corvana/SelfieCapture.h"
-#include "corvana/VideoCapture.h"
+#include "corvana/HostTables.h"
 
 namespace corvana::tests {
 
@@ -10,31 +8,12 @@ namespace corvana::tests {
 class HostTablesGuard {
  public:
   HostTablesGuard() = default;
+  ~HostTablesGuard() { hostTables() = before_; }
   HostTablesGuard(const HostTablesGuard&) = delete;
   HostTablesGuard& operator=(const HostTablesGuard&) = delete;
 
  private:
-  template <class Table>
-  struct Restore {
-    Table& table;
-    Table before = table;
-    ~Restore() { table = before; }
-  };
-
-  template <class Capture>
-  struct RestoreCapture {
-    Restore<decltype(Capture::options)> options{Capture::options};
-    Restore<decltype(Capture::strings)> strings{Capture::strings};
-    Restore<decltype(Capture::colors)> colors{Capture::colors};
-    Restore<decltype(Capture::fonts)> fonts{Capture::fonts};
-    Restore<decltype(Capture::images)> images{Capture::images};
-    Restore<decltype(Capture::layout)> layout{Capture::layout};
-  };
-
-  RestoreCapture<corvana::SelfieCapture> selfie_;
-  RestoreCapture<corvana::IDCapture> id_;
-  Restore<corvana::VideoCapture::Options> options_{corvana::VideoCapture::options};
-  Restore<corvana::VideoCapture::Strings> strings_{corvana::VideoCapture::strings};
+  decltype(valuesOf(hostTables())) before_ = valuesOf(hostTables());
 };
 
 }  // namespace corvana::tests

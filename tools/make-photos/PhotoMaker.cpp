@@ -176,7 +176,7 @@ Result<void> Maker::photograph(const Taken& what, const Design& design, const Si
   const platform::PixelBuffer pixels(picture.cols, picture.rows, platform::PixelFormat::rgb24,
                                      bytes);
   if (auto written = devices::writeJpeg(folder_ / taken.file, pixels, conditions.quality); !written)
-    return fault(written.error());
+    return fault(written.error().sentence);
   pictures_.push_back(truthOf(taken, design, side, conditions, *made));
   return {};
 }

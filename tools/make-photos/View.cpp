@@ -11,6 +11,12 @@ namespace {
 constexpr double kRadian = CV_PI / 180.0;
 constexpr double kLeastMargin = 3.0;  // pixels between what is whole and the frame
 
+/// A JPEG encoder fills its last blocks up with whatever there is, which differs each time.
+int wholeBlocks(double length) {
+  constexpr int kBlock = 16;
+  return (static_cast<int>(length) / kBlock + 1) * kBlock;
+}
+
 cv::Point2d turned(cv::Point2d point, double degrees) {
   const double c = std::cos(degrees * kRadian), s = std::sin(degrees * kRadian);
   return {c * point.x - s * point.y, s * point.x + c * point.y};
@@ -55,8 +61,8 @@ View::View(const Conditions& conditions, cv::Size2d card, const cv::Rect2d& outl
 void View::placeInFrame(const Conditions& conditions, const cv::Rect2d& outline,
                         const std::vector<cv::Rect2d>& contents) {
   const cv::Rect2d near = bounds({outline});
-  frame_.width = std::max(frame_.width, static_cast<int>(near.width + 2.0 * kLeastMargin));
-  frame_.height = std::max(frame_.height, static_cast<int>(near.height + 2.0 * kLeastMargin));
+  frame_.width = wholeBlocks(std::max<double>(frame_.width, near.width + 2.0 * kLeastMargin));
+  frame_.height = wholeBlocks(std::max<double>(frame_.height, near.height + 2.0 * kLeastMargin));
   const double slackX = 0.5 * (frame_.width - near.width) - kLeastMargin;
   const double slackY = 0.5 * (frame_.height - near.height) - kLeastMargin;
   // Where in the frame: as the ground's turn has it, which is as good a number as any other.

@@ -94,7 +94,7 @@ void addLooks(CLI::App& command, CaptureArguments& arguments) {
   command.add_flag("--spoken-hints", arguments.spokenHints,
                    "the window's prompts are spoken, in the language of the screens");
   command.add_option("--language", arguments.language,
-                     "of the screens: ar, de, en (default), es or fr; the text to read is yours");
+                     "of the screens: " + languageHelp() + "; the text to read is yours");
   command.add_option("--theme", arguments.theme,
                      "JSON file of colours, fonts, pictures, places and texts; see docs/screen.md");
 }

@@ -56,7 +56,7 @@ class WindowScreen final : public FlowScreen {
     if (hints_) hub.add(*hints_);
   }
   std::unique_ptr<platform::MediaDevices> watch(platform::MediaDevices& devices) override {
-    return std::make_unique<devices::PreviewedMediaDevices>(devices, screen_.feed());
+    return std::make_unique<devices::PreviewedMediaDevices>(loop_, devices, screen_.feed());
   }
   void play(platform::SystemSoundID sound) override {
     if (sound != platform::kSystemSoundVibrate) return;

@@ -21,6 +21,8 @@ using corvana::VideoCapture;
 using nlohmann::json;
 
 constexpr std::uint64_t kLargestFile = 1 << 18;
+/// The tables speak it by themselves.
+const char* const kOwnLanguage = "en";
 
 struct Row {
   std::string key;
@@ -155,6 +157,12 @@ std::vector<TextEntry> textsOf() {
                     {"multipleFacesDetected", &Selfie::multipleFacesDetected},
                     {"capturingFace", &Selfie::capturingFace},
                     {"realFace", &Selfie::realFace},
+                    {"showWholeFace", &Selfie::showWholeFace},
+                    {"tooDark", &Selfie::tooDark},
+                    {"tooBright", &Selfie::tooBright},
+                    {"blurred", &Selfie::blurred},
+                    {"lookStraight", &Selfie::lookStraight},
+                    {"openEyes", &Selfie::openEyes},
                     {"retryScreenText", &Selfie::retryScreenText},
                     {"retryButtonText", &Selfie::retryButtonText},
                     {"cancelButtonText", &Selfie::cancelButtonText}},
@@ -215,7 +223,37 @@ std::vector<Row> rowsFor(WindowLooks& looks) {
   return rows;
 }
 
+fs::path languageFolder(const Resources& resources) {
+  return resources.storyboards / "languages";
+}
+
+/// A language is a file in the folder, and nothing else.
+std::vector<std::string> languagesIn(const Resources& resources) {
+  std::vector<std::string> codes;
+  std::error_code error;
+  for (const auto& entry : fs::directory_iterator(languageFolder(resources), error)) {
+    if (entry.path().extension() == ".json") codes.push_back(entry.path().stem().string());
+  }
+  std::ranges::sort(codes);
+  return codes;
+}
+
+std::string listed(const std::vector<std::string>& words) {
+  std::string list;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (i > 0) list += i + 1 < words.size() ? ", " : " or ";
+    list += words[i];
+  }
+  return list;
+}
+
 }  // namespace
+
+std::string languageHelp() {
+  auto codes = languagesIn(findResources());
+  std::ranges::replace(codes, kOwnLanguage, kOwnLanguage + std::string(" (default)"));
+  return listed(codes);
+}
 
 Expected<void> applyAppearance(const fs::path& file, WindowLooks& looks) {
   const auto content = readFile(file, kLargestFile);
@@ -245,14 +283,13 @@ Expected<void> applyLooks(const LooksWishes& wishes, const Resources& resources,
                           WindowLooks& looks) {
   std::vector<fs::path> files;
   if (wishes.ofWindow) files.push_back(resources.storyboards / "themes" / "standard.json");
-  // The tables speak English by themselves.
-  if (wishes.language != "en") {
-    files.push_back(resources.storyboards / "languages" / (wishes.language + ".json"));
+  if (wishes.language != kOwnLanguage) {
+    files.push_back(languageFolder(resources) / (wishes.language + ".json"));
     std::error_code error;
     const bool isName = wishes.language.find('/') == std::string::npos;
     if (!isName || !fs::is_regular_file(files.back(), error)) {
-      return platform::failure("There is no language \"" + wishes.language +
-                               "\"; choose ar, de, en, es or fr, or give texts with --theme.");
+      return platform::failure("There is no language \"" + wishes.language + "\"; choose " +
+                               listed(languagesIn(resources)) + ", or give texts with --theme.");
     }
   }
   if (wishes.theme) files.push_back(*wishes.theme);

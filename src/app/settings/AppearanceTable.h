@@ -38,6 +38,9 @@ struct LooksWishes {
 Expected<void> applyLooks(const LooksWishes& wishes, const Resources& resources,
                           WindowLooks& looks);
 
+/// The languages of the screens, as a command's help names them: "ar, de, en (default) or fr".
+std::string languageHelp();
+
 struct TextEntry {
   std::string key;
   std::string* text;  ///< in the host's tables or in the looks

@@ -9,29 +9,13 @@
 #include "app/settings/OptionTable.h"
 #include "app/simulate/SimulateScript.h"
 #include "app/simulate/Simulation.h"
-#include "corvana/VideoCapture.h"
+#include "corvana/HostTables.h"
 #include "platform/foundation/Fault.h"
 
 namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// The host's tables as they are before anything is set.
-void resetTables() {
-  corvana::SelfieCapture::strings = {};
-  corvana::SelfieCapture::colors = {};
-  corvana::SelfieCapture::fonts = {};
-  corvana::SelfieCapture::images = {};
-  corvana::SelfieCapture::layout = {};
-  corvana::IDCapture::strings = {};
-  corvana::IDCapture::colors = {};
-  corvana::IDCapture::fonts = {};
-  corvana::IDCapture::images = {};
-  corvana::IDCapture::layout = {};
-  corvana::VideoCapture::strings = {};
-  corvana::VideoCapture::options = {};
-}
 
 std::vector<fs::path> flowsIn(const Resources& resources) {
   std::vector<fs::path> flows;
@@ -59,7 +43,7 @@ struct Gallery {
 
   Expected<void> play(const fs::path& flow) const {
     const Resources& resources = options.resources;
-    resetTables();
+    corvana::hostTables() = corvana::defaultsOf(corvana::hostTables());
     WindowWishes wishes;
     wishes.size = size;
     if (auto dressed = applyLooks({true, options.language, theme}, resources, wishes.looks);
@@ -117,7 +101,7 @@ void addScreensCommand(CLI::App& app, ExitCode& exitCode) {
   command.add_option("--out", options->folder, "folder for the pictures")->required();
   command.add_option("--theme", options->themes,
                      "JSON file of a theme in place of the two; see docs/screen.md");
-  command.add_option("--language", options->language, "ar, de, en (default), es or fr");
+  command.add_option("--language", options->language, languageHelp());
   command.callback([options, &exitCode] {
     options->resources = findResources();
     exitCode = runScreens(*options, std::cout, std::cerr);

@@ -1,16 +1,24 @@
 #include "devices/qtquick/PreviewCamera.h"
 
+#include "platform/media/SampleBranch.h"
+
 namespace corvana::devices {
 namespace {
 
 using platform::AVFileType;
 using platform::AVVideoCodecType;
+using platform::SampleBranch;
 using platform::WriterSettings;
 
 class PreviewedCamera final : public platform::AVCaptureDevice {
  public:
-  PreviewedCamera(platform::AVCaptureDeviceRef camera, std::shared_ptr<PreviewFeed> feed)
-      : camera_(std::move(camera)), feed_(std::move(feed)) {}
+  PreviewedCamera(platform::RunLoop& loop, platform::AVCaptureDeviceRef camera,
+                  std::shared_ptr<PreviewFeed> feed)
+      : camera_(std::move(camera)),
+        preview_(std::make_shared<SampleBranch>(
+            loop.makeSerialQueue("preview", platform::QualityOfService::userInteractive), 1,
+            SampleBranch::WhenFull::keepsNewest,
+            [feed = std::move(feed)](const auto& sample) { feed->push(sample->image); })) {}
 
   std::string localizedName() const override { return camera_->localizedName(); }
   platform::AVMediaType mediaType() const override { return camera_->mediaType(); }
@@ -19,10 +27,9 @@ class PreviewedCamera final : public platform::AVCaptureDevice {
     // The flow comes first: what is recorded and judged does not wait for the picture on the
     // screen.
     camera_->start(
-        [feed = feed_, handler = std::move(handler)](platform::CMSampleBufferRef sample) {
-          const platform::PixelBufferRef picture = sample->image;
-          handler(std::move(sample));
-          feed->push(picture);
+        [preview = preview_, handler = std::move(handler)](platform::CMSampleBufferRef sample) {
+          handler(sample);
+          preview->push(std::move(sample));
         });
   }
   void stop() override { camera_->stop(); }
@@ -36,7 +43,7 @@ class PreviewedCamera final : public platform::AVCaptureDevice {
 
  private:
   platform::AVCaptureDeviceRef camera_;
-  std::shared_ptr<PreviewFeed> feed_;
+  std::shared_ptr<SampleBranch> preview_;
 };
 
 }  // namespace
@@ -44,7 +51,7 @@ class PreviewedCamera final : public platform::AVCaptureDevice {
 platform::AVCaptureDeviceRef PreviewedMediaDevices::defaultDevice(platform::AVMediaType type) {
   auto device = devices_.defaultDevice(type);
   if (!device || type != platform::AVMediaType::video) return device;
-  return std::make_shared<PreviewedCamera>(std::move(device), feed_);
+  return std::make_shared<PreviewedCamera>(loop_, std::move(device), feed_);
 }
 
 }  // namespace corvana::devices

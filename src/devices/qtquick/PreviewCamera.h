@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "devices/qtquick/PreviewItem.h"
+#include "platform/foundation/RunLoop.h"
 #include "platform/media/CaptureDevice.h"
 
 namespace corvana::devices {
@@ -12,8 +13,9 @@ namespace corvana::devices {
 /// preview as well as to whoever started the camera.
 class PreviewedMediaDevices final : public platform::MediaDevices {
  public:
-  PreviewedMediaDevices(platform::MediaDevices& devices, std::shared_ptr<PreviewFeed> feed)
-      : devices_(devices), feed_(std::move(feed)) {}
+  PreviewedMediaDevices(platform::RunLoop& loop, platform::MediaDevices& devices,
+                        std::shared_ptr<PreviewFeed> feed)
+      : loop_(loop), devices_(devices), feed_(std::move(feed)) {}
 
   platform::AVCaptureDeviceRef defaultDevice(platform::AVMediaType type) override;
   platform::AVAuthorizationStatus authorizationStatus(platform::AVMediaType type) override {
@@ -24,6 +26,7 @@ class PreviewedMediaDevices final : public platform::MediaDevices {
   }
 
  private:
+  platform::RunLoop& loop_;
   platform::MediaDevices& devices_;
   std::shared_ptr<PreviewFeed> feed_;
 };

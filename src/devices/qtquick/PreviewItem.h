@@ -14,11 +14,11 @@
 namespace corvana::devices {
 
 /// The latest picture of the camera, ready to be shown: mirrored as in a looking-glass, cut and
-/// scaled to the size that is asked for. Fed by the camera's thread, read by the screen.
+/// scaled to the size that is asked for. Fed on a queue of its own, read by the screen.
 class PreviewFeed {
  public:
-  /// Takes the camera's next picture, and scales it on the calling thread, so that the main queue
-  /// need not. Any thread.
+  /// Takes the camera's next picture, and scales it on the calling thread, which is neither the
+  /// main queue nor the camera's. Any thread.
   void push(const platform::PixelBufferRef& picture);
   /// Sets the size of the pictures in pixels; empty: none are made. Any thread.
   void setSize(const QSize& size);
@@ -26,7 +26,7 @@ class PreviewFeed {
   QImage latest() const;
   /// Forgets the pictures so far. Any thread.
   void clear();
-  /// Sets what is called after each picture, on the camera's thread; may be null. Any thread.
+  /// Sets what is called after each picture, on the thread of `push`; may be null. Any thread.
   void setOnPicture(std::function<void()> onPicture);
 
  private:

@@ -46,7 +46,7 @@ double CardLook::content() const {
 }
 
 bool CardLook::isCertainlyACard() const {
-  constexpr double kMostOfPrint = 0.85;
+  constexpr double kMostOfPrint = 0.92;
   constexpr double kEnoughPrint = 0.8;
   const Lines lengths = lengthsOf(lines);
   const bool hasZone = std::ranges::any_of(lines, [](const TextLine& line) {

@@ -195,7 +195,7 @@ std::optional<CardReading> DocumentAnalyzer::readUpright(const platform::PixelBu
 
 platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
     const platform::PixelBufferRef& picture) {
-  const auto cards = cardsInStill(picture);
+  const auto cards = cardsInStill(picture, text_.boxes());
   if (!cards) return tl::unexpected(cards.error());
   const auto look = likeliestCard(*cards->picture, cards->outlines);
   if (!look) return tl::unexpected(noCardSeen());

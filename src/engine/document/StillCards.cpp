@@ -28,9 +28,11 @@ platform::Fault noCardSeen() {
   return {"No card was seen in the picture: photograph it from above, whole, on a plain ground."};
 }
 
-platform::Expected<StillCards> cardsInStill(const platform::PixelBufferRef& picture) {
+platform::Expected<StillCards> cardsInStill(const platform::PixelBufferRef& picture,
+                                            TextBoxes& print) {
   StillCards cards{reduced(picture), {}};
-  cards.outlines = cardOutlines(rgbMat(*cards.picture));
+  const cv::Mat rgb = rgbMat(*cards.picture);
+  cards.outlines = cardOutlines(rgb, print.find(rgb));
   if (cards.outlines.empty()) {
     return tl::unexpected(noCardSeen());
   }

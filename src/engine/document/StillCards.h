@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "engine/document/Quad.h"
+#include "engine/document/text/TextBoxes.h"
 #include "platform/foundation/Fault.h"
 #include "platform/media/PixelBuffer.h"
 
@@ -20,6 +21,7 @@ platform::Fault noCardSeen();
 
 /// Finds where the card may lie in a photo or scan: outlines of its shape, or the whole picture
 /// where that has a card's shape. Error: there is neither, or all are less than 320 pixels wide.
-platform::Expected<StillCards> cardsInStill(const platform::PixelBufferRef& picture);
+platform::Expected<StillCards> cardsInStill(const platform::PixelBufferRef& picture,
+                                            TextBoxes& print);
 
 }  // namespace corvana::engine

@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-#include <tl/expected.hpp>
-
 #include "engine/document/TextReader.h"
 #include "platform/foundation/Fault.h"
 

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "corvana/SelfieCapture.h"
+#include "corvana/SelfieCapture.h"
 #include "engine/vision/FaceCrop.h"
 #include "engine/vision/ImageOps.h"
 #include "platform/foundation/Require.h"
@@ -69,13 +71,14 @@ bool isTurnedAway(const HeadPose& pose) {
 /// Empty when the face is fit for a selfie.
 std::string issueOf(const SelfieJudgement& judgement) {
   const FaceDetails& details = *judgement.details;
-  const std::pair<bool, const char*> issues[] = {
-      {details.presence < kLeastPresence, "Show your whole face"},
-      {judgement.brightness < kLeastBrightness, "It is too dark here"},
-      {judgement.brightness > kMostBrightness, "It is too bright here"},
-      {judgement.sharpness < kLeastSharpness, "Hold still, the picture is blurred"},
-      {isTurnedAway(details.pose), "Look straight into the camera"},
-      {std::max(details.leftEyeOpen, details.rightEyeOpen) < kEyesClosed, "Open your eyes"},
+  const auto& advice = corvana::SelfieCapture::strings;
+  const std::pair<bool, const std::string&> issues[] = {
+      {details.presence < kLeastPresence, advice.showWholeFace},
+      {judgement.brightness < kLeastBrightness, advice.tooDark},
+      {judgement.brightness > kMostBrightness, advice.tooBright},
+      {judgement.sharpness < kLeastSharpness, advice.blurred},
+      {isTurnedAway(details.pose), advice.lookStraight},
+      {std::max(details.leftEyeOpen, details.rightEyeOpen) < kEyesClosed, advice.openEyes},
   };
   for (const auto& [found, message] : issues) {
     if (found) return message;
@@ -123,7 +126,9 @@ SelfieJudgement SelfieAnalyzer::analyze(const platform::PixelBufferRef& frame,
   judgement.issueMessage = issueOf(judgement);
   if (judgement.issueMessage.empty()) {
     judgement.faceImage = cropFace(*frame, face);
-    if (judgement.faceImage == nullptr) judgement.issueMessage = "Look straight into the camera";
+    if (judgement.faceImage == nullptr) {
+      judgement.issueMessage = corvana::SelfieCapture::strings.lookStraight;
+    }
   }
   if (judgement.faceImage == nullptr) judgement.verdict = SelfieVerdict::issue;
   return judgement;

@@ -11,7 +11,15 @@ AVCaptureOutput::AVCaptureOutput(RunLoop& loop, AVMediaType mediaType)
 void AVCaptureOutput::setSampleBufferDelegate(std::weak_ptr<AVCaptureSampleBufferDelegate> delegate,
                                               std::shared_ptr<DispatchQueue> queue) {
   delegate_ = std::move(delegate);
-  queue_ = std::move(queue);
+  const bool isVideo = mediaType_ == AVMediaType::video;
+  branch_ = std::make_shared<SampleBranch>(
+      std::move(queue), isVideo ? kMostPicturesWaiting : kMostSoundsWaiting,
+      SampleBranch::WhenFull::keepsOldest, [weak = weak_from_this()](const auto& sample) {
+        const auto self = weak.lock();
+        if (!self) return;
+        callDelegate(self->loop_, self->delegate_,
+                     [&](auto& receiver) { receiver.captureOutput(*self, sample); });
+      });
 }
 
 bool AVCaptureOutput::hasSampleBufferDelegate() const {
@@ -19,18 +27,7 @@ bool AVCaptureOutput::hasSampleBufferDelegate() const {
 }
 
 void AVCaptureOutput::deliver(CMSampleBufferRef sample) {
-  if (!queue_) return;
-  const int most = mediaType_ == AVMediaType::video ? kMostPicturesWaiting : kMostSoundsWaiting;
-  if (waiting_ >= most) {
-    ++dropped_;
-    return;
-  }
-  ++waiting_;
-  queue_->async([self = shared_from_this(), sample = std::move(sample)] {
-    --self->waiting_;
-    callDelegate(self->loop_, self->delegate_,
-                 [&](auto& delegate) { delegate.captureOutput(*self, sample); });
-  });
+  if (branch_) branch_->push(std::move(sample));
 }
 
 std::vector<AVVideoCodecType> AVCaptureVideoDataOutput::availableVideoCodecTypesForAssetWriter(

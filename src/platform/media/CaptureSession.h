@@ -10,6 +10,7 @@
 
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/CaptureDevice.h"
+#include "platform/media/SampleBranch.h"
 
 namespace corvana::platform {
 
@@ -34,11 +35,11 @@ class AVCaptureOutput : public std::enable_shared_from_this<AVCaptureOutput> {
                                std::shared_ptr<DispatchQueue> queue);
   bool hasSampleBufferDelegate() const;
   /// Any thread.
-  std::uint64_t samplesDropped() const { return dropped_; }
+  std::uint64_t samplesDropped() const { return branch_ ? branch_->samplesDropped() : 0; }
 
   /// Samples that may wait for the delegate: a second of pictures, ten of sound in the usual 20 ms.
-  static constexpr int kMostPicturesWaiting = 30;
-  static constexpr int kMostSoundsWaiting = 500;
+  static constexpr std::size_t kMostPicturesWaiting = 30;
+  static constexpr std::size_t kMostSoundsWaiting = 500;
 
  protected:
   const AVCaptureDevice* device() const { return device_.get(); }
@@ -51,10 +52,8 @@ class AVCaptureOutput : public std::enable_shared_from_this<AVCaptureOutput> {
   RunLoop& loop_;
   AVMediaType mediaType_;
   std::weak_ptr<AVCaptureSampleBufferDelegate> delegate_;
-  std::shared_ptr<DispatchQueue> queue_;
+  std::shared_ptr<SampleBranch> branch_;
   AVCaptureDeviceRef device_;
-  std::atomic<int> waiting_ = 0;
-  std::atomic<std::uint64_t> dropped_ = 0;
 };
 
 class AVCaptureVideoDataOutput final : public AVCaptureOutput {

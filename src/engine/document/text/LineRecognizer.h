@@ -5,9 +5,9 @@
 #include <vector>
 
 #include <opencv2/core.hpp>
-#include <tl/expected.hpp>
 
 #include "engine/vision/TfliteModel.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 

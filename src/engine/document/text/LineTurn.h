@@ -3,9 +3,9 @@
 #include <filesystem>
 
 #include <opencv2/core.hpp>
-#include <tl/expected.hpp>
 
 #include "engine/vision/TfliteModel.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 

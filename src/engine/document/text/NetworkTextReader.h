@@ -4,12 +4,11 @@
 #include <string>
 #include <vector>
 
-#include <tl/expected.hpp>
-
 #include "engine/document/TextReader.h"
 #include "engine/document/text/LineRecognizer.h"
 #include "engine/document/text/LineTurn.h"
 #include "engine/document/text/TextBoxes.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 
@@ -30,6 +29,8 @@ class NetworkTextReader final : public TextReader {
   /// Loads the models (0.3 s). Error: one is missing or broken.
   static platform::Expected<NetworkTextReader> load(const Models& models);
 
+  /// What finds lines, for pictures other than straightened cards.
+  TextBoxes& boxes() { return boxes_; }
   /// The places of lines, without their text: most of what reading costs, bar a few lines.
   std::vector<TextLine> find(const platform::PixelBuffer& card);
   /// Whether lines stand upright (1) or on their head (-1), in the mean by their length; 0 without

@@ -4,9 +4,9 @@
 #include <vector>
 
 #include <opencv2/core.hpp>
-#include <tl/expected.hpp>
 
 #include "engine/vision/TfliteModel.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 
@@ -20,6 +20,8 @@ class TextBoxes {
   std::vector<cv::RotatedRect> find(const cv::Mat& rgb);
 
  private:
+  std::vector<cv::RotatedRect> findInWide(const cv::Mat& rgb);
+
   explicit TextBoxes(TfliteModel model) : model_(std::move(model)) {}
 
   TfliteModel model_;

@@ -1,0 +1,104 @@
+#include <algorithm>
+
+#include <ZXing/ReadBarcode.h>
+#include <gtest/gtest.h>
+#include <opencv2/imgproc.hpp>
+
+#include "AamvaRecord.h"
+#include "Kind.h"
+#include "SideArtist.h"
+#include "support/Scratch.h"
+
+namespace corvana::tests {
+namespace {
+
+using photos::Design;
+using photos::SideDesign;
+
+const std::vector<Design>& designs() {
+  static const std::vector<Design> all = *photos::readDesigns(PHOTO_DATA "/designs");
+  return all;
+}
+
+const Design& designNamed(const std::string& name) {
+  return *std::find_if(designs().begin(), designs().end(),
+                       [&](const Design& one) { return one.name == name; });
+}
+
+/// The designs that are set aside are nobody's to look at: this is how they are known to be whole.
+TEST(Designs, KeepTheirFieldsOnTheCardAndApart) {
+  EXPECT_EQ(std::count_if(designs().begin(), designs().end(),
+                          [](const Design& design) { return design.unseen; }),
+            2);
+  for (const Design& design : designs()) {
+    const cv::Rect2d card({0.0, 0.0}, design.size());
+    for (const SideDesign* side : {&design.front, design.back ? &*design.back : nullptr}) {
+      if (side == nullptr) continue;
+      const auto boxes = photos::contentsOf(design, *side);
+      for (std::size_t i = 0; i < boxes.size(); ++i) {
+        EXPECT_EQ(boxes[i] & card, boxes[i]) << design.name << " " << boxes[i];
+        for (std::size_t k = 0; k < i; ++k)
+          EXPECT_TRUE((boxes[i] & boxes[k]).empty())
+              << design.name << " " << boxes[i] << " lies on " << boxes[k];
+      }
+    }
+  }
+}
+
+TEST(Designs, ThatLackSomethingAreNamed) {
+  const ScratchFolder scratch;
+  writeBytes(scratch / "bare.json", R"({"kind": "passport"})");
+  const auto read = photos::readDesigns(scratch.path());
+  ASSERT_FALSE(read);
+  EXPECT_NE(read.error().find("bare.json"), std::string::npos) << read.error();
+  EXPECT_FALSE(photos::readDesigns(scratch / "nowhere"));
+}
+
+TEST(Holders, WriteCapitalsAsTheirLanguageDoes) {
+  EXPECT_EQ(photos::capitals("Şükrü ilker", "tr"), "ŞÜKRÜ İLKER");
+  EXPECT_EQ(photos::capitals("Großkreuz", "de"), "GROSSKREUZ");
+}
+
+TEST(Holders, OfAnAlteredCardDifferInOneCodedField) {
+  const auto names = *photos::readNames(PHOTO_DATA "/people.json");
+  for (std::uint64_t seed = 1; seed <= 40; ++seed) {
+    session::Random random(seed);
+    const Design& design = designNamed(seed % 2 == 0 ? "licence" : "permit");
+    const session::CardData card = photos::drawHolder(design, names, random);
+    session::CardData print = card;
+    const std::string altered = photos::alter(print, design, names, random);
+    for (const char* field : {"surname", "givenNames", "documentNumber", "dateOfBirth",
+                              "dateOfIssue", "dateOfExpiry", "sex", "address"})
+      EXPECT_EQ(photos::plainValue(print, field) != photos::plainValue(card, field),
+                field == altered)
+          << seed << " " << field;
+  }
+}
+
+TEST(Licences, CarryARecordThatOthersRead) {
+  session::CardData card;
+  card.givenNames = "François Noël";
+  card.surname = "Müller";
+  const std::string record = photos::aamvaRecord(card);
+  // Where the header says that the subfile begins, and how long it is.
+  EXPECT_EQ(record.substr(15, 6), "100001");
+  const auto at = static_cast<std::size_t>(std::stoi(record.substr(23, 4)));
+  const auto length = static_cast<std::size_t>(std::stoi(record.substr(27, 4)));
+  EXPECT_EQ(record.substr(at, 5), "DLDAQ");
+  EXPECT_EQ(at + length, record.size());
+  for (const char* element : {"DCSMUELLER\n", "DACFRANCOIS\n", "DADNOEL\n", "DBB08121984\n"})
+    EXPECT_NE(record.find(element), std::string::npos) << element;
+
+  const Design& design = designNamed("licence");
+  const auto artist = photos::SideArtist::create(design);
+  ASSERT_TRUE(artist) << artist.error();
+  cv::Mat grey;
+  cv::cvtColor(artist->paint(*design.back, card, card, {}), grey, cv::COLOR_RGBA2GRAY);
+  const auto code =
+      ZXing::ReadBarcode({grey.data, grey.cols, grey.rows, ZXing::ImageFormat::Lum},
+                         ZXing::DecodeHints().setFormats(ZXing::BarcodeFormat::PDF417));
+  EXPECT_EQ(std::string(code.bytes().begin(), code.bytes().end()), record);
+}
+
+}  // namespace
+}  // namespace corvana::tests
