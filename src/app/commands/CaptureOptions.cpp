@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "app/commands/DocumentOptions.h"
+
 namespace corvana::app {
 namespace {
 
@@ -145,6 +147,7 @@ void addCaptureOptions(CLI::App& command, CaptureArguments& arguments) {
                      "new or empty folder for the run (default: videoid-run-N here)");
   command.add_option("--options", arguments.options,
                      "JSON file of options; `videoid options --print` lists them");
+  addDocumentOptions(command, arguments.documents);
   addHabits(command, arguments);
   command
       .add_option(

@@ -2,6 +2,8 @@
 #include <optional>
 
 #include "app/commands/Commands.h"
+#include "app/commands/DocumentOptions.h"
+#include "app/run/DocumentHints.h"
 #include "app/run/Reference.h"
 #include "app/run/Resources.h"
 #include "devices/pictures/ImageFile.h"
@@ -18,6 +20,8 @@ struct EnrollArguments {
   fs::path front;
   std::optional<fs::path> back;
   fs::path output;
+  DocumentChoice documents;
+  bool allowConflict = false;
 };
 
 tl::expected<DetectedData, Refusal> readSide(engine::DocumentAnalyzer& documents,
@@ -69,12 +73,39 @@ void describe(const char* name, const DetectedData& data) {
     std::cerr << "    " << line << '\n';
 }
 
-tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments) {
+/// The kind of document that both sides must share, as "IDENTITY_CARD".
+std::string kindOf(const DetectedData& data) {
+  const std::string type = data.type.value_or("");
+  return type.substr(0, type.rfind('_'));
+}
+
+/// Why the sides make no reference; empty when they do. No flow accepts a card of two kinds, so
+/// that this can't be allowed.
+std::string sidesFault(const Reference& reference) {
+  if (!reference.back || !reference.front.type || !reference.back->type) return {};
+  if (kindOf(reference.front) == kindOf(*reference.back)) return {};
+  return "Front and back are not of one card: " + *reference.front.type + " and " +
+         *reference.back->type + "; give both sides of the same card.";
+}
+
+/// What is amiss with the document; empty when nothing is.
+std::string documentFault(const Reference& reference, const DocumentRules& rules) {
+  std::vector<const DetectedData*> sides{&reference.front};
+  if (reference.back) sides.push_back(&*reference.back);
+  std::string all;
+  for (const DocumentHint& hint : hintsOf(sides, rules))
+    all += (all.empty() ? "" : ", ") + describe(hint, rules);
+  if (all.empty()) return {};
+  return all;
+}
+
+tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
+                                               const DocumentRules& rules) {
   const Resources resources = findResources();
   auto documents = engine::FaceDetector::load(resources.faceDetector()).and_then([&](auto&& faces) {
     return engine::DocumentAnalyzer::load(
         std::make_shared<engine::FaceDetector>(std::forward<decltype(faces)>(faces)),
-        {.text = resources.textReader()});
+        {.text = resources.textReader(), .today = rules.today});
   });
   if (!documents) {
     return tl::unexpected(Refusal{ExitCode::machineLacks, documents.error().sentence});
@@ -93,8 +124,20 @@ tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments)
 }
 
 ExitCode runEnroll(const EnrollArguments& arguments) {
-  const auto reference = readReference(arguments);
+  const DocumentRules rules = documentRules(arguments.documents);
+  const auto reference = readReference(arguments, rules);
   if (!reference) return complain(std::cerr, reference.error());
+  if (const auto fault = sidesFault(*reference); !fault.empty()) {
+    return complain(std::cerr, ExitCode::wrongUse, fault);
+  }
+  if (const auto fault = documentFault(*reference, rules); !fault.empty()) {
+    if (!arguments.allowConflict) {
+      return complain(std::cerr, ExitCode::wrongUse,
+                      "The card was not enrolled: " + fault +
+                          ". Look at it, and give --allow-conflict to enroll it nevertheless.");
+    }
+    std::cerr << "WARNING: " << fault << ".\n";
+  }
   auto saved = makeEmptyFolder(arguments.output).and_then([&] {
     return saveReference(*reference, arguments.output);
   });
@@ -114,6 +157,10 @@ void addEnrollCommand(CLI::App& app, ExitCode& exitCode) {
   command.add_option("--back", arguments->back, "picture of the back, for two-sided cards");
   command.add_option("--output", arguments->output, "new or empty folder for the reference")
       ->required();
+  addDocumentOptions(command, arguments->documents);
+  command.add_flag("--allow-conflict", arguments->allowConflict,
+                   "also enroll a card whose print conflicts with its zone or barcode, or whose "
+                   "dates are not in order; what is amiss is told");
   command.callback([arguments, &exitCode] { exitCode = runEnroll(*arguments); });
 }
 

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "app/run/CalendarDay.h"
 #include "app/run/CameraChoice.h"
 #include "app/run/FlowLoop.h"
 #include "app/run/FlowScreen.h"
@@ -30,6 +31,7 @@ struct CaptureArguments {
   bool spokenHints = false;
   std::optional<std::filesystem::path> output;
   std::optional<std::filesystem::path> options;
+  DocumentChoice documents;
   devices::PersonHabits habits;
   /// The habits answer the screens, not the person before the window.
   bool personIsVirtual = true;

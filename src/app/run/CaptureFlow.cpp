@@ -47,6 +47,7 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
                          Progress progress)
     : arguments_(arguments),
       inputs_(prepared.inputs),
+      rules_(prepared.rules),
       loop_(*prepared.stage.loop),
       screen_(*prepared.stage.screen),
       media_(prepared.media),
@@ -55,6 +56,7 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
       signals_([&loop = loop_] { loop.wake(); }),
       events_(loop_, inputs_.folder / EventLog::kFileName,
               [this](const platform::Fault& fault) { eventsFailed(fault); }),
+      card_(events_, rules_),
       reporter_(loop_, [this](const FlowEvent& event) { report(event); }),
       person_(loop_, arguments.habits),
       console_(std::cerr),
@@ -87,7 +89,7 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
           inputs_.folder,
           arguments_.keepFailedRuns,
           screen_.size(),
-          &events_,
+          &card_,
           [this](const platform::Fault& fault) { end_.fail(fault); }};
 }
 
@@ -166,7 +168,10 @@ RunRecord CaptureFlow::run() {
   const bool succeeded = end_.outcome().has_value();
   events_.add("end", {{"outcome", succeeded ? "result" : "error"}});
   close();
-  RunRecord record{end_.outcome(), UsedDevices::of(*media_), {}, 0, {}, 1 + events_.retries()};
+  RunRecord record{
+      end_.outcome(), UsedDevices::of(*media_), {}, 0, {}, 1 + events_.retries(), {}, {}};
+  record.date = engine::isoDate(rules_.today);
+  record.hints = card_.hints();
   if (const auto film = host_.film()) {
     record.recording = film->counters();
     record.films = film->fileNames();

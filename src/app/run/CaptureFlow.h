@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "app/run/CardWatch.h"
 #include "app/run/EventLog.h"
 #include "app/run/FlowEnd.h"
 #include "app/run/FlowWorld.h"
@@ -51,6 +52,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
 
   const CaptureArguments& arguments_;
   const CaptureInputs& inputs_;
+  const DocumentRules rules_;
   platform::DrivenLoop& loop_;
   FlowScreen& screen_;
   std::shared_ptr<devices::MediaSource> media_;
@@ -60,6 +62,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   devices::TerminationSignals signals_;
 
   EventLog events_;
+  CardWatch card_;
   devices::FlowReporter reporter_;
   devices::HeadlessPerson person_;
   devices::StreamConsole console_;

@@ -52,20 +52,22 @@ std::unique_ptr<FlowScreen> makeScreenFor(const CaptureArguments& arguments,
 
 using Analyzer = std::shared_ptr<engine::FrameAnalyzer>;
 
-Expected<Analyzer> loadAnalyzer(const Resources& resources) {
+Expected<Analyzer> loadAnalyzer(const Resources& resources, const DocumentRules& rules) {
   if (const auto lack = lacks({examineFaceModel(resources)}); !lack.empty()) {
     return platform::failure(lack);
   }
   auto loaded = engine::VisionFrameAnalyzer::load(
-      {resources.faceDetector(), resources.faceLandmarks(), resources.textReader()});
+      {resources.faceDetector(), resources.faceLandmarks(), resources.textReader(), rules.today});
   if (!loaded) return tl::unexpected(loaded.error());
   return *loaded;
 }
 
 /// A user does not wait for the models to see their picture; a replay has all the time it wants.
-Expected<Analyzer> startAnalyzer(const Resources& resources, platform::RunLoop& loop) {
-  if (loop.isVirtual()) return loadAnalyzer(resources);
-  return engine::LateFrameAnalyzer::start(loop, [resources] { return loadAnalyzer(resources); });
+Expected<Analyzer> startAnalyzer(const Resources& resources, const DocumentRules& rules,
+                                 platform::RunLoop& loop) {
+  if (loop.isVirtual()) return loadAnalyzer(resources, rules);
+  return engine::LateFrameAnalyzer::start(
+      loop, [resources, rules] { return loadAnalyzer(resources, rules); });
 }
 
 /// What is missing whatever the camera is; empty when nothing is.
@@ -109,6 +111,7 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   prepared.resources = findResources();
   const auto wishes = chooseLooks(arguments, prepared.resources);
   if (!wishes) return tl::unexpected(wishes.error());
+  prepared.rules = documentRules(arguments.documents);
   auto inputs = checkInputs(arguments);
   if (!inputs) return refuse(ExitCode::wrongUse, inputs.error().sentence);
   prepared.inputs = std::move(*inputs);
@@ -125,7 +128,7 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   if (const auto lack = lacks({diskSpace(folder, needed)}); !lack.empty()) {
     return refuse(ExitCode::machineLacks, lack);
   }
-  auto analyzer = startAnalyzer(prepared.resources, loop);
+  auto analyzer = startAnalyzer(prepared.resources, prepared.rules, loop);
   if (!analyzer) return refuse(ExitCode::machineLacks, analyzer.error().sentence);
   prepared.analyzer = *analyzer;
   if (auto made = makeEmptyFolder(folder); !made) {

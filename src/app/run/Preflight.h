@@ -17,6 +17,7 @@ namespace corvana::app {
 /// All that a flow runs on: looked at, opened and loaded.
 struct PreparedCapture {
   CaptureInputs inputs;
+  DocumentRules rules;
   Resources resources;
   FlowStage stage;
   std::shared_ptr<devices::MediaSource> media;

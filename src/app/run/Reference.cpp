@@ -1,6 +1,9 @@
 #include "app/run/Reference.h"
 
+#include <array>
+
 #include "devices/pictures/ImageFile.h"
+#include "engine/document/fields/DocumentFields.h"
 
 namespace corvana::app {
 namespace {
@@ -48,6 +51,26 @@ constexpr FlagField kFlagFields[] = {
     {"shouldHaveBarcode", &DetectedData::shouldHaveBarcode},
 };
 
+json fieldToJson(const corvana::DocumentField& field) {
+  json object = {{"name", engine::nameOf(field.name)},
+                 {"value", field.value},
+                 {"source", engine::nameOf(field.source)},
+                 {"confidence", field.confidence}};
+  if (field.isTruncated) object["truncated"] = true;
+  if (field.place) {
+    const platform::CGRect& box = *field.place;
+    object["place"] = {box.x, box.y, box.width, box.height};
+  }
+  return object;
+}
+
+json fieldsToJson(const std::vector<corvana::DocumentField>& fields) {
+  json list = json::array();
+  for (const auto& field : fields)
+    list.push_back(fieldToJson(field));
+  return list;
+}
+
 json mrzToJson(const MRZResult& mrz) {
   json object = {{"lines", mrz.lines}};
   for (const MrzField& field : kMrzFields)
@@ -63,6 +86,7 @@ Expected<json> sideToJson(const DetectedData& data, const std::string& name,
   if (data.ocrStrings) object["ocrStrings"] = *data.ocrStrings;
   if (data.mrz) object["mrz"] = mrzToJson(*data.mrz);
   if (data.barcode) object["barcode"] = *data.barcode;
+  if (data.fields) object["fields"] = fieldsToJson(*data.fields);
   for (const FlagField& field : kFlagFields)
     object[field.key] = data.*field.field;
   const std::pair<const char*, platform::UIImageRef> images[] = {{"faceImage", data.faceImage},
@@ -103,6 +127,31 @@ MRZResult mrzFromJson(const json& object) {
   return mrz;
 }
 
+corvana::DocumentField fieldFromJson(const json& object) {
+  const auto name = engine::fieldNamed(get<std::string>(object, "name"));
+  const auto source = engine::fieldSourceNamed(get<std::string>(object, "source"));
+  if (!name) throw WrongShape{"name"};
+  if (!source) throw WrongShape{"source"};
+  corvana::DocumentField field{*name,
+                               get<std::string>(object, "value"),
+                               *source,
+                               get<float>(object, "confidence"),
+                               getOptional<bool>(object, "truncated").value_or(false),
+                               std::nullopt};
+  if (const auto box = getOptional<std::array<double, 4>>(object, "place")) {
+    field.place = platform::CGRect{(*box)[0], (*box)[1], (*box)[2], (*box)[3]};
+  }
+  return field;
+}
+
+std::optional<std::vector<corvana::DocumentField>> fieldsFromJson(const json& side) {
+  if (!side.contains("fields")) return std::nullopt;
+  std::vector<corvana::DocumentField> fields;
+  for (const json& field : get<std::vector<json>>(side, "fields"))
+    fields.push_back(fieldFromJson(field));
+  return fields;
+}
+
 Expected<platform::UIImageRef> imageFromJson(const json& object, const char* key,
                                              const fs::path& folder) {
   const auto name = getOptional<std::string>(object, key);
@@ -126,6 +175,7 @@ Expected<DetectedData> sideFromJson(const json& object, const fs::path& folder) 
   data.ocrStrings = getOptional<std::vector<std::string>>(object, "ocrStrings");
   if (object.contains("mrz")) data.mrz = mrzFromJson(object["mrz"]);
   data.barcode = getOptional<std::map<std::string, std::string>>(object, "barcode");
+  data.fields = fieldsFromJson(object);
   for (const FlagField& field : kFlagFields)
     data.*field.field = get<bool>(object, field.key);
   const std::pair<const char*, platform::UIImageRef DetectedData::*> images[] = {

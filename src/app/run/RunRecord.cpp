@@ -71,6 +71,8 @@ ordered_json recordToJson(const RunRecord& record) {
   object.update(outcomeToJson(record));
   object.update(devicesToJson(record.devices));
   object["recording"] = recordingToJson(record);
+  object["date"] = record.date;
+  object["hints"] = hintsToJson(record.hints);
   object["options"] = currentOptions();
   object["program"] = {{"name", "videoid"}, {"version", CORVANA_VERSION}};
   return object;

@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <tl/expected.hpp>
 
+#include "app/run/DocumentHints.h"
 #include "app/run/Files.h"
 #include "app/run/Resources.h"
 #include "capture/Corvana+VideoCapture.h"
@@ -45,6 +46,8 @@ struct RunRecord {
   std::uint64_t framesCaptured = 0;
   std::vector<std::string> films;  ///< names of files that may be there
   int runs = 1;                    ///< how often the flow began: once more than it was retried
+  std::string date;                ///< the day by which documents were judged, YYYY-MM-DD
+  std::vector<DocumentHint> hints;
 };
 
 inline constexpr const char* kResultFileName = "result.json";

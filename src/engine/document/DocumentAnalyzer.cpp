@@ -9,6 +9,7 @@
 #include "engine/document/CardWarp.h"
 #include "engine/document/StillCards.h"
 #include "engine/document/TextLines.h"
+#include "engine/document/fields/DocumentFields.h"
 #include "engine/document/mrz/MrzPrint.h"
 #include "engine/vision/FaceCrop.h"
 #include "engine/vision/ImageOps.h"
@@ -76,8 +77,8 @@ std::optional<CardTurn> turnByReading(const CardReading& asItLies, const CardRea
 }  // namespace
 
 DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text,
-                                   MrzReader mrz)
-    : faces_(std::move(faces)), text_(std::move(text)), mrz_(std::move(mrz)) {}
+                                   MrzReader mrz, const CalendarDate& today)
+    : faces_(std::move(faces)), text_(std::move(text)), mrz_(std::move(mrz)), today_(today) {}
 
 platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<FaceDetector> faces,
                                                             const Setup& setup) {
@@ -85,7 +86,7 @@ platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<Face
   if (!text) return tl::unexpected(text.error());
   auto mrz = MrzReader::load(setup.ocrBFonts);
   if (!mrz) return tl::unexpected(mrz.error());
-  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz));
+  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz), setup.today);
 }
 
 CardSighting DocumentAnalyzer::find(const platform::PixelBuffer& frame,
@@ -147,6 +148,7 @@ CardReading DocumentAnalyzer::read(const CardView& card, const std::vector<TextL
   reading.data.image = std::make_shared<platform::UIImage>(card.picture);
   reading.familyMatches = familyMatches(features);
   classify(features, reading.data);
+  reading.data.fields = documentFields(reading.data, reading.lines, today_);
   return reading;
 }
 

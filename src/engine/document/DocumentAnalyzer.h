@@ -10,6 +10,7 @@
 #include "engine/document/CardLook.h"
 #include "engine/document/DocumentClassifier.h"
 #include "engine/document/TextReader.h"
+#include "engine/document/fields/CalendarDates.h"
 #include "engine/document/mrz/MrzReader.h"
 #include "engine/document/text/NetworkTextReader.h"
 #include "engine/vision/FaceDetector.h"
@@ -50,6 +51,8 @@ class DocumentAnalyzer {
  public:
   struct Setup {
     NetworkTextReader::Models text;
+    /// Settles two-digit years.
+    CalendarDate today{};
     std::vector<std::filesystem::path> ocrBFonts = defaultOcrBFonts();
   };
 
@@ -71,7 +74,8 @@ class DocumentAnalyzer {
   platform::Expected<CardReading> analyzeStill(const platform::PixelBufferRef& picture);
 
  private:
-  DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz);
+  DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz,
+                   const CalendarDate& today);
   std::optional<Face> portrait(const platform::PixelBuffer& card);
   std::vector<TextLine> linesOf(const platform::PixelBuffer& card,
                                 const std::vector<TextLine>& known);
@@ -84,6 +88,7 @@ class DocumentAnalyzer {
   std::shared_ptr<FaceDetector> faces_;
   NetworkTextReader text_;
   MrzReader mrz_;
+  CalendarDate today_;
 };
 
 }  // namespace corvana::engine

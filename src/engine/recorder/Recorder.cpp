@@ -234,6 +234,8 @@ void Recorder::report(const SelfieCaptureState& state) {
 
 void Recorder::report(const IDCaptureState& state) {
   note(eventOf(state));
+  const auto* success = std::get_if<IDCaptureState::Success>(&state.value);
+  if (success && setup_.observer) setup_.observer->cardRead(success->data);
   if (const auto delegate = delegate_.lock()) delegate->update(state);
 }
 

@@ -5,6 +5,8 @@
 #include <variant>
 #include <vector>
 
+#include "corvana/DetectedData.h"
+
 namespace corvana::engine {
 
 /// Something that the recorder reported, or that was asked of it.
@@ -28,6 +30,8 @@ class RecorderObserver {
  public:
   virtual ~RecorderObserver() = default;
   virtual void happened(const RecorderEvent& event) = 0;
+  /// A side of the card was read whole; whose it is, is the screen's to judge.
+  virtual void cardRead(const corvana::DetectedData& side) { (void)side; }
 };
 
 }  // namespace corvana::engine

@@ -21,6 +21,8 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
     std::filesystem::path faceDetector;
     std::filesystem::path faceLandmarks;
     NetworkTextReader::Models text;
+    /// Settles two-digit years.
+    CalendarDate today{};
   };
 
   /// Loads the models; the error is one sentence: a model, language data or a font is missing or

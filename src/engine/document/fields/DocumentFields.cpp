@@ -5,6 +5,10 @@
 #include <iterator>
 #include <utility>
 
+#include "engine/document/BarcodeReader.h"
+#include "engine/document/fields/Aamva.h"
+#include "engine/document/fields/PrintedFields.h"
+
 namespace corvana::engine {
 namespace {
 
@@ -69,6 +73,21 @@ std::vector<DocumentField> zoneFields(const corvana::MRZResult& zone, const Cale
   add(FieldName::sex, zone.sex == "<" ? "X" : zone.sex, kUnchecked);
   add(FieldName::nationality, zone.nationality, kUnchecked);
   add(FieldName::authority, zone.issuingState, kUnchecked);
+  return fields;
+}
+
+std::vector<DocumentField> documentFields(const corvana::DetectedData& side,
+                                          const std::vector<TextLine>& print,
+                                          const CalendarDate& today) {
+  std::vector<DocumentField> fields;
+  const auto add = [&](const std::vector<DocumentField>& more) {
+    fields.insert(fields.end(), more.begin(), more.end());
+  };
+  if (side.mrz) add(zoneFields(*side.mrz, today));
+  if (side.barcode && side.barcode->contains(kBarcodeText)) {
+    if (const auto record = parseAamva(side.barcode->at(kBarcodeText))) add(aamvaFields(*record));
+  }
+  add(printedFields(print, today));
   return fields;
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "corvana/DetectedData.h"
 #include "corvana/DocumentField.h"
+#include "engine/document/TextReader.h"
 #include "engine/document/fields/CalendarDates.h"
 
 namespace corvana::engine {
@@ -13,6 +15,11 @@ namespace corvana::engine {
 /// none guards names, sex and states, whose confidence is therefore lower. Pure.
 std::vector<corvana::DocumentField> zoneFields(const corvana::MRZResult& zone,
                                                const CalendarDate& today);
+
+/// All that zone, code and print of one side say, each by itself. Pure.
+std::vector<corvana::DocumentField> documentFields(const corvana::DetectedData& side,
+                                                   const std::vector<TextLine>& print,
+                                                   const CalendarDate& today);
 
 /// The name of a field, of a source, of an agreement as reference.json and events have it, such as
 /// "givenNames".

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include "app/run/CalendarDay.h"
+
+namespace corvana::app {
+
+/// --date and --least-age.
+void addDocumentOptions(CLI::App& command, DocumentChoice& choice);
+
+}  // namespace corvana::app

@@ -1,0 +1,63 @@
+#include "app/run/DocumentHints.h"
+
+#include "engine/document/fields/DocumentFields.h"
+
+namespace corvana::app {
+namespace {
+
+using corvana::DetectedData;
+using corvana::DocumentField;
+using corvana::FieldAgreement;
+
+constexpr const char* kConflict = "conflict";
+
+std::vector<DocumentField> allFields(const std::vector<const DetectedData*>& sides) {
+  std::vector<DocumentField> fields;
+  for (const DetectedData* side : sides) {
+    if (side->fields) fields.insert(fields.end(), side->fields->begin(), side->fields->end());
+  }
+  return fields;
+}
+
+}  // namespace
+
+std::vector<DocumentHint> hintsOf(const std::vector<const DetectedData*>& sides,
+                                  const DocumentRules& rules) {
+  std::vector<DocumentHint> hints;
+  for (const corvana::FieldCheck& check : engine::checkSides(sides)) {
+    if (check.agreement == FieldAgreement::conflicts) hints.push_back({kConflict, check});
+  }
+  for (const auto finding : engine::checkDates(allFields(sides), rules.today, rules.leastAge)) {
+    hints.push_back({engine::nameOf(finding), std::nullopt});
+  }
+  return hints;
+}
+
+nlohmann::ordered_json hintsToJson(const std::vector<DocumentHint>& hints) {
+  auto list = nlohmann::ordered_json::array();
+  for (const DocumentHint& hint : hints) {
+    nlohmann::ordered_json object{{"name", hint.name}};
+    if (hint.check) {
+      object["field"] = engine::nameOf(hint.check->name);
+      object["source"] = engine::nameOf(hint.check->against);
+    }
+    list.push_back(std::move(object));
+  }
+  return list;
+}
+
+std::string describe(const DocumentHint& hint, const DocumentRules& rules) {
+  if (hint.check) {
+    return std::string("the ") + engine::nameOf(hint.check->name) +
+           " in print conflicts with the one in the " + engine::nameOf(hint.check->against);
+  }
+  const std::string day = " on " + engine::isoDate(rules.today);
+  if (hint.name == engine::nameOf(engine::DateFinding::expired))
+    return "the card had expired" + day;
+  if (hint.name == engine::nameOf(engine::DateFinding::notYetValid)) {
+    return "the card was not yet valid" + day;
+  }
+  return "the holder was younger than " + std::to_string(rules.leastAge) + day;
+}
+
+}  // namespace corvana::app
