@@ -9,6 +9,7 @@
 #include "engine/document/CardFinder.h"
 #include "engine/document/CardLook.h"
 #include "engine/document/DocumentClassifier.h"
+#include "engine/document/TesseractReader.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/mrz/MrzReader.h"
 #include "engine/document/text/NetworkTextReader.h"
@@ -38,7 +39,8 @@ struct CardReading {
   /// Where a machine-readable zone seems to be, read or not.
   std::optional<platform::CGRect> mrzBand;
   FamilyMatches familyMatches;
-  /// All print that was read.
+  /// All print that was read; from a still with rare letters put right by a second reader, if there
+  /// is one. The data has what the first reader read, as from any picture.
   std::vector<TextLine> lines;
 };
 
@@ -50,6 +52,8 @@ class DocumentAnalyzer {
  public:
   struct Setup {
     NetworkTextReader::Models text;
+    /// Where a second reader's data of the Latin script is looked for; it does without.
+    std::filesystem::path tessdata = kDebianTessdataFolder;
     std::vector<std::filesystem::path> ocrBFonts = defaultOcrBFonts();
   };
 
@@ -71,10 +75,12 @@ class DocumentAnalyzer {
   platform::Expected<CardReading> analyzeStill(const platform::PixelBufferRef& picture);
 
  private:
-  DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz);
+  DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz,
+                   std::filesystem::path tessdata);
   std::optional<Face> portrait(const platform::PixelBuffer& card);
   std::vector<TextLine> linesOf(const platform::PixelBuffer& card,
                                 const std::vector<TextLine>& known);
+  void askSecondReader(CardReading& reading) const;
   CardLook lookAt(const platform::PixelBuffer& picture, const Quad& outline);
   std::optional<CardLook> likeliestCard(const platform::PixelBuffer& picture,
                                         const std::vector<Quad>& outlines);
@@ -83,6 +89,7 @@ class DocumentAnalyzer {
 
   std::shared_ptr<FaceDetector> faces_;
   NetworkTextReader text_;
+  std::filesystem::path tessdata_;
   MrzReader mrz_;
 };
 
