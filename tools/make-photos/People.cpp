@@ -18,8 +18,9 @@ using session::Random;
 
 constexpr int kFirstBirthYear = 1941;
 constexpr int kLastBirthYear = 2006;
-constexpr int kFirstIssueYear = 2018;
-constexpr int kLastIssueYear = 2025;
+// Every card is valid on the first of January of this year.
+constexpr int kYearOfUse = 2026;
+constexpr int kOldest = 8;  // years since it was issued
 
 int draw(Random& random, int least, int most) {
   return static_cast<int>(random.uniform(least, most + 1));
@@ -58,7 +59,7 @@ std::string withPlace(std::string text, const std::string& place) {
 void drawDates(CardData& card, int yearsValid, Random& random) {
   card.dateOfBirth =
       date(draw(random, kFirstBirthYear, kLastBirthYear), draw(random, 1, 12), draw(random, 1, 28));
-  const int issued = draw(random, kFirstIssueYear, kLastIssueYear);
+  const int issued = kYearOfUse - draw(random, 1, std::min(kOldest, yearsValid));
   const int month = draw(random, 1, 12);
   const int day = draw(random, 1, 28);
   card.dateOfIssue = date(issued, month, day);

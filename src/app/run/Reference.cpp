@@ -4,6 +4,7 @@
 
 #include "devices/pictures/ImageFile.h"
 #include "engine/document/fields/DocumentFields.h"
+#include "engine/document/text/NetworkTextReader.h"
 
 namespace corvana::app {
 namespace {
@@ -15,6 +16,7 @@ using corvana::MRZResult;
 using nlohmann::json;
 
 constexpr int kFormatVersion = 1;
+constexpr const char* kReader = engine::NetworkTextReader::kName;
 constexpr std::uint64_t kMostReferenceBytes = 1 << 20;
 
 /// A field of the file has another shape than ours; caught where the file is read.
@@ -191,7 +193,7 @@ Expected<DetectedData> sideFromJson(const json& object, const fs::path& folder) 
 }  // namespace
 
 Expected<void> saveReference(const Reference& reference, const fs::path& folder) {
-  json object = {{"formatVersion", kFormatVersion}};
+  json object = {{"formatVersion", kFormatVersion}, {"reader", kReader}};
   auto front = sideToJson(reference.front, "front", folder);
   if (!front) return tl::unexpected(front.error());
   object["front"] = std::move(*front);
@@ -213,6 +215,11 @@ Expected<Reference> loadReference(const fs::path& folder) {
   if (!object) return tl::unexpected(object.error());
   try {
     if (get<int>(*object, "formatVersion") != kFormatVersion) throw WrongShape{"formatVersion"};
+    if (getOptional<std::string>(*object, "reader") != kReader) {
+      return platform::failure("The print in the reference \"" + path.string() +
+                               "\" was read by another reader than this program's, which reads it "
+                               "differently: enroll the card again.");
+    }
     Reference reference;
     auto front = sideFromJson(get<json>(*object, "front"), folder);
     if (!front) return tl::unexpected(front.error());

@@ -20,7 +20,8 @@ inline constexpr const char* kReferenceFileName = "reference.json";
 /// Writes a reference into an empty folder.
 Expected<void> saveReference(const Reference& reference, const std::filesystem::path& folder);
 
-/// Refuses other shapes, other versions, missing pictures, and names that lead out of the folder.
+/// Refuses other shapes, other versions, print read by another reader, missing pictures, and names
+/// that lead out of the folder.
 Expected<Reference> loadReference(const std::filesystem::path& folder);
 
 }  // namespace corvana::app

@@ -1,13 +1,11 @@
 #include "app/settings/AppearanceTable.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <functional>
 #include <optional>
 #include <utility>
 
-#include "app/settings/ColorKeys.h"
+#include "app/settings/ColorTable.h"
 #include "corvana/VideoCapture.h"
 #include "devices/pictures/ImageFile.h"
 
@@ -33,15 +31,9 @@ struct Row {
 
 bool setColor(std::optional<platform::UIColor>& target, const json& value) {
   if (!value.is_string()) return false;
-  const auto& text = value.get_ref<const std::string&>();
-  if ((text.size() != 7 && text.size() != 9) || text[0] != '#') return false;
-  std::array<int, 4> parts{0, 0, 0, 255};
-  for (std::size_t i = 1; i < text.size(); i += 2) {
-    const char* end = text.data() + i + 2;
-    if (std::from_chars(text.data() + i, end, parts[i / 2], 16).ptr != end) return false;
-  }
-  target = {parts[0] / 255.0, parts[1] / 255.0, parts[2] / 255.0, parts[3] / 255.0};
-  return true;
+  const auto color = parseColor(value.get_ref<const std::string&>());
+  if (color) target = color;
+  return color.has_value();
 }
 
 bool setFont(std::optional<platform::UIFont>& target, const json& value) {

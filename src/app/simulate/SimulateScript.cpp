@@ -1,14 +1,13 @@
 #include "app/simulate/SimulateScript.h"
 
 #include <any>
-#include <charconv>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <utility>
 
 #include "app/run/Files.h"
-#include "app/settings/ColorKeys.h"
+#include "app/settings/ColorTable.h"
 #include "app/simulate/ScriptReader.h"
 #include "corvana/CaptureSession.h"
 #include "corvana/Notifications.h"
@@ -87,14 +86,9 @@ class Loader {
   }
 
   static platform::UIColor color(ScriptObject& object, const std::string& key) {
-    const std::string text = object.text(key);
-    std::uint32_t bits = 0;
-    const char* end = text.data() + text.size();
-    const bool isColor = text.size() == 7 && text[0] == '#' &&
-                         std::from_chars(text.data() + 1, end, bits, 16).ptr == end;
-    if (!isColor) object.complain(key, "must be a colour as \"#20C060\"");
-    const auto part = [bits](int shift) { return ((bits >> shift) & 0xFF) / 255.0; };
-    return {part(16), part(8), part(0), 1};
+    const auto parsed = parseColor(object.text(key));
+    if (!parsed) object.complain(key, "must be a colour as \"#20C060\"");
+    return *parsed;
   }
 
   static steps::Permission permissions(ScriptObject& object) {

@@ -125,6 +125,9 @@ std::optional<std::string_view> familyByRecord(const DocumentFeatures& features)
 }
 
 std::optional<corvana::DocumentSide> sideOf(const DocumentFeatures& features) {
+  // Zones of two lines stand on the side of the photo, those of three on the other.
+  const bool hasPhotosZone = features.mrz && features.mrz->lines.size() == 2;
+  if (features.hasFace && hasPhotosZone) return corvana::DocumentSide::front;
   if (features.mrz || features.barcode) return corvana::DocumentSide::back;
   if (features.hasFace) return corvana::DocumentSide::front;
   if (features.hasMrzBand) return corvana::DocumentSide::back;

@@ -21,7 +21,8 @@ struct DocumentFeatures {
 };
 
 /// Names the document and the side, and what such a side should carry: fills `type`, `side` and the
-/// `should` flags of the data. A zone or barcode marks a back, a face alone a front; with none of
+/// `should` flags of the data. A zone or barcode marks a back, a face alone or with a zone of
+/// two lines a front; with none of
 /// them side and type stay absent. Front and back of one card come into the same family: what names
 /// none is an identity card. Pure.
 void classify(const DocumentFeatures& features, corvana::DetectedData& data);

@@ -12,13 +12,14 @@ namespace fs = std::filesystem;
 using nlohmann::json;
 
 /// A reference that reads well, with a picture of that name or without any.
-std::string reference(const std::string& picture = {}) {
+std::string reference(const std::string& picture = {},
+                      const std::string& reader = "PP-OCRv6 small Latin, 1") {
   json side{{"isPhotoPresent", !picture.empty()},
             {"shouldHavePhoto", !picture.empty()},
             {"shouldHaveMrz", false},
             {"shouldHaveBarcode", false}};
   if (!picture.empty()) side["faceImage"] = picture;
-  return json{{"formatVersion", 1}, {"front", side}}.dump();
+  return json{{"formatVersion", 1}, {"reader", reader}, {"front", side}}.dump();
 }
 
 fs::path plainReference(const ScratchFolder& scratch) {
@@ -52,6 +53,7 @@ TEST(Commands, BadInputGetsOneSentenceAndExitCodeTwo) {
       {"reference/reference.json", "{\"front\": ", "not valid JSON"},
       {"reference/reference.json", reference("../a.png"), "faceImage"},
       {"reference/reference.json", reference("a.png"), "Enroll the card again"},
+      {"reference/reference.json", reference({}, "another, 1"), "enroll the card again"},
       {"options.json", R"({"videoCapture.speed": 3})", "no option \"videoCapture.speed\""},
       {"options.json", R"({"videoCapture.readTextCountdownSeconds": -4})",
        "a whole number from 0.0 to 600.0, not -4"},

@@ -87,7 +87,7 @@ TEST_F(DocumentAnalyzerTest, ReadsACardAlikeTwiceAndAnotherDifferently) {
   }
 }
 
-TEST_F(DocumentAnalyzerTest, TakesStillsInAnyPosition) {
+TEST_F(DocumentAnalyzerTest, TakesStillsAtAnyTurn) {
   const auto card = tests::drawCard(0, tests::holder(2), "person_a.jpg");
   cv::Mat upright;
   cv::cvtColor(card.front, upright, cv::COLOR_RGBA2RGB);
@@ -103,6 +103,26 @@ TEST_F(DocumentAnalyzerTest, TakesStillsInAnyPosition) {
   EXPECT_FALSE(analyzer->analyzeStill(engine::pixelBufferFrom(upright))) << "too small";
   const cv::Mat plain(900, 900, CV_8UC3, cv::Scalar(80, 90, 100));
   EXPECT_FALSE(analyzer->analyzeStill(engine::pixelBufferFrom(plain)));
+  cv::Mat noPrint = plain.clone();
+  cv::rectangle(noPrint, {100, 250, 634, 400}, cv::Scalar(240, 238, 230), cv::FILLED);
+  EXPECT_FALSE(analyzer->analyzeStill(engine::pixelBufferFrom(noPrint))) << "no card";
+}
+
+TEST_F(DocumentAnalyzerTest, TakesStillsThatLieAskewOnATable) {
+  const auto card = tests::drawCard(1, tests::holder(0), "person_a.jpg");
+  const auto lines = session::mrzLines(tests::holder(0));
+  for (const double degrees : {37.0, 118.0, 200.0, 285.0}) {
+    const auto still = tests::hold(card.back, {.y = 640, .width = 560, .background = 1});
+    const cv::Mat turn = cv::getRotationMatrix2D({360, 640}, degrees, 1);
+    cv::Mat turned;
+    cv::warpAffine(engine::rgbMat(*still.picture), turned, turn, {720, 1280}, cv::INTER_LINEAR,
+                   cv::BORDER_REFLECT);
+    const auto reading = analyzer->analyzeStill(engine::pixelBufferFrom(turned));
+    ASSERT_TRUE(reading) << degrees << ": " << reading.error().sentence;
+    ASSERT_TRUE(reading->data.mrz) << degrees;
+    EXPECT_EQ(reading->data.mrz->lines, std::vector<std::string>(lines.begin(), lines.end()));
+    EXPECT_EQ(reading->data.type, "IDENTITY_CARD_BACK");
+  }
 }
 
 TEST_F(DocumentAnalyzerTest, MeasuresBlurAndGlare) {

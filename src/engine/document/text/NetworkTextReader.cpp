@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/document/text/LetterRepair.h"
 #include "engine/document/text/LineCrop.h"
 #include "engine/vision/MatViews.h"
 
@@ -98,7 +99,7 @@ std::vector<TextLine> NetworkTextReader::readAgain(const platform::PixelBuffer& 
   std::vector<TextLine> read;
   for (auto& [picture, line] : lines) {
     const LineRecognizer::Reading reading = recognizer_.read(picture);
-    line.text = trimmed(reading.text);
+    line.text = repairedLetters(trimmed(reading.text));
     line.confidence = reading.confidence;
     if (!line.text.empty() && line.confidence >= kLeastConfidence) read.push_back(line);
   }

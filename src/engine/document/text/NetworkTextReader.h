@@ -16,6 +16,8 @@ namespace corvana::engine {
 /// their head. Knows the letters of all Latin alphabets, rare capitals less well. Movable.
 class NetworkTextReader final : public TextReader {
  public:
+  static constexpr const char* kName = "PP-OCRv6 small Latin, 1";
+
   struct Models {
     std::filesystem::path boxes;
     std::filesystem::path recognizer;
@@ -40,7 +42,7 @@ class NetworkTextReader final : public TextReader {
   std::vector<TextLine> read(const platform::PixelBuffer& card) override;
   std::vector<TextLine> readAgain(const platform::PixelBuffer& card,
                                   const std::vector<TextLine>& known) override;
-  std::string name() const override { return "PP-OCRv6 small Latin, 1"; }
+  std::string name() const override { return kName; }
 
  private:
   NetworkTextReader(TextBoxes boxes, LineRecognizer recognizer, LineTurn turn);

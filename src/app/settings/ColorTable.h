@@ -2,6 +2,7 @@
 
 #include <array>
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "corvana/Appearance.h"
@@ -21,5 +22,8 @@ inline constexpr std::array<std::pair<const char*, ColorField>, 9> kColorKeys{
      {"retryScreenImageTintColor", &corvana::Colors::retryScreenImageTintColor},
      {"retryScreenButtonTextColor", &corvana::Colors::retryScreenButtonTextColor},
      {"retryScreenButtonBackgroundColor", &corvana::Colors::retryScreenButtonBackgroundColor}}};
+
+/// A colour as "#1B5E9E", or with its opacity as "#1B5E9EFF"; absent when the text is none.
+std::optional<platform::UIColor> parseColor(const std::string& text);
 
 }  // namespace corvana::app

@@ -1,0 +1,103 @@
+#include <algorithm>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <opencv2/imgproc.hpp>
+
+#include "TestCards.h"
+#include "engine/document/CardTurn.h"
+#include "engine/document/CardWarp.h"
+#include "engine/document/TesseractReader.h"
+#include "engine/document/text/LetterRepair.h"
+#include "engine/document/text/NetworkTextReader.h"
+#include "engine/vision/MatViews.h"
+
+namespace corvana::tests {
+namespace {
+
+using engine::CardTurn;
+using engine::TextLine;
+
+/// The front of a card as it is straightened.
+platform::PixelBufferRef front(int holder) {
+  cv::Mat card;
+  cv::cvtColor(drawCard(0, tests::holder(holder), "person_a.jpg").front, card, cv::COLOR_RGBA2RGB);
+  cv::resize(card, card, {engine::kCardWidth, engine::kCardHeight}, 0, 0, cv::INTER_AREA);
+  return engine::pixelBufferFrom(card);
+}
+
+const TextLine* lineWith(const std::vector<TextLine>& lines, const std::string& text) {
+  const auto found = std::ranges::find_if(
+      lines, [&](const TextLine& line) { return line.text.find(text) != std::string::npos; });
+  return found == lines.end() ? nullptr : &*found;
+}
+
+TEST(NetworkTextReader, ReadsWhatAndWhereAndAgain) {
+  auto reader =
+      engine::NetworkTextReader::load(engine::NetworkTextReader::Models::inFolder(ENGINE_RESOURCES))
+          .value();
+  const auto card = front(2);
+  const auto lines = reader.read(*card);
+  const TextLine* surname = lineWith(lines, "OKONKWO");
+  ASSERT_NE(surname, nullptr);
+  EXPECT_GT(surname->confidence, 0.9);
+  EXPECT_NEAR(surname->tilt, 0, 2);
+  const cv::Mat name = engine::grayMat(*card)(engine::pixelRect(surname->box, {1000, 630}));
+  double darkest = 255;
+  cv::minMaxLoc(name, &darkest);
+  EXPECT_LT(darkest, 100) << "the box holds the print";
+
+  EXPECT_NE(lineWith(reader.readAgain(*card, {*surname}), "OKONKWO"), nullptr);
+  EXPECT_EQ(lineWith(reader.readAgain(*front(0), {*surname}), "OKONKWO"), nullptr)
+      << "it was read, not remembered";
+  EXPECT_TRUE(reader.readAgain(*card, {}).empty());
+
+  EXPECT_GT(reader.turnSign(*card, lines), 0.5);
+  cv::Mat turned;
+  cv::rotate(engine::rgbMat(*card), turned, cv::ROTATE_180);
+  const auto onItsHead = engine::pixelBufferFrom(turned);
+  EXPECT_LT(reader.turnSign(*onItsHead, reader.find(*onItsHead)), -0.5);
+}
+
+TEST(TesseractReader, ReadsTheSameCardWithoutNetworks) {
+  auto reader = engine::TesseractReader::load().value();
+  EXPECT_NE(lineWith(reader.read(*front(2)), "OKONKWO"), nullptr);
+  EXPECT_EQ(reader.name().find("Tesseract "), 0U);
+  const auto missing = engine::TesseractReader::load("/nowhere");
+  ASSERT_FALSE(missing);
+  EXPECT_NE(missing.error().sentence.find("tesseract-ocr-eng"), std::string::npos);
+}
+
+TEST(LetterRepair, MendsLettersThatTheirWordBetrays) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"HÓDMEZőVÁSÁRHELY", "HÓDMEZŐVÁSÁRHELY"},
+      {"Hódmezővásárhely", "Hódmezővásárhely"},
+      {"S0VEJ 117, AER0SK0BING", "SOVEJ 117, AEROSKOBING"},
+      {"D23145890", "D23145890"},
+      {"L40AA7H55C", "L40AA7H55C"},
+      {"10.05.2030", "10.05.2030"},
+      {"B0 C", "B0 C"},
+      {"McDONALD", "McDONALD"},
+      {"\xff\xfe", "\xEF\xBF\xBD\xEF\xBF\xBD"},
+      {"", ""},
+  };
+  for (const auto& [read, meant] : cases)
+    EXPECT_EQ(engine::repairedLetters(read), meant);
+}
+
+TEST(CardTurn, IsToldByClearSignsOnly) {
+  EXPECT_EQ(engine::cardTurn({.lines = 0.9, .face = 0}), CardTurn::upright);
+  EXPECT_EQ(engine::cardTurn({.lines = -0.9, .face = engine::faceSign(0.7, 0.96)}),
+            CardTurn::upsideDown);
+  EXPECT_EQ(engine::cardTurn({.lines = 0, .face = engine::faceSign(0.96, 0.7)}), CardTurn::upright);
+  EXPECT_FALSE(engine::cardTurn({.lines = 0.9, .face = -1})) << "signs against each other";
+  EXPECT_FALSE(engine::cardTurn({.lines = 0.2, .face = engine::faceSign(0.75, 0.72)}));
+  EXPECT_FALSE(engine::cardTurn({}));
+  EXPECT_EQ(engine::cardTurnByReading(90, 40), CardTurn::upright);
+  EXPECT_EQ(engine::cardTurnByReading(0, 4), CardTurn::upsideDown);
+  EXPECT_FALSE(engine::cardTurnByReading(50, 45));
+  EXPECT_FALSE(engine::cardTurnByReading(0, 0));
+}
+
+}  // namespace
+}  // namespace corvana::tests
