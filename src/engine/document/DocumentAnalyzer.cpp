@@ -7,6 +7,7 @@
 #include "engine/document/BarcodeReader.h"
 #include "engine/document/CardTurn.h"
 #include "engine/document/CardWarp.h"
+#include "engine/document/SecondOpinion.h"
 #include "engine/document/StillCards.h"
 #include "engine/document/TextLines.h"
 #include "engine/document/fields/DocumentFields.h"
@@ -77,8 +78,12 @@ std::optional<CardTurn> turnByReading(const CardReading& asItLies, const CardRea
 }  // namespace
 
 DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text,
-                                   MrzReader mrz, const CalendarDate& today)
-    : faces_(std::move(faces)), text_(std::move(text)), mrz_(std::move(mrz)), today_(today) {}
+                                   MrzReader mrz, const Setup& setup)
+    : faces_(std::move(faces)),
+      text_(std::move(text)),
+      tessdata_(setup.tessdata),
+      mrz_(std::move(mrz)),
+      today_(setup.today) {}
 
 platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<FaceDetector> faces,
                                                             const Setup& setup) {
@@ -86,7 +91,7 @@ platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<Face
   if (!text) return tl::unexpected(text.error());
   auto mrz = MrzReader::load(setup.ocrBFonts);
   if (!mrz) return tl::unexpected(mrz.error());
-  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz), setup.today);
+  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz), setup);
 }
 
 CardSighting DocumentAnalyzer::find(const platform::PixelBuffer& frame,
@@ -205,7 +210,18 @@ platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
         "It can't be told which way up the card in the picture lies: take a sharper photo, from "
         "nearer and without glare.");
   }
+  askSecondReader(*reading);
   return *std::move(reading);
+}
+
+/// Its data take as much memory as all the rest, so they are only loaded for a still.
+void DocumentAnalyzer::askSecondReader(CardReading& reading) const {
+  if (!TesseractReader::hasLatinData(tessdata_)) return;
+  auto second = TesseractReader::load(tessdata_);
+  if (!second) return;
+  reading.lines =
+      withSecondOpinion(*reading.data.image->pixels(), std::move(reading.lines), *second);
+  reading.data.fields = documentFields(reading.data, reading.lines, today_);
 }
 
 }  // namespace corvana::engine

@@ -9,6 +9,7 @@
 #include "engine/document/CardFinder.h"
 #include "engine/document/CardLook.h"
 #include "engine/document/DocumentClassifier.h"
+#include "engine/document/TesseractReader.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/fields/CalendarDates.h"
 #include "engine/document/mrz/MrzReader.h"
@@ -39,7 +40,8 @@ struct CardReading {
   /// Where a machine-readable zone seems to be, read or not.
   std::optional<platform::CGRect> mrzBand;
   FamilyMatches familyMatches;
-  /// All print that was read.
+  /// All print that was read; from a still with rare letters put right by a second reader, if there
+  /// is one. The data has what the first reader read, as from any picture.
   std::vector<TextLine> lines;
 };
 
@@ -53,6 +55,8 @@ class DocumentAnalyzer {
     NetworkTextReader::Models text;
     /// Settles two-digit years.
     CalendarDate today{};
+    /// Where a second reader's data of the Latin script is looked for; it does without.
+    std::filesystem::path tessdata = kDebianTessdataFolder;
     std::vector<std::filesystem::path> ocrBFonts = defaultOcrBFonts();
   };
 
@@ -75,10 +79,11 @@ class DocumentAnalyzer {
 
  private:
   DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz,
-                   const CalendarDate& today);
+                   const Setup& setup);
   std::optional<Face> portrait(const platform::PixelBuffer& card);
   std::vector<TextLine> linesOf(const platform::PixelBuffer& card,
                                 const std::vector<TextLine>& known);
+  void askSecondReader(CardReading& reading) const;
   CardLook lookAt(const platform::PixelBuffer& picture, const Quad& outline);
   std::optional<CardLook> likeliestCard(const platform::PixelBuffer& picture,
                                         const std::vector<Quad>& outlines);
@@ -87,6 +92,7 @@ class DocumentAnalyzer {
 
   std::shared_ptr<FaceDetector> faces_;
   NetworkTextReader text_;
+  std::filesystem::path tessdata_;
   MrzReader mrz_;
   CalendarDate today_;
 };

@@ -11,6 +11,7 @@
 #include <tesseract/resultiterator.h>
 
 #include "engine/document/TextLines.h"
+#include "engine/document/text/LineCrop.h"
 #include "engine/vision/MatViews.h"
 
 namespace corvana::engine {
@@ -23,6 +24,14 @@ constexpr int kDotsPerInch = 300;
 constexpr int kRim = 14;
 /// Wider than a stroke of large print, so that closing leaves nothing but the paper.
 constexpr int kStroke = 25;
+/// White around a line that is read by itself, pixels.
+constexpr int kMargin = 10;
+constexpr const char* kLatinData = "Latin";
+
+bool hasData(const fs::path& tessdata, const std::string& language) {
+  std::error_code error;
+  return fs::is_regular_file(tessdata / (language + ".traineddata"), error);
+}
 
 /// While it lives, OpenMP makes no threads for this one's parallel sections.
 class SingleThread {
@@ -48,6 +57,13 @@ cv::Mat flattened(const platform::PixelBuffer& card) {
   cv::divide(gray, paper, flat, 255);
   cv::rectangle(flat, cv::Rect(cv::Point(), flat.size()), cv::Scalar(255), 2 * kRim);
   return flat;
+}
+
+std::string trimmed(const std::string& text) {
+  constexpr const char* kBlanks = " \n";
+  const auto first = text.find_first_not_of(kBlanks);
+  if (first == std::string::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 platform::CGRect unionOf(const platform::CGRect& a, const platform::CGRect& b) {
@@ -102,9 +118,8 @@ TesseractReader::~TesseractReader() = default;
 platform::Expected<TesseractReader> TesseractReader::load(const fs::path& tessdata) {
   // Leptonica, beneath Tesseract, prints a line for each speck it cannot crop.
   setMsgSeverity(L_SEVERITY_NONE);
-  for (const char* language : {"script/Latin", "eng"}) {
-    std::error_code error;
-    if (!fs::is_regular_file(tessdata / (std::string(language) + ".traineddata"), error)) continue;
+  for (const char* language : {kLatinData, "eng"}) {
+    if (!hasData(tessdata, language)) continue;
     auto tesseract = std::make_unique<tesseract::TessBaseAPI>();
     if (tesseract->Init(tessdata.c_str(), language, tesseract::OEM_LSTM_ONLY) != 0) continue;
     tesseract->SetVariable("debug_file", "/dev/null");
@@ -130,8 +145,33 @@ std::vector<TextLine> TesseractReader::read(const platform::PixelBuffer& card) {
 
 std::vector<TextLine> TesseractReader::readAgain(const platform::PixelBuffer& card,
                                                  const std::vector<TextLine>& known) {
-  static_cast<void>(known);
-  return read(card);
+  const SingleThread alone;
+  cv::Mat flat;
+  cv::cvtColor(flattened(card), flat, cv::COLOR_GRAY2RGB);
+  std::vector<TextLine> lines;
+  tesseract_->SetPageSegMode(tesseract::PSM_SINGLE_LINE);
+  for (const TextLine& line : known) {
+    cv::Mat print = lineCrop(flat, boxOf(line, kMargin));
+    cv::copyMakeBorder(print, print, kMargin, kMargin, kMargin, kMargin, cv::BORDER_CONSTANT,
+                       cv::Scalar::all(255));
+    tesseract_->SetImage(print.data, print.cols, print.rows, 3, static_cast<int>(print.step));
+    tesseract_->SetSourceResolution(kDotsPerInch);
+    tesseract_->ClearAdaptiveClassifier();
+    const std::unique_ptr<const char[]> text(tesseract_->GetUTF8Text());
+    if (!text) continue;
+    TextLine again = line;
+    again.text = trimmed(text.get());
+    again.confidence = tesseract_->MeanTextConf() / 100.0;
+    again.leastConfidence = again.confidence;
+    if (isSure(again)) lines.push_back(again);
+  }
+  tesseract_->Clear();
+  tesseract_->SetPageSegMode(tesseract::PSM_SPARSE_TEXT);
+  return lines;
+}
+
+bool TesseractReader::hasLatinData(const fs::path& tessdata) {
+  return hasData(tessdata, kLatinData);
 }
 
 std::string TesseractReader::name() const {

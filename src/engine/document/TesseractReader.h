@@ -26,12 +26,15 @@ class TesseractReader final : public TextReader {
   static platform::Expected<TesseractReader> load(
       const std::filesystem::path& tessdata = kDebianTessdataFolder);
 
+  /// Whether the data of the Latin script is installed.
+  static bool hasLatinData(const std::filesystem::path& tessdata);
+
   TesseractReader(TesseractReader&&) noexcept;
   TesseractReader& operator=(TesseractReader&&) noexcept;
   ~TesseractReader() override;
 
   std::vector<TextLine> read(const platform::PixelBuffer& card) override;
-  /// Looks anew: it finds lines as it reads them.
+  /// Reads each line by itself.
   std::vector<TextLine> readAgain(const platform::PixelBuffer& card,
                                   const std::vector<TextLine>& known) override;
   std::string name() const override;

@@ -10,10 +10,11 @@ namespace corvana::engine {
 
 /// A line of print as a reader saw it, or the part of one that stands by itself.
 struct TextLine {
-  std::string text;       ///< UTF-8, with accents
-  platform::CGRect box;   ///< in pixels of the straightened card
-  double confidence = 0;  ///< 0 to 1
-  double tilt = 0;        ///< degrees clockwise by which the box is turned about its middle
+  std::string text;            ///< UTF-8, with accents
+  platform::CGRect box;        ///< in pixels of the straightened card
+  double confidence = 0;       ///< 0 to 1
+  double tilt = 0;             ///< degrees clockwise by which the box is turned about its middle
+  double leastConfidence = 1;  ///< of its least sure letter
 };
 
 /// Reads the print of a straightened card. The same picture gives the same text. One thread at a

@@ -14,6 +14,12 @@ constexpr int kMostWidth = 1600;
 
 }  // namespace
 
+cv::RotatedRect boxOf(const TextLine& line, double more) {
+  return {{static_cast<float>(line.box.midX()), static_cast<float>(line.box.midY())},
+          {static_cast<float>(line.box.width + more), static_cast<float>(line.box.height + more)},
+          static_cast<float>(line.tilt)};
+}
+
 cv::Mat lineCrop(const cv::Mat& rgb, const cv::RotatedRect& box) {
   const double width = std::ceil(box.size.width * kLineHeight / box.size.height);
   const int columns = static_cast<int>(std::clamp<double>(width, kLeastWidth, kMostWidth));

@@ -17,12 +17,6 @@ constexpr double kLeastConfidence = 0.7;
 /// what the network marks is that much wider at any size of print.
 constexpr float kHalo = 10;
 
-cv::RotatedRect boxOf(const TextLine& line) {
-  return {{static_cast<float>(line.box.midX()), static_cast<float>(line.box.midY())},
-          {static_cast<float>(line.box.width) + kHalo, static_cast<float>(line.box.height) + kHalo},
-          static_cast<float>(line.tilt)};
-}
-
 TextLine lineIn(const cv::RotatedRect& box) {
   const auto& [x, y] = box.center;
   const float width = std::max(1.0F, box.size.width - kHalo);
@@ -77,7 +71,7 @@ double NetworkTextReader::turnSign(const platform::PixelBuffer& card,
   double sum = 0;
   double length = 0;
   for (const TextLine& line : lines) {
-    const double upsideDown = turn_.upsideDown(lineCrop(rgbMat(card), boxOf(line)));
+    const double upsideDown = turn_.upsideDown(lineCrop(rgbMat(card), boxOf(line, kHalo)));
     sum += (1 - 2 * upsideDown) * line.box.width;
     length += line.box.width;
   }
@@ -93,7 +87,7 @@ std::vector<TextLine> NetworkTextReader::readAgain(const platform::PixelBuffer& 
   const cv::Mat rgb = rgbMat(card);
   std::vector<std::pair<cv::Mat, TextLine>> lines;
   for (const TextLine& line : known)
-    lines.emplace_back(lineCrop(rgb, boxOf(line)), line);
+    lines.emplace_back(lineCrop(rgb, boxOf(line, kHalo)), line);
   // Lines of like width one after the other.
   std::ranges::stable_sort(lines, {}, [](const auto& line) { return line.first.cols; });
   std::vector<TextLine> read;
@@ -101,6 +95,7 @@ std::vector<TextLine> NetworkTextReader::readAgain(const platform::PixelBuffer& 
     const LineRecognizer::Reading reading = recognizer_.read(picture);
     line.text = repairedLetters(trimmed(reading.text));
     line.confidence = reading.confidence;
+    line.leastConfidence = reading.leastConfident;
     if (!line.text.empty() && line.confidence >= kLeastConfidence) read.push_back(line);
   }
   std::ranges::stable_sort(read, {}, [](const TextLine& line) { return line.box.midY(); });

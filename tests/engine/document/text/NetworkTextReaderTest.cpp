@@ -7,6 +7,7 @@
 #include "TestCards.h"
 #include "engine/document/CardTurn.h"
 #include "engine/document/CardWarp.h"
+#include "engine/document/SecondOpinion.h"
 #include "engine/document/TesseractReader.h"
 #include "engine/document/text/LetterRepair.h"
 #include "engine/document/text/NetworkTextReader.h"
@@ -66,6 +67,33 @@ TEST(TesseractReader, ReadsTheSameCardWithoutNetworks) {
   const auto missing = engine::TesseractReader::load("/nowhere");
   ASSERT_FALSE(missing);
   EXPECT_NE(missing.error().sentence.find("tesseract-ocr-eng"), std::string::npos);
+}
+
+/// Always reads the same.
+class OtherReader final : public engine::TextReader {
+ public:
+  explicit OtherReader(TextLine line) : line_(std::move(line)) {}
+  std::vector<TextLine> read(const platform::PixelBuffer&) override { return {line_}; }
+  std::vector<TextLine> readAgain(const platform::PixelBuffer&,
+                                  const std::vector<TextLine>&) override {
+    return {line_};
+  }
+  std::string name() const override { return "other"; }
+
+ private:
+  TextLine line_;
+};
+
+TEST(SecondOpinion, IsTakenForDoubtfulLettersOnly) {
+  const auto card = front(0);
+  const auto settled = [&](const char* first, double least, const char* second, double sure) {
+    OtherReader other({second, {}, sure});
+    return engine::withSecondOpinion(*card, {{first, {}, 0.9, 0, least}}, other).front().text;
+  };
+  EXPECT_EQ(settled("OČUZHAN", 0.5, "OĞUZHAN", 0.9), "OĞUZHAN");
+  EXPECT_EQ(settled("OČUZHAN", 0.95, "OĞUZHAN", 0.9), "OČUZHAN") << "no doubt";
+  EXPECT_EQ(settled("OČUZHAN", 0.5, "OĞUZHAN", 0.6), "OČUZHAN") << "the other doubts more";
+  EXPECT_EQ(settled("OČUZHAN", 0.5, "ANKARA", 0.95), "OČUZHAN") << "other text";
 }
 
 TEST(LetterRepair, MendsLettersThatTheirWordBetrays) {
