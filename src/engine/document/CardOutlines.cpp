@@ -45,7 +45,8 @@ double distance(const platform::CGPoint& a, const platform::CGPoint& b) {
 
 /// The outline with its long sides as width.
 Quad lying(Quad quad) {
-  if (quad.width() < quad.height()) std::ranges::rotate(quad.corners, quad.corners.begin() + 1);
+  if (quad.width() < quad.height())
+    std::rotate(quad.corners.begin(), quad.corners.begin() + 1, quad.corners.end());
   return quad;
 }
 
@@ -139,11 +140,11 @@ class OutlineCollector {
   std::vector<Quad> best() {
     std::ranges::stable_sort(found_, std::ranges::greater{}, &std::pair<double, Quad>::first);
     std::vector<Quad> best;
-    for (const auto& [score, quad] : found_) {
+    for (const auto& found : found_) {
       if (best.size() == kMostOutlines) break;
-      const bool isKnown =
-          std::ranges::any_of(best, [&](const Quad& other) { return areSame(quad, other); });
-      if (!isKnown) best.push_back(quad);
+      const bool isKnown = std::ranges::any_of(
+          best, [&](const Quad& other) { return areSame(found.second, other); });
+      if (!isKnown) best.push_back(found.second);
     }
     return best;
   }

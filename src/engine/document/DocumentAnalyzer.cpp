@@ -221,6 +221,7 @@ void DocumentAnalyzer::askSecondReader(CardReading& reading) const {
   if (!second) return;
   reading.lines =
       withSecondOpinion(*reading.data.image->pixels(), std::move(reading.lines), *second);
+  reading.data.fields = documentFields(reading.data, reading.lines, today_);
 }
 
 }  // namespace corvana::engine

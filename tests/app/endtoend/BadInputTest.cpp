@@ -129,6 +129,8 @@ TEST(Commands, WrongUseIsExitCodeTwo) {
                                                     {"capture"},
                                                     {"capture", "--on-alert", "cancel"},
                                                     {"capture", "--done", "soon"},
+                                                    {"capture", "--date", "2026-02-30"},
+                                                    {"enroll", "--least-age", "-1"},
                                                     {"verify", "nowhere"},
                                                     {"enroll", "--front", "none.png"}}) {
     EXPECT_EQ(runVideoid(arguments).exitCode, 2);

@@ -19,9 +19,9 @@ Arguments withShortLimits(Arguments more = {}) {
 }
 
 Arguments captureOf(const Session& session, const fs::path& run, const Arguments& more = {}) {
-  Arguments arguments{"capture",      "--reference", session.reference,
-                      "--text-file",  session.text,  "--camera",
-                      session.camera, "--output",    run};
+  Arguments arguments{"capture",    "--reference", session.reference, "--text-file",
+                      session.text, "--camera",    session.camera,    "--output",
+                      run,          "--date",      "2026-03-01"};
   arguments.insert(arguments.end(), more.begin(), more.end());
   return arguments;
 }
@@ -52,6 +52,12 @@ TEST(EndToEnd, AGoodSessionEndsInAResultThatCanBeVerifiedAndRepeated) {
     EXPECT_EQ(result["result"][flag], true) << flag;
   }
   EXPECT_EQ(result["recording"]["framesDropped"], 0);
+  EXPECT_EQ(result["date"], "2026-03-01");
+  EXPECT_EQ(result["hints"], json::array());
+  const auto surname = eventsOf(run, "field", "surname");
+  ASSERT_EQ(surname.size(), 1U);
+  EXPECT_EQ(surname.front()["agreement"], "agrees");
+  EXPECT_EQ(bytesOf(run / "events.jsonl").find("ERIKSSON"), std::string::npos) << "a value";
   EXPECT_EQ(fs::status(run).permissions(), fs::perms::owner_all);
   EXPECT_FALSE(fs::exists(run / "film.partial.mp4"));
 
@@ -217,6 +223,32 @@ TEST(EndToEnd, EnrollRefusesTheWrongSidesAndSaysWhy) {
       runVideoid({"enroll", "--front", front, "--back", front, "--output", scratch / "twice"});
   EXPECT_EQ(twice.exitCode, 2);
   EXPECT_FALSE(fs::exists(scratch / "twice"));
+}
+
+TEST(EndToEnd, EnrollRefusesACardWhoseDatesAreNotInOrderUnlessItIsAllowed) {
+  const ScratchFolder scratch;
+  const fs::path stills = Session::of("short").camera.parent_path();
+  Arguments arguments{"enroll",
+                      "--front",
+                      stills / "front.png",
+                      "--back",
+                      stills / "back.png",
+                      "--output",
+                      scratch / "card",
+                      "--date",
+                      "2032-04-16",
+                      "--least-age",
+                      "48"};
+  const ProgramRun refused = runVideoid(arguments);
+  EXPECT_EQ(refused.exitCode, 2);
+  arguments.push_back("--allow-conflict");
+  const ProgramRun allowed = runVideoid(arguments);
+  EXPECT_EQ(allowed.exitCode, 0) << allowed.errors;
+  for (const std::string& errors : {refused.errors, allowed.errors}) {
+    EXPECT_NE(errors.find("the card had expired on 2032-04-16, the holder was younger than 48"),
+              std::string::npos)
+        << errors;
+  }
 }
 
 TEST(EndToEnd, ALiveCameraThatDiesEndsTheFlowAndLeavesAFilmThatPlays) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <sstream>
 
+#include "engine/document/fields/EditDistance.h"
 #include "engine/document/fields/Transliteration.h"
 #include "engine/document/mrz/StateCodes.h"
 
@@ -61,18 +62,13 @@ std::string skeletonOf(FieldName name, std::string_view text) {
   return isName(name) ? letterSkeleton(text) : numberSkeleton(text);
 }
 
-std::size_t edits(const std::string& a, const std::string& b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), 0U);
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    std::size_t diagonal = row[0]++;
-    for (std::size_t j = 0; j < b.size(); ++j) {
-      const std::size_t above = row[j + 1];
-      row[j + 1] = std::min({diagonal + (a[i] == b[j] ? 0U : 1U), above + 1, row[j] + 1});
-      diagonal = above;
-    }
-  }
-  return row.back();
+/// Rare letters with marks are read as others: Č for Ğ. Such a letter agrees with any one.
+bool isLikeWhereMarked(std::string_view printed, const std::string& value) {
+  const std::string pattern = withoutMarkedLetters(printed);
+  const std::string plain = letterSkeleton(value);
+  return pattern.size() == plain.size() &&
+         std::equal(pattern.begin(), pattern.end(), plain.begin(),
+                    [](char p, char v) { return p == kMarkedLetter || p == v; });
 }
 
 bool isBeginning(const std::vector<std::string>& part, const std::vector<std::string>& whole) {
@@ -92,7 +88,9 @@ std::vector<std::string> wordSkeletons(const std::string& names) {
 bool doNamesAgree(const std::string& printed, const DocumentField& field) {
   const std::string a = letterSkeleton(printed);
   const std::string b = letterSkeleton(field.value);
-  if (a == b || (field.isTruncated && !b.empty() && a.starts_with(b))) return true;
+  if (a == b || isLikeWhereMarked(printed, field.value) ||
+      (field.isTruncated && !b.empty() && a.starts_with(b)))
+    return true;
   const auto ofPrint = wordSkeletons(printed);
   const auto ofField = wordSkeletons(field.value);
   return isBeginning(ofPrint, ofField) || isBeginning(ofField, ofPrint);
@@ -156,14 +154,14 @@ std::vector<std::string> datesNear(const std::string& line, const std::string& i
   return dates;
 }
 
-/// Calls back with the skeleton of each run of a line's words until one pleases.
+/// Calls back with each run of a line's words until one pleases.
 template <class Pleases>
-bool anyRun(FieldName name, const std::string& line, bool toTheEnd, const Pleases& pleases) {
-  const auto all = words(isName(name) ? zoneLetters(line) : plainLetters(line));
+bool anyRun(const std::string& line, bool toTheEnd, const Pleases& pleases) {
+  const auto all = words(line);
   for (std::size_t first = 0; first < all.size(); ++first) {
     std::string run;
     for (std::size_t last = first; last < all.size(); ++last) {
-      run += skeletonOf(name, all[last]);
+      run += all[last];
       if ((!toTheEnd || last + 1 == all.size()) && pleases(run)) return true;
     }
   }
@@ -176,8 +174,10 @@ bool holds(const std::string& line, const DocumentField& field) {
     return std::ranges::find(dates, field.value) != dates.end();
   }
   const std::string wanted = skeletonOf(field.name, field.value);
-  return !wanted.empty() &&
-         anyRun(field.name, line, false, [&](const std::string& run) { return run == wanted; });
+  return !wanted.empty() && anyRun(line, false, [&](const std::string& run) {
+    return skeletonOf(field.name, run) == wanted ||
+           (isName(field.name) && isLikeWhereMarked(run, field.value));
+  });
 }
 
 std::size_t changedDigits(const std::string& a, const std::string& b) {
@@ -196,14 +196,14 @@ bool nearlyHolds(const std::string& line, const DocumentField& field) {
   }
   const std::string wanted = skeletonOf(field.name, field.value);
   if (field.name == FieldName::documentNumber) {
-    return wanted.size() >= kLeastNearNumber &&
-           anyRun(field.name, line, false, [&](const std::string& run) {
-             return changedDigits(run, wanted) <= kMostChangedDigits;
+    return wanted.size() >= kLeastNearNumber && anyRun(line, false, [&](const std::string& run) {
+             return changedDigits(numberSkeleton(run), wanted) <= kMostChangedDigits;
            });
   }
   return isName(field.name) && !field.isTruncated && wanted.size() >= kLeastNearName &&
-         anyRun(field.name, line, true, [&](const std::string& run) {
-           return edits(run, wanted) <= std::max<std::size_t>(1, wanted.size() / kLettersPerChange);
+         anyRun(line, true, [&](const std::string& run) {
+           return editDistance(letterSkeleton(run), wanted) <=
+                  std::max<std::size_t>(1, wanted.size() / kLettersPerChange);
          });
 }
 
@@ -249,6 +249,16 @@ class PrintCheck {
     });
   }
 
+  /// A document expires on the day of the year on which it was issued, so that a date near its
+  /// expiry is another expiry only where it stands after the issue.
+  bool holdsOtherExpiry(const std::string& line, const DocumentField& field) const {
+    const auto issue = std::ranges::find(print_.fields, FieldName::issueDate, &DocumentField::name);
+    if (field.name != FieldName::expiryDate || issue == print_.fields.end()) return false;
+    return std::ranges::any_of(datesNear(line, field.value), [&](const std::string& date) {
+      return date > issue->value && changedDigits(date, field.value) <= kMostChangedDigits;
+    });
+  }
+
   void search(const DocumentField& field, FieldCheck& check) const {
     const auto found = [&](FieldAgreement agreement) {
       if (check.agreement != agreement) check.place = std::nullopt;
@@ -257,7 +267,8 @@ class PrintCheck {
     };
     const auto isHeld = [&](const std::string& line) { return holds(line, field); };
     const auto isNear = [&](const std::string& line) {
-      return nearlyHolds(line, field) && !isTaken(line, field.name);
+      return (nearlyHolds(line, field) || holdsOtherExpiry(line, field)) &&
+             !isTaken(line, field.name);
     };
     if (std::ranges::any_of(print_.lines, isHeld))
       found(FieldAgreement::agrees);

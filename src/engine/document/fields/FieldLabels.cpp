@@ -4,6 +4,7 @@
 #include <array>
 #include <string_view>
 
+#include "engine/document/fields/EditDistance.h"
 #include "engine/document/fields/Transliteration.h"
 
 namespace corvana::engine {
@@ -97,6 +98,9 @@ constexpr Label kLabels[] = {
     {"DOCUMENT NUMBER", FieldName::documentNumber},
     {"DOCUMENT NO", FieldName::documentNumber},
     {"DOC NO", FieldName::documentNumber},
+    {"NUMMER", FieldName::documentNumber},
+    {"NUMER", FieldName::documentNumber},
+    {"CARTE NO", FieldName::documentNumber},
     {"CARD NO", FieldName::documentNumber},
     {"CARD NUMBER", FieldName::documentNumber},
     {"IDENTITY CARD NO", FieldName::documentNumber},
@@ -219,6 +223,7 @@ constexpr Label kLabels[] = {
     {"TERMIN WAZNOSCI", FieldName::expiryDate},
     {"DATA WAZNOSCI", FieldName::expiryDate},
     {"PLATNOST DO", FieldName::expiryDate},
+    {"WAZNY DO", FieldName::expiryDate},
     {"VRIJEDI DO", FieldName::expiryDate},
     {"GILTIGT TILL", FieldName::expiryDate},
     {"GYLDIG TIL", FieldName::expiryDate},
@@ -279,7 +284,7 @@ constexpr Label kLabels[] = {
     {"ADRES", FieldName::address},
     {"ADRESA", FieldName::address},
     {"ADRESS", FieldName::address},
-    {"RESIDENCE", FieldName::address},
+    {"DATUM", kOther},
     {"HEIGHT", kOther},
     {"HGT", kOther},
     {"TAILLE", kOther},
@@ -374,6 +379,18 @@ std::vector<Word> wordsOf(const std::string& line) {
   return words;
 }
 
+/// Small print is misread now and then, and blanks get lost in it.
+bool isLabel(std::string_view words, const std::string& text) {
+  constexpr std::size_t kLettersPerError = 7;
+  std::string label(words);
+  std::erase(label, ' ');
+  if (label == text) return true;
+  const std::size_t allowed = label.size() / kLettersPerError;
+  const std::size_t apart =
+      std::max(label.size(), text.size()) - std::min(label.size(), text.size());
+  return apart <= allowed && allowed > 0 && editDistance(label, text) <= allowed;
+}
+
 struct Match {
   const Label* label = nullptr;
   std::size_t words = 0;
@@ -385,9 +402,9 @@ Match longestLabel(const std::vector<Word>& words, std::size_t first) {
   Match match;
   std::string text;
   for (std::size_t count = 1; count <= kMostWords && first + count <= words.size(); ++count) {
-    if (count > 1) text += ' ';
     text += words[first + count - 1].letters;
-    const auto label = std::ranges::find(kLabels, text, &Label::words);
+    const auto label =
+        std::ranges::find_if(kLabels, [&](const Label& l) { return isLabel(l.words, text); });
     if (label != std::end(kLabels)) match = {&*label, count};
   }
   return match;
@@ -421,6 +438,17 @@ std::string leadingNumber(const std::string& line, std::size_t& end) {
   return number;
 }
 
+/// A label whose first language is not known, but one of the others is.
+Match labelBehindStroke(const std::string& text) {
+  for (std::size_t stroke = text.find('/'); stroke != std::string::npos;
+       stroke = text.find('/', stroke + 1)) {
+    const std::vector<Word> words = wordsOf(text.substr(stroke + 1));
+    const Match match = longestLabel(words, 0);
+    if (match.label != nullptr && match.words == words.size()) return match;
+  }
+  return {};
+}
+
 }  // namespace
 
 std::optional<FieldName> numberedField(const std::string& number, bool isNorthAmerican) {
@@ -440,11 +468,16 @@ std::optional<LabelledText> labelledText(const std::string& line) {
   while (at < words.size()) {
     const Match match = longestLabel(words, at);
     if (match.label == nullptr) break;
-    if (!result.hasWords) result.name = match.label->name;
+    if (!result.name) result.name = match.label->name;
     result.hasWords = true;
     at += match.words;
     labelEnd = words[at - 1].end;
     if (words[at - 1].endsLabel) break;
+  }
+  if (!result.hasWords) {
+    if (const Match match = labelBehindStroke(text); match.label != nullptr) {
+      return LabelledText{match.label->name, result.number, true, {}};
+    }
   }
   if (!result.hasWords && result.number.empty()) return std::nullopt;
   result.rest = restFrom(text, labelEnd);

@@ -9,7 +9,7 @@
 namespace corvana::engine {
 namespace {
 
-enum class Style { writtenOut, plain };
+enum class Style { writtenOut, plain, marked };
 
 struct Letters {
   const char* writtenOut;
@@ -58,9 +58,11 @@ std::string lettersOf(std::string_view text, Style style) {
     if (isAsciiLetterOrDigit(c)) {
       letters += static_cast<char>(c);
     } else if (const Letters* special = specialLetters(c)) {
-      letters += style == Style::writtenOut ? special->writtenOut : special->plain;
+      letters += style == Style::marked       ? std::string(1, kMarkedLetter)
+                 : style == Style::writtenOut ? special->writtenOut
+                                              : special->plain;
     } else if (const char base = baseOf(c); base != 0) {
-      letters += base;
+      letters += style == Style::marked ? kMarkedLetter : base;
     } else if (!isSilent(c) && !letters.empty() && letters.back() != ' ') {
       letters += ' ';
     }
@@ -77,6 +79,12 @@ std::string zoneLetters(std::string_view text) {
 
 std::string plainLetters(std::string_view text) {
   return lettersOf(text, Style::plain);
+}
+
+std::string withoutMarkedLetters(std::string_view text) {
+  std::string letters = lettersOf(text, Style::marked);
+  std::erase(letters, ' ');
+  return letters;
 }
 
 std::string letterSkeleton(std::string_view text) {

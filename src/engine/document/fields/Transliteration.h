@@ -13,6 +13,11 @@ std::string zoneLetters(std::string_view text);
 /// The same with every letter but without its marks: Ä as A, Ø as O.
 std::string plainLetters(std::string_view text);
 
+/// Stands for a letter with a mark.
+inline constexpr char kMarkedLetter = '?';
+/// The letters of plainLetters without blanks, those with a mark as `kMarkedLetter`.
+std::string withoutMarkedLetters(std::string_view text);
+
 /// What is left when neither marks nor the ways to write them out count: MÜLLER, MULLER and
 /// MUELLER are one. Without blanks.
 std::string letterSkeleton(std::string_view text);

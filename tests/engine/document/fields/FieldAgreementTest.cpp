@@ -87,6 +87,8 @@ constexpr auto kUnread = FieldAgreement::unread;
 const AgreementCase kAgreementCases[] = {
     {"umlauts written out", FieldName::surname, "MUELLER", "MÜLLER", {}, kAgrees},
     {"umlauts that the reader lost", FieldName::surname, "MUELLER", "MULLER", {}, kAgrees},
+    {"rare letters taken for others", FieldName::surname, "GUEMUESOGLU", "GÜMÜşOČLU", {}, kAgrees},
+    {"the same without a label", FieldName::surname, "CAGLAYAN", {}, {"1 ÇAČLAYAN"}, kAgrees},
     {"hyphens", FieldName::surname, "SMITH JONES", "Smith-Jones", {}, kAgrees},
     {"another name", FieldName::surname, "ERIKSSON", "ERIKSEN", {}, kConflicts},
     {"fewer given names", FieldName::givenNames, "ANNA MARIA", "Anna", {}, kAgrees},
@@ -179,6 +181,17 @@ TEST(FieldAgreement, HonoursTruncationAndDoubt) {
   EXPECT_EQ(engine::checkPrint(print, {cut}).front().agreement, kConflicts);
   print.fields.front().confidence = 0.5F;
   EXPECT_EQ(engine::checkPrint(print, {cut}).front().agreement, kUnread) << "too faint to accuse";
+}
+
+TEST(FieldAgreement, TellsAnotherExpiryFromTheIssueOnItsDay) {
+  const std::vector<DocumentField> record{
+      field(FieldName::expiryDate, "2024-07-01", FieldSource::zone)};
+  engine::Print print;
+  print.fields = {field(FieldName::issueDate, "2014-07-01", FieldSource::print)};
+  print.lines = {"01.07.2014"};
+  EXPECT_EQ(engine::checkPrint(print, record).front().agreement, kUnread);
+  print.lines = {"01.07.2014", "01.07.2022"};
+  EXPECT_EQ(engine::checkPrint(print, record).front().agreement, kConflicts);
 }
 
 TEST(FieldAgreement, ComparesAFrontWithTheRecordOfItsBack) {

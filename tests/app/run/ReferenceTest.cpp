@@ -1,0 +1,54 @@
+#include <gtest/gtest.h>
+
+#include "app/run/Reference.h"
+#include "support/Scratch.h"
+
+namespace corvana::tests {
+namespace {
+
+using corvana::DocumentField;
+using corvana::FieldName;
+using corvana::FieldSource;
+
+TEST(Reference, KeepsTheFieldsOfBothSides) {
+  const ScratchFolder scratch;
+  app::Reference reference;
+  reference.front.fields = {
+      {FieldName::surname, "MÜLLER", FieldSource::print, 0.5F, false,
+       platform::CGRect{390.25, 185, 195, 32}},
+      {FieldName::birthDate, "1984-04", FieldSource::print, 1.0F, false, std::nullopt}};
+  reference.back.emplace();
+  reference.back->fields = {
+      {FieldName::givenNames, "ANNA MARIA ELI", FieldSource::zone, 0.9F, true, std::nullopt},
+      {FieldName::address, "17 HARBOUR ROAD, ZENITH", FieldSource::code, 1.0F, false,
+       std::nullopt}};
+  ASSERT_TRUE(app::saveReference(reference, scratch.path()));
+  const auto loaded = app::loadReference(scratch.path());
+  ASSERT_TRUE(loaded) << loaded.error().sentence;
+  EXPECT_EQ(loaded->front.fields, reference.front.fields);
+  EXPECT_EQ(loaded->back->fields, reference.back->fields);
+}
+
+TEST(Reference, RefusesFieldsOfAnotherShape) {
+  const ScratchFolder scratch;
+  app::Reference reference;
+  reference.front.fields = {
+      {FieldName::sex, "F", FieldSource::zone, 0.5F, false, platform::CGRect{1, 2, 3, 4}}};
+  ASSERT_TRUE(app::saveReference(reference, scratch.path()));
+  const auto good = *app::parseJson(*app::readFile(scratch / app::kReferenceFileName, 10000), "");
+  const std::tuple<const char*, nlohmann::json> cases[] = {
+      {"name", "shoeSize"},      {"source", "rumour"}, {"value", 7},    {"value", nullptr},
+      {"confidence", "certain"}, {"place", {1, 2, 3}}, {"truncated", 1}};
+  for (const auto& [key, value] : cases) {
+    auto spoilt = good;
+    spoilt["front"]["fields"][0][key] = value;
+    ASSERT_TRUE(app::writeFile(scratch / app::kReferenceFileName, spoilt.dump()));
+    const auto loaded = app::loadReference(scratch.path());
+    ASSERT_FALSE(loaded) << key;
+    EXPECT_NE(loaded.error().sentence.find("\"" + std::string(key) + "\""), std::string::npos)
+        << loaded.error().sentence;
+  }
+}
+
+}  // namespace
+}  // namespace corvana::tests
