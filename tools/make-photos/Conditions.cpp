@@ -66,13 +66,13 @@ std::optional<Glare> drawGlare(cv::Size2d card, const std::vector<cv::Rect2d>& c
 }
 
 void drawPose(Conditions& conditions, Random& random) {
-  static const std::vector<double> aspects = {4.0 / 3.0, 3.0 / 4.0, 16.0 / 9.0, 9.0 / 16.0};
+  static const std::vector<double> kAspects = {4.0 / 3.0, 3.0 / 4.0, 16.0 / 9.0, 9.0 / 16.0};
   conditions.cardWidth = random.uniform(400.0, 1200.0);
   conditions.turn = random.uniform(0.0, 360.0);
   conditions.tilt = random.uniform(0.0, 15.0);
   conditions.tiltDirection = random.uniform(0.0, 360.0);
   conditions.groundTurn = random.uniform(0.0, 360.0);
-  conditions.aspect = drawFrom(aspects, random);
+  conditions.aspect = drawFrom(kAspects, random);
   conditions.focalLength = random.uniform(0.75, 1.1);
   const double filling = random.uniform(0.0, 1.0);
   conditions.fill = filling < 0.15 ? random.uniform(0.93, 0.985) : random.uniform(0.5, 0.88);

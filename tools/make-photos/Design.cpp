@@ -21,10 +21,10 @@ struct FormatSize {
 };
 
 const FormatSize& sizeOf(MrzFormat format) {
-  static const std::map<MrzFormat, FormatSize> sizes = {{MrzFormat::td1, {{85.60, 53.98}, 23.2}},
-                                                        {MrzFormat::td2, {{105.0, 74.0}, 23.2}},
-                                                        {MrzFormat::td3, {{125.0, 88.0}, 23.2}}};
-  return sizes.at(format);
+  static const std::map<MrzFormat, FormatSize> kSizes = {{MrzFormat::td1, {{85.60, 53.98}, 23.2}},
+                                                         {MrzFormat::td2, {{105.0, 74.0}, 23.2}},
+                                                         {MrzFormat::td3, {{125.0, 88.0}, 23.2}}};
+  return kSizes.at(format);
 }
 
 cv::Scalar colour(const json& value) {
@@ -108,13 +108,13 @@ void readLooks(const json& value, Design& design) {
 }
 
 Design design(const json& value, const std::string& name) {
-  static const std::map<std::string, MrzFormat> formats = {
+  static const std::map<std::string, MrzFormat> kFormats = {
       {"TD1", MrzFormat::td1}, {"TD2", MrzFormat::td2}, {"TD3", MrzFormat::td3}};
   Design design;
   design.name = name;
   design.kind = value.at("kind").get<std::string>();
   design.unseen = value.value("unseen", false);
-  design.format = formats.at(value.at("format").get<std::string>());
+  design.format = kFormats.at(value.at("format").get<std::string>());
   design.book = value.value("book", false);
   design.documentCode = value.at("documentCode").get<std::string>();
   design.stateName = value.at("stateName").get<std::string>();

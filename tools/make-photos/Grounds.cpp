@@ -41,15 +41,15 @@ cv::Mat coloured(const cv::Mat& light, const cv::Scalar& colour) {
 }
 
 cv::Mat plain(cv::Size size, double scale, Random& random) {
-  static const std::vector<cv::Scalar> colours = {{232, 232, 228}, {206, 200, 190}, {122, 126, 130},
-                                                  {46, 50, 58},    {38, 62, 108},   {60, 104, 84},
-                                                  {168, 58, 52},   {222, 206, 172}};
+  static const std::vector<cv::Scalar> kColours = {
+      {232, 232, 228}, {206, 200, 190}, {122, 126, 130}, {46, 50, 58},
+      {38, 62, 108},   {60, 104, 84},   {168, 58, 52},   {222, 206, 172}};
   const cv::Mat light = 1.0 + 0.015 * unevenness(size, 9.0 * scale, 9.0 * scale, random);
-  return coloured(light, drawFrom(colours, random));
+  return coloured(light, drawFrom(kColours, random));
 }
 
 cv::Mat wood(cv::Size size, double scale, Random& random) {
-  static const std::vector<cv::Scalar> colours = {
+  static const std::vector<cv::Scalar> kColours = {
       {104, 74, 52}, {164, 122, 82}, {206, 172, 128}, {84, 56, 44}, {142, 104, 84}};
   cv::Mat light = 1.0 + 0.07 * unevenness(size, 0.5 * scale, 30.0 * scale, random) +
                   0.08 * unevenness(size, 4.0 * scale, 70.0 * scale, random);
@@ -60,12 +60,12 @@ cv::Mat wood(cv::Size size, double scale, Random& random) {
         light.rowRange(row, std::min(size.height, row + 1 + static_cast<int>(0.4 * scale)));
     gap *= 0.55;
   }
-  return coloured(light, drawFrom(colours, random));
+  return coloured(light, drawFrom(kColours, random));
 }
 
 cv::Mat cloth(cv::Size size, double scale, Random& random) {
-  static const std::vector<cv::Scalar> colours = {{176, 168, 152}, {54, 66, 96},    {128, 44, 50},
-                                                  {96, 110, 84},   {222, 216, 204}, {70, 70, 74}};
+  static const std::vector<cv::Scalar> kColours = {{176, 168, 152}, {54, 66, 96},    {128, 44, 50},
+                                                   {96, 110, 84},   {222, 216, 204}, {70, 70, 74}};
   const double thread = random.uniform(0.5, 1.3) * scale;
   const double checks = random.uniform(0.0, 1.0) < 0.4 ? random.uniform(12.0, 30.0) * scale : 0.0;
   cv::Mat light = 1.0 + 0.04 * unevenness(size, thread, 12.0 * thread, random) +
@@ -79,17 +79,17 @@ cv::Mat cloth(cv::Size size, double scale, Random& random) {
       if (std::fmod(row, checks) < 0.5 * checks) value *= 0.86F;
       if (std::fmod(column, checks) < 0.5 * checks) value *= 0.86F;
     }
-  return coloured(light, drawFrom(colours, random));
+  return coloured(light, drawFrom(kColours, random));
 }
 
 /// Words that no language has.
 std::string words(std::size_t letters, Random& random) {
-  static const std::vector<std::string> syllables = {"ba", "lor", "mi", "ten", "qua", "ri", "sol",
-                                                     "ve", "dun", "ka", "pel", "os",  "ti", "gran"};
+  static const std::vector<std::string> kSyllables = {
+      "ba", "lor", "mi", "ten", "qua", "ri", "sol", "ve", "dun", "ka", "pel", "os", "ti", "gran"};
   std::string text;
   while (text.size() < letters) {
     for (int left = static_cast<int>(random.uniform(1.0, 4.0)); left > 0; --left)
-      text += drawFrom(syllables, random);
+      text += drawFrom(kSyllables, random);
     text += random.uniform(0, 1) < 0.1 ? ", " : " ";
   }
   return text;
@@ -129,15 +129,15 @@ cv::Mat print(cv::Size size, double scale, const Typeface& face, Random& random)
 }
 
 cv::Mat stone(cv::Size size, double scale, Random& random) {
-  static const std::vector<cv::Scalar> colours = {
+  static const std::vector<cv::Scalar> kColours = {
       {150, 146, 142}, {92, 92, 96}, {196, 182, 170}, {60, 64, 62}};
   const cv::Mat light = 1.0 + 0.16 * unevenness(size, 1.4 * scale, 1.4 * scale, random) +
                         0.12 * unevenness(size, 0.4 * scale, 0.4 * scale, random);
-  return coloured(light, drawFrom(colours, random));
+  return coloured(light, drawFrom(kColours, random));
 }
 
 cv::Mat tiles(cv::Size size, double scale, Random& random) {
-  static const std::vector<cv::Scalar> colours = {
+  static const std::vector<cv::Scalar> kColours = {
       {214, 216, 214}, {120, 150, 160}, {186, 150, 120}, {70, 84, 100}};
   cv::Mat light = 1.0 + 0.02 * unevenness(size, 15.0 * scale, 15.0 * scale, random);
   const double tile = random.uniform(35.0, 110.0) * scale;
@@ -146,23 +146,23 @@ cv::Mat tiles(cv::Size size, double scale, Random& random) {
     for (int column = 0; column < size.width; ++column)
       if (std::fmod(row, tile) < joint || std::fmod(column, tile) < joint)
         light.at<float>(row, column) *= 0.72F;
-  return coloured(light, drawFrom(colours, random));
+  return coloured(light, drawFrom(kColours, random));
 }
 
 using Painter = cv::Mat (*)(cv::Size, double, Random&);
 
 const std::map<std::string, Painter>& painters() {
-  static const std::map<std::string, Painter> all = {
+  static const std::map<std::string, Painter> kAll = {
       {"plain", plain}, {"wood", wood}, {"cloth", cloth}, {"stone", stone}, {"tiles", tiles}};
-  return all;
+  return kAll;
 }
 
 }  // namespace
 
 const std::vector<std::string>& groundNames() {
-  static const std::vector<std::string> names = {"plain", "wood",  "print",
-                                                 "cloth", "stone", "tiles"};
-  return names;
+  static const std::vector<std::string> kNames = {"plain", "wood",  "print",
+                                                  "cloth", "stone", "tiles"};
+  return kNames;
 }
 
 session::Result<cv::Mat> paintGround(const std::string& name, cv::Size size, double scale,

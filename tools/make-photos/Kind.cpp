@@ -143,9 +143,9 @@ void changeName(std::string& name, const std::vector<NameList>& names, bool inCa
 }  // namespace
 
 const std::vector<std::string>& kindNames() {
-  static const std::vector<std::string> names = {"original", "altered", "photocopy",
-                                                 "screen",   "print",   "scan"};
-  return names;
+  static const std::vector<std::string> kNames = {"original", "altered", "photocopy",
+                                                  "screen",   "print",   "scan"};
+  return kNames;
 }
 
 std::string alter(CardData& print, const Design& design, const std::vector<NameList>& names,
@@ -154,7 +154,7 @@ std::string alter(CardData& print, const Design& design, const std::vector<NameL
   for (const FieldPlace& place : design.front.fields)
     for (const char* coded : {"surname", "documentNumber", "dateOfBirth", "dateOfExpiry"})
       if (place.field == coded) fields.emplace_back(coded);
-  const std::string field = drawFrom(fields, random);
+  std::string field = drawFrom(fields, random);
   if (field == "surname") changeName(print.surname, names, design.capitals, random);
   if (field == "documentNumber")
     changeDigit(print.documentNumber, digitsOf(print.documentNumber), random);

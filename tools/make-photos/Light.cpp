@@ -74,7 +74,7 @@ cv::Mat smear(double length, double degrees) {
 }
 
 const cv::Mat& noiseTile() {
-  static const cv::Mat tile = [] {
+  static const cv::Mat kTile = [] {
     Random random(20);
     cv::Mat noise(kNoiseTile, kNoiseTile, CV_32FC3);
     for (int row = 0; row < noise.rows; ++row)
@@ -86,7 +86,7 @@ const cv::Mat& noiseTile() {
       }
     return noise;
   }();
-  return tile;
+  return kTile;
 }
 
 }  // namespace

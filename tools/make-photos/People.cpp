@@ -34,10 +34,10 @@ std::string date(int year, int month, int day) {
 
 /// A stands for a letter that is never taken for a digit, 9 for a digit; the rest stays.
 std::string number(const std::string& pattern, Random& random) {
-  static const std::string letters = "ABCDEFGHJKLMNPRTUVWXYZ";
+  static const std::string kLetters = "ABCDEFGHJKLMNPRTUVWXYZ";
   std::string text = pattern;
   for (char& c : text) {
-    if (c == 'A') c = letters[static_cast<std::size_t>(draw(random, 0, 21))];
+    if (c == 'A') c = kLetters[static_cast<std::size_t>(draw(random, 0, 21))];
     if (c == '9') c = static_cast<char>('0' + draw(random, 0, 9));
   }
   return text;

@@ -131,11 +131,11 @@ std::string replaced(std::string text, const std::string& mark, const std::strin
 }
 
 std::string printedDate(const std::string& format, const std::string& date) {
-  static const std::array<const char*, 12> months = {"JAN", "FEB", "MAR", "APR", "MAY", "JUN",
-                                                     "JUL", "AUG", "SEP", "OCT", "NOV", "DEC"};
+  static const std::array<const char*, 12> kMonths = {"JAN", "FEB", "MAR", "APR", "MAY", "JUN",
+                                                      "JUL", "AUG", "SEP", "OCT", "NOV", "DEC"};
   const auto month = static_cast<std::size_t>(std::stoi(date.substr(5, 2)) - 1);
   std::string text = replaced(format, "YYYY", date.substr(0, 4));
-  text = replaced(text, "MON", months.at(month));
+  text = replaced(text, "MON", kMonths.at(month));
   text = replaced(text, "MM", date.substr(5, 2));
   return replaced(text, "DD", date.substr(8, 2));
 }
@@ -143,7 +143,7 @@ std::string printedDate(const std::string& format, const std::string& date) {
 }  // namespace
 
 std::string plainValue(const CardData& card, const std::string& field) {
-  static const std::map<std::string, std::string CardData::*> members = {
+  static const std::map<std::string, std::string CardData::*> kMembers = {
       {"surname", &CardData::surname},
       {"givenNames", &CardData::givenNames},
       {"nationality", &CardData::nationality},
@@ -157,8 +157,8 @@ std::string plainValue(const CardData& card, const std::string& field) {
       {"height", &CardData::height},
       {"authority", &CardData::authority},
   };
-  const auto found = members.find(field);
-  return found == members.end() ? std::string() : card.*found->second;
+  const auto found = kMembers.find(field);
+  return found == kMembers.end() ? std::string() : card.*found->second;
 }
 
 std::string printedValue(const Design& design, const CardData& card, const std::string& field) {
