@@ -48,8 +48,7 @@ Finding speechModel() {
 
 Finding textModels(const Resources& resources) {
   const auto loaded = engine::NetworkTextReader::load(resources.textReader());
-  return {"text recognition models", loaded.has_value(),
-          loaded ? "" : loaded.error().sentence};
+  return {"text recognition models", loaded.has_value(), loaded ? "" : loaded.error().sentence};
 }
 
 Finding mediaPlugins() {

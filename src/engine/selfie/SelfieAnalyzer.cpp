@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "corvana/SelfieCapture.h"
-#include "corvana/SelfieCapture.h"
 #include "engine/vision/FaceCrop.h"
 #include "engine/vision/ImageOps.h"
 #include "platform/foundation/Require.h"
