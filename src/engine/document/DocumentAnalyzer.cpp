@@ -121,7 +121,12 @@ std::vector<TextLine> DocumentAnalyzer::linesOf(const platform::PixelBuffer& car
   return isTheSame ? lines : text_.read(card);
 }
 
-CardReading DocumentAnalyzer::read(const CardView& card, const std::vector<TextLine>& known) {
+CardReading DocumentAnalyzer::read(const CardView& card) {
+  CardMemory nothing;
+  return read(card, nothing);
+}
+
+CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
   const platform::PixelBuffer& picture = *card.picture;
   CardReading reading;
   DocumentFeatures features;
@@ -134,8 +139,11 @@ CardReading DocumentAnalyzer::read(const CardView& card, const std::vector<TextL
     reading.data.faceImage = faceImageOf(picture, *face);
     blanks.push_back(photoAround(face->box));
   }
-  reading.lines = linesOf(picture, known);
+  reading.lines = linesOf(picture, memory.lines);
+  memory.lines = reading.lines;
+  memory.votes.add(mrzVotesOf(reading.lines));
   MrzReading mrz = mrzInPrint(reading.lines);
+  if (!mrz.mrz) mrz.mrz = memory.votes.result();
   if (!mrz.mrz) mrz = mrz_.read(picture);
   features.mrz = mrz.mrz;
   features.hasMrzBand = mrz.band.has_value();

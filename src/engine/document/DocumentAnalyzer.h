@@ -13,6 +13,7 @@
 #include "engine/document/TextReader.h"
 #include "engine/document/fields/CalendarDates.h"
 #include "engine/document/mrz/MrzReader.h"
+#include "engine/document/mrz/MrzVotes.h"
 #include "engine/document/text/NetworkTextReader.h"
 #include "engine/vision/FaceDetector.h"
 #include "platform/foundation/Fault.h"
@@ -33,6 +34,12 @@ struct CardView {
   static constexpr double kMostGlare = 0.02;
 };
 
+/// What earlier pictures told of a card that has been held still since.
+struct CardMemory {
+  std::vector<TextLine> lines;  ///< all print, as last read
+  MrzVotes votes;               ///< of its machine-readable zone
+};
+
 struct CardReading {
   corvana::DetectedData data;
   /// The portrait's face, in pixels of the straightened card.
@@ -47,8 +54,8 @@ struct CardReading {
 
 /// Finds and reads identity cards, one picture at a time, in stages of rising cost: `find` for
 /// every frame that there is time for, `view` for those with a card, `read` (some tenths of a
-/// second) once or twice a second. It remembers nothing between calls. One thread at a time.
-/// Movable.
+/// second) once or twice a second. It remembers nothing between calls but what it is handed. One
+/// thread at a time. Movable.
 class DocumentAnalyzer {
  public:
   struct Setup {
@@ -69,8 +76,11 @@ class DocumentAnalyzer {
   CardSighting find(const platform::PixelBuffer& frame, const platform::CGRect& guide) const;
   CardView view(const platform::PixelBuffer& frame, const Quad& outline) const;
   /// Reads a card. Where the print of the same card in the same place is known from an earlier
-  /// picture, it is not looked for again, unless it can no longer be read there.
-  CardReading read(const CardView& card, const std::vector<TextLine>& known = {});
+  /// picture, it is not looked for again, unless it can no longer be read there; a zone that no
+  /// picture shows whole is put together from several. What is seen now goes into the memory.
+  CardReading read(const CardView& card, CardMemory& memory);
+  /// Reads a card that was not seen before.
+  CardReading read(const CardView& card);
 
   /// Reads a photo or scan of one side, however large and however turned, in which the card lies on
   /// something else or fills the picture. Error: no card is seen, it is too small to be read, or it

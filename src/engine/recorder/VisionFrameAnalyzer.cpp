@@ -71,7 +71,7 @@ Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& fram
     tracker_.stop();
     lastReading_.reset();
     lastOutline_.reset();
-    knownLines_.clear();
+    memory_ = {};
   }
   const PixelBufferRef picture = analysisPicture(frame->image, task.captureMode);
   Observation observation;
@@ -152,15 +152,15 @@ DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
   view.verdict = sighting.verdict;
   if (sighting.outline) view.location = sighting.outline->bounds();
   const bool steady = isSteady(sighting);
-  if (!steady) knownLines_.clear();
+  // Another card may have taken its place: what one was seen to hold must not be told of the other.
+  if (!steady) memory_ = {};
   const bool due = !lastReading_ || observation.frameTime - *lastReading_ >= kReadInterval;
   if (sighting.verdict != CardVerdict::found || !steady || !due) return view;
   const CardView card = documents_.view(*picture, *sighting.outline);
   view.tooMuchGlare = card.hasTooMuchGlare();
   if (view.tooMuchGlare || card.isBlurred()) return view;
   lastReading_ = observation.frameTime;
-  CardReading reading = documents_.read(card, knownLines_);
-  knownLines_ = std::move(reading.lines);
+  CardReading reading = documents_.read(card, memory_);
   if (reading.faceBox) view.portrait = boundsInPicture(*reading.faceBox, *sighting.outline);
   view.familyMatches = std::move(reading.familyMatches);
   view.reading = std::move(reading.data);

@@ -57,7 +57,7 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   std::optional<platform::TimePoint> lastReading_;
   std::optional<Quad> lastOutline_;
   /// The print of the card that has been held still since it was read.
-  std::vector<TextLine> knownLines_;
+  CardMemory memory_;
 };
 
 /// Where a rectangle of the screen lies in a camera picture that fills the screen mirrored.

@@ -29,4 +29,13 @@ MrzReading mrzInPrint(const std::vector<TextLine>& print) {
   return reading;
 }
 
+std::vector<MrzPrint> mrzVotesOf(const std::vector<TextLine>& print) {
+  std::vector<MrzPrint> votes;
+  for (const TextLine& line : print) {
+    for (std::string& text : mrzLinesAmong({line.text}))
+      votes.push_back({std::move(text), line.confidence});
+  }
+  return votes;
+}
+
 }  // namespace corvana::engine

@@ -4,10 +4,14 @@
 
 #include "engine/document/TextReader.h"
 #include "engine/document/mrz/MrzReader.h"
+#include "engine/document/mrz/MrzVotes.h"
 
 namespace corvana::engine {
 
 /// The machine-readable zone among the lines of print of a card, whatever its format. Pure.
 MrzReading mrzInPrint(const std::vector<TextLine>& print);
+
+/// The lines among the print that may be of a zone, each a vote for what stands there. Pure.
+std::vector<MrzPrint> mrzVotesOf(const std::vector<TextLine>& print);
 
 }  // namespace corvana::engine

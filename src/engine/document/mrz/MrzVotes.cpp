@@ -22,10 +22,6 @@ std::optional<char> winner(const std::map<char, double>& place) {
 
 }  // namespace
 
-void MrzVotes::clear() {
-  *this = {};
-}
-
 void MrzVotes::add(const std::vector<MrzPrint>& lines) {
   std::vector<std::string> texts;
   for (const MrzPrint& line : lines)
@@ -35,7 +31,7 @@ void MrzVotes::add(const std::vector<MrzPrint>& lines) {
   MrzCandidate seen = std::move(candidates.front());
   if (const auto whole = readMrz(texts)) {
     const auto before = result();
-    if (before && before->documentNumber != whole->documentNumber) clear();
+    if (before && before->documentNumber != whole->documentNumber) *this = {};
     seen.lines = whole->lines;
   } else if (candidates.size() > 1) {
     return;  // where its fillers stand is open: its characters would vote for their neighbours

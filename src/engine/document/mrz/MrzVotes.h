@@ -24,8 +24,6 @@ struct MrzPrint {
 class MrzVotes {
  public:
   void add(const std::vector<MrzPrint>& lines);
-  void clear();
-
   /// The zone, once the characters with the most votes hold all check digits and none of them is
   /// contested by nearly as many; absent before.
   std::optional<corvana::MRZResult> result() const;
