@@ -6,6 +6,7 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "Painting.h"
 #include "Random.h"
 
 namespace corvana::photos {
@@ -14,16 +15,6 @@ namespace {
 using session::Random;
 
 constexpr double kTurn = 6.283185307179586;
-constexpr int kShift = 4;  // sixteenths of a pixel in OpenCV's fixed-point drawing
-
-void drawCurve(cv::Mat& picture, const std::vector<cv::Point2d>& points, const cv::Scalar& colour) {
-  std::vector<cv::Point> fixed;
-  fixed.reserve(points.size());
-  for (const cv::Point2d& point : points)
-    fixed.emplace_back(static_cast<int>(std::lround(point.x * (1 << kShift))),
-                       static_cast<int>(std::lround(point.y * (1 << kShift))));
-  cv::polylines(picture, fixed, false, colour, 1, cv::LINE_AA, kShift);
-}
 
 cv::Mat gradient(const std::vector<cv::Scalar>& colours, cv::Size size) {
   cv::Mat picture(size, CV_8UC3);
@@ -49,7 +40,7 @@ void drawWaves(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
           x, picture.rows * (line + 0.05 * std::sin(kTurn * turns * share + phase + 2.0 * line) +
                              0.01 * std::sin(kTurn * turns * 5.0 * share + 8.0 * line)));
     }
-    drawCurve(picture, points, colour);
+    session::drawCurve(picture, points, colour);
   }
 }
 
@@ -66,7 +57,7 @@ void drawRosettes(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
         const double r = radius * ring * (1.0 + 0.18 * std::sin(leaves * angle + 8.0 * ring));
         points.emplace_back(centre.x + r * std::cos(angle), centre.y + r * std::sin(angle));
       }
-      drawCurve(picture, points, colour);
+      session::drawCurve(picture, points, colour);
     }
   }
 }
@@ -75,10 +66,10 @@ void drawMesh(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
   const double slope = random.uniform(0.3, 0.8);
   const double step = picture.rows / 42.0;
   for (double x = -picture.rows; x < picture.cols + picture.rows; x += step) {
-    drawCurve(picture, {{x, 0.0}, {x + slope * picture.rows, static_cast<double>(picture.rows)}},
-              colour);
-    drawCurve(picture, {{x, 0.0}, {x - slope * picture.rows, static_cast<double>(picture.rows)}},
-              colour);
+    session::drawCurve(
+        picture, {{x, 0.0}, {x + slope * picture.rows, static_cast<double>(picture.rows)}}, colour);
+    session::drawCurve(
+        picture, {{x, 0.0}, {x - slope * picture.rows, static_cast<double>(picture.rows)}}, colour);
   }
 }
 
@@ -91,7 +82,7 @@ void drawRays(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
       const double bent = angle + 0.03 * std::sin(kTurn * 5.0 * r / far);
       points.emplace_back(centre.x + r * std::cos(bent), centre.y - r * std::sin(bent));
     }
-    drawCurve(picture, points, colour);
+    session::drawCurve(picture, points, colour);
   }
 }
 

@@ -13,6 +13,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "AamvaRecord.h"
+#include "Painting.h"
 #include "Pattern.h"
 #include "Random.h"
 
@@ -38,30 +39,6 @@ cv::Rect whole(const cv::Rect2d& box) {
   return {whole(box.x), whole(box.y), whole(box.width), whole(box.height)};
 }
 
-std::uint64_t seedOf(const std::string& text) {
-  std::uint64_t hash = 1469598103934665603ULL;  // FNV-1a
-  for (const unsigned char c : text)
-    hash = (hash ^ c) * 1099511628211ULL;
-  return hash;
-}
-
-cv::Mat withRoundedCorners(const cv::Mat& picture) {
-  cv::Mat mask(picture.size(), CV_8UC1, cv::Scalar(0));
-  const int r = whole(kCornerRadius);
-  const int right = picture.cols - 1;
-  const int bottom = picture.rows - 1;
-  cv::rectangle(mask, {r, 0}, {right - r, bottom}, 255, cv::FILLED);
-  cv::rectangle(mask, {0, r}, {right, bottom - r}, 255, cv::FILLED);
-  for (const cv::Point centre :
-       {cv::Point(r, r), {right - r, r}, {r, bottom - r}, {right - r, bottom - r}})
-    cv::circle(mask, centre, r, 255, cv::FILLED, cv::LINE_AA);
-  const int order[] = {0, 0, 1, 1, 2, 2, 3, 3};
-  cv::Mat rgba(picture.size(), CV_8UC4);
-  const cv::Mat sources[] = {picture, mask};
-  cv::mixChannels(sources, 2, &rgba, 1, order, 4);
-  return rgba;
-}
-
 void drawEmblem(cv::Mat& picture, const cv::Rect2d& place, const cv::Scalar& colour) {
   const cv::Point2d centre(place.x + 0.5 * place.width, place.y + 0.5 * place.height);
   const double radius = 0.5 * place.width;
@@ -78,7 +55,7 @@ void drawEmblem(cv::Mat& picture, const cv::Rect2d& place, const cv::Scalar& col
 
 /// Loops that lean to the right and flatten towards the end, as a hurried signature does.
 void drawSignature(cv::Mat& picture, const cv::Rect2d& place, const std::string& name) {
-  Random random(seedOf(name));
+  Random random(session::seedOf(name));
   const double loops = random.uniform(5.0, 8.0);
   const double phase = random.uniform(0.0, 6.28);
   std::vector<cv::Point> points;
@@ -231,7 +208,8 @@ void SideArtist::zone(cv::Mat& picture, const CardData& card) const {
 cv::Mat SideArtist::paint(const SideDesign& side, const CardData& print, const CardData& coded,
                           const cv::Mat& photo) const {
   const cv::Size size(whole(design_.size().width), whole(design_.size().height));
-  cv::Mat picture = printedGround(design_, size, seedOf(design_.name) + (side.zone ? 1 : 0));
+  cv::Mat picture =
+      printedGround(design_, size, session::seedOf(design_.name) + (side.zone ? 1 : 0));
   for (const ColourBand& band : side.bands)
     cv::rectangle(picture, whole(band.place), band.colour, cv::FILLED);
   const cv::Scalar pale(236, 238, 246);
@@ -245,7 +223,7 @@ cv::Mat SideArtist::paint(const SideDesign& side, const CardData& print, const C
     field(picture, place, printedValue(design_, print, place.field));
   if (side.zone) zone(picture, coded);
   if (side.code) drawCode(picture, whole(*side.code), aamvaRecord(coded));
-  return withRoundedCorners(picture);
+  return session::withRoundedCorners(picture, whole(kCornerRadius));
 }
 
 }  // namespace corvana::photos

@@ -10,6 +10,7 @@
 
 #include "Guilloche.h"
 #include "Mrz.h"
+#include "Painting.h"
 #include "Random.h"
 
 namespace corvana::session {
@@ -47,31 +48,6 @@ std::string printedDate(const std::string& date) {
   return date.substr(8, 2) + "." + date.substr(5, 2) + "." + date.substr(0, 4);
 }
 
-std::uint64_t patternSeed(const std::string& text) {
-  std::uint64_t hash = 1469598103934665603ULL;  // FNV-1a
-  for (const unsigned char c : text)
-    hash = (hash ^ c) * 1099511628211ULL;
-  return hash;
-}
-
-cv::Mat withRoundedCorners(const cv::Mat& picture) {
-  cv::Mat mask(picture.size(), CV_8UC1, cv::Scalar(0));
-  const int r = whole(kCornerRadius);
-  const int right = picture.cols - 1;
-  const int bottom = picture.rows - 1;
-  cv::rectangle(mask, {r, 0}, {right - r, bottom}, 255, cv::FILLED);
-  cv::rectangle(mask, {0, r}, {right, bottom - r}, 255, cv::FILLED);
-  for (const cv::Point centre :
-       {cv::Point(r, r), {right - r, r}, {r, bottom - r}, {right - r, bottom - r}})
-    cv::circle(mask, centre, r, 255, cv::FILLED, cv::LINE_AA);
-  cv::Mat channels[4];
-  cv::split(picture, channels);
-  channels[3] = mask;
-  cv::Mat result;
-  cv::merge(channels, 4, result);
-  return result;
-}
-
 void drawEmblem(cv::Mat& picture, cv::Point2d centre, double radius) {
   std::vector<cv::Point> star;
   for (int i = 0; i < 16; ++i) {
@@ -87,7 +63,7 @@ void drawEmblem(cv::Mat& picture, cv::Point2d centre, double radius) {
 
 /// Loops that lean to the right and flatten towards the end, as a hurried signature does.
 void drawSignature(cv::Mat& picture, const std::string& name, cv::Point2d start, double width) {
-  Random random(patternSeed(name));
+  Random random(seedOf(name));
   const double loops = random.uniform(5.0, 8.0);
   const double phase = random.uniform(0.0, 6.28);
   std::vector<cv::Point> points;
@@ -147,7 +123,7 @@ void CardArtist::title(cv::Mat& picture, const CardData& card) const {
 }
 
 cv::Mat CardArtist::front(const CardData& card, const cv::Mat& photo) const {
-  cv::Mat picture = guilloche(cardSize(), patternSeed(card.stateName));
+  cv::Mat picture = guilloche(cardSize(), seedOf(card.stateName));
   title(picture, card);
   drawPhoto(picture, photo);
   field(picture, "Surname", card.surname, {33.4, 14.6}, 48.0);
@@ -160,7 +136,7 @@ cv::Mat CardArtist::front(const CardData& card, const cv::Mat& photo) const {
            cv::LINE_AA);
   drawSignature(picture, card.surname + card.givenNames, {35.4, 47.6}, 19.0);
   regular_.draw(picture, "Signature", {px(33.4), px(50.8)}, px(kLabelSize), kLabelInk);
-  return withRoundedCorners(picture);
+  return withRoundedCorners(picture, whole(kCornerRadius));
 }
 
 void CardArtist::machineReadableZone(cv::Mat& picture, const CardData& card) const {
@@ -178,7 +154,7 @@ void CardArtist::machineReadableZone(cv::Mat& picture, const CardData& card) con
 }
 
 cv::Mat CardArtist::back(const CardData& card) const {
-  cv::Mat picture = guilloche(cardSize(), patternSeed(card.stateName) + 1);
+  cv::Mat picture = guilloche(cardSize(), seedOf(card.stateName) + 1);
   field(picture, "Place of birth", card.placeOfBirth, {5.0, 5.6}, 48.0);
   field(picture, "Date of issue", printedDate(card.dateOfIssue), {58.4, 5.6}, 23.0);
   field(picture, "Address", card.address, {5.0, 13.4}, 75.0);
@@ -186,7 +162,7 @@ cv::Mat CardArtist::back(const CardData& card) const {
   field(picture, "Sex", card.sex, {22.0, 21.2}, 8.0);
   field(picture, "Authority", card.authority, {33.4, 21.2}, 47.0);
   machineReadableZone(picture, card);
-  return withRoundedCorners(picture);
+  return withRoundedCorners(picture, whole(kCornerRadius));
 }
 
 }  // namespace corvana::session

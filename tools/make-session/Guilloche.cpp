@@ -6,26 +6,17 @@
 #include <opencv2/imgproc.hpp>
 
 #include "Ease.h"
+#include "Painting.h"
 #include "Random.h"
 
 namespace corvana::session {
 namespace {
 
 constexpr double kTurn = 6.283185307179586;
-constexpr int kShift = 4;  // sixteenths of a pixel in OpenCV's fixed-point drawing
 
 const cv::Vec3d kLeft(226, 238, 247);
 const cv::Vec3d kMiddle(240, 243, 232);
 const cv::Vec3d kRight(246, 232, 230);
-
-void drawCurve(cv::Mat& picture, const std::vector<cv::Point2d>& points, const cv::Scalar& colour) {
-  std::vector<cv::Point> fixed;
-  fixed.reserve(points.size());
-  for (const cv::Point2d& point : points)
-    fixed.emplace_back(static_cast<int>(std::lround(point.x * (1 << kShift))),
-                       static_cast<int>(std::lround(point.y * (1 << kShift))));
-  cv::polylines(picture, fixed, false, colour, 1, cv::LINE_AA, kShift);
-}
 
 cv::Mat gradient(cv::Size size) {
   cv::Mat picture(size, CV_8UC3);

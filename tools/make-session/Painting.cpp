@@ -1,0 +1,46 @@
+#include "Painting.h"
+
+#include <cmath>
+
+#include <opencv2/imgproc.hpp>
+
+namespace corvana::session {
+namespace {
+
+constexpr int kShift = 4;  // sixteenths of a pixel in OpenCV's fixed-point drawing
+
+}  // namespace
+
+std::uint64_t seedOf(const std::string& text) {
+  std::uint64_t hash = 1469598103934665603ULL;  // FNV-1a
+  for (const unsigned char c : text)
+    hash = (hash ^ c) * 1099511628211ULL;
+  return hash;
+}
+
+void drawCurve(cv::Mat& picture, const std::vector<cv::Point2d>& points, const cv::Scalar& colour) {
+  std::vector<cv::Point> fixed;
+  fixed.reserve(points.size());
+  for (const cv::Point2d& point : points)
+    fixed.emplace_back(static_cast<int>(std::lround(point.x * (1 << kShift))),
+                       static_cast<int>(std::lround(point.y * (1 << kShift))));
+  cv::polylines(picture, fixed, false, colour, 1, cv::LINE_AA, kShift);
+}
+
+cv::Mat withRoundedCorners(const cv::Mat& picture, int r) {
+  cv::Mat mask(picture.size(), CV_8UC1, cv::Scalar(0));
+  const int right = picture.cols - 1;
+  const int bottom = picture.rows - 1;
+  cv::rectangle(mask, {r, 0}, {right - r, bottom}, 255, cv::FILLED);
+  cv::rectangle(mask, {0, r}, {right, bottom - r}, 255, cv::FILLED);
+  for (const cv::Point centre :
+       {cv::Point(r, r), {right - r, r}, {r, bottom - r}, {right - r, bottom - r}})
+    cv::circle(mask, centre, r, 255, cv::FILLED, cv::LINE_AA);
+  const int order[] = {0, 0, 1, 1, 2, 2, 3, 3};
+  cv::Mat rgba(picture.size(), CV_8UC4);
+  const cv::Mat sources[] = {picture, mask};
+  cv::mixChannels(sources, 2, &rgba, 1, order, 4);
+  return rgba;
+}
+
+}  // namespace corvana::session

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <opencv2/core.hpp>
+
+namespace corvana::session {
+
+/// The seed of a pattern, which is the same for the same text everywhere.
+std::uint64_t seedOf(const std::string& text);
+
+/// Draws a curve one pixel wide through points given in pixels, between them too.
+void drawCurve(cv::Mat& picture, const std::vector<cv::Point2d>& points, const cv::Scalar& colour);
+
+/// A side of a card, cut out: its colours, and how much of it there is at each pixel. The radius is
+/// in pixels.
+cv::Mat withRoundedCorners(const cv::Mat& picture, int radius);
+
+}  // namespace corvana::session
