@@ -1,11 +1,12 @@
 #include "engine/document/DocumentClassifier.h"
 
 #include <algorithm>
-#include <array>
 #include <functional>
 #include <numeric>
 #include <string_view>
 #include <utility>
+
+#include "engine/document/fields/Transliteration.h"
 
 namespace corvana::engine {
 namespace {
@@ -17,9 +18,9 @@ constexpr std::string_view kPassportCard = "PASSPORT_CARD";
 
 using Word = std::pair<std::string_view, std::string_view>;
 
-/// What cards other than identity cards call themselves, without blanks and accents; recognition
-/// trained on English reads accented letters as plain ones or not at all.
-constexpr std::array<Word, 26> kWords{{
+/// What cards other than identity cards call themselves in the languages of the European Union and
+/// its neighbours, as far as they are written in Latin letters; without blanks and accents.
+constexpr Word kWords[] = {
     {"PASSPORTCARD", kPassportCard},
     {"RESIDENCEPERMIT", kResidencePermit},
     {"RESIDENCECARD", kResidencePermit},
@@ -32,6 +33,25 @@ constexpr std::array<Word, 26> kWords{{
     {"AUTORIZACAODERESIDENCIA", kResidencePermit},
     {"VERBLIJFSTITEL", kResidencePermit},
     {"DOKUMENTPOBYTU", kResidencePermit},
+    {"KARTAPOBYTU", kResidencePermit},
+    {"OPPHOLDSTILLATELSE", kResidencePermit},
+    {"OPPHOLDSKORT", kResidencePermit},
+    {"OPHOLDSTILLADELSE", kResidencePermit},
+    {"OPHOLDSKORT", kResidencePermit},
+    {"UPPEHALLSTILLSTAND", kResidencePermit},
+    {"UPPEHALLSKORT", kResidencePermit},
+    {"OLESKELULUPA", kResidencePermit},
+    {"DVALARLEYFI", kResidencePermit},
+    {"ELAMISLUBA", kResidencePermit},
+    {"UZTURESANASATLAUJA", kResidencePermit},
+    {"LEIDIMASGYVENTI", kResidencePermit},
+    {"POVOLENIKPOBYTU", kResidencePermit},
+    {"POVOLENIENAPOBYT", kResidencePermit},
+    {"TARTOZKODASIENGEDELY", kResidencePermit},
+    {"DOVOLJENJEZAPREBIVANJE", kResidencePermit},
+    {"DOZVOLABORAVKA", kResidencePermit},
+    {"PERMISDESEDERE", kResidencePermit},
+    {"IKAMETIZNI", kResidencePermit},
     {"DRIVINGLICENCE", kDrivingLicence},
     {"DRIVINGLICENSE", kDrivingLicence},
     {"DRIVERLICENSE", kDrivingLicence},
@@ -46,29 +66,25 @@ constexpr std::array<Word, 26> kWords{{
     {"CARTADECONDUCAO", kDrivingLicence},
     {"RIJBEWIJS", kDrivingLicence},
     {"PRAWOJAZDY", kDrivingLicence},
-}};
+    {"FORERKORT", kDrivingLicence},
+    {"KOREKORT", kDrivingLicence},
+    {"KORKORT", kDrivingLicence},
+    {"AJOKORTTI", kDrivingLicence},
+    {"OKUSKIRTEINI", kDrivingLicence},
+    {"JUHILUBA", kDrivingLicence},
+    {"VADITAJAAPLIECIBA", kDrivingLicence},
+    {"VAIRUOTOJOPAZYMEJIMAS", kDrivingLicence},
+    {"RIDICSKYPRUKAZ", kDrivingLicence},
+    {"VODICSKYPREUKAZ", kDrivingLicence},
+    {"VEZETOIENGEDELY", kDrivingLicence},
+    {"VOZNISKODOVOLJENJE", kDrivingLicence},
+    {"VOZACKADOZVOLA", kDrivingLicence},
+    {"PERMISDECONDUCERE", kDrivingLicence},
+    {"SURUCUBELGESI", kDrivingLicence},
+};
 
 /// One letter in so many may be misread.
 constexpr std::size_t kLettersPerError = 7;
-
-/// Capitals of ASCII only: the rest of the text falls away, accented letters to their plain forms.
-std::string plainLetters(const std::string& text) {
-  // The second bytes of U+00C0 to U+00DF in UTF-8 and the plain capitals; small letters follow 32
-  // later.
-  constexpr std::string_view kPlain = "AAAAAAACEEEEIIIIDNOOOOO OUUUUYTS";
-  std::string plain;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto c = static_cast<unsigned char>(text[i]);
-    if (c == 0xC3 && i + 1 < text.size()) {
-      const auto next = static_cast<unsigned char>(text[++i]);
-      const char letter = kPlain[next & 0x1F];
-      if (letter != ' ') plain += letter;
-    } else if ((c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z')) {
-      plain += static_cast<char>(c & 0xDF);
-    }
-  }
-  return plain;
-}
 
 /// The fewest edits that turn some stretch of the text into the word.
 std::size_t editsToFind(std::string_view word, std::string_view text) {
@@ -87,15 +103,17 @@ std::size_t editsToFind(std::string_view word, std::string_view text) {
   return fewest;
 }
 
-std::string plainLetters(const std::vector<std::string>& lines) {
+/// Capitals of ASCII only, all lines in one.
+std::string lettersOf(const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines)
     text += plainLetters(line);
+  std::erase_if(text, [](char c) { return c < 'A' || c > 'Z'; });
   return text;
 }
 
 std::optional<std::string_view> familyByWords(const std::vector<std::string>& lines) {
-  const std::string text = plainLetters(lines);
+  const std::string text = lettersOf(lines);
   for (const auto& [word, family] : kWords) {
     if (editsToFind(word, text) <= word.size() / kLettersPerError) return family;
   }
@@ -142,7 +160,7 @@ std::string documentFamily(const DocumentFeatures& features) {
 }
 
 FamilyMatches familyMatches(const DocumentFeatures& features) {
-  const std::string text = plainLetters(features.lines);
+  const std::string text = lettersOf(features.lines);
   std::map<std::string_view, float> shares;
   for (const auto& [word, family] : kWords) {
     const auto missing = static_cast<float>(editsToFind(word, text));
