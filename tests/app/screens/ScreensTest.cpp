@@ -50,7 +50,7 @@ TEST_F(Screens, EveryLanguageHasEveryTextAndKeepsItsPlace) {
       missing.erase(key);
     EXPECT_TRUE(missing.empty()) << entry.path() << " lacks " << *missing.begin();
   }
-  EXPECT_EQ(languages, 5);
+  EXPECT_GE(languages, 5);
 }
 
 TEST_F(Screens, ThemesSetTheTablesAndFaultsAreNamed) {
