@@ -182,12 +182,22 @@ CardLook DocumentAnalyzer::lookAt(const platform::PixelBuffer& picture, const Qu
   return look;
 }
 
+CardLook DocumentAnalyzer::wholeCard(const platform::PixelBuffer& picture, CardLook look,
+                                     const std::vector<Quad>& outlines) {
+  for (const Quad& outline : outlines) {
+    if (!completes(outline, look.outline)) continue;
+    CardLook larger = lookAt(picture, outline);
+    if (larger.isCertainlyACard() && larger.content() >= look.content()) look = std::move(larger);
+  }
+  return look;
+}
+
 std::optional<CardLook> DocumentAnalyzer::likeliestCard(const platform::PixelBuffer& picture,
                                                         const std::vector<Quad>& outlines) {
   std::optional<CardLook> best;
   for (const Quad& outline : outlines) {
     CardLook look = lookAt(picture, outline);
-    if (look.isCertainlyACard()) return look;
+    if (look.isCertainlyACard()) return wholeCard(picture, std::move(look), outlines);
     if (look.content() > (best ? best->content() : 0)) best = std::move(look);
   }
   return best;

@@ -95,6 +95,8 @@ class DocumentAnalyzer {
                                 const std::vector<TextLine>& known);
   void askSecondReader(CardReading& reading) const;
   CardLook lookAt(const platform::PixelBuffer& picture, const Quad& outline);
+  CardLook wholeCard(const platform::PixelBuffer& picture, CardLook look,
+                     const std::vector<Quad>& outlines);
   std::optional<CardLook> likeliestCard(const platform::PixelBuffer& picture,
                                         const std::vector<Quad>& outlines);
   std::optional<CardReading> readUpright(const platform::PixelBuffer& picture,
