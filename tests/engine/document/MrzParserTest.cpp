@@ -36,13 +36,13 @@ std::vector<std::string> td1(std::string number, const std::string& birth = "740
 
 std::string reasonOf(const std::vector<std::string>& lines) {
   const auto result = parseMrz(lines);
-  return result ? "accepted" : result.error();
+  return result ? "accepted" : result.error().sentence;
 }
 
 TEST(MrzParser, ReadsTheSpecimensOfAllThreeFormats) {
   for (const auto& lines : {kTd1, kTd2, kTd3}) {
     const auto result = parseMrz(lines);
-    ASSERT_TRUE(result) << lines[0] << ": " << result.error();
+    ASSERT_TRUE(result) << lines[0] << ": " << result.error().sentence;
     EXPECT_EQ(result->lines, lines);
     EXPECT_EQ(result->issuingState, "UTO");
     EXPECT_EQ(result->nationality, "UTO");
@@ -61,7 +61,7 @@ TEST(MrzParser, ReadsTheSpecimensOfAllThreeFormats) {
 
 TEST(MrzParser, FollowsALongDocumentNumberIntoTheOptionalData) {
   const auto result = parseMrz(td1("D23145890<7349"));
-  ASSERT_TRUE(result) << result.error();
+  ASSERT_TRUE(result) << result.error().sentence;
   EXPECT_EQ(result->documentNumber, "D23145890734");
   for (const char* number : {"D23145890<7340", "D23145890<"})
     EXPECT_EQ(reasonOf(td1(number)), "the check digit of the document number is wrong");

@@ -27,7 +27,7 @@ const Lines kGerman{"IDD<<T220001293<<<<<<<<<<<<<<<",  //
 /// The zone that is read of print, or why there is none.
 std::string readOf(const Lines& print) {
   const auto mrz = engine::readMrz(engine::mrzLinesAmong(print));
-  if (!mrz) return mrz.error();
+  if (!mrz) return mrz.error().sentence;
   std::string text;
   for (const std::string& line : mrz->lines)
     text += line + '\n';

@@ -7,6 +7,7 @@
 
 #include "engine/document/fields/AamvaIssuers.h"
 #include "engine/document/fields/CalendarDates.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 namespace {
@@ -241,8 +242,8 @@ bool isTruncated(const AamvaRecord& record, const char* flag) {
 
 }  // namespace
 
-tl::expected<AamvaRecord, std::string> parseAamva(std::string_view text) {
-  const auto refuse = [](const char* sentence) { return tl::unexpected<std::string>(sentence); };
+platform::Expected<AamvaRecord> parseAamva(std::string_view text) {
+  const auto refuse = [](const char* sentence) { return platform::failure(sentence); };
   if (text.size() > kMostBytes) return refuse("The barcode holds more than any licence's does.");
   const auto issuer = issuerIn(text);
   if (!issuer) {

@@ -5,9 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include <tl/expected.hpp>
-
 #include "corvana/DocumentField.h"
+#include "platform/foundation/Fault.h"
 
 /// Driving licences and identity cards of North America as their PDF417 barcode holds them: the
 /// AAMVA card design standard, versions 1 to 10, and what issuers made of it. Pure.
@@ -28,7 +27,7 @@ struct AamvaRecord {
 };
 
 /// Reads a barcode's text. The error is one sentence that says why it is no such record.
-tl::expected<AamvaRecord, std::string> parseAamva(std::string_view text);
+platform::Expected<AamvaRecord> parseAamva(std::string_view text);
 
 /// What the record says of its holder.
 std::vector<corvana::DocumentField> aamvaFields(const AamvaRecord& record);

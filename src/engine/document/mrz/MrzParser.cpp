@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "engine/document/mrz/MrzLayout.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 namespace {
@@ -178,20 +179,20 @@ int mrzCheckDigit(std::string_view field) {
   return sum % 10;
 }
 
-tl::expected<corvana::MRZResult, std::string> parseMrz(const std::vector<std::string>& lines) {
+platform::Expected<corvana::MRZResult> parseMrz(const std::vector<std::string>& lines) {
   const MrzLayout* layout = layoutOf(lines);
   if (layout == nullptr) {
-    return tl::unexpected<std::string>("not three lines of 30, two of 36 or two of 44 characters");
+    return platform::failure("not three lines of 30, two of 36 or two of 44 characters");
   }
   for (const std::string& line : lines) {
     if (!std::all_of(line.begin(), line.end(),
                      [](char c) { return isDigit(c) || isLetter(c) || c == kMrzFiller; })) {
-      return tl::unexpected<std::string>("a character other than A to Z, 0 to 9 and <");
+      return platform::failure("a character other than A to Z, 0 to 9 and <");
     }
   }
   const Zone zone(*layout, lines);
   const DocumentNumber number = documentNumber(zone);
-  if (auto reason = fault(zone, number)) return tl::unexpected(*std::move(reason));
+  if (auto reason = fault(zone, number)) return platform::failure(*std::move(reason));
 
   corvana::MRZResult result;
   result.lines = lines;
@@ -206,7 +207,7 @@ tl::expected<corvana::MRZResult, std::string> parseMrz(const std::vector<std::st
   return result;
 }
 
-tl::expected<corvana::MRZResult, std::string> parseMrz(std::string_view text) {
+platform::Expected<corvana::MRZResult> parseMrz(std::string_view text) {
   std::vector<std::string> lines;
   while (!text.empty()) {
     const auto end = std::min(text.find('\n'), text.size());

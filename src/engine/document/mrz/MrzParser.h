@@ -4,9 +4,8 @@
 #include <string_view>
 #include <vector>
 
-#include <tl/expected.hpp>
-
 #include "corvana/DetectedData.h"
+#include "platform/foundation/Fault.h"
 
 /// Machine-readable zones of ICAO Doc 9303: TD1 (three lines of 30), TD2 (two of 36) and TD3 (two
 /// of 44). Pure.
@@ -18,10 +17,10 @@ int mrzCheckDigit(std::string_view field);
 
 /// Reads the lines, with every check digit, date and character verified. The error is a reason in a
 /// few words ("the check digit of the expiry date is wrong"), not yet a sentence for the user.
-tl::expected<corvana::MRZResult, std::string> parseMrz(const std::vector<std::string>& lines);
+platform::Expected<corvana::MRZResult> parseMrz(const std::vector<std::string>& lines);
 
 /// Reads the lines of one text, as above, with any line ends; blanks at a line's end and empty
 /// lines do not count.
-tl::expected<corvana::MRZResult, std::string> parseMrz(std::string_view text);
+platform::Expected<corvana::MRZResult> parseMrz(std::string_view text);
 
 }  // namespace corvana::engine

@@ -9,6 +9,7 @@
 
 #include "engine/document/mrz/MrzParser.h"
 #include "engine/document/mrz/StateCodes.h"
+#include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 namespace {
@@ -207,7 +208,7 @@ Outcome judged(const std::vector<MrzCandidate>& zones) {
   Outcome outcome;
   for (const MrzCandidate& zone : zones) {
     auto mrz = parseMrz(zone.lines);
-    const auto reason = mrz ? doubt(zone) : std::optional(mrz.error());
+    const auto reason = mrz ? doubt(zone) : std::optional(mrz.error().sentence);
     if (reason)
       outcome.reason = *reason;
     else
@@ -274,19 +275,18 @@ std::vector<MrzCandidate> mrzCandidates(const std::vector<std::string>& lines) {
   return candidates;
 }
 
-tl::expected<corvana::MRZResult, std::string> readMrz(const std::vector<std::string>& lines) {
+platform::Expected<corvana::MRZResult> readMrz(const std::vector<std::string>& lines) {
   std::vector<MrzCandidate> zones = mrzCandidates(lines);
   std::string reason = "not two or three lines of a zone's length";
   for (int changes = 0; changes <= kMostChanges && !zones.empty(); ++changes) {
     const Outcome outcome = judged(zones);
     if (outcome.accepted.size() == 1) return outcome.accepted.begin()->second;
-    if (outcome.accepted.size() > 1)
-      return tl::unexpected<std::string>("it can be read in two ways");
+    if (outcome.accepted.size() > 1) return platform::failure("it can be read in two ways");
     if (changes == 0) reason = outcome.reason;
     if (zones.size() > kMostToChange) break;
     zones = changedOnce(zones);
   }
-  return tl::unexpected(std::move(reason));
+  return platform::failure(std::move(reason));
 }
 
 }  // namespace corvana::engine

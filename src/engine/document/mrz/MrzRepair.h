@@ -4,10 +4,9 @@
 #include <string_view>
 #include <vector>
 
-#include <tl/expected.hpp>
-
 #include "corvana/DetectedData.h"
 #include "engine/document/mrz/MrzLayout.h"
+#include "platform/foundation/Fault.h"
 
 /// Zones as a reader of print gives them: O for 0, fillers miscounted, blanks between. Pure.
 namespace corvana::engine {
@@ -33,6 +32,6 @@ std::vector<MrzCandidate> mrzCandidates(const std::vector<std::string>& lines);
 /// (letters in a document number) is mended only if all check digits then hold and no other way
 /// with as few changes makes them hold. States must be known ones, and names parted as they are in
 /// a zone. The error is a reason in a few words.
-tl::expected<corvana::MRZResult, std::string> readMrz(const std::vector<std::string>& lines);
+platform::Expected<corvana::MRZResult> readMrz(const std::vector<std::string>& lines);
 
 }  // namespace corvana::engine

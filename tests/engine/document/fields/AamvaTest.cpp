@@ -117,7 +117,7 @@ const Case kCases[] = {
 TEST(Aamva, ReadsRecordsOfAllVersionsAndManners) {
   for (const Case& c : kCases) {
     const auto record = engine::parseAamva(c.text);
-    ASSERT_TRUE(record) << c.what << ": " << record.error();
+    ASSERT_TRUE(record) << c.what << ": " << record.error().sentence;
     EXPECT_EQ(record->version, c.version) << c.what;
     EXPECT_EQ(valuesOf(*record), c.values) << c.what;
   }
@@ -154,7 +154,8 @@ TEST(Aamva, RefusesOtherTextWithOneSentence) {
   for (const auto& [text, part] : cases) {
     const auto record = engine::parseAamva(text);
     ASSERT_FALSE(record) << text;
-    EXPECT_NE(record.error().find(part), std::string::npos) << text << ": " << record.error();
+    EXPECT_NE(record.error().sentence.find(part), std::string::npos)
+        << text << ": " << record.error().sentence;
   }
 }
 
