@@ -41,16 +41,7 @@ cv::Rect whole(const cv::Rect2d& box) {
 
 void drawEmblem(cv::Mat& picture, const cv::Rect2d& place, const cv::Scalar& colour) {
   const cv::Point2d centre(place.x + 0.5 * place.width, place.y + 0.5 * place.height);
-  const double radius = 0.5 * place.width;
-  std::vector<cv::Point> star;
-  for (int i = 0; i < 16; ++i) {
-    const double angle = CV_PI * i / 8.0 - CV_PI / 2.0;
-    const double r = i % 2 == 0 ? radius * 0.86 : radius * 0.36;
-    star.emplace_back(whole(centre.x + r * std::cos(angle)), whole(centre.y + r * std::sin(angle)));
-  }
-  cv::circle(picture, {whole(centre.x), whole(centre.y)}, whole(radius), colour, whole(0.22),
-             cv::LINE_AA);
-  cv::fillPoly(picture, std::vector<std::vector<cv::Point>>{star}, colour, cv::LINE_AA);
+  session::drawEmblem(picture, centre, 0.5 * place.width, SideArtist::kPixelsPerMillimetre, colour);
 }
 
 /// Loops that lean to the right and flatten towards the end, as a hurried signature does.

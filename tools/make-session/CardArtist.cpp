@@ -48,19 +48,6 @@ std::string printedDate(const std::string& date) {
   return date.substr(8, 2) + "." + date.substr(5, 2) + "." + date.substr(0, 4);
 }
 
-void drawEmblem(cv::Mat& picture, cv::Point2d centre, double radius) {
-  std::vector<cv::Point> star;
-  for (int i = 0; i < 16; ++i) {
-    const double angle = CV_PI * i / 8.0 - CV_PI / 2.0;
-    const double r = i % 2 == 0 ? radius * 0.86 : radius * 0.36;
-    star.emplace_back(static_cast<int>(std::lround(px(centre.x + r * std::cos(angle)))),
-                      static_cast<int>(std::lround(px(centre.y + r * std::sin(angle)))));
-  }
-  cv::circle(picture, {whole(centre.x), whole(centre.y)}, whole(radius), kTitleInk, whole(0.22),
-             cv::LINE_AA);
-  cv::fillPoly(picture, std::vector<std::vector<cv::Point>>{star}, kTitleInk, cv::LINE_AA);
-}
-
 /// Loops that lean to the right and flatten towards the end, as a hurried signature does.
 void drawSignature(cv::Mat& picture, const std::string& name, cv::Point2d start, double width) {
   Random random(seedOf(name));
@@ -111,7 +98,7 @@ void CardArtist::field(cv::Mat& picture, const std::string& label, const std::st
 }
 
 void CardArtist::title(cv::Mat& picture, const CardData& card) const {
-  drawEmblem(picture, {7.4, 6.4}, 3.0);
+  drawEmblem(picture, {7.4, 6.4}, 3.0, CardArtist::kPixelsPerMillimetre, kTitleInk);
   const std::string heading = "IDENTITY CARD";
   const double headingWidth = bold_.width(heading, px(3.6));
   bold_.draw(picture, heading, {px(kWidth - 4.6) - headingWidth, px(7.7)}, px(3.6), kTitleInk);

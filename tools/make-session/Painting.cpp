@@ -27,6 +27,22 @@ void drawCurve(cv::Mat& picture, const std::vector<cv::Point2d>& points, const c
   cv::polylines(picture, fixed, false, colour, 1, cv::LINE_AA, kShift);
 }
 
+void drawEmblem(cv::Mat& picture, cv::Point2d centre, double radius, double pixelsPerMillimetre,
+                const cv::Scalar& colour) {
+  const auto whole = [&](double millimetres) {
+    return static_cast<int>(std::lround(millimetres * pixelsPerMillimetre));
+  };
+  std::vector<cv::Point> star;
+  for (int i = 0; i < 16; ++i) {
+    const double angle = CV_PI * i / 8.0 - CV_PI / 2.0;
+    const double r = i % 2 == 0 ? radius * 0.86 : radius * 0.36;
+    star.emplace_back(whole(centre.x + r * std::cos(angle)), whole(centre.y + r * std::sin(angle)));
+  }
+  cv::circle(picture, {whole(centre.x), whole(centre.y)}, whole(radius), colour, whole(0.22),
+             cv::LINE_AA);
+  cv::fillPoly(picture, std::vector<std::vector<cv::Point>>{star}, colour, cv::LINE_AA);
+}
+
 cv::Mat withRoundedCorners(const cv::Mat& picture, int r) {
   cv::Mat mask(picture.size(), CV_8UC1, cv::Scalar(0));
   const int right = picture.cols - 1;

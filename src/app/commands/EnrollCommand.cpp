@@ -95,7 +95,6 @@ std::string documentFault(const Reference& reference, const DocumentRules& rules
   std::string all;
   for (const DocumentHint& hint : hintsOf(sides, rules))
     all += (all.empty() ? "" : ", ") + describe(hint, rules);
-  if (all.empty()) return {};
   return all;
 }
 

@@ -59,13 +59,6 @@ cv::Mat flattened(const platform::PixelBuffer& card) {
   return flat;
 }
 
-std::string trimmed(const std::string& text) {
-  constexpr const char* kBlanks = " \n";
-  const auto first = text.find_first_not_of(kBlanks);
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
 platform::CGRect unionOf(const platform::CGRect& a, const platform::CGRect& b) {
   const double x = std::min(a.minX(), b.minX());
   const double y = std::min(a.minY(), b.minY());

@@ -120,6 +120,13 @@ std::string joined(Line line) {
 
 }  // namespace
 
+std::string trimmed(const std::string& text) {
+  constexpr const char* kBlanks = " \n";
+  const auto first = text.find_first_not_of(kBlanks);
+  if (first == std::string::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
 std::size_t characterCount(const std::string& text) {
   return static_cast<std::size_t>(std::ranges::count_if(
       text, [](char c) { return !isContinuation(static_cast<unsigned char>(c)); }));

@@ -9,6 +9,9 @@
 
 namespace corvana::engine {
 
+/// A text as a reader gave it, without blanks and line ends around it. Pure.
+std::string trimmed(const std::string& text);
+
 /// Characters as a reader counts them in recognised text, where a letter and its accent are one
 /// code point. Pure.
 std::size_t characterCount(const std::string& text);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/document/TextLines.h"
 #include "engine/document/text/LetterRepair.h"
 #include "engine/document/text/LineCrop.h"
 #include "engine/vision/MatViews.h"
@@ -25,12 +26,6 @@ TextLine lineIn(const cv::RotatedRect& box) {
   line.box = {x - width / 2, y - height / 2, width, height};
   line.tilt = box.angle;
   return line;
-}
-
-std::string trimmed(const std::string& text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 }  // namespace
