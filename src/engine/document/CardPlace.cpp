@@ -7,7 +7,7 @@ namespace corvana::engine {
 namespace {
 
 /// Of the picture's width: outlines are not known any better.
-constexpr double kEdgeMargin = 0.006;
+constexpr double kEdgeMargin = 0.012;
 /// What a cut takes of a card at least and at most, so that the rest can be told for one.
 constexpr double kLeastHidden = 1.05;
 constexpr double kMostHidden = 2.5;
