@@ -3,6 +3,7 @@
 
 #include "app/commands/Commands.h"
 #include "app/commands/DocumentOptions.h"
+#include "app/run/DocumentFolders.h"
 #include "app/run/DocumentHints.h"
 #include "app/run/Reference.h"
 #include "app/run/Resources.h"
@@ -101,10 +102,15 @@ std::string documentFault(const Reference& reference, const DocumentRules& rules
 tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
                                                const DocumentRules& rules) {
   const Resources resources = findResources();
+  if (const auto kinds = loadDocuments(resources, arguments.documents); !kinds) {
+    return tl::unexpected(kinds.error());
+  }
   auto documents = engine::FaceDetector::load(resources.faceDetector()).and_then([&](auto&& faces) {
     return engine::DocumentAnalyzer::load(
         std::make_shared<engine::FaceDetector>(std::forward<decltype(faces)>(faces)),
-        {.text = resources.textReader(), .today = rules.today});
+        {.text = resources.textReader(),
+         .documents = documentFolders(resources, arguments.documents),
+         .today = rules.today});
   });
   if (!documents) {
     return tl::unexpected(Refusal{ExitCode::machineLacks, documents.error().sentence});

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "app/run/DocumentFolders.h"
 #include "app/run/MachineCheck.h"
 #include "devices/loudspeaker/EspeakSynthesizer.h"
 #include "engine/recorder/LateFrameAnalyzer.h"
@@ -52,22 +53,24 @@ std::unique_ptr<FlowScreen> makeScreenFor(const CaptureArguments& arguments,
 
 using Analyzer = std::shared_ptr<engine::FrameAnalyzer>;
 
-Expected<Analyzer> loadAnalyzer(const Resources& resources, const DocumentRules& rules) {
+Expected<Analyzer> loadAnalyzer(const Resources& resources, const DocumentChoice& documents,
+                                const DocumentRules& rules) {
   if (const auto lack = lacks({examineFaceModel(resources)}); !lack.empty()) {
     return platform::failure(lack);
   }
   auto loaded = engine::VisionFrameAnalyzer::load(
-      {resources.faceDetector(), resources.faceLandmarks(), resources.textReader(), rules.today});
+      {resources.faceDetector(), resources.faceLandmarks(), resources.textReader(),
+       documentFolders(resources, documents), rules.today});
   if (!loaded) return tl::unexpected(loaded.error());
   return *loaded;
 }
 
 /// A user does not wait for the models to see their picture; a replay has all the time it wants.
-Expected<Analyzer> startAnalyzer(const Resources& resources, const DocumentRules& rules,
-                                 platform::RunLoop& loop) {
-  if (loop.isVirtual()) return loadAnalyzer(resources, rules);
-  return engine::LateFrameAnalyzer::start(
-      loop, [resources, rules] { return loadAnalyzer(resources, rules); });
+Expected<Analyzer> startAnalyzer(const Resources& resources, const DocumentChoice& documents,
+                                 const DocumentRules& rules, platform::RunLoop& loop) {
+  const auto load = [=] { return loadAnalyzer(resources, documents, rules); };
+  if (loop.isVirtual()) return load();
+  return engine::LateFrameAnalyzer::start(loop, load);
 }
 
 /// What is missing whatever the camera is; empty when nothing is.
@@ -109,6 +112,10 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   }
   PreparedCapture prepared;
   prepared.resources = findResources();
+  if (arguments.documents.folder) {
+    const auto kinds = loadDocuments(prepared.resources, arguments.documents);
+    if (!kinds) return tl::unexpected(kinds.error());
+  }
   const auto wishes = chooseLooks(arguments, prepared.resources);
   if (!wishes) return tl::unexpected(wishes.error());
   prepared.rules = documentRules(arguments.documents);
@@ -128,7 +135,7 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   if (const auto lack = lacks({diskSpace(folder, needed)}); !lack.empty()) {
     return refuse(ExitCode::machineLacks, lack);
   }
-  auto analyzer = startAnalyzer(prepared.resources, prepared.rules, loop);
+  auto analyzer = startAnalyzer(prepared.resources, arguments.documents, prepared.rules, loop);
   if (!analyzer) return refuse(ExitCode::machineLacks, analyzer.error().sentence);
   prepared.analyzer = *analyzer;
   if (auto made = makeEmptyFolder(folder); !made) {

@@ -78,11 +78,12 @@ std::optional<CardTurn> turnByReading(const CardReading& asItLies, const CardRea
 }  // namespace
 
 DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text,
-                                   MrzReader mrz, const Setup& setup)
+                                   MrzReader mrz, DocumentTables tables, const Setup& setup)
     : faces_(std::move(faces)),
       text_(std::move(text)),
       tessdata_(setup.tessdata),
       mrz_(std::move(mrz)),
+      tables_(std::move(tables)),
       today_(setup.today) {}
 
 platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<FaceDetector> faces,
@@ -91,7 +92,10 @@ platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<Face
   if (!text) return tl::unexpected(text.error());
   auto mrz = MrzReader::load(setup.ocrBFonts);
   if (!mrz) return tl::unexpected(mrz.error());
-  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz), setup);
+  auto tables = loadDocumentTables(setup.documents);
+  if (!tables) return tl::unexpected(tables.error());
+  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz), std::move(*tables),
+                          setup);
 }
 
 CardSighting DocumentAnalyzer::find(const platform::PixelBuffer& frame,
@@ -159,9 +163,9 @@ CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
   reading.data.barcode = features.barcode;
   reading.data.ocrStrings = textLines(reading.lines, blanks);
   reading.data.image = std::make_shared<platform::UIImage>(card.picture);
-  reading.familyMatches = familyMatches(features);
-  classify(features, reading.data);
-  reading.data.fields = documentFields(reading.data, reading.lines, today_);
+  reading.familyMatches = familyMatches(features, tables_.kinds);
+  classify(features, tables_.kinds, reading.data);
+  reading.data.fields = documentFields(reading.data, reading.lines, tables_.labels, today_);
   return reading;
 }
 
@@ -239,7 +243,7 @@ void DocumentAnalyzer::askSecondReader(CardReading& reading) const {
   if (!second) return;
   reading.lines =
       withSecondOpinion(*reading.data.image->pixels(), std::move(reading.lines), *second);
-  reading.data.fields = documentFields(reading.data, reading.lines, today_);
+  reading.data.fields = documentFields(reading.data, reading.lines, tables_.labels, today_);
 }
 
 }  // namespace corvana::engine

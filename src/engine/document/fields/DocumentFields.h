@@ -8,6 +8,7 @@
 #include "corvana/DocumentField.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/fields/CalendarDates.h"
+#include "engine/document/fields/FieldLabels.h"
 
 namespace corvana::engine {
 
@@ -19,6 +20,7 @@ std::vector<corvana::DocumentField> zoneFields(const corvana::MRZResult& zone,
 /// All that zone, code and print of one side say, each by itself. Pure.
 std::vector<corvana::DocumentField> documentFields(const corvana::DetectedData& side,
                                                    const std::vector<TextLine>& print,
+                                                   const FieldLabels& labels,
                                                    const CalendarDate& today);
 
 /// The name of a field, of a source, of an agreement as reference.json and events have it, such as

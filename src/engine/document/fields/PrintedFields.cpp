@@ -7,7 +7,6 @@
 #include <sstream>
 #include <string>
 
-#include "engine/document/fields/FieldLabels.h"
 #include "engine/document/fields/Transliteration.h"
 
 namespace corvana::engine {
@@ -56,13 +55,13 @@ bool isNorthAmerican(const std::vector<TextLine>& lines) {
   });
 }
 
-std::vector<Line> labelledLines(const std::vector<TextLine>& lines) {
+std::vector<Line> labelledLines(const std::vector<TextLine>& lines, const FieldLabels& labels) {
   std::vector<Line> result;
   std::set<std::string> numbers;
   for (const TextLine& line : lines) {
     // A zone's fillers are no print.
     if (line.text.find('<') != std::string::npos) continue;
-    result.push_back({&line, labelledText(line.text)});
+    result.push_back({&line, labels.labelledText(line.text)});
     const auto& label = result.back().label;
     if (label && !label->number.empty()) numbers.insert(label->number);
   }
@@ -258,10 +257,10 @@ class Assembly {
 }  // namespace
 
 std::vector<DocumentField> printedFields(const std::vector<TextLine>& lines,
-                                         const CalendarDate& today) {
+                                         const FieldLabels& labels, const CalendarDate& today) {
   const bool isAmerican = isNorthAmerican(lines);
   const ValueReader read(today, isAmerican);
-  return Assembly(labelledLines(lines), read, isAmerican).fields();
+  return Assembly(labelledLines(lines, labels), read, isAmerican).fields();
 }
 
 }  // namespace corvana::engine

@@ -5,6 +5,7 @@
 #include "corvana/DocumentField.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/fields/CalendarDates.h"
+#include "engine/document/fields/FieldLabels.h"
 
 namespace corvana::engine {
 
@@ -12,6 +13,7 @@ namespace corvana::engine {
 /// languages of cards or a number as on licences. Values that cannot be one of their field (a
 /// birth date without a date) are passed over. Pure.
 std::vector<corvana::DocumentField> printedFields(const std::vector<TextLine>& lines,
+                                                  const FieldLabels& labels,
                                                   const CalendarDate& today);
 
 }  // namespace corvana::engine

@@ -96,9 +96,11 @@ const Case kCases[] = {
 };
 
 TEST(PrintedFields, AreFoundByTheirLabels) {
+  const auto labels = engine::FieldLabels::load({ENGINE_RESOURCES "/documents/labels"});
+  ASSERT_TRUE(labels) << labels.error().sentence;
   for (const Case& c : kCases) {
     Values values;
-    for (const auto& field : engine::printedFields(c.lines, kToday)) {
+    for (const auto& field : engine::printedFields(c.lines, *labels, kToday)) {
       values[field.name] = field.value;
       EXPECT_EQ(field.source, corvana::FieldSource::print);
       EXPECT_TRUE(field.place);
