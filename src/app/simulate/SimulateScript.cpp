@@ -10,6 +10,7 @@
 #include "app/settings/ColorTable.h"
 #include "corvana/CaptureSession.h"
 #include "corvana/Notifications.h"
+#include "corvana/OutletNames.h"
 #include "devices/pictures/ImageFile.h"
 #include "devices/scripted/PatternFaces.h"
 #include "engine/json/JsonObject.h"
@@ -211,10 +212,10 @@ class Loader {
   }
 
   static steps::Action tapStep(ScriptObject& step) {
-    static const std::map<std::string, std::string> kButtons = {{"close", "closeButton"},
-                                                                {"done", "doneButton"},
-                                                                {"retry", "retryButton"},
-                                                                {"cancel", "cancelButton"},
+    static const std::map<std::string, std::string> kButtons = {{"close", outlets::kCloseButton},
+                                                                {"done", outlets::kDoneButton},
+                                                                {"retry", outlets::kRetryButton},
+                                                                {"cancel", outlets::kCancelButton},
                                                                 {"alert", "alert"}};
     return steps::Tap{step.choice("button", kButtons)};
   }
