@@ -8,5 +8,7 @@ namespace corvana::app {
 
 /// --date, --least-age and --documents.
 void addDocumentOptions(CLI::App& command, DocumentChoice& choice);
+/// --documents alone.
+void addDocumentsFolder(CLI::App& command, DocumentChoice& choice);
 
 }  // namespace corvana::app

@@ -96,6 +96,18 @@ tl::expected<WindowWishes, Refusal> chooseLooks(const CaptureArguments& argument
   return wishes;
 }
 
+/// Why no card before the camera could come to be what the reference is of; empty when one can.
+std::string kindFault(const Reference& reference, const engine::DocumentKinds& kinds) {
+  for (const auto* side : {&reference.front, reference.back ? &*reference.back : nullptr}) {
+    if (side == nullptr || !side->type || kinds.ofType(*side->type)) continue;
+    return "The reference is of a " + *side->type +
+           ", of which no kind of document that is known tells; give the folder of --documents "
+           "that "
+           "it was enrolled with.";
+  }
+  return {};
+}
+
 /// Why the options can't be obeyed, before any file is opened; empty when they can.
 std::string optionsFault(const CaptureArguments& arguments) {
   if (!arguments.text && !arguments.textFile) {
@@ -112,16 +124,18 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   }
   PreparedCapture prepared;
   prepared.resources = findResources();
-  if (arguments.documents.folder) {
-    const auto kinds = loadDocuments(prepared.resources, arguments.documents);
-    if (!kinds) return tl::unexpected(kinds.error());
-  }
+  const auto tables = loadDocuments(prepared.resources, arguments.documents);
+  if (!tables && arguments.documents.folder) return tl::unexpected(tables.error());
   const auto wishes = chooseLooks(arguments, prepared.resources);
   if (!wishes) return tl::unexpected(wishes.error());
   prepared.rules = documentRules(arguments.documents);
   auto inputs = checkInputs(arguments);
   if (!inputs) return refuse(ExitCode::wrongUse, inputs.error().sentence);
   prepared.inputs = std::move(*inputs);
+  if (const auto fault = tables ? kindFault(prepared.inputs.reference, tables->kinds) : "";
+      !fault.empty()) {
+    return refuse(ExitCode::wrongUse, fault);
+  }
   if (const auto lack = machineLack(arguments); !lack.empty()) {
     return refuse(ExitCode::machineLacks, lack);
   }

@@ -93,7 +93,9 @@ class DocumentAnalyzer {
  private:
   DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz,
                    DocumentTables tables, const Setup& setup);
-  std::optional<Face> portrait(const platform::PixelBuffer& card);
+  /// The face in the photo, which is looked for where the kind of document has it.
+  std::optional<Face> portrait(const platform::PixelBuffer& card, const DocumentKind& kind);
+  std::vector<corvana::DocumentField> fieldsOf(const CardReading& reading) const;
   std::vector<TextLine> linesOf(const platform::PixelBuffer& card,
                                 const std::vector<TextLine>& known);
   void askSecondReader(CardReading& reading) const;

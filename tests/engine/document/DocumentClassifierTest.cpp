@@ -4,6 +4,7 @@
 
 #include "engine/document/DocumentClassifier.h"
 #include "engine/document/TextLines.h"
+#include "support/Scratch.h"
 
 namespace corvana::tests {
 namespace {
@@ -79,6 +80,29 @@ TEST(DocumentClassifier, TellsKindsAndSidesByTheirZones) {
     corvana::DetectedData data;
     engine::classify({.mrz = c.zone, .hasMrzBand = true, .hasFace = c.hasFace}, kinds(), data);
     EXPECT_EQ(data.type, c.type) << c.zone.documentCode;
+  }
+}
+
+TEST(DocumentClassifier, TellsABareBackByItsKindsName) {
+  const ScratchFolder scratch;
+  writeBytes(scratch / "kind.json",
+             R"({"stem": "LIBRARY_CARD", "title": "a", "size": "ID-1",
+                 "names": {"en": ["Library card"]},
+                 "sides": {"front": {"photo": {}, "code": {"format": "PDF417"}}, "back": {}}})");
+  const auto more =
+      engine::DocumentKinds::load({ENGINE_RESOURCES "/documents", scratch.path()}).value();
+  const std::map<std::string, std::string> code{{"text", "4711"}};
+  const std::pair<DocumentFeatures, const char*> cases[] = {
+      {{.lines = {"THIS LIBRARY CARD", "IS OURS"}}, "LIBRARY_CARD_BACK"},
+      {{.lines = {"LIBRARY CARD"}, .hasFace = true}, "LIBRARY_CARD_FRONT"},
+      {{.lines = {"LIBRARY CARD"}, .barcode = code, .hasFace = true}, "LIBRARY_CARD_FRONT"},
+      {{.lines = {"DRIVING LICENCE"}}, "none"},
+  };
+  for (const auto& [features, type] : cases) {
+    corvana::DetectedData data;
+    engine::classify(features, more, data);
+    EXPECT_EQ(data.type.value_or("none"), type);
+    EXPECT_EQ(data.shouldHaveBarcode, data.side == DocumentSide::front);
   }
 }
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <set>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -173,6 +174,50 @@ TEST(DocumentKinds, OneKindMustRemain) {
   const auto loaded = engine::DocumentKinds::load({scratch.path()});
   ASSERT_FALSE(loaded);
   EXPECT_NE(loaded.error().sentence.find("isRemainder"), std::string::npos);
+}
+
+/// The JSON between the fences of docs/documents.md, in its order.
+std::vector<std::string> examples() {
+  const std::string fence = "```";
+  const std::string text = bytesOf(DOCS "/documents.md");
+  std::vector<std::string> found;
+  for (auto at = text.find(fence + "json"); at != std::string::npos;
+       at = text.find(fence + "json", at)) {
+    at += fence.size() + 4;
+    const auto end = text.find(fence, at);
+    found.push_back(text.substr(at, end - at));
+    at = end + fence.size();
+  }
+  return found;
+}
+
+TEST(DocumentKinds, TheExamplesOfTheManualAreGood) {
+  const auto found = examples();
+  ASSERT_EQ(found.size(), 2U);
+  const ScratchFolder scratch;
+  write(scratch / "student-card.json", found[0]);
+  write(scratch / "labels/eo.json", found[1]);
+  const auto loaded = loadBeside(scratch.path());
+  ASSERT_TRUE(loaded) << loaded.error().sentence;
+  EXPECT_TRUE(loaded->kinds.ofType("STUDENT_CARD_BACK"));
+  EXPECT_EQ(loaded->labels.languages().at("eo"), 5U);
+}
+
+TEST(DocumentKinds, TheSchemaHasTheKeysThatAreRead) {
+  const json schema = json::parse(bytesOf(DOCS "/document.schema.json"));
+  const auto keysOf = [](const json& object) {
+    std::set<std::string> keys;
+    for (const auto& [key, value] : object.items())
+      keys.insert(key);
+    return keys;
+  };
+  // It is taken, so that no key in it is unknown to the program.
+  const json kind = studentCard();
+  EXPECT_EQ(keysOf(schema.at("properties")), keysOf(kind));
+  std::set<std::string> onSides;
+  for (const auto& [name, side] : kind.at("sides").items())
+    onSides.merge(keysOf(side));
+  EXPECT_EQ(keysOf(schema.at("$defs").at("side").at("properties")), onSides);
 }
 
 TEST(FieldLabels, AFileMoreIsALanguageMore) {
