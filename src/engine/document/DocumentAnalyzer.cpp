@@ -245,13 +245,29 @@ std::optional<CardReading> DocumentAnalyzer::readUpright(const CardLook& look) {
   return *turn == CardTurn::upright ? std::move(asItLies) : std::move(turned);
 }
 
+platform::Expected<CardLook> DocumentAnalyzer::cardIn(const platform::PixelBufferRef& picture) {
+  const StillPicture still = stillPicture(picture, text_.boxes());
+  const auto look = [&](const Quad& outline) { return lookAt(*still.picture, outline); };
+  std::optional<CardLook> best;
+  platform::Fault fault = noCardSeen();
+  for (const Search search : {Search::coarse, Search::fine}) {
+    const auto outlines = cardsInStill(still, search);
+    if (!outlines) {
+      fault = outlines.error();
+      continue;
+    }
+    auto found = chooseCard(*outlines, look);
+    if (found && (!best || found->content() > best->content())) best = std::move(found);
+    if (best && best->isCertainlyACard()) break;
+  }
+  if (!best) return tl::unexpected(fault);
+  return *std::move(best);
+}
+
 platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
     const platform::PixelBufferRef& picture) {
-  const auto cards = cardsInStill(picture, text_.boxes());
-  if (!cards) return tl::unexpected(cards.error());
-  const auto look = chooseCard(
-      cards->outlines, [&](const Quad& outline) { return lookAt(*cards->picture, outline); });
-  if (!look) return tl::unexpected(noCardSeen());
+  const auto look = cardIn(picture);
+  if (!look) return tl::unexpected(look.error());
   auto reading = readUpright(*look);
   if (!reading) {
     return platform::failure(

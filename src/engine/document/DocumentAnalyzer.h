@@ -103,6 +103,7 @@ class DocumentAnalyzer {
   CardReading readCard(const platform::PixelBufferRef& card, std::vector<TextLine> lines);
   /// What a straightened card tells whose lines were read.
   CardReading understood(const platform::PixelBufferRef& card, const CardMemory& memory);
+  platform::Expected<CardLook> cardIn(const platform::PixelBufferRef& picture);
   CardLook lookAt(const platform::PixelBuffer& picture, const Quad& outline);
   std::optional<CardReading> readUpright(const CardLook& look);
 
