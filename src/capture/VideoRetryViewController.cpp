@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "corvana/IDCapture.h"
+#include "corvana/OutletNames.h"
 #include "corvana/SelfieCapture.h"
 
 namespace corvana::capture {
@@ -52,11 +53,11 @@ std::string messageFor(RetryType type, const RetryAppearance& appearance) {
 }  // namespace
 
 void VideoRetryViewController::declareOutlets(platform::OutletBinder& binder) {
-  binder.outlet("label", label_);
-  binder.outlet("imageView", imageView_);
-  binder.outlet("retryButton", retryButton_);
-  binder.outlet("cancelButton", cancelButton_);
-  binder.collection("buttons", buttons_);
+  binder.outlet(outlets::kRetryLabel, label_);
+  binder.outlet(outlets::kRetryImageView, imageView_);
+  binder.outlet(outlets::kRetryButton, retryButton_);
+  binder.outlet(outlets::kCancelButton, cancelButton_);
+  binder.collection(outlets::kRetryButtons, buttons_);
   binder.action("retry", [this] { dismiss(Retry::yes); });
   binder.action("cancel", [this] { dismiss(Retry::no); });
 }

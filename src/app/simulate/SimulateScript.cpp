@@ -8,11 +8,12 @@
 
 #include "app/run/Files.h"
 #include "app/settings/ColorTable.h"
-#include "app/simulate/ScriptReader.h"
 #include "corvana/CaptureSession.h"
 #include "corvana/Notifications.h"
+#include "corvana/OutletNames.h"
 #include "devices/pictures/ImageFile.h"
 #include "devices/scripted/PatternFaces.h"
+#include "engine/json/JsonObject.h"
 
 namespace corvana::app {
 namespace {
@@ -21,6 +22,7 @@ namespace fs = std::filesystem;
 using corvana::DetectedData;
 using corvana::IDCaptureState;
 using corvana::SelfieCaptureState;
+using ScriptObject = engine::JsonObject;
 
 constexpr std::uint64_t kLargestScript = 4 << 20;
 constexpr std::size_t kMostSteps = 10'000;
@@ -210,10 +212,10 @@ class Loader {
   }
 
   static steps::Action tapStep(ScriptObject& step) {
-    static const std::map<std::string, std::string> kButtons = {{"close", "closeButton"},
-                                                                {"done", "doneButton"},
-                                                                {"retry", "retryButton"},
-                                                                {"cancel", "cancelButton"},
+    static const std::map<std::string, std::string> kButtons = {{"close", outlets::kCloseButton},
+                                                                {"done", outlets::kDoneButton},
+                                                                {"retry", outlets::kRetryButton},
+                                                                {"cancel", outlets::kCancelButton},
                                                                 {"alert", "alert"}};
     return steps::Tap{step.choice("button", kButtons)};
   }
@@ -339,7 +341,7 @@ platform::Expected<SimulateScript> loadSimulateScript(const fs::path& path) {
   if (!json) return tl::unexpected(json.error());
   try {
     return Loader(path.parent_path()).load(*json);
-  } catch (const ScriptFault& fault) {
+  } catch (const engine::JsonFault& fault) {
     return platform::failure("\"" + path.string() +
                              "\" is no script of a simulation: " + fault.sentence + ".");
   }

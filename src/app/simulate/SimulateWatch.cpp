@@ -7,6 +7,7 @@
 #include <optional>
 #include <utility>
 
+#include "corvana/OutletNames.h"
 #include "devices/screen/ViewSearch.h"
 #include "platform/uikit/Controls.h"
 #include "platform/uikit/UIViewController.h"
@@ -156,25 +157,25 @@ struct Reading {
 };
 
 constexpr Reading kReadings[] = {
-    {"caption", labelText, "captureLabel"},
-    {"prompt", prompt, "selfieOverlayLabel"},
-    {"oval", tint, "selfieOverlayImageView"},
+    {"caption", labelText, outlets::kCaptureLabel},
+    {"prompt", prompt, outlets::kSelfieOverlayLabel},
+    {"oval", tint, outlets::kSelfieOverlayImageView},
     {"corners", bezels, "selfieOverlayBezel"},
-    {"prompt", prompt, "idOverlayLabel"},
-    {"frame", tint, "idFrameImageView"},
-    {"silhouette", picture, "idImageView"},
-    {"progress", progress, "progressView"},
+    {"prompt", prompt, outlets::kIdOverlayLabel},
+    {"frame", tint, outlets::kIdFrameImageView},
+    {"silhouette", picture, outlets::kIdImageView},
+    {"progress", progress, outlets::kProgressView},
     {"face", ellipses, ""},
     {"outlines", outlines, ""},
-    {"debug", labelText, "faceLivenessScoreLabel"},
-    {"debug", labelText, "leftEyeOpenProbabilityLabel"},
-    {"debug", labelText, "rightEyeOpenProbabilityLabel"},
-    {"debug", labelText, "maskDetectionScoreLabel"},
-    {"debug", labelText, "realnessScoresLabel"},
-    {"debug", labelText, "topMatchesLabel"},
-    {"text", readingText, "readingTextLabel"},
-    {"countdown", labelText, "readingTextCountdownLabel"},
-    {"button", buttonTitle, "doneButton"},
+    {"debug", labelText, outlets::kFaceLivenessScoreLabel},
+    {"debug", labelText, outlets::kLeftEyeOpenProbabilityLabel},
+    {"debug", labelText, outlets::kRightEyeOpenProbabilityLabel},
+    {"debug", labelText, outlets::kMaskDetectionScoreLabel},
+    {"debug", labelText, outlets::kRealnessScoresLabel},
+    {"debug", labelText, outlets::kTopMatchesLabel},
+    {"text", readingText, outlets::kReadingTextLabel},
+    {"countdown", labelText, outlets::kReadingTextCountdownLabel},
+    {"button", buttonTitle, outlets::kDoneButton},
 };
 
 std::string lineOf(const std::string& name, std::string value) {
@@ -236,13 +237,14 @@ void SimulateWatch::willFlip(UIView& view, platform::Duration duration) {
 
 void SimulateWatch::retryScreenCame(UIView& root) {
   print_("screen retry");
-  if (const auto* label = seenView<UILabel>(root, "label")) {
+  if (const auto* label = seenView<UILabel>(root, outlets::kRetryLabel)) {
     print_(lineOf("message", inColors(label->textColor(), root.backgroundColor()) +
                                  label->text().value_or("")));
   }
-  const std::string image = picture(root, "imageView");
-  print_(lineOf("picture", image.empty() ? "" : "[" + tint(root, "imageView") + "] " + image));
-  for (const char* name : {"retryButton", "cancelButton"}) {
+  const std::string image = picture(root, outlets::kRetryImageView);
+  print_(lineOf("picture",
+                image.empty() ? "" : "[" + tint(root, outlets::kRetryImageView) + "] " + image));
+  for (const char* name : {outlets::kRetryButton, outlets::kCancelButton}) {
     const auto* button = seenView<platform::UIButton>(root, name);
     if (!button) continue;
     print_(lineOf("button",

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "corvana/OutletNames.h"
 #include "devices/screen/ViewSearch.h"
 #include "platform/uikit/Controls.h"
 #include "platform/uikit/UIViewController.h"
@@ -24,7 +25,7 @@ void HeadlessPerson::after(platform::Duration delay, platform::Block block) {
 void HeadlessPerson::didPresent(platform::UIViewController& controller) {
   if (auto* alert = dynamic_cast<platform::UIAlertController*>(&controller)) {
     answerAlert(*alert);
-  } else if (findView<UIButton>(shownBy(controller).view(), "retryButton")) {
+  } else if (findView<UIButton>(shownBy(controller).view(), outlets::kRetryButton)) {
     answerRetryScreen(shownBy(controller));
   }
 }
@@ -43,7 +44,8 @@ void HeadlessPerson::answerRetryScreen(platform::UIViewController& screen) {
   after(habits_.reactionTime, [weak = screen.weak_from_this(), again] {
     const auto shown = weak.lock();
     if (!shown) return;
-    auto* button = findView<UIButton>(shown->view(), again ? "retryButton" : "cancelButton");
+    auto* button =
+        findView<UIButton>(shown->view(), again ? outlets::kRetryButton : outlets::kCancelButton);
     if (button) button->touchUpInside();
   });
 }
@@ -51,7 +53,7 @@ void HeadlessPerson::answerRetryScreen(platform::UIViewController& screen) {
 void HeadlessPerson::viewChanged(platform::UIView& view, const char* property) {
   const std::string_view what = property;
   if (!habits_.doneAfter || (what != "alpha" && what != "hidden")) return;
-  auto* button = findView<UIButton>(view.root(), "doneButton");
+  auto* button = findView<UIButton>(view.root(), outlets::kDoneButton);
   if (!button || std::exchange(seesDone_, isInSight(*button)) == isInSight(*button)) return;
   ++sighting_;
   if (!seesDone_) return;

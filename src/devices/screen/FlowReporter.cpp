@@ -6,6 +6,7 @@
 
 #include "corvana/CaptureSessionViewController.h"
 #include "corvana/IDCapture.h"
+#include "corvana/OutletNames.h"
 #include "corvana/SelfieCapture.h"
 #include "devices/screen/ViewSearch.h"
 #include "platform/uikit/Controls.h"
@@ -43,8 +44,8 @@ const char* nameOf(corvana::PromptType type) {
 FlowEvent outlineIn(UIView& root) {
   FlowEvent event{.kind = Kind::outline};
   const std::pair<const char*, const corvana::Colors*> places[] = {
-      {"selfieOverlayImageView", &corvana::SelfieCapture::colors},
-      {"idFrameImageView", &corvana::IDCapture::colors}};
+      {outlets::kSelfieOverlayImageView, &corvana::SelfieCapture::colors},
+      {outlets::kIdFrameImageView, &corvana::IDCapture::colors}};
   for (const auto& [name, colors] : places) {
     const UIView* view = findView(root, name);
     if (view && isInSight(*view)) event.tone = toneOf(view->tintColor(), *colors);
@@ -54,7 +55,7 @@ FlowEvent outlineIn(UIView& root) {
 
 FlowEvent silhouetteIn(UIView& root) {
   FlowEvent event{.kind = Kind::silhouette};
-  const auto* view = findView<platform::UIImageView>(root, "idImageView");
+  const auto* view = findView<platform::UIImageView>(root, outlets::kIdImageView);
   if (!view || !view->image() || !isInSight(*view)) return event;
   const auto& image = view->image();
   const auto& host = corvana::IDCapture::images;
@@ -70,7 +71,7 @@ FlowEvent silhouetteIn(UIView& root) {
 
 FlowEvent progressIn(UIView& root) {
   FlowEvent event{.kind = Kind::progress};
-  const auto* bar = findView<platform::UIProgressView>(root, "progressView");
+  const auto* bar = findView<platform::UIProgressView>(root, outlets::kProgressView);
   if (bar && isInSight(*bar)) event.value = bar->progress();
   return event;
 }
@@ -87,8 +88,8 @@ FlowEvent alertEvent(const platform::UIAlertController& alert) {
 }
 
 FlowEvent retryEvent(UIView& root) {
-  FlowEvent event = textEvent(Kind::retry, root, "label");
-  for (const char* name : {"retryButton", "cancelButton"}) {
+  FlowEvent event = textEvent(Kind::retry, root, outlets::kRetryLabel);
+  for (const char* name : {outlets::kRetryButton, outlets::kCancelButton}) {
     const auto* button = findView<platform::UIButton>(root, name);
     if (button) event.choices.push_back(button->title());
   }
@@ -171,8 +172,8 @@ void FlowReporter::retryScreenLeft() {
 FlowEvent FlowReporter::promptIn(UIView& root) const {
   FlowEvent event{.kind = Kind::prompt};
   const std::pair<const char*, corvana::PromptPlace> places[] = {
-      {"selfieOverlayLabel", corvana::PromptPlace::face},
-      {"idOverlayLabel", corvana::PromptPlace::card}};
+      {outlets::kSelfieOverlayLabel, corvana::PromptPlace::face},
+      {outlets::kIdOverlayLabel, corvana::PromptPlace::card}};
   for (const auto& [name, place] : places) {
     const std::string text = textOf(root, name);
     if (text.empty()) continue;
@@ -184,13 +185,13 @@ FlowEvent FlowReporter::promptIn(UIView& root) const {
 }
 
 std::vector<FlowEvent> FlowReporter::eventsIn(UIView& root) const {
-  return {textEvent(Kind::caption, root, "captureLabel"),
+  return {textEvent(Kind::caption, root, outlets::kCaptureLabel),
           promptIn(root),
           outlineIn(root),
           silhouetteIn(root),
           progressIn(root),
-          textEvent(Kind::text, root, "readingTextLabel"),
-          textEvent(Kind::countdown, root, "readingTextCountdownLabel")};
+          textEvent(Kind::text, root, outlets::kReadingTextLabel),
+          textEvent(Kind::countdown, root, outlets::kReadingTextCountdownLabel)};
 }
 
 void FlowReporter::look() {
