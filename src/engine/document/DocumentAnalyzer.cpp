@@ -110,12 +110,15 @@ platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<Face
 
 CardSighting DocumentAnalyzer::find(const platform::PixelBuffer& frame,
                                     const platform::CGRect& guide) const {
-  return findCard(frame, guide);
+  return findCard(frame, guide, corvana::IDCapture::options);
 }
 
 CardView DocumentAnalyzer::view(const platform::PixelBuffer& frame, const Quad& outline) const {
   const auto picture = straightened(frame, outline);
-  return {picture, cardSharpness(*picture), glareFraction(*picture)};
+  return {picture,
+          {.sharpness = printSharpness(*picture),
+           .glare = glareFraction(*picture),
+           .brightness = brightnessOf(*picture)}};
 }
 
 std::optional<Face> DocumentAnalyzer::portrait(const platform::PixelBuffer& card,

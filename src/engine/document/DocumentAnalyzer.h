@@ -12,6 +12,7 @@
 #include "engine/document/TesseractReader.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/fields/CalendarDates.h"
+#include "engine/document/guidance/CardQuality.h"
 #include "engine/document/kinds/DocumentTables.h"
 #include "engine/document/mrz/MrzReader.h"
 #include "engine/document/mrz/MrzVotes.h"
@@ -24,15 +25,7 @@ namespace corvana::engine {
 /// A card taken out of a picture, straightened to 1000×630, with the measures of its quality.
 struct CardView {
   platform::PixelBufferRef picture;
-  double sharpness = 0;      ///< `cardSharpness`
-  double glareFraction = 0;  ///< `glareFraction`
-  bool isBlurred() const { return sharpness < kLeastSharpness; }
-  bool hasTooMuchGlare() const { return glareFraction > kMostGlare; }
-
-  /// Sharpness below which print of usual size is no longer read.
-  static constexpr double kLeastSharpness = 0.03;
-  /// Share of glare from which on about a line of print is covered.
-  static constexpr double kMostGlare = 0.02;
+  CardQuality quality;  ///< but for what covers print, which one picture can't tell
 };
 
 /// What earlier pictures told of a card that has been held still since.

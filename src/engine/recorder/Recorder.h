@@ -83,6 +83,7 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   void watchLiveFace(const Observation& observation);
   void report(const corvana::SelfieCaptureState& state);
   void report(const corvana::IDCaptureState& state);
+  void tell(const std::optional<FlawFound>& hint);
   void postDebugData(const Observation& observation);
   void note(const RecorderEvent& event);
 
@@ -97,6 +98,7 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   bool liveFaceInSight_ = false;
   SelfiePhase selfie_;
   DocumentPhase document_;
+  std::optional<CardFlaw> told_;  ///< the hint that stands
   std::shared_ptr<platform::Timer> timeOut_;
 
   // Capture queue.

@@ -16,6 +16,7 @@ struct RecorderEvent {
     liveFace,  ///< "found" or "lost"
     mode,      ///< the new mode, by its name
     call,      ///< "stopVideoWriter", "retry", "typeMismatch"
+    hint,      ///< why a card is not read, for which there is no state; "none" when it is over
   };
   using Detail = std::pair<std::string, std::variant<double, bool, std::string>>;
 
