@@ -48,6 +48,10 @@ const char* nameOf(Kind kind) {
       return "mode";
     case Kind::call:
       return "call";
+    case Kind::liveness:
+      return "liveness";
+    case Kind::sign:
+      return "sign";
   }
   return "";
 }
