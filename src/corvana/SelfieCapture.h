@@ -57,8 +57,8 @@ struct SelfieCapture {
     double livenessWatchSeconds = 3;
     /// Seconds after which a face without a sign of life is asked for one.
     double livenessAskSeconds = 2.5;
-    /// Share of their usual opening below which lids count as closed.
-    double livenessBlinkShare = 0.7;
+    /// Share of the eyes' usual height over width below which both count as closed.
+    double livenessBlinkShare = 0.91;
     /// Sine of the turn from which on a face's relief is seen to move against itself.
     double livenessRelief = 0.05;
     /// Difference to an earlier stretch of pictures, over that from one picture to the next, below

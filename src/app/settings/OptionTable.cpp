@@ -135,8 +135,10 @@ const std::vector<Row>& rows() {
           "selfieCapture.livenessAskSeconds", "s", 0, 60,
           "time after which a face without a sign of life is asked for one"),
       row(SelfieCapture::options, &SelfieCapture::Options::livenessBlinkShare,
-          "selfieCapture.livenessBlinkShare", "share", 0.1, 0.84,
-          "sign of life: in a blink both eyes' opening falls below this share of the usual"),
+          "selfieCapture.livenessBlinkShare", "share", 0.1, 0.94,
+          "sign of life: in a blink both eyes' height over width, as far as the network follows "
+          "the "
+          "lids, falls below this share of the usual"),
       row(SelfieCapture::options, &SelfieCapture::Options::livenessRelief,
           "selfieCapture.livenessRelief", "sine", 0.01, 1,
           "sign of life: turn from which on the face's relief is seen to move as that of no flat "

@@ -1,17 +1,18 @@
 #include "engine/selfie/BlinkWatch.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace corvana::engine {
 namespace {
 
-/// A blink is over when the opening is back at this share of its usual value, within this time.
-constexpr double kReopenedShare = 0.85;
+/// A blink is over when the eyes are back at this share of the usual, within this time.
+constexpr double kReopenedShare = 0.95;
 constexpr platform::Duration kLongestBlink = platform::seconds(0.8);
-/// The network follows closing lids only part of the way: so far at least in each eye. A blurred
-/// or dark picture loses contrast, but keeps this.
-constexpr double kClosedAspect = 0.93;
+/// A quick blink falls into a single look. It counts when white and iris are hidden as well, whose
+/// contrast a blurred or dark picture loses, too, but then the eyes' form stays.
+constexpr double kHiddenShare = 0.7;
 /// Frames by which the usual opening is known, and by which it is remembered.
 constexpr std::size_t kFewestOpenings = 3;
 constexpr std::size_t kMostOpenings = 31;
@@ -34,14 +35,21 @@ BlinkWatch::Lids BlinkWatch::usual() const {
   return {of(&Lids::opening), of(&Lids::rightAspect), of(&Lids::leftAspect)};
 }
 
-void BlinkWatch::open(double share, bool wasBlink) {
-  closedSince_.reset();
-  if (wasBlink) {
+/// The network follows closing lids only part of the way, and trembles: two looks in a row count.
+bool BlinkWatch::looksClosed(double opening, double aspect) {
+  const bool isLow = aspect < closedShare_;
+  const bool isLowAgain = std::exchange(wasLow_, isLow) && isLow;
+  return isLowAgain || (isLow && opening < kHiddenShare);
+}
+
+void BlinkWatch::open(double aspect) {
+  if (closedSince_) {
+    leastShare_ = blinks_ == 0 ? closedTo_ : std::min(leastShare_, closedTo_);
     ++blinks_;
-    leastShare_ = blinks_ == 1 ? closedTo_ : std::min(leastShare_, closedTo_);
   } else if (blinks_ == 0) {
-    leastShare_ = share;
+    leastShare_ = aspect;
   }
+  closedSince_.reset();
 }
 
 void BlinkWatch::add(platform::TimePoint time, const Lids& lids) {
@@ -52,17 +60,17 @@ void BlinkWatch::add(platform::TimePoint time, const Lids& lids) {
   }
   if (recent_.size() >= kFewestOpenings) {
     const Lids open = usual();
-    const double share = lids.opening / open.opening;
-    const bool bothFell = lids.rightAspect < kClosedAspect * open.rightAspect &&
-                          lids.leftAspect < kClosedAspect * open.leftAspect;
-    if (share < closedShare_ && (bothFell || closedSince_)) {
-      if (!closedSince_) closedTo_ = share;
-      closedTo_ = std::min(closedTo_, share);
-      if (!closedSince_) closedSince_ = time;
-      return;
+    const double aspect = std::max(lids.rightAspect / open.rightAspect,  //
+                                   lids.leftAspect / open.leftAspect);
+    const bool isClosed = looksClosed(lids.opening / open.opening, aspect);
+    if (isClosed && !closedSince_) {
+      closedSince_ = time;
+      closedTo_ = aspect;
     }
-    if (closedSince_ && share <= kReopenedShare) return;
-    this->open(share, closedSince_.has_value());
+    if (closedSince_) closedTo_ = std::min(closedTo_, aspect);
+    if (isClosed || (closedSince_ && aspect <= kReopenedShare)) return;
+    if (wasLow_) return;
+    this->open(aspect);
   }
   recent_.push_back(lids);
   if (recent_.size() > kMostOpenings) recent_.pop_front();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <vector>
 
 #include <opencv2/imgproc.hpp>
 
@@ -21,6 +22,11 @@ constexpr int kOutweighs = 2;
 /// Edges lie at least so far from the face, and are followed so far beyond it, in face heights.
 constexpr double kDistance = 0.05;
 constexpr double kBeyond = 0.3;
+/// Corners are round, in pixels; two lines are so far apart at least.
+constexpr int kRoundCorner = 2;
+constexpr int kApart = 3;
+/// A line that is seen less is not looked at any further.
+constexpr double kLeastShare = 0.6;
 
 /// Where the picture has an upright edge: 1, else 0.
 cv::Mat uprightEdges(const cv::Mat& gray) {
@@ -37,6 +43,11 @@ cv::Mat uprightEdges(const cv::Mat& gray) {
     }
   return edges;
 }
+
+struct Edges {
+  cv::Mat upright;
+  cv::Mat flat;  ///< with rows and columns exchanged
+};
 
 /// x as a function of y.
 struct UprightLine {
@@ -71,6 +82,32 @@ UprightLine bestLine(const cv::Mat& edges, cv::Range x, cv::Range y) {
   return best;
 }
 
+/// The best line, and the best on each side of it: a display's frame has an edge inside and one
+/// outside, and either may be lost in front of something dark.
+std::vector<UprightLine> likelyLines(const cv::Mat& edges, cv::Range x, cv::Range y) {
+  std::vector<UprightLine> lines{bestLine(edges, x, y)};
+  const int place = static_cast<int>(lines.front().at(0.5 * (y.start + y.end)));
+  lines.push_back(bestLine(edges, {x.start, place - kApart}, y));
+  lines.push_back(bestLine(edges, {place + kApart, x.end}, y));
+  std::erase_if(lines, [](const UprightLine& line) { return line.share < kLeastShare; });
+  return lines;
+}
+
+/// How far both lines and one that joins them below the face are seen.
+double enclosure(const Edges& edges, const UprightLine& left, const UprightLine& right,
+                 cv::Range face, int lowest) {
+  const cv::Range between(
+      std::max(0, static_cast<int>(left.at(face.end)) + kRoundCorner),
+      std::min(edges.upright.cols, static_cast<int>(right.at(face.end)) - kRoundCorner));
+  if (between.size() <= 0) return 0;
+  const UprightLine below = bestLine(edges.flat, {lowest, edges.upright.rows - 1}, between);
+  const auto down = [&](const UprightLine& side, int corner) {
+    return shareOnEdges(edges.upright, side, face.start,
+                        static_cast<int>(below.at(corner)) - kRoundCorner);
+  };
+  return std::min({down(left, between.start), down(right, between.end), below.share});
+}
+
 }  // namespace
 
 double edgesAround(const platform::PixelBuffer& picture, const platform::CGRect& face) {
@@ -82,25 +119,16 @@ double edgesAround(const platform::PixelBuffer& picture, const platform::CGRect&
   const double distance = kDistance * face.height;
   const cv::Range rows(std::max(0, place(face.y)),
                        std::min(gray.rows, place(face.maxY() + kBeyond * face.height)));
-  const cv::Mat upright = uprightEdges(gray);
-  const UprightLine left = bestLine(upright, {1, place(face.x - distance)}, rows);
-  const UprightLine right =
-      bestLine(upright, {std::max(1, place(face.maxX() + distance)), gray.cols - 1}, rows);
-  if (left.share <= 0 || right.share <= 0) return 0;
-
+  if (rows.size() <= 0) return 0;
   // What lies flat is upright in the picture turned about its diagonal.
-  const cv::Mat flat = uprightEdges(gray.t());
-  const int margin = 2;  // corners are round
-  const cv::Range between(std::max(0, static_cast<int>(left.at(rows.end)) + margin),
-                          std::min(gray.cols, static_cast<int>(right.at(rows.end)) - margin));
-  if (between.size() <= 0) return 0;
-  const UprightLine below =
-      bestLine(flat, {std::max(1, place(face.maxY() + distance)), gray.rows - 1}, between);
-  const double leftShare =
-      shareOnEdges(upright, left, rows.start, static_cast<int>(below.at(between.start)) - margin);
-  const double rightShare =
-      shareOnEdges(upright, right, rows.start, static_cast<int>(below.at(between.end)) - margin);
-  return std::min({leftShare, rightShare, below.share});
+  const Edges edges{uprightEdges(gray), uprightEdges(gray.t())};
+  double most = 0;
+  for (const UprightLine& left : likelyLines(edges.upright, {1, place(face.x - distance)}, rows))
+    for (const UprightLine& right : likelyLines(
+             edges.upright, {std::max(1, place(face.maxX() + distance)), gray.cols - 1}, rows))
+      most = std::max(
+          most, enclosure(edges, left, right, rows, std::max(1, place(face.maxY() + distance))));
+  return most;
 }
 
 }  // namespace corvana::engine

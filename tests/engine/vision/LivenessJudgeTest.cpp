@@ -102,7 +102,7 @@ class Judging {
     FaceDetails details = details_;
     details.lidOpening *= lids;
     for (const std::size_t lid : {160U, 158U, 387U, 385U})
-      details.mesh[lid].y += (1 - lids) * 4;
+      details.mesh[lid].y += (1 - lids) * 0.01 * details.mesh[152].y;
     now_ += platform::seconds(0.1);
     return judge_.add({now_, *pixelBufferFrom(moved), {200, 200, 200, 240}, details, 0.5F});
   }
