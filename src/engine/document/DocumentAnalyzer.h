@@ -12,6 +12,7 @@
 #include "engine/document/TesseractReader.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/fields/CalendarDates.h"
+#include "engine/document/kinds/DocumentTables.h"
 #include "engine/document/mrz/MrzReader.h"
 #include "engine/document/mrz/MrzVotes.h"
 #include "engine/document/text/NetworkTextReader.h"
@@ -60,6 +61,8 @@ class DocumentAnalyzer {
  public:
   struct Setup {
     NetworkTextReader::Models text;
+    /// Kinds of documents and labels of fields; what a later folder says goes before.
+    std::vector<std::filesystem::path> documents{};
     /// Settles two-digit years.
     CalendarDate today{};
     /// Where a second reader's data of the Latin script is looked for; it does without.
@@ -89,8 +92,10 @@ class DocumentAnalyzer {
 
  private:
   DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz,
-                   const Setup& setup);
-  std::optional<Face> portrait(const platform::PixelBuffer& card);
+                   DocumentTables tables, const Setup& setup);
+  /// The face in the photo, which is looked for where the kind of document has it.
+  std::optional<Face> portrait(const platform::PixelBuffer& card, const DocumentKind& kind);
+  std::vector<corvana::DocumentField> fieldsOf(const CardReading& reading) const;
   std::vector<TextLine> linesOf(const platform::PixelBuffer& card,
                                 const std::vector<TextLine>& known);
   void askSecondReader(CardReading& reading) const;
@@ -98,6 +103,7 @@ class DocumentAnalyzer {
   CardReading readCard(const platform::PixelBufferRef& card, std::vector<TextLine> lines);
   /// What a straightened card tells whose lines were read.
   CardReading understood(const platform::PixelBufferRef& card, const CardMemory& memory);
+  platform::Expected<CardLook> cardIn(const platform::PixelBufferRef& picture);
   CardLook lookAt(const platform::PixelBuffer& picture, const Quad& outline);
   std::optional<CardReading> readUpright(const CardLook& look);
 
@@ -105,6 +111,7 @@ class DocumentAnalyzer {
   NetworkTextReader text_;
   std::filesystem::path tessdata_;
   MrzReader mrz_;
+  DocumentTables tables_;
   CalendarDate today_;
 };
 

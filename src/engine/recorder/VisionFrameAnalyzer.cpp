@@ -58,7 +58,8 @@ platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> VisionFrameAnalyzer::lo
   auto landmarks = FaceLandmarks::load(models.faceLandmarks);
   if (!landmarks) return tl::unexpected(landmarks.error());
   auto faces = std::make_shared<FaceDetector>(std::move(*detector));
-  auto documents = DocumentAnalyzer::load(faces, {.text = models.text, .today = models.today});
+  auto documents = DocumentAnalyzer::load(
+      faces, {.text = models.text, .documents = models.documents, .today = models.today});
   if (!documents) return tl::unexpected(documents.error());
   return std::shared_ptr<VisionFrameAnalyzer>(
       new VisionFrameAnalyzer(std::move(faces), std::move(*landmarks), std::move(*documents)));

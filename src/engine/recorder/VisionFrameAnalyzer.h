@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "engine/document/DocumentAnalyzer.h"
 #include "engine/recorder/FrameAnalyzer.h"
@@ -21,6 +22,8 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
     std::filesystem::path faceDetector;
     std::filesystem::path faceLandmarks;
     NetworkTextReader::Models text;
+    /// Folders of kinds of documents, as `DocumentAnalyzer::Setup` has them.
+    std::vector<std::filesystem::path> documents{};
     /// Settles two-digit years.
     CalendarDate today{};
   };

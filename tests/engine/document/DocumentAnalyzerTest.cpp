@@ -26,6 +26,7 @@ const Held kPoses[] = {{.roll = 2, .blur = 0.8},
                        {.width = 500, .roll = 10, .background = 1, .blur = 1.1, .noise = 6}};
 
 const auto kTextModels = engine::NetworkTextReader::Models::inFolder(ENGINE_RESOURCES);
+const std::string kDocuments = ENGINE_RESOURCES "/documents";
 
 class DocumentAnalyzerTest : public testing::Test {
  protected:
@@ -50,7 +51,7 @@ class DocumentAnalyzerTest : public testing::Test {
 
   platform::Expected<DocumentAnalyzer> analyzer = DocumentAnalyzer::load(
       std::make_shared<engine::FaceDetector>(engine::FaceDetector::load(FACE_MODEL).value()),
-      {.text = kTextModels});
+      {.text = kTextModels, .documents = {kDocuments}});
 };
 
 TEST_F(DocumentAnalyzerTest, ReadsTheSameZoneFromEveryPicture) {
@@ -143,7 +144,8 @@ TEST(DocumentAnalyzerLoad, NamesWhatIsMissing) {
   for (const auto& [setup, missing] :
        {std::pair<DocumentAnalyzer::Setup, const char*>({.text = broken}, "/nowhere.txt"),
         {{}, "install the program's models again"},
-        {{.text = kTextModels, .ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"}}) {
+        {{.text = kTextModels, .ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"},
+        {{.text = kTextModels, .documents = {"/nowhere"}}, "There is no folder \"/nowhere\""}}) {
     const auto loaded = DocumentAnalyzer::load(nullptr, setup);
     ASSERT_FALSE(loaded);
     const std::string message = loaded.error().sentence;
