@@ -113,19 +113,55 @@ std::optional<Face> DocumentAnalyzer::portrait(const platform::PixelBuffer& card
   return *upright;
 }
 
-std::vector<TextLine> DocumentAnalyzer::linesOf(const platform::PixelBuffer& card,
-                                                const std::vector<TextLine>& known) {
-  if (known.empty()) return text_.read(card);
-  auto lines = text_.readAgain(card, known);
-  const bool isTheSame =
-      static_cast<double>(lines.size()) >= kLeastShareReadAgain * static_cast<double>(known.size());
-  return isTheSame ? lines : text_.read(card);
+std::optional<CardTurn> DocumentAnalyzer::turnOf(const platform::PixelBuffer& card,
+                                                 const std::vector<TextLine>& lines) {
+  TurnSigns signs{.lines = text_.turnSign(card, lines)};
+  // Users are asked to hold the card upright: mostly the lines alone are clear.
+  if (const auto turn = cardTurn(signs); turn == CardTurn::upright) return turn;
+  signs.face = faceSign(faceScore(card), faceScore(*onItsHead(card)));
+  return cardTurn(signs);
+}
+
+CardReading DocumentAnalyzer::readFirst(const platform::PixelBufferRef& card, CardMemory& memory) {
+  const auto places = text_.find(*card);
+  const auto readUpright = [&](CardMemory& as) {
+    as.lines = text_.readAgain(*card, places);
+    as.votes.add(mrzVotesOf(as.lines));
+    return understood(card, as);
+  };
+  const auto readTurned = [&](CardMemory& as) {
+    const auto turned = onItsHead(*card);
+    as.isUpsideDown = true;
+    as.lines = text_.read(*turned);
+    as.votes.add(mrzVotesOf(as.lines));
+    return understood(turned, as);
+  };
+  const auto turn = turnOf(*card, places);
+  if (turn == CardTurn::upsideDown) return readTurned(memory);
+  CardReading asItLies = readUpright(memory);
+  if (turn || asItLies.data.mrz) return asItLies;
+  CardMemory otherMemory;
+  CardReading other = readTurned(otherMemory);
+  if (turnByReading(asItLies, other) != CardTurn::upsideDown) return asItLies;
+  memory = std::move(otherMemory);
+  return other;
+}
+
+CardReading DocumentAnalyzer::readAgain(const platform::PixelBufferRef& card, CardMemory& memory) {
+  const auto upright = memory.isUpsideDown ? onItsHead(*card) : card;
+  auto lines = text_.readAgain(*upright, memory.lines);
+  const bool isTheSame = static_cast<double>(lines.size()) >=
+                         kLeastShareReadAgain * static_cast<double>(memory.lines.size());
+  memory.lines = isTheSame ? std::move(lines) : text_.read(*upright);
+  memory.votes.add(mrzVotesOf(memory.lines));
+  return understood(upright, memory);
 }
 
 CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
-  memory.lines = linesOf(*card.picture, memory.lines);
-  memory.votes.add(mrzVotesOf(memory.lines));
-  return understood(card.picture, memory);
+  CardReading reading =
+      memory.lines.empty() ? readFirst(card.picture, memory) : readAgain(card.picture, memory);
+  reading.isUpsideDown = memory.isUpsideDown;
+  return reading;
 }
 
 CardReading DocumentAnalyzer::read(const CardView& card) {
@@ -179,12 +215,13 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
   return reading;
 }
 
+double DocumentAnalyzer::faceScore(const platform::PixelBuffer& card) {
+  const auto faces = faces_->detect(card);
+  const auto surest = std::ranges::max_element(faces, {}, &Face::score);
+  return surest == faces.end() ? 0.0 : static_cast<double>(surest->score);
+}
+
 CardLook DocumentAnalyzer::lookAt(const platform::PixelBuffer& picture, const Quad& outline) {
-  const auto faceScore = [&](const platform::PixelBuffer& card) {
-    const auto faces = faces_->detect(card);
-    const auto surest = std::ranges::max_element(faces, {}, &Face::score);
-    return surest == faces.end() ? 0.0 : static_cast<double>(surest->score);
-  };
   CardLook look;
   look.outline = outline;
   look.card = straightened(picture, outline);
@@ -224,8 +261,8 @@ platform::Expected<CardLook> DocumentAnalyzer::cardIn(const platform::PixelBuffe
       continue;
     }
     auto found = chooseCard(*outlines, look);
+    if (found && found->isCertainlyACard()) return *std::move(found);
     if (found && (!best || found->content() > best->content())) best = std::move(found);
-    if (best && best->isCertainlyACard()) break;
   }
   if (!best) return tl::unexpected(fault);
   return *std::move(best);

@@ -161,7 +161,8 @@ DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
   if (view.tooMuchGlare || card.isBlurred()) return view;
   lastReading_ = observation.frameTime;
   CardReading reading = documents_.read(card, memory_);
-  if (reading.faceBox) view.portrait = boundsInPicture(*reading.faceBox, *sighting.outline);
+  const Quad upright = reading.isUpsideDown ? upsideDown(*sighting.outline) : *sighting.outline;
+  if (reading.faceBox) view.portrait = boundsInPicture(*reading.faceBox, upright);
   view.familyMatches = std::move(reading.familyMatches);
   view.reading = std::move(reading.data);
   return view;
