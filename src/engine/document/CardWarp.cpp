@@ -57,6 +57,12 @@ platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, cons
   return pixelBufferFrom(card);
 }
 
+platform::PixelBufferRef onItsHead(const platform::PixelBuffer& card) {
+  cv::Mat turned;
+  cv::rotate(rgbMat(card), turned, cv::ROTATE_180);
+  return pixelBufferFrom(turned);
+}
+
 platform::CGRect boundsInPicture(const platform::CGRect& onCard, const Quad& outline) {
   const auto point = [](double x, double y) {
     return cv::Point2f(static_cast<float>(x), static_cast<float>(y));

@@ -19,6 +19,9 @@ int straightenedHeight(const Quad& outline);
 /// The card inside the outline as seen from straight above, rgb24; small cards are scaled up.
 platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, const Quad& outline);
 
+/// A straightened card turned by half a turn.
+platform::PixelBufferRef onItsHead(const platform::PixelBuffer& card);
+
 /// The smallest upright rectangle of the picture around a rectangle of the straightened card.
 platform::CGRect boundsInPicture(const platform::CGRect& onCard, const Quad& outline);
 

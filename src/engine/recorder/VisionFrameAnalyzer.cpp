@@ -171,8 +171,10 @@ DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
   if (!due || flawOf(*view.quality, corvana::IDCapture::options)) return view;
   lastReading_ = observation.frameTime;
   CardReading reading = documents_.read(card, memory_);
-  print_.remember(*card.picture, reading.lines);
-  if (reading.faceBox) view.portrait = boundsInPicture(*reading.faceBox, *sighting.outline);
+  // On a card that is held on its head the lines lie elsewhere than on its view.
+  if (!reading.isUpsideDown) print_.remember(*card.picture, reading.lines);
+  const Quad upright = reading.isUpsideDown ? upsideDown(*sighting.outline) : *sighting.outline;
+  if (reading.faceBox) view.portrait = boundsInPicture(*reading.faceBox, upright);
   view.familyMatches = std::move(reading.familyMatches);
   view.reading = std::move(reading.data);
   return view;

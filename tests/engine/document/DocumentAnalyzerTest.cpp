@@ -131,6 +131,22 @@ TEST_F(DocumentAnalyzerTest, TakesStillsThatLieAskewOnATable) {
   }
 }
 
+TEST_F(DocumentAnalyzerTest, TurnsACardThatIsHeldOnItsHead) {
+  const auto card = tests::drawCard(0, tests::holder(2), "person_a.jpg");
+  for (const bool isFront : {true, false}) {
+    const auto held = view(isFront ? card.front : card.back, {.roll = 180});
+    engine::CardMemory memory;
+    for (const char* again : {"first", "again"}) {
+      const auto reading = analyzer->read(held, memory);
+      EXPECT_TRUE(reading.isUpsideDown) << again;
+      EXPECT_EQ(reading.data.side, isFront ? DocumentSide::front : DocumentSide::back) << again;
+      EXPECT_EQ(reading.data.mrz.has_value(), !isFront) << again;
+      EXPECT_EQ(textOf(reading).find("OKONKWO") != std::string::npos, isFront) << again;
+    }
+  }
+  EXPECT_FALSE(read(card.front, {}).isUpsideDown);
+}
+
 TEST_F(DocumentAnalyzerTest, MeasuresBlurGlareAndDarkness) {
   const auto card = tests::drawCard(1, tests::holder(0), "person_a.jpg");
   const auto clear = view(card.front, {});
