@@ -50,6 +50,10 @@ const char* nameOf(Kind kind) {
       return "call";
     case Kind::hint:
       return "hint";
+    case Kind::liveness:
+      return "liveness";
+    case Kind::sign:
+      return "sign";
   }
   return "";
 }

@@ -10,6 +10,7 @@
 #include "engine/document/CardFinder.h"
 #include "engine/document/DocumentClassifier.h"
 #include "engine/document/guidance/CardQuality.h"
+#include "engine/selfie/Liveness.h"
 #include "engine/selfie/SelfieVerdict.h"
 #include "platform/foundation/Fault.h"
 #include "platform/foundation/Time.h"
@@ -46,6 +47,8 @@ struct SelfieView {
   double sharpness = 0;  ///< how sharp the face is; comparable between frames of a run
   /// What was measured on the face; absent unless one is in place.
   std::optional<FaceMeasures> measures;
+  /// What the looks so far say of its life; absent as they are.
+  std::optional<LivenessVerdict> liveness;
 };
 
 /// A frame seen as a picture of a card.

@@ -105,9 +105,9 @@ SelfieView VisionFrameAnalyzer::lookForSelfie(const PixelBufferRef& picture,
     tracker_.start(judgement.face->box, observation.frameTime);
   }
   if (const auto& details = judgement.details) {
-    view.measures = {details->leftEyeOpen, details->rightEyeOpen,
-                     liveness_.add({observation.frameTime, details->mesh, details->lidOpening,
-                                    judgement.passiveLiveness})};
+    view.liveness = liveness_.add({observation.frameTime, *picture, judgement.face->box, *details,
+                                   judgement.passiveLiveness});
+    view.measures = {details->leftEyeOpen, details->rightEyeOpen, view.liveness->score};
   }
   if (judgement.verdict == SelfieVerdict::good) {
     view.selfie = corvana::Selfie{std::make_shared<platform::UIImage>(picture), judgement.faceImage,

@@ -8,7 +8,7 @@
 #include "engine/document/DocumentAnalyzer.h"
 #include "engine/document/guidance/PrintWatch.h"
 #include "engine/recorder/FrameAnalyzer.h"
-#include "engine/selfie/LivenessEvidence.h"
+#include "engine/selfie/LivenessJudge.h"
 #include "engine/selfie/SelfieAnalyzer.h"
 #include "engine/vision/FaceDetector.h"
 #include "engine/vision/LiveFaceTracker.h"
@@ -59,7 +59,7 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   DocumentAnalyzer documents_;
 
   int run_ = -1;
-  LivenessEvidence liveness_;
+  LivenessJudge liveness_;
   LiveFaceTracker tracker_;
   std::optional<platform::TimePoint> lastReading_;
   std::optional<Quad> lastOutline_;

@@ -58,14 +58,21 @@ class RecorderTest : public testing::Test,
   }
   long countHeard(const std::string& name) const { return std::ranges::count(heard, name); }
 
-  void update(const corvana::SelfieCaptureState& s) override { heard.push_back(nameOf(s)); }
+  void update(const corvana::SelfieCaptureState& s) override {
+    heard.push_back(nameOf(s));
+    if (const auto* issue = std::get_if<corvana::SelfieCaptureState::DetectedIssue>(&s.value)) {
+      issues.push_back(issue->message);
+    }
+  }
   void update(const corvana::IDCaptureState& s) override { heard.push_back(nameOf(s)); }
   void foundLiveFace(const std::optional<platform::CGRect>& face, const platform::CGSize&,
                      VideoCaptureMode) override {
     if (!face) heard.push_back("liveFaceLost");
   }
   void happened(const engine::RecorderEvent& event) override {
-    if (event.kind == engine::RecorderEvent::Kind::hint) return hints.push_back(event.name);
+    using Kind = engine::RecorderEvent::Kind;
+    if (event.kind == Kind::hint) return hints.push_back(event.name);
+    if (event.kind > Kind::call) return noted.push_back(event.name);
     // Both enumerations name their first four kinds alike, in this order.
     contract.observe({loop.now(), static_cast<devices::HostEvent::Kind>(event.kind), event.name});
   }
@@ -78,6 +85,8 @@ class RecorderTest : public testing::Test,
       loop.now()};
   Names heard;
   Names hints;
+  Names issues;
+  Names noted;  ///< of liveness
   const std::shared_ptr<RecorderTest> delegate{this, [](auto*) {}};
   const ScratchFolder folder;
   FakeFilms films;
@@ -102,6 +111,46 @@ TEST_F(RecorderTest, SucceedsAgainAndAgainAfterAFaceThatWasSteadyWithoutInterrup
   EXPECT_EQ(heard, (Names{"capturingFace", "detectingFace", "capturingFace"}));
   film(4);
   EXPECT_GE(countHeard("selfieSuccess"), 5);
+}
+
+std::function<void(Observation&)> showFace(engine::LivenessVerdict::Kind kind, double seconds) {
+  return [=](Observation& observation) {
+    showGoodFace(observation);
+    const bool isLiving = kind == engine::LivenessVerdict::Kind::living;
+    observation.selfie->liveness = engine::LivenessVerdict{
+        kind,
+        {},
+        platform::seconds(seconds),
+        {{"blink", engine::LivenessSign::SpeaksFor::life, 0.3, 0.7, isLiving}}};
+  };
+}
+
+TEST_F(RecorderTest, HoldsTheSelfieBackUntilTheFaceIsBelievedAliveAndAsksForSignsInTurn) {
+  using Kind = engine::LivenessVerdict::Kind;
+  analyzer->fill = showFace(Kind::undecided, 2.4);
+  film(1.5);
+  EXPECT_EQ(heard, Names{"capturingFace"});
+  analyzer->fill = showFace(Kind::undecided, 2.6);
+  film(0.3);
+  analyzer->fill = showFace(Kind::undecided, 5.6);
+  film(0.3);
+  analyzer->fill = showFace(Kind::spoof, 0);
+  film(0.3);
+  EXPECT_EQ(issues, (Names{"Blink with both eyes", "Turn your head a little",
+                           "Show your own face, not a picture of it"}));
+  EXPECT_EQ(countHeard("selfieSuccess"), 0);
+  analyzer->fill = showFace(Kind::living, 3);
+  film(0.2);
+  EXPECT_EQ(countHeard("selfieSuccess"), 1);
+  EXPECT_EQ(noted, (Names{"asked", "blink", "spoof", "blink", "living"}));
+}
+
+TEST_F(RecorderTest, WithoutLivenessNobodyHasToShowIt) {
+  corvana::SelfieCapture::options.liveness = corvana::SelfieCapture::Liveness::off;
+  analyzer->fill = showFace(engine::LivenessVerdict::Kind::spoof, 0);
+  film(1.2);
+  corvana::SelfieCapture::options = {};
+  EXPECT_EQ(heard, (Names{"capturingFace", "selfieSuccess"}));
 }
 
 TEST_F(RecorderTest, SaysThatTheSelfieTimedOutUntilItIsAnsweredDespiteSuccesses) {
