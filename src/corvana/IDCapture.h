@@ -53,12 +53,6 @@ class IDCaptureDelegate {
 
 /// Tables of document capture: one writer, before the entry.
 struct IDCapture {
-  /// Which cards get no success for looking like a copy.
-  enum class RejectUnreal {
-    off,   ///< none
-    sure,  ///< those that are copies beyond reasonable doubt
-    all,   ///< all that look more like a copy than like an original
-  };
   struct Options {
     /// Analyse the camera picture at its full size instead of at most 1280 pixels a side.
     bool capture4K = false;
@@ -77,9 +71,6 @@ struct IDCapture {
     double mostCoveredPrint = 0.04;  ///< of the print that was seen before
     /// Seconds for which a card has to be wrong before the user is told.
     double patienceSeconds = 0.15;
-    RejectUnreal rejectUnreal = RejectUnreal::sure;
-    double likelyCopyScore = 0.5;  ///< from here on a card looks like a copy, 0 to 1
-    double sureCopyScore = 0.8;    ///< from here on it is one beyond reasonable doubt, 0 to 1
   };
   struct Strings {
     std::string captureFront = "Show the Front of Your ID";
@@ -98,7 +89,6 @@ struct IDCapture {
     std::string tooDark = "It is too dark to read the ID";
     std::string blurred = "Hold still, the ID is blurred";
     std::string covered = "Take your fingers off the print";
-    std::string copyShown = "Show the ID itself, not a picture of it";
     std::string retryScreenText = "Your ID could not be read. Please try again";
     std::string retryButtonText = "Try Again";
     std::string cancelButtonText = "Cancel";

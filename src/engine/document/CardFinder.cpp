@@ -31,7 +31,9 @@ constexpr double kMostAspectError = 0.20;  ///< of the ratio's logarithm
 constexpr double kMostTaper = 1.5;         ///< of a side against the opposite one
 /// The sides of a card that is cut off by the picture's edge must be this clear.
 constexpr double kLeastCutOffSupport = 0.7;
-constexpr double kLeastSupportIfTwiceCut = 0.85;
+/// The part of them next to that edge, or what lies beside a card would be taken for its sequel.
+constexpr double kEndPart = 0.15;
+constexpr double kLeastEndSupport = 0.5;
 constexpr double kMostCutOffTaper = 1.25;
 constexpr double kSmallestOfGuide = 0.25;
 
@@ -105,19 +107,14 @@ class OutlineSearch {
     if (picture.left) down.push_back({{0, 1}, {0, 0}, 0});
     if (picture.right) down.push_back({{0, 1}, {width - 1, 0}, 0});
     if (picture.bottom) across.push_back({{1, 0}, {0, height - 1}, 0});
-    CutCard best;
-    int fewestCuts = 4;
+    CutCard best;  // the largest: what is printed on a card may look like a smaller one
     forEachOutline(across, down, [&](const Quad& quad) {
-      const CutEdges cut = cutsOf(quad, picture);
       const double area = quad.width() * quad.height();
-      // What is printed on a card may look like a smaller one, and the ground like its sequel.
-      const bool isLikelier =
-          cut.count() < fewestCuts || (cut.count() == fewestCuts && area > best.area);
-      if (cut.count() == 0 || !isLikelier || taper(quad) > kMostCutOffTaper) return;
+      if (area <= best.area) return;
+      const CutEdges cut = cutsOf(quad, picture);
+      if (cut.count() == 0 || taper(quad) > kMostCutOffTaper) return;
       const CardVerdict place = cutCardPlace(quad, cut, guide_, limits);
-      if (place == CardVerdict::none || !isClear(quad, cut)) return;
-      best = {place, area};
-      fewestCuts = cut.count();
+      if (place != CardVerdict::none && isClear(quad, cut)) best = {place, area};
     });
     return best;
   }
@@ -170,14 +167,25 @@ class OutlineSearch {
             picture.bottom && c[2].y >= bottom && c[3].y >= bottom};
   }
 
-  /// Whether all sides within the picture are clear.
+  /// Whether all sides within the picture are clear, and go on to the edges that cut them.
   bool isClear(const Quad& quad, const CutEdges& cut) const {
     const std::array<bool, 4> hidden{false, cut.right, cut.bottom, cut.left};
     for (std::size_t side = 0; side < hidden.size(); ++side) {
-      const double least = cut.count() > 1 ? kLeastSupportIfTwiceCut : kLeastCutOffSupport;
-      if (!hidden[side] && sideSupport(quad, side) < least) return false;
+      if (hidden[side]) continue;
+      if (sideSupport(quad, side) < kLeastCutOffSupport) return false;
+      if (hidden[(side + 1) % 4] && endSupport(quad, side, true) < kLeastEndSupport) return false;
+      if (hidden[(side + 3) % 4] && endSupport(quad, side, false) < kLeastEndSupport) return false;
     }
     return true;
+  }
+
+  /// As `sideSupport`, of the last or the first part of a side.
+  double endSupport(const Quad& quad, std::size_t side, bool isLast) const {
+    const cv::Point2d a = pointOf(quad.corners[side]);
+    const cv::Point2d b = pointOf(quad.corners[(side + 1) % 4]);
+    const cv::Point2d between = isLast ? b - kEndPart * (b - a) : a + kEndPart * (b - a);
+    const Course course = side % 2 == 0 ? Course::across : Course::down;
+    return edges_.support(course, isLast ? between : a, isLast ? b : between);
   }
 
   /// The mean share of the sides that lies on edges; 0 when a side is not seen.
