@@ -47,9 +47,8 @@ class SelfieCaptureDelegate {
 struct SelfieCapture {
   /// What it takes for a face to be believed alive.
   enum class Liveness {
-    off,      ///< nothing: signs are not even looked for
-    passive,  ///< a sign of life that the person gives unasked, and no sign of fraud
-    active,   ///< passive, and tasks that are drawn for each run
+    off,      ///< nothing: signs are only reported
+    passive,  ///< a sign of life, and no sign of fraud
   };
   struct Options {
     Liveness liveness = Liveness::passive;

@@ -59,8 +59,8 @@ Expected<Analyzer> loadAnalyzer(const Resources& resources, const DocumentChoice
     return platform::failure(lack);
   }
   auto loaded = engine::VisionFrameAnalyzer::load(
-      {resources.faceDetector(), resources.faceLandmarks(), resources.textReader(),
-       documentFolders(resources, documents), rules.today});
+      {resources.faceDetector(), resources.faceLandmarks(), resources.faceModel(),
+       resources.textReader(), documentFolders(resources, documents), rules.today});
   if (!loaded) return tl::unexpected(loaded.error());
   return *loaded;
 }

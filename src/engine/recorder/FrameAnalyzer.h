@@ -11,6 +11,7 @@
 #include "engine/document/DocumentClassifier.h"
 #include "engine/document/guidance/CardQuality.h"
 #include "engine/selfie/Liveness.h"
+#include "engine/selfie/PersonCompare.h"
 #include "engine/selfie/SelfieVerdict.h"
 #include "platform/foundation/Fault.h"
 #include "platform/foundation/Time.h"
@@ -29,6 +30,8 @@ struct AnalysisTask {
   platform::CGRect selfieOverlayFrame;
   platform::CGRect idOverlayFrame;
   platform::CGSize screenSize;
+  /// The face of the selfie that succeeded last; null before.
+  platform::UIImageRef selfieFace;
 };
 
 /// What was measured on a face, each 0 to 1.
@@ -77,6 +80,8 @@ struct Observation {
   /// The live face; absent when it is not seen in this frame.
   std::optional<platform::CGRect> liveFace;
   platform::Duration liveFaceLostFor{};
+  /// Whether the live face is the selfie's, when it was time to compare them.
+  std::optional<PersonCheck> person;
   std::optional<SelfieView> selfie;      ///< present in the selfie mode
   std::optional<DocumentView> document;  ///< present in the document mode
 };

@@ -46,9 +46,11 @@ CGRect guideInPicture(const CGRect& overlay, const CGSize& screen, const CGSize&
 }
 
 VisionFrameAnalyzer::VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
-                                         FaceLandmarks landmarks, DocumentAnalyzer documents)
+                                         const std::shared_ptr<FaceLandmarks>& landmarks,
+                                         FaceEmbedder embedder, DocumentAnalyzer documents)
     : detector_(std::move(detector)),
-      selfies_(detector_, std::make_shared<FaceLandmarks>(std::move(landmarks))),
+      selfies_(detector_, landmarks),
+      persons_(landmarks, std::move(embedder)),
       documents_(std::move(documents)) {}
 
 platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> VisionFrameAnalyzer::load(
@@ -57,12 +59,15 @@ platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> VisionFrameAnalyzer::lo
   if (!detector) return tl::unexpected(detector.error());
   auto landmarks = FaceLandmarks::load(models.faceLandmarks);
   if (!landmarks) return tl::unexpected(landmarks.error());
+  auto embedder = FaceEmbedder::load(models.faceEmbedding);
+  if (!embedder) return tl::unexpected(embedder.error());
   auto faces = std::make_shared<FaceDetector>(std::move(*detector));
   auto documents = DocumentAnalyzer::load(
       faces, {.text = models.text, .documents = models.documents, .today = models.today});
   if (!documents) return tl::unexpected(documents.error());
-  return std::shared_ptr<VisionFrameAnalyzer>(
-      new VisionFrameAnalyzer(std::move(faces), std::move(*landmarks), std::move(*documents)));
+  return std::shared_ptr<VisionFrameAnalyzer>(new VisionFrameAnalyzer(
+      std::move(faces), std::make_shared<FaceLandmarks>(std::move(*landmarks)),
+      std::move(*embedder), std::move(*documents)));
 }
 
 Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& frame,
@@ -124,13 +129,18 @@ void VisionFrameAnalyzer::followLiveFace(const PixelBuffer& picture, Observation
   }
   // A search of the whole picture costs five times as much; a face seldom goes far in a tenth of a
   // second.
-  auto sighting =
-      tracker_.update(detector_->detectNear(picture, tracker_.box()), observation.frameTime);
+  auto faces = detector_->detectNear(picture, tracker_.box());
+  auto sighting = tracker_.update(faces, observation.frameTime);
   if (!sighting.box) {
-    sighting = tracker_.update(detector_->detect(picture), observation.frameTime);
+    faces = detector_->detect(picture);
+    sighting = tracker_.update(faces, observation.frameTime);
   }
   observation.liveFace = sighting.box;
   observation.liveFaceLostFor = sighting.lostFor;
+  if (!sighting.box) return;
+  const auto face = std::ranges::find(faces, *sighting.box, &Face::box);
+  observation.person =
+      persons_.look(observation.frameTime, picture, *face, observation.task.selfieFace);
 }
 
 bool VisionFrameAnalyzer::isSteady(const CardSighting& sighting) {

@@ -9,6 +9,7 @@
 #include "engine/document/guidance/PrintWatch.h"
 #include "engine/recorder/FrameAnalyzer.h"
 #include "engine/selfie/LivenessJudge.h"
+#include "engine/selfie/PersonCompare.h"
 #include "engine/selfie/SelfieAnalyzer.h"
 #include "engine/vision/FaceDetector.h"
 #include "engine/vision/LiveFaceTracker.h"
@@ -22,6 +23,7 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   struct Models {
     std::filesystem::path faceDetector;
     std::filesystem::path faceLandmarks;
+    std::filesystem::path faceEmbedding;
     NetworkTextReader::Models text;
     /// Folders of kinds of documents, as `DocumentAnalyzer::Setup` has them.
     std::vector<std::filesystem::path> documents{};
@@ -44,7 +46,8 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   static constexpr platform::Duration kOutOfSight = std::chrono::milliseconds(500);
 
  private:
-  VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector, FaceLandmarks landmarks,
+  VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
+                      const std::shared_ptr<FaceLandmarks>& landmarks, FaceEmbedder embedder,
                       DocumentAnalyzer documents);
 
   SelfieView lookForSelfie(const platform::PixelBufferRef& picture, Observation& observation);
@@ -56,6 +59,7 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
 
   std::shared_ptr<FaceDetector> detector_;
   SelfieAnalyzer selfies_;
+  PersonCompare persons_;
   DocumentAnalyzer documents_;
 
   int run_ = -1;

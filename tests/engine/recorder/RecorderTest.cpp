@@ -269,6 +269,53 @@ TEST_F(RecorderTest, ALostFaceIsToldOnceTheGraceHasPassedAndOnlyAfterTheSelfie) 
   EXPECT_EQ(recorder->mode(), VideoCaptureMode::liveFaceLost);
 }
 
+std::function<void(Observation&)> compareWith(std::optional<double> distance,
+                                              corvana::DocumentSide side) {
+  return [=](Observation& observation) {
+    showCard(side)(observation);
+    observation.person = engine::PersonCheck{distance};
+  };
+}
+
+TEST_F(RecorderTest, LosesTheFaceThatTwiceInARowIsNotTheSelfies) {
+  recorder->setMode(VideoCaptureMode::idCapture);
+  const auto front = corvana::DocumentSide::front;
+  for (const double distance : {0.6, 0.2, 0.6}) {
+    analyzer->fill = compareWith(distance, front);
+    film(0.1);
+    analyzer->fill = showCard(front);
+    film(0.5);
+  }
+  EXPECT_EQ(countHeard("liveFaceLost"), 0) << "never twice in a row";
+  analyzer->fill = compareWith(0.6, front);
+  film(0.1);
+  EXPECT_EQ(countHeard("liveFaceLost"), 1);
+  EXPECT_EQ(recorder->mode(), VideoCaptureMode::liveFaceLost);
+  EXPECT_EQ(noted, Names(4, "samePerson"));
+}
+
+TEST_F(RecorderTest, TakesNoCardAndNoReadingFromAFaceThatCannotBeJudged) {
+  recorder->setMode(VideoCaptureMode::idCapture);
+  analyzer->fill = compareWith({}, corvana::DocumentSide::front);
+  film(4.8);
+  const long before = countHeard("idSuccess");
+  EXPECT_GT(before, 0);
+  film(2);
+  EXPECT_LE(countHeard("idSuccess"), before + 1);
+  analyzer->fill = compareWith(0.2, corvana::DocumentSide::front);
+  film(1);
+  EXPECT_GT(countHeard("idSuccess"), before + 1) << "it looked up again";
+
+  analyzer->fill = compareWith({}, corvana::DocumentSide::front);
+  film(5.5);
+  EXPECT_EQ(countHeard("liveFaceLost"), 0) << "a person may look at the card";
+  recorder->setMode(VideoCaptureMode::readingText);
+  film(0.4);
+  EXPECT_EQ(countHeard("liveFaceLost"), 0) << "the text still fades in";
+  film(0.4);
+  EXPECT_EQ(countHeard("liveFaceLost"), 1);
+}
+
 TEST_F(RecorderTest, RetryBeginsANewFilmInTheSelfieModeWithAFreshTimeOut) {
   film(15);
   recorder->setMode(VideoCaptureMode::idCapture);

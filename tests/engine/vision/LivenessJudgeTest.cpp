@@ -7,6 +7,8 @@
 #include "corvana/SelfieCapture.h"
 #include "engine/selfie/FrameEdges.h"
 #include "engine/selfie/LivenessJudge.h"
+#include "engine/selfie/PersonCompare.h"
+#include "engine/vision/FaceCrop.h"
 #include "engine/vision/MatViews.h"
 #include "engine/vision/Portraits.h"
 
@@ -157,6 +159,34 @@ TEST(LivenessJudge, DoesNotBelieveABlinkInAFilmThatBeginsAgain) {
   }
   EXPECT_EQ(kind, Kind::spoof);
   EXPECT_EQ(evidence, "repetition");
+}
+
+TEST(PersonCompare, TellsTheSelfiesFaceFromAnothersAboutOnceASecondAndWhenItJumps) {
+  const auto model = tests::fromSource("src/capture/resources/facenet.tflite");
+  const auto landmarks = tests::fromSource("src/engine/resources/face_landmark.tflite");
+  PersonCompare compare(std::make_shared<FaceLandmarks>(*FaceLandmarks::load(landmarks)),
+                        *FaceEmbedder::load(model));
+  const auto lookAt = [&](double seconds, char person, double x,
+                          const platform::UIImageRef& selfie) {
+    const auto frame = tests::cameraFrame({{person, x, 560, 300}});
+    return compare.look(platform::TimePoint{} + platform::seconds(seconds), *frame,
+                        tests::detector().detect(*frame).at(0), selfie);
+  };
+  const auto frame = tests::cameraFrame({{'a', 340, 540, 280}});
+  const auto selfie = cropFace(*frame, tests::detector().detect(*frame).at(0));
+  EXPECT_FALSE(lookAt(0, 'a', 360, nullptr)) << "no selfie yet";
+  EXPECT_LT(*lookAt(0.1, 'a', 360, selfie).value().distance, 0.3);
+  EXPECT_FALSE(lookAt(0.9, 'b', 360, selfie)) << "not yet";
+  EXPECT_GT(*lookAt(1.1, 'b', 360, selfie).value().distance, 0.5);
+  EXPECT_GT(*lookAt(1.5, 'b', 360, selfie).value().distance, 0.5) << "soon, to be sure";
+  EXPECT_LT(*lookAt(1.9, 'a', 360, selfie).value().distance, 0.3);
+  EXPECT_TRUE(lookAt(2.0, 'a', 160, selfie)) << "it jumped";
+  cv::Mat soft;
+  cv::GaussianBlur(rgbMat(*frame), soft, {}, 12);
+  const auto unclear =
+      compare.look(platform::TimePoint{} + platform::seconds(9), *pixelBufferFrom(soft),
+                   tests::detector().detect(*frame).at(0), selfie);
+  EXPECT_FALSE(unclear.value().distance);
 }
 
 }  // namespace
