@@ -3,6 +3,7 @@
 #include <iostream>
 #include <utility>
 
+#include "app/seal/Sha256.h"
 #include "capture/ControllerFactories.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
 
@@ -48,6 +49,7 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
     : arguments_(arguments),
       inputs_(prepared.inputs),
       rules_(prepared.rules),
+      identity_(prepared.identity),
       loop_(*prepared.stage.loop),
       screen_(*prepared.stage.screen),
       media_(prepared.media),
@@ -156,6 +158,7 @@ void CaptureFlow::close() {
 }
 
 RunRecord CaptureFlow::run() {
+  const auto started = readClock();
   watchWorld();
   start();
   const auto limit = loop_.now() + platform::seconds(arguments_.maxDurationSeconds);
@@ -168,10 +171,26 @@ RunRecord CaptureFlow::run() {
   const bool succeeded = end_.outcome().has_value();
   events_.add("end", {{"outcome", succeeded ? "result" : "error"}});
   close();
-  RunRecord record{
-      end_.outcome(), UsedDevices::of(*media_), {}, 0, {}, 1 + events_.retries(), {}, {}};
-  record.date = engine::isoDate(rules_.today);
-  record.hints = card_.hints();
+  return makeRecord(started);
+}
+
+std::optional<ClockReading> CaptureFlow::readClock() const {
+  if (!identity_.clock) return std::nullopt;
+  return identity_.clock();
+}
+
+RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
+  RunRecord record{.outcome = end_.outcome(),
+                   .devices = UsedDevices::of(*media_),
+                   .runs = 1 + events_.retries(),
+                   .date = engine::isoDate(rules_.today),
+                   .hints = card_.hints(),
+                   .identity = identity_,
+                   .started = started,
+                   .ended = readClock(),
+                   .reference = inputs_.referenceSums,
+                   .text = sha256Of(inputs_.text),
+                   .key = inputs_.key};
   if (const auto film = host_.film()) {
     record.recording = film->counters();
     record.films = film->fileNames();

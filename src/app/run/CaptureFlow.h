@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "app/run/CardWatch.h"
@@ -44,6 +45,8 @@ class CaptureFlow final : private corvana::DecisionObserver {
   /// After the camera's end; a film that is being stopped is waited for.
   void endAfterGrace(bool filmWasStopping = false);
   void close();
+  RunRecord makeRecord(std::optional<ClockReading> started) const;
+  std::optional<ClockReading> readClock() const;
   void report(const devices::FlowEvent& event);
   void decided(const corvana::Decision& decision) override { events_.decided(decision); }
   void prompted(corvana::PromptPlace place, corvana::PromptType type) override {
@@ -53,6 +56,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   const CaptureArguments& arguments_;
   const CaptureInputs& inputs_;
   const DocumentRules rules_;
+  const RunIdentity identity_;
   platform::DrivenLoop& loop_;
   FlowScreen& screen_;
   std::shared_ptr<devices::MediaSource> media_;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -22,6 +23,9 @@ Expected<nlohmann::json> parseJson(const std::string& text, const std::string& n
 
 /// Lower-case hexadecimal SHA-256 of the file's bytes.
 Expected<std::string> sha256(const std::filesystem::path& path);
+
+/// The SHA-256 of each file by its name, in their order. Files that are not there are left out.
+Expected<nlohmann::ordered_json> sumsOf(const std::vector<std::filesystem::path>& files);
 
 /// Refuses what can't become a run's folder: a file, a folder that is not empty or not writable.
 Expected<void> checkEmptyFolder(const std::filesystem::path& path);
