@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "engine/document/CardWarp.h"
 
@@ -52,6 +53,12 @@ bool completes(const Quad& whole, const Quad& part) {
       around.minX() < within.minX() + slack && around.minY() < within.minY() + slack &&
       around.maxX() > within.maxX() - slack && around.maxY() > within.maxY() - slack;
   return liesAround && strangeness(whole) < strangeness(part) - kMostTiltedAway;
+}
+
+void CardLook::turn() {
+  outline = upsideDown(outline);
+  std::swap(card, turned);
+  std::swap(faceScore, faceScoreTurned);
 }
 
 double CardLook::content() const {

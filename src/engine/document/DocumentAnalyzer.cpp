@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "engine/document/BarcodeReader.h"
+#include "engine/document/CardChoice.h"
 #include "engine/document/CardTurn.h"
 #include "engine/document/CardWarp.h"
 #include "engine/document/SecondOpinion.h"
@@ -121,13 +122,28 @@ std::vector<TextLine> DocumentAnalyzer::linesOf(const platform::PixelBuffer& car
   return isTheSame ? lines : text_.read(card);
 }
 
+CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
+  memory.lines = linesOf(*card.picture, memory.lines);
+  memory.votes.add(mrzVotesOf(memory.lines));
+  return understood(card.picture, memory);
+}
+
 CardReading DocumentAnalyzer::read(const CardView& card) {
   CardMemory nothing;
   return read(card, nothing);
 }
 
-CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
-  const platform::PixelBuffer& picture = *card.picture;
+CardReading DocumentAnalyzer::readCard(const platform::PixelBufferRef& card,
+                                       std::vector<TextLine> lines) {
+  CardMemory memory;
+  memory.lines = std::move(lines);
+  memory.votes.add(mrzVotesOf(memory.lines));
+  return understood(card, memory);
+}
+
+CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
+                                         const CardMemory& memory) {
+  const platform::PixelBuffer& picture = *card;
   CardReading reading;
   DocumentFeatures features;
   std::vector<platform::CGRect> blanks;
@@ -139,9 +155,7 @@ CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
     reading.data.faceImage = faceImageOf(picture, *face);
     blanks.push_back(photoAround(face->box));
   }
-  reading.lines = linesOf(picture, memory.lines);
-  memory.lines = reading.lines;
-  memory.votes.add(mrzVotesOf(reading.lines));
+  reading.lines = memory.lines;
   MrzReading mrz = mrzInPrint(reading.lines);
   if (!mrz.mrz) mrz.mrz = memory.votes.result();
   if (!mrz.mrz) mrz = mrz_.read(picture);
@@ -158,7 +172,7 @@ CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
   reading.data.mrz = features.mrz;
   reading.data.barcode = features.barcode;
   reading.data.ocrStrings = textLines(reading.lines, blanks);
-  reading.data.image = std::make_shared<platform::UIImage>(card.picture);
+  reading.data.image = std::make_shared<platform::UIImage>(card);
   reading.familyMatches = familyMatches(features);
   classify(features, reading.data);
   reading.data.fields = documentFields(reading.data, reading.lines, today_);
@@ -166,47 +180,29 @@ CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
 }
 
 CardLook DocumentAnalyzer::lookAt(const platform::PixelBuffer& picture, const Quad& outline) {
-  CardLook look;
-  look.outline = outline;
-  const auto card = straightened(picture, outline);
-  look.lines = text_.find(*card);
-  const auto score = [&](const platform::PixelBuffer& as) {
-    const auto faces = faces_->detect(as);
+  const auto faceScore = [&](const platform::PixelBuffer& card) {
+    const auto faces = faces_->detect(card);
     const auto surest = std::ranges::max_element(faces, {}, &Face::score);
     return surest == faces.end() ? 0.0 : static_cast<double>(surest->score);
   };
-  look.faceScore = score(*card);
-  look.faceScoreTurned = score(*straightened(picture, upsideDown(outline)));
-  look.signs.lines = text_.turnSign(*card, look.lines);
+  CardLook look;
+  look.outline = outline;
+  look.card = straightened(picture, outline);
+  look.turned = straightened(picture, upsideDown(outline));
+  look.faceScore = faceScore(*look.card);
+  look.faceScoreTurned = faceScore(*look.turned);
+  // Lines found in a card that lies upright need not be found again when it is read.
+  if (look.faceScore < look.faceScoreTurned) look.turn();
+  look.lines = text_.find(*look.card);
+  look.signs.lines = text_.turnSign(*look.card, look.lines);
   look.signs.face = faceSign(look.faceScore, look.faceScoreTurned);
   return look;
 }
 
-CardLook DocumentAnalyzer::wholeCard(const platform::PixelBuffer& picture, CardLook look,
-                                     const std::vector<Quad>& outlines) {
-  for (const Quad& outline : outlines) {
-    if (!completes(outline, look.outline)) continue;
-    CardLook larger = lookAt(picture, outline);
-    if (larger.isCertainlyACard() && larger.content() >= look.content()) look = std::move(larger);
-  }
-  return look;
-}
-
-std::optional<CardLook> DocumentAnalyzer::likeliestCard(const platform::PixelBuffer& picture,
-                                                        const std::vector<Quad>& outlines) {
-  std::optional<CardLook> best;
-  for (const Quad& outline : outlines) {
-    CardLook look = lookAt(picture, outline);
-    if (look.isCertainlyACard()) return wholeCard(picture, std::move(look), outlines);
-    if (look.content() > (best ? best->content() : 0)) best = std::move(look);
-  }
-  return best;
-}
-
-std::optional<CardReading> DocumentAnalyzer::readUpright(const platform::PixelBuffer& picture,
-                                                         const CardLook& look) {
+std::optional<CardReading> DocumentAnalyzer::readUpright(const CardLook& look) {
   const auto readAs = [&](CardTurn turn) {
-    return read(view(picture, turn == CardTurn::upright ? look.outline : upsideDown(look.outline)));
+    return turn == CardTurn::upright ? readCard(look.card, text_.readAgain(*look.card, look.lines))
+                                     : readCard(look.turned, text_.read(*look.turned));
   };
   if (const auto turn = cardTurn(look.signs)) return readAs(*turn);
   CardReading asItLies = readAs(CardTurn::upright);
@@ -220,9 +216,10 @@ platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
     const platform::PixelBufferRef& picture) {
   const auto cards = cardsInStill(picture, text_.boxes());
   if (!cards) return tl::unexpected(cards.error());
-  const auto look = likeliestCard(*cards->picture, cards->outlines);
+  const auto look = chooseCard(
+      cards->outlines, [&](const Quad& outline) { return lookAt(*cards->picture, outline); });
   if (!look) return tl::unexpected(noCardSeen());
-  auto reading = readUpright(*cards->picture, *look);
+  auto reading = readUpright(*look);
   if (!reading) {
     return platform::failure(
         "It can't be told which way up the card in the picture lies: take a sharper photo, from "

@@ -94,13 +94,12 @@ class DocumentAnalyzer {
   std::vector<TextLine> linesOf(const platform::PixelBuffer& card,
                                 const std::vector<TextLine>& known);
   void askSecondReader(CardReading& reading) const;
+  /// What a straightened card tells of which only these lines are known.
+  CardReading readCard(const platform::PixelBufferRef& card, std::vector<TextLine> lines);
+  /// What a straightened card tells whose lines were read.
+  CardReading understood(const platform::PixelBufferRef& card, const CardMemory& memory);
   CardLook lookAt(const platform::PixelBuffer& picture, const Quad& outline);
-  CardLook wholeCard(const platform::PixelBuffer& picture, CardLook look,
-                     const std::vector<Quad>& outlines);
-  std::optional<CardLook> likeliestCard(const platform::PixelBuffer& picture,
-                                        const std::vector<Quad>& outlines);
-  std::optional<CardReading> readUpright(const platform::PixelBuffer& picture,
-                                         const CardLook& look);
+  std::optional<CardReading> readUpright(const CardLook& look);
 
   std::shared_ptr<FaceDetector> faces_;
   NetworkTextReader text_;
