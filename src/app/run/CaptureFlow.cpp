@@ -56,8 +56,11 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
       analyzer_(prepared.analyzer),
       progress_(std::move(progress)),
       signals_([&loop = loop_] { loop.wake(); }),
-      events_(loop_, inputs_.folder / EventLog::kFileName,
-              [this](const platform::Fault& fault) { eventsFailed(fault); }),
+      seal_(makeSeal()),
+      events_(
+          loop_, inputs_.folder / EventLog::kFileName,
+          [this](const platform::Fault& fault) { recordFailed(fault); },
+          seal_ ? seal_->events() : nullptr),
       card_(events_, rules_),
       reporter_(loop_, [this](const FlowEvent& event) { report(event); }),
       person_(loop_, arguments.habits),
@@ -73,11 +76,21 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
              {console_, application_, mediaDevices_, speechAuthorization_, sounds_}),
       films_(loop_),
       host_(hostSetup()) {
+  if (seal_) films_.showTo(seal_->witnesses());
   world_.hub().add(reporter_);
   if (arguments.personIsVirtual) world_.hub().add(person_);
 }
 
 CaptureFlow::~CaptureFlow() = default;
+
+std::optional<RunSeal> CaptureFlow::makeSeal() {
+  if (!inputs_.key) return std::nullopt;
+  const auto now = readClock();
+  return std::make_optional<RunSeal>(
+      loop_, inputs_.folder, *inputs_.key,
+      sessionToJson(identity_, now, inputs_.referenceSums, sha256Of(inputs_.text)),
+      [this](const platform::Fault& fault) { recordFailed(fault); });
+}
 
 engine::EngineHost::Setup CaptureFlow::hostSetup() {
   auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
@@ -126,7 +139,7 @@ void CaptureFlow::warn(const std::string& sentence) {
   events_.add("warning", {{"text", sentence}});
 }
 
-void CaptureFlow::eventsFailed(const platform::Fault& fault) {
+void CaptureFlow::recordFailed(const platform::Fault& fault) {
   if (end_.isThere() && end_.outcome()) console_.print("WARNING: " + fault.sentence);
   end_.fail(fault);
 }

@@ -3,6 +3,7 @@
 #include "app/run/BuildId.h"
 #include "app/run/EventLog.h"
 #include "app/seal/Jws.h"
+#include "app/seal/SealLog.h"
 #include "app/settings/OptionTable.h"
 #include "devices/pictures/ImageFile.h"
 
@@ -56,6 +57,10 @@ Expected<void> writeSelfie(const Outcome& outcome, const fs::path& folder) {
   return devices::writePng(folder / kSelfieFileName, *image->pixels());
 }
 
+ordered_json programToJson() {
+  return {{"name", "videoid"}, {"version", CORVANA_VERSION}, {"build", buildId()}};
+}
+
 ordered_json recordToJson(const RunRecord& record) {
   ordered_json object = {{"formatVersion", kFormatVersion}};
   object.update(outcomeToJson(record));
@@ -64,7 +69,7 @@ ordered_json recordToJson(const RunRecord& record) {
   object["date"] = record.date;
   object["hints"] = hintsToJson(record.hints);
   object["options"] = currentOptions();
-  object["program"] = {{"name", "videoid"}, {"version", CORVANA_VERSION}, {"build", buildId()}};
+  object["program"] = programToJson();
   object.update(identityToJson(record.identity, record.started, record.ended));
   object["reference"] = record.reference;
   object["text"] = record.text;
@@ -75,7 +80,8 @@ std::vector<fs::path> filesOf(const RunRecord& record, const fs::path& folder) {
   std::vector<fs::path> files;
   for (const std::string& film : record.films)
     files.push_back(folder / film);
-  files.insert(files.end(), {folder / kSelfieFileName, folder / EventLog::kFileName});
+  files.insert(files.end(), {folder / kSelfieFileName, folder / EventLog::kFileName,
+                             folder / SealLog::kFileName});
   return files;
 }
 
@@ -107,6 +113,16 @@ UsedDevices UsedDevices::of(const devices::MediaSource& media) {
 ordered_json devicesToJson(const UsedDevices& devices) {
   ordered_json object{{"camera", deviceToJson(devices.camera)}, {"microphone", nullptr}};
   if (devices.microphone) object["microphone"] = deviceToJson(*devices.microphone);
+  return object;
+}
+
+ordered_json sessionToJson(const RunIdentity& identity, const std::optional<ClockReading>& start,
+                           const ordered_json& reference, const std::string& text) {
+  ordered_json object = identityToJson(identity, start, start);
+  object["options"] = currentOptions();
+  object["program"] = programToJson();
+  object["reference"] = reference;
+  object["text"] = text;
   return object;
 }
 

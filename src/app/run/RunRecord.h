@@ -58,6 +58,13 @@ struct RunRecord {
   std::optional<SigningKey> key = {};     ///< seals the result; absent: nobody vouches for it
 };
 
+/// What is known of a run at its start, in the fields of result.json that will say it again; both
+/// ends of the clock are its start.
+nlohmann::ordered_json sessionToJson(const RunIdentity& identity,
+                                     const std::optional<ClockReading>& start,
+                                     const nlohmann::ordered_json& reference,
+                                     const std::string& text);
+
 inline constexpr const char* kResultFileName = "result.json";
 /// The signature of result.json's bytes.
 inline constexpr const char* kResultSealName = "result.jws";

@@ -1,12 +1,18 @@
 #include "app/seal/RecordCheck.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <optional>
 #include <utility>
 
+#include "app/run/EventLog.h"
 #include "app/run/Files.h"
 #include "app/run/RunRecord.h"
+#include "app/seal/FilmComparison.h"
 #include "app/seal/Jws.h"
+#include "app/seal/SealLog.h"
+#include "app/seal/SealReading.h"
+#include "app/seal/Sha256.h"
 
 namespace corvana::app {
 namespace {
@@ -18,24 +24,65 @@ using platform::failure;
 
 constexpr std::uint64_t kMostResultBytes = 1 << 20;
 constexpr std::uint64_t kMostSealBytes = 1 << 12;
+constexpr std::uint64_t kMostLogBytes = 1 << 28;
 
+std::string inSeconds(double seconds) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f s", seconds);
+  return text;
+}
+
+std::string quoted(const std::string& name) {
+  return "\"" + name + "\"";
+}
+
+/// One check of one folder. Methods add to the report.
 class RecordChecker {
  public:
   RecordChecker(const fs::path& folder, const TrustedKeys* keys) : folder_(folder), keys_(keys) {}
 
-  Expected<RecordReport> check() {
+  Expected<RecordReport> checkEnded() {
     auto text = readFile(folder_ / kResultFileName, kMostResultBytes);
     if (!text) return tl::unexpected(text.error());
     text_ = std::move(*text);
+    known_ = {kResultFileName, kResultSealName};
     auto object = parseJson(text_, (folder_ / kResultFileName).string());
     if (!object) {
       fail(kResultFileName, object.error().sentence);
       return report_;
     }
-    result_ = std::move(*object);
+    if (object->is_object()) result_ = std::move(*object);
     checkSeal();
     checkFiles();
+    if (isThere(SealLog::kFileName)) checkFilmsOfEnded();
     checkStrangers();
+    return report_;
+  }
+
+  RecordReport checkUnended() {
+    known_ = {SealLog::kFileName, EventLog::kFileName};
+    const auto reading = readSealLog();
+    if (!reading) return report_;
+    if (reading->chains.empty()) {
+      fail(SealLog::kFileName,
+           "No film was sealed: the run was killed at once, or lines are gone.");
+      return report_;
+    }
+    checkTimeOf(*reading);
+    double wholeTo = 0;
+    for (std::size_t i = 0; i < reading->chains.size(); ++i) {
+      const bool isLast = i + 1 == reading->chains.size();
+      const auto compared = checkFilm(reading->chains[i], isLast, i + 1);
+      if (isLast) wholeTo = compared.wholeTo;
+    }
+    checkEvents(reading->chains, wholeTo);
+    checkStrangers();
+    fail(kResultFileName, reading->chains.back().ended
+                              ? "The film ended at " + inSeconds(wholeTo) +
+                                    ", but there is no result: it was taken away, or the run was "
+                                    "killed before it."
+                              : "The run never ended: it is whole to " + inSeconds(wholeTo) +
+                                    "; a later cut cannot be told from a kill.");
     return report_;
   }
 
@@ -46,47 +93,43 @@ class RecordChecker {
   void fail(const std::string& part, const std::string& sentence) {
     report_.findings.push_back({part, false, sentence});
   }
+  bool isThere(const std::string& name) const {
+    std::error_code error;
+    return fs::exists(folder_ / name, error);
+  }
 
-  RecordTime time() const {
-    const json clock = result_.is_object() ? result_.value("clock", json()) : json();
-    RecordTime time;
-    if (clock.is_object() && clock.contains("end") && clock["end"].is_string()) {
-      time.claimed = parseUtc(clock["end"].get<std::string>());
-    }
-    return time;
+  std::optional<UtcTime> clockIn(const json& object, const char* end) const {
+    const json clock = object.value("clock", json());
+    if (!clock.is_object() || !clock.contains(end) || !clock[end].is_string()) return std::nullopt;
+    return parseUtc(clock[end].get<std::string>());
   }
 
   void checkSeal() {
-    std::error_code error;
-    const bool isSealed = fs::exists(folder_ / kResultSealName, error);
+    const bool isSealed = isThere(kResultSealName);
     if (!keys_) {
       return add(kResultFileName, isSealed ? "nobody vouches for it: name the public key of the "
                                              "machine that sealed it with --key"
                                            : "nobody vouches for it: the record has no seal");
     }
+    const std::string name = kResultSealName;
     if (!isSealed) {
-      return fail(kResultSealName, "The record has no seal " + std::string(kResultSealName) +
-                                       ": nobody vouches for it.");
+      return fail(name, "The record has no seal " + name + ": nobody vouches for it.");
     }
-    const auto seal = readFile(folder_ / kResultSealName, kMostSealBytes);
-    if (!seal) return fail(kResultSealName, seal.error().sentence);
+    const auto seal = readFile(folder_ / name, kMostSealBytes);
+    if (!seal) return fail(name, seal.error().sentence);
     const auto key = verifyDetached(*seal, text_, *keys_);
-    if (!key) {
-      return fail(kResultSealName,
-                  "The seal " + std::string(kResultSealName) + " " + key.error().sentence + ".");
+    if (!key) return fail(name, "The seal " + name + " " + key.error().sentence + ".");
+    if (const auto why = whyNotValid(**key, {clockIn(result_, "end"), {}})) {
+      return fail(name, "The seal " + name + " does not hold: " + *why + ".");
     }
-    if (const auto why = whyNotValid(**key, time())) {
-      return fail(kResultSealName,
-                  "The seal " + std::string(kResultSealName) + " does not hold: " + *why + ".");
-    }
-    add(kResultSealName, "sealed by the key " + (*key)->key.id());
+    add(name, "sealed by the key " + (*key)->key.id());
   }
 
   void checkFiles() {
-    const json sums = result_.is_object() ? result_.value("sha256", json()) : json();
+    const json sums = result_.value("sha256", json());
     if (!sums.is_object() || sums.empty()) {
-      return fail(kResultFileName, "\"" + (folder_ / kResultFileName).string() +
-                                       "\" names no hashes; it is not a run's result.");
+      return fail(kResultFileName, quoted((folder_ / kResultFileName).string()) +
+                                       " names no hashes; it is not a run's result.");
     }
     for (const auto& [name, sum] : sums.items())
       checkFile(name, sum);
@@ -94,15 +137,104 @@ class RecordChecker {
 
   void checkFile(const std::string& name, const json& sum) {
     if (fs::path(name).filename() != name) {
-      return fail(kResultFileName, "\"" + (folder_ / kResultFileName).string() +
-                                       "\" names a file outside its folder.");
+      return fail(kResultFileName, quoted((folder_ / kResultFileName).string()) +
+                                       " names a file outside its folder.");
     }
-    bound_.push_back(name);
+    known_.push_back(name);
     const auto actual = sha256(folder_ / name);
     if (!actual) return fail(name, actual.error().sentence);
     if (sum.is_string() && sum.get<std::string>() == *actual) return add(name, "unchanged");
     fail(name,
-         "\"" + name + "\" is not the file that the run left: its SHA-256 is " + *actual + ".");
+         quoted(name) + " is not the file that the run left: its SHA-256 is " + *actual + ".");
+  }
+
+  /// The lines that hold; absent when the file can't be read at all.
+  std::optional<SealReading> readSealLog() {
+    const std::string name = SealLog::kFileName;
+    auto text = readFile(folder_ / name, kMostLogBytes);
+    if (!text) {
+      fail(name, text.error().sentence);
+      return std::nullopt;
+    }
+    sealText_ = std::move(*text);
+    SealReading reading = readSeal(sealText_, keys_);
+    if (reading.fault) {
+      fail(name, "The seal " + name + " breaks: " + *reading.fault + ".");
+    } else {
+      add(name, std::to_string(reading.lines) + " lines hang together" +
+                    (reading.key ? ", signed by the key " + reading.key->key.id()
+                                 : ", and nobody vouches for them"));
+    }
+    return reading;
+  }
+
+  void checkTimeOf(const SealReading& reading) {
+    if (!reading.key) return;
+    const auto why = whyNotValid(*reading.key, {clockIn(reading.chains.front().head, "start"), {}});
+    if (why) fail(SealLog::kFileName, "The seal does not hold: " + *why + ".");
+  }
+
+  void checkFilmsOfEnded() {
+    const auto reading = readSealLog();
+    if (!reading) return;
+    for (std::size_t i = 0; i < reading->chains.size(); ++i) {
+      checkHead(reading->chains[i].head);
+      checkFilm(reading->chains[i], i + 1 == reading->chains.size(), i + 1);
+    }
+  }
+
+  /// What was said at the beginning must still be so at the end.
+  void checkHead(const json& head) {
+    for (const char* field : {"session", "options", "program", "reference", "text"}) {
+      if (head.value(field, json()) == result_.value(field, json())) continue;
+      return fail(SealLog::kFileName, std::string("The seal ") + SealLog::kFileName +
+                                          " belongs to another run: it names another " + field +
+                                          ".");
+    }
+  }
+
+  std::string filmOf(bool isLast, std::size_t number) const {
+    if (!isLast) return "film.run" + std::to_string(number) + ".mp4";
+    return isThere("film.mp4") ? "film.mp4" : "film.partial.mp4";
+  }
+
+  FilmComparison checkFilm(const SealChain& chain, bool isLast, std::size_t number) {
+    const std::string name = filmOf(isLast, number);
+    known_.push_back(name);
+    // Films of runs that were retried are removed, unless the caller wants them.
+    if (!isThere(name)) {
+      if (isLast) fail(name, "There is no film " + quoted(name) + ".");
+      return {};
+    }
+    const FilmComparison compared = compareFilm(folder_ / name, chain);
+    const std::string whole = inSeconds(compared.wholeTo);
+    if (compared.differs) {
+      fail(name, quoted(name) + " is not the film that was sealed: it is whole to " + whole + ".");
+    } else if (compared.isLonger) {
+      fail(name, quoted(name) + " goes on after the end that was sealed, " + whole + ".");
+    } else if (compared.isCut && chain.ended) {
+      fail(name, quoted(name) + " was cut: it is whole to " + whole + ".");
+    } else {
+      add(name, "as it was sealed while it was recorded, to " + whole);
+    }
+    return compared;
+  }
+
+  void checkEvents(const std::vector<SealChain>& chains, double wholeTo) {
+    const std::string name = EventLog::kFileName;
+    const auto text = readFile(folder_ / name, kMostLogBytes);
+    if (!text) return fail(name, text.error().sentence);
+    const json* last = nullptr;
+    for (const json& period : chains.back().periods) {
+      if (period["t"].get<double>() <= wholeTo) last = &period["events"];
+    }
+    if (!last) return add(name, "nothing of it was sealed");
+    const auto bytes = (*last)["bytes"].get<std::uint64_t>();
+    if (bytes <= text->size() && sha256Of(std::string_view(*text).substr(0, bytes)) ==
+                                     (*last)["sha256"].get<std::string>()) {
+      return add(name, "its first " + std::to_string(bytes) + " bytes are as they were sealed");
+    }
+    fail(name, quoted(name) + " is not the file that was sealed.");
   }
 
   /// What somebody put beside a record could be taken for a part of it.
@@ -111,21 +243,20 @@ class RecordChecker {
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(folder_, error)) {
       const std::string name = entry.path().filename().string();
-      const bool isKnown = name == kResultFileName || name == kResultSealName ||
-                           std::ranges::find(bound_, name) != bound_.end();
-      if (!isKnown) strangers.push_back(name);
+      if (std::ranges::find(known_, name) == known_.end()) strangers.push_back(name);
     }
     std::ranges::sort(strangers);
     for (const std::string& name : strangers) {
-      fail(name, "\"" + name + "\" is no part of the record: take it out of the folder.");
+      fail(name, quoted(name) + " is no part of the record: take it out of the folder.");
     }
   }
 
   const fs::path folder_;
   const TrustedKeys* const keys_;
-  std::string text_;  ///< result.json as it lies there
-  json result_;
-  std::vector<std::string> bound_;
+  std::string text_;      ///< result.json as it lies there
+  std::string sealText_;  ///< seal.jsonl likewise
+  json result_ = json::object();
+  std::vector<std::string> known_;  ///< names of the record's files
   RecordReport report_;
 };
 
@@ -137,11 +268,14 @@ bool RecordReport::holds() const {
 
 Expected<RecordReport> checkRecord(const fs::path& folder, const TrustedKeys* keys) {
   std::error_code error;
-  if (!fs::is_regular_file(folder / kResultFileName, error)) {
-    return failure("\"" + folder.string() + "\" holds no " + kResultFileName +
-                   ". Name the folder of a run.");
+  if (fs::is_regular_file(folder / kResultFileName, error)) {
+    return RecordChecker(folder, keys).checkEnded();
   }
-  return RecordChecker(folder, keys).check();
+  if (fs::is_regular_file(folder / SealLog::kFileName, error)) {
+    return RecordChecker(folder, keys).checkUnended();
+  }
+  return failure("\"" + folder.string() + "\" holds no " + kResultFileName +
+                 ". Name the folder of a run.");
 }
 
 }  // namespace corvana::app
