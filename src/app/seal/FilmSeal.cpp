@@ -1,6 +1,7 @@
 #include "app/seal/FilmSeal.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace corvana::app {
@@ -31,6 +32,7 @@ void FilmSeal::saw(const devices::EncodedSample& sample) {
   const std::lock_guard lock(mutex_);
   Track& track = *std::ranges::find(tracks_, sample.track, &Track::kind);
   // A picture that comes out of the encoder behind a later one belongs to that one's period.
+  lastTime_ = std::max(lastTime_, sample.time);
   track.period = std::max(track.period, sample.time / kPeriod);
   while (written_ + std::ssize(track.periods) <= track.period)
     track.periods.emplace_back(track.kind);
@@ -54,7 +56,8 @@ void FilmSeal::ended() {
 
 void FilmSeal::writeLine(platform::TimePoint eventsBefore, bool isLast) {
   ++written_;
-  ordered_json line = {{"t", platform::inSeconds(written_ * kPeriod)}};
+  const auto reached = isLast ? lastTime_ : written_ * kPeriod;
+  ordered_json line = {{"t", std::round(platform::inSeconds(reached) * 1000) / 1000}};
   for (Track& track : tracks_)
     line[nameOf(track.kind)] = track.take().json();
   const EventSums::Beginning events = events_->before(eventsBefore);

@@ -44,6 +44,7 @@ class FilmSeal final : public devices::FilmWitness {
   const nlohmann::ordered_json head_;
   std::mutex mutex_;
   platform::TimePoint origin_{};
+  platform::Duration lastTime_{};  ///< of any sample
   std::vector<Track> tracks_;
   std::int64_t written_ = 0;  ///< periods of which a line tells
 };
