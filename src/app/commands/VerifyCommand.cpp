@@ -14,6 +14,7 @@ struct VerifyArguments {
   fs::path folder;
   std::optional<fs::path> key;
   std::optional<fs::path> keys;
+  std::optional<fs::path> authorities;
 };
 
 platform::Expected<std::optional<TrustedKeys>> trustedKeys(const VerifyArguments& arguments) {
@@ -23,10 +24,21 @@ platform::Expected<std::optional<TrustedKeys>> trustedKeys(const VerifyArguments
   return std::optional<TrustedKeys>();
 }
 
+platform::Expected<std::optional<StampAuthorities>> stampAuthorities(
+    const VerifyArguments& arguments) {
+  if (!arguments.authorities) return std::optional<StampAuthorities>();
+  return StampAuthorities::load(*arguments.authorities).map([](StampAuthorities loaded) {
+    return std::optional(std::move(loaded));
+  });
+}
+
 ExitCode runVerify(const VerifyArguments& arguments) {
   const auto keys = trustedKeys(arguments);
   if (!keys) return complain(std::cerr, ExitCode::wrongUse, keys.error().sentence);
-  const auto report = checkRecord(arguments.folder, *keys ? &**keys : nullptr);
+  const auto authorities = stampAuthorities(arguments);
+  if (!authorities) return complain(std::cerr, ExitCode::wrongUse, authorities.error().sentence);
+  const auto report = checkRecord(arguments.folder, *keys ? &**keys : nullptr,
+                                  *authorities ? &**authorities : nullptr);
   if (!report) return complain(std::cerr, ExitCode::wrongUse, report.error().sentence);
   for (const RecordFinding& finding : report->findings) {
     if (finding.holds) {
@@ -52,6 +64,8 @@ void addVerifyCommand(CLI::App& app, ExitCode& exitCode) {
                   "JSON Web Key Set of all machines, with the times for which each key holds; see "
                   "docs/evidence.md")
       ->excludes(key);
+  command.add_option("--stamp-ca", arguments->authorities,
+                     "PEM certificates of the authorities whose time stamps count");
   command.callback([arguments, &exitCode] { exitCode = runVerify(*arguments); });
 }
 

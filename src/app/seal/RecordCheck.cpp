@@ -13,6 +13,7 @@
 #include "app/seal/SealLog.h"
 #include "app/seal/SealReading.h"
 #include "app/seal/Sha256.h"
+#include "app/seal/Stamps.h"
 
 namespace corvana::app {
 namespace {
@@ -39,7 +40,9 @@ std::string quoted(const std::string& name) {
 /// One check of one folder. Methods add to the report.
 class RecordChecker {
  public:
-  RecordChecker(const fs::path& folder, const TrustedKeys* keys) : folder_(folder), keys_(keys) {}
+  RecordChecker(const fs::path& folder, const TrustedKeys* keys,
+                const StampAuthorities* authorities)
+      : folder_(folder), keys_(keys), authorities_(authorities) {}
 
   Expected<RecordReport> checkEnded() {
     auto text = readFile(folder_ / kResultFileName, kMostResultBytes);
@@ -52,6 +55,7 @@ class RecordChecker {
       return report_;
     }
     if (object->is_object()) result_ = std::move(*object);
+    checkStamps();
     checkSeal();
     checkFiles();
     if (isThere(SealLog::kFileName)) checkFilmsOfEnded();
@@ -104,6 +108,30 @@ class RecordChecker {
     return parseUtc(clock[end].get<std::string>());
   }
 
+  void checkStamps() {
+    for (const StoredStamp& stamp : stampsIn(folder_)) {
+      known_.insert(known_.end(), {stamp.request, stamp.answer});
+      const auto time = timeOf(stamp);
+      if (!time) {
+        fail(stamp.answer, "The time stamp " + stamp.answer + " " + time.error().sentence + ".");
+      } else if (!authorities_) {
+        add(stamp.answer, "says " + formatUtc(*time) +
+                              ", but nobody vouches for it: name its authority with --stamp-ca");
+      } else {
+        add(stamp.answer, "the seal was there at " + formatUtc(*time));
+        stamped_ = std::min(*time, stamped_.value_or(*time));
+      }
+    }
+  }
+
+  Expected<UtcTime> timeOf(const StoredStamp& stamp) const {
+    const auto request = readFile(folder_ / stamp.request, kMostStampBytes);
+    const auto answer = readFile(folder_ / stamp.answer, kMostStampBytes);
+    const auto seal = readFile(folder_ / kResultSealName, kMostSealBytes);
+    if (!request || !answer || !seal) return failure("can't be checked: a file of it is missing");
+    return checkStamp(*answer, *request, *seal, authorities_);
+  }
+
   void checkSeal() {
     const bool isSealed = isThere(kResultSealName);
     if (!keys_) {
@@ -119,7 +147,7 @@ class RecordChecker {
     if (!seal) return fail(name, seal.error().sentence);
     const auto key = verifyDetached(*seal, text_, *keys_);
     if (!key) return fail(name, "The seal " + name + " " + key.error().sentence + ".");
-    if (const auto why = whyNotValid(**key, {clockIn(result_, "end"), {}})) {
+    if (const auto why = whyNotValid(**key, {clockIn(result_, "end"), stamped_})) {
       return fail(name, "The seal " + name + " does not hold: " + *why + ".");
     }
     add(name, "sealed by the key " + (*key)->key.id());
@@ -253,8 +281,10 @@ class RecordChecker {
 
   const fs::path folder_;
   const TrustedKeys* const keys_;
-  std::string text_;      ///< result.json as it lies there
-  std::string sealText_;  ///< seal.jsonl likewise
+  const StampAuthorities* const authorities_;
+  std::optional<UtcTime> stamped_;  ///< the earliest time that a third party names
+  std::string text_;                ///< result.json as it lies there
+  std::string sealText_;            ///< seal.jsonl likewise
   json result_ = json::object();
   std::vector<std::string> known_;  ///< names of the record's files
   RecordReport report_;
@@ -266,13 +296,14 @@ bool RecordReport::holds() const {
   return std::ranges::all_of(findings, &RecordFinding::holds);
 }
 
-Expected<RecordReport> checkRecord(const fs::path& folder, const TrustedKeys* keys) {
+Expected<RecordReport> checkRecord(const fs::path& folder, const TrustedKeys* keys,
+                                   const StampAuthorities* authorities) {
   std::error_code error;
   if (fs::is_regular_file(folder / kResultFileName, error)) {
-    return RecordChecker(folder, keys).checkEnded();
+    return RecordChecker(folder, keys, authorities).checkEnded();
   }
   if (fs::is_regular_file(folder / SealLog::kFileName, error)) {
-    return RecordChecker(folder, keys).checkUnended();
+    return RecordChecker(folder, keys, authorities).checkUnended();
   }
   return failure("\"" + folder.string() + "\" holds no " + kResultFileName +
                  ". Name the folder of a run.");

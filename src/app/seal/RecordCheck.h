@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "app/seal/TimeStamp.h"
 #include "app/seal/TrustedKeys.h"
 
 namespace corvana::app {
@@ -22,9 +23,11 @@ struct RecordReport {
 };
 
 /// Looks whether a run's folder holds what the run left and nothing else, and whether one of these
-/// keys vouches for it (null: nobody does, and the report says so). The error: the folder is no
-/// record of a run at all.
+/// keys vouches for it (null: nobody does, and the report says so). Time stamps count if they are
+/// of one of the authorities (null: none counts). The error: the folder is no record of a run at
+/// all.
 platform::Expected<RecordReport> checkRecord(const std::filesystem::path& folder,
-                                             const TrustedKeys* keys);
+                                             const TrustedKeys* keys,
+                                             const StampAuthorities* authorities = nullptr);
 
 }  // namespace corvana::app
