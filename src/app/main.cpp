@@ -33,6 +33,7 @@ int run(int argc, char** argv) {
   app::addVerifyCommand(program, exitCode);
   app::addTimestampCommand(program, exitCode);
   app::addDevicesCommand(program, exitCode);
+  app::addDocumentsCommand(program, exitCode);
   app::addDoctorCommand(program, exitCode);
   app::addOptionsCommand(program, exitCode);
   try {

@@ -17,6 +17,8 @@ void addVerifyCommand(CLI::App& app, ExitCode& exitCode);
 void addTimestampCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid devices`: cameras and microphones that `capture` can use.
 void addDevicesCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid documents`: the kinds of documents that are known.
+void addDocumentsCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid doctor`: what the machine lacks.
 void addDoctorCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid options`: every key with unit, default and meaning.

@@ -63,6 +63,11 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
           seal_ ? seal_->events() : nullptr),
       card_(events_, rules_),
       reporter_(loop_, [this](const FlowEvent& event) { report(event); }),
+      cardHints_(card_,
+                 [this](const std::string& words) {
+                   reporter_.hinted(words);
+                   screen_.hint(words);
+                 }),
       person_(loop_, arguments.habits),
       console_(std::cerr),
       sourceDevices_(media_),
@@ -104,7 +109,7 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
           inputs_.folder,
           arguments_.keepFailedRuns,
           screen_.size(),
-          &card_,
+          &cardHints_,
           [this](const platform::Fault& fault) { end_.fail(fault); }};
 }
 

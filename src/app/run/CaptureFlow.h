@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "app/run/CardHints.h"
 #include "app/run/CardWatch.h"
 #include "app/run/EventLog.h"
 #include "app/run/FlowEnd.h"
@@ -71,6 +72,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   EventLog events_;
   CardWatch card_;
   devices::FlowReporter reporter_;
+  CardHints cardHints_;
   devices::HeadlessPerson person_;
   devices::StreamConsole console_;
   devices::NoSettingsApplication application_;

@@ -1,25 +1,20 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
 
-#include <nlohmann/json.hpp>
-
+#include "engine/json/JsonFile.h"
 #include "platform/foundation/Fault.h"
+
 namespace corvana::app {
 
+using engine::parseJson;
+using engine::readFile;
 using platform::Expected;
-
-/// Refuses folders, missing files and files of more than `maxBytes`.
-Expected<std::string> readFile(const std::filesystem::path& path, std::uint64_t maxBytes);
 
 /// Replaces the file as a whole, or not at all; readable by its owner only.
 Expected<void> writeFile(const std::filesystem::path& path, const std::string& content);
-
-/// Parses JSON text; refuses what is nested deeper than 64 levels.
-Expected<nlohmann::json> parseJson(const std::string& text, const std::string& name);
 
 /// Lower-case hexadecimal SHA-256 of the file's bytes.
 Expected<std::string> sha256(const std::filesystem::path& path);

@@ -21,7 +21,8 @@ struct CardLook {
 
   /// Takes the card for lying the other way up. Only before anything but its face is known.
   void turn();
-  /// How much speaks for a card: level lines that end within it, and a face; 0 without lines.
+  /// How much speaks for a card: level lines that end within it, and a face; 0 without lines, and
+  /// for what is filled with lines like a page.
   double content() const;
   /// Whether there is no need to look inside another outline.
   bool isCertainlyACard() const;

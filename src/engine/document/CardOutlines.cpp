@@ -12,7 +12,6 @@
 namespace corvana::engine {
 namespace {
 
-constexpr double kSearchSide = 640;
 /// A picture this near to a card's shape may be nothing but the card.
 constexpr double kShapeTolerance = 0.08;
 
@@ -45,8 +44,9 @@ std::vector<Segment> middles(const std::vector<cv::RotatedRect>& print, double f
 
 }  // namespace
 
-std::vector<Quad> cardOutlines(const cv::Mat& rgb, const std::vector<cv::RotatedRect>& print) {
-  const double factor = std::max(1.0, std::max(rgb.cols, rgb.rows) / kSearchSide);
+std::vector<Quad> cardOutlines(const cv::Mat& rgb, const std::vector<cv::RotatedRect>& print,
+                               double searchSide) {
+  const double factor = std::max(1.0, std::max(rgb.cols, rgb.rows) / searchSide);
   cv::Mat small;
   cv::resize(rgb, small, {}, 1 / factor, 1 / factor, cv::INTER_AREA);
   OutlineRanking ranking(small, middles(print, factor));

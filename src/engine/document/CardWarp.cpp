@@ -65,19 +65,6 @@ platform::CGRect boundsInPicture(const platform::CGRect& onCard, const Quad& out
   return quad.bounds();
 }
 
-double cardSharpness(const platform::PixelBuffer& card) {
-  cv::Mat half;
-  cv::resize(grayMat(card), half, cv::Size(kCardWidth / 2, kCardHeight / 2), 0, 0, cv::INTER_AREA);
-  cv::Mat laplacian;
-  cv::Laplacian(half, laplacian, CV_32F);
-  cv::Scalar mean;
-  cv::Scalar edges;
-  cv::Scalar contrast;
-  cv::meanStdDev(laplacian, mean, edges);
-  cv::meanStdDev(half, mean, contrast);
-  return contrast[0] < 1 ? 0 : edges[0] * edges[0] / (contrast[0] * contrast[0]);
-}
-
 double glareFraction(const platform::PixelBuffer& card) {
   const cv::Mat rgb = rgbMat(card);
   const cv::Mat mask = saturatedPatches(rgb);

@@ -16,11 +16,6 @@ platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, cons
 /// The smallest upright rectangle of the picture around a rectangle of the straightened card.
 platform::CGRect boundsInPicture(const platform::CGRect& onCard, const Quad& outline);
 
-/// How crisp the print on a straightened card is: variance of the Laplacian at half size over the
-/// picture's own variance, so that pale cards compare with bold ones. Between about 0.02 (useless)
-/// and 0.5; a card with little print is lower than one with much.
-double cardSharpness(const platform::PixelBuffer& card);
-
 /// Share of the card lost in glare, 0 to 1: white patches that fade into what surrounds them. A
 /// card that is white itself has none.
 double glareFraction(const platform::PixelBuffer& card);

@@ -60,6 +60,15 @@ bool isUpright(const Face& face) {
   return across > std::abs(left.y - right.y) && mouth.y > (left.y + right.y) / 2;
 }
 
+/// A place in millimetres on the picture of the straightened document.
+platform::CGRect inPixels(const platform::CGRect& place, const DocumentKind& kind,
+                          const platform::PixelBuffer& card) {
+  const platform::CGSize size = millimetresOf(kind.size);
+  const double across = card.width() / size.width;
+  const double down = card.height() / size.height;
+  return {place.x * across, place.y * down, place.width * across, place.height * down};
+}
+
 /// What was made of the print: sure letters count, doubtful ones less.
 double senseOf(const CardReading& reading) {
   double sense = 0;
@@ -79,11 +88,12 @@ std::optional<CardTurn> turnByReading(const CardReading& asItLies, const CardRea
 }  // namespace
 
 DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text,
-                                   MrzReader mrz, const Setup& setup)
+                                   MrzReader mrz, DocumentTables tables, const Setup& setup)
     : faces_(std::move(faces)),
       text_(std::move(text)),
       tessdata_(setup.tessdata),
       mrz_(std::move(mrz)),
+      tables_(std::move(tables)),
       today_(setup.today) {}
 
 platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<FaceDetector> faces,
@@ -92,25 +102,49 @@ platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<Face
   if (!text) return tl::unexpected(text.error());
   auto mrz = MrzReader::load(setup.ocrBFonts);
   if (!mrz) return tl::unexpected(mrz.error());
-  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz), setup);
+  auto tables = loadDocumentTables(setup.documents);
+  if (!tables) return tl::unexpected(tables.error());
+  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz), std::move(*tables),
+                          setup);
 }
 
 CardSighting DocumentAnalyzer::find(const platform::PixelBuffer& frame,
                                     const platform::CGRect& guide) const {
-  return findCard(frame, guide);
+  return findCard(frame, guide, corvana::IDCapture::options);
 }
 
 CardView DocumentAnalyzer::view(const platform::PixelBuffer& frame, const Quad& outline) const {
   const auto picture = straightened(frame, outline);
-  return {picture, cardSharpness(*picture), glareFraction(*picture)};
+  return {picture,
+          {.sharpness = printSharpness(*picture),
+           .glare = glareFraction(*picture),
+           .brightness = brightnessOf(*picture)}};
 }
 
-std::optional<Face> DocumentAnalyzer::portrait(const platform::PixelBuffer& card) {
-  const auto faces = faces_->detect(card);
-  const auto upright =
-      std::ranges::find_if(faces, [](const Face& face) { return isUpright(face); });
-  if (upright == faces.end()) return std::nullopt;
-  return *upright;
+std::optional<Face> DocumentAnalyzer::portrait(const platform::PixelBuffer& card,
+                                               const DocumentKind& kind) {
+  auto faces = faces_->detect(card);
+  std::erase_if(faces, [](const Face& face) { return !isUpright(face); });
+  if (faces.empty()) return std::nullopt;
+  if (!kind.front.photo || !kind.front.photo->place) return faces.front();
+  const platform::CGRect photo = inPixels(*kind.front.photo->place, kind, card);
+  const auto inPlace = std::ranges::find_if(faces, [&](const Face& face) {
+    return photo.minX() < face.box.midX() && face.box.midX() < photo.maxX() &&
+           photo.minY() < face.box.midY() && face.box.midY() < photo.maxY();
+  });
+  return inPlace == faces.end() ? faces.front() : *inPlace;
+}
+
+std::vector<corvana::DocumentField> DocumentAnalyzer::fieldsOf(const CardReading& reading) const {
+  const corvana::DetectedData& data = reading.data;
+  std::vector<PlacedField> places;
+  if (const auto* kind = data.type ? tables_.kinds.ofType(*data.type) : nullptr) {
+    const bool isFront = data.side == corvana::DocumentSide::front;
+    places = isFront ? kind->front.fields : kind->back->fields;
+    for (PlacedField& field : places)
+      field.place = inPixels(field.place, *kind, *data.image->pixels());
+  }
+  return documentFields(data, reading.lines, tables_.labels, today_, places);
 }
 
 std::vector<TextLine> DocumentAnalyzer::linesOf(const platform::PixelBuffer& card,
@@ -148,14 +182,16 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
   DocumentFeatures features;
   std::vector<platform::CGRect> blanks;
 
-  const auto face = portrait(picture);
+  reading.lines = memory.lines;
+  for (const TextLine& line : reading.lines)
+    features.lines.push_back(line.text);
+  const auto face = portrait(picture, documentKind(features, tables_.kinds));
   features.hasFace = face.has_value();
   if (face) {
     reading.faceBox = face->box;
     reading.data.faceImage = faceImageOf(picture, *face);
     blanks.push_back(photoAround(face->box));
   }
-  reading.lines = memory.lines;
   MrzReading mrz = mrzInPrint(reading.lines);
   if (!mrz.mrz) mrz.mrz = memory.votes.result();
   if (!mrz.mrz) mrz = mrz_.read(picture);
@@ -164,18 +200,18 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
   reading.mrzBand = mrz.band;
   // A front's lines of print may look like a zone; only what was read or stands alone is one.
   if (mrz.band && (mrz.mrz || !face)) blanks.push_back(*mrz.band);
-  if (!mrz.mrz && !face) features.barcode = readBarcode(picture);
-  for (const TextLine& line : reading.lines)
-    features.lines.push_back(line.text);
+  // A face takes a side for a front, few of which have a barcode.
+  const bool mayHaveCode = !face || documentKind(features, tables_.kinds).front.code;
+  if (!mrz.mrz && mayHaveCode) features.barcode = readBarcode(picture);
 
   reading.data.isPhotoPresent = face.has_value();
   reading.data.mrz = features.mrz;
   reading.data.barcode = features.barcode;
   reading.data.ocrStrings = textLines(reading.lines, blanks);
   reading.data.image = std::make_shared<platform::UIImage>(card);
-  reading.familyMatches = familyMatches(features);
-  classify(features, reading.data);
-  reading.data.fields = documentFields(reading.data, reading.lines, today_);
+  reading.familyMatches = familyMatches(features, tables_.kinds);
+  classify(features, tables_.kinds, reading.data);
+  reading.data.fields = fieldsOf(reading);
   return reading;
 }
 
@@ -212,13 +248,29 @@ std::optional<CardReading> DocumentAnalyzer::readUpright(const CardLook& look) {
   return *turn == CardTurn::upright ? std::move(asItLies) : std::move(turned);
 }
 
+platform::Expected<CardLook> DocumentAnalyzer::cardIn(const platform::PixelBufferRef& picture) {
+  const StillPicture still = stillPicture(picture, text_.boxes());
+  const auto look = [&](const Quad& outline) { return lookAt(*still.picture, outline); };
+  std::optional<CardLook> best;
+  platform::Fault fault = noCardSeen();
+  for (const Search search : {Search::coarse, Search::fine}) {
+    const auto outlines = cardsInStill(still, search);
+    if (!outlines) {
+      fault = outlines.error();
+      continue;
+    }
+    auto found = chooseCard(*outlines, look);
+    if (found && (!best || found->content() > best->content())) best = std::move(found);
+    if (best && best->isCertainlyACard()) break;
+  }
+  if (!best) return tl::unexpected(fault);
+  return *std::move(best);
+}
+
 platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
     const platform::PixelBufferRef& picture) {
-  const auto cards = cardsInStill(picture, text_.boxes());
-  if (!cards) return tl::unexpected(cards.error());
-  const auto look = chooseCard(
-      cards->outlines, [&](const Quad& outline) { return lookAt(*cards->picture, outline); });
-  if (!look) return tl::unexpected(noCardSeen());
+  const auto look = cardIn(picture);
+  if (!look) return tl::unexpected(look.error());
   auto reading = readUpright(*look);
   if (!reading) {
     return platform::failure(
@@ -236,7 +288,7 @@ void DocumentAnalyzer::askSecondReader(CardReading& reading) const {
   if (!second) return;
   reading.lines =
       withSecondOpinion(*reading.data.image->pixels(), std::move(reading.lines), *second);
-  reading.data.fields = documentFields(reading.data, reading.lines, today_);
+  reading.data.fields = fieldsOf(reading);
 }
 
 }  // namespace corvana::engine

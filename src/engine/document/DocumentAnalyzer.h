@@ -12,6 +12,8 @@
 #include "engine/document/TesseractReader.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/fields/CalendarDates.h"
+#include "engine/document/guidance/CardQuality.h"
+#include "engine/document/kinds/DocumentTables.h"
 #include "engine/document/mrz/MrzReader.h"
 #include "engine/document/mrz/MrzVotes.h"
 #include "engine/document/text/NetworkTextReader.h"
@@ -23,15 +25,7 @@ namespace corvana::engine {
 /// A card taken out of a picture, straightened to 1000×630, with the measures of its quality.
 struct CardView {
   platform::PixelBufferRef picture;
-  double sharpness = 0;      ///< `cardSharpness`
-  double glareFraction = 0;  ///< `glareFraction`
-  bool isBlurred() const { return sharpness < kLeastSharpness; }
-  bool hasTooMuchGlare() const { return glareFraction > kMostGlare; }
-
-  /// Sharpness below which print of usual size is no longer read.
-  static constexpr double kLeastSharpness = 0.03;
-  /// Share of glare from which on about a line of print is covered.
-  static constexpr double kMostGlare = 0.02;
+  CardQuality quality;  ///< but for what covers print, which one picture can't tell
 };
 
 /// What earlier pictures told of a card that has been held still since.
@@ -60,6 +54,8 @@ class DocumentAnalyzer {
  public:
   struct Setup {
     NetworkTextReader::Models text;
+    /// Kinds of documents and labels of fields; what a later folder says goes before.
+    std::vector<std::filesystem::path> documents{};
     /// Settles two-digit years.
     CalendarDate today{};
     /// Where a second reader's data of the Latin script is looked for; it does without.
@@ -89,8 +85,10 @@ class DocumentAnalyzer {
 
  private:
   DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz,
-                   const Setup& setup);
-  std::optional<Face> portrait(const platform::PixelBuffer& card);
+                   DocumentTables tables, const Setup& setup);
+  /// The face in the photo, which is looked for where the kind of document has it.
+  std::optional<Face> portrait(const platform::PixelBuffer& card, const DocumentKind& kind);
+  std::vector<corvana::DocumentField> fieldsOf(const CardReading& reading) const;
   std::vector<TextLine> linesOf(const platform::PixelBuffer& card,
                                 const std::vector<TextLine>& known);
   void askSecondReader(CardReading& reading) const;
@@ -98,6 +96,7 @@ class DocumentAnalyzer {
   CardReading readCard(const platform::PixelBufferRef& card, std::vector<TextLine> lines);
   /// What a straightened card tells whose lines were read.
   CardReading understood(const platform::PixelBufferRef& card, const CardMemory& memory);
+  platform::Expected<CardLook> cardIn(const platform::PixelBufferRef& picture);
   CardLook lookAt(const platform::PixelBuffer& picture, const Quad& outline);
   std::optional<CardReading> readUpright(const CardLook& look);
 
@@ -105,6 +104,7 @@ class DocumentAnalyzer {
   NetworkTextReader text_;
   std::filesystem::path tessdata_;
   MrzReader mrz_;
+  DocumentTables tables_;
   CalendarDate today_;
 };
 

@@ -10,6 +10,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "engine/document/Segment.h"
+#include "engine/document/StraightEdges.h"
 
 namespace corvana::engine {
 namespace {
@@ -20,9 +21,9 @@ constexpr double kLeastShareOfPicture = 0.03;
 constexpr double kLeastFilled = 0.80;  ///< of the outline by the patch that it is drawn around
 constexpr int kLevels = 20;
 
-constexpr double kLeastPiece = 14;  ///< of a straight edge, pixels
-constexpr double kOnOneLine = 2;    ///< pixels beside it
-constexpr std::size_t kMostEdges = 60;
+constexpr std::size_t kMostEdges = 28;  ///< of one direction
+constexpr double kDirectionStep = 10;   ///< degrees
+constexpr double kDirectionReach = 9;
 constexpr double kMostConvergence = 0.2;  ///< sine of the angle between opposite sides
 constexpr double kLeastSine = 0.9;        ///< of the angle between neighbouring sides
 constexpr double kLeastSide = 0.1;        ///< of the picture's longer side
@@ -99,39 +100,6 @@ void addEnclosed(const cv::Mat& rgb, const Propose& propose) {
   }
 }
 
-/// The longest straight edges, longest first, with pieces of one line joined.
-std::vector<Segment> longestEdges(const cv::Mat& rgb) {
-  cv::Mat gray;
-  cv::cvtColor(rgb, gray, cv::COLOR_RGB2GRAY);
-  std::vector<cv::Vec4f> found;
-  cv::createLineSegmentDetector()->detect(gray, found);
-  std::vector<Segment> pieces;
-  for (const cv::Vec4f& line : found)
-    pieces.push_back({{line[0], line[1]}, {line[2], line[3]}});
-  std::erase_if(pieces, [](const Segment& piece) { return piece.length() < kLeastPiece; });
-  std::ranges::stable_sort(pieces, std::ranges::greater{}, &Segment::length);
-  std::vector<Segment> edges;
-  for (const Segment& piece : pieces) {
-    const auto same = std::ranges::find_if(edges, [&](const Segment& edge) {
-      const cv::Point2d along = edge.direction();
-      return std::abs(cross(along, piece.from - edge.from)) < kOnOneLine &&
-             std::abs(cross(along, piece.to - edge.from)) < kOnOneLine;
-    });
-    if (same == edges.end()) {
-      edges.push_back(piece);
-      continue;
-    }
-    const cv::Point2d along = same->direction();
-    const auto place = [&](cv::Point2d point) { return along.dot(point - same->from); };
-    const auto [first, last] =
-        std::minmax({0.0, same->length(), place(piece.from), place(piece.to)});
-    *same = {same->from + first * along, same->from + last * along};
-  }
-  std::ranges::stable_sort(edges, std::ranges::greater{}, &Segment::length);
-  if (edges.size() > kMostEdges) edges.resize(kMostEdges);
-  return edges;
-}
-
 std::optional<platform::CGPoint> meeting(const Segment& a, const Segment& b) {
   const double sine = cross(a.direction(), b.direction());
   if (std::abs(sine) < kLeastSine) return {};
@@ -167,16 +135,32 @@ std::optional<Quad> quadOf(const Pair& across, const Pair& down) {
   return quad;
 }
 
-/// Outlines of long straight edges, two and two across each other.
-void addEdges(const cv::Mat& rgb, const Propose& propose) {
-  const double leastGap = kLeastSide * std::max(rgb.cols, rgb.rows);
-  const std::vector<Pair> pairs = oppositeSides(longestEdges(rgb), leastGap);
+/// Outlines of edges that run two and two across each other.
+void addCrossing(const std::vector<Segment>& edges, double leastGap, const Propose& propose) {
+  const std::vector<Pair> pairs = oppositeSides(edges, leastGap);
   for (std::size_t i = 0; i < pairs.size(); ++i) {
     for (std::size_t k = i + 1; k < pairs.size(); ++k) {
       const double sine = cross(pairs[i].first.direction(), pairs[k].first.direction());
       if (std::abs(sine) < kLeastSine) continue;
       if (const auto quad = quadOf(pairs[i], pairs[k])) propose(*quad);
     }
+  }
+}
+
+/// Outlines of straight edges. Each direction has its own share of them, since a ground of printed
+/// paper is full of edges, most of which run along its lines.
+void addEdges(const cv::Mat& rgb, const Propose& propose) {
+  const double leastGap = kLeastSide * std::max(rgb.cols, rgb.rows);
+  const std::vector<Segment> edges = straightEdges(rgb);
+  for (double middle = 0; middle < 90; middle += kDirectionStep) {
+    std::vector<Segment> along;
+    for (const Segment& edge : edges) {
+      const cv::Point2d direction = edge.direction();
+      const double degrees = std::atan2(direction.y, direction.x) * 180 / CV_PI;
+      if (along.size() == kMostEdges) break;
+      if (std::abs(std::remainder(degrees - middle, 90)) <= kDirectionReach) along.push_back(edge);
+    }
+    addCrossing(along, leastGap, propose);
   }
 }
 

@@ -14,6 +14,9 @@ constexpr double kMostAspectError = 0.22;  ///< of the ratio's logarithm
 constexpr double kMostTaper = 1.35;        ///< of a side against the opposite one
 constexpr double kLeastSupport = 0.45;
 constexpr double kSameOutline = 0.03;  ///< corners apart, of the width
+/// Lines on a card or beside it make many outlines of about the same place.
+constexpr double kLikeOutline = 0.3;
+constexpr int kMostAlike = 4;
 constexpr std::size_t kMostOutlines = 12;
 constexpr double kMostPrintTilt = 0.12;  ///< sine of the angle between print and outline
 constexpr double kPrintWeight = 0.3;     ///< against the share of the sides that is seen
@@ -62,14 +65,15 @@ cv::Mat derivatives(const cv::Mat& rgb) {
   return result;
 }
 
-bool areSame(const Quad& a, const Quad& b) {
-  const auto apart = [&](std::size_t turn) {
+/// How far two outlines' corners are apart at most, in the width of one.
+double apart(const Quad& a, const Quad& b) {
+  const auto farthest = [&](std::size_t turn) {
     double most = 0;
     for (std::size_t i = 0; i < 4; ++i)
       most = std::max(most, distance(a.corners[i], b.corners[(i + turn) % 4]));
     return most;
   };
-  return std::min(apart(0), apart(2)) < kSameOutline * a.width();
+  return std::min(farthest(0), farthest(2)) / a.width();
 }
 
 bool contains(const Quad& quad, cv::Point2d point) {
@@ -106,9 +110,12 @@ std::vector<Quad> OutlineRanking::best() {
   std::vector<Quad> best;
   for (const auto& found : found_) {
     if (best.size() == kMostOutlines) break;
-    const bool isKnown =
-        std::ranges::any_of(best, [&](const Quad& other) { return areSame(found.second, other); });
-    if (!isKnown) best.push_back(found.second);
+    const auto countNearer = [&](double reach) {
+      return std::ranges::count_if(
+          best, [&](const Quad& other) { return apart(found.second, other) < reach; });
+    };
+    if (countNearer(kSameOutline) == 0 && countNearer(kLikeOutline) < kMostAlike)
+      best.push_back(found.second);
   }
   return best;
 }
@@ -136,18 +143,24 @@ double OutlineRanking::supportOf(const Quad& quad) const {
   double sum = 0;
   int seen = 0;
   for (std::size_t i = 0; i < 4; ++i) {
-    const cv::Point2d a = pointOf(quad.corners[i]);
-    const cv::Point2d b = pointOf(quad.corners[(i + 1) % 4]);
-    const auto own = sideSupport(a, b);
+    const auto own = sideSupport(pointOf(quad.corners[i]), pointOf(quad.corners[(i + 1) % 4]));
     if (!own) continue;
-    const cv::Point2d along = (b - a) / cv::norm(b - a);
-    const cv::Point2d beside = cv::Point2d(-along.y, along.x) * kBeside;
-    const double texture = std::min(sideSupport(a + beside, b + beside).value_or(0),
-                                    sideSupport(a - beside, b - beside).value_or(0));
-    sum += *own - 0.5 * texture;
+    sum += *own;
     ++seen;
   }
-  return seen < 3 ? 0 : sum / seen;
+  // Most outlines end here, which spares the rest.
+  if (seen < 3 || sum / seen < kLeastSupport) return 0;
+  for (std::size_t i = 0; i < 4; ++i)
+    sum -= 0.5 * textureBeside(pointOf(quad.corners[i]), pointOf(quad.corners[(i + 1) % 4]));
+  return sum / seen;
+}
+
+double OutlineRanking::textureBeside(cv::Point2d a, cv::Point2d b) const {
+  if (!sideSupport(a, b)) return 0;
+  const cv::Point2d along = (b - a) / cv::norm(b - a);
+  const cv::Point2d beside = cv::Point2d(-along.y, along.x) * kBeside;
+  return std::min(sideSupport(a + beside, b + beside).value_or(0),
+                  sideSupport(a - beside, b - beside).value_or(0));
 }
 
 /// Absent where most of the side lies beyond the picture.

@@ -22,12 +22,13 @@ class OutlineRanking {
   OutlineRanking(const cv::Mat& rgb, std::vector<Segment> print);
 
   void add(const Quad& outline);
-  /// The clearest outlines, no two nearly the same.
+  /// The clearest outlines, no two nearly the same, and few in about the same place.
   std::vector<Quad> best();
 
  private:
   double printFit(const Quad& quad) const;
   double supportOf(const Quad& quad) const;
+  double textureBeside(cv::Point2d a, cv::Point2d b) const;
   std::optional<double> sideSupport(cv::Point2d a, cv::Point2d b) const;
 
   cv::Mat derivatives_;

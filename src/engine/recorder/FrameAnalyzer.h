@@ -9,6 +9,8 @@
 #include "corvana/VideoCapture.h"
 #include "engine/document/CardFinder.h"
 #include "engine/document/DocumentClassifier.h"
+#include "engine/document/guidance/CardQuality.h"
+#include "engine/selfie/Liveness.h"
 #include "engine/selfie/SelfieVerdict.h"
 #include "platform/foundation/Fault.h"
 #include "platform/foundation/Time.h"
@@ -45,13 +47,17 @@ struct SelfieView {
   double sharpness = 0;  ///< how sharp the face is; comparable between frames of a run
   /// What was measured on the face; absent unless one is in place.
   std::optional<FaceMeasures> measures;
+  /// What the looks so far say of its life; absent as they are.
+  std::optional<LivenessVerdict> liveness;
 };
 
 /// A frame seen as a picture of a card.
 struct DocumentView {
   CardVerdict verdict = CardVerdict::none;
-  /// Whether glare hides print; only judged when a card is found and would be read.
-  bool tooMuchGlare = false;
+  /// How well the card can be seen; absent unless one is in its place and held still.
+  std::optional<CardQuality> quality;
+  /// `brightnessOf` the whole picture, where no card is seen in it.
+  std::optional<double> surroundings;
   /// Bounding box of the card, in the analysed picture.
   std::optional<platform::CGRect> location;
   /// What was read, when this frame was read.

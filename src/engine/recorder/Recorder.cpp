@@ -31,6 +31,10 @@ UserInfo debugData(const SelfieView& view, const Observation& observation) {
   info["faceLivenessScore"] = view.measures->livenessScore;
   info["leftEyeOpenProbability"] = view.measures->leftEyeOpen;
   info["rightEyeOpenProbability"] = view.measures->rightEyeOpen;
+  if (view.liveness) {
+    for (const LivenessSign& sign : view.liveness->signs)
+      info["sign." + sign.name] = static_cast<float>(sign.value);
+  }
   return info;
 }
 
@@ -78,7 +82,9 @@ void Recorder::enter(VideoCaptureMode mode) {
   mode_ = mode;
   modeStart_ = setup_.loop.now();
   selfie_ = {};
+  liveness_ = {};
   document_ = {};
+  tell({});
   publishTask();
   startTimeOut();
   note({Kind::mode, nameOf(mode), {}});
@@ -119,6 +125,7 @@ void Recorder::reportTimeOut() {
 
 void Recorder::pause() {
   active_ = false;
+  tell({});
   if (timeOut_) timeOut_->invalidate();
   publishTask();
 }
@@ -196,14 +203,22 @@ void Recorder::observe(const Observation& observation) {
   if (!active_ || observation.task.mode != mode_) return;
   if (corvana::VideoCapture::options.isDebugMode) postDebugData(observation);
   const auto now = setup_.loop.now();
-  if (observation.selfie) {
-    for (const auto& state : selfie_.judge(*observation.selfie, now))
-      report(state);
-  }
+  if (observation.selfie) judgeSelfie(*observation.selfie);
   if (observation.document) {
-    for (const auto& state : document_.judge(*observation.document, now))
+    for (const auto& state : document_.judge(*observation.document, now, IDCapture::options))
       report(state);
+    tell(document_.hint());
   }
+}
+
+void Recorder::judgeSelfie(const SelfieView& view) {
+  const auto states = selfie_.judge(view, setup_.loop.now());
+  if (view.liveness) {
+    for (const RecorderEvent& event : liveness_.take(*view.liveness, selfie_.asks()))
+      note(event);
+  }
+  for (const auto& state : states)
+    report(state);
 }
 
 void Recorder::watchLiveFace(const Observation& observation) {
@@ -237,6 +252,12 @@ void Recorder::report(const IDCaptureState& state) {
   const auto* success = std::get_if<IDCaptureState::Success>(&state.value);
   if (success && setup_.observer) setup_.observer->cardRead(success->data);
   if (const auto delegate = delegate_.lock()) delegate->update(state);
+}
+
+void Recorder::tell(const std::optional<FlawFound>& hint) {
+  const auto flaw = hint ? std::optional(hint->flaw) : std::nullopt;
+  if (flaw == std::exchange(told_, flaw)) return;
+  note(eventOf(hint));
 }
 
 void Recorder::postDebugData(const Observation& observation) {

@@ -10,6 +10,7 @@
 #include "engine/recorder/DocumentPhase.h"
 #include "engine/recorder/Film.h"
 #include "engine/recorder/FrameAnalyzer.h"
+#include "engine/recorder/LivenessEvents.h"
 #include "engine/recorder/RecorderObserver.h"
 #include "engine/recorder/SelfiePhase.h"
 #include "platform/foundation/NotificationCenter.h"
@@ -80,9 +81,11 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   void pause();
 
   void observe(const Observation& observation);
+  void judgeSelfie(const SelfieView& view);
   void watchLiveFace(const Observation& observation);
   void report(const corvana::SelfieCaptureState& state);
   void report(const corvana::IDCaptureState& state);
+  void tell(const std::optional<FlawFound>& hint);
   void postDebugData(const Observation& observation);
   void note(const RecorderEvent& event);
 
@@ -96,7 +99,9 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   bool active_ = false;  ///< false from an end of a run to `retry()`: nothing is reported
   bool liveFaceInSight_ = false;
   SelfiePhase selfie_;
+  LivenessEvents liveness_;
   DocumentPhase document_;
+  std::optional<CardFlaw> told_;  ///< the hint that stands
   std::shared_ptr<platform::Timer> timeOut_;
 
   // Capture queue.

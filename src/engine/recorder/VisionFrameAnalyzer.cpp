@@ -58,7 +58,8 @@ platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> VisionFrameAnalyzer::lo
   auto landmarks = FaceLandmarks::load(models.faceLandmarks);
   if (!landmarks) return tl::unexpected(landmarks.error());
   auto faces = std::make_shared<FaceDetector>(std::move(*detector));
-  auto documents = DocumentAnalyzer::load(faces, {.text = models.text, .today = models.today});
+  auto documents = DocumentAnalyzer::load(
+      faces, {.text = models.text, .documents = models.documents, .today = models.today});
   if (!documents) return tl::unexpected(documents.error());
   return std::shared_ptr<VisionFrameAnalyzer>(
       new VisionFrameAnalyzer(std::move(faces), std::move(*landmarks), std::move(*documents)));
@@ -72,6 +73,7 @@ Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& fram
     lastReading_.reset();
     lastOutline_.reset();
     memory_ = {};
+    print_.forget();
   }
   const PixelBufferRef picture = analysisPicture(frame->image, task.captureMode);
   Observation observation;
@@ -103,9 +105,9 @@ SelfieView VisionFrameAnalyzer::lookForSelfie(const PixelBufferRef& picture,
     tracker_.start(judgement.face->box, observation.frameTime);
   }
   if (const auto& details = judgement.details) {
-    view.measures = {details->leftEyeOpen, details->rightEyeOpen,
-                     liveness_.add({observation.frameTime, details->mesh, details->lidOpening,
-                                    judgement.passiveLiveness})};
+    view.liveness = liveness_.add({observation.frameTime, *picture, judgement.face->box, *details,
+                                   judgement.passiveLiveness});
+    view.measures = {details->leftEyeOpen, details->rightEyeOpen, view.liveness->score};
   }
   if (judgement.verdict == SelfieVerdict::good) {
     view.selfie = corvana::Selfie{std::make_shared<platform::UIImage>(picture), judgement.faceImage,
@@ -143,6 +145,11 @@ bool VisionFrameAnalyzer::isSteady(const CardSighting& sighting) {
   return move <= kSteadyMove * sighting.outline->width();
 }
 
+void VisionFrameAnalyzer::watchPrint(const CardSighting& sighting, platform::TimePoint now) {
+  if (sighting.outline) lastOutlineTime_ = now;
+  if (!lastOutlineTime_ || now - *lastOutlineTime_ > kOutOfSight) print_.forget();
+}
+
 DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
                                                   const Observation& observation) {
   const AnalysisTask& task = observation.task;
@@ -151,16 +158,20 @@ DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
   DocumentView view;
   view.verdict = sighting.verdict;
   if (sighting.outline) view.location = sighting.outline->bounds();
+  if (sighting.verdict == CardVerdict::none) view.surroundings = brightnessOf(*picture);
+  watchPrint(sighting, observation.frameTime);
   const bool steady = isSteady(sighting);
   // Another card may have taken its place: what one was seen to hold must not be told of the other.
   if (!steady) memory_ = {};
-  const bool due = !lastReading_ || observation.frameTime - *lastReading_ >= kReadInterval;
-  if (sighting.verdict != CardVerdict::found || !steady || !due) return view;
+  if (sighting.verdict != CardVerdict::found || !steady) return view;
   const CardView card = documents_.view(*picture, *sighting.outline);
-  view.tooMuchGlare = card.hasTooMuchGlare();
-  if (view.tooMuchGlare || card.isBlurred()) return view;
+  view.quality = card.quality;
+  view.quality->coveredPrint = print_.covered(*card.picture);
+  const bool due = !lastReading_ || observation.frameTime - *lastReading_ >= kReadInterval;
+  if (!due || flawOf(*view.quality, corvana::IDCapture::options)) return view;
   lastReading_ = observation.frameTime;
   CardReading reading = documents_.read(card, memory_);
+  print_.remember(*card.picture, reading.lines);
   if (reading.faceBox) view.portrait = boundsInPicture(*reading.faceBox, *sighting.outline);
   view.familyMatches = std::move(reading.familyMatches);
   view.reading = std::move(reading.data);

@@ -13,7 +13,7 @@ using nlohmann::json;
 
 /// A reference that reads well, with a picture of that name or without any.
 std::string reference(const std::string& picture = {},
-                      const std::string& reader = "PP-OCRv6 small Latin, 1") {
+                      const std::string& reader = "PP-OCRv6 small Latin, 2") {
   json side{{"isPhotoPresent", !picture.empty()},
             {"shouldHavePhoto", !picture.empty()},
             {"shouldHaveMrz", false},

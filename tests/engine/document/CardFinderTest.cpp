@@ -52,7 +52,9 @@ TEST(CardFinder, SaysWhatIsWrongWithTheCardsPlace) {
            {{.y = 700, .width = 500, .background = 2}, CardVerdict::alignRectangle},
            {{.width = 717}, CardVerdict::moveAway},
            {{.width = 800}, CardVerdict::moveAway},
-           {{.x = 500, .width = 560}, CardVerdict::moveAway}}) {
+           {{.width = 950}, CardVerdict::moveAway},
+           {{.x = 500, .width = 560}, CardVerdict::alignRectangle},
+           {{.y = 1150, .width = 600}, CardVerdict::alignRectangle}}) {
     EXPECT_EQ(engine::findCard(*tests::hold(card.front, held).picture, kGuide).verdict, verdict)
         << "x " << held.x << ", width " << held.width << ", roll " << held.roll;
   }
