@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "engine/json/JsonFile.h"
 #include "platform/foundation/Fault.h"
@@ -17,6 +18,9 @@ Expected<void> writeFile(const std::filesystem::path& path, const std::string& c
 
 /// Lower-case hexadecimal SHA-256 of the file's bytes.
 Expected<std::string> sha256(const std::filesystem::path& path);
+
+/// The SHA-256 of each file by its name, in their order. Files that are not there are left out.
+Expected<nlohmann::ordered_json> sumsOf(const std::vector<std::filesystem::path>& files);
 
 /// Refuses what can't become a run's folder: a file, a folder that is not empty or not writable.
 Expected<void> checkEmptyFolder(const std::filesystem::path& path);

@@ -141,6 +141,7 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   }
   prepared.stage.loop = makeLoopFor(arguments);
   platform::RunLoop& loop = *prepared.stage.loop;
+  prepared.identity = identify(arguments.sessionId, arguments.subject, loop.isVirtual());
   auto media = prepared.inputs.openMedia(loop);
   if (!media) return refuse(ExitCode::wrongUse, media.error().sentence);
   prepared.media = *media;
