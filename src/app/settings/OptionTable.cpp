@@ -126,9 +126,8 @@ const std::vector<Row>& rows() {
       row(SelfieCapture::options, &SelfieCapture::Options::capture4K, "selfieCapture.capture4K", "",
           0, 0, "analyse the camera picture at full size instead of at most 1280 pixels a side"),
       choice(SelfieCapture::options, &SelfieCapture::Options::liveness, "selfieCapture.liveness",
-             {"off", "passive", "active"},
-             "what a selfie waits for: off, nothing; passive, a sign of life and none of fraud; "
-             "active, also tasks that are drawn for each run"),
+             {"off", "passive"},
+             "what a selfie waits for: off, nothing; passive, a sign of life and none of fraud"),
       row(SelfieCapture::options, &SelfieCapture::Options::livenessWatchSeconds,
           "selfieCapture.livenessWatchSeconds", "s", 0, 60,
           "least time for which a face is watched before it is believed alive"),

@@ -9,6 +9,12 @@ namespace corvana::engine {
 /// Size of a straightened card: about 300 dots an inch, what text recognition is made for.
 inline constexpr int kCardWidth = 1000;
 inline constexpr int kCardHeight = 630;
+/// The larger sizes of documents, 105 by 74 and 125 by 88 mm, have the same proportions.
+inline constexpr int kPageHeight = 704;
+
+/// The height that a straightened document gets: a card's or a page's, whichever the outline is
+/// more like.
+int straightenedHeight(const Quad& outline);
 
 /// The card inside the outline as seen from straight above, rgb24; small cards are scaled up.
 platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, const Quad& outline);

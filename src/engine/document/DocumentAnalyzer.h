@@ -22,7 +22,7 @@
 
 namespace corvana::engine {
 
-/// A card taken out of a picture, straightened to 1000×630, with the measures of its quality.
+/// A card taken out of a picture, straightened to its shape, with the measures of its quality.
 struct CardView {
   platform::PixelBufferRef picture;
   CardQuality quality;  ///< but for what covers print, which one picture can't tell
