@@ -17,8 +17,8 @@ constexpr float kHiddenLetter = 0.02F;
 /// Beside a P the network gives a thorn less than 0.0005, beside a thorn that it takes for a P at
 /// least 0.004.
 constexpr float kThorn = 0.002F;
-/// Beside a C with a caron no G with a breve, beside that G at least 0.02.
-constexpr float kBreve = 0.008F;
+/// Beside a C with a caron less than 0.0005 of a G with a breve, beside that G at least 0.002.
+constexpr float kBreve = 0.0015F;
 
 constexpr UChar32 kLastOfAscii = 0x7F;
 
