@@ -58,6 +58,11 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
               [this](const platform::Fault& fault) { eventsFailed(fault); }),
       card_(events_, rules_),
       reporter_(loop_, [this](const FlowEvent& event) { report(event); }),
+      cardHints_(card_,
+                 [this](const std::string& words) {
+                   reporter_.hinted(words);
+                   screen_.hint(words);
+                 }),
       person_(loop_, arguments.habits),
       console_(std::cerr),
       sourceDevices_(media_),
@@ -89,7 +94,7 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
           inputs_.folder,
           arguments_.keepFailedRuns,
           screen_.size(),
-          &card_,
+          &cardHints_,
           [this](const platform::Fault& fault) { end_.fail(fault); }};
 }
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "app/run/CardHints.h"
 #include "app/run/CardWatch.h"
 #include "app/run/EventLog.h"
 #include "app/run/FlowEnd.h"
@@ -64,6 +65,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   EventLog events_;
   CardWatch card_;
   devices::FlowReporter reporter_;
+  CardHints cardHints_;
   devices::HeadlessPerson person_;
   devices::StreamConsole console_;
   devices::NoSettingsApplication application_;

@@ -48,6 +48,8 @@ const char* nameOf(Kind kind) {
       return "mode";
     case Kind::call:
       return "call";
+    case Kind::hint:
+      return "hint";
     case Kind::liveness:
       return "liveness";
     case Kind::sign:

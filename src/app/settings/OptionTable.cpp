@@ -94,6 +94,7 @@ Row choice(Table& table, Value Table::*field, std::string key, std::vector<std::
 
 const std::vector<Row>& rows() {
   using VideoOptions = VideoCapture::Options;
+  using CardOptions = IDCapture::Options;
   static const std::vector<Row> kTable = {
       row(VideoCapture::options, &VideoOptions::idToSelfieMatchThreshold,
           "videoCapture.idToSelfieMatchThreshold", "distance", 0, 2,
@@ -160,6 +161,33 @@ const std::vector<Row>& rows() {
           1, 3600, "time from the accepted selfie to the last accepted side of the card"),
       row(IDCapture::options, &IDCapture::Options::capture4K, "idCapture.capture4K", "", 0, 0,
           "analyse the camera picture at full size instead of at most 1280 pixels a side"),
+      row(IDCapture::options, &CardOptions::leastCardWidth, "idCapture.leastCardWidth",
+          "frame widths", 0.2, 1, "a narrower card has to come closer"),
+      row(IDCapture::options, &CardOptions::mostCardWidth, "idCapture.mostCardWidth",
+          "frame widths", 1, 5,
+          "a wider card has to move away, as has one that reaches over both sides of the picture"),
+      row(IDCapture::options, &CardOptions::mostCardOffset, "idCapture.mostCardOffset",
+          "frame widths", 0.01, 2,
+          "a card whose middle is farther from the frame's has to be aligned, as has one that is "
+          "partly outside the picture"),
+      row(IDCapture::options, &CardOptions::mostCardRoll, "idCapture.mostCardRoll", "degrees", 1,
+          24, "a card that is turned more has to be aligned"),
+      row(IDCapture::options, &CardOptions::mostCardTaper, "idCapture.mostCardTaper", "ratio", 1.01,
+          1.5,
+          "a card of which one side looks longer than the opposite one by more leans away and has "
+          "to be aligned"),
+      row(IDCapture::options, &CardOptions::mostGlare, "idCapture.mostGlare", "share", 0, 1,
+          "a card with more of its area lost in glare is not read"),
+      row(IDCapture::options, &CardOptions::leastSharpness, "idCapture.leastSharpness", "share", 0,
+          0.5,
+          "a card is not read when less of the contrast of its print's edges lies within a "
+          "five-hundredth of its width"),
+      row(IDCapture::options, &CardOptions::leastBrightness, "idCapture.leastBrightness", "share",
+          0, 1, "a card whose lightest tenth is darker than that (of white) is not read"),
+      row(IDCapture::options, &CardOptions::mostCoveredPrint, "idCapture.mostCoveredPrint", "share",
+          0, 1, "a card with more of its print covered since it was last read is not read"),
+      row(IDCapture::options, &CardOptions::patienceSeconds, "idCapture.patienceSeconds", "s", 0, 5,
+          "how long a card has to be wrong in one of these ways before the person is told"),
   };
   return kTable;
 }

@@ -20,10 +20,10 @@ constexpr double kZoneWidth = 0.7;
 /// A zone has three lines at most, and a title may be as wide: with more it is a page of print.
 constexpr int kMostWideLines = 4;
 
-bool isWithin(const TextLine& line) {
+bool isWithin(const TextLine& line, int height) {
   return std::abs(line.tilt) <= kMostTilt && line.box.width > line.box.height &&
          line.box.minX() > kRim && line.box.minY() > kRim && line.box.maxX() < kCardWidth - kRim &&
-         line.box.maxY() < kCardHeight - kRim;
+         line.box.maxY() < height - kRim;
 }
 
 struct Print {
@@ -35,12 +35,12 @@ struct Print {
   bool isOfAPage() const { return wideLines > kMostWideLines; }
 };
 
-Print printOf(const std::vector<TextLine>& lines) {
+Print printOf(const std::vector<TextLine>& lines, int height) {
   Print print;
   for (const TextLine& line : lines) {
     const double length = std::max(line.box.width, line.box.height) / kCardWidth;
     print.all += length;
-    if (!isWithin(line)) continue;
+    if (!isWithin(line, height)) continue;
     print.within += length;
     ++print.lines;
     if (length > kZoneWidth) ++print.wideLines;
@@ -72,7 +72,7 @@ void CardLook::turn() {
 }
 
 double CardLook::content() const {
-  const Print print = printOf(lines);
+  const Print print = printOf(lines, straightenedHeight(outline));
   if (print.isOfAPage()) return 0;
   const double face =
       (std::max(faceScore, faceScoreTurned) - kLikeAFace) / (kSureFace - kLikeAFace);
@@ -83,7 +83,7 @@ bool CardLook::isCertainlyACard() const {
   constexpr double kMostOfPrint = 0.92;
   constexpr double kEnoughPrint = 0.8;
   constexpr int kEnoughLines = 4;
-  const Print print = printOf(lines);
+  const Print print = printOf(lines, straightenedHeight(outline));
   if (print.isOfAPage() || print.share() < kMostOfPrint || print.within < kEnoughPrint)
     return false;
   const bool hasZone = print.wideLines > 0 && print.lines >= kEnoughLines;

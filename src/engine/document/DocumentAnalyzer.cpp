@@ -110,12 +110,15 @@ platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<Face
 
 CardSighting DocumentAnalyzer::find(const platform::PixelBuffer& frame,
                                     const platform::CGRect& guide) const {
-  return findCard(frame, guide);
+  return findCard(frame, guide, corvana::IDCapture::options);
 }
 
 CardView DocumentAnalyzer::view(const platform::PixelBuffer& frame, const Quad& outline) const {
   const auto picture = straightened(frame, outline);
-  return {picture, cardSharpness(*picture), glareFraction(*picture)};
+  return {picture,
+          {.sharpness = printSharpness(*picture),
+           .glare = glareFraction(*picture),
+           .brightness = brightnessOf(*picture)}};
 }
 
 std::optional<Face> DocumentAnalyzer::portrait(const platform::PixelBuffer& card,
@@ -144,19 +147,46 @@ std::vector<corvana::DocumentField> DocumentAnalyzer::fieldsOf(const CardReading
   return documentFields(data, reading.lines, tables_.labels, today_, places);
 }
 
-std::vector<TextLine> DocumentAnalyzer::linesOf(const platform::PixelBuffer& card,
-                                                const std::vector<TextLine>& known) {
-  if (known.empty()) return text_.read(card);
-  auto lines = text_.readAgain(card, known);
-  const bool isTheSame =
-      static_cast<double>(lines.size()) >= kLeastShareReadAgain * static_cast<double>(known.size());
-  return isTheSame ? lines : text_.read(card);
+std::optional<CardTurn> DocumentAnalyzer::turnOf(const platform::PixelBuffer& card,
+                                                 const std::vector<TextLine>& lines) {
+  TurnSigns signs{.lines = text_.turnSign(card, lines)};
+  // Users are asked to hold the card upright: mostly the lines alone are clear.
+  if (const auto turn = cardTurn(signs); turn == CardTurn::upright) return turn;
+  signs.face = faceSign(faceScore(card), faceScore(*onItsHead(card)));
+  return cardTurn(signs);
+}
+
+CardReading DocumentAnalyzer::readFirst(const platform::PixelBufferRef& card, CardMemory& memory) {
+  const auto places = text_.find(*card);
+  const auto readTurned = [&](CardMemory& as) {
+    as.isUpsideDown = true;
+    const auto turned = onItsHead(*card);
+    return understood(turned, text_.read(*turned), as);
+  };
+  const auto turn = turnOf(*card, places);
+  if (turn == CardTurn::upsideDown) return readTurned(memory);
+  CardReading asItLies = understood(card, text_.readAgain(*card, places), memory);
+  if (turn || asItLies.data.mrz) return asItLies;
+  CardMemory otherMemory;
+  CardReading other = readTurned(otherMemory);
+  if (turnByReading(asItLies, other) != CardTurn::upsideDown) return asItLies;
+  memory = std::move(otherMemory);
+  return other;
+}
+
+CardReading DocumentAnalyzer::readAgain(const platform::PixelBufferRef& card, CardMemory& memory) {
+  const auto upright = memory.isUpsideDown ? onItsHead(*card) : card;
+  auto lines = text_.readAgain(*upright, memory.lines);
+  const bool isTheSame = static_cast<double>(lines.size()) >=
+                         kLeastShareReadAgain * static_cast<double>(memory.lines.size());
+  return understood(upright, isTheSame ? std::move(lines) : text_.read(*upright), memory);
 }
 
 CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
-  memory.lines = linesOf(*card.picture, memory.lines);
-  memory.votes.add(mrzVotesOf(memory.lines));
-  return understood(card.picture, memory);
+  CardReading reading =
+      memory.lines.empty() ? readFirst(card.picture, memory) : readAgain(card.picture, memory);
+  reading.isUpsideDown = memory.isUpsideDown;
+  return reading;
 }
 
 CardReading DocumentAnalyzer::read(const CardView& card) {
@@ -164,16 +194,10 @@ CardReading DocumentAnalyzer::read(const CardView& card) {
   return read(card, nothing);
 }
 
-CardReading DocumentAnalyzer::readCard(const platform::PixelBufferRef& card,
-                                       std::vector<TextLine> lines) {
-  CardMemory memory;
+CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
+                                         std::vector<TextLine> lines, CardMemory& memory) {
   memory.lines = std::move(lines);
   memory.votes.add(mrzVotesOf(memory.lines));
-  return understood(card, memory);
-}
-
-CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
-                                         const CardMemory& memory) {
   const platform::PixelBuffer& picture = *card;
   CardReading reading;
   DocumentFeatures features;
@@ -212,12 +236,13 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
   return reading;
 }
 
+double DocumentAnalyzer::faceScore(const platform::PixelBuffer& card) {
+  const auto faces = faces_->detect(card);
+  const auto surest = std::ranges::max_element(faces, {}, &Face::score);
+  return surest == faces.end() ? 0.0 : static_cast<double>(surest->score);
+}
+
 CardLook DocumentAnalyzer::lookAt(const platform::PixelBuffer& picture, const Quad& outline) {
-  const auto faceScore = [&](const platform::PixelBuffer& card) {
-    const auto faces = faces_->detect(card);
-    const auto surest = std::ranges::max_element(faces, {}, &Face::score);
-    return surest == faces.end() ? 0.0 : static_cast<double>(surest->score);
-  };
   CardLook look;
   look.outline = outline;
   look.card = straightened(picture, outline);
@@ -234,8 +259,10 @@ CardLook DocumentAnalyzer::lookAt(const platform::PixelBuffer& picture, const Qu
 
 std::optional<CardReading> DocumentAnalyzer::readUpright(const CardLook& look) {
   const auto readAs = [&](CardTurn turn) {
-    return turn == CardTurn::upright ? readCard(look.card, text_.readAgain(*look.card, look.lines))
-                                     : readCard(look.turned, text_.read(*look.turned));
+    CardMemory nothing;
+    return turn == CardTurn::upright
+               ? understood(look.card, text_.readAgain(*look.card, look.lines), nothing)
+               : understood(look.turned, text_.read(*look.turned), nothing);
   };
   if (const auto turn = cardTurn(look.signs)) return readAs(*turn);
   CardReading asItLies = readAs(CardTurn::upright);
@@ -257,8 +284,8 @@ platform::Expected<CardLook> DocumentAnalyzer::cardIn(const platform::PixelBuffe
       continue;
     }
     auto found = chooseCard(*outlines, look);
+    if (found && found->isCertainlyACard()) return *std::move(found);
     if (found && (!best || found->content() > best->content())) best = std::move(found);
-    if (best && best->isCertainlyACard()) break;
   }
   if (!best) return tl::unexpected(fault);
   return *std::move(best);

@@ -9,6 +9,7 @@
 #include "corvana/VideoCapture.h"
 #include "engine/document/CardFinder.h"
 #include "engine/document/DocumentClassifier.h"
+#include "engine/document/guidance/CardQuality.h"
 #include "engine/selfie/Liveness.h"
 #include "engine/selfie/PersonCompare.h"
 #include "engine/selfie/SelfieVerdict.h"
@@ -56,8 +57,10 @@ struct SelfieView {
 /// A frame seen as a picture of a card.
 struct DocumentView {
   CardVerdict verdict = CardVerdict::none;
-  /// Whether glare hides print; only judged when a card is found and would be read.
-  bool tooMuchGlare = false;
+  /// How well the card can be seen; absent unless one is in its place and held still.
+  std::optional<CardQuality> quality;
+  /// `brightnessOf` the whole picture, where no card is seen in it.
+  std::optional<double> surroundings;
   /// Bounding box of the card, in the analysed picture.
   std::optional<platform::CGRect> location;
   /// What was read, when this frame was read.

@@ -85,6 +85,7 @@ void Recorder::enter(VideoCaptureMode mode) {
   selfie_ = {};
   liveness_ = {};
   document_ = {};
+  tell({});
   publishTask();
   startTimeOut();
   note({Kind::mode, nameOf(mode), {}});
@@ -125,6 +126,7 @@ void Recorder::reportTimeOut() {
 
 void Recorder::pause() {
   active_ = false;
+  tell({});
   if (timeOut_) timeOut_->invalidate();
   publishTask();
 }
@@ -207,9 +209,10 @@ void Recorder::observe(const Observation& observation) {
   const auto now = setup_.loop.now();
   if (observation.selfie) judgeSelfie(*observation.selfie);
   if (observation.document) {
-    for (const auto& state : document_.judge(*observation.document, now)) {
+    for (const auto& state : document_.judge(*observation.document, now, IDCapture::options)) {
       if (mayReport(state)) report(state);
     }
+    tell(document_.hint());
   }
 }
 
@@ -286,6 +289,12 @@ void Recorder::report(const IDCaptureState& state) {
   const auto* success = std::get_if<IDCaptureState::Success>(&state.value);
   if (success && setup_.observer) setup_.observer->cardRead(success->data);
   if (const auto delegate = delegate_.lock()) delegate->update(state);
+}
+
+void Recorder::tell(const std::optional<FlawFound>& hint) {
+  const auto flaw = hint ? std::optional(hint->flaw) : std::nullopt;
+  if (flaw == std::exchange(told_, flaw)) return;
+  note(eventOf(hint));
 }
 
 void Recorder::postDebugData(const Observation& observation) {

@@ -89,6 +89,7 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   bool mayReport(const corvana::IDCaptureState& state) const;
   void report(const corvana::SelfieCaptureState& state);
   void report(const corvana::IDCaptureState& state);
+  void tell(const std::optional<FlawFound>& hint);
   void postDebugData(const Observation& observation);
   void note(const RecorderEvent& event);
 
@@ -106,6 +107,7 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   PersonWatch person_;
   platform::UIImageRef selfieFace_;  ///< of the selfie that succeeded last
   DocumentPhase document_;
+  std::optional<CardFlaw> told_;  ///< the hint that stands
   std::shared_ptr<platform::Timer> timeOut_;
 
   // Capture queue.

@@ -78,6 +78,7 @@ Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& fram
     lastReading_.reset();
     lastOutline_.reset();
     memory_ = {};
+    print_.forget();
   }
   const PixelBufferRef picture = analysisPicture(frame->image, task.captureMode);
   Observation observation;
@@ -154,6 +155,11 @@ bool VisionFrameAnalyzer::isSteady(const CardSighting& sighting) {
   return move <= kSteadyMove * sighting.outline->width();
 }
 
+void VisionFrameAnalyzer::watchPrint(const CardSighting& sighting, platform::TimePoint now) {
+  if (sighting.outline) lastOutlineTime_ = now;
+  if (!lastOutlineTime_ || now - *lastOutlineTime_ > kOutOfSight) print_.forget();
+}
+
 DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
                                                   const Observation& observation) {
   const AnalysisTask& task = observation.task;
@@ -162,17 +168,23 @@ DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
   DocumentView view;
   view.verdict = sighting.verdict;
   if (sighting.outline) view.location = sighting.outline->bounds();
+  if (sighting.verdict == CardVerdict::none) view.surroundings = brightnessOf(*picture);
+  watchPrint(sighting, observation.frameTime);
   const bool steady = isSteady(sighting);
   // Another card may have taken its place: what one was seen to hold must not be told of the other.
   if (!steady) memory_ = {};
-  const bool due = !lastReading_ || observation.frameTime - *lastReading_ >= kReadInterval;
-  if (sighting.verdict != CardVerdict::found || !steady || !due) return view;
+  if (sighting.verdict != CardVerdict::found || !steady) return view;
   const CardView card = documents_.view(*picture, *sighting.outline);
-  view.tooMuchGlare = card.hasTooMuchGlare();
-  if (view.tooMuchGlare || card.isBlurred()) return view;
+  view.quality = card.quality;
+  view.quality->coveredPrint = print_.covered(*card.picture);
+  const bool due = !lastReading_ || observation.frameTime - *lastReading_ >= kReadInterval;
+  if (!due || flawOf(*view.quality, corvana::IDCapture::options)) return view;
   lastReading_ = observation.frameTime;
   CardReading reading = documents_.read(card, memory_);
-  if (reading.faceBox) view.portrait = boundsInPicture(*reading.faceBox, *sighting.outline);
+  // On a card that is held on its head the lines lie elsewhere than on its view.
+  if (!reading.isUpsideDown) print_.remember(*card.picture, reading.lines);
+  const Quad upright = reading.isUpsideDown ? upsideDown(*sighting.outline) : *sighting.outline;
+  if (reading.faceBox) view.portrait = boundsInPicture(*reading.faceBox, upright);
   view.familyMatches = std::move(reading.familyMatches);
   view.reading = std::move(reading.data);
   return view;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/document/DocumentAnalyzer.h"
+#include "engine/document/guidance/PrintWatch.h"
 #include "engine/recorder/FrameAnalyzer.h"
 #include "engine/selfie/LivenessJudge.h"
 #include "engine/selfie/PersonCompare.h"
@@ -41,6 +42,8 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   /// How far, as a part of its width, a card may move from one look to the next and still be read:
   /// one that is just coming in is blurred, and half of it looks like another side.
   static constexpr double kSteadyMove = 0.02;
+  /// A card that was out of sight for so long may have been turned or changed meanwhile.
+  static constexpr platform::Duration kOutOfSight = std::chrono::milliseconds(500);
 
  private:
   VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
@@ -52,6 +55,7 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   DocumentView lookForDocument(const platform::PixelBufferRef& picture,
                                const Observation& observation);
   bool isSteady(const CardSighting& sighting);
+  void watchPrint(const CardSighting& sighting, platform::TimePoint now);
 
   std::shared_ptr<FaceDetector> detector_;
   SelfieAnalyzer selfies_;
@@ -65,6 +69,8 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   std::optional<Quad> lastOutline_;
   /// The print of the card that has been held still since it was read.
   CardMemory memory_;
+  PrintWatch print_;
+  std::optional<platform::TimePoint> lastOutlineTime_;
 };
 
 /// Where a rectangle of the screen lies in a camera picture that fills the screen mirrored.

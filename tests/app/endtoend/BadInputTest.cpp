@@ -135,7 +135,8 @@ TEST(Commands, WrongUseIsExitCodeTwo) {
                                                     {"enroll", "--front", "none.png"}}) {
     EXPECT_EQ(runVideoid(arguments).exitCode, 2);
   }
-  for (const char* command : {"enroll", "capture", "simulate", "verify", "doctor", "options"}) {
+  for (const char* command :
+       {"enroll", "capture", "simulate", "verify", "documents", "doctor", "options"}) {
     EXPECT_EQ(runVideoid({command, "--help"}).exitCode, 0) << command;
   }
 }

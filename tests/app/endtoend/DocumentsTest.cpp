@@ -69,6 +69,30 @@ TEST(Documents, AFileMakesAKindThatIsEnrolled) {
   EXPECT_FALSE(fs::exists(scratch / "run"));
 }
 
+TEST(Documents, APassportsPageIsAFrontAndNoBack) {
+  const ScratchFolder scratch;
+  const ProgramRun made =
+      runProgram(MAKE_PHOTOS, {"--designs", "passport", "--grounds", "plain", "--count", "1",
+                               "--seed", "3", "--output", scratch / "photos"});
+  ASSERT_EQ(made.exitCode, 0) << made.errors;
+  const json pictures = json::parse(bytesOf(scratch / "photos/truth.json")).at("pictures");
+  ASSERT_EQ(pictures.size(), 1U);
+  const ProgramRun run = enroll(scratch / "photos", pictures, scratch / "page", {});
+  ASSERT_EQ(run.exitCode, 0) << run.errors;
+  const json reference = json::parse(bytesOf(scratch / "page/reference.json"));
+  EXPECT_EQ(reference.at("front").at("type"), "PASSPORT_PAGE_FRONT");
+  EXPECT_EQ(reference.at("front").at("mrz").at("lines"), pictures.at(0).at("zone"));
+  EXPECT_FALSE(reference.contains("back"));
+
+  const fs::path photo = (scratch / "photos") / pictures.at(0).at("file").get<std::string>();
+  const ProgramRun both = enroll(scratch / "photos", pictures, scratch / "both", {"--back", photo});
+  EXPECT_EQ(both.exitCode, 2);
+  EXPECT_NE(both.errors.find("PASSPORT_PAGE, which has no back; leave out --back"),
+            std::string::npos)
+      << both.errors;
+  EXPECT_FALSE(fs::exists(scratch / "both"));
+}
+
 TEST(Documents, AreListedAndChecked) {
   const ProgramRun list = runVideoid({"documents", "--documents", kStudent / "documents"});
   EXPECT_EQ(list.exitCode, 0) << list.errors;

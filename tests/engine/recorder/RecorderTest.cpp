@@ -70,10 +70,9 @@ class RecorderTest : public testing::Test,
     if (!face) heard.push_back("liveFaceLost");
   }
   void happened(const engine::RecorderEvent& event) override {
-    if (event.kind > engine::RecorderEvent::Kind::call) {
-      noted.push_back(event.name);
-      return;
-    }
+    using Kind = engine::RecorderEvent::Kind;
+    if (event.kind == Kind::hint) return hints.push_back(event.name);
+    if (event.kind > Kind::call) return noted.push_back(event.name);
     // Both enumerations name their first four kinds alike, in this order.
     contract.observe({loop.now(), static_cast<devices::HostEvent::Kind>(event.kind), event.name});
   }
@@ -85,6 +84,7 @@ class RecorderTest : public testing::Test,
        platform::seconds(corvana::IDCapture::options.timeOutSeconds)},
       loop.now()};
   Names heard;
+  Names hints;
   Names issues;
   Names noted;  ///< of liveness
   const std::shared_ptr<RecorderTest> delegate{this, [](auto*) {}};
@@ -180,6 +180,80 @@ TEST_F(RecorderTest, EachSideSucceedsAndTheCardsTimeOutFromTheAcceptedSelfie) {
   EXPECT_EQ(countHeard("idTimedOut"), 0);
   film(2);
   EXPECT_EQ(heard.back(), "idTimedOut");
+}
+
+/// A card in its place that is seen so well.
+std::function<void(Observation&)> showCard(const engine::CardQuality& quality) {
+  return [quality](Observation& observation) {
+    showCard(corvana::DocumentSide::front)(observation);
+    if (observation.document) observation.document->quality = quality;
+  };
+}
+
+std::function<void(Observation&)> showPlace(engine::CardVerdict verdict) {
+  return [verdict](Observation& observation) {
+    showGoodFace(observation);
+    observation.document.emplace().verdict = verdict;
+  };
+}
+
+TEST_F(RecorderTest, TellsWithinHalfASecondWhatIsWrongWithTheCard) {
+  const struct {
+    const char* told;
+    std::function<void(Observation&)> wrong;
+  } cases[] = {{"idMoveAway", showPlace(engine::CardVerdict::moveAway)},
+               {"idMoveCloser", showPlace(engine::CardVerdict::moveCloser)},
+               {"alignRectangle", showPlace(engine::CardVerdict::alignRectangle)},
+               {"tooMuchGlare", showCard({.glare = 0.05})},
+               {"blurred", showCard({.sharpness = 0.1})},
+               {"tooDark", showCard({.brightness = 0.1})},
+               {"covered", showCard({.coveredPrint = 0.1})}};
+  recorder->setMode(VideoCaptureMode::idCapture);
+  for (const auto& [told, wrong] : cases) {
+    SCOPED_TRACE(told);
+    analyzer->fill = showCard(engine::CardQuality{});
+    film(1);
+    EXPECT_GE(countHeard("idSuccess"), 1);
+    heard.clear();
+    hints.clear();
+    analyzer->fill = wrong;
+    film(0.1);
+    EXPECT_FALSE(countHeard(told) || !hints.empty()) << "a single look may err";
+    film(0.34);
+    EXPECT_EQ(countHeard(told) + std::ranges::count(hints, told), 1);
+    heard.clear();
+    film(2);
+    EXPECT_EQ(countHeard("idSuccess"), 0);
+    EXPECT_EQ(countHeard("classifiedDocument"), 0);
+  }
+  hints.clear();
+  analyzer->fill = showCard({.sharpness = 0.1});
+  film(1);
+  recorder->setMode(VideoCaptureMode::readingText);
+  EXPECT_EQ(hints, (Names{"blurred", "none"})) << "no hint outlives its phase";
+}
+
+TEST_F(RecorderTest, StrayLooksNeitherTellOfAFlawNorHideOne) {
+  recorder->setMode(VideoCaptureMode::idCapture);
+  const auto lookLike = [&](std::initializer_list<bool> blurredLooks) {
+    for (const bool blurred : blurredLooks) {
+      analyzer->fill = showCard({.sharpness = blurred ? 0.1 : 0.3});
+      film(0.1);
+    }
+  };
+  lookLike({false, true, false, true, false, true, false, true, false, true, false, false});
+  EXPECT_EQ(hints, Names{});
+  lookLike({true, false, true, true, true});
+  EXPECT_EQ(hints, Names{"blurred"});
+  lookLike({false, false, false});
+  EXPECT_EQ(hints, (Names{"blurred", "none"}));
+}
+
+TEST_F(RecorderTest, TheDarkIsToldAlsoWhereNoCardIsSeenInIt) {
+  recorder->setMode(VideoCaptureMode::idCapture);
+  analyzer->fill = [](Observation& o) { o.document.emplace().surroundings = 0.1; };
+  film(0.5);
+  EXPECT_EQ(hints, Names{"tooDark"});
 }
 
 TEST_F(RecorderTest, ALostFaceIsToldOnceTheGraceHasPassedAndOnlyAfterTheSelfie) {
