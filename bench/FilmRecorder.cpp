@@ -81,7 +81,8 @@ int record(Loop& loop, const std::string& path, Session session,
   devices::FilmWriterFactory factory(loop);
   std::optional<app::RunSeal> seal;
   if (key) {
-    seal.emplace(loop, std::filesystem::path(path).parent_path(), *key, nlohmann::ordered_json(),
+    seal.emplace(loop, std::filesystem::path(path).parent_path(), *key,
+                 nlohmann::ordered_json::object(),
                  [](const platform::Fault& fault) { std::cerr << fault.sentence << '\n'; });
     factory.showTo(seal->witnesses());
   }

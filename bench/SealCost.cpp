@@ -48,7 +48,8 @@ std::vector<TrackSample> samplesOf(const std::filesystem::path& film) {
 void seal(const std::vector<TrackSample>& samples, const app::SigningKey& key) {
   const tests::ScratchFolder scratch;
   platform::VirtualRunLoop loop;
-  const app::RunSeal run(loop, scratch.path(), key, {}, [](const platform::Fault&) {});
+  const app::RunSeal run(loop, scratch.path(), key, nlohmann::ordered_json::object(),
+                         [](const platform::Fault&) {});
   const auto film = run.witnesses()();
   film->began(loop.now(), true);
   for (const auto& [track, sample] : samples)

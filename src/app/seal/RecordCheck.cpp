@@ -302,6 +302,9 @@ Expected<RecordReport> checkRecord(const fs::path& folder, const TrustedKeys* ke
   if (fs::is_regular_file(folder / kResultFileName, error)) {
     return RecordChecker(folder, keys, authorities).checkEnded();
   }
+  if (error == std::errc::permission_denied) {
+    return failure("The folder \"" + folder.string() + "\" can't be read: check its rights.");
+  }
   if (fs::is_regular_file(folder / SealLog::kFileName, error)) {
     return RecordChecker(folder, keys, authorities).checkUnended();
   }
