@@ -1,15 +1,18 @@
 // Records a film with a flash and a beep at a known second, in virtual or in real time, for
 // kill-film and film-sync. In real time it writes the seconds of film it has handed over, one line
 // a frame, so that whoever kills it knows the moment.
-// Usage: film-recorder FILM WIDTH HEIGHT FRAMES_PER_SECOND SECONDS media|real
+// With a key it seals the film in a seal.jsonl beside it.
+// Usage: film-recorder FILM WIDTH HEIGHT FRAMES_PER_SECOND SECONDS media|real [KEY]
 
 #include <cmath>
 #include <cstdlib>
 #include <functional>
 #include <iostream>
 #include <numbers>
+#include <optional>
 #include <string>
 
+#include "app/seal/RunSeal.h"
 #include "devices/film/FilmSettings.h"
 #include "devices/film/FilmWriter.h"
 #include "devices/system/RealRunLoop.h"
@@ -73,8 +76,16 @@ struct Session {
 };
 
 template <class Loop>
-int record(Loop& loop, const std::string& path, Session session) {
+int record(Loop& loop, const std::string& path, Session session,
+           const std::optional<app::SigningKey>& key) {
   devices::FilmWriterFactory factory(loop);
+  std::optional<app::RunSeal> seal;
+  if (key) {
+    seal.emplace(loop, std::filesystem::path(path).parent_path(), *key,
+                 nlohmann::ordered_json::object(),
+                 [](const platform::Fault& fault) { std::cerr << fault.sentence << '\n'; });
+    factory.showTo(seal->witnesses());
+  }
   const auto film = factory.make(
       path, devices::videoSettings(platform::kAVVideoCodecTypeH264, session.width, session.height),
       devices::audioSettings());
@@ -110,16 +121,26 @@ int record(Loop& loop, const std::string& path, Session session) {
 }  // namespace corvana
 
 int main(int count, char** arguments) {
-  if (count != 7) {
-    std::cerr << "usage: film-recorder FILM WIDTH HEIGHT FRAMES_PER_SECOND SECONDS media|real\n";
+  if (count != 7 && count != 8) {
+    std::cerr
+        << "usage: film-recorder FILM WIDTH HEIGHT FRAMES_PER_SECOND SECONDS media|real [KEY]\n";
     return EXIT_FAILURE;
   }
   const corvana::Session session{std::atoi(arguments[2]), std::atoi(arguments[3]),
                                  std::atoi(arguments[4]), std::atof(arguments[5])};
+  std::optional<corvana::app::SigningKey> key;
+  if (count == 8) {
+    auto loaded = corvana::app::SigningKey::load(arguments[7]);
+    if (!loaded) {
+      std::cerr << loaded.error().sentence << '\n';
+      return EXIT_FAILURE;
+    }
+    key = std::move(*loaded);
+  }
   if (std::string(arguments[6]) == "real") {
     corvana::devices::RealRunLoop loop;
-    return corvana::record(loop, arguments[1], session);
+    return corvana::record(loop, arguments[1], session, key);
   }
   corvana::platform::VirtualRunLoop loop;
-  return corvana::record(loop, arguments[1], session);
+  return corvana::record(loop, arguments[1], session, key);
 }

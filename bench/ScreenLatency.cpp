@@ -237,8 +237,10 @@ void measureFaceMatch() {
 void measureLoading() {
   const auto resources = app::findResources();
   const auto before = Clock::now();
-  const auto loaded = engine::VisionFrameAnalyzer::load(
-      {resources.faceDetector(), resources.faceLandmarks(), resources.textReader()});
+  const auto loaded = engine::VisionFrameAnalyzer::load({resources.faceDetector(),
+                                                         resources.faceLandmarks(),
+                                                         resources.textReader(),
+                                                         {resources.documents()}});
   std::printf("what reads faces and cards is loaded in %.0f ms, on a worker\n",
               loaded ? milliseconds(Clock::now() - before) : 0);
 }

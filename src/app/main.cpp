@@ -29,8 +29,11 @@ int run(int argc, char** argv) {
   app::addCaptureCommand(program, exitCode);
   app::addSimulateCommand(program, exitCode);
   app::addScreensCommand(program, exitCode);
+  app::addKeyCommand(program, exitCode);
   app::addVerifyCommand(program, exitCode);
+  app::addTimestampCommand(program, exitCode);
   app::addDevicesCommand(program, exitCode);
+  app::addDocumentsCommand(program, exitCode);
   app::addDoctorCommand(program, exitCode);
   app::addOptionsCommand(program, exitCode);
   try {

@@ -1,8 +1,10 @@
 #include "capture/TextMatching.h"
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <numeric>
+#include <utility>
 
 #include <unicode/brkiter.h>
 #include <unicode/locid.h>
@@ -15,52 +17,68 @@
 namespace corvana::capture {
 namespace {
 
-/// One user-perceived character: what it is compared by, and its length in the text as written.
+/// One user-perceived character: the number of what it is compared by, and its length in the text
+/// as written.
 struct Character {
-  icu::UnicodeString decomposed;
+  int number = 0;
   int length = 0;  ///< UTF-16 code units
 };
 
+constexpr int kSpace = ' ';
+
 bool sameCharacter(const Character& a, const Character& b) {
-  return a.decomposed == b.decomposed;
+  return a.number == b.number;
 }
 
 void requireData(UErrorCode status) {
   platform::require(U_SUCCESS(status), "ICU has no data for the segmentation of text");
 }
 
-std::vector<Character> charactersOf(const icu::UnicodeString& text) {
-  UErrorCode status = U_ZERO_ERROR;
-  const icu::Normalizer2* decomposition = icu::Normalizer2::getNFDInstance(status);
-  const std::unique_ptr<icu::BreakIterator> boundaries(
-      icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
-  requireData(status);
-  boundaries->setText(text);
-  std::vector<Character> result;
-  for (int start = 0, end = boundaries->next(); end != icu::BreakIterator::DONE;
-       start = end, end = boundaries->next()) {
-    result.push_back(
-        {decomposition->normalize(text.tempSubStringBetween(start, end), status), end - start});
+/// Splits texts into characters and numbers them: the same number for canonically equivalent ones,
+/// so that comparing them costs no more than comparing numbers.
+class Segmenter {
+ public:
+  Segmenter() {
+    UErrorCode status = U_ZERO_ERROR;
+    decomposition_ = icu::Normalizer2::getNFDInstance(status);
+    boundaries_.reset(icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
+    requireData(status);
   }
-  requireData(status);
-  return result;
-}
 
-std::vector<Character> charactersOf(const std::string& text) {
-  return charactersOf(icu::UnicodeString::fromUTF8(text));
-}
+  std::vector<Character> split(const std::string& utf8) {
+    const icu::UnicodeString text = icu::UnicodeString::fromUTF8(utf8);
+    boundaries_->setText(text);
+    std::vector<Character> result;
+    for (int start = 0, end = boundaries_->next(); end != icu::BreakIterator::DONE;
+         start = end, end = boundaries_->next()) {
+      result.push_back({numberOf(text, start, end), end - start});
+    }
+    return result;
+  }
 
-Character space() {
-  return {icu::UnicodeString(u' '), 1};
-}
+ private:
+  int numberOf(const icu::UnicodeString& text, int start, int end) {
+    constexpr char16_t kFirstThatDecomposes = 0xC0;
+    if (end - start == 1 && text[start] < kFirstThatDecomposes) return text[start];
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::UnicodeString decomposed =
+        decomposition_->normalize(text.tempSubStringBetween(start, end), status);
+    requireData(status);
+    const int next = kFirstThatDecomposes + static_cast<int>(others_.size());
+    return others_.emplace(decomposed, next).first->second;
+  }
+
+  const icu::Normalizer2* decomposition_ = nullptr;
+  std::unique_ptr<icu::BreakIterator> boundaries_;
+  std::map<icu::UnicodeString, int> others_;  ///< by their canonical decomposition
+};
 
 /// Pieces between spaces that are not empty. Other white space belongs to its piece.
 int countPieces(const std::vector<Character>& text) {
-  const Character separator = space();
   int pieces = 0;
   bool inside = false;
   for (const Character& character : text) {
-    const bool separates = sameCharacter(character, separator);
+    const bool separates = character.number == kSpace;
     if (!separates && !inside) ++pieces;
     inside = !separates;
   }
@@ -76,34 +94,36 @@ int lengthOf(std::vector<Character>::const_iterator first,
 }  // namespace
 
 int levenshteinDistance(const std::string& a, const std::string& b) {
-  const std::vector<Character> rows = charactersOf(a);
-  const std::vector<Character> columns = charactersOf(b);
+  Segmenter segmenter;
+  const std::vector<Character> rows = segmenter.split(a);
+  const std::vector<Character> columns = segmenter.split(b);
   std::vector<int> last(columns.size() + 1);
+  std::vector<int> current(columns.size() + 1);
   std::iota(last.begin(), last.end(), 0);
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    std::vector<int> current(columns.size() + 1);
     current[0] = static_cast<int>(i) + 1;
     for (std::size_t j = 0; j < columns.size(); ++j) {
       current[j + 1] = sameCharacter(rows[i], columns[j])
                            ? last[j]
                            : std::min({last[j], last[j + 1], current[j]}) + 1;
     }
-    last = std::move(current);
+    std::swap(last, current);
   }
   return last.back();
 }
 
 std::size_t characterCount(const std::string& text) {
-  return charactersOf(text).size();
+  return Segmenter().split(text).size();
 }
 
 bool hasPrefixDroppingLast(const std::string& text, const std::string& prefix,
                            std::size_t dropped) {
-  std::vector<Character> wanted = charactersOf(prefix);
+  Segmenter segmenter;
+  std::vector<Character> wanted = segmenter.split(prefix);
   platform::require(wanted.size() >= dropped,
                     "the document type \"" + prefix + "\" is too short to name a family");
   wanted.resize(wanted.size() - dropped);
-  const std::vector<Character> given = charactersOf(text);
+  const std::vector<Character> given = segmenter.split(text);
   return given.size() >= wanted.size() &&
          std::equal(wanted.begin(), wanted.end(), given.begin(), sameCharacter);
 }
@@ -127,11 +147,12 @@ std::string trimmed(const std::string& text) {
 
 SpokenWordMatch matchSpokenWords(const std::vector<std::string>& spokenWords,
                                  const std::string& text) {
-  std::vector<Character> remaining = charactersOf(lowercased(text));
+  Segmenter segmenter;
+  std::vector<Character> remaining = segmenter.split(lowercased(text));
   const int writtenWords = countPieces(remaining);
   SpokenWordMatch match;
   for (const std::string& spoken : spokenWords) {
-    const std::vector<Character> word = charactersOf(spoken);
+    const std::vector<Character> word = segmenter.split(spoken);
     const auto first =
         std::search(remaining.begin(), remaining.end(), word.begin(), word.end(), sameCharacter);
     if (word.empty() || first == remaining.end()) continue;
@@ -139,7 +160,8 @@ SpokenWordMatch matchSpokenWords(const std::vector<std::string>& spokenWords,
     const MatchRange range{lengthOf(remaining.begin(), first), lengthOf(first, end)};
     match.ranges.push_back(range);
     // As many spaces as there were code units, so that later positions stay what they were.
-    remaining.insert(remaining.erase(first, end), static_cast<std::size_t>(range.length), space());
+    remaining.insert(remaining.erase(first, end), static_cast<std::size_t>(range.length),
+                     {kSpace, 1});
   }
   match.percentage = static_cast<float>(match.ranges.size()) / static_cast<float>(writtenWords);
   return match;

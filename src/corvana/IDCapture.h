@@ -59,6 +59,18 @@ struct IDCapture {
     /// Seconds from the accepted selfie until cards that were not accepted time out, both sides
     /// together.
     double timeOutSeconds = 30;
+    // What a card has to keep to be read; a host that sees for itself tells its user otherwise.
+    double leastCardWidth = 0.55;    ///< of the frame's width
+    double mostCardWidth = 1.30;     ///< of the frame's width
+    double mostCardOffset = 0.30;    ///< of the card's middle from the frame's, in frame widths
+    double mostCardRoll = 18;        ///< degrees
+    double mostCardTaper = 1.25;     ///< of a side by the opposite one, as a card leans away
+    double mostGlare = 0.012;        ///< of the card's area
+    double leastSharpness = 0.17;    ///< of the print's edges, 0 to about 0.4
+    double leastBrightness = 0.24;   ///< of the lightest tenth, 0 to 1
+    double mostCoveredPrint = 0.04;  ///< of the print that was seen before
+    /// Seconds for which a card has to be wrong before the user is told.
+    double patienceSeconds = 0.15;
   };
   struct Strings {
     std::string captureFront = "Show the Front of Your ID";
@@ -73,6 +85,10 @@ struct IDCapture {
     std::string makeSurePhotoTextVisible = "Make sure photo and text are visible";
     std::string makeSureBarcodeVisible = "Make sure the barcode is visible";
     std::string scanBarcode = "Scanning the barcode";
+    // Hints of the host's own, for which no state exists.
+    std::string tooDark = "It is too dark to read the ID";
+    std::string blurred = "Hold still, the ID is blurred";
+    std::string covered = "Take your fingers off the print";
     std::string retryScreenText = "Your ID could not be read. Please try again";
     std::string retryButtonText = "Try Again";
     std::string cancelButtonText = "Cancel";

@@ -5,7 +5,8 @@
 namespace corvana {
 
 /// "faceRect" CGRect and "fullSize" CGSize in pixels of the camera picture; "faceLivenessScore",
-/// "leftEyeOpenProbability", "rightEyeOpenProbability", "faceMaskProbability" float.
+/// "leftEyeOpenProbability", "rightEyeOpenProbability", "faceMaskProbability" float;
+/// "sign.NAME" float, the figure of each sign of life or fraud by its name.
 inline constexpr const char* kSelfieCaptureDebugData = "selfieCaptureDebugData";
 /// "debugData" DebugData.
 inline constexpr const char* kIDCaptureDebugData = "idCaptureDebugData";

@@ -45,7 +45,28 @@ class SelfieCaptureDelegate {
 
 /// Tables of selfie capture: one writer, before the entry.
 struct SelfieCapture {
+  /// What it takes for a face to be believed alive.
+  enum class Liveness {
+    off,      ///< nothing: signs are only reported
+    passive,  ///< a sign of life, and no sign of fraud
+  };
   struct Options {
+    Liveness liveness = Liveness::passive;
+    /// Seconds for which a face is watched before it can be believed.
+    double livenessWatchSeconds = 3;
+    /// Seconds after which a face without a sign of life is asked for one.
+    double livenessAskSeconds = 2.5;
+    /// Share of the eyes' usual height over width below which both count as closed.
+    double livenessBlinkShare = 0.91;
+    /// Sine of the turn from which on a face's relief is seen to move against itself.
+    double livenessRelief = 0.05;
+    /// Difference to an earlier stretch of pictures, over that from one picture to the next, below
+    /// which the stretch is the same one again.
+    double livenessRepetition = 0.5;
+    /// Share of three straight edges around the face that must be seen for a print or display.
+    double livenessEdges = 0.88;
+    /// Greatest distance of unit-length embeddings at which a face is still the selfie's.
+    double samePersonThreshold = 0.42;
     /// Analyse the camera picture at its full size instead of at most 1280 pixels a side.
     bool capture4K = false;
     /// Seconds from the start of a run until an unaccepted selfie times out.
@@ -66,6 +87,10 @@ struct SelfieCapture {
     std::string blurred = "Hold still, the picture is blurred";
     std::string lookStraight = "Look straight into the camera";
     std::string openEyes = "Open your eyes";
+    // What a `DetectedIssue` asks of a face that is fit for a selfie, but not known to be alive.
+    std::string blinkEyes = "Blink with both eyes";
+    std::string turnHead = "Turn your head a little";
+    std::string showYourself = "Show your own face, not a picture of it";
     std::string retryScreenText = "Your face could not be captured. Please try again";
     std::string retryButtonText = "Try Again";
     std::string cancelButtonText = "Cancel";

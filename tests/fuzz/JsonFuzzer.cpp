@@ -1,6 +1,7 @@
 #include "InputFile.h"
 #include "app/run/Reference.h"
 #include "app/run/RunRecord.h"
+#include "app/seal/RecordCheck.h"
 #include "app/settings/AppearanceTable.h"
 #include "app/settings/OptionTable.h"
 #include "app/simulate/SimulateScript.h"
@@ -21,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     (void)app::loadReference(file.path().parent_path());
   }
   const fuzz::InputFile file(app::kResultFileName, data, size);
-  (void)app::verifyRun(file.path().parent_path());
+  (void)app::checkRecord(file.path().parent_path(), nullptr);
   return 0;
 }
 

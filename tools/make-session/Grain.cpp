@@ -17,21 +17,23 @@ constexpr double kWhite = 235.0;
 
 }  // namespace
 
-Grain::Grain(Random& random)
-    : random_(static_cast<std::uint64_t>(random.uniform(0.0, 1e15))),
+Grain::Grain(double light, Random& random)
+    : light_(light),
+      random_(static_cast<std::uint64_t>(random.uniform(0.0, 1e15))),
       exposure_(random, 0.08),
       lighter_(kPictureHeight + kSlack, kPictureWidth + kSlack, CV_8UC1),
       darker_(lighter_.size(), CV_8UC1) {
+  const double noise = kNoise / std::min(1.0, std::sqrt(light_));
   for (int row = 0; row < lighter_.rows; ++row)
     for (int column = 0; column < lighter_.cols; ++column) {
-      const int noise = static_cast<int>(std::lround(kNoise * random_.normal()));
-      lighter_.at<std::uint8_t>(row, column) = static_cast<std::uint8_t>(std::max(0, noise));
-      darker_.at<std::uint8_t>(row, column) = static_cast<std::uint8_t>(std::max(0, -noise));
+      const int step = static_cast<int>(std::lround(noise * random_.normal()));
+      lighter_.at<std::uint8_t>(row, column) = static_cast<std::uint8_t>(std::max(0, step));
+      darker_.at<std::uint8_t>(row, column) = static_cast<std::uint8_t>(std::max(0, -step));
     }
 }
 
 void Grain::add(cv::Mat luma, double seconds) {
-  const double gain = 1.0 + kDrift * exposure_.at(seconds);
+  const double gain = light_ * (1.0 + kDrift * exposure_.at(seconds));
   luma.convertTo(luma, -1, gain, kBlack * (1.0 - gain));
   const cv::Rect area(static_cast<int>(random_.uniform(0, kSlack)),
                       static_cast<int>(random_.uniform(0, kSlack)), luma.cols, luma.rows);

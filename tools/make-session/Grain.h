@@ -11,12 +11,14 @@ namespace corvana::session {
 /// What a phone's camera adds to a picture: noise and an exposure that drifts a little.
 class Grain {
  public:
-  explicit Grain(Random& random);
+  /// light: on the scene, 1 in a well lit room; what is dark is noisy.
+  Grain(double light, Random& random);
 
   /// luma: the picture's brightness plane, changed in place.
   void add(cv::Mat luma, double seconds);
 
  private:
+  double light_;
   Random random_;
   Wobble exposure_;
   cv::Mat lighter_;

@@ -24,16 +24,16 @@ PersonMotion::PersonMotion(const Script& script, double length, Random& random)
       leavesAt_(script.faults.faceLeavesAt),
       leavesSeconds_(script.faults.faceLeavesSeconds),
       turnDegrees_(random.uniform(8.0, 10.0)),
-      yaw_(random, 0.13),
-      pitch_(random, 0.11),
-      roll_(random, 0.09),
-      swayX_(random, 0.12),
-      swayY_(random, 0.10),
-      handX_(random, 0.35),
-      handY_(random, 0.40) {
+      yaw_(random, 0.13 * person_.quickness),
+      pitch_(random, 0.11 * person_.quickness),
+      roll_(random, 0.09 * person_.quickness),
+      swayX_(random, 0.12 * person_.quickness),
+      swayY_(random, 0.10 * person_.quickness),
+      handX_(random, 0.35 * person_.quickness),
+      handY_(random, 0.40 * person_.quickness) {
   double next = random.uniform(0.9, 1.4);
   while (next < length) {
-    blinks_.push_back(next);
+    if (next >= person_.noBlinkBefore) blinks_.push_back(next);
     next += random.uniform(2.2, 4.6);
   }
 }
@@ -61,7 +61,7 @@ PersonPose PersonMotion::at(double seconds, double mouth) const {
   const double atCard = pulse(seconds, time_.frontAt + 0.2, time_.frontAt + 2.0, 0.6) +
                         pulse(seconds, time_.flipAt, time_.flipAt + time_.flipSeconds, 0.6);
   PersonPose pose;
-  pose.yaw = unrest * (turnDegrees_ * (right - left) + 2.2 * yaw_.at(seconds));
+  pose.yaw = unrest * (person_.turn * turnDegrees_ * (right - left) + 2.2 * yaw_.at(seconds));
   pose.pitch = unrest * (1.8 * pitch_.at(seconds) + 3.0 * atCard + 0.8 * mouth);
   pose.roll = unrest * 1.6 * roll_.at(seconds);
   pose.swayX = unrest * 0.030 * swayX_.at(seconds);

@@ -13,6 +13,20 @@ constexpr int kMarginX = 960;
 constexpr int kMarginY = 100;
 const cv::Size kCanvas(kPictureWidth + 2 * kMarginX, kPictureHeight + 2 * kMarginY);
 
+/// A door's frame above the person and on both sides, down to the shoulders that hide it.
+void standDoorway(cv::Mat& canvas, double shoulders) {
+  const cv::Rect picture(kMarginX, kMarginY, kPictureWidth, static_cast<int>(shoulders) - 60);
+  const cv::Scalar wood(196, 186, 172);
+  const cv::Scalar shade(118, 106, 94);
+  constexpr int kPost = 34;
+  for (const int x : {24, kPictureWidth - 24 - kPost}) {
+    cv::rectangle(canvas, {picture.x + x, picture.y + 60, kPost, picture.height}, wood, -1);
+    cv::rectangle(canvas, {picture.x + x, picture.y + 60, kPost, picture.height}, shade, 3);
+  }
+  cv::rectangle(canvas, {picture.x + 24, picture.y + 60, kPictureWidth - 48, kPost}, wood, -1);
+  cv::rectangle(canvas, {picture.x + 24, picture.y + 60, kPictureWidth - 48, kPost}, shade, 3);
+}
+
 constexpr std::size_t kRightCheek = 50;
 constexpr std::size_t kLeftCheek = 280;
 
@@ -21,13 +35,19 @@ constexpr std::size_t kLeftCheek = 280;
 PersonView::PersonView(const Portrait& portrait, const PersonScript& script)
     : place_(script.x, script.y),
       scale_(script.faceWidth / portrait.faceWidth()),
-      rest_(setIntoRoom(portrait.image, scale_,
-                        place_ + cv::Point2d(kMarginX, kMarginY) - portrait.centre() * scale_,
-                        kCanvas)),
+      rest_(roomWith(portrait, script)),
       canvas_(rest_.clone()),
       warp_(inCanvas(portrait, {0, 0}), place_, script.faceWidth),
       expression_(inCanvas(portrait, {kMarginX, kMarginY}), script.faceWidth, rest_),
       skin_(cheekColour(inCanvas(portrait, {kMarginX, kMarginY}))) {}
+
+cv::Mat PersonView::roomWith(const Portrait& portrait, const PersonScript& script) const {
+  cv::Mat room =
+      setIntoRoom(portrait.image, scale_,
+                  place_ + cv::Point2d(kMarginX, kMarginY) - portrait.centre() * scale_, kCanvas);
+  if (script.doorway) standDoorway(room, script.y + 0.9 * script.faceWidth);
+  return room;
+}
 
 engine::FaceMesh PersonView::inCanvas(const Portrait& portrait, cv::Point2d corner) const {
   engine::FaceMesh face = portrait.mesh;

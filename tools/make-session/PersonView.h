@@ -21,6 +21,7 @@ class PersonView {
   cv::Scalar skinColour() const { return skin_; }
 
  private:
+  cv::Mat roomWith(const Portrait& portrait, const PersonScript& script) const;
   engine::FaceMesh inCanvas(const Portrait& portrait, cv::Point2d corner) const;
   cv::Scalar cheekColour(const engine::FaceMesh& face) const;
 

@@ -17,6 +17,23 @@ void readPerson(ScriptReader reader, const path& folder, PersonScript& person) {
   reader.number("x", person.x, 0.0, 720.0);
   reader.number("y", person.y, 0.0, 1280.0);
   reader.number("headMotion", person.headMotion, 0.0, 2.0);
+  reader.number("turn", person.turn, 0.0, 3.0);
+  reader.number("quickness", person.quickness, 0.2, 5.0);
+  reader.number("noBlinkBefore", person.noBlinkBefore, 0.0, kLongestSession);
+  reader.number("light", person.light, 0.1, 1.5);
+  reader.flag("doorway", person.doorway);
+  reader.finish();
+}
+
+void readPresentation(ScriptReader reader, PresentationScript& presentation) {
+  reader.choice("kind", presentation.kind, {"live", "print", "screen", "still", "loop"});
+  reader.number("scale", presentation.scale, 0.5, 2.0);
+  reader.number("crop", presentation.crop, 0.0, 0.3);
+  reader.number("tilt", presentation.tilt, 0.0, 30.0);
+  reader.number("bend", presentation.bend, 0.0, 2.0);
+  reader.flag("livingEyes", presentation.livingEyes);
+  reader.number("loopFrom", presentation.loopFrom, 0.0, kLongestSession);
+  reader.number("loopSeconds", presentation.loopSeconds, 0.2, kLongestSession);
   reader.finish();
 }
 
@@ -89,6 +106,10 @@ void readFaults(ScriptReader reader, const path& folder, const CardData& card,
   leaves.finish();
   reader.flag("silence", faults.silence);
   reader.text("wrongWords", faults.wrongWords, kLongestText);
+  ScriptReader change = reader.object("change");
+  change.number("at", faults.changesAt, 0.0, kLongestSession);
+  change.file("person", faults.changedPerson, folder);
+  change.finish();
   reader.finish();
 }
 
@@ -97,6 +118,7 @@ Script readScript(ScriptReader reader, const path& folder) {
   reader.seed("seed", script.seed);
   reader.text("text", script.text, kLongestText);
   readPerson(reader.object("person"), folder, script.person);
+  readPresentation(reader.object("presentation"), script.presentation);
   readCard(reader.object("card"), folder, script.card);
   readPlace(reader.object("cardPlace"), script.cardPlace);
   readVoice(reader.object("voice"), script.voice);
@@ -134,6 +156,7 @@ Result<Script> parseScript(const std::string& text, const path& folder) {
 std::vector<path> referencedFiles(const Script& script) {
   std::vector<path> files = {script.person.portrait, script.card.photo};
   if (!script.faults.wrongPerson.empty()) files.push_back(script.faults.wrongPerson);
+  if (!script.faults.changedPerson.empty()) files.push_back(script.faults.changedPerson);
   if (script.faults.wrongCard) files.push_back(script.faults.wrongCard->photo);
   if (script.faults.wrongBack) files.push_back(script.faults.wrongBack->photo);
   return files;

@@ -17,6 +17,23 @@ struct PersonScript {
   double x = 360.0;          ///< centre of the face
   double y = 500.0;
   double headMotion = 1.0;  ///< 0 still, 1 as a person holding a phone, 2 restless
+  double turn = 1.0;  ///< how far the head turns to the sides for the selfie, 1: 8 to 10 degrees
+  double quickness = 1.0;      ///< of all unrest, as a multiple of a calm person's
+  double noBlinkBefore = 0.0;  ///< seconds
+  double light = 1.0;          ///< on the scene, 1: a well lit room; less light, more noise
+  bool doorway = false;        ///< a door's frame stands behind the person
+};
+
+/// What stands before the camera in the place of the living person.
+struct PresentationScript {
+  std::string kind = "live";  ///< live, print, screen, still or loop
+  double scale = 1.0;       ///< of the print's or display's picture; from 1.3 on it fills the view
+  double crop = 0.0;        ///< share that is cut off each of the picture's sides
+  double tilt = 8.0;        ///< degrees by which a hand tilts print or display to each side
+  double bend = 0.0;        ///< of a print: radians from one side to the other, as it is flexed
+  bool livingEyes = false;  ///< eyes blink in the print
+  double loopFrom = 0.4;    ///< seconds
+  double loopSeconds = 2.0;
 };
 
 /// What is printed on the card. Dates are YYYY-MM-DD.
@@ -74,8 +91,10 @@ struct FaultScript {
   std::optional<CardData> wrongBack;   ///< the back that the film shows
   std::optional<double> faceLeavesAt;  ///< the face leaves the picture for faceLeavesSeconds
   double faceLeavesSeconds = 5.0;
-  bool silence = false;    ///< nothing is spoken
-  std::string wrongWords;  ///< spoken in place of the text
+  bool silence = false;                 ///< nothing is spoken
+  std::string wrongWords;               ///< spoken in place of the text
+  std::filesystem::path changedPerson;  ///< portrait of who takes the person's place
+  double changesAt = 0.0;               ///< seconds
 };
 
 /// All that a recorded session is made from.
@@ -83,6 +102,7 @@ struct Script {
   std::uint64_t seed = 1;
   std::string text;
   PersonScript person;
+  PresentationScript presentation;
   CardData card;
   CardPlace cardPlace;
   VoiceScript voice;

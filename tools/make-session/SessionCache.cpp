@@ -16,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Raised with every change to what the same script makes.
-constexpr const char* kToolVersion = "make-session 2";
+constexpr const char* kToolVersion = "make-session 3";
 
 class Digest {
  public:

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,7 @@
 #include "PersonView.h"
 #include "Picture.h"
 #include "Portrait.h"
+#include "Presentation.h"
 #include "Still.h"
 #include "Voice.h"
 #include "devices/pictures/ImageFile.h"
@@ -36,7 +38,7 @@ constexpr double kAfterCard = 2.0;
 constexpr int kPhotoWidth = 520;
 
 /// Every thing that moves has numbers of its own, so that a change to one leaves the others alone.
-enum class Stream : std::uint64_t { person = 1, card, grain, room, stills };
+enum class Stream : std::uint64_t { person = 1, card, grain, room, stills, presentation };
 
 Random stream(const Script& script, Stream which) {
   return Random(script.seed * 1000003ULL + static_cast<std::uint64_t>(which));
@@ -66,6 +68,7 @@ class Maker {
   Result<void> writeStills(const fs::path& folder);
   Result<Sound> makeSound();
   Result<void> writeFilm(const fs::path& file, const Sound& sound, const Progress& progress);
+  Result<std::unique_ptr<PersonView>> changedPerson();
   nlohmann::json account(const Sound& sound) const;
   double length(double speechSeconds) const;
 
@@ -160,16 +163,24 @@ Result<void> Maker::writeFilm(const fs::path& file, const Sound& sound, const Pr
   const PersonMotion personMotion(script_, length(sound.speechSeconds), personNumbers);
   const CardMotion cardMotion(script_, cardNumbers);
   PersonView personView(*person, script_.person);
+  auto changed = changedPerson();
+  if (!changed) return fault(changed.error());
+  Random presentationNumbers = stream(script_, Stream::presentation);
+  Presentation presentation(script_.presentation, presentationNumbers);
   const CardView cardView(card->front, card->back, script_.cardPlace.width,
                           personView.skinColour());
-  Grain grain(grainNumbers);
+  Grain grain(script_.person.light, grainNumbers);
   blinks_ = personMotion.blinks();
 
   cv::Mat picture;
   cv::Mat planes;
   for (std::size_t frame = 0; frame < sound.mouth.size(); ++frame) {
     const double seconds = static_cast<double>(frame) / kFramesPerSecond;
-    personView.draw(personMotion.at(seconds, sound.mouth[frame]), picture);
+    const bool isChanged = *changed && seconds >= script_.faults.changesAt;
+    PersonView& view = isChanged ? **changed : personView;
+    const double moment = presentation.momentShown(seconds);
+    view.draw(presentation.shown(personMotion.at(moment, sound.mouth[frame])), picture);
+    presentation.show(seconds, picture);
     cardView.draw(cardMotion.at(seconds), picture);
     cv::cvtColor(picture, planes, cv::COLOR_RGB2YUV_I420);
     grain.add(planes.rowRange(0, kPictureHeight), seconds);
@@ -177,6 +188,14 @@ Result<void> Maker::writeFilm(const fs::path& file, const Sound& sound, const Pr
     progress(frame + 1, sound.mouth.size());
   }
   return encoder->finish();
+}
+
+/// Null when the person stays the same.
+Result<std::unique_ptr<PersonView>> Maker::changedPerson() {
+  if (script_.faults.changedPerson.empty()) return nullptr;
+  auto person = portraits_.read(script_.faults.changedPerson);
+  if (!person) return fault(person.error());
+  return std::make_unique<PersonView>(*person, script_.person);
 }
 
 nlohmann::json Maker::account(const Sound& sound) const {
@@ -200,12 +219,17 @@ nlohmann::json Maker::account(const Sound& sound) const {
   if (faults.faceLeavesAt) faultNames.push_back("faceLeaves");
   if (faults.silence) faultNames.push_back("silence");
   if (!faults.wrongWords.empty()) faultNames.push_back("wrongWords");
+  if (!faults.changedPerson.empty()) {
+    faultNames.push_back("change");
+    events["personChanges"] = faults.changesAt;
+  }
   return {{"seed", script_.seed},
           {"width", kPictureWidth},
           {"height", kPictureHeight},
           {"framesPerSecond", kFramesPerSecond},
           {"frames", sound.mouth.size()},
           {"seconds", static_cast<double>(sound.mouth.size()) / kFramesPerSecond},
+          {"presentation", script_.presentation.kind},
           {"events", events},
           {"faults", faultNames},
           {"mrz", mrzLines(script_.card)}};

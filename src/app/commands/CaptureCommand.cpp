@@ -54,6 +54,10 @@ ExitCode finish(const RunRecord& record, const CaptureArguments& arguments,
   if (fs::exists(inputs.folder, error)) {
     written.content["folder"] = fs::absolute(inputs.folder).lexically_normal().string();
   }
+  // What the caller calls the person is for the record, not for a console or its log.
+  if (auto session = written.content.find("session"); session != written.content.end()) {
+    session->erase("subject");
+  }
   std::cout << written.content.dump(2) << std::endl;
   if (record.outcome) return ExitCode::result;
   const corvana::IDError& fault = record.outcome.error();

@@ -129,6 +129,18 @@ void addHabits(CLI::App& command, CaptureArguments& arguments) {
       "touch Done so many seconds after it appears, or never (default)");
 }
 
+void addSeal(CLI::App& command, CaptureArguments& arguments) {
+  command.add_option("--key", arguments.key,
+                     "private key that seals the record, made by `videoid key new`; see "
+                     "docs/evidence.md");
+  command.add_option("--session-id", arguments.sessionId,
+                     "name of this identification in the record (default: a random one in real "
+                     "time, none in media time)");
+  command.add_option("--subject", arguments.subject,
+                     "whom you take the person for, in the record only; better a number of yours "
+                     "than a name");
+}
+
 }  // namespace
 
 void addCaptureOptions(CLI::App& command, CaptureArguments& arguments) {
@@ -148,6 +160,7 @@ void addCaptureOptions(CLI::App& command, CaptureArguments& arguments) {
   command.add_option("--options", arguments.options,
                      "JSON file of options; `videoid options --print` lists them");
   addDocumentOptions(command, arguments.documents);
+  addSeal(command, arguments);
   addHabits(command, arguments);
   command
       .add_option(

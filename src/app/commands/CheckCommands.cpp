@@ -3,27 +3,12 @@
 #include "app/commands/Commands.h"
 #include "app/run/CaptureArguments.h"
 #include "app/run/MachineCheck.h"
-#include "app/run/RunRecord.h"
 #include "app/settings/OptionTable.h"
 
 namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
-
-ExitCode runVerify(const fs::path& folder) {
-  std::error_code ignored;
-  if (!fs::is_regular_file(folder / kResultFileName, ignored)) {
-    return complain(
-        std::cerr, ExitCode::wrongUse,
-        "\"" + folder.string() + "\" holds no " + kResultFileName + ". Name the folder of a run.");
-  }
-  const auto names = verifyRun(folder);
-  if (!names) return complain(std::cerr, ExitCode::flowError, names.error().sentence);
-  for (const std::string& name : *names)
-    std::cout << name << ": unchanged\n";
-  return ExitCode::result;
-}
 
 ExitCode runDoctor(const fs::path& folder) {
   bool fine = true;
@@ -52,14 +37,6 @@ ExitCode runOptions() {
 }
 
 }  // namespace
-
-void addVerifyCommand(CLI::App& app, ExitCode& exitCode) {
-  CLI::App& command =
-      *app.add_subcommand("verify", "Check that the files of a run are those that it left");
-  auto folder = std::make_shared<fs::path>();
-  command.add_option("folder", *folder, "the run's folder")->required();
-  command.callback([folder, &exitCode] { exitCode = runVerify(*folder); });
-}
 
 void addDoctorCommand(CLI::App& app, ExitCode& exitCode) {
   CLI::App& command =

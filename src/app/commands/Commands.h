@@ -9,10 +9,16 @@ namespace corvana::app {
 
 /// `videoid enroll`: an earlier capture of a card, read into a reference.
 void addEnrollCommand(CLI::App& app, ExitCode& exitCode);
-/// `videoid verify`: the hashes of a run's folder.
+/// `videoid key`: makes and shows the key that seals records.
+void addKeyCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid verify`: whether a record is what was recorded, and who vouches for it.
 void addVerifyCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid timestamp`: a third party's word for when a record was there.
+void addTimestampCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid devices`: cameras and microphones that `capture` can use.
 void addDevicesCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid documents`: the kinds of documents that are known.
+void addDocumentsCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid doctor`: what the machine lacks.
 void addDoctorCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid options`: every key with unit, default and meaning.

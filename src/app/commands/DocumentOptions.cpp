@@ -17,6 +17,13 @@ void addDocumentOptions(CLI::App& command, DocumentChoice& choice) {
       .add_option("--least-age", choice.leastAge,
                   "years that the holder must have reached on that day (default 0: any age)")
       ->check(CLI::Range(0, 150).description(""));
+  addDocumentsFolder(command, choice);
+}
+
+void addDocumentsFolder(CLI::App& command, DocumentChoice& choice) {
+  command.add_option("--documents", choice.folder,
+                     "folder of further kinds of documents, or of others in place of those that "
+                     "come with the program; see docs/documents.md");
 }
 
 }  // namespace corvana::app

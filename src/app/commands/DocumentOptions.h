@@ -6,7 +6,9 @@
 
 namespace corvana::app {
 
-/// --date and --least-age.
+/// --date, --least-age and --documents.
 void addDocumentOptions(CLI::App& command, DocumentChoice& choice);
+/// --documents alone.
+void addDocumentsFolder(CLI::App& command, DocumentChoice& choice);
 
 }  // namespace corvana::app

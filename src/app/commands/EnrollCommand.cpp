@@ -3,6 +3,7 @@
 
 #include "app/commands/Commands.h"
 #include "app/commands/DocumentOptions.h"
+#include "app/run/DocumentFolders.h"
 #include "app/run/DocumentHints.h"
 #include "app/run/Reference.h"
 #include "app/run/Resources.h"
@@ -54,6 +55,11 @@ tl::expected<DetectedData, Refusal> readSide(engine::DocumentAnalyzer& documents
   // Before the camera such a back is never taken for a complete one: the run could only time out.
   const bool lacksCode =
       (data.shouldHaveMrz && !data.mrz) || (data.shouldHaveBarcode && !data.barcode);
+  if (isFront && lacksCode) {
+    return refuse("The machine-readable zone or barcode that a " + *data.type +
+                  " has could not be read on \"" + path.string() +
+                  "\"; take a sharper picture of the whole card on a plain ground.");
+  }
   if (!data.side || lacksCode) {
     return refuse("Neither a machine-readable zone nor a barcode could be read on \"" +
                   path.string() +
@@ -101,10 +107,14 @@ std::string documentFault(const Reference& reference, const DocumentRules& rules
 tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
                                                const DocumentRules& rules) {
   const Resources resources = findResources();
+  const auto tables = loadDocuments(resources, arguments.documents);
+  if (!tables) return tl::unexpected(tables.error());
   auto documents = engine::FaceDetector::load(resources.faceDetector()).and_then([&](auto&& faces) {
     return engine::DocumentAnalyzer::load(
         std::make_shared<engine::FaceDetector>(std::forward<decltype(faces)>(faces)),
-        {.text = resources.textReader(), .today = rules.today});
+        {.text = resources.textReader(),
+         .documents = documentFolders(resources, arguments.documents),
+         .today = rules.today});
   });
   if (!documents) {
     return tl::unexpected(Refusal{ExitCode::machineLacks, documents.error().sentence});
@@ -115,6 +125,12 @@ tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
   reference.front = std::move(*front);
   describe("front", reference.front);
   if (!arguments.back) return reference;
+  const auto* kind = tables->kinds.ofType(reference.front.type.value_or(""));
+  if (kind && !kind->back) {
+    return tl::unexpected(
+        Refusal{ExitCode::wrongUse, "\"" + arguments.front.string() + "\" shows a " + kind->stem +
+                                        ", which has no back; leave out --back."});
+  }
   auto back = readSide(*documents, *arguments.back, DocumentSide::back);
   if (!back) return tl::unexpected(back.error());
   reference.back = std::move(*back);

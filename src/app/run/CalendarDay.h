@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 
 #include "engine/document/fields/CalendarDates.h"
@@ -16,6 +17,8 @@ struct DocumentRules {
 struct DocumentChoice {
   std::optional<engine::CalendarDate> date;  ///< absent: what day it is where the machine stands
   int leastAge = 0;
+  /// Kinds of documents and labels beside those that come with the program.
+  std::optional<std::filesystem::path> folder;
 };
 
 /// Asks the system for the day where none was given: once a run, and nothing is timed with it.

@@ -32,6 +32,9 @@ struct CaptureArguments {
   std::optional<std::filesystem::path> output;
   std::optional<std::filesystem::path> options;
   DocumentChoice documents;
+  std::optional<std::filesystem::path> key;  ///< that seals the record; absent: nothing does
+  std::optional<std::string> sessionId;
+  std::optional<std::string> subject;
   devices::PersonHabits habits;
   /// The habits answer the screens, not the person before the window.
   bool personIsVirtual = true;

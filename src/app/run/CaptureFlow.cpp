@@ -3,6 +3,7 @@
 #include <iostream>
 #include <utility>
 
+#include "app/seal/Sha256.h"
 #include "capture/ControllerFactories.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
 
@@ -48,16 +49,25 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
     : arguments_(arguments),
       inputs_(prepared.inputs),
       rules_(prepared.rules),
+      identity_(prepared.identity),
       loop_(*prepared.stage.loop),
       screen_(*prepared.stage.screen),
       media_(prepared.media),
       analyzer_(prepared.analyzer),
       progress_(std::move(progress)),
       signals_([&loop = loop_] { loop.wake(); }),
-      events_(loop_, inputs_.folder / EventLog::kFileName,
-              [this](const platform::Fault& fault) { eventsFailed(fault); }),
+      seal_(makeSeal()),
+      events_(
+          loop_, inputs_.folder / EventLog::kFileName,
+          [this](const platform::Fault& fault) { recordFailed(fault); },
+          seal_ ? seal_->events() : nullptr),
       card_(events_, rules_),
       reporter_(loop_, [this](const FlowEvent& event) { report(event); }),
+      cardHints_(card_,
+                 [this](const std::string& words) {
+                   reporter_.hinted(words);
+                   screen_.hint(words);
+                 }),
       person_(loop_, arguments.habits),
       console_(std::cerr),
       sourceDevices_(media_),
@@ -71,11 +81,21 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
              {console_, application_, mediaDevices_, speechAuthorization_, sounds_}),
       films_(loop_),
       host_(hostSetup()) {
+  if (seal_) films_.showTo(seal_->witnesses());
   world_.hub().add(reporter_);
   if (arguments.personIsVirtual) world_.hub().add(person_);
 }
 
 CaptureFlow::~CaptureFlow() = default;
+
+std::optional<RunSeal> CaptureFlow::makeSeal() {
+  if (!inputs_.key) return std::nullopt;
+  const auto now = readClock();
+  return std::make_optional<RunSeal>(
+      loop_, inputs_.folder, *inputs_.key,
+      sessionToJson(identity_, now, inputs_.referenceSums, sha256Of(inputs_.text)),
+      [this](const platform::Fault& fault) { recordFailed(fault); });
+}
 
 engine::EngineHost::Setup CaptureFlow::hostSetup() {
   auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
@@ -89,7 +109,7 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
           inputs_.folder,
           arguments_.keepFailedRuns,
           screen_.size(),
-          &card_,
+          &cardHints_,
           [this](const platform::Fault& fault) { end_.fail(fault); }};
 }
 
@@ -124,7 +144,7 @@ void CaptureFlow::warn(const std::string& sentence) {
   events_.add("warning", {{"text", sentence}});
 }
 
-void CaptureFlow::eventsFailed(const platform::Fault& fault) {
+void CaptureFlow::recordFailed(const platform::Fault& fault) {
   if (end_.isThere() && end_.outcome()) console_.print("WARNING: " + fault.sentence);
   end_.fail(fault);
 }
@@ -156,6 +176,7 @@ void CaptureFlow::close() {
 }
 
 RunRecord CaptureFlow::run() {
+  const auto started = readClock();
   watchWorld();
   start();
   const auto limit = loop_.now() + platform::seconds(arguments_.maxDurationSeconds);
@@ -168,10 +189,26 @@ RunRecord CaptureFlow::run() {
   const bool succeeded = end_.outcome().has_value();
   events_.add("end", {{"outcome", succeeded ? "result" : "error"}});
   close();
-  RunRecord record{
-      end_.outcome(), UsedDevices::of(*media_), {}, 0, {}, 1 + events_.retries(), {}, {}};
-  record.date = engine::isoDate(rules_.today);
-  record.hints = card_.hints();
+  return makeRecord(started);
+}
+
+std::optional<ClockReading> CaptureFlow::readClock() const {
+  if (!identity_.clock) return std::nullopt;
+  return identity_.clock();
+}
+
+RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
+  RunRecord record{.outcome = end_.outcome(),
+                   .devices = UsedDevices::of(*media_),
+                   .runs = 1 + events_.retries(),
+                   .date = engine::isoDate(rules_.today),
+                   .hints = card_.hints(),
+                   .identity = identity_,
+                   .started = started,
+                   .ended = readClock(),
+                   .reference = inputs_.referenceSums,
+                   .text = sha256Of(inputs_.text),
+                   .key = inputs_.key};
   if (const auto film = host_.film()) {
     record.recording = film->counters();
     record.films = film->fileNames();

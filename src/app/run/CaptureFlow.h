@@ -2,14 +2,17 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "app/run/CardHints.h"
 #include "app/run/CardWatch.h"
 #include "app/run/EventLog.h"
 #include "app/run/FlowEnd.h"
 #include "app/run/FlowWorld.h"
 #include "app/run/Preflight.h"
 #include "app/run/SourceMediaDevices.h"
+#include "app/seal/RunSeal.h"
 #include "devices/film/FilmWriter.h"
 #include "devices/screen/FlowReporter.h"
 #include "devices/system/TerminalSystem.h"
@@ -33,17 +36,20 @@ class CaptureFlow final : private corvana::DecisionObserver {
 
  private:
   engine::EngineHost::Setup hostSetup();
+  std::optional<RunSeal> makeSeal();
   void start();
   void watchWorld();
   /// What has ended by itself or by a signal.
   bool hasEnded();
-  /// A line of events that is missing spoils the evidence.
-  void eventsFailed(const platform::Fault& fault);
+  /// A line of events or of the seal that is missing spoils the evidence.
+  void recordFailed(const platform::Fault& fault);
   /// Tells the terminal and the record of the run, not the person before a window.
   void warn(const std::string& sentence);
   /// After the camera's end; a film that is being stopped is waited for.
   void endAfterGrace(bool filmWasStopping = false);
   void close();
+  RunRecord makeRecord(std::optional<ClockReading> started) const;
+  std::optional<ClockReading> readClock() const;
   void report(const devices::FlowEvent& event);
   void decided(const corvana::Decision& decision) override { events_.decided(decision); }
   void prompted(corvana::PromptPlace place, corvana::PromptType type) override {
@@ -53,6 +59,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   const CaptureArguments& arguments_;
   const CaptureInputs& inputs_;
   const DocumentRules rules_;
+  const RunIdentity identity_;
   platform::DrivenLoop& loop_;
   FlowScreen& screen_;
   std::shared_ptr<devices::MediaSource> media_;
@@ -61,9 +68,11 @@ class CaptureFlow final : private corvana::DecisionObserver {
   FlowEnd end_;
   devices::TerminationSignals signals_;
 
+  std::optional<RunSeal> seal_;  ///< where there is a key
   EventLog events_;
   CardWatch card_;
   devices::FlowReporter reporter_;
+  CardHints cardHints_;
   devices::HeadlessPerson person_;
   devices::StreamConsole console_;
   devices::NoSettingsApplication application_;

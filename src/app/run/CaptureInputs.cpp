@@ -1,5 +1,8 @@
 #include "app/run/CaptureInputs.h"
 
+#include <algorithm>
+#include <vector>
+
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
@@ -9,9 +12,11 @@ namespace corvana::app {
 namespace {
 
 namespace fs = std::filesystem;
+using nlohmann::ordered_json;
 
 constexpr std::uint64_t kMostOptionsBytes = 1 << 16;
 constexpr int kMostNumberedFolders = 10000;
+constexpr std::size_t kLongestName = 200;
 
 bool isUtf8(const std::string& text) {
   std::string back;
@@ -55,6 +60,30 @@ Expected<void> setOptions(const std::optional<fs::path>& file) {
   return applyOptions(*object);
 }
 
+Expected<void> checkName(const char* option, const std::optional<std::string>& name) {
+  if (!name) return {};
+  const bool isPrintable = std::ranges::all_of(
+      *name, [](char letter) { return static_cast<unsigned char>(letter) >= ' '; });
+  if (!name->empty() && name->size() <= kLongestName && isPrintable && isUtf8(*name)) return {};
+  return platform::failure(std::string(option) + " must be 1 to " + std::to_string(kLongestName) +
+                           " bytes of UTF-8 without control characters.");
+}
+
+Expected<ordered_json> sumsOfReference(const fs::path& folder) {
+  std::vector<fs::path> files;
+  std::error_code error;
+  for (const auto& entry : fs::directory_iterator(folder, error)) {
+    if (entry.is_regular_file(error)) files.push_back(entry.path());
+  }
+  std::ranges::sort(files);
+  return sumsOf(files);
+}
+
+Expected<std::optional<SigningKey>> loadKey(const std::optional<fs::path>& file) {
+  if (!file) return std::optional<SigningKey>();
+  return SigningKey::load(*file).map([](SigningKey key) { return std::optional(std::move(key)); });
+}
+
 Expected<fs::path> chooseFolder(const std::optional<fs::path>& wanted) {
   if (wanted) {
     if (auto checked = checkEmptyFolder(*wanted); !checked) return tl::unexpected(checked.error());
@@ -78,6 +107,16 @@ Expected<CaptureInputs> checkInputs(const CaptureArguments& arguments) {
   auto reference = loadReference(arguments.reference);
   if (!reference) return tl::unexpected(reference.error());
   inputs.reference = std::move(*reference);
+  auto sums = sumsOfReference(arguments.reference);
+  if (!sums) return tl::unexpected(sums.error());
+  inputs.referenceSums = std::move(*sums);
+  for (const auto& checked : {checkName("--session-id", arguments.sessionId),
+                              checkName("--subject", arguments.subject)}) {
+    if (!checked) return tl::unexpected(checked.error());
+  }
+  auto key = loadKey(arguments.key);
+  if (!key) return tl::unexpected(key.error());
+  inputs.key = std::move(*key);
   auto media = chooseMedia(arguments.source, arguments.videoCodec);
   if (!media) return tl::unexpected(media.error());
   inputs.openMedia = std::move(*media);

@@ -2,18 +2,22 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "app/run/CaptureArguments.h"
 #include "app/run/Files.h"
 #include "app/run/Reference.h"
+#include "app/seal/Keys.h"
 
 namespace corvana::app {
 
 /// All that a run is given, checked before anything is recorded.
 struct CaptureInputs {
   Reference reference;
+  nlohmann::ordered_json referenceSums;  ///< SHA-256 of every file in the reference's folder
   std::string text;
+  std::optional<SigningKey> key;  ///< seals the record
   MediaOpener openMedia;
   std::filesystem::path folder;  ///< of the run: free, but not made yet
 };

@@ -48,6 +48,12 @@ const char* nameOf(Kind kind) {
       return "mode";
     case Kind::call:
       return "call";
+    case Kind::hint:
+      return "hint";
+    case Kind::liveness:
+      return "liveness";
+    case Kind::sign:
+      return "sign";
   }
   return "";
 }
@@ -55,11 +61,12 @@ const char* nameOf(Kind kind) {
 }  // namespace
 
 EventLog::EventLog(const platform::RunLoop& loop, const std::filesystem::path& path,
-                   OnFault onFault)
+                   OnFault onFault, std::shared_ptr<EventSums> sums)
     : loop_(loop),
       start_(loop.now()),
       path_(path),
       onFault_(std::move(onFault)),
+      sums_(std::move(sums)),
       file_(path, std::ios::app) {
   std::error_code ignored;  // A file system without permissions is no reason to stop.
   std::filesystem::permissions(
@@ -75,6 +82,7 @@ void EventLog::add(const std::string& event, const ordered_json& fields) {
   file_ << text << std::flush;
   if (!file_) return breakOff(writeFault(path_, errno == 0 ? EIO : errno));
   bytes_ += text.size();
+  if (sums_) sums_->add(loop_.now(), text);
   // A file that was removed can be written, but nobody will find it.
   std::error_code error;
   if (std::filesystem::exists(path_, error)) return;

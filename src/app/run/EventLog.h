@@ -4,10 +4,12 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include <nlohmann/json.hpp>
 
+#include "app/seal/EventSums.h"
 #include "corvana/Decision.h"
 #include "engine/recorder/RecorderObserver.h"
 #include "platform/foundation/Fault.h"
@@ -22,8 +24,10 @@ class EventLog final : public engine::RecorderObserver {
  public:
   using OnFault = std::function<void(const platform::Fault&)>;
 
-  /// `onFault` comes once at most, from within `add`.
-  EventLog(const platform::RunLoop& loop, const std::filesystem::path& path, OnFault onFault);
+  /// `onFault` comes once at most, from within `add`. Each line is told to `sums`, if there are
+  /// any.
+  EventLog(const platform::RunLoop& loop, const std::filesystem::path& path, OnFault onFault,
+           std::shared_ptr<EventSums> sums = nullptr);
 
   /// How often the recorder was told to begin anew.
   int retries() const { return retries_; }
@@ -41,6 +45,7 @@ class EventLog final : public engine::RecorderObserver {
   platform::TimePoint start_;
   const std::filesystem::path path_;
   const OnFault onFault_;
+  const std::shared_ptr<EventSums> sums_;
   std::ofstream file_;
   std::uintmax_t bytes_ = 0;  ///< of all whole lines
   bool broken_ = false;

@@ -2,13 +2,12 @@
 
 #include <array>
 #include <fstream>
-#include <memory>
 #include <sstream>
 #include <system_error>
 
-#include <openssl/evp.h>
 #include <unistd.h>
 
+#include "app/seal/Sha256.h"
 #include "devices/system/DiskSync.h"
 
 namespace corvana::app {
@@ -16,22 +15,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kDeepestJson = 64;
 constexpr auto kOwnerFile = fs::perms::owner_read | fs::perms::owner_write;
 constexpr auto kOwnerFolder = fs::perms::owner_all;
 
 std::string quoted(const fs::path& path) {
   return "\"" + path.string() + "\"";
-}
-
-std::string hexadecimal(const unsigned char* bytes, unsigned int count) {
-  constexpr const char* kDigits = "0123456789abcdef";
-  std::string text;
-  for (unsigned int i = 0; i < count; ++i) {
-    text += kDigits[bytes[i] >> 4];
-    text += kDigits[bytes[i] & 15];
-  }
-  return text;
 }
 
 Expected<void> sync(const fs::path& path) {
@@ -42,21 +30,6 @@ Expected<void> sync(const fs::path& path) {
 }
 
 }  // namespace
-
-Expected<std::string> readFile(const fs::path& path, std::uint64_t maxBytes) {
-  std::error_code error;
-  if (!fs::exists(path, error)) return platform::failure("There is no file " + quoted(path) + ".");
-  if (!fs::is_regular_file(path, error)) return platform::failure(quoted(path) + " is not a file.");
-  if (fs::file_size(path, error) > maxBytes) {
-    return platform::failure("The file " + quoted(path) + " is larger than " +
-                             std::to_string(maxBytes) + " bytes; give a smaller one.");
-  }
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream content;
-  content << file.rdbuf();
-  if (!file) return platform::failure("The file " + quoted(path) + " could not be read.");
-  return content.str();
-}
 
 Expected<void> writeFile(const fs::path& path, const std::string& content) {
   const fs::path draft = path.string() + ".new";
@@ -79,41 +52,29 @@ Expected<void> writeFile(const fs::path& path, const std::string& content) {
   return {};
 }
 
-Expected<nlohmann::json> parseJson(const std::string& text, const std::string& name) {
-  bool tooDeep = false;
-  const auto callback = [&](int depth, nlohmann::json::parse_event_t, nlohmann::json&) {
-    tooDeep = tooDeep || depth > kDeepestJson;
-    return !tooDeep;
-  };
-  try {
-    auto value = nlohmann::json::parse(text, callback);
-    if (tooDeep)
-      return platform::failure("\"" + name + "\" is nested deeper than any file of this program.");
-    return value;
-  } catch (const nlohmann::json::parse_error& error) {
-    return platform::failure("\"" + name + "\" is not valid JSON: the fault is at byte " +
-                             std::to_string(error.byte) + ".");
-  } catch (const nlohmann::json::exception&) {
-    return platform::failure("\"" + name + "\" holds a number that is too large.");
-  }
-}
-
 Expected<std::string> sha256(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) return platform::failure("There is no file " + quoted(path) + ".");
-  const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(),
-                                                                        EVP_MD_CTX_free);
-  EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr);
+  Sha256 sum;
   std::array<char, 1 << 16> buffer{};
   while (file) {
     file.read(buffer.data(), buffer.size());
-    EVP_DigestUpdate(context.get(), buffer.data(), static_cast<std::size_t>(file.gcount()));
+    sum.add(buffer.data(), static_cast<std::size_t>(file.gcount()));
   }
   if (file.bad()) return platform::failure("The file " + quoted(path) + " could not be read.");
-  std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-  unsigned int length = 0;
-  EVP_DigestFinal_ex(context.get(), digest.data(), &length);
-  return hexadecimal(digest.data(), length);
+  return sum.hexadecimal();
+}
+
+Expected<nlohmann::ordered_json> sumsOf(const std::vector<fs::path>& files) {
+  auto sums = nlohmann::ordered_json::object();
+  for (const fs::path& file : files) {
+    std::error_code error;
+    if (!fs::exists(file, error)) continue;
+    auto sum = sha256(file);
+    if (!sum) return tl::unexpected(sum.error());
+    sums[file.filename().string()] = *sum;
+  }
+  return sums;
 }
 
 Expected<void> checkEmptyFolder(const fs::path& path) {

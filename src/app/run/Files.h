@@ -1,27 +1,26 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
+#include <vector>
 
-#include <nlohmann/json.hpp>
-
+#include "engine/json/JsonFile.h"
 #include "platform/foundation/Fault.h"
+
 namespace corvana::app {
 
+using engine::parseJson;
+using engine::readFile;
 using platform::Expected;
-
-/// Refuses folders, missing files and files of more than `maxBytes`.
-Expected<std::string> readFile(const std::filesystem::path& path, std::uint64_t maxBytes);
 
 /// Replaces the file as a whole, or not at all; readable by its owner only.
 Expected<void> writeFile(const std::filesystem::path& path, const std::string& content);
 
-/// Parses JSON text; refuses what is nested deeper than 64 levels.
-Expected<nlohmann::json> parseJson(const std::string& text, const std::string& name);
-
 /// Lower-case hexadecimal SHA-256 of the file's bytes.
 Expected<std::string> sha256(const std::filesystem::path& path);
+
+/// The SHA-256 of each file by its name, in their order. Files that are not there are left out.
+Expected<nlohmann::ordered_json> sumsOf(const std::vector<std::filesystem::path>& files);
 
 /// Refuses what can't become a run's folder: a file, a folder that is not empty or not writable.
 Expected<void> checkEmptyFolder(const std::filesystem::path& path);

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "app/run/Resources.h"
 #include "app/settings/AppearanceTable.h"
@@ -30,6 +31,8 @@ class FlowScreen {
   /// The devices for the flow, such that the screen sees the camera's pictures as well.
   virtual std::unique_ptr<platform::MediaDevices> watch(platform::MediaDevices&) { return nullptr; }
   virtual void play(platform::SystemSoundID) {}
+  /// Shows words of the host's own, outside all views; empty: none any more.
+  virtual void hint(const std::string& /*words*/) {}
   /// `onClose` is told when the user wants to be rid of the screen; may be null.
   virtual void setOnClose(const std::function<void()>& /*onClose*/) {}
   /// What can be seen, as a PNG file; false when it can't be written or nothing is to be seen.

@@ -6,6 +6,7 @@
 
 #include "devices/film/FilmSettings.h"
 #include "devices/gstreamer/MediaElements.h"
+#include "engine/document/kinds/DocumentTables.h"
 #include "engine/document/mrz/MrzGlyphClassifier.h"
 #include "engine/document/text/NetworkTextReader.h"
 #include "engine/speech/SpeechModelPaths.h"
@@ -49,6 +50,11 @@ Finding speechModel() {
 Finding textModels(const Resources& resources) {
   const auto loaded = engine::NetworkTextReader::load(resources.textReader());
   return {"text recognition models", loaded.has_value(), loaded ? "" : loaded.error().sentence};
+}
+
+Finding documents(const Resources& resources) {
+  const auto loaded = engine::loadDocumentTables({resources.documents()});
+  return {"kinds of documents", loaded.has_value(), loaded ? "" : loaded.error().sentence};
 }
 
 Finding mediaPlugins() {
@@ -109,9 +115,10 @@ std::vector<Finding> examineMachine() {
 std::vector<Finding> examine(const Resources& resources) {
   const fs::path detector = resources.faceDetector();
   const fs::path landmarks = resources.faceLandmarks();
-  std::vector<Finding> findings{
-      examineFaceModel(resources), model(detector, engine::FaceDetector::load(detector)),
-      model(landmarks, engine::FaceLandmarks::load(landmarks)), textModels(resources)};
+  std::vector<Finding> findings{examineFaceModel(resources),
+                                model(detector, engine::FaceDetector::load(detector)),
+                                model(landmarks, engine::FaceLandmarks::load(landmarks)),
+                                textModels(resources), documents(resources)};
   std::ranges::move(examineMachine(), std::back_inserter(findings));
   return findings;
 }

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "app/run/DocumentFolders.h"
 #include "app/run/MachineCheck.h"
 #include "devices/loudspeaker/EspeakSynthesizer.h"
 #include "engine/recorder/LateFrameAnalyzer.h"
@@ -52,22 +53,24 @@ std::unique_ptr<FlowScreen> makeScreenFor(const CaptureArguments& arguments,
 
 using Analyzer = std::shared_ptr<engine::FrameAnalyzer>;
 
-Expected<Analyzer> loadAnalyzer(const Resources& resources, const DocumentRules& rules) {
+Expected<Analyzer> loadAnalyzer(const Resources& resources, const DocumentChoice& documents,
+                                const DocumentRules& rules) {
   if (const auto lack = lacks({examineFaceModel(resources)}); !lack.empty()) {
     return platform::failure(lack);
   }
   auto loaded = engine::VisionFrameAnalyzer::load(
-      {resources.faceDetector(), resources.faceLandmarks(), resources.textReader(), rules.today});
+      {resources.faceDetector(), resources.faceLandmarks(), resources.faceModel(),
+       resources.textReader(), documentFolders(resources, documents), rules.today});
   if (!loaded) return tl::unexpected(loaded.error());
   return *loaded;
 }
 
 /// A user does not wait for the models to see their picture; a replay has all the time it wants.
-Expected<Analyzer> startAnalyzer(const Resources& resources, const DocumentRules& rules,
-                                 platform::RunLoop& loop) {
-  if (loop.isVirtual()) return loadAnalyzer(resources, rules);
-  return engine::LateFrameAnalyzer::start(
-      loop, [resources, rules] { return loadAnalyzer(resources, rules); });
+Expected<Analyzer> startAnalyzer(const Resources& resources, const DocumentChoice& documents,
+                                 const DocumentRules& rules, platform::RunLoop& loop) {
+  const auto load = [=] { return loadAnalyzer(resources, documents, rules); };
+  if (loop.isVirtual()) return load();
+  return engine::LateFrameAnalyzer::start(loop, load);
 }
 
 /// What is missing whatever the camera is; empty when nothing is.
@@ -93,6 +96,18 @@ tl::expected<WindowWishes, Refusal> chooseLooks(const CaptureArguments& argument
   return wishes;
 }
 
+/// Why no card before the camera could come to be what the reference is of; empty when one can.
+std::string kindFault(const Reference& reference, const engine::DocumentKinds& kinds) {
+  for (const auto* side : {&reference.front, reference.back ? &*reference.back : nullptr}) {
+    if (side == nullptr || !side->type || kinds.ofType(*side->type)) continue;
+    return "The reference is of a " + *side->type +
+           ", of which no kind of document that is known tells; give the folder of --documents "
+           "that "
+           "it was enrolled with.";
+  }
+  return {};
+}
+
 /// Why the options can't be obeyed, before any file is opened; empty when they can.
 std::string optionsFault(const CaptureArguments& arguments) {
   if (!arguments.text && !arguments.textFile) {
@@ -109,17 +124,24 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   }
   PreparedCapture prepared;
   prepared.resources = findResources();
+  const auto tables = loadDocuments(prepared.resources, arguments.documents);
+  if (!tables && arguments.documents.folder) return tl::unexpected(tables.error());
   const auto wishes = chooseLooks(arguments, prepared.resources);
   if (!wishes) return tl::unexpected(wishes.error());
   prepared.rules = documentRules(arguments.documents);
   auto inputs = checkInputs(arguments);
   if (!inputs) return refuse(ExitCode::wrongUse, inputs.error().sentence);
   prepared.inputs = std::move(*inputs);
+  if (const auto fault = tables ? kindFault(prepared.inputs.reference, tables->kinds) : "";
+      !fault.empty()) {
+    return refuse(ExitCode::wrongUse, fault);
+  }
   if (const auto lack = machineLack(arguments); !lack.empty()) {
     return refuse(ExitCode::machineLacks, lack);
   }
   prepared.stage.loop = makeLoopFor(arguments);
   platform::RunLoop& loop = *prepared.stage.loop;
+  prepared.identity = identify(arguments.sessionId, arguments.subject, loop.isVirtual());
   auto media = prepared.inputs.openMedia(loop);
   if (!media) return refuse(ExitCode::wrongUse, media.error().sentence);
   prepared.media = *media;
@@ -128,7 +150,7 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   if (const auto lack = lacks({diskSpace(folder, needed)}); !lack.empty()) {
     return refuse(ExitCode::machineLacks, lack);
   }
-  auto analyzer = startAnalyzer(prepared.resources, prepared.rules, loop);
+  auto analyzer = startAnalyzer(prepared.resources, arguments.documents, prepared.rules, loop);
   if (!analyzer) return refuse(ExitCode::machineLacks, analyzer.error().sentence);
   prepared.analyzer = *analyzer;
   if (auto made = makeEmptyFolder(folder); !made) {

@@ -9,6 +9,7 @@
 #include "app/run/ExitCode.h"
 #include "app/run/FlowScreen.h"
 #include "app/run/Resources.h"
+#include "app/run/RunIdentity.h"
 #include "devices/film/MediaSource.h"
 #include "engine/recorder/FrameAnalyzer.h"
 
@@ -19,6 +20,7 @@ struct PreparedCapture {
   CaptureInputs inputs;
   DocumentRules rules;
   Resources resources;
+  RunIdentity identity;
   FlowStage stage;
   std::shared_ptr<devices::MediaSource> media;
   std::shared_ptr<engine::FrameAnalyzer> analyzer;

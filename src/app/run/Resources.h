@@ -11,7 +11,7 @@ namespace corvana::app {
 /// Where the program's resources lie.
 struct Resources {
   std::filesystem::path module;  ///< of the capture module: facenet.tflite, drawings
-  std::filesystem::path engine;  ///< of the reference host: face detection models
+  std::filesystem::path engine;  ///< of the reference host: models, kinds of documents
 
   std::filesystem::path storyboards;  ///< QML modules of the window
 
@@ -23,6 +23,7 @@ struct Resources {
   engine::NetworkTextReader::Models textReader() const {
     return engine::NetworkTextReader::Models::inFolder(engine);
   }
+  std::filesystem::path documents() const { return engine / "documents"; }
   std::vector<std::filesystem::path> models() const {
     std::vector<std::filesystem::path> files{faceModel(), faceDetector(), faceLandmarks()};
     const auto text = textReader().files();

@@ -1,6 +1,9 @@
 #include "app/run/RunRecord.h"
 
+#include "app/run/BuildId.h"
 #include "app/run/EventLog.h"
+#include "app/seal/Jws.h"
+#include "app/seal/SealLog.h"
 #include "app/settings/OptionTable.h"
 #include "devices/pictures/ImageFile.h"
 
@@ -11,7 +14,6 @@ namespace fs = std::filesystem;
 using nlohmann::ordered_json;
 
 constexpr int kFormatVersion = 1;
-constexpr std::uint64_t kMostResultBytes = 1 << 20;
 
 ordered_json outcomeToJson(const RunRecord& record) {
   const Outcome& outcome = record.outcome;
@@ -55,15 +57,8 @@ Expected<void> writeSelfie(const Outcome& outcome, const fs::path& folder) {
   return devices::writePng(folder / kSelfieFileName, *image->pixels());
 }
 
-Expected<ordered_json> hashesOf(const std::vector<fs::path>& files) {
-  ordered_json hashes = ordered_json::object();
-  for (const fs::path& file : files) {
-    if (!fs::exists(file)) continue;
-    auto hash = sha256(file);
-    if (!hash) return tl::unexpected(hash.error());
-    hashes[file.filename().string()] = *hash;
-  }
-  return hashes;
+ordered_json programToJson() {
+  return {{"name", "videoid"}, {"version", CORVANA_VERSION}, {"build", buildId()}};
 }
 
 ordered_json recordToJson(const RunRecord& record) {
@@ -74,7 +69,10 @@ ordered_json recordToJson(const RunRecord& record) {
   object["date"] = record.date;
   object["hints"] = hintsToJson(record.hints);
   object["options"] = currentOptions();
-  object["program"] = {{"name", "videoid"}, {"version", CORVANA_VERSION}};
+  object["program"] = programToJson();
+  object.update(identityToJson(record.identity, record.started, record.ended));
+  object["reference"] = record.reference;
+  object["text"] = record.text;
   return object;
 }
 
@@ -82,16 +80,24 @@ std::vector<fs::path> filesOf(const RunRecord& record, const fs::path& folder) {
   std::vector<fs::path> files;
   for (const std::string& film : record.films)
     files.push_back(folder / film);
-  files.insert(files.end(), {folder / kSelfieFileName, folder / EventLog::kFileName});
+  files.insert(files.end(), {folder / kSelfieFileName, folder / EventLog::kFileName,
+                             folder / SealLog::kFileName});
   return files;
 }
 
 Expected<void> addHashes(const std::string& key, const std::vector<fs::path>& files,
                          ordered_json& object) {
-  auto hashes = hashesOf(files);
+  auto hashes = sumsOf(files);
   if (!hashes) return tl::unexpected(hashes.error());
   object[key] = std::move(*hashes);
   return {};
+}
+
+Expected<void> writeSealed(const std::string& content, const std::optional<SigningKey>& key,
+                           const fs::path& folder) {
+  auto written = writeFile(folder / kResultFileName, content);
+  if (!written || !key) return written;
+  return writeFile(folder / kResultSealName, sealDetached(*key, content));
 }
 
 }  // namespace
@@ -110,6 +116,16 @@ ordered_json devicesToJson(const UsedDevices& devices) {
   return object;
 }
 
+ordered_json sessionToJson(const RunIdentity& identity, const std::optional<ClockReading>& start,
+                           const ordered_json& reference, const std::string& text) {
+  ordered_json object = identityToJson(identity, start, start);
+  object["options"] = currentOptions();
+  object["program"] = programToJson();
+  object["reference"] = reference;
+  object["text"] = text;
+  return object;
+}
+
 WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources,
                              const fs::path& folder) {
   WrittenRecord result{recordToJson(record), {}};
@@ -117,38 +133,10 @@ WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources
       writeSelfie(record.outcome, folder)
           .and_then([&] { return addHashes("models", resources.models(), result.content); })
           .and_then([&] { return addHashes("sha256", filesOf(record, folder), result.content); })
-          .and_then(
-              [&] { return writeFile(folder / kResultFileName, result.content.dump(2) + "\n"); })
+          .and_then([&] { return writeSealed(result.content.dump(2) + "\n", record.key, folder); })
           .and_then([&] { return putOnDisk(folder); });
   if (!written) result.fault = written.error();
   return result;
-}
-
-Expected<std::vector<std::string>> verifyRun(const fs::path& folder) {
-  const fs::path path = folder / kResultFileName;
-  const auto text = readFile(path, kMostResultBytes);
-  if (!text) return tl::unexpected(text.error());
-  const auto object = parseJson(*text, path.string());
-  if (!object) return tl::unexpected(object.error());
-  const auto hashes = object->find("sha256");
-  if (hashes == object->end() || !hashes->is_object() || hashes->empty()) {
-    return platform::failure("\"" + path.string() +
-                             "\" names no hashes; it is not a run's result.");
-  }
-  std::vector<std::string> names;
-  for (const auto& [name, expected] : hashes->items()) {
-    if (fs::path(name).filename() != name) {
-      return platform::failure("\"" + path.string() + "\" names a file outside its folder.");
-    }
-    const auto actual = sha256(folder / name);
-    if (!actual) return tl::unexpected(actual.error());
-    if (!expected.is_string() || expected.get<std::string>() != *actual) {
-      return platform::failure(
-          "\"" + name + "\" is not the file that the run left: its SHA-256 is " + *actual + ".");
-    }
-    names.push_back(name);
-  }
-  return names;
 }
 
 }  // namespace corvana::app

@@ -12,6 +12,8 @@
 #include "app/run/DocumentHints.h"
 #include "app/run/Files.h"
 #include "app/run/Resources.h"
+#include "app/run/RunIdentity.h"
+#include "app/seal/Keys.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "corvana/IDError.h"
 #include "devices/film/MediaSource.h"
@@ -41,16 +43,31 @@ nlohmann::ordered_json devicesToJson(const UsedDevices& devices);
 struct RunRecord {
   Outcome outcome;
   UsedDevices devices;
-  platform::AssetWriterCounters recording;  ///< as `engine::Film` counts
+  platform::AssetWriterCounters recording = {};  ///< as `engine::Film` counts
   /// What the camera took while a film was open, in the films or not.
   std::uint64_t framesCaptured = 0;
-  std::vector<std::string> films;  ///< names of files that may be there
-  int runs = 1;                    ///< how often the flow began: once more than it was retried
-  std::string date;                ///< the day by which documents were judged, YYYY-MM-DD
-  std::vector<DocumentHint> hints;
+  std::vector<std::string> films = {};  ///< names of files that may be there
+  int runs = 1;                         ///< how often the flow began: once more than it was retried
+  std::string date = {};                ///< the day by which documents were judged, YYYY-MM-DD
+  std::vector<DocumentHint> hints = {};
+  RunIdentity identity = {};
+  std::optional<ClockReading> started = {};
+  std::optional<ClockReading> ended = {};
+  nlohmann::ordered_json reference = {};  ///< SHA-256 of its files
+  std::string text = {};                  ///< SHA-256 of the text that was to be read
+  std::optional<SigningKey> key = {};     ///< seals the result; absent: nobody vouches for it
 };
 
+/// What is known of a run at its start, in the fields of result.json that will say it again; both
+/// ends of the clock are its start.
+nlohmann::ordered_json sessionToJson(const RunIdentity& identity,
+                                     const std::optional<ClockReading>& start,
+                                     const nlohmann::ordered_json& reference,
+                                     const std::string& text);
+
 inline constexpr const char* kResultFileName = "result.json";
+/// The signature of result.json's bytes.
+inline constexpr const char* kResultSealName = "result.jws";
 inline constexpr const char* kSelfieFileName = "selfie.png";
 
 /// What is in result.json, or would be.
@@ -59,13 +76,9 @@ struct WrittenRecord {
   std::optional<platform::Fault> fault;  ///< why a file could not be written
 };
 
-/// Writes the selfie and result.json, and blocks until the whole folder is on the disk. The film
-/// and the events must be closed.
+/// Writes the selfie, result.json and its seal, and blocks until the whole folder is on the disk.
+/// The film and the events must be closed.
 WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources,
                              const std::filesystem::path& folder);
-
-/// Compares the files of a run's folder with the hashes in its result.json; the names of the files
-/// that are as they were. The error names the first that differs or is missing.
-Expected<std::vector<std::string>> verifyRun(const std::filesystem::path& folder);
 
 }  // namespace corvana::app

@@ -63,6 +63,10 @@ class WindowScreen final : public FlowScreen {
     screen_.flash();
     if (tone_) tone_->play();
   }
+  void hint(const std::string& words) override {
+    screen_.hint(words);
+    if (hints_) hints_->hint(words);
+  }
   void setOnClose(const std::function<void()>& onClose) override {
     // A block of the main queue makes the loop ask whether the flow is over.
     screen_.onClose = [this, onClose] {

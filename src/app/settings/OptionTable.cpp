@@ -1,5 +1,6 @@
 #include "app/settings/OptionTable.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -30,6 +31,7 @@ struct Row {
   std::function<json()> get;
   /// False when the value has the wrong type or lies outside the range.
   std::function<bool(const json&)> set;
+  std::vector<std::string> words = {};  ///< of which the value is one; empty: it is none of words
 };
 
 template <class Value>
@@ -68,8 +70,31 @@ Row row(Table& table, Value Table::*field, std::string key, std::string unit, do
           }};
 }
 
+/// An option that is one of a few words, in the order of its enumeration.
+template <class Table, class Value>
+Row choice(Table& table, Value Table::*field, std::string key, std::vector<std::string> words,
+           std::string meaning) {
+  const auto wordOf = [words](Value value) { return words.at(static_cast<std::size_t>(value)); };
+  return {std::move(key),
+          {},
+          0,
+          0,
+          std::move(meaning),
+          wordOf(Table{}.*field),
+          [&table, field, wordOf] { return wordOf(table.*field); },
+          [&table, field, words](const json& value) {
+            if (!value.is_string()) return false;
+            const auto word = std::ranges::find(words, value.get<std::string>());
+            if (word == words.end()) return false;
+            table.*field = static_cast<Value>(word - words.begin());
+            return true;
+          },
+          words};
+}
+
 const std::vector<Row>& rows() {
   using VideoOptions = VideoCapture::Options;
+  using CardOptions = IDCapture::Options;
   static const std::vector<Row> kTable = {
       row(VideoCapture::options, &VideoOptions::idToSelfieMatchThreshold,
           "videoCapture.idToSelfieMatchThreshold", "distance", 0, 2,
@@ -100,10 +125,69 @@ const std::vector<Row>& rows() {
           "time from the start of a run to an accepted selfie"),
       row(SelfieCapture::options, &SelfieCapture::Options::capture4K, "selfieCapture.capture4K", "",
           0, 0, "analyse the camera picture at full size instead of at most 1280 pixels a side"),
+      choice(SelfieCapture::options, &SelfieCapture::Options::liveness, "selfieCapture.liveness",
+             {"off", "passive"},
+             "what a selfie waits for: off, nothing; passive, a sign of life and none of fraud"),
+      row(SelfieCapture::options, &SelfieCapture::Options::livenessWatchSeconds,
+          "selfieCapture.livenessWatchSeconds", "s", 0, 60,
+          "least time for which a face is watched before it is believed alive"),
+      row(SelfieCapture::options, &SelfieCapture::Options::livenessAskSeconds,
+          "selfieCapture.livenessAskSeconds", "s", 0, 60,
+          "time after which a face without a sign of life is asked for one"),
+      row(SelfieCapture::options, &SelfieCapture::Options::livenessBlinkShare,
+          "selfieCapture.livenessBlinkShare", "share", 0.1, 0.94,
+          "sign of life: in a blink both eyes' height over width, as far as the network follows "
+          "the "
+          "lids, falls below this share of the usual"),
+      row(SelfieCapture::options, &SelfieCapture::Options::livenessRelief,
+          "selfieCapture.livenessRelief", "sine", 0.01, 1,
+          "sign of life: turn from which on the face's relief is seen to move as that of no flat "
+          "or "
+          "bent picture"),
+      row(SelfieCapture::options, &SelfieCapture::Options::livenessRepetition,
+          "selfieCapture.livenessRepetition", "ratio", 0, 10,
+          "sign of fraud: pictures differ from earlier ones by less than this, over their "
+          "difference "
+          "from one to the next"),
+      row(SelfieCapture::options, &SelfieCapture::Options::livenessEdges,
+          "selfieCapture.livenessEdges", "share", 0, 1,
+          "sign of fraud: more than this of straight edges left, right and below the face is seen"),
+      row(SelfieCapture::options, &SelfieCapture::Options::samePersonThreshold,
+          "selfieCapture.samePersonThreshold", "distance", 0, 2,
+          "greatest distance of the unit-length face embeddings at which the live face is still "
+          "the "
+          "selfie's"),
       row(IDCapture::options, &IDCapture::Options::timeOutSeconds, "idCapture.timeOutSeconds", "s",
           1, 3600, "time from the accepted selfie to the last accepted side of the card"),
       row(IDCapture::options, &IDCapture::Options::capture4K, "idCapture.capture4K", "", 0, 0,
           "analyse the camera picture at full size instead of at most 1280 pixels a side"),
+      row(IDCapture::options, &CardOptions::leastCardWidth, "idCapture.leastCardWidth",
+          "frame widths", 0.2, 1, "a narrower card has to come closer"),
+      row(IDCapture::options, &CardOptions::mostCardWidth, "idCapture.mostCardWidth",
+          "frame widths", 1, 5,
+          "a wider card has to move away, as has one that reaches over both sides of the picture"),
+      row(IDCapture::options, &CardOptions::mostCardOffset, "idCapture.mostCardOffset",
+          "frame widths", 0.01, 2,
+          "a card whose middle is farther from the frame's has to be aligned, as has one that is "
+          "partly outside the picture"),
+      row(IDCapture::options, &CardOptions::mostCardRoll, "idCapture.mostCardRoll", "degrees", 1,
+          24, "a card that is turned more has to be aligned"),
+      row(IDCapture::options, &CardOptions::mostCardTaper, "idCapture.mostCardTaper", "ratio", 1.01,
+          1.5,
+          "a card of which one side looks longer than the opposite one by more leans away and has "
+          "to be aligned"),
+      row(IDCapture::options, &CardOptions::mostGlare, "idCapture.mostGlare", "share", 0, 1,
+          "a card with more of its area lost in glare is not read"),
+      row(IDCapture::options, &CardOptions::leastSharpness, "idCapture.leastSharpness", "share", 0,
+          0.5,
+          "a card is not read when less of the contrast of its print's edges lies within a "
+          "five-hundredth of its width"),
+      row(IDCapture::options, &CardOptions::leastBrightness, "idCapture.leastBrightness", "share",
+          0, 1, "a card whose lightest tenth is darker than that (of white) is not read"),
+      row(IDCapture::options, &CardOptions::mostCoveredPrint, "idCapture.mostCoveredPrint", "share",
+          0, 1, "a card with more of its print covered since it was last read is not read"),
+      row(IDCapture::options, &CardOptions::patienceSeconds, "idCapture.patienceSeconds", "s", 0, 5,
+          "how long a card has to be wrong in one of these ways before the person is told"),
   };
   return kTable;
 }
@@ -116,6 +200,7 @@ const Row* find(const std::string& key) {
 }
 
 std::string rangeOf(const Row& option) {
+  if (!option.words.empty()) return "one of " + json(option.words).dump();
   if (option.defaultValue.is_boolean()) return "true or false";
   const std::string kind = option.defaultValue.is_number_integer() ? "a whole number" : "a number";
   return kind + " from " + json(option.lowest).dump() + " to " + json(option.highest).dump();

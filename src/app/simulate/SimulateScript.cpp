@@ -8,12 +8,12 @@
 
 #include "app/run/Files.h"
 #include "app/settings/ColorTable.h"
-#include "app/simulate/ScriptReader.h"
 #include "corvana/CaptureSession.h"
 #include "corvana/Notifications.h"
 #include "corvana/OutletNames.h"
 #include "devices/pictures/ImageFile.h"
 #include "devices/scripted/PatternFaces.h"
+#include "engine/json/JsonObject.h"
 
 namespace corvana::app {
 namespace {
@@ -22,6 +22,7 @@ namespace fs = std::filesystem;
 using corvana::DetectedData;
 using corvana::IDCaptureState;
 using corvana::SelfieCaptureState;
+using ScriptObject = engine::JsonObject;
 
 constexpr std::uint64_t kLargestScript = 4 << 20;
 constexpr std::size_t kMostSteps = 10'000;
@@ -340,7 +341,7 @@ platform::Expected<SimulateScript> loadSimulateScript(const fs::path& path) {
   if (!json) return tl::unexpected(json.error());
   try {
     return Loader(path.parent_path()).load(*json);
-  } catch (const ScriptFault& fault) {
+  } catch (const engine::JsonFault& fault) {
     return platform::failure("\"" + path.string() +
                              "\" is no script of a simulation: " + fault.sentence + ".");
   }

@@ -12,6 +12,7 @@
 #include "devices/film/FilmFault.h"
 #include "devices/film/FilmRemux.h"
 #include "devices/film/FilmSettings.h"
+#include "devices/film/FilmTap.h"
 #include "devices/gstreamer/GstPicture.h"
 
 namespace corvana::devices {
@@ -150,8 +151,15 @@ void FilmPipeline::configureSources() {
   gst_app_src_set_caps(GST_APP_SRC(audio_), audioCaps.get());
 }
 
+void FilmPipeline::show(const std::shared_ptr<FilmWitness>& witness) {
+  GstElement* mux = child(pipeline_, "mux");
+  tapTrack(mux, "video_0", FilmTrack::video, witness);
+  if (format_.hasAudio) tapTrack(mux, "audio_0", FilmTrack::audio, witness);
+}
+
 platform::Expected<std::unique_ptr<FilmPipeline>> FilmPipeline::start(
-    const FilmFormat& format, std::shared_ptr<FilmFile> file) {
+    const FilmFormat& format, std::shared_ptr<FilmFile> file,
+    const std::shared_ptr<FilmWitness>& witness) {
   std::unique_ptr<FilmPipeline> film(new FilmPipeline(format, std::move(file)));
   if (!film->pipeline_) {
     return platform::failure("The film " + film->file_->path().string() +
@@ -161,6 +169,7 @@ platform::Expected<std::unique_ptr<FilmPipeline>> FilmPipeline::start(
   }
   film->configureSources();
   setVideoTimescale(child(film->pipeline_, "mux"));
+  if (witness) film->show(witness);
   g_object_set(child(film->pipeline_, "file"), "fd", film->file_->descriptor(), nullptr);
 
   const GstPtr<GstBus> bus(gst_element_get_bus(film->pipeline_.get()));

@@ -8,6 +8,7 @@
 
 #include "devices/film/FilmFile.h"
 #include "devices/film/FilmSettings.h"
+#include "devices/film/FilmWitness.h"
 #include "devices/gstreamer/GstSupport.h"
 #include "platform/foundation/Fault.h"
 #include "platform/foundation/Time.h"
@@ -19,8 +20,10 @@ namespace corvana::devices {
 /// film, so that any beginning of it plays. One thread at a time.
 class FilmPipeline {
  public:
-  static platform::Expected<std::unique_ptr<FilmPipeline>> start(const FilmFormat& format,
-                                                                 std::shared_ptr<FilmFile> file);
+  /// The witness sees what is encoded; it may be null.
+  static platform::Expected<std::unique_ptr<FilmPipeline>> start(
+      const FilmFormat& format, std::shared_ptr<FilmFile> file,
+      const std::shared_ptr<FilmWitness>& witness = nullptr);
   ~FilmPipeline();
 
   /// How many frames the encoder has not taken yet.
@@ -43,6 +46,7 @@ class FilmPipeline {
   FilmPipeline(const FilmFormat& format, std::shared_ptr<FilmFile> file);
   static std::string launchLine(const FilmFormat& format);
   void configureSources();
+  void show(const std::shared_ptr<FilmWitness>& witness);
   void announce(const platform::PixelBuffer& image);
 
   const FilmFormat format_;

@@ -33,11 +33,13 @@ platform::Duration durationOf(const platform::CMSampleBuffer& sample) {
 }  // namespace
 
 FilmWriter::FilmWriter(const platform::RunLoop& loop, FilmFormat format,
-                       std::shared_ptr<FilmFile> file, WallClock wallClock)
+                       std::shared_ptr<FilmFile> file, WallClock wallClock,
+                       std::shared_ptr<FilmWitness> witness)
     : loop_(loop),
       wallClock_(std::move(wallClock)),
       format_(std::move(format)),
       file_(std::move(file)),
+      witness_(std::move(witness)),
       converter_(format_.sampleRate, format_.channels),
       sound_(std::max(format_.sampleRate, 1), std::max(format_.channels, 1)) {}
 
@@ -96,7 +98,8 @@ bool FilmWriter::begin(const platform::CMSampleBuffer& sample) {
   }
   const double rate = 1 / platform::inSeconds(durationOf(sample));
   format_.framesPerSecond = static_cast<int>(std::clamp(std::round(rate), 1.0, 120.0));
-  auto pipeline = FilmPipeline::start(format_, file_);
+  if (witness_) witness_->began(sample.presentationTime, format_.hasAudio);
+  auto pipeline = FilmPipeline::start(format_, file_, witness_);
   if (!pipeline) return fail(pipeline.error());
   pipeline_ = std::move(*pipeline);
   created_ = wallClock_();
@@ -178,9 +181,12 @@ FilmWriter::Outcome FilmWriter::close() {
     pushLastSound();
   }
   // Samples are turned away from here on; their threads must not wait for the disk.
-  const Outcome closed = pipeline_->finish().and_then([&] { return file_->sync(); }).and_then([&] {
-    return remuxFilm(file_->path(), created_);
-  });
+  const Outcome closed = pipeline_->finish()
+                             .and_then([&]() -> Outcome {
+                               if (witness_) witness_->ended();
+                               return file_->sync();
+                             })
+                             .and_then([&] { return remuxFilm(file_->path(), created_); });
   const std::lock_guard lock(mutex_);
   pipeline_.reset();
   if (!closed) fail(closed.error());
@@ -228,7 +234,8 @@ platform::Expected<std::shared_ptr<platform::AssetWriter>> FilmWriterFactory::ma
   if (!format) return platform::failure(format.error().sentence, platform::FaultCause::filmFailed);
   auto file = FilmFile::create(path, diskQueue_);
   if (!file) return tl::unexpected(file.error());
-  return std::make_shared<FilmWriter>(loop_, std::move(*format), std::move(*file), wallClock_);
+  return std::make_shared<FilmWriter>(loop_, std::move(*format), std::move(*file), wallClock_,
+                                      witnesses_ ? witnesses_() : nullptr);
 }
 
 }  // namespace corvana::devices

@@ -5,11 +5,13 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "devices/film/AudioTimeline.h"
 #include "devices/film/FilmFile.h"
 #include "devices/film/FilmSettings.h"
 #include "devices/film/FilmSoundConverter.h"
+#include "devices/film/FilmWitness.h"
 #include "devices/film/Mp4Dates.h"
 #include "platform/foundation/Fault.h"
 #include "platform/foundation/RunLoop.h"
@@ -32,8 +34,9 @@ class FilmPipeline;
 /// is dropped. Any thread.
 class FilmWriter final : public platform::AssetWriter {
  public:
+  /// The witness may be null.
   FilmWriter(const platform::RunLoop& loop, FilmFormat format, std::shared_ptr<FilmFile> file,
-             WallClock wallClock);
+             WallClock wallClock, std::shared_ptr<FilmWitness> witness = nullptr);
   ~FilmWriter() override;
 
   bool appendVideo(const platform::CMSampleBufferRef& sample) override;
@@ -65,6 +68,7 @@ class FilmWriter final : public platform::AssetWriter {
   mutable std::mutex mutex_;
   FilmFormat format_;
   const std::shared_ptr<FilmFile> file_;
+  const std::shared_ptr<FilmWitness> witness_;
   FilmSoundConverter converter_;
   AudioTimeline sound_;
   std::unique_ptr<FilmPipeline> pipeline_;
@@ -86,6 +90,9 @@ class FilmWriterFactory final : public platform::AssetWriterFactory {
   explicit FilmWriterFactory(platform::RunLoop& loop);
   FilmWriterFactory(platform::RunLoop& loop, WallClock wallClock);
 
+  /// Each further film gets a witness of this maker.
+  void showTo(WitnessMaker witnesses) { witnesses_ = std::move(witnesses); }
+
   platform::Expected<std::shared_ptr<platform::AssetWriter>> make(
       const std::filesystem::path& path, const std::optional<platform::WriterSettings>& video,
       const std::optional<platform::WriterSettings>& audio) override;
@@ -94,6 +101,7 @@ class FilmWriterFactory final : public platform::AssetWriterFactory {
   platform::RunLoop& loop_;
   const WallClock wallClock_;
   const std::shared_ptr<platform::DispatchQueue> diskQueue_;
+  WitnessMaker witnesses_;
 };
 
 }  // namespace corvana::devices

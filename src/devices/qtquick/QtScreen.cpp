@@ -158,6 +158,15 @@ void QtScreen::flash() {
   animator_.setAnimated(settings_.animated);
 }
 
+void QtScreen::hint(const std::string& words) {
+  hint_.reset();
+  if (words.empty()) return;
+  hint_ = loadPart("Hint", {{QStringLiteral("text"), QString::fromStdString(words)},
+                            {QStringLiteral("z"), kAboveAll}});
+  hint_->setParentItem(window_->contentItem());
+  announce(*hint_);
+}
+
 void QtScreen::announce(QQuickItem& item) {
   QAccessibleEvent event(&item, QAccessible::Alert);
   QAccessible::updateAccessibility(&event);

@@ -66,6 +66,8 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
   QImage picture();
   /// Shows that a step was accepted to those who do not hear or feel it.
   void flash();
+  /// Shows words of the host's own above everything, and has them announced; empty: none any more.
+  void hint(const std::string& words);
 
   void willPresent(platform::UIViewController& controller) override;
   void willDismiss(platform::UIViewController& controller) override;
@@ -99,6 +101,7 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
   std::unique_ptr<Window> made_;    ///< null in an application's own window
   QQuickWindow* window_;
   std::unique_ptr<QQuickItem> flash_;
+  std::unique_ptr<QQuickItem> hint_;
   std::map<platform::UIViewController*, std::unique_ptr<QQuickItem>> alerts_;
   std::vector<QQuickItem*> stack_;  ///< lowest first; only the last takes touches and keys
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);

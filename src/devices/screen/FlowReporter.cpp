@@ -106,7 +106,7 @@ void replaceLineBreaks(std::string& text) {
 const char* nameOf(FlowEvent::Kind kind) {
   static constexpr const char* kNames[] = {"screen",     "caption",  "prompt", "outline",
                                            "silhouette", "progress", "text",   "countdown",
-                                           "alert",      "retry",    "sound"};
+                                           "alert",      "retry",    "sound",  "hint"};
   return kNames[static_cast<std::size_t>(kind)];
 }
 
@@ -133,6 +133,10 @@ FlowReporter::FlowReporter(platform::RunLoop& loop, Handler handler)
 
 void FlowReporter::soundPlayed(platform::SystemSoundID sound) {
   handler_({.kind = Kind::sound, .value = sound});
+}
+
+void FlowReporter::hinted(const std::string& words) {
+  handler_({.kind = Kind::hint, .text = words});
 }
 
 void FlowReporter::prompted(corvana::PromptPlace place, corvana::PromptType type) {

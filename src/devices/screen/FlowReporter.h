@@ -27,6 +27,7 @@ struct FlowEvent {
     alert,       ///< text and choices; text empty when it has gone
     retry,       ///< text and choices; text empty when it has gone
     sound,       ///< value: number of the system sound
+    hint,        ///< text that the host itself shows; empty when it has gone
   };
 
   Kind kind = Kind::screen;
@@ -55,6 +56,8 @@ class FlowReporter final : public ScreenReader {
 
   /// Reports a sound; called by whoever plays it.
   void soundPlayed(platform::SystemSoundID sound);
+  /// Reports words that are no view's; called by whoever shows them.
+  void hinted(const std::string& words);
 
   /// Says of what type the prompt over the oval or the card is, before it is shown.
   void prompted(corvana::PromptPlace place, corvana::PromptType type);

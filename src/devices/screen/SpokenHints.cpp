@@ -24,7 +24,7 @@ SpokenHints::~SpokenHints() {
 void SpokenHints::happened(const FlowEvent& event) {
   switch (event.kind) {
     case FlowEvent::Kind::screen:
-      caption_ = prompt_ = page_ = {};
+      caption_ = prompt_ = hint_ = page_ = {};
       voice_.stopSpeaking();
       break;
     case FlowEvent::Kind::caption:
@@ -32,6 +32,9 @@ void SpokenHints::happened(const FlowEvent& event) {
       break;
     case FlowEvent::Kind::prompt:
       show(prompt_, event.text);
+      break;
+    case FlowEvent::Kind::hint:
+      show(hint_, event.text);
       break;
     case FlowEvent::Kind::retry:
       // Whatever it interrupts is over.
@@ -75,11 +78,12 @@ std::string SpokenHints::take(Place& place) {
 
 void SpokenHints::speak() {
   if (reading_) {
-    caption_.unsaid = prompt_.unsaid = page_.unsaid = false;
+    caption_.unsaid = prompt_.unsaid = hint_.unsaid = page_.unsaid = false;
     return;
   }
   const bool covered = !page_.words.empty();
-  const std::string words = covered ? take(page_) : joined(take(caption_), take(prompt_));
+  const std::string words =
+      covered ? take(page_) : joined(joined(take(caption_), take(prompt_)), take(hint_));
   if (!words.empty()) voice_.speak(words);
 }
 

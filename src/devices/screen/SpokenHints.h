@@ -26,6 +26,8 @@ class SpokenHints final : public ScreenListener {
   void didDismiss(platform::UIViewController& controller) override {
     reporter_.didDismiss(controller);
   }
+  /// Has words spoken that are no view's; empty when they are gone.
+  void hint(const std::string& words) { reporter_.hinted(words); }
   void viewChanged(platform::UIView& view, const char* property) override {
     reporter_.viewChanged(view, property);
   }
@@ -53,6 +55,7 @@ class SpokenHints final : public ScreenListener {
   FlowReporter reporter_;
   Place caption_;
   Place prompt_;
+  Place hint_;
   Place page_;  ///< a retry screen or an alert, which covers the others
   bool reading_ = false;
   int changes_ = 0;

@@ -31,13 +31,10 @@ constexpr double kMostAspectError = 0.20;  ///< of the ratio's logarithm
 constexpr double kMostTaper = 1.5;         ///< of a side against the opposite one
 /// The sides of a card that is cut off by the picture's edge must be this clear.
 constexpr double kLeastCutOffSupport = 0.7;
-
-// What the user is asked for.
-constexpr double kLeastWidthOfGuide = 0.55;
-constexpr double kMostWidthOfGuide = 1.30;
-constexpr double kMostOffsetOfGuide = 0.30;
-constexpr double kMostRoll = 18;
-constexpr double kMostGoodTaper = 1.25;
+/// The part of them next to that edge, or what lies beside a card would be taken for its sequel.
+constexpr double kEndPart = 0.15;
+constexpr double kLeastEndSupport = 0.5;
+constexpr double kMostCutOffTaper = 1.25;
 constexpr double kSmallestOfGuide = 0.25;
 
 double squared(double value) {
@@ -57,6 +54,12 @@ cv::Point2d pointOf(platform::CGPoint point) {
   return {point.x, point.y};
 }
 
+/// What can be said of a card that reaches out of the picture.
+struct CutCard {
+  CardVerdict verdict = CardVerdict::none;
+  double area = 0;  ///< of what is seen of it
+};
+
 Quad scaled(const Quad& quad, double factor, cv::Point2d offset) {
   Quad result;
   for (std::size_t i = 0; i < 4; ++i) {
@@ -64,12 +67,6 @@ Quad scaled(const Quad& quad, double factor, cv::Point2d offset) {
                          quad.corners[i].y * factor + offset.y};
   }
   return result;
-}
-
-double taper(const Quad& quad) {
-  const double a = quad.topLength() / quad.bottomLength();
-  const double b = quad.leftLength() / quad.rightLength();
-  return std::max({a, 1 / a, b, 1 / b});
 }
 
 double aspectError(const Quad& quad) {
@@ -88,7 +85,7 @@ class OutlineSearch {
   /// The likeliest outline; its score is 0 when there is none.
   Candidate best() const {
     Candidate best;
-    forEachOutline(down_, [&](const Quad& quad) {
+    forEachOutline(across_, down_, [&](const Quad& quad) {
       if (aspectError(quad) > kMostAspectError || taper(quad) > kMostTaper) return;
       const double support = supportOf(quad);
       if (support == 0) return;
@@ -100,36 +97,35 @@ class OutlineSearch {
     return best;
   }
 
-  /// Whether a card reaches out of the picture: its upper and lower side are seen, nearer to each
-  /// other than they would be in a whole card of that width. `left` and `right` tell whether these
-  /// edges of the searched part are the picture's.
-  bool isCutOff(bool left, bool right) const {
+  /// What to say of a card that reaches out of the picture. `picture` names the edges of the
+  /// searched part that are the picture's.
+  CutCard cutOff(const CutEdges& picture, const corvana::IDCapture::Options& limits) const {
     const double width = edges_.size().width;
+    const double height = edges_.size().height;
+    std::vector<EdgeLine> across = across_;
     std::vector<EdgeLine> down = down_;
-    if (left) down.push_back({{0, 1}, {0, 0}, 0});
-    if (right) down.push_back({{0, 1}, {width - 1, 0}, 0});
-    bool isCut = false;
-    forEachOutline(down, [&](const Quad& quad) {
-      const bool cutLeft = left && quad.corners[0].x <= 0 && quad.corners[3].x <= 0;
-      const bool cutRight =
-          right && quad.corners[1].x >= width - 1 && quad.corners[2].x >= width - 1;
-      if (isCut || (!cutLeft && !cutRight)) return;
-      const double hidden = quad.height() * kCardAspect / quad.width();
-      if (hidden < 1.05 || hidden > 2.5 || taper(quad) > kMostGoodTaper) return;
-      isCut = sideSupport(quad, 0) >= kLeastCutOffSupport &&
-              sideSupport(quad, 2) >= kLeastCutOffSupport &&
-              (cutRight || sideSupport(quad, 1) >= kLeastCutOffSupport) &&
-              (cutLeft || sideSupport(quad, 3) >= kLeastCutOffSupport);
+    if (picture.left) down.push_back({{0, 1}, {0, 0}, 0});
+    if (picture.right) down.push_back({{0, 1}, {width - 1, 0}, 0});
+    if (picture.bottom) across.push_back({{1, 0}, {0, height - 1}, 0});
+    CutCard best;  // the largest: what is printed on a card may look like a smaller one
+    forEachOutline(across, down, [&](const Quad& quad) {
+      const double area = quad.width() * quad.height();
+      if (area <= best.area) return;
+      const CutEdges cut = cutsOf(quad, picture);
+      if (cut.count() == 0 || taper(quad) > kMostCutOffTaper) return;
+      const CardVerdict place = cutCardPlace(quad, cut, guide_, limits);
+      if (place != CardVerdict::none && isClear(quad, cut)) best = {place, area};
     });
-    return isCut;
+    return best;
   }
 
  private:
   template <typename Visit>
-  void forEachOutline(const std::vector<EdgeLine>& down, Visit visit) const {
+  void forEachOutline(const std::vector<EdgeLine>& across, const std::vector<EdgeLine>& down,
+                      Visit visit) const {
     const double minWidth = kSmallestOfGuide * guide_.width;
     const auto columns = pairs(down, false, minWidth);
-    for (const auto& [top, bottom] : pairs(across_, true, minWidth / kCardAspect)) {
+    for (const auto& [top, bottom] : pairs(across, true, minWidth / kCardAspect)) {
       for (const auto& [left, right] : columns) {
         const Quad quad{{pointOf(meeting(top, left)), pointOf(meeting(top, right)),
                          pointOf(meeting(bottom, right)), pointOf(meeting(bottom, left))}};
@@ -159,6 +155,37 @@ class OutlineSearch {
                           (guide_.midY() - line.point.y) * line.direction[0] / line.direction[1];
     };
     return place(second) - place(first);
+  }
+
+  /// The edges of the picture along which the outline's sides lie.
+  CutEdges cutsOf(const Quad& quad, const CutEdges& picture) const {
+    const auto& c = quad.corners;
+    const double right = edges_.size().width - 1.0;
+    const double bottom = edges_.size().height - 1.0;
+    return {picture.left && c[0].x <= 0 && c[3].x <= 0,
+            picture.right && c[1].x >= right && c[2].x >= right,
+            picture.bottom && c[2].y >= bottom && c[3].y >= bottom};
+  }
+
+  /// Whether all sides within the picture are clear, and go on to the edges that cut them.
+  bool isClear(const Quad& quad, const CutEdges& cut) const {
+    const std::array<bool, 4> hidden{false, cut.right, cut.bottom, cut.left};
+    for (std::size_t side = 0; side < hidden.size(); ++side) {
+      if (hidden[side]) continue;
+      if (sideSupport(quad, side) < kLeastCutOffSupport) return false;
+      if (hidden[(side + 1) % 4] && endSupport(quad, side, true) < kLeastEndSupport) return false;
+      if (hidden[(side + 3) % 4] && endSupport(quad, side, false) < kLeastEndSupport) return false;
+    }
+    return true;
+  }
+
+  /// As `sideSupport`, of the last or the first part of a side.
+  double endSupport(const Quad& quad, std::size_t side, bool isLast) const {
+    const cv::Point2d a = pointOf(quad.corners[side]);
+    const cv::Point2d b = pointOf(quad.corners[(side + 1) % 4]);
+    const cv::Point2d between = isLast ? b - kEndPart * (b - a) : a + kEndPart * (b - a);
+    const Course course = side % 2 == 0 ? Course::across : Course::down;
+    return edges_.support(course, isLast ? between : a, isLast ? b : between);
   }
 
   /// The mean share of the sides that lies on edges; 0 when a side is not seen.
@@ -206,27 +233,6 @@ class OutlineSearch {
   std::vector<EdgeLine> down_;
 };
 
-bool touchesEdge(const Quad& quad, const platform::PixelBuffer& picture) {
-  const double margin = 0.006 * picture.width();
-  const auto box = quad.bounds();
-  return box.minX() < margin || box.minY() < margin || box.maxX() > picture.width() - margin ||
-         box.maxY() > picture.height() - margin;
-}
-
-CardVerdict judged(const Quad& quad, const platform::PixelBuffer& picture,
-                   const platform::CGRect& guide) {
-  if (touchesEdge(quad, picture) || quad.width() > kMostWidthOfGuide * guide.width) {
-    return CardVerdict::moveAway;
-  }
-  if (quad.width() < kLeastWidthOfGuide * guide.width) return CardVerdict::moveCloser;
-  const auto center = quad.center();
-  const double offset =
-      std::max(std::abs(center.x - guide.midX()), std::abs(center.y - guide.midY()));
-  const bool isTilted = std::abs(quad.roll()) > kMostRoll || taper(quad) > kMostGoodTaper;
-  if (isTilted || offset > kMostOffsetOfGuide * guide.width) return CardVerdict::alignRectangle;
-  return CardVerdict::found;
-}
-
 cv::Rect searchWindow(const platform::CGRect& guide, cv::Size picture) {
   const double margin = kSearchMargin * guide.width;
   return pixelRect(
@@ -236,7 +242,8 @@ cv::Rect searchWindow(const platform::CGRect& guide, cv::Size picture) {
 
 }  // namespace
 
-CardSighting findCard(const platform::PixelBuffer& picture, const platform::CGRect& guide) {
+CardSighting findCard(const platform::PixelBuffer& picture, const platform::CGRect& guide,
+                      const corvana::IDCapture::Options& limits) {
   const cv::Mat rgb = rgbMat(picture);
   const cv::Rect window = searchWindow(guide, rgb.size());
   if (guide.isEmpty() || window.empty()) return {};
@@ -248,19 +255,23 @@ CardSighting findCard(const platform::PixelBuffer& picture, const platform::CGRe
 
   const OutlineSearch search(small, smallGuide);
   const Candidate best = search.best();
+  const bool isSmall = best.quad.width() < limits.leastCardWidth * smallGuide.width;
+  const bool isSeen = best.score >= (isSmall ? kLeastSmallScore : kLeastScore);
   CardSighting sighting;
-  if (best.score < kLeastScore) {
-    if (search.isCutOff(window.x == 0, window.br().x == rgb.cols)) {
-      sighting.verdict = CardVerdict::moveAway;
+  if (!isSeen || isSmall) {
+    const CutEdges edges{window.x == 0, window.br().x == rgb.cols, window.br().y == rgb.rows};
+    const CutCard cut = search.cutOff(edges, limits);
+    const bool isPartOfIt = isSeen && cut.area < best.quad.width() * best.quad.height();
+    if (!isSeen || (cut.verdict != CardVerdict::none && !isPartOfIt)) {
+      sighting.verdict = cut.verdict;
+      return sighting;
     }
-    return sighting;
   }
   // A pixel of the small picture stands for the middle of those it was made from.
   const cv::Point2d offset(window.x + (factor - 1) / 2, window.y + (factor - 1) / 2);
   const Quad quad = fitSides(rgb, scaled(best.quad, factor, offset), 1.5 * factor + 2);
-  const bool isSmall = quad.width() < kLeastWidthOfGuide * guide.width;
-  if (isSmall && best.score < kLeastSmallScore) return sighting;
-  return {judged(quad, picture, guide), quad, best.score};
+  const platform::CGSize size{static_cast<double>(rgb.cols), static_cast<double>(rgb.rows)};
+  return {cardPlace(quad, size, guide, limits), quad, best.score};
 }
 
 }  // namespace corvana::engine

@@ -2,19 +2,12 @@
 
 #include <optional>
 
+#include "engine/document/CardPlace.h"
 #include "engine/document/Quad.h"
 #include "platform/geometry/Geometry.h"
 #include "platform/media/PixelBuffer.h"
 
 namespace corvana::engine {
-
-enum class CardVerdict {
-  none,            ///< no card is seen
-  found,           ///< a card is where it should be
-  moveCloser,      ///< a card is too small to be read
-  moveAway,        ///< a card reaches the picture's edge or beyond
-  alignRectangle,  ///< a card lies beside the guide or is strongly tilted
-};
 
 struct CardSighting {
   CardVerdict verdict = CardVerdict::none;
@@ -27,6 +20,7 @@ struct CardSighting {
 /// Looks for the outline of an ID-1 card, held in landscape, near the guide (a rectangle in pixels
 /// of the picture, where the user is asked to hold the card). Corners are good to about two pixels
 /// of a 720-pixel-wide picture. Pure; about 10 ms for a camera frame.
-CardSighting findCard(const platform::PixelBuffer& picture, const platform::CGRect& guide);
+CardSighting findCard(const platform::PixelBuffer& picture, const platform::CGRect& guide,
+                      const corvana::IDCapture::Options& limits = {});
 
 }  // namespace corvana::engine

@@ -5,18 +5,24 @@
 #include "engine/document/CardTurn.h"
 #include "engine/document/Quad.h"
 #include "engine/document/TextReader.h"
+#include "platform/media/PixelBuffer.h"
 
 namespace corvana::engine {
 
 /// A first look inside an outline, before anything is read: whether a card is in it, and its turn.
 struct CardLook {
-  Quad outline;
-  std::vector<TextLine> lines;  ///< places only, in pixels of the straightened card
+  Quad outline;                     ///< the way up that the face tells, if one is seen
+  platform::PixelBufferRef card;    ///< straightened
+  platform::PixelBufferRef turned;  ///< straightened, the other way up
+  std::vector<TextLine> lines;      ///< places only, in pixels of `card`
   double faceScore = 0;
   double faceScoreTurned = 0;
   TurnSigns signs;
 
-  /// How much speaks for a card: level lines that end within it, and a face; 0 without lines.
+  /// Takes the card for lying the other way up. Only before anything but its face is known.
+  void turn();
+  /// How much speaks for a card: level lines that end within it, and a face; 0 without lines, and
+  /// for what is filled with lines like a page.
   double content() const;
   /// Whether there is no need to look inside another outline.
   bool isCertainlyACard() const;

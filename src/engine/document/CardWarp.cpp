@@ -21,10 +21,10 @@ cv::Mat toCard(const Quad& outline) {
   for (const auto& corner : outline.corners) {
     from.emplace_back(static_cast<float>(corner.x), static_cast<float>(corner.y));
   }
-  const std::vector<cv::Point2f> to{{-0.5F, -0.5F},
-                                    {kCardWidth - 0.5F, -0.5F},
-                                    {kCardWidth - 0.5F, kCardHeight - 0.5F},
-                                    {-0.5F, kCardHeight - 0.5F}};
+  const float right = kCardWidth - 0.5F;
+  const float bottom = static_cast<float>(straightenedHeight(outline)) - 0.5F;
+  const std::vector<cv::Point2f> to{
+      {-0.5F, -0.5F}, {right, -0.5F}, {right, bottom}, {-0.5F, bottom}};
   return cv::getPerspectiveTransform(from, to);
 }
 
@@ -38,6 +38,12 @@ cv::Mat saturatedPatches(const cv::Mat& rgb) {
 
 }  // namespace
 
+int straightenedHeight(const Quad& outline) {
+  // Halfway between the shapes: a tilt of fifteen degrees makes a card of 1.53 and a page of 1.47.
+  constexpr double kLeastCardAspect = 1.50;
+  return outline.width() >= kLeastCardAspect * outline.height() ? kCardHeight : kPageHeight;
+}
+
 platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, const Quad& outline) {
   const cv::Mat rgb = rgbMat(picture);
   const double shrink = outline.width() / kCardWidth;
@@ -45,9 +51,16 @@ platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, cons
   // Interpolation looks at four pixels only: what shrinks must be smoothed first.
   if (shrink > 1.3) cv::GaussianBlur(rgb, source, cv::Size(), 0.4 * shrink);
   cv::Mat card;
-  cv::warpPerspective(source, card, toCard(outline), cv::Size(kCardWidth, kCardHeight),
-                      cv::INTER_CUBIC, cv::BORDER_REPLICATE);
+  cv::warpPerspective(source, card, toCard(outline),
+                      cv::Size(kCardWidth, straightenedHeight(outline)), cv::INTER_CUBIC,
+                      cv::BORDER_REPLICATE);
   return pixelBufferFrom(card);
+}
+
+platform::PixelBufferRef onItsHead(const platform::PixelBuffer& card) {
+  cv::Mat turned;
+  cv::rotate(rgbMat(card), turned, cv::ROTATE_180);
+  return pixelBufferFrom(turned);
 }
 
 platform::CGRect boundsInPicture(const platform::CGRect& onCard, const Quad& outline) {
@@ -63,19 +76,6 @@ platform::CGRect boundsInPicture(const platform::CGRect& onCard, const Quad& out
     return platform::CGPoint{corner.x, corner.y};
   });
   return quad.bounds();
-}
-
-double cardSharpness(const platform::PixelBuffer& card) {
-  cv::Mat half;
-  cv::resize(grayMat(card), half, cv::Size(kCardWidth / 2, kCardHeight / 2), 0, 0, cv::INTER_AREA);
-  cv::Mat laplacian;
-  cv::Laplacian(half, laplacian, CV_32F);
-  cv::Scalar mean;
-  cv::Scalar edges;
-  cv::Scalar contrast;
-  cv::meanStdDev(laplacian, mean, edges);
-  cv::meanStdDev(half, mean, contrast);
-  return contrast[0] < 1 ? 0 : edges[0] * edges[0] / (contrast[0] * contrast[0]);
 }
 
 double glareFraction(const platform::PixelBuffer& card) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "engine/document/BarcodeReader.h"
+#include "engine/document/CardChoice.h"
 #include "engine/document/CardTurn.h"
 #include "engine/document/CardWarp.h"
 #include "engine/document/SecondOpinion.h"
@@ -59,6 +60,15 @@ bool isUpright(const Face& face) {
   return across > std::abs(left.y - right.y) && mouth.y > (left.y + right.y) / 2;
 }
 
+/// A place in millimetres on the picture of the straightened document.
+platform::CGRect inPixels(const platform::CGRect& place, const DocumentKind& kind,
+                          const platform::PixelBuffer& card) {
+  const platform::CGSize size = millimetresOf(kind.size);
+  const double across = card.width() / size.width;
+  const double down = card.height() / size.height;
+  return {place.x * across, place.y * down, place.width * across, place.height * down};
+}
+
 /// What was made of the print: sure letters count, doubtful ones less.
 double senseOf(const CardReading& reading) {
   double sense = 0;
@@ -78,11 +88,12 @@ std::optional<CardTurn> turnByReading(const CardReading& asItLies, const CardRea
 }  // namespace
 
 DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text,
-                                   MrzReader mrz, const Setup& setup)
+                                   MrzReader mrz, DocumentTables tables, const Setup& setup)
     : faces_(std::move(faces)),
       text_(std::move(text)),
       tessdata_(setup.tessdata),
       mrz_(std::move(mrz)),
+      tables_(std::move(tables)),
       today_(setup.today) {}
 
 platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<FaceDetector> faces,
@@ -91,34 +102,91 @@ platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<Face
   if (!text) return tl::unexpected(text.error());
   auto mrz = MrzReader::load(setup.ocrBFonts);
   if (!mrz) return tl::unexpected(mrz.error());
-  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz), setup);
+  auto tables = loadDocumentTables(setup.documents);
+  if (!tables) return tl::unexpected(tables.error());
+  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz), std::move(*tables),
+                          setup);
 }
 
 CardSighting DocumentAnalyzer::find(const platform::PixelBuffer& frame,
                                     const platform::CGRect& guide) const {
-  return findCard(frame, guide);
+  return findCard(frame, guide, corvana::IDCapture::options);
 }
 
 CardView DocumentAnalyzer::view(const platform::PixelBuffer& frame, const Quad& outline) const {
   const auto picture = straightened(frame, outline);
-  return {picture, cardSharpness(*picture), glareFraction(*picture)};
+  return {picture,
+          {.sharpness = printSharpness(*picture),
+           .glare = glareFraction(*picture),
+           .brightness = brightnessOf(*picture)}};
 }
 
-std::optional<Face> DocumentAnalyzer::portrait(const platform::PixelBuffer& card) {
-  const auto faces = faces_->detect(card);
-  const auto upright =
-      std::ranges::find_if(faces, [](const Face& face) { return isUpright(face); });
-  if (upright == faces.end()) return std::nullopt;
-  return *upright;
+std::optional<Face> DocumentAnalyzer::portrait(const platform::PixelBuffer& card,
+                                               const DocumentKind& kind) {
+  auto faces = faces_->detect(card);
+  std::erase_if(faces, [](const Face& face) { return !isUpright(face); });
+  if (faces.empty()) return std::nullopt;
+  if (!kind.front.photo || !kind.front.photo->place) return faces.front();
+  const platform::CGRect photo = inPixels(*kind.front.photo->place, kind, card);
+  const auto inPlace = std::ranges::find_if(faces, [&](const Face& face) {
+    return photo.minX() < face.box.midX() && face.box.midX() < photo.maxX() &&
+           photo.minY() < face.box.midY() && face.box.midY() < photo.maxY();
+  });
+  return inPlace == faces.end() ? faces.front() : *inPlace;
 }
 
-std::vector<TextLine> DocumentAnalyzer::linesOf(const platform::PixelBuffer& card,
-                                                const std::vector<TextLine>& known) {
-  if (known.empty()) return text_.read(card);
-  auto lines = text_.readAgain(card, known);
-  const bool isTheSame =
-      static_cast<double>(lines.size()) >= kLeastShareReadAgain * static_cast<double>(known.size());
-  return isTheSame ? lines : text_.read(card);
+std::vector<corvana::DocumentField> DocumentAnalyzer::fieldsOf(const CardReading& reading) const {
+  const corvana::DetectedData& data = reading.data;
+  std::vector<PlacedField> places;
+  if (const auto* kind = data.type ? tables_.kinds.ofType(*data.type) : nullptr) {
+    const bool isFront = data.side == corvana::DocumentSide::front;
+    places = isFront ? kind->front.fields : kind->back->fields;
+    for (PlacedField& field : places)
+      field.place = inPixels(field.place, *kind, *data.image->pixels());
+  }
+  return documentFields(data, reading.lines, tables_.labels, today_, places);
+}
+
+std::optional<CardTurn> DocumentAnalyzer::turnOf(const platform::PixelBuffer& card,
+                                                 const std::vector<TextLine>& lines) {
+  TurnSigns signs{.lines = text_.turnSign(card, lines)};
+  // Users are asked to hold the card upright: mostly the lines alone are clear.
+  if (const auto turn = cardTurn(signs); turn == CardTurn::upright) return turn;
+  signs.face = faceSign(faceScore(card), faceScore(*onItsHead(card)));
+  return cardTurn(signs);
+}
+
+CardReading DocumentAnalyzer::readFirst(const platform::PixelBufferRef& card, CardMemory& memory) {
+  const auto places = text_.find(*card);
+  const auto readTurned = [&](CardMemory& as) {
+    as.isUpsideDown = true;
+    const auto turned = onItsHead(*card);
+    return understood(turned, text_.read(*turned), as);
+  };
+  const auto turn = turnOf(*card, places);
+  if (turn == CardTurn::upsideDown) return readTurned(memory);
+  CardReading asItLies = understood(card, text_.readAgain(*card, places), memory);
+  if (turn || asItLies.data.mrz) return asItLies;
+  CardMemory otherMemory;
+  CardReading other = readTurned(otherMemory);
+  if (turnByReading(asItLies, other) != CardTurn::upsideDown) return asItLies;
+  memory = std::move(otherMemory);
+  return other;
+}
+
+CardReading DocumentAnalyzer::readAgain(const platform::PixelBufferRef& card, CardMemory& memory) {
+  const auto upright = memory.isUpsideDown ? onItsHead(*card) : card;
+  auto lines = text_.readAgain(*upright, memory.lines);
+  const bool isTheSame = static_cast<double>(lines.size()) >=
+                         kLeastShareReadAgain * static_cast<double>(memory.lines.size());
+  return understood(upright, isTheSame ? std::move(lines) : text_.read(*upright), memory);
+}
+
+CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
+  CardReading reading =
+      memory.lines.empty() ? readFirst(card.picture, memory) : readAgain(card.picture, memory);
+  reading.isUpsideDown = memory.isUpsideDown;
+  return reading;
 }
 
 CardReading DocumentAnalyzer::read(const CardView& card) {
@@ -126,22 +194,25 @@ CardReading DocumentAnalyzer::read(const CardView& card) {
   return read(card, nothing);
 }
 
-CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
-  const platform::PixelBuffer& picture = *card.picture;
+CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
+                                         std::vector<TextLine> lines, CardMemory& memory) {
+  memory.lines = std::move(lines);
+  memory.votes.add(mrzVotesOf(memory.lines));
+  const platform::PixelBuffer& picture = *card;
   CardReading reading;
   DocumentFeatures features;
   std::vector<platform::CGRect> blanks;
 
-  const auto face = portrait(picture);
+  reading.lines = memory.lines;
+  for (const TextLine& line : reading.lines)
+    features.lines.push_back(line.text);
+  const auto face = portrait(picture, documentKind(features, tables_.kinds));
   features.hasFace = face.has_value();
   if (face) {
     reading.faceBox = face->box;
     reading.data.faceImage = faceImageOf(picture, *face);
     blanks.push_back(photoAround(face->box));
   }
-  reading.lines = linesOf(picture, memory.lines);
-  memory.lines = reading.lines;
-  memory.votes.add(mrzVotesOf(reading.lines));
   MrzReading mrz = mrzInPrint(reading.lines);
   if (!mrz.mrz) mrz.mrz = memory.votes.result();
   if (!mrz.mrz) mrz = mrz_.read(picture);
@@ -150,63 +221,48 @@ CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
   reading.mrzBand = mrz.band;
   // A front's lines of print may look like a zone; only what was read or stands alone is one.
   if (mrz.band && (mrz.mrz || !face)) blanks.push_back(*mrz.band);
-  if (!mrz.mrz && !face) features.barcode = readBarcode(picture);
-  for (const TextLine& line : reading.lines)
-    features.lines.push_back(line.text);
+  // A face takes a side for a front, few of which have a barcode.
+  const bool mayHaveCode = !face || documentKind(features, tables_.kinds).front.code;
+  if (!mrz.mrz && mayHaveCode) features.barcode = readBarcode(picture);
 
   reading.data.isPhotoPresent = face.has_value();
   reading.data.mrz = features.mrz;
   reading.data.barcode = features.barcode;
   reading.data.ocrStrings = textLines(reading.lines, blanks);
-  reading.data.image = std::make_shared<platform::UIImage>(card.picture);
-  reading.familyMatches = familyMatches(features);
-  classify(features, reading.data);
-  reading.data.fields = documentFields(reading.data, reading.lines, today_);
+  reading.data.image = std::make_shared<platform::UIImage>(card);
+  reading.familyMatches = familyMatches(features, tables_.kinds);
+  classify(features, tables_.kinds, reading.data);
+  reading.data.fields = fieldsOf(reading);
   return reading;
+}
+
+double DocumentAnalyzer::faceScore(const platform::PixelBuffer& card) {
+  const auto faces = faces_->detect(card);
+  const auto surest = std::ranges::max_element(faces, {}, &Face::score);
+  return surest == faces.end() ? 0.0 : static_cast<double>(surest->score);
 }
 
 CardLook DocumentAnalyzer::lookAt(const platform::PixelBuffer& picture, const Quad& outline) {
   CardLook look;
   look.outline = outline;
-  const auto card = straightened(picture, outline);
-  look.lines = text_.find(*card);
-  const auto score = [&](const platform::PixelBuffer& as) {
-    const auto faces = faces_->detect(as);
-    const auto surest = std::ranges::max_element(faces, {}, &Face::score);
-    return surest == faces.end() ? 0.0 : static_cast<double>(surest->score);
-  };
-  look.faceScore = score(*card);
-  look.faceScoreTurned = score(*straightened(picture, upsideDown(outline)));
-  look.signs.lines = text_.turnSign(*card, look.lines);
+  look.card = straightened(picture, outline);
+  look.turned = straightened(picture, upsideDown(outline));
+  look.faceScore = faceScore(*look.card);
+  look.faceScoreTurned = faceScore(*look.turned);
+  // Lines found in a card that lies upright need not be found again when it is read.
+  if (look.faceScore < look.faceScoreTurned) look.turn();
+  look.lines = text_.find(*look.card);
+  look.signs.lines = text_.turnSign(*look.card, look.lines);
   look.signs.face = faceSign(look.faceScore, look.faceScoreTurned);
   return look;
 }
 
-CardLook DocumentAnalyzer::wholeCard(const platform::PixelBuffer& picture, CardLook look,
-                                     const std::vector<Quad>& outlines) {
-  for (const Quad& outline : outlines) {
-    if (!completes(outline, look.outline)) continue;
-    CardLook larger = lookAt(picture, outline);
-    if (larger.isCertainlyACard() && larger.content() >= look.content()) look = std::move(larger);
-  }
-  return look;
-}
-
-std::optional<CardLook> DocumentAnalyzer::likeliestCard(const platform::PixelBuffer& picture,
-                                                        const std::vector<Quad>& outlines) {
-  std::optional<CardLook> best;
-  for (const Quad& outline : outlines) {
-    CardLook look = lookAt(picture, outline);
-    if (look.isCertainlyACard()) return wholeCard(picture, std::move(look), outlines);
-    if (look.content() > (best ? best->content() : 0)) best = std::move(look);
-  }
-  return best;
-}
-
-std::optional<CardReading> DocumentAnalyzer::readUpright(const platform::PixelBuffer& picture,
-                                                         const CardLook& look) {
+std::optional<CardReading> DocumentAnalyzer::readUpright(const CardLook& look) {
   const auto readAs = [&](CardTurn turn) {
-    return read(view(picture, turn == CardTurn::upright ? look.outline : upsideDown(look.outline)));
+    CardMemory nothing;
+    return turn == CardTurn::upright
+               ? understood(look.card, text_.readAgain(*look.card, look.lines), nothing)
+               : understood(look.turned, text_.read(*look.turned), nothing);
   };
   if (const auto turn = cardTurn(look.signs)) return readAs(*turn);
   CardReading asItLies = readAs(CardTurn::upright);
@@ -216,13 +272,30 @@ std::optional<CardReading> DocumentAnalyzer::readUpright(const platform::PixelBu
   return *turn == CardTurn::upright ? std::move(asItLies) : std::move(turned);
 }
 
+platform::Expected<CardLook> DocumentAnalyzer::cardIn(const platform::PixelBufferRef& picture) {
+  const StillPicture still = stillPicture(picture, text_.boxes());
+  const auto look = [&](const Quad& outline) { return lookAt(*still.picture, outline); };
+  std::optional<CardLook> best;
+  platform::Fault fault = noCardSeen();
+  for (const Search search : {Search::coarse, Search::fine}) {
+    const auto outlines = cardsInStill(still, search);
+    if (!outlines) {
+      fault = outlines.error();
+      continue;
+    }
+    auto found = chooseCard(*outlines, look);
+    if (found && found->isCertainlyACard()) return *std::move(found);
+    if (found && (!best || found->content() > best->content())) best = std::move(found);
+  }
+  if (!best) return tl::unexpected(fault);
+  return *std::move(best);
+}
+
 platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
     const platform::PixelBufferRef& picture) {
-  const auto cards = cardsInStill(picture, text_.boxes());
-  if (!cards) return tl::unexpected(cards.error());
-  const auto look = likeliestCard(*cards->picture, cards->outlines);
-  if (!look) return tl::unexpected(noCardSeen());
-  auto reading = readUpright(*cards->picture, *look);
+  const auto look = cardIn(picture);
+  if (!look) return tl::unexpected(look.error());
+  auto reading = readUpright(*look);
   if (!reading) {
     return platform::failure(
         "It can't be told which way up the card in the picture lies: take a sharper photo, from "
@@ -239,7 +312,7 @@ void DocumentAnalyzer::askSecondReader(CardReading& reading) const {
   if (!second) return;
   reading.lines =
       withSecondOpinion(*reading.data.image->pixels(), std::move(reading.lines), *second);
-  reading.data.fields = documentFields(reading.data, reading.lines, today_);
+  reading.data.fields = fieldsOf(reading);
 }
 
 }  // namespace corvana::engine

@@ -12,6 +12,8 @@
 #include "engine/document/TesseractReader.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/fields/CalendarDates.h"
+#include "engine/document/guidance/CardQuality.h"
+#include "engine/document/kinds/DocumentTables.h"
 #include "engine/document/mrz/MrzReader.h"
 #include "engine/document/mrz/MrzVotes.h"
 #include "engine/document/text/NetworkTextReader.h"
@@ -20,28 +22,23 @@
 
 namespace corvana::engine {
 
-/// A card taken out of a picture, straightened to 1000×630, with the measures of its quality.
+/// A card taken out of a picture, straightened to its shape, with the measures of its quality.
 struct CardView {
   platform::PixelBufferRef picture;
-  double sharpness = 0;      ///< `cardSharpness`
-  double glareFraction = 0;  ///< `glareFraction`
-  bool isBlurred() const { return sharpness < kLeastSharpness; }
-  bool hasTooMuchGlare() const { return glareFraction > kMostGlare; }
-
-  /// Sharpness below which print of usual size is no longer read.
-  static constexpr double kLeastSharpness = 0.03;
-  /// Share of glare from which on about a line of print is covered.
-  static constexpr double kMostGlare = 0.02;
+  CardQuality quality;  ///< but for what covers print, which one picture can't tell
 };
 
 /// What earlier pictures told of a card that has been held still since.
 struct CardMemory {
+  bool isUpsideDown = false;    ///< the outline's upper side is the card's lower one
   std::vector<TextLine> lines;  ///< all print, as last read
   MrzVotes votes;               ///< of its machine-readable zone
 };
 
 struct CardReading {
   corvana::DetectedData data;
+  /// Whether the card was seen to lie on its head in its view, and was turned.
+  bool isUpsideDown = false;
   /// The portrait's face, in pixels of the straightened card.
   std::optional<platform::CGRect> faceBox;
   /// Where a machine-readable zone seems to be, read or not.
@@ -60,6 +57,8 @@ class DocumentAnalyzer {
  public:
   struct Setup {
     NetworkTextReader::Models text;
+    /// Kinds of documents and labels of fields; what a later folder says goes before.
+    std::vector<std::filesystem::path> documents{};
     /// Settles two-digit years.
     CalendarDate today{};
     /// Where a second reader's data of the Latin script is looked for; it does without.
@@ -77,7 +76,8 @@ class DocumentAnalyzer {
   CardView view(const platform::PixelBuffer& frame, const Quad& outline) const;
   /// Reads a card. Where the print of the same card in the same place is known from an earlier
   /// picture, it is not looked for again, unless it can no longer be read there; a zone that no
-  /// picture shows whole is put together from several. What is seen now goes into the memory.
+  /// picture shows whole is put together from several. What is seen now goes into the memory. A
+  /// card that clearly lies on its head is turned.
   CardReading read(const CardView& card, CardMemory& memory);
   /// Reads a card that was not seen before.
   CardReading read(const CardView& card);
@@ -89,23 +89,28 @@ class DocumentAnalyzer {
 
  private:
   DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz,
-                   const Setup& setup);
-  std::optional<Face> portrait(const platform::PixelBuffer& card);
-  std::vector<TextLine> linesOf(const platform::PixelBuffer& card,
-                                const std::vector<TextLine>& known);
+                   DocumentTables tables, const Setup& setup);
+  /// The face in the photo, which is looked for where the kind of document has it.
+  std::optional<Face> portrait(const platform::PixelBuffer& card, const DocumentKind& kind);
+  std::vector<corvana::DocumentField> fieldsOf(const CardReading& reading) const;
+  std::optional<CardTurn> turnOf(const platform::PixelBuffer& card,
+                                 const std::vector<TextLine>& lines);
+  CardReading readFirst(const platform::PixelBufferRef& card, CardMemory& memory);
+  CardReading readAgain(const platform::PixelBufferRef& card, CardMemory& memory);
   void askSecondReader(CardReading& reading) const;
+  /// What an upright card tells whose lines were read; they go into the memory.
+  CardReading understood(const platform::PixelBufferRef& card, std::vector<TextLine> lines,
+                         CardMemory& memory);
+  double faceScore(const platform::PixelBuffer& card);
+  platform::Expected<CardLook> cardIn(const platform::PixelBufferRef& picture);
   CardLook lookAt(const platform::PixelBuffer& picture, const Quad& outline);
-  CardLook wholeCard(const platform::PixelBuffer& picture, CardLook look,
-                     const std::vector<Quad>& outlines);
-  std::optional<CardLook> likeliestCard(const platform::PixelBuffer& picture,
-                                        const std::vector<Quad>& outlines);
-  std::optional<CardReading> readUpright(const platform::PixelBuffer& picture,
-                                         const CardLook& look);
+  std::optional<CardReading> readUpright(const CardLook& look);
 
   std::shared_ptr<FaceDetector> faces_;
   NetworkTextReader text_;
   std::filesystem::path tessdata_;
   MrzReader mrz_;
+  DocumentTables tables_;
   CalendarDate today_;
 };
 

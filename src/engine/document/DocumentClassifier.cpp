@@ -4,84 +4,11 @@
 #include <functional>
 #include <numeric>
 #include <string_view>
-#include <utility>
 
 #include "engine/document/fields/Transliteration.h"
 
 namespace corvana::engine {
 namespace {
-
-constexpr std::string_view kIdentityCard = "IDENTITY_CARD";
-constexpr std::string_view kDrivingLicence = "DRIVING_LICENCE";
-constexpr std::string_view kResidencePermit = "RESIDENCE_PERMIT";
-constexpr std::string_view kPassportCard = "PASSPORT_CARD";
-
-using Word = std::pair<std::string_view, std::string_view>;
-
-/// What cards other than identity cards call themselves in the languages of the European Union and
-/// its neighbours, as far as they are written in Latin letters; without blanks and accents.
-constexpr Word kWords[] = {
-    {"PASSPORTCARD", kPassportCard},
-    {"RESIDENCEPERMIT", kResidencePermit},
-    {"RESIDENCECARD", kResidencePermit},
-    {"PERMANENTRESIDENT", kResidencePermit},
-    {"AUFENTHALTSTITEL", kResidencePermit},
-    {"AUFENTHALTSKARTE", kResidencePermit},
-    {"TITREDESEJOUR", kResidencePermit},
-    {"PERMESSODISOGGIORNO", kResidencePermit},
-    {"PERMISODERESIDENCIA", kResidencePermit},
-    {"AUTORIZACAODERESIDENCIA", kResidencePermit},
-    {"VERBLIJFSTITEL", kResidencePermit},
-    {"DOKUMENTPOBYTU", kResidencePermit},
-    {"KARTAPOBYTU", kResidencePermit},
-    {"OPPHOLDSTILLATELSE", kResidencePermit},
-    {"OPPHOLDSKORT", kResidencePermit},
-    {"OPHOLDSTILLADELSE", kResidencePermit},
-    {"OPHOLDSKORT", kResidencePermit},
-    {"UPPEHALLSTILLSTAND", kResidencePermit},
-    {"UPPEHALLSKORT", kResidencePermit},
-    {"OLESKELULUPA", kResidencePermit},
-    {"DVALARLEYFI", kResidencePermit},
-    {"ELAMISLUBA", kResidencePermit},
-    {"UZTURESANASATLAUJA", kResidencePermit},
-    {"LEIDIMASGYVENTI", kResidencePermit},
-    {"POVOLENIKPOBYTU", kResidencePermit},
-    {"POVOLENIENAPOBYT", kResidencePermit},
-    {"TARTOZKODASIENGEDELY", kResidencePermit},
-    {"DOVOLJENJEZAPREBIVANJE", kResidencePermit},
-    {"DOZVOLABORAVKA", kResidencePermit},
-    {"PERMISDESEDERE", kResidencePermit},
-    {"IKAMETIZNI", kResidencePermit},
-    {"DRIVINGLICENCE", kDrivingLicence},
-    {"DRIVINGLICENSE", kDrivingLicence},
-    {"DRIVERLICENSE", kDrivingLicence},
-    {"DRIVERLICENCE", kDrivingLicence},
-    {"DRIVERSLICENSE", kDrivingLicence},
-    {"DRIVERSLICENCE", kDrivingLicence},
-    {"FUHRERSCHEIN", kDrivingLicence},
-    {"FUEHRERSCHEIN", kDrivingLicence},
-    {"PERMISDECONDUIRE", kDrivingLicence},
-    {"PATENTEDIGUIDA", kDrivingLicence},
-    {"PERMISODECONDUCCION", kDrivingLicence},
-    {"CARTADECONDUCAO", kDrivingLicence},
-    {"RIJBEWIJS", kDrivingLicence},
-    {"PRAWOJAZDY", kDrivingLicence},
-    {"FORERKORT", kDrivingLicence},
-    {"KOREKORT", kDrivingLicence},
-    {"KORKORT", kDrivingLicence},
-    {"AJOKORTTI", kDrivingLicence},
-    {"OKUSKIRTEINI", kDrivingLicence},
-    {"JUHILUBA", kDrivingLicence},
-    {"VADITAJAAPLIECIBA", kDrivingLicence},
-    {"VAIRUOTOJOPAZYMEJIMAS", kDrivingLicence},
-    {"RIDICSKYPRUKAZ", kDrivingLicence},
-    {"VODICSKYPREUKAZ", kDrivingLicence},
-    {"VEZETOIENGEDELY", kDrivingLicence},
-    {"VOZNISKODOVOLJENJE", kDrivingLicence},
-    {"VOZACKADOZVOLA", kDrivingLicence},
-    {"PERMISDECONDUCERE", kDrivingLicence},
-    {"SURUCUBELGESI", kDrivingLicence},
-};
 
 /// One letter in so many may be misread.
 constexpr std::size_t kLettersPerError = 7;
@@ -112,76 +39,134 @@ std::string lettersOf(const std::vector<std::string>& lines) {
   return text;
 }
 
-std::optional<std::string_view> familyByWords(const std::vector<std::string>& lines) {
+/// The kind with the longest of the names that the print holds: "passport card" says more than
+/// "passport".
+const DocumentKind* kindByName(const std::vector<std::string>& lines, const DocumentKinds& kinds) {
   const std::string text = lettersOf(lines);
-  for (const auto& [word, family] : kWords) {
-    if (editsToFind(word, text) <= word.size() / kLettersPerError) return family;
+  const DocumentKind* best = nullptr;
+  std::size_t longest = 0;
+  for (const DocumentKind& kind : kinds.all()) {
+    for (const KindName& name : kind.names) {
+      const std::string& letters = name.letters;
+      if (letters.size() <= longest) continue;
+      if (editsToFind(letters, text) > letters.size() / kLettersPerError) continue;
+      best = &kind;
+      longest = letters.size();
+    }
   }
-  return std::nullopt;
+  return best;
+}
+
+/// A kind that asks for zones of one format also asks for the photo beside them: on the other side
+/// stands another document's zone.
+bool maySpeakFor(const DocumentKind& kind, ZoneFormat format, bool hasFace) {
+  if (kind.zoneFormat != format) return false;
+  const bool isOnFront = kind.front.zone && kind.front.zone->format == format;
+  return !isOnFront || !kind.back || hasFace;
 }
 
 /// The document code's first letter is the kind, the second the issuing state's choice, except for
-/// these.
-std::optional<std::string_view> familyByCode(const std::string& code) {
-  if (code == "IP") return kPassportCard;
-  if (code == "IR" || code == "AR") return kResidencePermit;
-  if (code.front() == 'D') return kDrivingLicence;
-  return std::nullopt;
+/// those that kinds claim whole.
+const DocumentKind* kindByZone(const corvana::MRZResult& zone, bool hasFace,
+                               const DocumentKinds& kinds) {
+  const auto format = formatOf(zone);
+  const DocumentKind* best = nullptr;
+  std::size_t longest = 0;
+  for (const DocumentKind& kind : kinds.all()) {
+    if (kind.zoneFormat && !(format && maySpeakFor(kind, *format, hasFace))) continue;
+    for (const std::string& code : kind.zoneCodes) {
+      const std::size_t weight = 2 * code.size() + (kind.zoneFormat ? 1 : 0);
+      if (weight <= longest || !zone.documentCode.starts_with(code)) continue;
+      best = &kind;
+      longest = weight;
+    }
+  }
+  return best;
 }
 
-bool isLicenceRecord(const std::map<std::string, std::string>& barcode) {
-  return barcode.count("DAQ") != 0 || barcode.count("DCA") != 0;
+const DocumentKind* kindByCode(const std::map<std::string, std::string>& barcode,
+                               const DocumentKinds& kinds) {
+  const auto holdsOneOf = [&](const std::vector<std::string>& elements) {
+    return std::ranges::any_of(elements, [&](const auto& e) { return barcode.contains(e); });
+  };
+  const auto kind = std::ranges::find_if(kinds.all(), holdsOneOf, &DocumentKind::codeElements);
+  return kind == kinds.all().end() ? nullptr : &*kind;
 }
 
 /// What zone and barcode say.
-std::optional<std::string_view> familyByRecord(const DocumentFeatures& features) {
-  if (features.mrz) {
-    if (const auto family = familyByCode(features.mrz->documentCode)) return family;
-  }
-  if (features.barcode && isLicenceRecord(*features.barcode)) return kDrivingLicence;
-  return std::nullopt;
+const DocumentKind* kindByRecord(const DocumentFeatures& features, const DocumentKinds& kinds) {
+  const DocumentKind* kind = nullptr;
+  if (features.mrz) kind = kindByZone(*features.mrz, features.hasFace, kinds);
+  if (!kind && features.barcode) kind = kindByCode(*features.barcode, kinds);
+  return kind;
 }
 
-std::optional<corvana::DocumentSide> sideOf(const DocumentFeatures& features) {
-  // Zones of two lines stand on the side of the photo, those of three on the other.
-  const bool hasPhotosZone = features.mrz && features.mrz->lines.size() == 2;
-  if (features.hasFace && hasPhotosZone) return corvana::DocumentSide::front;
-  if (features.mrz || features.barcode) return corvana::DocumentSide::back;
-  if (features.hasFace) return corvana::DocumentSide::front;
-  if (features.hasMrzBand) return corvana::DocumentSide::back;
+/// Where a document of unknown makeup has its zone: those of two lines stand on the side of the
+/// photo, those of three on the other.
+bool isFrontsZone(const corvana::MRZResult& zone, const DocumentKind& kind) {
+  const auto format = formatOf(zone);
+  const auto hasIt = [&](const KindSide& side) {
+    return side.zone && format && side.zone->format == *format;
+  };
+  const bool isOnFront = hasIt(kind.front);
+  const bool isOnBack = kind.back && hasIt(*kind.back);
+  return isOnFront == isOnBack ? zone.lines.size() == 2 : isOnFront;
+}
+
+std::optional<corvana::DocumentSide> sideOf(const DocumentFeatures& features,
+                                            const DocumentKind& kind) {
+  using corvana::DocumentSide;
+  const bool hasFrontsCode = features.barcode && kind.front.code;
+  if (features.hasFace && features.mrz && isFrontsZone(*features.mrz, kind)) {
+    return DocumentSide::front;
+  }
+  if (features.hasFace && hasFrontsCode) return DocumentSide::front;
+  if (features.mrz || features.barcode) return DocumentSide::back;
+  if (features.hasFace) return DocumentSide::front;
+  // Nothing marks a bare back but its kind's name.
+  const bool isBareBack = kind.back && !kind.back->zone && !kind.back->code && !kind.isRemainder;
+  if (features.hasMrzBand || isBareBack) return DocumentSide::back;
   return std::nullopt;
 }
 
 }  // namespace
 
-std::string documentFamily(const DocumentFeatures& features) {
-  if (const auto family = familyByRecord(features)) return std::string(*family);
-  return std::string(familyByWords(features.lines).value_or(kIdentityCard));
+const DocumentKind& documentKind(const DocumentFeatures& features, const DocumentKinds& kinds) {
+  if (const auto* kind = kindByRecord(features, kinds)) return *kind;
+  if (const auto* kind = kindByName(features.lines, kinds)) return *kind;
+  return kinds.remainder();
 }
 
-FamilyMatches familyMatches(const DocumentFeatures& features) {
+FamilyMatches familyMatches(const DocumentFeatures& features, const DocumentKinds& kinds) {
   const std::string text = lettersOf(features.lines);
-  std::map<std::string_view, float> shares;
-  for (const auto& [word, family] : kWords) {
-    const auto missing = static_cast<float>(editsToFind(word, text));
-    float& share = shares[family];
-    share = std::max(share, 1 - missing / static_cast<float>(word.size()));
+  const DocumentKind* recorded = kindByRecord(features, kinds);
+  FamilyMatches matches;
+  for (const DocumentKind& kind : kinds.all()) {
+    if (kind.names.empty() && &kind != recorded) continue;
+    float share = &kind == recorded ? 1 : 0;
+    for (const KindName& name : kind.names) {
+      const auto missing = static_cast<float>(editsToFind(name.letters, text));
+      share = std::max(share, 1 - missing / static_cast<float>(name.letters.size()));
+    }
+    matches.emplace_back(kind.stem, share);
   }
-  if (const auto family = familyByRecord(features)) shares[*family] = 1;
-  FamilyMatches matches(shares.begin(), shares.end());
   std::ranges::stable_sort(matches, std::greater(), &FamilyMatches::value_type::second);
   return matches;
 }
 
-void classify(const DocumentFeatures& features, corvana::DetectedData& data) {
-  data.side = sideOf(features);
+void classify(const DocumentFeatures& features, const DocumentKinds& kinds,
+              corvana::DetectedData& data) {
+  const DocumentKind& kind = documentKind(features, kinds);
+  data.side = sideOf(features, kind);
   if (!data.side) return;
+  // What has one side only shows that.
+  if (!kind.back) data.side = corvana::DocumentSide::front;
   const bool isFront = *data.side == corvana::DocumentSide::front;
-  const std::string family = documentFamily(features);
-  data.type = family + (isFront ? "_FRONT" : "_BACK");
-  data.shouldHavePhoto = isFront;
-  data.shouldHaveMrz = !isFront && family != kDrivingLicence;
-  data.shouldHaveBarcode = !isFront && family == kDrivingLicence && !features.mrz;
+  const KindSide& side = isFront ? kind.front : *kind.back;
+  data.type = kind.stem + (isFront ? "_FRONT" : "_BACK");
+  data.shouldHavePhoto = side.photo.has_value();
+  data.shouldHaveMrz = side.zone.has_value();
+  data.shouldHaveBarcode = side.code && !features.mrz;
 }
 
 }  // namespace corvana::engine

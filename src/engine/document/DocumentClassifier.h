@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "corvana/DetectedData.h"
+#include "engine/document/kinds/DocumentKinds.h"
 
 namespace corvana::engine {
 
@@ -21,20 +22,21 @@ struct DocumentFeatures {
 };
 
 /// Names the document and the side, and what such a side should carry: fills `type`, `side` and the
-/// `should` flags of the data. A zone or barcode marks a back, a face alone or with a zone of
-/// two lines a front; with none of
-/// them side and type stay absent. Front and back of one card come into the same family: what names
-/// none is an identity card. Pure.
-void classify(const DocumentFeatures& features, corvana::DetectedData& data);
+/// `should` flags of the data. A zone or barcode marks a back, unless the kind has it beside the
+/// photo; a face marks a front. With neither, only the backs of kinds that have no mark are known,
+/// by the kind's name; else side and type stay absent. Front and back of one card come into the
+/// same kind: what names none is the remainder, an identity card. Pure.
+void classify(const DocumentFeatures& features, const DocumentKinds& kinds,
+              corvana::DetectedData& data);
 
-/// The family alone, as "DRIVING_LICENCE".
-std::string documentFamily(const DocumentFeatures& features);
+/// The kind alone.
+const DocumentKind& documentKind(const DocumentFeatures& features, const DocumentKinds& kinds);
 
 using FamilyMatches = std::vector<std::pair<std::string, float>>;
 
-/// How well the card speaks for each family but the identity card, which is what remains and has no
-/// measure; best first. The share of the letters of a family's name that its print holds, 0 to 1 (a
-/// name counts from about 0.86 on), and 1 for what zone or barcode say. For tuning. Pure.
-FamilyMatches familyMatches(const DocumentFeatures& features);
+/// How well the card speaks for each kind that has a name or that its zone or barcode name; best
+/// first. The share of the letters of a kind's name that its print holds, 0 to 1 (a name counts
+/// from about 0.86 on), and 1 for what zone or barcode say. For tuning. Pure.
+FamilyMatches familyMatches(const DocumentFeatures& features, const DocumentKinds& kinds);
 
 }  // namespace corvana::engine

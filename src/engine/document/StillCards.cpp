@@ -13,6 +13,8 @@ namespace {
 /// A straightened card has 1000 pixels: more than this adds nothing but time.
 constexpr int kMostSide = 2400;
 constexpr double kLeastCardWidth = 320;
+constexpr double kCoarseSide = 640;
+constexpr double kFineSide = 1280;
 
 platform::PixelBufferRef reduced(const platform::PixelBufferRef& picture) {
   const int longest = std::max(picture->width(), picture->height());
@@ -28,20 +30,22 @@ platform::Fault noCardSeen() {
   return {"No card was seen in the picture: photograph it from above, whole, on a plain ground."};
 }
 
-platform::Expected<StillCards> cardsInStill(const platform::PixelBufferRef& picture,
-                                            TextBoxes& print) {
-  StillCards cards{reduced(picture), {}};
-  const cv::Mat rgb = rgbMat(*cards.picture);
-  cards.outlines = cardOutlines(rgb, print.find(rgb));
-  if (cards.outlines.empty()) {
-    return tl::unexpected(noCardSeen());
-  }
-  std::erase_if(cards.outlines, [](const Quad& quad) { return quad.width() < kLeastCardWidth; });
-  if (cards.outlines.empty()) {
+StillPicture stillPicture(const platform::PixelBufferRef& picture, TextBoxes& print) {
+  StillPicture still{reduced(picture), {}};
+  still.print = print.find(rgbMat(*still.picture));
+  return still;
+}
+
+platform::Expected<std::vector<Quad>> cardsInStill(const StillPicture& still, Search search) {
+  const double side = search == Search::coarse ? kCoarseSide : kFineSide;
+  std::vector<Quad> outlines = cardOutlines(rgbMat(*still.picture), still.print, side);
+  if (outlines.empty()) return tl::unexpected(noCardSeen());
+  std::erase_if(outlines, [](const Quad& quad) { return quad.width() < kLeastCardWidth; });
+  if (outlines.empty()) {
     return platform::failure(
         "The card in the picture is less than 320 pixels wide: take the photo from nearer.");
   }
-  return cards;
+  return outlines;
 }
 
 }  // namespace corvana::engine

@@ -9,19 +9,24 @@
 
 namespace corvana::engine {
 
-/// The places where a card may lie in a still, in pixels of `picture`: the still, made smaller
-/// where it has more pixels than a reading needs.
-struct StillCards {
+/// A still, made smaller where it has more pixels than a reading needs, and its lines of print.
+struct StillPicture {
   platform::PixelBufferRef picture;
-  std::vector<Quad> outlines;  ///< the likeliest first, at any turn; at least one
+  std::vector<cv::RotatedRect> print;
 };
+
+StillPicture stillPicture(const platform::PixelBufferRef& picture, TextBoxes& print);
+
+/// How closely a still is searched. A card that is a small part of it, or lies on printed paper,
+/// may only be found by a fine search, in which wood and cloth have more edges than a card.
+enum class Search { coarse, fine };
 
 /// What to say of a picture without a card.
 platform::Fault noCardSeen();
 
-/// Finds where the card may lie in a photo or scan: outlines of its shape, or the whole picture
-/// where that has a card's shape. Error: there is neither, or all are less than 320 pixels wide.
-platform::Expected<StillCards> cardsInStill(const platform::PixelBufferRef& picture,
-                                            TextBoxes& print);
+/// Where the card may lie in a photo or scan: outlines of its shape, or the whole picture where
+/// that has a card's shape; the likeliest first, at any turn, at least one. Error: there is
+/// neither, or all are less than 320 pixels wide.
+platform::Expected<std::vector<Quad>> cardsInStill(const StillPicture& still, Search search);
 
 }  // namespace corvana::engine

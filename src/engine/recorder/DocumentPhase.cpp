@@ -7,13 +7,20 @@ using corvana::DetectedData;
 using corvana::IDCaptureState;
 using Sight = DocumentPhase::Sight;
 
-Sight sightOf(const DocumentView& view) {
-  if (view.tooMuchGlare) return Sight::tooMuchGlare;
+/// The flaw of a card in its place; in the dark also of a picture in which none is seen.
+std::optional<FlawFound> flawIn(const DocumentView& view,
+                                const corvana::IDCapture::Options& limits) {
+  if (view.quality) return flawOf(*view.quality, limits);
+  if (view.surroundings) return flawOf({.brightness = *view.surroundings}, limits);
+  return {};
+}
+
+Sight sightOf(const DocumentView& view, const std::optional<FlawFound>& flaw) {
   switch (view.verdict) {
     case CardVerdict::none:
       break;
     case CardVerdict::found:
-      return Sight::found;
+      return flaw && flaw->flaw == CardFlaw::tooMuchGlare ? Sight::tooMuchGlare : Sight::found;
     case CardVerdict::moveCloser:
       return Sight::moveCloser;
     case CardVerdict::moveAway:
@@ -50,21 +57,24 @@ bool isComplete(const DetectedData& data) {
          (!data.shouldHaveMrz || data.mrz) && (!data.shouldHaveBarcode || data.barcode);
 }
 
-std::optional<IDCaptureState> DocumentPhase::change(Sight sight, platform::TimePoint now) {
-  if (sight == reported_) {
-    pending_.reset();
-    return {};
-  }
-  if (sight != pending_) {
-    pending_ = sight;
-    pendingSince_ = now;
-  }
+std::optional<IDCaptureState> DocumentPhase::change(Sight sight, platform::TimePoint now,
+                                                    platform::Duration patience) {
+  const bool isGone = sight == Sight::none;
+  const bool lasts = sights_.lasts(sight, now, isGone ? kPatience : patience,
+                                   isGone ? 1 : Persistence<Sight>::kLeastShare);
   // A card in sight is told at once; a complaint must last.
   const bool atOnce = sight == Sight::found || !reported_;
-  if (!atOnce && now - pendingSince_ < kPatience) return {};
+  if (sight == reported_ || (!atOnce && !lasts)) return {};
   reported_ = sight;
-  pending_.reset();
   return stateOf(sight);
+}
+
+void DocumentPhase::watchFlaw(const std::optional<FlawFound>& flaw, platform::TimePoint now,
+                              platform::Duration patience) {
+  // Glare has a state of its own.
+  const auto found = flaw && flaw->flaw != CardFlaw::tooMuchGlare ? flaw : std::nullopt;
+  const auto kind = found ? std::optional(found->flaw) : std::nullopt;
+  if (flaws_.lasts(kind, now, patience)) hint_ = found;
 }
 
 void DocumentPhase::read(const DetectedData& data, platform::TimePoint now,
@@ -81,16 +91,20 @@ void DocumentPhase::read(const DetectedData& data, platform::TimePoint now,
   states.push_back({IDCaptureState::Success{data}});
 }
 
-std::vector<IDCaptureState> DocumentPhase::judge(const DocumentView& view,
-                                                 platform::TimePoint now) {
+std::vector<IDCaptureState> DocumentPhase::judge(const DocumentView& view, platform::TimePoint now,
+                                                 const corvana::IDCapture::Options& limits) {
   std::vector<IDCaptureState> states;
+  const auto patience = platform::seconds(limits.patienceSeconds);
+  const auto flaw = flawIn(view, limits);
+  // A card on the move is not measured, which says nothing of it.
+  if (view.verdict != CardVerdict::found || view.quality) watchFlaw(flaw, now, patience);
   // Each side begins with an empty frame, also when a card is in view from the start.
-  const Sight sight = sightOf(view);
+  const Sight sight = sightOf(view, flaw);
   if (!reported_ && sight != Sight::none) {
     states.push_back({IDCaptureState::DetectingBox{}});
   }
-  if (auto state = change(sight, now)) states.push_back(std::move(*state));
-  if (sight == Sight::found && view.reading) read(*view.reading, now, states);
+  if (auto state = change(sight, now, patience)) states.push_back(std::move(*state));
+  if (sight == Sight::found && !flaw && view.reading) read(*view.reading, now, states);
   return states;
 }
 

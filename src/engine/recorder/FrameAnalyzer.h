@@ -9,6 +9,9 @@
 #include "corvana/VideoCapture.h"
 #include "engine/document/CardFinder.h"
 #include "engine/document/DocumentClassifier.h"
+#include "engine/document/guidance/CardQuality.h"
+#include "engine/selfie/Liveness.h"
+#include "engine/selfie/PersonCompare.h"
 #include "engine/selfie/SelfieVerdict.h"
 #include "platform/foundation/Fault.h"
 #include "platform/foundation/Time.h"
@@ -27,6 +30,8 @@ struct AnalysisTask {
   platform::CGRect selfieOverlayFrame;
   platform::CGRect idOverlayFrame;
   platform::CGSize screenSize;
+  /// The face of the selfie that succeeded last; null before.
+  platform::UIImageRef selfieFace;
 };
 
 /// What was measured on a face, each 0 to 1.
@@ -45,13 +50,17 @@ struct SelfieView {
   double sharpness = 0;  ///< how sharp the face is; comparable between frames of a run
   /// What was measured on the face; absent unless one is in place.
   std::optional<FaceMeasures> measures;
+  /// What the looks so far say of its life; absent as they are.
+  std::optional<LivenessVerdict> liveness;
 };
 
 /// A frame seen as a picture of a card.
 struct DocumentView {
   CardVerdict verdict = CardVerdict::none;
-  /// Whether glare hides print; only judged when a card is found and would be read.
-  bool tooMuchGlare = false;
+  /// How well the card can be seen; absent unless one is in its place and held still.
+  std::optional<CardQuality> quality;
+  /// `brightnessOf` the whole picture, where no card is seen in it.
+  std::optional<double> surroundings;
   /// Bounding box of the card, in the analysed picture.
   std::optional<platform::CGRect> location;
   /// What was read, when this frame was read.
@@ -71,6 +80,8 @@ struct Observation {
   /// The live face; absent when it is not seen in this frame.
   std::optional<platform::CGRect> liveFace;
   platform::Duration liveFaceLostFor{};
+  /// Whether the live face is the selfie's, when it was time to compare them.
+  std::optional<PersonCheck> person;
   std::optional<SelfieView> selfie;      ///< present in the selfie mode
   std::optional<DocumentView> document;  ///< present in the document mode
 };

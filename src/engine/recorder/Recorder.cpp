@@ -31,6 +31,10 @@ UserInfo debugData(const SelfieView& view, const Observation& observation) {
   info["faceLivenessScore"] = view.measures->livenessScore;
   info["leftEyeOpenProbability"] = view.measures->leftEyeOpen;
   info["rightEyeOpenProbability"] = view.measures->rightEyeOpen;
+  if (view.liveness) {
+    for (const LivenessSign& sign : view.liveness->signs)
+      info["sign." + sign.name] = static_cast<float>(sign.value);
+  }
   return info;
 }
 
@@ -70,6 +74,7 @@ void Recorder::publishTask() {
   task.selfieOverlayFrame = setup_.selfieOverlayFrame;
   task.idOverlayFrame = setup_.idOverlayFrame;
   task.screenSize = setup_.screenSize;
+  task.selfieFace = selfieFace_;
   const std::lock_guard lock(taskMutex_);
   task_ = active_ ? std::optional(task) : std::nullopt;
 }
@@ -78,7 +83,9 @@ void Recorder::enter(VideoCaptureMode mode) {
   mode_ = mode;
   modeStart_ = setup_.loop.now();
   selfie_ = {};
+  liveness_ = {};
   document_ = {};
+  tell({});
   publishTask();
   startTimeOut();
   note({Kind::mode, nameOf(mode), {}});
@@ -119,6 +126,7 @@ void Recorder::reportTimeOut() {
 
 void Recorder::pause() {
   active_ = false;
+  tell({});
   if (timeOut_) timeOut_->invalidate();
   publishTask();
 }
@@ -137,6 +145,8 @@ void Recorder::retry() {
   ++run_;
   active_ = true;
   liveFaceInSight_ = false;
+  selfieFace_ = nullptr;
+  person_ = {};
   setup_.film->restart();
   enter(VideoCaptureMode::selfieCapture);
   selfie_.holdBackUntil(setup_.loop.now() + kQuietAfterRetry);
@@ -193,42 +203,84 @@ void Recorder::capturedVideo(const CMSampleBufferRef& sample) {
 void Recorder::observe(const Observation& observation) {
   if (!active_ || observation.task.run != run_) return;
   watchLiveFace(observation);
+  if (active_) watchPerson(observation);
   if (!active_ || observation.task.mode != mode_) return;
   if (corvana::VideoCapture::options.isDebugMode) postDebugData(observation);
   const auto now = setup_.loop.now();
-  if (observation.selfie) {
-    for (const auto& state : selfie_.judge(*observation.selfie, now))
-      report(state);
-  }
+  if (observation.selfie) judgeSelfie(*observation.selfie);
   if (observation.document) {
-    for (const auto& state : document_.judge(*observation.document, now))
-      report(state);
+    for (const auto& state : document_.judge(*observation.document, now, IDCapture::options)) {
+      if (mayReport(state)) report(state);
+    }
+    tell(document_.hint());
   }
 }
 
+void Recorder::judgeSelfie(const SelfieView& view) {
+  const auto states = selfie_.judge(view, setup_.loop.now());
+  if (view.liveness) {
+    for (const RecorderEvent& event : liveness_.take(*view.liveness, selfie_.asks()))
+      note(event);
+  }
+  for (const auto& state : states)
+    report(state);
+}
+
 void Recorder::watchLiveFace(const Observation& observation) {
-  const auto delegate = delegate_.lock();
   if (observation.liveFace) {
     if (!std::exchange(liveFaceInSight_, true)) note({Kind::liveFace, "found", {}});
-    if (delegate) delegate->foundLiveFace(observation.liveFace, observation.fullSize, mode_);
+    if (const auto delegate = delegate_.lock())
+      delegate->foundLiveFace(observation.liveFace, observation.fullSize, mode_);
     return;
   }
   // Before a selfie is accepted an empty oval is no loss: the user is only told to look into it.
   if (mode_ == VideoCaptureMode::selfieCapture) return;
   const double lostFor = platform::inSeconds(observation.liveFaceLostFor);
   if (lostFor <= corvana::VideoCapture::options.liveFaceLostSeconds) return;
+  loseFace(observation, "outOfSight");
+}
+
+void Recorder::watchPerson(const Observation& observation) {
+  if (mode_ == VideoCaptureMode::selfieCapture) return;
+  const auto now = setup_.loop.now();
+  if (const auto& check = observation.person) {
+    const double threshold = SelfieCapture::options.samePersonThreshold;
+    person_.take(*check, threshold, now);
+    if (check->distance) {
+      note(eventOf(LivenessSign{"samePerson", LivenessSign::SpeaksFor::life, *check->distance,
+                                threshold, *check->distance <= threshold}));
+    }
+  }
+  const auto verdict = person_.verdict(now);
+  if (verdict == PersonWatch::Verdict::another) return loseFace(observation, "anotherPerson");
+  const bool isReading = mode_ == VideoCaptureMode::readingText;
+  if (isReading && verdict == PersonWatch::Verdict::unknown) loseFace(observation, "unjudged");
+}
+
+/// Who showed the card must be known to be the one of the selfie.
+bool Recorder::mayReport(const IDCaptureState& state) const {
+  return !std::holds_alternative<IDCaptureState::Success>(state.value) ||
+         person_.verdict(setup_.loop.now()) == PersonWatch::Verdict::same;
+}
+
+void Recorder::loseFace(const Observation& observation, const std::string& cause) {
   const bool fadingIn = mode_ == VideoCaptureMode::readingText &&
                         setup_.loop.now() - modeStart_ < kQuietBeforeReading;
   if (fadingIn) return;
   pause();
   mode_ = VideoCaptureMode::liveFaceLost;
   liveFaceInSight_ = false;
-  note({Kind::liveFace, "lost", {{"seconds", lostFor}}});
-  if (delegate) delegate->foundLiveFace({}, observation.fullSize, mode_);
+  const double seconds = platform::inSeconds(observation.liveFaceLostFor);
+  note({Kind::liveFace, "lost", {{"seconds", seconds}, {"cause", cause}}});
+  if (const auto delegate = delegate_.lock())
+    delegate->foundLiveFace({}, observation.fullSize, mode_);
 }
 
 void Recorder::report(const SelfieCaptureState& state) {
   note(eventOf(state));
+  if (const auto* success = std::get_if<SelfieCaptureState::Success>(&state.value)) {
+    selfieFace_ = success->selfie.faceImage;
+  }
   if (const auto delegate = delegate_.lock()) delegate->update(state);
 }
 
@@ -237,6 +289,12 @@ void Recorder::report(const IDCaptureState& state) {
   const auto* success = std::get_if<IDCaptureState::Success>(&state.value);
   if (success && setup_.observer) setup_.observer->cardRead(success->data);
   if (const auto delegate = delegate_.lock()) delegate->update(state);
+}
+
+void Recorder::tell(const std::optional<FlawFound>& hint) {
+  const auto flaw = hint ? std::optional(hint->flaw) : std::nullopt;
+  if (flaw == std::exchange(told_, flaw)) return;
+  note(eventOf(hint));
 }
 
 void Recorder::postDebugData(const Observation& observation) {

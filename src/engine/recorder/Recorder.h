@@ -10,6 +10,8 @@
 #include "engine/recorder/DocumentPhase.h"
 #include "engine/recorder/Film.h"
 #include "engine/recorder/FrameAnalyzer.h"
+#include "engine/recorder/LivenessEvents.h"
+#include "engine/recorder/PersonWatch.h"
 #include "engine/recorder/RecorderObserver.h"
 #include "engine/recorder/SelfiePhase.h"
 #include "platform/foundation/NotificationCenter.h"
@@ -80,9 +82,14 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   void pause();
 
   void observe(const Observation& observation);
+  void judgeSelfie(const SelfieView& view);
   void watchLiveFace(const Observation& observation);
+  void watchPerson(const Observation& observation);
+  void loseFace(const Observation& observation, const std::string& cause);
+  bool mayReport(const corvana::IDCaptureState& state) const;
   void report(const corvana::SelfieCaptureState& state);
   void report(const corvana::IDCaptureState& state);
+  void tell(const std::optional<FlawFound>& hint);
   void postDebugData(const Observation& observation);
   void note(const RecorderEvent& event);
 
@@ -96,7 +103,11 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   bool active_ = false;  ///< false from an end of a run to `retry()`: nothing is reported
   bool liveFaceInSight_ = false;
   SelfiePhase selfie_;
+  LivenessEvents liveness_;
+  PersonWatch person_;
+  platform::UIImageRef selfieFace_;  ///< of the selfie that succeeded last
   DocumentPhase document_;
+  std::optional<CardFlaw> told_;  ///< the hint that stands
   std::shared_ptr<platform::Timer> timeOut_;
 
   // Capture queue.

@@ -15,6 +15,8 @@ class SelfiePhase {
   std::vector<corvana::SelfieCaptureState> judge(const SelfieView& view, platform::TimePoint now);
   /// Lets no success come before `time`.
   void holdBackUntil(platform::TimePoint time) { earliestSuccess_ = time; }
+  /// Whether a sign of life is being asked for.
+  bool asks() const { return asks_; }
   /// The sharpest good selfie so far.
   const std::optional<corvana::Selfie>& best() const { return best_; }
 
@@ -22,12 +24,16 @@ class SelfiePhase {
   /// the oval would count.
   static constexpr platform::Duration kSteadyTime = std::chrono::milliseconds(800);
   static constexpr platform::Duration kSuccessInterval = std::chrono::milliseconds(500);
+  /// How long one sign of life is asked for before it is another's turn.
+  static constexpr platform::Duration kAskInterval = std::chrono::seconds(3);
 
  private:
   void remember(const SelfieView& view);
+  void demandLife(SelfieView& view);
 
   std::optional<SelfieVerdict> lastVerdict_;
   std::string lastIssue_;
+  bool asks_ = false;
   std::optional<platform::TimePoint> goodSince_;
   std::optional<platform::TimePoint> lastSuccess_;
   platform::TimePoint earliestSuccess_{};

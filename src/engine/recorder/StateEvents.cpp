@@ -55,4 +55,11 @@ RecorderEvent eventOf(const IDCaptureState& state) {
   return {RecorderEvent::Kind::state, corvana::nameOf(state), detailsOf(state)};
 }
 
+RecorderEvent eventOf(const std::optional<FlawFound>& hint) {
+  if (!hint) return {RecorderEvent::Kind::hint, "none", {}};
+  return {RecorderEvent::Kind::hint,
+          nameOf(hint->flaw),
+          {{"value", hint->value}, {"threshold", hint->limit}}};
+}
+
 }  // namespace corvana::engine

@@ -46,9 +46,11 @@ CGRect guideInPicture(const CGRect& overlay, const CGSize& screen, const CGSize&
 }
 
 VisionFrameAnalyzer::VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
-                                         FaceLandmarks landmarks, DocumentAnalyzer documents)
+                                         const std::shared_ptr<FaceLandmarks>& landmarks,
+                                         FaceEmbedder embedder, DocumentAnalyzer documents)
     : detector_(std::move(detector)),
-      selfies_(detector_, std::make_shared<FaceLandmarks>(std::move(landmarks))),
+      selfies_(detector_, landmarks),
+      persons_(landmarks, std::move(embedder)),
       documents_(std::move(documents)) {}
 
 platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> VisionFrameAnalyzer::load(
@@ -57,11 +59,15 @@ platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> VisionFrameAnalyzer::lo
   if (!detector) return tl::unexpected(detector.error());
   auto landmarks = FaceLandmarks::load(models.faceLandmarks);
   if (!landmarks) return tl::unexpected(landmarks.error());
+  auto embedder = FaceEmbedder::load(models.faceEmbedding);
+  if (!embedder) return tl::unexpected(embedder.error());
   auto faces = std::make_shared<FaceDetector>(std::move(*detector));
-  auto documents = DocumentAnalyzer::load(faces, {.text = models.text, .today = models.today});
+  auto documents = DocumentAnalyzer::load(
+      faces, {.text = models.text, .documents = models.documents, .today = models.today});
   if (!documents) return tl::unexpected(documents.error());
-  return std::shared_ptr<VisionFrameAnalyzer>(
-      new VisionFrameAnalyzer(std::move(faces), std::move(*landmarks), std::move(*documents)));
+  return std::shared_ptr<VisionFrameAnalyzer>(new VisionFrameAnalyzer(
+      std::move(faces), std::make_shared<FaceLandmarks>(std::move(*landmarks)),
+      std::move(*embedder), std::move(*documents)));
 }
 
 Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& frame,
@@ -72,6 +78,7 @@ Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& fram
     lastReading_.reset();
     lastOutline_.reset();
     memory_ = {};
+    print_.forget();
   }
   const PixelBufferRef picture = analysisPicture(frame->image, task.captureMode);
   Observation observation;
@@ -103,9 +110,9 @@ SelfieView VisionFrameAnalyzer::lookForSelfie(const PixelBufferRef& picture,
     tracker_.start(judgement.face->box, observation.frameTime);
   }
   if (const auto& details = judgement.details) {
-    view.measures = {details->leftEyeOpen, details->rightEyeOpen,
-                     liveness_.add({observation.frameTime, details->mesh, details->lidOpening,
-                                    judgement.passiveLiveness})};
+    view.liveness = liveness_.add({observation.frameTime, *picture, judgement.face->box, *details,
+                                   judgement.passiveLiveness});
+    view.measures = {details->leftEyeOpen, details->rightEyeOpen, view.liveness->score};
   }
   if (judgement.verdict == SelfieVerdict::good) {
     view.selfie = corvana::Selfie{std::make_shared<platform::UIImage>(picture), judgement.faceImage,
@@ -122,13 +129,18 @@ void VisionFrameAnalyzer::followLiveFace(const PixelBuffer& picture, Observation
   }
   // A search of the whole picture costs five times as much; a face seldom goes far in a tenth of a
   // second.
-  auto sighting =
-      tracker_.update(detector_->detectNear(picture, tracker_.box()), observation.frameTime);
+  auto faces = detector_->detectNear(picture, tracker_.box());
+  auto sighting = tracker_.update(faces, observation.frameTime);
   if (!sighting.box) {
-    sighting = tracker_.update(detector_->detect(picture), observation.frameTime);
+    faces = detector_->detect(picture);
+    sighting = tracker_.update(faces, observation.frameTime);
   }
   observation.liveFace = sighting.box;
   observation.liveFaceLostFor = sighting.lostFor;
+  if (!sighting.box) return;
+  const auto face = std::ranges::find(faces, *sighting.box, &Face::box);
+  observation.person =
+      persons_.look(observation.frameTime, picture, *face, observation.task.selfieFace);
 }
 
 bool VisionFrameAnalyzer::isSteady(const CardSighting& sighting) {
@@ -143,6 +155,11 @@ bool VisionFrameAnalyzer::isSteady(const CardSighting& sighting) {
   return move <= kSteadyMove * sighting.outline->width();
 }
 
+void VisionFrameAnalyzer::watchPrint(const CardSighting& sighting, platform::TimePoint now) {
+  if (sighting.outline) lastOutlineTime_ = now;
+  if (!lastOutlineTime_ || now - *lastOutlineTime_ > kOutOfSight) print_.forget();
+}
+
 DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
                                                   const Observation& observation) {
   const AnalysisTask& task = observation.task;
@@ -151,17 +168,23 @@ DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
   DocumentView view;
   view.verdict = sighting.verdict;
   if (sighting.outline) view.location = sighting.outline->bounds();
+  if (sighting.verdict == CardVerdict::none) view.surroundings = brightnessOf(*picture);
+  watchPrint(sighting, observation.frameTime);
   const bool steady = isSteady(sighting);
   // Another card may have taken its place: what one was seen to hold must not be told of the other.
   if (!steady) memory_ = {};
-  const bool due = !lastReading_ || observation.frameTime - *lastReading_ >= kReadInterval;
-  if (sighting.verdict != CardVerdict::found || !steady || !due) return view;
+  if (sighting.verdict != CardVerdict::found || !steady) return view;
   const CardView card = documents_.view(*picture, *sighting.outline);
-  view.tooMuchGlare = card.hasTooMuchGlare();
-  if (view.tooMuchGlare || card.isBlurred()) return view;
+  view.quality = card.quality;
+  view.quality->coveredPrint = print_.covered(*card.picture);
+  const bool due = !lastReading_ || observation.frameTime - *lastReading_ >= kReadInterval;
+  if (!due || flawOf(*view.quality, corvana::IDCapture::options)) return view;
   lastReading_ = observation.frameTime;
   CardReading reading = documents_.read(card, memory_);
-  if (reading.faceBox) view.portrait = boundsInPicture(*reading.faceBox, *sighting.outline);
+  // On a card that is held on its head the lines lie elsewhere than on its view.
+  if (!reading.isUpsideDown) print_.remember(*card.picture, reading.lines);
+  const Quad upright = reading.isUpsideDown ? upsideDown(*sighting.outline) : *sighting.outline;
+  if (reading.faceBox) view.portrait = boundsInPicture(*reading.faceBox, upright);
   view.familyMatches = std::move(reading.familyMatches);
   view.reading = std::move(reading.data);
   return view;

@@ -3,10 +3,13 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "engine/document/DocumentAnalyzer.h"
+#include "engine/document/guidance/PrintWatch.h"
 #include "engine/recorder/FrameAnalyzer.h"
-#include "engine/selfie/LivenessEvidence.h"
+#include "engine/selfie/LivenessJudge.h"
+#include "engine/selfie/PersonCompare.h"
 #include "engine/selfie/SelfieAnalyzer.h"
 #include "engine/vision/FaceDetector.h"
 #include "engine/vision/LiveFaceTracker.h"
@@ -20,7 +23,10 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   struct Models {
     std::filesystem::path faceDetector;
     std::filesystem::path faceLandmarks;
+    std::filesystem::path faceEmbedding;
     NetworkTextReader::Models text;
+    /// Folders of kinds of documents, as `DocumentAnalyzer::Setup` has them.
+    std::vector<std::filesystem::path> documents{};
     /// Settles two-digit years.
     CalendarDate today{};
   };
@@ -36,9 +42,12 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   /// How far, as a part of its width, a card may move from one look to the next and still be read:
   /// one that is just coming in is blurred, and half of it looks like another side.
   static constexpr double kSteadyMove = 0.02;
+  /// A card that was out of sight for so long may have been turned or changed meanwhile.
+  static constexpr platform::Duration kOutOfSight = std::chrono::milliseconds(500);
 
  private:
-  VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector, FaceLandmarks landmarks,
+  VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
+                      const std::shared_ptr<FaceLandmarks>& landmarks, FaceEmbedder embedder,
                       DocumentAnalyzer documents);
 
   SelfieView lookForSelfie(const platform::PixelBufferRef& picture, Observation& observation);
@@ -46,18 +55,22 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   DocumentView lookForDocument(const platform::PixelBufferRef& picture,
                                const Observation& observation);
   bool isSteady(const CardSighting& sighting);
+  void watchPrint(const CardSighting& sighting, platform::TimePoint now);
 
   std::shared_ptr<FaceDetector> detector_;
   SelfieAnalyzer selfies_;
+  PersonCompare persons_;
   DocumentAnalyzer documents_;
 
   int run_ = -1;
-  LivenessEvidence liveness_;
+  LivenessJudge liveness_;
   LiveFaceTracker tracker_;
   std::optional<platform::TimePoint> lastReading_;
   std::optional<Quad> lastOutline_;
   /// The print of the card that has been held still since it was read.
   CardMemory memory_;
+  PrintWatch print_;
+  std::optional<platform::TimePoint> lastOutlineTime_;
 };
 
 /// Where a rectangle of the screen lies in a camera picture that fills the screen mirrored.

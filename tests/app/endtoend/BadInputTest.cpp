@@ -13,7 +13,7 @@ using nlohmann::json;
 
 /// A reference that reads well, with a picture of that name or without any.
 std::string reference(const std::string& picture = {},
-                      const std::string& reader = "PP-OCRv6 small Latin, 1") {
+                      const std::string& reader = "PP-OCRv6 small Latin, 2") {
   json side{{"isPhotoPresent", !picture.empty()},
             {"shouldHavePhoto", !picture.empty()},
             {"shouldHaveMrz", false},
@@ -135,7 +135,8 @@ TEST(Commands, WrongUseIsExitCodeTwo) {
                                                     {"enroll", "--front", "none.png"}}) {
     EXPECT_EQ(runVideoid(arguments).exitCode, 2);
   }
-  for (const char* command : {"enroll", "capture", "simulate", "verify", "doctor", "options"}) {
+  for (const char* command :
+       {"enroll", "capture", "simulate", "verify", "documents", "doctor", "options"}) {
     EXPECT_EQ(runVideoid({command, "--help"}).exitCode, 0) << command;
   }
 }

@@ -43,8 +43,11 @@ TEST(EndToEnd, AGoodSessionEndsInAResultThatCanBeVerifiedAndRepeated) {
   const ScratchFolder scratch;
   const Session session = Session::of("short");
   const fs::path run = scratch / "run";
-  const ProgramRun first = runVideoid(captureOf(session, run, withShortLimits()));
+  ASSERT_EQ(runVideoid({"key", "new", "--key", scratch / "key"}).exitCode, 0);
+  const Arguments sealed{"--key", scratch / "key", "--subject", "S-19"};
+  const ProgramRun first = runVideoid(captureOf(session, run, withShortLimits(sealed)));
   ASSERT_EQ(first.exitCode, 0) << first.errors;
+  EXPECT_EQ(first.output.find("S-19"), std::string::npos) << "whom the person is taken for";
 
   const json result = json::parse(first.output);
   for (const char* flag :
@@ -73,9 +76,9 @@ TEST(EndToEnd, AGoodSessionEndsInAResultThatCanBeVerifiedAndRepeated) {
   EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
   EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);
   const fs::path again = scratch / "again";
-  ASSERT_EQ(runVideoid(captureOf(session, again, withShortLimits())).exitCode, 0);
-  EXPECT_EQ(bytesOf(run / "events.jsonl"), bytesOf(again / "events.jsonl"));
-  EXPECT_EQ(bytesOf(run / "result.json"), bytesOf(again / "result.json"));
+  ASSERT_EQ(runVideoid(captureOf(session, again, withShortLimits(sealed))).exitCode, 0);
+  for (const char* file : {"events.jsonl", "result.json", "result.jws"})
+    EXPECT_EQ(bytesOf(run / file), bytesOf(again / file)) << file;
 
   writeBytes(run / "events.jsonl", "another story\n");
   const ProgramRun verified = runVideoid({"verify", run});

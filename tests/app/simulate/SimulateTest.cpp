@@ -73,7 +73,7 @@ std::string scriptWith(const std::string& stepsAndMore) {
 TEST_F(HostileScript, EndsWithOneSentenceThatNamesThePlace) {
   const std::pair<std::string, const char*> cases[] = {
       {"", "not valid JSON"},
-      {"[]", "the script must be a JSON object"},
+      {"[]", "the file must be a JSON object"},
       {"{\"text\": \"a\"", "not valid JSON"},
       {std::string(100'000, '['), "JSON"},
       {R"({"front": {}, "steps": []})", "text: this key is missing"},

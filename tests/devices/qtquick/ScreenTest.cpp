@@ -85,6 +85,22 @@ TEST_F(Screen, ShowsAWholeIdentificationAndTakesItsTouches) {
   EXPECT_TRUE(screen->window().contentItem()->childItems().size() == 1) << "but for the flash";
 }
 
+TEST_F(Screen, ShowsAHintOfTheHostAboveAllViewsUntilItIsTakenBack) {
+  open();
+  enter();
+  passSelfie();
+  std::vector<std::string> said;
+  screen->onAnnounce = [&](const std::string& words) { said.push_back(words); };
+  const int before = count(QColor("#e65100"), {0, 0, 360, 640});
+  screen->hint("Take your fingers off the print");
+  EXPECT_GT(count(QColor("#e65100"), {0, 0, 360, 640}), before + 1000);
+  EXPECT_EQ(said, std::vector<std::string>{"Take your fingers off the print"});
+  click("closeButton");
+  expectCanceled();
+  screen->hint("");
+  EXPECT_EQ(screen->window().contentItem()->childItems().size(), 1) << "but for the flash";
+}
+
 TEST_F(Screen, CloseCancelsInEveryPhaseByTouchAndByKeys) {
   const std::pair<const char*, std::function<void()>> phases[] = {
       {"selfie", [] {}},

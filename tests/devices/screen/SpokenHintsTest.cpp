@@ -53,6 +53,12 @@ TEST_F(Hints, NewestWordsAreSpokenOnceAndNoneWhileTheTextIsRead) {
        },
        {"Move closer"}},
       {"a new phase", [&] { passSelfie(); }, {"Show the Front of Your ID"}},
+      {"a hint of the host's own, as long as it stands",
+       [&] {
+         hints.hint("Hold still"), world.advance(0.4);
+         hints.hint(""), world.advance(0.4);
+       },
+       {"Hold still"}},
       {"a turn of the card and what follows",
        [&] { passFront(); },
        {"Turn your ID over", "Show the Back of Your ID"}},

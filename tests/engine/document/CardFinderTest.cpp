@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include <gtest/gtest.h>
 
@@ -52,7 +53,9 @@ TEST(CardFinder, SaysWhatIsWrongWithTheCardsPlace) {
            {{.y = 700, .width = 500, .background = 2}, CardVerdict::alignRectangle},
            {{.width = 717}, CardVerdict::moveAway},
            {{.width = 800}, CardVerdict::moveAway},
-           {{.x = 500, .width = 560}, CardVerdict::moveAway}}) {
+           {{.width = 950}, CardVerdict::moveAway},
+           {{.x = 500, .width = 560}, CardVerdict::alignRectangle},
+           {{.y = 1150, .width = 600}, CardVerdict::alignRectangle}}) {
     EXPECT_EQ(engine::findCard(*tests::hold(card.front, held).picture, kGuide).verdict, verdict)
         << "x " << held.x << ", width " << held.width << ", roll " << held.roll;
   }
@@ -83,6 +86,28 @@ TEST(CardWarp, FindsAPartOfTheCardInThePicture) {
   EXPECT_NEAR(left.y, 100, 1e-3);
   EXPECT_NEAR(left.width, 315, 1e-3);
   EXPECT_NEAR(left.height, 50, 1e-3);
+}
+
+/// An outline of these proportions, a tilt about one of its axes included.
+engine::Quad outlineOf(double width, double height) {
+  return {{{{100, 100}, {100 + width, 100}, {100 + width, 100 + height}, {100, 100 + height}}}};
+}
+
+TEST(CardWarp, GivesACardAndAPageTheirOwnShape) {
+  const platform::PixelBuffer picture(1400, 1100, platform::PixelFormat::rgb24,
+                                      std::vector<std::uint8_t>(std::size_t{1400} * 1100 * 3));
+  const double tilt = std::cos(15 * std::numbers::pi / 180);
+  for (const auto& [across, down] : {std::pair(1.0, 1.0), {tilt, 1.0}, {1.0, tilt}}) {
+    const auto heightOf = [&](double width, double height) {
+      const auto outline = outlineOf(8 * width * across, 8 * height * down);
+      return engine::straightened(picture, outline)->height();
+    };
+    EXPECT_EQ(heightOf(85.6, 53.98), 630);
+    EXPECT_EQ(heightOf(105, 74), 704);
+    EXPECT_EQ(heightOf(125, 88), 704);
+  }
+  const auto whole = engine::boundsInPicture({-0.5, -0.5, 1000, 704}, outlineOf(1000, 704));
+  EXPECT_NEAR(whole.height, 704, 1e-3);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "TestCards.h"
 #include "capture/TextMatching.h"
 #include "engine/document/DocumentAnalyzer.h"
+#include "engine/document/guidance/PrintWatch.h"
 #include "engine/vision/MatViews.h"
 
 namespace corvana::tests {
@@ -26,6 +27,7 @@ const Held kPoses[] = {{.roll = 2, .blur = 0.8},
                        {.width = 500, .roll = 10, .background = 1, .blur = 1.1, .noise = 6}};
 
 const auto kTextModels = engine::NetworkTextReader::Models::inFolder(ENGINE_RESOURCES);
+const std::string kDocuments = ENGINE_RESOURCES "/documents";
 
 class DocumentAnalyzerTest : public testing::Test {
  protected:
@@ -36,6 +38,10 @@ class DocumentAnalyzerTest : public testing::Test {
   }
   engine::CardReading read(const cv::Mat& side, const Held& held) {
     return analyzer->read(view(side, held));
+  }
+  static std::string flawIn(const engine::CardView& view) {
+    const auto found = engine::flawOf(view.quality, {});
+    return found ? engine::nameOf(found->flaw) : "none";
   }
   static std::string textOf(const engine::CardReading& reading) {
     const auto& lines = *reading.data.ocrStrings;
@@ -50,7 +56,7 @@ class DocumentAnalyzerTest : public testing::Test {
 
   platform::Expected<DocumentAnalyzer> analyzer = DocumentAnalyzer::load(
       std::make_shared<engine::FaceDetector>(engine::FaceDetector::load(FACE_MODEL).value()),
-      {.text = kTextModels});
+      {.text = kTextModels, .documents = {kDocuments}});
 };
 
 TEST_F(DocumentAnalyzerTest, ReadsTheSameZoneFromEveryPicture) {
@@ -125,16 +131,47 @@ TEST_F(DocumentAnalyzerTest, TakesStillsThatLieAskewOnATable) {
   }
 }
 
-TEST_F(DocumentAnalyzerTest, MeasuresBlurAndGlare) {
+TEST_F(DocumentAnalyzerTest, TurnsACardThatIsHeldOnItsHead) {
+  const auto card = tests::drawCard(0, tests::holder(2), "person_a.jpg");
+  for (const bool isFront : {true, false}) {
+    const auto held = view(isFront ? card.front : card.back, {.roll = 180});
+    engine::CardMemory memory;
+    for (const char* again : {"first", "again"}) {
+      const auto reading = analyzer->read(held, memory);
+      EXPECT_TRUE(reading.isUpsideDown) << again;
+      EXPECT_EQ(reading.data.side, isFront ? DocumentSide::front : DocumentSide::back) << again;
+      EXPECT_EQ(reading.data.mrz.has_value(), !isFront) << again;
+      EXPECT_EQ(textOf(reading).find("OKONKWO") != std::string::npos, isFront) << again;
+    }
+  }
+  EXPECT_FALSE(read(card.front, {}).isUpsideDown);
+}
+
+TEST_F(DocumentAnalyzerTest, MeasuresBlurGlareAndDarkness) {
   const auto card = tests::drawCard(1, tests::holder(0), "person_a.jpg");
   const auto clear = view(card.front, {});
-  EXPECT_FALSE(clear.isBlurred());
-  EXPECT_FALSE(clear.hasTooMuchGlare());
-  EXPECT_TRUE(view(card.front, {.blur = 4, .noise = 0}).isBlurred());
+  EXPECT_EQ(flawIn(clear), "none");
+  EXPECT_EQ(flawIn(view(card.front, {.blur = 4, .noise = 0})), "blurred");
   cv::Mat lamp(card.front.size(), CV_8UC4, cv::Scalar::all(0));
   cv::ellipse(lamp, {900, 600}, {260, 160}, 20, 0, 360, cv::Scalar::all(255), cv::FILLED);
   cv::GaussianBlur(lamp, lamp, cv::Size(), 40);
-  EXPECT_TRUE(view(card.front + lamp, {.noise = 1}).hasTooMuchGlare());
+  EXPECT_EQ(flawIn(view(card.front + lamp, {.noise = 1})), "tooMuchGlare");
+  EXPECT_EQ(flawIn(view(0.2 * card.front + cv::Scalar(0, 0, 0, 204), {})), "tooDark");
+}
+
+TEST_F(DocumentAnalyzerTest, SeesFingersOverPrintThatItHasRead) {
+  const auto card = tests::drawCard(0, tests::holder(0), "person_a.jpg");
+  engine::PrintWatch watch;
+  const auto seen = view(card.front, {.noise = 2});
+  EXPECT_EQ(watch.covered(*seen.picture), 0) << "nothing is known yet";
+  watch.remember(*seen.picture, analyzer->read(seen).lines);
+  const Held moved{.x = 352, .y = 1006, .width = 590, .roll = 1.5, .noise = 5};
+  EXPECT_LT(watch.covered(*view(card.front, moved).picture), 0.02);
+  cv::Mat touched = card.front.clone();
+  cv::ellipse(touched, {1000, 420}, {150, 300}, 10, 0, 360, {205, 160, 135, 255}, cv::FILLED);
+  EXPECT_GT(watch.covered(*view(touched, moved).picture), 0.04);
+  EXPECT_EQ(watch.covered(*view(card.back, moved).picture), 0) << "another side";
+  EXPECT_EQ(watch.covered(*view(touched, moved).picture), 0) << "and so it is forgotten";
 }
 
 TEST(DocumentAnalyzerLoad, NamesWhatIsMissing) {
@@ -143,7 +180,8 @@ TEST(DocumentAnalyzerLoad, NamesWhatIsMissing) {
   for (const auto& [setup, missing] :
        {std::pair<DocumentAnalyzer::Setup, const char*>({.text = broken}, "/nowhere.txt"),
         {{}, "install the program's models again"},
-        {{.text = kTextModels, .ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"}}) {
+        {{.text = kTextModels, .ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"},
+        {{.text = kTextModels, .documents = {"/nowhere"}}, "There is no folder \"/nowhere\""}}) {
     const auto loaded = DocumentAnalyzer::load(nullptr, setup);
     ASSERT_FALSE(loaded);
     const std::string message = loaded.error().sentence;

@@ -4,6 +4,7 @@
 
 #include "engine/document/DocumentClassifier.h"
 #include "engine/document/TextLines.h"
+#include "support/Scratch.h"
 
 namespace corvana::tests {
 namespace {
@@ -15,6 +16,11 @@ corvana::MRZResult mrz(const char* code) {
   corvana::MRZResult result;
   result.documentCode = code;
   return result;
+}
+
+const engine::DocumentKinds& kinds() {
+  static const auto kLoaded = engine::DocumentKinds::load({ENGINE_RESOURCES "/documents"});
+  return kLoaded.value();
 }
 
 TEST(DocumentClassifier, NamesFamilyAndSide) {
@@ -39,7 +45,7 @@ TEST(DocumentClassifier, NamesFamilyAndSide) {
   };
   for (const auto& [features, type] : cases) {
     corvana::DetectedData data;
-    engine::classify(features, data);
+    engine::classify(features, kinds(), data);
     SCOPED_TRACE(type);
     EXPECT_EQ(data.type.value_or("none"), type);
     EXPECT_EQ(data.shouldHaveMrz, features.hasMrzBand);
@@ -48,19 +54,72 @@ TEST(DocumentClassifier, NamesFamilyAndSide) {
   }
 }
 
+/// A zone of so many lines of so many characters.
+corvana::MRZResult mrz(const char* code, std::size_t lines, std::size_t length) {
+  corvana::MRZResult result = mrz(code);
+  result.lines.assign(lines, std::string(length, '<'));
+  return result;
+}
+
+TEST(DocumentClassifier, TellsKindsAndSidesByTheirZones) {
+  const struct {
+    corvana::MRZResult zone;
+    bool hasFace;
+    const char* type;
+  } cases[] = {
+      {mrz("P", 2, 44), true, "PASSPORT_PAGE_FRONT"},
+      {mrz("P", 2, 44), false, "PASSPORT_PAGE_FRONT"},  // it has no other side
+      {mrz("I", 2, 36), true, "TD2_CARD_FRONT"},
+      {mrz("I", 2, 36), false, "IDENTITY_CARD_BACK"},  // the front's zone is beside the photo
+      {mrz("IR", 2, 36), true, "RESIDENCE_PERMIT_FRONT"},
+      {mrz("I", 3, 30), false, "IDENTITY_CARD_BACK"},
+      {mrz("I", 3, 30), true, "IDENTITY_CARD_BACK"},  // a small second photo
+      {mrz("V", 2, 44), true, "IDENTITY_CARD_FRONT"},
+  };
+  for (const auto& c : cases) {
+    corvana::DetectedData data;
+    engine::classify({.mrz = c.zone, .hasMrzBand = true, .hasFace = c.hasFace}, kinds(), data);
+    EXPECT_EQ(data.type, c.type) << c.zone.documentCode;
+  }
+}
+
+TEST(DocumentClassifier, TellsABareBackByItsKindsName) {
+  const ScratchFolder scratch;
+  writeBytes(scratch / "kind.json",
+             R"({"stem": "LIBRARY_CARD", "title": "a", "size": "ID-1",
+                 "names": {"en": ["Library card"]},
+                 "sides": {"front": {"photo": {}, "code": {"format": "PDF417"}}, "back": {}}})");
+  const auto more =
+      engine::DocumentKinds::load({ENGINE_RESOURCES "/documents", scratch.path()}).value();
+  const std::map<std::string, std::string> code{{"text", "4711"}};
+  const std::pair<DocumentFeatures, const char*> cases[] = {
+      {{.lines = {"THIS LIBRARY CARD", "IS OURS"}}, "LIBRARY_CARD_BACK"},
+      {{.lines = {"LIBRARY CARD"}, .hasFace = true}, "LIBRARY_CARD_FRONT"},
+      {{.lines = {"LIBRARY CARD"}, .barcode = code, .hasFace = true}, "LIBRARY_CARD_FRONT"},
+      {{.lines = {"DRIVING LICENCE"}}, "none"},
+  };
+  for (const auto& [features, type] : cases) {
+    corvana::DetectedData data;
+    engine::classify(features, more, data);
+    EXPECT_EQ(data.type.value_or("none"), type);
+    EXPECT_EQ(data.shouldHaveBarcode, data.side == DocumentSide::front);
+  }
+}
+
 TEST(DocumentClassifier, MeasuresHowWellTheCardSpeaksForEachFamily) {
   using Matches = engine::FamilyMatches;
   // Of the name's 13 letters one is misread and one missing.
-  const Matches licence = engine::familyMatches({.lines = {"DRlVER LICENS", "of passports"}});
+  const Matches licence =
+      engine::familyMatches({.lines = {"DRlVER LICENS", "of passports"}}, kinds());
   ASSERT_EQ(licence.size(), 3u) << "an identity card is what remains";
   EXPECT_EQ(licence[0].first, "DRIVING_LICENCE");
   EXPECT_NEAR(licence[0].second, 11.0 / 13, 1e-6);
   EXPECT_EQ(licence[1].first, "PASSPORT_CARD");
   EXPECT_GT(licence[1].second, licence[2].second);
-  EXPECT_EQ(engine::familyMatches({.lines = {"DRIVER LICENSE"}, .mrz = mrz("IR")})[1],
+  EXPECT_EQ(engine::familyMatches({.lines = {"DRIVER LICENSE"}, .mrz = mrz("IR")}, kinds())[1],
             Matches::value_type("RESIDENCE_PERMIT", 1))
       << "by its zone";
-  for (const auto& [family, share] : engine::familyMatches({}))
+  for (const auto& [family, share] : engine::familyMatches({}, kinds()))
     EXPECT_EQ(share, 0) << family;
 }
 

@@ -23,6 +23,8 @@ TEST(Script, NamesWhatIsWrongWithIt) {
            {"{" + good + R"(, "time": {"flip": 7.5}})", "\"time\""},
            {"{" + good + R"(, "faults": {"wrongBack": {"sex": "Q"}}})", "\"faults.wrongBack.sex\""},
            {"{" + good + R"(, "faults": {"wrongBack": 3}})", "\"faults.wrongBack\""},
+           {"{" + good + R"(, "faults": {"change": {"at": 3, "person": "x.jpg"}}})", "x.jpg"},
+           {"{" + good + R"(, "presentation": {"kind": "mask"}})", "live, loop, print"},
        }) {
     const auto script = session::parseScript(json, SAMPLES);
     ASSERT_FALSE(script) << json;

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "Picture.h"
+#include "Presentation.h"
 #include "Script.h"
 #include "SessionCache.h"
 #include "SessionMaker.h"
@@ -62,6 +64,38 @@ TEST(Session, IsKeptUnderWhatItWasMadeFrom) {
   EXPECT_TRUE(cache.has(*key));
   ASSERT_TRUE(cache.deliver(*key, scratch / "out"));
   EXPECT_EQ(bytesOf(scratch / "out" / "front.png"), "front.png");
+}
+
+/// What the camera sees at `seconds` of a picture that is bright in its left half.
+cv::Mat seen(session::PresentationScript script, double seconds) {
+  session::Random random(7);
+  session::Presentation presentation(script, random);
+  cv::Mat picture(session::kPictureHeight, session::kPictureWidth, CV_8UC3, {90, 90, 90});
+  picture.colRange(0, picture.cols / 2).setTo(cv::Scalar(200, 200, 200));
+  presentation.show(seconds, picture);
+  return picture;
+}
+
+TEST(Presentation, ShowsWhatAnImpostorHoldsInPlaceOfThePerson) {
+  session::Random random(7);
+  session::PresentationScript script;
+  const session::PersonPose living{.yaw = 9, .lids = 1, .mouth = 1};
+  EXPECT_EQ(cv::norm(seen(script, 1), seen(script, 3), cv::NORM_INF), 0) << "a living person";
+
+  script.kind = "print";
+  script.crop = 0.15;
+  EXPECT_GT(cv::norm(seen(script, 1), seen(script, 3), cv::NORM_INF), 50) << "a hand is not still";
+  const cv::Vec3b white = seen(script, 1).at<cv::Vec3b>(640, 300);
+  EXPECT_NEAR(white[0], 34 + 200 * (228 - 34) / 255, 2) << "ink on paper";
+  EXPECT_EQ(session::Presentation(script, random).shown(living).lids, 0);
+  script.livingEyes = true;
+  EXPECT_EQ(session::Presentation(script, random).shown(living).lids, 1);
+  EXPECT_EQ(session::Presentation(script, random).shown(living).yaw, 0);
+
+  script.kind = "loop";
+  const session::Presentation loop(script, random);
+  EXPECT_DOUBLE_EQ(loop.momentShown(0.7), loop.momentShown(4.7));
+  EXPECT_EQ(loop.shown(living).yaw, 9);
 }
 
 }  // namespace

@@ -78,7 +78,8 @@ std::vector<DocumentField> zoneFields(const corvana::MRZResult& zone, const Cale
 
 std::vector<DocumentField> documentFields(const corvana::DetectedData& side,
                                           const std::vector<TextLine>& print,
-                                          const CalendarDate& today) {
+                                          const FieldLabels& labels, const CalendarDate& today,
+                                          const std::vector<PlacedField>& places) {
   std::vector<DocumentField> fields;
   const auto add = [&](const std::vector<DocumentField>& more) {
     fields.insert(fields.end(), more.begin(), more.end());
@@ -87,7 +88,7 @@ std::vector<DocumentField> documentFields(const corvana::DetectedData& side,
   if (side.barcode && side.barcode->contains(kBarcodeText)) {
     if (const auto record = parseAamva(side.barcode->at(kBarcodeText))) add(aamvaFields(*record));
   }
-  add(printedFields(print, today));
+  add(printedFields(print, labels, today, places));
   return fields;
 }
 

@@ -8,6 +8,8 @@
 #include "corvana/DocumentField.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/fields/CalendarDates.h"
+#include "engine/document/fields/FieldLabels.h"
+#include "engine/document/kinds/DocumentKind.h"
 
 namespace corvana::engine {
 
@@ -16,10 +18,13 @@ namespace corvana::engine {
 std::vector<corvana::DocumentField> zoneFields(const corvana::MRZResult& zone,
                                                const CalendarDate& today);
 
-/// All that zone, code and print of one side say, each by itself. Pure.
+/// All that zone, code and print of one side say, each by itself; where the kind of document has
+/// fields is given in pixels of the print. Pure.
 std::vector<corvana::DocumentField> documentFields(const corvana::DetectedData& side,
                                                    const std::vector<TextLine>& print,
-                                                   const CalendarDate& today);
+                                                   const FieldLabels& labels,
+                                                   const CalendarDate& today,
+                                                   const std::vector<PlacedField>& places = {});
 
 /// The name of a field, of a source, of an agreement as reference.json and events have it, such as
 /// "givenNames".

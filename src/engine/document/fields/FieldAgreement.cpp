@@ -4,6 +4,7 @@
 #include <numeric>
 #include <optional>
 #include <sstream>
+#include <utility>
 
 #include "engine/document/fields/EditDistance.h"
 #include "engine/document/fields/Transliteration.h"
@@ -71,6 +72,22 @@ bool isLikeWhereMarked(std::string_view printed, const std::string& value) {
                     [](char p, char v) { return p == kMarkedLetter || p == v; });
 }
 
+/// The letters with those alike that a reader takes for each other: Þ, which zones write TH, for P,
+/// Œ and Æ for E.
+std::string misreadLetters(std::string_view text) {
+  std::string letters = zoneLetters(text);
+  std::erase(letters, ' ');
+  for (const auto& [written, taken] : {std::pair("TH", "P"), {"OE", "E"}, {"AE", "E"}}) {
+    for (auto at = letters.find(written); at != std::string::npos; at = letters.find(written, at))
+      letters.replace(at, 2, taken);
+  }
+  return letters;
+}
+
+bool isMisread(std::string_view printed, const std::string& value) {
+  return misreadLetters(printed) == misreadLetters(value);
+}
+
 bool isBeginning(const std::vector<std::string>& part, const std::vector<std::string>& whole) {
   return !part.empty() && part.size() <= whole.size() &&
          std::equal(part.begin(), part.end(), whole.begin());
@@ -125,7 +142,8 @@ FieldAgreement ofValue(const std::string& printed, const DocumentField& field) {
   switch (field.name) {
     case FieldName::surname:
     case FieldName::givenNames:
-      return orConflict(doNamesAgree(printed, field));
+      if (doNamesAgree(printed, field)) return FieldAgreement::agrees;
+      return isMisread(printed, field.value) ? FieldAgreement::unread : FieldAgreement::conflicts;
     case FieldName::documentNumber:
       return orConflict(doNumbersAgree(printed, field.value));
     case FieldName::birthDate:
@@ -202,8 +220,9 @@ bool nearlyHolds(const std::string& line, const DocumentField& field) {
   }
   return isName(field.name) && !field.isTruncated && wanted.size() >= kLeastNearName &&
          anyRun(line, true, [&](const std::string& run) {
-           return editDistance(letterSkeleton(run), wanted) <=
-                  std::max<std::size_t>(1, wanted.size() / kLettersPerChange);
+           return !isMisread(run, field.value) &&
+                  editDistance(letterSkeleton(run), wanted) <=
+                      std::max<std::size_t>(1, wanted.size() / kLettersPerChange);
          });
 }
 

@@ -1,12 +1,16 @@
 #pragma once
 
+#include <cstddef>
+#include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "corvana/DocumentField.h"
+#include "platform/foundation/Fault.h"
 
-/// What cards print beside or above a value to say what it is. Pure.
+/// What cards print beside or above a value to say what it is.
 namespace corvana::engine {
 
 /// A line of print parted into its labels and what follows them.
@@ -20,9 +24,26 @@ struct LabelledText {
   std::string rest;
 };
 
-/// The labels at the line's beginning, in one language or several ("Name/Surname/Nom"), with or
-/// without a licence's number before them. Absent where the line begins with none.
-std::optional<LabelledText> labelledText(const std::string& line);
+/// The labels of all languages that there is a file of.
+class FieldLabels {
+ public:
+  /// Reads every file of the folders, of the shape that docs/labels.schema.json gives. The error is
+  /// one sentence that names the file and what is wrong: its shape, or that two languages have the
+  /// same label for different fields.
+  static platform::Expected<FieldLabels> load(const std::vector<std::filesystem::path>& folders);
+
+  /// The labels at the line's beginning, in one language or several ("Name/Surname/Nom"), with or
+  /// without a licence's number before them. Absent where the line begins with none.
+  std::optional<LabelledText> labelledText(const std::string& line) const;
+
+  /// How many labels there are in each language, by its code.
+  const std::map<std::string, std::size_t>& languages() const { return languages_; }
+
+ private:
+  /// The fields of labels by their letters, capitals without marks and blanks.
+  std::map<std::string, std::optional<corvana::FieldName>> labels_;
+  std::map<std::string, std::size_t> languages_;
+};
 
 /// What a licence's number stands for in most of the world, or in North America.
 std::optional<corvana::FieldName> numberedField(const std::string& number, bool isNorthAmerican);

@@ -4,11 +4,10 @@
 #include <cmath>
 #include <optional>
 #include <set>
-#include <sstream>
 #include <string>
 
-#include "engine/document/fields/FieldLabels.h"
-#include "engine/document/fields/Transliteration.h"
+#include "engine/document/fields/PlacedFields.h"
+#include "engine/document/fields/ValueReader.h"
 
 namespace corvana::engine {
 namespace {
@@ -26,27 +25,12 @@ constexpr double kMostBeside = 450;
 constexpr double kLeastSharedHeight = 0.5;
 /// Print beneath a label is commoner than print beside it at the same distance.
 constexpr double kBesideWeight = 1.5;
-constexpr std::size_t kLeastNumberLength = 5;
-constexpr std::size_t kMostNumberLength = 20;
 constexpr std::size_t kMostAddressLines = 3;
 
 struct Line {
   const TextLine* print;
   std::optional<LabelledText> label;
 };
-
-std::vector<std::string> plainWords(const std::string& text) {
-  std::istringstream stream(plainLetters(text));
-  std::vector<std::string> words;
-  for (std::string word; stream >> word;)
-    words.push_back(std::move(word));
-  return words;
-}
-
-std::size_t digitCount(const std::string& text) {
-  return static_cast<std::size_t>(
-      std::ranges::count_if(text, [](char c) { return c >= '0' && c <= '9'; }));
-}
 
 bool isNorthAmerican(const std::vector<TextLine>& lines) {
   static const std::set<std::string> kWords{"DOB", "DLN", "HGT", "WGT", "LICENSE"};
@@ -56,13 +40,13 @@ bool isNorthAmerican(const std::vector<TextLine>& lines) {
   });
 }
 
-std::vector<Line> labelledLines(const std::vector<TextLine>& lines) {
+std::vector<Line> labelledLines(const std::vector<TextLine>& lines, const FieldLabels& labels) {
   std::vector<Line> result;
   std::set<std::string> numbers;
   for (const TextLine& line : lines) {
     // A zone's fillers are no print.
     if (line.text.find('<') != std::string::npos) continue;
-    result.push_back({&line, labelledText(line.text)});
+    result.push_back({&line, labels.labelledText(line.text)});
     const auto& label = result.back().label;
     if (label && !label->number.empty()) numbers.insert(label->number);
   }
@@ -73,79 +57,6 @@ std::vector<Line> labelledLines(const std::vector<TextLine>& lines) {
   }
   return result;
 }
-
-std::optional<std::string> sexIn(const std::string& text) {
-  static const std::set<std::string> kMale{"M", "MALE"};
-  static const std::set<std::string> kFemale{"F", "FEMALE", "W"};
-  bool isMale = false;
-  bool isFemale = false;
-  bool isOpen = false;
-  for (const std::string& word : plainWords(text)) {
-    isMale |= kMale.contains(word);
-    isFemale |= kFemale.contains(word);
-    isOpen |= word == "X";
-  }
-  if (int(isMale) + int(isFemale) + int(isOpen) != 1) return std::nullopt;
-  return isMale ? "M" : isFemale ? "F" : "X";
-}
-
-/// The number without a date or another field that was read in one with it.
-std::optional<std::string> numberIn(const std::string& text) {
-  std::string number;
-  for (const std::string& word : plainWords(text)) {
-    if (number.size() >= kLeastNumberLength && digitCount(word) == 0) break;
-    number += word;
-  }
-  const bool isNumber = number.size() >= kLeastNumberLength && number.size() <= kMostNumberLength &&
-                        digitCount(number) >= 2;
-  return isNumber ? std::optional(number) : std::nullopt;
-}
-
-std::optional<std::string> wordsIn(const std::string& text) {
-  const std::string plain = plainLetters(text);
-  if (plain.size() < 2 || digitCount(plain) > 0) return std::nullopt;
-  return text;
-}
-
-/// The value that a text holds for a field.
-class ValueReader {
- public:
-  ValueReader(const CalendarDate& today, bool isMonthFirst)
-      : today_(today), isMonthFirst_(isMonthFirst) {}
-
-  std::optional<std::string> operator()(FieldName name, const std::string& text) const {
-    switch (name) {
-      case FieldName::surname:
-      case FieldName::givenNames:
-      case FieldName::nationality:
-        return wordsIn(text);
-      case FieldName::documentNumber:
-        return dateIn(text, false) ? std::nullopt : numberIn(text);
-      case FieldName::birthDate:
-        return dateIn(text, true);
-      case FieldName::issueDate:
-      case FieldName::expiryDate:
-        return dateIn(text, false);
-      case FieldName::sex:
-        return sexIn(text);
-      case FieldName::authority:
-      case FieldName::address:
-        break;
-    }
-    return plainLetters(text).size() < 2 ? std::nullopt : std::optional(text);
-  }
-
- private:
-  std::optional<std::string> dateIn(const std::string& text, bool isBirth) const {
-    const auto dates =
-        datesInPrint(text, today_, {.isBirth = isBirth, .isMonthFirst = isMonthFirst_});
-    if (dates.empty()) return std::nullopt;
-    return dates.front();
-  }
-
-  const CalendarDate& today_;
-  const bool isMonthFirst_;
-};
 
 /// How near a text is to a label as its value; absent where it is none.
 std::optional<double> distance(const platform::CGRect& label, const platform::CGRect& text) {
@@ -258,10 +169,16 @@ class Assembly {
 }  // namespace
 
 std::vector<DocumentField> printedFields(const std::vector<TextLine>& lines,
-                                         const CalendarDate& today) {
+                                         const FieldLabels& labels, const CalendarDate& today,
+                                         const std::vector<PlacedField>& places) {
   const bool isAmerican = isNorthAmerican(lines);
   const ValueReader read(today, isAmerican);
-  return Assembly(labelledLines(lines), read, isAmerican).fields();
+  auto fields = Assembly(labelledLines(lines, labels), read, isAmerican).fields();
+  for (DocumentField& placed : placedFields(lines, places, labels, read)) {
+    const auto named = std::ranges::find(fields, placed.name, &DocumentField::name);
+    if (named == fields.end()) fields.push_back(std::move(placed));
+  }
+  return fields;
 }
 
 }  // namespace corvana::engine

@@ -5,13 +5,18 @@
 #include "corvana/DocumentField.h"
 #include "engine/document/TextReader.h"
 #include "engine/document/fields/CalendarDates.h"
+#include "engine/document/fields/FieldLabels.h"
+#include "engine/document/kinds/DocumentKind.h"
 
 namespace corvana::engine {
 
 /// The fields that a card's print names: values that stand behind, beside or below a label in the
 /// languages of cards or a number as on licences. Values that cannot be one of their field (a
-/// birth date without a date) are passed over. Pure.
+/// birth date without a date) are passed over. What no label names is taken from where the kind of
+/// document has it, in pixels of the lines. Pure.
 std::vector<corvana::DocumentField> printedFields(const std::vector<TextLine>& lines,
-                                                  const CalendarDate& today);
+                                                  const FieldLabels& labels,
+                                                  const CalendarDate& today,
+                                                  const std::vector<PlacedField>& places = {});
 
 }  // namespace corvana::engine

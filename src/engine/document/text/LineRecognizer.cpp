@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <fstream>
-#include <span>
+#include <string>
+#include <utility>
 
 #include "engine/document/text/LineCrop.h"
 #include "engine/document/text/NetworkInput.h"
@@ -30,31 +31,6 @@ std::vector<std::string> linesOf(const std::filesystem::path& file) {
   return lines;
 }
 
-/// Connectionist temporal classification: of each answer the likeliest class; a letter that is
-/// repeated without a pause (class 0) between stands once.
-LineRecognizer::Reading decoded(std::span<const float> shares, std::size_t answers,
-                                const std::vector<std::string>& letters) {
-  LineRecognizer::Reading reading;
-  const std::size_t classes = letters.size() + 1;
-  std::size_t previous = 0;
-  std::vector<float> confidences;
-  for (std::size_t i = 0; i < answers; ++i) {
-    const auto answer = shares.subspan(i * classes, classes);
-    const auto likeliest = std::ranges::max_element(answer);
-    const auto letter = static_cast<std::size_t>(likeliest - answer.begin());
-    if (letter != 0 && letter != previous) {
-      reading.text += letters[letter - 1];
-      confidences.push_back(*likeliest);
-    }
-    previous = letter;
-  }
-  if (confidences.empty()) return reading;
-  for (const float confidence : confidences)
-    reading.confidence += confidence / static_cast<double>(confidences.size());
-  reading.leastConfident = *std::ranges::min_element(confidences);
-  return reading;
-}
-
 }  // namespace
 
 platform::Expected<LineRecognizer> LineRecognizer::load(const std::filesystem::path& model,
@@ -64,7 +40,8 @@ platform::Expected<LineRecognizer> LineRecognizer::load(const std::filesystem::p
     return platform::failure("The alphabet " + alphabet.string() +
                              " is missing: install the program's models again.");
   }
-  const std::size_t values = (letters.size() + 1) * kLeastWidth / kStride;
+  LineDecoder decoder(std::move(letters));
+  const std::size_t values = decoder.classes() * kLeastWidth / kStride;
   std::vector<Fitted> networks;
   while (networks.size() < kNetworks) {
     auto network = TfliteModel::load(model, {{1, kLineHeight, kLeastWidth, 3}, {values}, true},
@@ -72,7 +49,7 @@ platform::Expected<LineRecognizer> LineRecognizer::load(const std::filesystem::p
     if (!network) return tl::unexpected(network.error());
     networks.push_back({std::move(*network), kLeastWidth, 0});
   }
-  return LineRecognizer(std::move(networks), std::move(letters));
+  return LineRecognizer(std::move(networks), std::move(decoder));
 }
 
 TfliteModel& LineRecognizer::networkFor(int width) {
@@ -86,12 +63,13 @@ TfliteModel& LineRecognizer::networkFor(int width) {
   return fitted->model;
 }
 
-LineRecognizer::Reading LineRecognizer::read(const cv::Mat& line) {
+LineReading LineRecognizer::read(const cv::Mat& line) {
   const int width = roundedUp(line.cols);
   TfliteModel& network = networkFor(width);
   fillInput(network, line, {width, kLineHeight});
   network.run();
-  return decoded(network.output(0), static_cast<std::size_t>(width / kStride), letters_);
+  const auto answers = static_cast<std::size_t>(width / kStride);
+  return decoder_.read(network.output(0).subspan(0, answers * decoder_.classes()));
 }
 
 }  // namespace corvana::engine

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
 #include <vector>
 
 #include <opencv2/core.hpp>
 
+#include "engine/document/text/LineDecoder.h"
 #include "engine/vision/TfliteModel.h"
 #include "platform/foundation/Fault.h"
 
@@ -14,19 +14,13 @@ namespace corvana::engine {
 /// Reads one line of Latin print. One thread at a time. Movable.
 class LineRecognizer {
  public:
-  struct Reading {
-    std::string text;           ///< UTF-8
-    double confidence = 0;      ///< mean of the letters', 0 to 1
-    double leastConfident = 0;  ///< the least of the letters', 0 to 1
-  };
-
   /// `alphabet` names the network's letters, one a line.
   static platform::Expected<LineRecognizer> load(const std::filesystem::path& model,
                                                  const std::filesystem::path& alphabet);
 
   /// Reads an 8-bit RGB picture of a line, `kLineHeight` high. About 16 ms for 300 pixels. Lines of
   /// like width in a row are quicker: the network is fitted to each width.
-  Reading read(const cv::Mat& line);
+  LineReading read(const cv::Mat& line);
 
  private:
   /// A network fitted to lines of one width.
@@ -36,12 +30,12 @@ class LineRecognizer {
     int lastUse = 0;
   };
 
-  LineRecognizer(std::vector<Fitted> networks, std::vector<std::string> letters)
-      : networks_(std::move(networks)), letters_(std::move(letters)) {}
+  LineRecognizer(std::vector<Fitted> networks, LineDecoder decoder)
+      : networks_(std::move(networks)), decoder_(std::move(decoder)) {}
   TfliteModel& networkFor(int width);
 
   std::vector<Fitted> networks_;
-  std::vector<std::string> letters_;
+  LineDecoder decoder_;
   int uses_ = 0;
 };
 

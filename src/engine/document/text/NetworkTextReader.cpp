@@ -87,7 +87,7 @@ std::vector<TextLine> NetworkTextReader::readAgain(const platform::PixelBuffer& 
   std::ranges::stable_sort(lines, {}, [](const auto& line) { return line.first.cols; });
   std::vector<TextLine> read;
   for (auto& [picture, line] : lines) {
-    const LineRecognizer::Reading reading = recognizer_.read(picture);
+    const LineReading reading = recognizer_.read(picture);
     line.text = repairedLetters(trimmed(reading.text));
     line.confidence = reading.confidence;
     line.leastConfidence = reading.leastConfident;

@@ -16,7 +16,7 @@ namespace corvana::engine {
 /// their head. Knows the letters of all Latin alphabets, rare capitals less well. Movable.
 class NetworkTextReader final : public TextReader {
  public:
-  static constexpr const char* kName = "PP-OCRv6 small Latin, 1";
+  static constexpr const char* kName = "PP-OCRv6 small Latin, 2";
 
   struct Models {
     std::filesystem::path boxes;

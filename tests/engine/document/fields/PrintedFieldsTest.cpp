@@ -96,15 +96,40 @@ const Case kCases[] = {
 };
 
 TEST(PrintedFields, AreFoundByTheirLabels) {
+  const auto labels = engine::FieldLabels::load({ENGINE_RESOURCES "/documents/labels"});
+  ASSERT_TRUE(labels) << labels.error().sentence;
   for (const Case& c : kCases) {
     Values values;
-    for (const auto& field : engine::printedFields(c.lines, kToday)) {
+    for (const auto& field : engine::printedFields(c.lines, *labels, kToday)) {
       values[field.name] = field.value;
       EXPECT_EQ(field.source, corvana::FieldSource::print);
       EXPECT_TRUE(field.place);
     }
     EXPECT_EQ(values, c.values) << c.what;
   }
+}
+
+TEST(PrintedFields, AreTakenFromTheirPlacesWhereNoLabelNamesThem) {
+  const auto labels = engine::FieldLabels::load({ENGINE_RESOURCES "/documents/labels"});
+  ASSERT_TRUE(labels) << labels.error().sentence;
+  const std::vector<engine::TextLine> lines{
+      at(300, 100, "MARIA"),     at(300, 60, "ANNA"),        at(300, 200, "Surname", 14),
+      at(300, 218, "OKONKWO"),   at(600, 100, "AB 1234567"), at(300, 300, "no date at all"),
+      at(300, 400, "Sex: F", 14)};
+  Values values;
+  for (const auto& field : engine::printedFields(lines, *labels, kToday,
+                                                 {{FieldName::givenNames, {290, 40, 200, 120}},
+                                                  {FieldName::surname, {590, 90, 300, 60}},
+                                                  {FieldName::documentNumber, {590, 90, 300, 60}},
+                                                  {FieldName::birthDate, {290, 290, 300, 60}},
+                                                  {FieldName::authority, {0, 0, 50, 50}}})) {
+    values[field.name] = field.value;
+  }
+  EXPECT_EQ(values, (Values{{FieldName::givenNames, "ANNA MARIA"},
+                            {FieldName::surname, "OKONKWO"},
+                            {FieldName::documentNumber, "AB1234567"},
+                            {FieldName::sex, "F"}}))
+      << "a label goes before a place";
 }
 
 }  // namespace

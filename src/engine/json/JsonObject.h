@@ -1,8 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
-#include <initializer_list>
 #include <map>
 #include <optional>
 #include <set>
@@ -11,20 +9,22 @@
 
 #include <nlohmann/json.hpp>
 
-namespace corvana::app {
+namespace corvana::engine {
 
-/// What is wrong with a script: thrown while it is read, caught where it is loaded.
-struct ScriptFault {
+/// What is wrong with a file: thrown while it is read, caught where it is loaded.
+struct JsonFault {
   std::string sentence;
 };
 
-/// One JSON object of a script, which knows where it stands. Every reading checks type and range;
-/// the keys that nobody asked for are refused at the end.
-class ScriptObject {
+/// One JSON object of a file that people write, which knows where it stands. Every reading checks
+/// type and range; the keys that nobody asked for are refused at the end.
+class JsonObject {
  public:
-  ScriptObject(const nlohmann::json& value, std::string where);
+  JsonObject(const nlohmann::json& value, std::string where);
 
   const std::string& where() const { return where_; }
+  /// Where every key is allowed: all of them.
+  std::vector<std::string> keys();
   bool has(const std::string& key);
   std::string text(const std::string& key);
   std::optional<std::string> optionalText(const std::string& key);
@@ -35,8 +35,8 @@ class ScriptObject {
   std::vector<std::string> texts(const std::string& key);
   /// The numbers at `key`, which must be as many as `count` says.
   std::vector<double> numbers(const std::string& key, std::size_t count);
-  ScriptObject object(const std::string& key);
-  std::vector<ScriptObject> objects(const std::string& key, std::size_t most);
+  JsonObject object(const std::string& key);
+  std::vector<JsonObject> objects(const std::string& key, std::size_t most);
   const nlohmann::json& value(const std::string& key);
 
   /// The value in the table under the text at `key`; the complaint lists the table.
@@ -48,10 +48,12 @@ class ScriptObject {
     std::string all;
     for (const auto& [known, value] : table)
       all += (all.empty() ? "" : ", ") + known;
-    complain(key, "\"" + name + "\" is not one of " + all);
+    complain(key, quoted(name) + " is not one of " + all);
   }
 
   void refuseOtherKeys() const;
+  /// A text of the file as a sentence can have it: on one line, and not too long.
+  static std::string quoted(const std::string& text);
   /// "steps[3].state: " and so on.
   [[noreturn]] void complain(const std::string& key, const std::string& fault) const;
 
@@ -61,4 +63,4 @@ class ScriptObject {
   std::set<std::string> asked_;
 };
 
-}  // namespace corvana::app
+}  // namespace corvana::engine

@@ -1,41 +1,70 @@
-#include "app/simulate/ScriptReader.h"
+#include "engine/json/JsonObject.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
-namespace corvana::app {
+namespace corvana::engine {
 namespace {
 
 using nlohmann::json;
 
 constexpr std::size_t kLongestText = 20'000;
 constexpr std::size_t kMostTexts = 200;
+constexpr std::size_t kLongestQuote = 80;
+
+bool isPlain(const std::string& key) {
+  return key.size() <= kLongestQuote &&
+         std::ranges::all_of(key, [](unsigned char c) { return c > ' ' && c < 0x7F && c != '"'; });
+}
 
 }  // namespace
 
-ScriptObject::ScriptObject(const json& value, std::string where)
+JsonObject::JsonObject(const json& value, std::string where)
     : value_(value), where_(std::move(where)) {
   if (!value.is_object()) {
-    throw ScriptFault{(where_.empty() ? "the script" : where_) + " must be a JSON object"};
+    throw JsonFault{(where_.empty() ? "the file" : where_) + " must be a JSON object"};
   }
 }
 
-void ScriptObject::complain(const std::string& key, const std::string& fault) const {
+void JsonObject::complain(const std::string& key, const std::string& fault) const {
   const std::string place = where_.empty() ? key : where_ + (key.empty() ? "" : "." + key);
-  throw ScriptFault{place + ": " + fault};
+  throw JsonFault{place + ": " + fault};
 }
 
-bool ScriptObject::has(const std::string& key) {
+std::vector<std::string> JsonObject::keys() {
+  std::vector<std::string> all;
+  for (const auto& [key, value] : value_.items())
+    all.push_back(key);
+  asked_.insert(all.begin(), all.end());
+  return all;
+}
+
+std::string JsonObject::quoted(const std::string& text) {
+  std::string shown = json(text).dump();
+  if (shown.size() <= kLongestQuote) return shown;
+  // Not in the midst of a letter, nor of what stands for one.
+  std::size_t end = text.size();
+  while (json(text.substr(0, end)).dump(-1, ' ', false, json::error_handler_t::ignore).size() >
+         kLongestQuote) {
+    end /= 2;
+  }
+  shown = json(text.substr(0, end)).dump(-1, ' ', false, json::error_handler_t::ignore);
+  shown.insert(shown.size() - 1, "...");
+  return shown;
+}
+
+bool JsonObject::has(const std::string& key) {
   asked_.insert(key);
   return value_.contains(key);
 }
 
-const json& ScriptObject::value(const std::string& key) {
+const json& JsonObject::value(const std::string& key) {
   if (!has(key)) complain(key, "this key is missing");
   return value_.at(key);
 }
 
-std::string ScriptObject::text(const std::string& key) {
+std::string JsonObject::text(const std::string& key) {
   const json& found = value(key);
   if (!found.is_string()) complain(key, "must be a text");
   auto result = found.get<std::string>();
@@ -43,23 +72,23 @@ std::string ScriptObject::text(const std::string& key) {
   return result;
 }
 
-std::optional<std::string> ScriptObject::optionalText(const std::string& key) {
+std::optional<std::string> JsonObject::optionalText(const std::string& key) {
   return has(key) ? std::optional(text(key)) : std::nullopt;
 }
 
-std::string ScriptObject::brief(const std::string& key) {
+std::string JsonObject::brief(const std::string& key) {
   const json& found = value(key);
   return found.is_object() ? found.value("type", "other") : text(key);
 }
 
-bool ScriptObject::flag(const std::string& key, bool otherwise) {
+bool JsonObject::flag(const std::string& key, bool otherwise) {
   if (!has(key)) return otherwise;
   const json& found = value(key);
   if (!found.is_boolean()) complain(key, "must be true or false");
   return found.get<bool>();
 }
 
-double ScriptObject::number(const std::string& key, double lowest, double highest) {
+double JsonObject::number(const std::string& key, double lowest, double highest) {
   const json& found = value(key);
   const double result = found.is_number() ? found.get<double>() : std::nan("");
   if (!(result >= lowest && result <= highest)) {
@@ -68,7 +97,7 @@ double ScriptObject::number(const std::string& key, double lowest, double highes
   return result;
 }
 
-std::vector<std::string> ScriptObject::texts(const std::string& key) {
+std::vector<std::string> JsonObject::texts(const std::string& key) {
   const json& found = value(key);
   if (!found.is_array() || found.size() > kMostTexts) {
     complain(key, "must be a list of at most 200 texts");
@@ -82,7 +111,7 @@ std::vector<std::string> ScriptObject::texts(const std::string& key) {
   return result;
 }
 
-std::vector<double> ScriptObject::numbers(const std::string& key, std::size_t count) {
+std::vector<double> JsonObject::numbers(const std::string& key, std::size_t count) {
   const json& found = value(key);
   std::vector<double> result;
   for (const json& element : found) {
@@ -94,16 +123,16 @@ std::vector<double> ScriptObject::numbers(const std::string& key, std::size_t co
   return result;
 }
 
-ScriptObject ScriptObject::object(const std::string& key) {
+JsonObject JsonObject::object(const std::string& key) {
   return {value(key), where_.empty() ? key : where_ + "." + key};
 }
 
-std::vector<ScriptObject> ScriptObject::objects(const std::string& key, std::size_t most) {
+std::vector<JsonObject> JsonObject::objects(const std::string& key, std::size_t most) {
   const json& found = value(key);
   if (!found.is_array() || found.size() > most) {
     complain(key, "must be a list of at most " + std::to_string(most) + " objects");
   }
-  std::vector<ScriptObject> result;
+  std::vector<JsonObject> result;
   for (const json& element : found) {
     const std::string name = key + "[" + std::to_string(result.size()) + "]";
     result.emplace_back(element, where_.empty() ? name : where_ + "." + name);
@@ -111,10 +140,11 @@ std::vector<ScriptObject> ScriptObject::objects(const std::string& key, std::siz
   return result;
 }
 
-void ScriptObject::refuseOtherKeys() const {
+void JsonObject::refuseOtherKeys() const {
   for (const auto& [key, value] : value_.items()) {
-    if (!asked_.contains(key)) complain(key, "there is no such key here");
+    if (asked_.contains(key)) continue;
+    complain(isPlain(key) ? key : quoted(key), "there is no such key here");
   }
 }
 
-}  // namespace corvana::app
+}  // namespace corvana::engine

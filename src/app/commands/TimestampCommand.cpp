@@ -1,0 +1,110 @@
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "app/commands/Commands.h"
+#include "app/run/RunRecord.h"
+#include "app/seal/Stamps.h"
+
+namespace corvana::app {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct TimestampArguments {
+  fs::path folder;
+  fs::path request;
+  std::optional<std::string> answer;
+  std::optional<fs::path> authorities;
+};
+
+ExitCode refuse(const std::string& sentence) {
+  return complain(std::cerr, ExitCode::wrongUse, sentence);
+}
+
+platform::Expected<std::string> readSeal(const fs::path& folder) {
+  auto seal = readFile(folder / kResultSealName, kMostStampBytes);
+  if (seal) return seal;
+  return platform::failure("\"" + folder.string() +
+                           "\" holds no seal to be stamped: name the folder of a run that was "
+                           "recorded with --key.");
+}
+
+platform::Expected<std::string> readAnswer(const std::string& source) {
+  if (source != "-") return readFile(source, kMostStampBytes);
+  std::string answer(std::istreambuf_iterator<char>(std::cin), {});
+  if (answer.size() <= kMostStampBytes) return answer;
+  return platform::failure("The answer on standard input is too long for a time stamp.");
+}
+
+ExitCode writeRequest(const TimestampArguments& arguments, const std::string& seal) {
+  std::error_code error;
+  if (fs::exists(arguments.request, error)) {
+    return refuse("There is a file \"" + arguments.request.string() +
+                  "\" already: give its answer with --answer, or take it away.");
+  }
+  const auto written = writeFile(arguments.request, makeStampRequest(seal));
+  if (!written) return refuse(written.error().sentence);
+  std::cout << arguments.request.string()
+            << ": send it to a time stamp authority (application/timestamp-query), then come "
+               "again with --answer\n";
+  return ExitCode::result;
+}
+
+ExitCode takeAnswer(const TimestampArguments& arguments, const std::string& seal) {
+  const auto request = readFile(arguments.request, kMostStampBytes);
+  if (!request) return refuse(request.error().sentence);
+  const auto answer = readAnswer(*arguments.answer);
+  if (!answer) return refuse(answer.error().sentence);
+  std::optional<StampAuthorities> trusted;
+  if (arguments.authorities) {
+    auto loaded = StampAuthorities::load(*arguments.authorities);
+    if (!loaded) return refuse(loaded.error().sentence);
+    trusted = std::move(*loaded);
+  }
+  const auto time = checkStamp(*answer, *request, seal, trusted ? &*trusted : nullptr);
+  if (!time) {
+    return complain(std::cerr, ExitCode::flowError,
+                    "The answer " + time.error().sentence + "; the record stays as it is.");
+  }
+  const auto stamp = addStamp(arguments.folder, *request, *answer);
+  if (!stamp) return refuse(stamp.error().sentence);
+  std::error_code ignored;  // It lies in the record now.
+  fs::remove(arguments.request, ignored);
+  std::cout << stamp->answer << ": the seal was there at " << formatUtc(*time)
+            << (trusted ? ", says a trusted authority\n" : ", says its authority\n");
+  return ExitCode::result;
+}
+
+ExitCode runTimestamp(TimestampArguments arguments) {
+  const auto seal = readSeal(arguments.folder);
+  if (!seal) return refuse(seal.error().sentence);
+  if (arguments.request.empty()) {
+    // Beside the record: it is no part of it until it has an answer.
+    arguments.request = fs::absolute(arguments.folder).lexically_normal();
+    if (!arguments.request.has_filename()) arguments.request = arguments.request.parent_path();
+    arguments.request += ".tsq";
+  }
+  return arguments.answer ? takeAnswer(arguments, *seal) : writeRequest(arguments, *seal);
+}
+
+}  // namespace
+
+void addTimestampCommand(CLI::App& app, ExitCode& exitCode) {
+  CLI::App& command = *app.add_subcommand(
+      "timestamp", "Have a third party say when a sealed record was there (RFC 3161)");
+  auto arguments = std::make_shared<TimestampArguments>();
+  command.add_option("folder", arguments->folder, "the run's folder")->required();
+  command.add_option("--request", arguments->request,
+                     "file of the request (default: the folder's name with .tsq)");
+  command.add_option("--answer", arguments->answer,
+                     "the authority's answer to that request, which is kept in the record; - reads "
+                     "it from standard input");
+  command.add_option("--stamp-ca", arguments->authorities,
+                     "PEM certificates of authorities: the answer must be signed by one");
+  command.callback([arguments, &exitCode] { exitCode = runTimestamp(*arguments); });
+}
+
+}  // namespace corvana::app

@@ -1,0 +1,315 @@
+#include "app/seal/RecordCheck.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <optional>
+#include <utility>
+
+#include "app/run/EventLog.h"
+#include "app/run/Files.h"
+#include "app/run/RunRecord.h"
+#include "app/seal/FilmComparison.h"
+#include "app/seal/Jws.h"
+#include "app/seal/SealLog.h"
+#include "app/seal/SealReading.h"
+#include "app/seal/Sha256.h"
+#include "app/seal/Stamps.h"
+
+namespace corvana::app {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using platform::Expected;
+using platform::failure;
+
+constexpr std::uint64_t kMostResultBytes = 1 << 20;
+constexpr std::uint64_t kMostSealBytes = 1 << 12;
+constexpr std::uint64_t kMostLogBytes = 1 << 28;
+
+std::string inSeconds(double seconds) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f s", seconds);
+  return text;
+}
+
+std::string quoted(const std::string& name) {
+  return "\"" + name + "\"";
+}
+
+/// One check of one folder. Methods add to the report.
+class RecordChecker {
+ public:
+  RecordChecker(const fs::path& folder, const TrustedKeys* keys,
+                const StampAuthorities* authorities)
+      : folder_(folder), keys_(keys), authorities_(authorities) {}
+
+  Expected<RecordReport> checkEnded() {
+    auto text = readFile(folder_ / kResultFileName, kMostResultBytes);
+    if (!text) return tl::unexpected(text.error());
+    text_ = std::move(*text);
+    known_ = {kResultFileName, kResultSealName};
+    auto object = parseJson(text_, (folder_ / kResultFileName).string());
+    if (!object) {
+      fail(kResultFileName, object.error().sentence);
+      return report_;
+    }
+    if (object->is_object()) result_ = std::move(*object);
+    checkStamps();
+    checkSeal();
+    checkFiles();
+    if (isThere(SealLog::kFileName)) checkFilmsOfEnded();
+    checkStrangers();
+    return report_;
+  }
+
+  RecordReport checkUnended() {
+    known_ = {SealLog::kFileName, EventLog::kFileName};
+    const auto reading = readSealLog();
+    if (!reading) return report_;
+    if (reading->chains.empty()) {
+      fail(SealLog::kFileName,
+           "No film was sealed: the run was killed at once, or lines are gone.");
+      return report_;
+    }
+    checkTimeOf(*reading);
+    double wholeTo = 0;
+    for (std::size_t i = 0; i < reading->chains.size(); ++i) {
+      const bool isLast = i + 1 == reading->chains.size();
+      const auto compared = checkFilm(reading->chains[i], isLast, i + 1);
+      if (isLast) wholeTo = compared.wholeTo;
+    }
+    checkEvents(reading->chains, wholeTo);
+    checkStrangers();
+    fail(kResultFileName, reading->chains.back().ended
+                              ? "The film ended at " + inSeconds(wholeTo) +
+                                    ", but there is no result: it was taken away, or the run was "
+                                    "killed before it."
+                              : "The run never ended: it is whole to " + inSeconds(wholeTo) +
+                                    "; a later cut cannot be told from a kill.");
+    return report_;
+  }
+
+ private:
+  void add(const std::string& part, const std::string& sentence) {
+    report_.findings.push_back({part, true, sentence});
+  }
+  void fail(const std::string& part, const std::string& sentence) {
+    report_.findings.push_back({part, false, sentence});
+  }
+  bool isThere(const std::string& name) const {
+    std::error_code error;
+    return fs::exists(folder_ / name, error);
+  }
+
+  std::optional<UtcTime> clockIn(const json& object, const char* end) const {
+    const json clock = object.value("clock", json());
+    if (!clock.is_object() || !clock.contains(end) || !clock[end].is_string()) return std::nullopt;
+    return parseUtc(clock[end].get<std::string>());
+  }
+
+  void checkStamps() {
+    for (const StoredStamp& stamp : stampsIn(folder_)) {
+      known_.insert(known_.end(), {stamp.request, stamp.answer});
+      const auto time = timeOf(stamp);
+      if (!time) {
+        fail(stamp.answer, "The time stamp " + stamp.answer + " " + time.error().sentence + ".");
+      } else if (!authorities_) {
+        add(stamp.answer, "says " + formatUtc(*time) +
+                              ", but nobody vouches for it: name its authority with --stamp-ca");
+      } else {
+        add(stamp.answer, "the seal was there at " + formatUtc(*time));
+        stamped_ = std::min(*time, stamped_.value_or(*time));
+      }
+    }
+  }
+
+  Expected<UtcTime> timeOf(const StoredStamp& stamp) const {
+    const auto request = readFile(folder_ / stamp.request, kMostStampBytes);
+    const auto answer = readFile(folder_ / stamp.answer, kMostStampBytes);
+    const auto seal = readFile(folder_ / kResultSealName, kMostSealBytes);
+    if (!request || !answer || !seal) return failure("can't be checked: a file of it is missing");
+    return checkStamp(*answer, *request, *seal, authorities_);
+  }
+
+  void checkSeal() {
+    const bool isSealed = isThere(kResultSealName);
+    if (!keys_) {
+      return add(kResultFileName, isSealed ? "nobody vouches for it: name the public key of the "
+                                             "machine that sealed it with --key"
+                                           : "nobody vouches for it: the record has no seal");
+    }
+    const std::string name = kResultSealName;
+    if (!isSealed) {
+      return fail(name, "The record has no seal " + name + ": nobody vouches for it.");
+    }
+    const auto seal = readFile(folder_ / name, kMostSealBytes);
+    if (!seal) return fail(name, seal.error().sentence);
+    const auto key = verifyDetached(*seal, text_, *keys_);
+    if (!key) return fail(name, "The seal " + name + " " + key.error().sentence + ".");
+    if (const auto why = whyNotValid(**key, {clockIn(result_, "end"), stamped_})) {
+      return fail(name, "The seal " + name + " does not hold: " + *why + ".");
+    }
+    add(name, "sealed by the key " + (*key)->key.id());
+  }
+
+  void checkFiles() {
+    const json sums = result_.value("sha256", json());
+    if (!sums.is_object() || sums.empty()) {
+      return fail(kResultFileName, quoted((folder_ / kResultFileName).string()) +
+                                       " names no hashes; it is not a run's result.");
+    }
+    for (const auto& [name, sum] : sums.items())
+      checkFile(name, sum);
+  }
+
+  void checkFile(const std::string& name, const json& sum) {
+    if (fs::path(name).filename() != name) {
+      return fail(kResultFileName, quoted((folder_ / kResultFileName).string()) +
+                                       " names a file outside its folder.");
+    }
+    known_.push_back(name);
+    const auto actual = sha256(folder_ / name);
+    if (!actual) return fail(name, actual.error().sentence);
+    if (sum.is_string() && sum.get<std::string>() == *actual) return add(name, "unchanged");
+    fail(name,
+         quoted(name) + " is not the file that the run left: its SHA-256 is " + *actual + ".");
+  }
+
+  /// The lines that hold; absent when the file can't be read at all.
+  std::optional<SealReading> readSealLog() {
+    const std::string name = SealLog::kFileName;
+    auto text = readFile(folder_ / name, kMostLogBytes);
+    if (!text) {
+      fail(name, text.error().sentence);
+      return std::nullopt;
+    }
+    sealText_ = std::move(*text);
+    SealReading reading = readSeal(sealText_, keys_);
+    if (reading.fault) {
+      fail(name, "The seal " + name + " breaks: " + *reading.fault + ".");
+    } else {
+      add(name, std::to_string(reading.lines) + " lines hang together" +
+                    (reading.key ? ", signed by the key " + reading.key->key.id()
+                                 : ", and nobody vouches for them"));
+    }
+    return reading;
+  }
+
+  void checkTimeOf(const SealReading& reading) {
+    if (!reading.key) return;
+    const auto why = whyNotValid(*reading.key, {clockIn(reading.chains.front().head, "start"), {}});
+    if (why) fail(SealLog::kFileName, "The seal does not hold: " + *why + ".");
+  }
+
+  void checkFilmsOfEnded() {
+    const auto reading = readSealLog();
+    if (!reading) return;
+    for (std::size_t i = 0; i < reading->chains.size(); ++i) {
+      checkHead(reading->chains[i].head);
+      checkFilm(reading->chains[i], i + 1 == reading->chains.size(), i + 1);
+    }
+  }
+
+  /// What was said at the beginning must still be so at the end.
+  void checkHead(const json& head) {
+    for (const char* field : {"session", "options", "program", "reference", "text"}) {
+      if (head.value(field, json()) == result_.value(field, json())) continue;
+      return fail(SealLog::kFileName, std::string("The seal ") + SealLog::kFileName +
+                                          " belongs to another run: it names another " + field +
+                                          ".");
+    }
+  }
+
+  std::string filmOf(bool isLast, std::size_t number) const {
+    if (!isLast) return "film.run" + std::to_string(number) + ".mp4";
+    return isThere("film.mp4") ? "film.mp4" : "film.partial.mp4";
+  }
+
+  FilmComparison checkFilm(const SealChain& chain, bool isLast, std::size_t number) {
+    const std::string name = filmOf(isLast, number);
+    known_.push_back(name);
+    // Films of runs that were retried are removed, unless the caller wants them.
+    if (!isThere(name)) {
+      if (isLast) fail(name, "There is no film " + quoted(name) + ".");
+      return {};
+    }
+    const FilmComparison compared = compareFilm(folder_ / name, chain);
+    const std::string whole = inSeconds(compared.wholeTo);
+    if (compared.differs) {
+      fail(name, quoted(name) + " is not the film that was sealed: it is whole to " + whole + ".");
+    } else if (compared.isLonger) {
+      fail(name, quoted(name) + " goes on after the end that was sealed, " + whole + ".");
+    } else if (compared.isCut && chain.ended) {
+      fail(name, quoted(name) + " was cut: it is whole to " + whole + ".");
+    } else {
+      add(name, "as it was sealed while it was recorded, to " + whole);
+    }
+    return compared;
+  }
+
+  void checkEvents(const std::vector<SealChain>& chains, double wholeTo) {
+    const std::string name = EventLog::kFileName;
+    const auto text = readFile(folder_ / name, kMostLogBytes);
+    if (!text) return fail(name, text.error().sentence);
+    const json* last = nullptr;
+    for (const json& period : chains.back().periods) {
+      if (period["t"].get<double>() <= wholeTo) last = &period["events"];
+    }
+    if (!last) return add(name, "nothing of it was sealed");
+    const auto bytes = (*last)["bytes"].get<std::uint64_t>();
+    if (bytes <= text->size() && sha256Of(std::string_view(*text).substr(0, bytes)) ==
+                                     (*last)["sha256"].get<std::string>()) {
+      return add(name, "its first " + std::to_string(bytes) + " bytes are as they were sealed");
+    }
+    fail(name, quoted(name) + " is not the file that was sealed.");
+  }
+
+  /// What somebody put beside a record could be taken for a part of it.
+  void checkStrangers() {
+    std::vector<std::string> strangers;
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(folder_, error)) {
+      const std::string name = entry.path().filename().string();
+      if (std::ranges::find(known_, name) == known_.end()) strangers.push_back(name);
+    }
+    std::ranges::sort(strangers);
+    for (const std::string& name : strangers) {
+      fail(name, quoted(name) + " is no part of the record: take it out of the folder.");
+    }
+  }
+
+  const fs::path folder_;
+  const TrustedKeys* const keys_;
+  const StampAuthorities* const authorities_;
+  std::optional<UtcTime> stamped_;  ///< the earliest time that a third party names
+  std::string text_;                ///< result.json as it lies there
+  std::string sealText_;            ///< seal.jsonl likewise
+  json result_ = json::object();
+  std::vector<std::string> known_;  ///< names of the record's files
+  RecordReport report_;
+};
+
+}  // namespace
+
+bool RecordReport::holds() const {
+  return std::ranges::all_of(findings, &RecordFinding::holds);
+}
+
+Expected<RecordReport> checkRecord(const fs::path& folder, const TrustedKeys* keys,
+                                   const StampAuthorities* authorities) {
+  std::error_code error;
+  if (fs::is_regular_file(folder / kResultFileName, error)) {
+    return RecordChecker(folder, keys, authorities).checkEnded();
+  }
+  if (error == std::errc::permission_denied) {
+    return failure("The folder \"" + folder.string() + "\" can't be read: check its rights.");
+  }
+  if (fs::is_regular_file(folder / SealLog::kFileName, error)) {
+    return RecordChecker(folder, keys, authorities).checkUnended();
+  }
+  return failure("\"" + folder.string() + "\" holds no " + kResultFileName +
+                 ". Name the folder of a run.");
+}
+
+}  // namespace corvana::app

@@ -1,0 +1,29 @@
+#include "app/seal/RunSeal.h"
+
+#include <utility>
+
+#include "app/seal/FilmSeal.h"
+
+namespace corvana::app {
+namespace {
+
+constexpr int kFormatVersion = 1;
+
+}  // namespace
+
+RunSeal::RunSeal(platform::RunLoop& loop, const std::filesystem::path& folder,
+                 const SigningKey& key, nlohmann::ordered_json session, SealLog::OnFault onFault)
+    : log_(std::make_shared<SealLog>(loop, folder / SealLog::kFileName, key, std::move(onFault))),
+      session_(std::move(session)) {}
+
+devices::WitnessMaker RunSeal::witnesses() const {
+  return [log = log_, events = events_, session = session_, chain = 0]() mutable {
+    nlohmann::ordered_json head = {{"formatVersion", kFormatVersion},
+                                   {"chain", ++chain},
+                                   {"key", log->key().publicKey().id()}};
+    head.update(session);
+    return std::make_shared<FilmSeal>(log, events, std::move(head));
+  };
+}
+
+}  // namespace corvana::app

@@ -1,0 +1,69 @@
+#include "app/seal/SealLog.h"
+
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+#include <utility>
+
+#include "app/seal/Jws.h"
+#include "app/seal/Sha256.h"
+#include "devices/film/FilmFault.h"
+#include "devices/system/DiskSync.h"
+
+namespace corvana::app {
+
+using nlohmann::ordered_json;
+
+SealLog::SealLog(platform::RunLoop& loop, const std::filesystem::path& path, SigningKey key,
+                 OnFault onFault)
+    : loop_(loop),
+      path_(path),
+      key_(std::move(key)),
+      onFault_(std::move(onFault)),
+      file_(path, std::ios::app | std::ios::binary) {
+  std::error_code ignored;  // A file system without permissions is no reason to stop.
+  std::filesystem::permissions(
+      path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, ignored);
+  if (!loop.isVirtual()) {
+    diskQueue_ = loop.makeSerialQueue("SealDisk", platform::QualityOfService::utility);
+  }
+}
+
+void SealLog::add(const ordered_json& content) {
+  const std::lock_guard lock(mutex_);
+  if (broken_) return;
+  ordered_json line = {
+      {"previous", last_.empty() ? ordered_json() : ordered_json(sha256Of(last_))}};
+  line.update(content);
+  const std::string text = line.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+  last_ = ordered_json{{"signature", sealDetached(key_, text)}}.dump();
+  // Both at once: a line without its signature is worth nothing.
+  const std::string both = text + "\n" + last_ + "\n";
+  errno = 0;
+  file_ << both << std::flush;
+  if (!file_) return fail(errno == 0 ? EIO : errno);
+  bytes_ += both.size();
+  syncSoon();
+}
+
+void SealLog::fail(int error) {
+  broken_ = true;
+  file_.close();
+  std::error_code ignored;  // The file may be gone altogether.
+  std::filesystem::resize_file(path_, bytes_, ignored);
+  const platform::FaultCause cause = devices::fileFaultCause(error);
+  const platform::Fault fault{
+      "The seal can't be written to \"" + path_.string() + "\" any more (" + std::strerror(error) +
+          "): " +
+          (cause == platform::FaultCause::diskFull ? "free some space." : "check folder and disk."),
+      cause};
+  loop_.mainQueue().async([self = shared_from_this(), fault] { self->onFault_(fault); });
+}
+
+void SealLog::syncSoon() {
+  if (!diskQueue_) return;
+  // A disk that refuses refuses the film as well, which tells of it.
+  diskQueue_->async([path = path_] { (void)devices::syncToDisk(path); });
+}
+
+}  // namespace corvana::app

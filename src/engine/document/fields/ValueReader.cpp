@@ -1,0 +1,95 @@
+#include "engine/document/fields/ValueReader.h"
+
+#include <algorithm>
+#include <set>
+#include <sstream>
+#include <vector>
+
+#include "engine/document/fields/Transliteration.h"
+
+namespace corvana::engine {
+namespace {
+
+using corvana::FieldName;
+
+constexpr std::size_t kLeastNumberLength = 5;
+constexpr std::size_t kMostNumberLength = 20;
+
+std::size_t digitCount(const std::string& text) {
+  return static_cast<std::size_t>(
+      std::ranges::count_if(text, [](char c) { return c >= '0' && c <= '9'; }));
+}
+
+std::optional<std::string> sexIn(const std::string& text) {
+  static const std::set<std::string> kMale{"M", "MALE"};
+  static const std::set<std::string> kFemale{"F", "FEMALE", "W"};
+  bool isMale = false;
+  bool isFemale = false;
+  bool isOpen = false;
+  for (const std::string& word : plainWords(text)) {
+    isMale |= kMale.contains(word);
+    isFemale |= kFemale.contains(word);
+    isOpen |= word == "X";
+  }
+  if (int(isMale) + int(isFemale) + int(isOpen) != 1) return std::nullopt;
+  return isMale ? "M" : isFemale ? "F" : "X";
+}
+
+/// The number without a date or another field that was read in one with it.
+std::optional<std::string> numberIn(const std::string& text) {
+  std::string number;
+  for (const std::string& word : plainWords(text)) {
+    if (number.size() >= kLeastNumberLength && digitCount(word) == 0) break;
+    number += word;
+  }
+  const bool isNumber = number.size() >= kLeastNumberLength && number.size() <= kMostNumberLength &&
+                        digitCount(number) >= 2;
+  return isNumber ? std::optional(number) : std::nullopt;
+}
+
+std::optional<std::string> wordsIn(const std::string& text) {
+  const std::string plain = plainLetters(text);
+  if (plain.size() < 2 || digitCount(plain) > 0) return std::nullopt;
+  return text;
+}
+
+}  // namespace
+
+std::vector<std::string> plainWords(const std::string& text) {
+  std::istringstream stream(plainLetters(text));
+  std::vector<std::string> words;
+  for (std::string word; stream >> word;)
+    words.push_back(std::move(word));
+  return words;
+}
+
+std::optional<std::string> ValueReader::operator()(FieldName name, const std::string& text) const {
+  switch (name) {
+    case FieldName::surname:
+    case FieldName::givenNames:
+    case FieldName::nationality:
+      return wordsIn(text);
+    case FieldName::documentNumber:
+      return dateIn(text, false) ? std::nullopt : numberIn(text);
+    case FieldName::birthDate:
+      return dateIn(text, true);
+    case FieldName::issueDate:
+    case FieldName::expiryDate:
+      return dateIn(text, false);
+    case FieldName::sex:
+      return sexIn(text);
+    case FieldName::authority:
+    case FieldName::address:
+      break;
+  }
+  return plainLetters(text).size() < 2 ? std::nullopt : std::optional(text);
+}
+
+std::optional<std::string> ValueReader::dateIn(const std::string& text, bool isBirth) const {
+  const auto dates =
+      datesInPrint(text, today_, {.isBirth = isBirth, .isMonthFirst = isMonthFirst_});
+  if (dates.empty()) return std::nullopt;
+  return dates.front();
+}
+
+}  // namespace corvana::engine

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace corvana::engine {
+
+/// The text of one line.
+struct LineReading {
+  std::string text;           ///< UTF-8
+  double confidence = 0;      ///< mean of the letters', 0 to 1
+  double leastConfident = 0;  ///< the least of the letters', 0 to 1
+};
+
+/// Makes a text of what the network answers along a line. Pure.
+class LineDecoder {
+ public:
+  /// `letters` are the network's, in its order.
+  explicit LineDecoder(std::vector<std::string> letters);
+
+  /// Values that the network gives for each answer.
+  std::size_t classes() const { return letters_.size() + 1; }
+  /// The answers one after the other: of each the share of a pause and of every letter. Where the
+  /// network takes a letter that it has seldom seen for a pause, or for one that looks like it, its
+  /// doubt tells, and the letter is put right.
+  LineReading read(std::span<const float> answers) const;
+
+ private:
+  /// A letter for which the network takes a rare one.
+  struct Lookalike {
+    std::size_t letter;
+    std::size_t rare;
+    std::vector<std::size_t> signs;  ///< letters whose shares speak for the rare one
+    float least;
+  };
+  struct Letter {
+    std::size_t index = 0;  ///< 0: a pause
+    float share = 0;
+  };
+
+  std::optional<std::size_t> indexOf(const std::string& letter) const;
+  void addLookalike(const std::string& letter, const std::string& rare,
+                    const std::vector<std::string>& signs, float least);
+  Letter likeliest(std::span<const float> answer, bool isPauseAllowed) const;
+  Letter rareInPlaceOf(Letter seen, std::span<const float> answer) const;
+  bool hidesALetter(std::span<const float> pause) const;
+
+  std::vector<std::string> letters_;
+  std::vector<bool> isMarked_;
+  std::vector<Lookalike> lookalikes_;
+};
+
+}  // namespace corvana::engine

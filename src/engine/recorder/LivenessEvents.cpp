@@ -1,0 +1,49 @@
+#include "engine/recorder/LivenessEvents.h"
+
+#include <utility>
+
+namespace corvana::engine {
+namespace {
+
+using Kind = RecorderEvent::Kind;
+
+const char* nameOf(LivenessVerdict::Kind kind) {
+  switch (kind) {
+    case LivenessVerdict::Kind::undecided:
+      return "undecided";
+    case LivenessVerdict::Kind::living:
+      return "living";
+    case LivenessVerdict::Kind::spoof:
+      return "spoof";
+  }
+  return "";
+}
+
+RecorderEvent eventOf(const LivenessVerdict& verdict) {
+  std::vector<RecorderEvent::Detail> details{{"seconds", platform::inSeconds(verdict.watchedFor)}};
+  if (!verdict.evidence.empty()) details.emplace_back("evidence", verdict.evidence);
+  return {Kind::liveness, nameOf(verdict.kind), std::move(details)};
+}
+
+}  // namespace
+
+RecorderEvent eventOf(const LivenessSign& sign) {
+  return {Kind::sign,
+          sign.name,
+          {{"value", sign.value}, {"threshold", sign.limit}, {"seen", sign.isSeen}}};
+}
+
+std::vector<RecorderEvent> LivenessEvents::take(const LivenessVerdict& verdict, bool asks) {
+  std::vector<RecorderEvent> events;
+  const bool isNew = std::exchange(kind_, verdict.kind) != verdict.kind;
+  for (const LivenessSign& sign : verdict.signs) {
+    const bool changed = std::exchange(seen_[sign.name], sign.isSeen) != sign.isSeen;
+    if (changed || isNew) events.push_back(eventOf(sign));
+  }
+  if (isNew) events.push_back(eventOf(verdict));
+  if (asks && !std::exchange(asked_, asks)) events.push_back({Kind::liveness, "asked", {}});
+  asked_ = asks;
+  return events;
+}
+
+}  // namespace corvana::engine

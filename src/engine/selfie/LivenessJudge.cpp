@@ -1,0 +1,117 @@
+#include "engine/selfie/LivenessJudge.h"
+
+#include <algorithm>
+
+#include "corvana/SelfieCapture.h"
+#include "engine/selfie/FrameEdges.h"
+#include "engine/vision/Face.h"
+
+namespace corvana::engine {
+namespace {
+
+using SpeaksFor = LivenessSign::SpeaksFor;
+using Kind = LivenessVerdict::Kind;
+
+/// A face that overlaps its last place less than this has jumped.
+constexpr double kSamePlace = 0.2;
+/// Edges stay where they are from look to look, so not each has to look for them, and two in a row
+/// must see them.
+constexpr int kLooksPerEdges = 3;
+constexpr int kAgreeingEdges = 2;
+
+constexpr double kPassiveWeight = 0.2;
+constexpr double kBlinkWeight = 0.4;
+constexpr double kReliefWeight = 0.4;
+
+const corvana::SelfieCapture::Options& limits() {
+  return corvana::SelfieCapture::options;
+}
+
+}  // namespace
+
+LivenessJudge::LivenessJudge()
+    : blink_(limits().livenessBlinkShare),
+      repeated_{{"repetition", SpeaksFor::fraud, 0, limits().livenessRepetition}, {}},
+      edges_{{"edges", SpeaksFor::fraud, 0, limits().livenessEdges}, {}} {}
+
+void LivenessJudge::startAnew(platform::TimePoint time) {
+  since_ = time;
+  blink_ = BlinkWatch(limits().livenessBlinkShare);
+  relief_ = {};
+  passiveSum_ = 0;
+  passiveCount_ = 0;
+}
+
+void LivenessJudge::note(Fraud& fraud, double value, bool isSeen, platform::TimePoint time) {
+  if (isSeen) fraud.seenAt = time;
+  const bool stands = fraud.seenAt && time - *fraud.seenAt < kFraudMemory;
+  // While it stands, the figure is the one that it stands for.
+  if (isSeen || !stands) fraud.sign.value = value;
+  fraud.sign.isSeen = stands;
+}
+
+void LivenessJudge::look(const Look& look) {
+  blink_.add(look.time, {look.details.lidOpening, eyeAspectRatio(look.details.mesh, false),
+                         eyeAspectRatio(look.details.mesh, true)});
+  relief_.add(look.details.mesh);
+  passiveSum_ += look.passiveScore;
+  ++passiveCount_;
+
+  repetition_.add(look.time, look.picture);
+  const auto difference = repetition_.difference();
+  note(repeated_, difference.value_or(0), difference && *difference < repeated_.sign.limit,
+       look.time);
+  if (looks_++ % kLooksPerEdges != 0) return;
+  const double edges = edgesAround(look.picture, look.face);
+  looksWithEdges_ = edges > edges_.sign.limit ? looksWithEdges_ + 1 : 0;
+  note(edges_, edges, looksWithEdges_ >= kAgreeingEdges, look.time);
+}
+
+LivenessSign LivenessJudge::blinkSign() const {
+  return {"blink", SpeaksFor::life, blink_.leastShare(), limits().livenessBlinkShare,
+          blink_.blinks() > 0};
+}
+
+LivenessSign LivenessJudge::reliefSign() const {
+  const double limit = limits().livenessRelief;
+  return {"relief", SpeaksFor::life, relief_.greatest(), limit, relief_.greatest() > limit};
+}
+
+float LivenessJudge::score() const {
+  const double passive = passiveCount_ == 0 ? 0 : passiveSum_ / passiveCount_;
+  const double relief = std::min(relief_.greatest() / limits().livenessRelief, 1.0);
+  return static_cast<float>(kPassiveWeight * passive +
+                            kBlinkWeight * (blink_.blinks() > 0 ? 1 : 0) + kReliefWeight * relief);
+}
+
+LivenessVerdict LivenessJudge::add(const Look& seen) {
+  const bool isGone = last_ && seen.time - *last_ > kLongestGap;
+  const bool hasJumped = last_ && overlap(seen.face, lastFace_) < kSamePlace;
+  if (!since_ || isGone || hasJumped) startAnew(seen.time);
+  last_ = seen.time;
+  lastFace_ = seen.face;
+  look(seen);
+
+  LivenessVerdict verdict;
+  verdict.watchedFor = seen.time - *since_;
+  verdict.signs = {blinkSign(), reliefSign(), repeated_.sign, edges_.sign};
+  verdict.score = score();
+  const auto sign = [&](SpeaksFor whom) {
+    return std::ranges::find_if(verdict.signs, [whom](const LivenessSign& candidate) {
+      return candidate.speaksFor == whom && candidate.isSeen;
+    });
+  };
+  if (const auto fraud = sign(SpeaksFor::fraud); fraud != verdict.signs.end()) {
+    verdict.kind = Kind::spoof;
+    verdict.evidence = fraud->name;
+    startAnew(seen.time);
+  } else if (const auto life = sign(SpeaksFor::life);
+             life != verdict.signs.end() &&
+             verdict.watchedFor >= platform::seconds(limits().livenessWatchSeconds)) {
+    verdict.kind = Kind::living;
+    verdict.evidence = life->name;
+  }
+  return verdict;
+}
+
+}  // namespace corvana::engine

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <optional>
+
+#include "engine/selfie/BlinkWatch.h"
+#include "engine/selfie/Liveness.h"
+#include "engine/selfie/ReliefWatch.h"
+#include "engine/selfie/RepetitionWatch.h"
+#include "engine/vision/FaceLandmarks.h"
+#include "platform/geometry/Geometry.h"
+#include "platform/media/PixelBuffer.h"
+
+namespace corvana::engine {
+
+/// Tells a living face from a picture of one, by what time shows: looks come in, a verdict comes
+/// out. Life is believed after a while of watching, from a blink or from relief that moves, and not
+/// beside a sign of fraud, which also makes it forget what it took for life. Pure but for the
+/// limits, which are the host's options; times come with the frames.
+class LivenessJudge {
+ public:
+  struct Look {
+    platform::TimePoint time;
+    const platform::PixelBuffer& picture;
+    const platform::CGRect& face;
+    const FaceDetails& details;
+    /// What the single picture speaks for by itself, 0 to 1.
+    float passiveScore = 0;
+  };
+
+  LivenessJudge();
+
+  /// Takes the next look at a face that is in place.
+  LivenessVerdict add(const Look& look);
+
+  /// How long a sign of fraud outlasts what showed it.
+  static constexpr platform::Duration kFraudMemory = std::chrono::seconds(5);
+  /// Out of sight for longer, or elsewhere all at once, it may be another face.
+  static constexpr platform::Duration kLongestGap = std::chrono::seconds(1);
+
+ private:
+  struct Fraud {
+    LivenessSign sign;
+    std::optional<platform::TimePoint> seenAt;
+  };
+
+  void startAnew(platform::TimePoint time);
+  void look(const Look& look);
+  void note(Fraud& fraud, double value, bool isSeen, platform::TimePoint time);
+  LivenessSign blinkSign() const;
+  LivenessSign reliefSign() const;
+  float score() const;
+
+  std::optional<platform::TimePoint> since_;
+  std::optional<platform::TimePoint> last_;
+  platform::CGRect lastFace_;
+  BlinkWatch blink_;
+  ReliefWatch relief_;
+  RepetitionWatch repetition_;
+  Fraud repeated_;
+  Fraud edges_;
+  int looks_ = 0;
+  int looksWithEdges_ = 0;
+  double passiveSum_ = 0;
+  int passiveCount_ = 0;
+};
+
+}  // namespace corvana::engine

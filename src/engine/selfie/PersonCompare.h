@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "engine/vision/Face.h"
+#include "engine/vision/FaceEmbedder.h"
+#include "engine/vision/FaceLandmarks.h"
+#include "platform/foundation/Time.h"
+#include "platform/media/PixelBuffer.h"
+#include "platform/uikit/UIImage.h"
+
+namespace corvana::engine {
+
+/// One try to compare the live face with the selfie's.
+struct PersonCheck {
+  /// Of both faces' embeddings; absent when the live face could not be judged: turned away, blurred
+  /// or covered.
+  std::optional<double> distance;
+};
+
+/// Compares the live face with the selfie's, about once a second and when it jumps. Costs one pass
+/// of the landmark and one of the embedding network each time. One thread.
+class PersonCompare {
+ public:
+  PersonCompare(std::shared_ptr<FaceLandmarks> landmarks, FaceEmbedder embedder);
+
+  /// `selfie`: the accepted one's face crop. Absent when it is not time to compare.
+  std::optional<PersonCheck> look(platform::TimePoint time, const platform::PixelBuffer& picture,
+                                  const Face& face, const platform::UIImageRef& selfie);
+
+  /// Between two comparisons; after one that failed or could not be made the next comes sooner.
+  static constexpr platform::Duration kInterval = std::chrono::milliseconds(1000);
+  static constexpr platform::Duration kSoon = std::chrono::milliseconds(300);
+
+ private:
+  PersonCheck compare(const platform::PixelBuffer& picture, const Face& face);
+
+  std::shared_ptr<FaceLandmarks> landmarks_;
+  FaceEmbedder embedder_;
+  platform::UIImageRef selfie_;
+  FaceEmbedding wanted_;
+  std::optional<platform::TimePoint> next_;
+  platform::CGRect lastBox_;
+};
+
+}  // namespace corvana::engine

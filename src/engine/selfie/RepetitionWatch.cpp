@@ -1,0 +1,72 @@
+#include "engine/selfie/RepetitionWatch.h"
+
+#include <algorithm>
+
+#include <opencv2/imgproc.hpp>
+
+#include "engine/vision/MatViews.h"
+
+namespace corvana::engine {
+namespace {
+
+/// The picture's longer side after it was shrunk: noise is gone then, every movement still there.
+constexpr int kLongerSide = 64;
+/// How many pictures must be alike, how far back they begin at least, and how far at most.
+constexpr std::size_t kStretch = 6;
+constexpr platform::Duration kShortestLoop = platform::seconds(0.9);
+constexpr std::size_t kMostPictures = 150;
+/// Where less than this moves, mean square of 255 steps, everything is like everything else.
+constexpr double kLeastMovement = 0.6;
+
+std::vector<float> valuesOf(const platform::PixelBuffer& picture) {
+  const double scale =
+      static_cast<double>(kLongerSide) / std::max(picture.width(), picture.height());
+  cv::Mat small;
+  cv::resize(grayMat(picture), small,
+             {std::max(1, static_cast<int>(picture.width() * scale)),
+              std::max(1, static_cast<int>(picture.height() * scale))},
+             0, 0, cv::INTER_AREA);
+  cv::Mat values;
+  small.convertTo(values, CV_32F);
+  // The exposure drifts; what is seen does not.
+  values -= cv::mean(values);
+  return {values.begin<float>(), values.end<float>()};
+}
+
+double meanSquare(const std::vector<float>& a, const std::vector<float>& b) {
+  double sum = 0;
+  for (std::size_t i = 0; i < a.size(); ++i)
+    sum += static_cast<double>((a[i] - b[i]) * (a[i] - b[i]));
+  return sum / static_cast<double>(a.size());
+}
+
+}  // namespace
+
+double RepetitionWatch::stretch(std::size_t lag) const {
+  double sum = 0;
+  for (std::size_t i = 0; i < kStretch; ++i)
+    sum += pictures_[i].differences[lag - 1];
+  return sum / kStretch;
+}
+
+void RepetitionWatch::add(platform::TimePoint time, const platform::PixelBuffer& picture) {
+  Picture next{time, valuesOf(picture), {}};
+  if (!pictures_.empty() && pictures_.front().values.size() != next.values.size())
+    pictures_.clear();
+  for (const Picture& earlier : pictures_)
+    next.differences.push_back(meanSquare(next.values, earlier.values));
+  pictures_.push_front(std::move(next));
+  if (pictures_.size() > kMostPictures) pictures_.pop_back();
+
+  difference_.reset();
+  if (pictures_.size() <= kStretch) return;
+  const double movement = stretch(1);
+  if (movement < kLeastMovement) return;
+  for (std::size_t lag = 2; lag + kStretch <= pictures_.size(); ++lag) {
+    if (time - pictures_[lag].time < kShortestLoop) continue;
+    const double share = stretch(lag) / movement;
+    difference_ = std::min(difference_.value_or(share), share);
+  }
+}
+
+}  // namespace corvana::engine

@@ -1,0 +1,146 @@
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+#include "app/endtoend/Program.h"
+
+namespace corvana::tests {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+const fs::path kStudent = STUDENT;
+
+/// Photographs of a student card, and truth.json about them.
+json photographs(const fs::path& folder) {
+  const ScratchFolder data;
+  fs::copy(kStudent / "designs", data / "designs");
+  fs::copy(PEOPLE, data / "people.json");
+  const ProgramRun made =
+      runProgram(MAKE_PHOTOS, {"--data", data.path(), "--count", "1", "--output", folder});
+  EXPECT_EQ(made.exitCode, 0) << made.errors;
+  return json::parse(bytesOf(folder / "truth.json")).at("pictures");
+}
+
+ProgramRun enroll(const fs::path& photos, const json& pictures, const fs::path& output,
+                  const std::vector<std::string>& more) {
+  std::vector<std::string> arguments{"enroll", "--date", "2026-01-01", "--output", output};
+  for (const json& picture : pictures) {
+    const auto side = "--" + picture.at("side").get<std::string>();
+    arguments.insert(arguments.end(), {side, photos / picture.at("file").get<std::string>()});
+  }
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return runVideoid(arguments);
+}
+
+std::string valueOf(const json& side, const std::string& name) {
+  for (const json& field : side.at("fields"))
+    if (field.at("name") == name) return field.at("value");
+  return {};
+}
+
+TEST(Documents, AFileMakesAKindThatIsEnrolled) {
+  const ScratchFolder scratch;
+  const json pictures = photographs(scratch / "photos");
+  ASSERT_EQ(pictures.size(), 2U);
+  const ProgramRun without = enroll(scratch / "photos", pictures, scratch / "unknown", {});
+  EXPECT_EQ(without.exitCode, 2) << "nothing tells its back";
+  EXPECT_FALSE(fs::exists(scratch / "unknown"));
+
+  const ProgramRun run = enroll(scratch / "photos", pictures, scratch / "card",
+                                {"--documents", kStudent / "documents"});
+  ASSERT_EQ(run.exitCode, 0) << run.errors;
+  const json reference = json::parse(bytesOf(scratch / "card/reference.json"));
+  EXPECT_EQ(reference.at("front").at("type"), "STUDENT_CARD_FRONT");
+  EXPECT_EQ(reference.at("back").at("type"), "STUDENT_CARD_BACK");
+  // No label names them, or one of no language that there is a file of.
+  for (const char* name : {"surname", "givenNames", "documentNumber"}) {
+    EXPECT_EQ(valueOf(reference.at("front"), name),
+              pictures.at(0).at("fields").at(name).at("printed"))
+        << name;
+  }
+
+  const ProgramRun flow =
+      runVideoid({"capture", "--reference", scratch / "card", "--text", "words", "--camera",
+                  Session::of("short").camera, "--output", scratch / "run"});
+  EXPECT_EQ(flow.exitCode, 2);
+  EXPECT_NE(flow.errors.find("give the folder of --documents"), std::string::npos) << flow.errors;
+  EXPECT_FALSE(fs::exists(scratch / "run"));
+}
+
+TEST(Documents, APassportsPageIsAFrontAndNoBack) {
+  const ScratchFolder scratch;
+  const ProgramRun made =
+      runProgram(MAKE_PHOTOS, {"--designs", "passport", "--grounds", "plain", "--count", "1",
+                               "--seed", "3", "--output", scratch / "photos"});
+  ASSERT_EQ(made.exitCode, 0) << made.errors;
+  const json pictures = json::parse(bytesOf(scratch / "photos/truth.json")).at("pictures");
+  ASSERT_EQ(pictures.size(), 1U);
+  const ProgramRun run = enroll(scratch / "photos", pictures, scratch / "page", {});
+  ASSERT_EQ(run.exitCode, 0) << run.errors;
+  const json reference = json::parse(bytesOf(scratch / "page/reference.json"));
+  EXPECT_EQ(reference.at("front").at("type"), "PASSPORT_PAGE_FRONT");
+  EXPECT_EQ(reference.at("front").at("mrz").at("lines"), pictures.at(0).at("zone"));
+  EXPECT_FALSE(reference.contains("back"));
+
+  const fs::path photo = (scratch / "photos") / pictures.at(0).at("file").get<std::string>();
+  const ProgramRun both = enroll(scratch / "photos", pictures, scratch / "both", {"--back", photo});
+  EXPECT_EQ(both.exitCode, 2);
+  EXPECT_NE(both.errors.find("PASSPORT_PAGE, which has no back; leave out --back"),
+            std::string::npos)
+      << both.errors;
+  EXPECT_FALSE(fs::exists(scratch / "both"));
+}
+
+TEST(Documents, AreListedAndChecked) {
+  const ProgramRun list = runVideoid({"documents", "--documents", kStudent / "documents"});
+  EXPECT_EQ(list.exitCode, 0) << list.errors;
+  EXPECT_NE(list.output.find("STUDENT_CARD: Student card, ID-1\n    front: photo\n"),
+            std::string::npos)
+      << list.output;
+  const ProgramRun asJson = runVideoid({"documents", "--json"});
+  const json all = json::parse(asJson.output);
+  const auto page = std::ranges::find_if(
+      all.at("kinds"), [](const json& kind) { return kind.at("stem") == "PASSPORT_PAGE"; });
+  ASSERT_NE(page, all.at("kinds").end());
+  EXPECT_EQ(page->at("millimetres"), (json{125, 88}));
+  EXPECT_EQ(page->at("sides").at("front").at("zone").at("format"), "TD3");
+  EXPECT_FALSE(page->at("sides").contains("back"));
+  EXPECT_GT(all.at("labels").at("de"), 20);
+
+  const fs::path fine = kStudent / "documents/student-card.json";
+  EXPECT_EQ(runVideoid({"documents", "--check", kStudent / "documents"}).exitCode, 0);
+  EXPECT_EQ(runVideoid({"documents", "--check", fine}).exitCode, 0);
+}
+
+TEST(Documents, AFaultIsOneSentenceOfEveryCommand) {
+  const ScratchFolder scratch;
+  json kind = json::parse(bytesOf(kStudent / "documents/student-card.json"));
+  kind["stem"] = "IDENTITY";
+  writeBytes(scratch / "bad.json", kind.dump());
+  fs::create_directories(scratch / "other/labels");
+  writeBytes(scratch / "other/labels/eo.json", "{}");
+  const std::pair<std::vector<std::string>, const char*> cases[] = {
+      {{"documents", "--check", scratch / "bad.json"}, "with which IDENTITY_CARD begins"},
+      {{"documents", "--check", scratch / "other"}, "language: this key is missing"},
+      {{"documents", "--check", scratch / "other/labels/eo.json"}, "language: this key is missing"},
+      {{"documents", "--check", scratch / "none"}, "There is no folder"},
+      {{"documents", "--documents", scratch / "bad.json"}, "with which IDENTITY_CARD begins"},
+      {{"enroll", "--front", "a.png", "--output", scratch / "card", "--documents", scratch.path()},
+       "with which IDENTITY_CARD begins"},
+      {{"capture", "--reference", "card", "--text", "a", "--camera", "none.mp4", "--documents",
+        scratch.path()},
+       "with which IDENTITY_CARD begins"},
+  };
+  for (const auto& [arguments, sentence] : cases) {
+    const ProgramRun run = runVideoid(arguments);
+    EXPECT_EQ(run.exitCode, 2) << sentence;
+    EXPECT_NE(run.errors.find(sentence), std::string::npos) << run.errors;
+    EXPECT_EQ(std::ranges::count(run.errors, '\n'), 1) << run.errors;
+    EXPECT_TRUE(run.output.empty()) << run.output;
+  }
+}
+
+}  // namespace
+}  // namespace corvana::tests

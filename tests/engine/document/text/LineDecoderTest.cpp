@@ -1,0 +1,65 @@
+#include <map>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "engine/document/text/LineDecoder.h"
+
+namespace corvana::tests {
+namespace {
+
+const std::vector<std::string> kLetters{"N", "G", "U", "Y", "P", "Þ", "þ", "Č",
+                                        "Ğ", "ğ", "Ê", "Ě", "e", "m", "O", " "};
+
+/// Shares of letters; what is left is a pause's.
+using Answer = std::map<std::string, float>;
+
+engine::LineReading read(const std::vector<Answer>& answers) {
+  std::vector<float> values;
+  for (const Answer& answer : answers) {
+    float pause = 1;
+    for (const auto& [letter, share] : answer)
+      pause -= share;
+    values.push_back(pause);
+    for (const std::string& letter : kLetters)
+      values.push_back(answer.contains(letter) ? answer.at(letter) : 0);
+  }
+  return engine::LineDecoder(kLetters).read(values);
+}
+
+TEST(LineDecoder, DropsPausesAndRepetitions) {
+  const auto reading = read({{}, {{"N", 0.9F}}, {{"N", 0.8F}}, {}, {{"N", 0.7F}}, {{"U", 1}}, {}});
+  EXPECT_EQ(reading.text, "NNU");
+  EXPECT_NEAR(reading.confidence, (0.9 + 0.7 + 1) / 3, 1e-6);
+  EXPECT_NEAR(reading.leastConfident, 0.7, 1e-6);
+  EXPECT_EQ(read({{}, {}}).text, "");
+}
+
+struct DoubtCase {
+  const char* what;
+  std::vector<Answer> answers;
+  const char* text;
+};
+
+TEST(LineDecoder, PutsRareLettersRightByTheNetworksDoubt) {
+  const Answer y{{"Y", 1.F}};
+  const Answer n{{"N", 1.F}};
+  const DoubtCase cases[] = {
+      {"a letter taken for a pause", {y, {}, {{"Ě", 0.19F}, {"Ê", 0.13F}}, {}, n}, "YĚN"},
+      {"a sure pause", {y, {}, {{"Ê", 0.004F}}, {}, n}, "YN"},
+      {"a pattern", {y, {}, {{"e", 0.4F}, {"m", 0.1F}}, {}, n}, "YN"},
+      {"the rim of a letter", {y, {{"Ê", 0.3F}}, {{"Ê", 0.6F}}, {}, n}, "YÊN"},
+      {"a thorn", {{{"P", 0.87F}, {"Þ", 0.015F}}, {}, {{"O", 1}}}, "ÞO"},
+      {"a P", {{{"P", 0.993F}, {"O", 0.005F}}, {}, {{"O", 1}}}, "PO"},
+      {"a G with a breve", {{{"O", 1}}, {}, {{"Č", 0.8F}, {"ğ", 0.02F}}}, "OĞ"},
+      {"a C with a caron", {{{"O", 1}}, {}, {{"Č", 0.8F}, {"G", 0.02F}}}, "OČ"}};
+  for (const auto& [what, answers, text] : cases)
+    EXPECT_EQ(read(answers).text, text) << what;
+  const auto guessed = read(cases[0].answers);
+  EXPECT_NEAR(guessed.leastConfident, 0.19, 1e-6) << "so that a second reader is asked";
+  EXPECT_NEAR(guessed.confidence, 1, 1e-6);
+}
+
+}  // namespace
+}  // namespace corvana::tests
