@@ -40,6 +40,17 @@ cv::Mat coloured(const cv::Mat& light, const cv::Scalar& colour) {
   return picture;
 }
 
+/// The picture lightened and darkened.
+cv::Mat lit(const cv::Mat& picture, const cv::Mat& light) {
+  std::array<cv::Mat, 3> channels;
+  cv::split(picture, channels.data());
+  for (cv::Mat& channel : channels)
+    cv::multiply(channel, light, channel, 1.0, CV_8UC1);
+  cv::Mat result;
+  cv::merge(channels.data(), 3, result);
+  return result;
+}
+
 cv::Mat plain(cv::Size size, double scale, Random& random) {
   static const std::vector<cv::Scalar> kColours = {
       {232, 232, 228}, {206, 200, 190}, {122, 126, 130}, {46, 50, 58},
@@ -149,19 +160,55 @@ cv::Mat tiles(cv::Size size, double scale, Random& random) {
   return coloured(light, drawFrom(kColours, random));
 }
 
+/// A carpet: spots of several colours, rows of lozenges, pile in all directions.
+cv::Mat carpet(cv::Size size, double scale, Random& random) {
+  static const std::vector<cv::Scalar> kColours = {
+      {132, 40, 44}, {40, 60, 92}, {188, 164, 120}, {70, 92, 66}, {60, 46, 42}};
+  cv::Mat picture(size, CV_8UC3, drawFrom(kColours, random));
+  const double step = random.uniform(14.0, 32.0) * scale;
+  const cv::Scalar inks[] = {drawFrom(kColours, random), drawFrom(kColours, random)};
+  int row = 0;
+  for (double y = 0.0; y < size.height + step; y += step, ++row) {
+    int column = 0;
+    for (double x = 0.0; x < size.width + step; x += step, ++column) {
+      const double half = step * ((row + column) % 2 == 0 ? 0.42 : 0.18);
+      const std::vector<cv::Point> lozenge = {cv::Point2d(x - half, y), cv::Point2d(x, y - half),
+                                              cv::Point2d(x + half, y), cv::Point2d(x, y + half)};
+      cv::fillConvexPoly(picture, lozenge, inks[(row + column) % 2], cv::LINE_AA);
+    }
+  }
+  const cv::Mat pile = 1.0 + 0.14 * unevenness(size, 0.6 * scale, 0.6 * scale, random);
+  return lit(picture, pile);
+}
+
+/// Upholstery: stripes of uneven width, straight or nearly.
+cv::Mat stripes(cv::Size size, double scale, Random& random) {
+  static const std::vector<cv::Scalar> kColours = {
+      {226, 218, 200}, {110, 132, 120}, {70, 80, 108}, {178, 96, 70}, {54, 50, 52}, {206, 186, 90}};
+  cv::Mat picture(size, CV_8UC3);
+  for (double x = 0.0; x < size.width;) {
+    const double width = random.uniform(3.0, 26.0) * scale;
+    cv::rectangle(picture, cv::Rect2d(x, 0.0, width + 1.0, size.height), drawFrom(kColours, random),
+                  cv::FILLED);
+    x += width;
+  }
+  return lit(picture, 1.0 + 0.06 * unevenness(size, 1.0 * scale, 20.0 * scale, random));
+}
+
 using Painter = cv::Mat (*)(cv::Size, double, Random&);
 
 const std::map<std::string, Painter>& painters() {
   static const std::map<std::string, Painter> kAll = {
-      {"plain", plain}, {"wood", wood}, {"cloth", cloth}, {"stone", stone}, {"tiles", tiles}};
+      {"plain", plain}, {"wood", wood},     {"cloth", cloth},    {"stone", stone},
+      {"tiles", tiles}, {"carpet", carpet}, {"stripes", stripes}};
   return kAll;
 }
 
 }  // namespace
 
 const std::vector<std::string>& groundNames() {
-  static const std::vector<std::string> kNames = {"plain", "wood",  "print",
-                                                  "cloth", "stone", "tiles"};
+  static const std::vector<std::string> kNames = {"plain", "wood",  "print",  "cloth",
+                                                  "stone", "tiles", "carpet", "stripes"};
   return kNames;
 }
 
