@@ -139,10 +139,11 @@ int run(int count, std::uint64_t seed, const std::string& only) {
     return 3;
   }
   const std::filesystem::path models = CORVANA_ENGINE_RESOURCES;
-  auto analyzer = engine::VisionFrameAnalyzer::load(
-      {models / "face_detection_short_range.tflite", models / "face_landmark.tflite",
-       engine::NetworkTextReader::Models::inFolder(models),
-       {models / "documents"}});
+  auto analyzer =
+      engine::VisionFrameAnalyzer::load({models / "face_detection_short_range.tflite",
+                                         models / "face_landmark.tflite",
+                                         engine::NetworkTextReader::Models::inFolder(models),
+                                         {models / "documents"}});
   if (!analyzer) {
     std::cerr << "guidance-clips: " << analyzer.error().sentence << '\n';
     return 3;

@@ -92,10 +92,9 @@ Row choice(Table& table, Value Table::*field, std::string key, std::vector<std::
           words};
 }
 
-const std::vector<Row>& rows() {
+std::vector<Row> videoRows() {
   using VideoOptions = VideoCapture::Options;
-  using CardOptions = IDCapture::Options;
-  static const std::vector<Row> kTable = {
+  return {
       row(VideoCapture::options, &VideoOptions::idToSelfieMatchThreshold,
           "videoCapture.idToSelfieMatchThreshold", "distance", 0, 2,
           "greatest distance of the unit-length face embeddings at which the live face is the one "
@@ -120,46 +119,53 @@ const std::vector<Row>& rows() {
           "how long the live face may be out of sight after the selfie was accepted"),
       row(VideoCapture::options, &VideoOptions::isDebugMode, "videoCapture.isDebugMode", "", 0, 0,
           "show raw measurements over the picture and mark the words heard"),
-      row(SelfieCapture::options, &SelfieCapture::Options::timeOutSeconds,
-          "selfieCapture.timeOutSeconds", "s", 1, 3600,
-          "time from the start of a run to an accepted selfie"),
-      row(SelfieCapture::options, &SelfieCapture::Options::capture4K, "selfieCapture.capture4K", "",
-          0, 0, "analyse the camera picture at full size instead of at most 1280 pixels a side"),
-      choice(SelfieCapture::options, &SelfieCapture::Options::liveness, "selfieCapture.liveness",
+  };
+}
+
+std::vector<Row> selfieRows() {
+  using SelfieOptions = SelfieCapture::Options;
+  return {
+      row(SelfieCapture::options, &SelfieOptions::timeOutSeconds, "selfieCapture.timeOutSeconds",
+          "s", 1, 3600, "time from the start of a run to an accepted selfie"),
+      row(SelfieCapture::options, &SelfieOptions::capture4K, "selfieCapture.capture4K", "", 0, 0,
+          "analyse the camera picture at full size instead of at most 1280 pixels a side"),
+      choice(SelfieCapture::options, &SelfieOptions::liveness, "selfieCapture.liveness",
              {"off", "passive"},
              "what a selfie waits for: off, nothing; passive, a sign of life and none of fraud"),
-      row(SelfieCapture::options, &SelfieCapture::Options::livenessWatchSeconds,
+      row(SelfieCapture::options, &SelfieOptions::livenessWatchSeconds,
           "selfieCapture.livenessWatchSeconds", "s", 0, 60,
           "least time for which a face is watched before it is believed alive"),
-      row(SelfieCapture::options, &SelfieCapture::Options::livenessAskSeconds,
+      row(SelfieCapture::options, &SelfieOptions::livenessAskSeconds,
           "selfieCapture.livenessAskSeconds", "s", 0, 60,
           "time after which a face without a sign of life is asked for one"),
-      row(SelfieCapture::options, &SelfieCapture::Options::livenessBlinkShare,
+      row(SelfieCapture::options, &SelfieOptions::livenessBlinkShare,
           "selfieCapture.livenessBlinkShare", "share", 0.1, 0.94,
           "sign of life: in a blink both eyes' height over width, as far as the network follows "
-          "the "
-          "lids, falls below this share of the usual"),
-      row(SelfieCapture::options, &SelfieCapture::Options::livenessRelief,
-          "selfieCapture.livenessRelief", "sine", 0.01, 1,
+          "the lids, falls below this share of the usual"),
+      row(SelfieCapture::options, &SelfieOptions::livenessRelief, "selfieCapture.livenessRelief",
+          "sine", 0.01, 1,
           "sign of life: turn from which on the face's relief is seen to move as that of no flat "
-          "or "
-          "bent picture"),
-      row(SelfieCapture::options, &SelfieCapture::Options::livenessRepetition,
+          "or bent picture"),
+      row(SelfieCapture::options, &SelfieOptions::livenessRepetition,
           "selfieCapture.livenessRepetition", "ratio", 0, 10,
           "sign of fraud: pictures differ from earlier ones by less than this, over their "
-          "difference "
-          "from one to the next"),
-      row(SelfieCapture::options, &SelfieCapture::Options::livenessEdges,
-          "selfieCapture.livenessEdges", "share", 0, 1,
+          "difference from one to the next"),
+      row(SelfieCapture::options, &SelfieOptions::livenessEdges, "selfieCapture.livenessEdges",
+          "share", 0, 1,
           "sign of fraud: more than this of straight edges left, right and below the face is seen"),
-      row(SelfieCapture::options, &SelfieCapture::Options::samePersonThreshold,
+      row(SelfieCapture::options, &SelfieOptions::samePersonThreshold,
           "selfieCapture.samePersonThreshold", "distance", 0, 2,
           "greatest distance of the unit-length face embeddings at which the live face is still "
-          "the "
-          "selfie's"),
-      row(IDCapture::options, &IDCapture::Options::timeOutSeconds, "idCapture.timeOutSeconds", "s",
-          1, 3600, "time from the accepted selfie to the last accepted side of the card"),
-      row(IDCapture::options, &IDCapture::Options::capture4K, "idCapture.capture4K", "", 0, 0,
+          "the selfie's"),
+  };
+}
+
+std::vector<Row> cardRows() {
+  using CardOptions = IDCapture::Options;
+  return {
+      row(IDCapture::options, &CardOptions::timeOutSeconds, "idCapture.timeOutSeconds", "s", 1,
+          3600, "time from the accepted selfie to the last accepted side of the card"),
+      row(IDCapture::options, &CardOptions::capture4K, "idCapture.capture4K", "", 0, 0,
           "analyse the camera picture at full size instead of at most 1280 pixels a side"),
       row(IDCapture::options, &CardOptions::leastCardWidth, "idCapture.leastCardWidth",
           "frame widths", 0.2, 1, "a narrower card has to come closer"),
@@ -189,7 +195,16 @@ const std::vector<Row>& rows() {
       row(IDCapture::options, &CardOptions::patienceSeconds, "idCapture.patienceSeconds", "s", 0, 5,
           "how long a card has to be wrong in one of these ways before the person is told"),
   };
-  return kTable;
+}
+
+const std::vector<Row>& rows() {
+  static const std::vector<Row> kAll = [] {
+    std::vector<Row> all = videoRows();
+    for (const auto& some : {selfieRows(), cardRows()})
+      all.insert(all.end(), some.begin(), some.end());
+    return all;
+  }();
+  return kAll;
 }
 
 const Row* find(const std::string& key) {

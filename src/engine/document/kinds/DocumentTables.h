@@ -15,9 +15,9 @@ struct DocumentTables {
   FieldLabels labels;
 };
 
-/// Reads kinds of documents from folders, and labels of fields from the folder `labels` in each that
-/// has one; or from single files. What a later place says is added to, and goes before, what an
-/// earlier one does. The error is one sentence.
+/// Reads kinds of documents from folders, and labels of fields from the folder `labels` in each
+/// that has one; or from single files. What a later place says is added to, and goes before, what
+/// an earlier one does. The error is one sentence.
 platform::Expected<DocumentTables> loadDocumentTables(
     const std::vector<std::filesystem::path>& places);
 
