@@ -91,10 +91,10 @@ CaptureFlow::~CaptureFlow() = default;
 std::optional<RunSeal> CaptureFlow::makeSeal() {
   if (!inputs_.key) return std::nullopt;
   const auto now = readClock();
-  return std::make_optional<RunSeal>(
-      loop_, inputs_.folder, *inputs_.key,
-      sessionToJson(identity_, now, inputs_.referenceSums, sha256Of(inputs_.text)),
-      [this](const platform::Fault& fault) { recordFailed(fault); });
+  return std::make_optional<RunSeal>(loop_, inputs_.folder, *inputs_.key,
+                                     sessionToJson(identity_, now, inputs_.referenceSums,
+                                                   inputs_.documentsSum, sha256Of(inputs_.text)),
+                                     [this](const platform::Fault& fault) { recordFailed(fault); });
 }
 
 engine::EngineHost::Setup CaptureFlow::hostSetup() {
@@ -207,6 +207,7 @@ RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
                    .started = started,
                    .ended = readClock(),
                    .reference = inputs_.referenceSums,
+                   .documents = inputs_.documentsSum,
                    .text = sha256Of(inputs_.text),
                    .key = inputs_.key};
   if (const auto film = host_.film()) {

@@ -16,6 +16,7 @@ namespace corvana::app {
 struct CaptureInputs {
   Reference reference;
   nlohmann::ordered_json referenceSums;  ///< SHA-256 of every file in the reference's folder
+  std::string documentsSum;              ///< SHA-256 over the files of the kinds of documents
   std::string text;
   std::optional<SigningKey> key;  ///< seals the record
   MediaOpener openMedia;

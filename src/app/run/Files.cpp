@@ -77,6 +77,16 @@ Expected<nlohmann::ordered_json> sumsOf(const std::vector<fs::path>& files) {
   return sums;
 }
 
+Expected<std::string> sumOver(const std::vector<fs::path>& files) {
+  Sha256 all;
+  for (const fs::path& file : files) {
+    const auto sum = sha256(file);
+    if (!sum) return sum;
+    all.add(file.filename().string() + " " + *sum + "\n");
+  }
+  return all.hexadecimal();
+}
+
 Expected<void> checkEmptyFolder(const fs::path& path) {
   std::error_code error;
   if (!fs::exists(path, error)) return {};

@@ -22,6 +22,9 @@ Expected<std::string> sha256(const std::filesystem::path& path);
 /// The SHA-256 of each file by its name, in their order. Files that are not there are left out.
 Expected<nlohmann::ordered_json> sumsOf(const std::vector<std::filesystem::path>& files);
 
+/// SHA-256 over the files' names and sums, in their order.
+Expected<std::string> sumOver(const std::vector<std::filesystem::path>& files);
+
 /// Refuses what can't become a run's folder: a file, a folder that is not empty or not writable.
 Expected<void> checkEmptyFolder(const std::filesystem::path& path);
 

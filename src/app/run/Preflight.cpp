@@ -102,8 +102,7 @@ std::string kindFault(const Reference& reference, const engine::DocumentKinds& k
     if (side == nullptr || !side->type || kinds.ofType(*side->type)) continue;
     return "The reference is of a " + *side->type +
            ", of which no kind of document that is known tells; give the folder of --documents "
-           "that "
-           "it was enrolled with.";
+           "that it was enrolled with.";
   }
   return {};
 }
@@ -135,6 +134,11 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   if (const auto fault = tables ? kindFault(prepared.inputs.reference, tables->kinds) : "";
       !fault.empty()) {
     return refuse(ExitCode::wrongUse, fault);
+  }
+  if (tables) {
+    const auto sum = sumOver(tables->files);
+    if (!sum) return refuse(ExitCode::machineLacks, sum.error().sentence);
+    prepared.inputs.documentsSum = *sum;
   }
   if (const auto lack = machineLack(arguments); !lack.empty()) {
     return refuse(ExitCode::machineLacks, lack);

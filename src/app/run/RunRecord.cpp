@@ -72,6 +72,7 @@ ordered_json recordToJson(const RunRecord& record) {
   object["program"] = programToJson();
   object.update(identityToJson(record.identity, record.started, record.ended));
   object["reference"] = record.reference;
+  object["documents"] = record.documents;
   object["text"] = record.text;
   return object;
 }
@@ -117,11 +118,13 @@ ordered_json devicesToJson(const UsedDevices& devices) {
 }
 
 ordered_json sessionToJson(const RunIdentity& identity, const std::optional<ClockReading>& start,
-                           const ordered_json& reference, const std::string& text) {
+                           const ordered_json& reference, const std::string& documents,
+                           const std::string& text) {
   ordered_json object = identityToJson(identity, start, start);
   object["options"] = currentOptions();
   object["program"] = programToJson();
   object["reference"] = reference;
+  object["documents"] = documents;
   object["text"] = text;
   return object;
 }

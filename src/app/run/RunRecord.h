@@ -54,6 +54,7 @@ struct RunRecord {
   std::optional<ClockReading> started = {};
   std::optional<ClockReading> ended = {};
   nlohmann::ordered_json reference = {};  ///< SHA-256 of its files
+  std::string documents = {};             ///< SHA-256 over the files of the kinds of documents
   std::string text = {};                  ///< SHA-256 of the text that was to be read
   std::optional<SigningKey> key = {};     ///< seals the result; absent: nobody vouches for it
 };
@@ -63,7 +64,7 @@ struct RunRecord {
 nlohmann::ordered_json sessionToJson(const RunIdentity& identity,
                                      const std::optional<ClockReading>& start,
                                      const nlohmann::ordered_json& reference,
-                                     const std::string& text);
+                                     const std::string& documents, const std::string& text);
 
 inline constexpr const char* kResultFileName = "result.json";
 /// The signature of result.json's bytes.

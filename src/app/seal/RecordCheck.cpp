@@ -213,7 +213,7 @@ class RecordChecker {
 
   /// What was said at the beginning must still be so at the end.
   void checkHead(const json& head) {
-    for (const char* field : {"session", "options", "program", "reference", "text"}) {
+    for (const char* field : {"session", "options", "program", "reference", "documents", "text"}) {
       if (head.value(field, json()) == result_.value(field, json())) continue;
       return fail(SealLog::kFileName, std::string("The seal ") + SealLog::kFileName +
                                           " belongs to another run: it names another " + field +

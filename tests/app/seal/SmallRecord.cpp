@@ -74,6 +74,7 @@ class Run {
             .films = {"film.mp4"},
             .identity = identity_,
             .reference = reference_,
+            .documents = app::sha256Of("kinds"),
             .text = app::sha256Of("text"),
             .key = key_};
   }
@@ -87,7 +88,7 @@ class Run {
   app::RunSeal seal_{
       loop_, folder_, key_,
       app::sessionToJson({.session = plan_.session, .subject = {}, .host = {}, .clock = nullptr},
-                         {}, reference_, app::sha256Of("text")),
+                         {}, reference_, app::sha256Of("kinds"), app::sha256Of("text")),
       [](const platform::Fault& fault) { ADD_FAILURE() << fault.sentence; }};
   app::EventLog events_{loop_, folder_ / app::EventLog::kFileName,
                         [](const platform::Fault& fault) { ADD_FAILURE() << fault.sentence; },

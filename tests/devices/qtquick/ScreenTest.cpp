@@ -91,9 +91,9 @@ TEST_F(Screen, ShowsAHintOfTheHostAboveAllViewsUntilItIsTakenBack) {
   passSelfie();
   std::vector<std::string> said;
   screen->onAnnounce = [&](const std::string& words) { said.push_back(words); };
-  const int before = count(QColor("#e65100"), {0, 0, 360, 640});
+  const int before = count(QColor("#bf4300"), {0, 0, 360, 640});
   screen->hint("Take your fingers off the print");
-  EXPECT_GT(count(QColor("#e65100"), {0, 0, 360, 640}), before + 1000);
+  EXPECT_GT(count(QColor("#bf4300"), {0, 0, 360, 640}), before + 1000);
   EXPECT_EQ(said, std::vector<std::string>{"Take your fingers off the print"});
   click("closeButton");
   expectCanceled();

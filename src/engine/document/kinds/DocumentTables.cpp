@@ -36,6 +36,18 @@ platform::Expected<void> find(const fs::path& place, Sources& sources) {
                            "no folder of labels; name another folder.");
 }
 
+platform::Expected<std::vector<fs::path>> filesIn(const Sources& sources) {
+  std::vector<fs::path> all;
+  for (const auto* places : {&sources.kinds, &sources.labels}) {
+    for (const fs::path& place : *places) {
+      const auto files = dataFilesIn(place);
+      if (!files) return tl::unexpected(files.error());
+      all.insert(all.end(), files->begin(), files->end());
+    }
+  }
+  return all;
+}
+
 }  // namespace
 
 platform::Expected<DocumentTables> loadDocumentTables(const std::vector<fs::path>& places) {
@@ -47,7 +59,9 @@ platform::Expected<DocumentTables> loadDocumentTables(const std::vector<fs::path
   if (!kinds) return tl::unexpected(kinds.error());
   auto labels = FieldLabels::load(sources.labels);
   if (!labels) return tl::unexpected(labels.error());
-  return DocumentTables{std::move(*kinds), std::move(*labels)};
+  auto files = filesIn(sources);
+  if (!files) return tl::unexpected(files.error());
+  return DocumentTables{std::move(*kinds), std::move(*labels), std::move(*files)};
 }
 
 }  // namespace corvana::engine

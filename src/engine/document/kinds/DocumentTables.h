@@ -13,6 +13,7 @@ namespace corvana::engine {
 struct DocumentTables {
   DocumentKinds kinds;
   FieldLabels labels;
+  std::vector<std::filesystem::path> files;  ///< from which it is known
 };
 
 /// Reads kinds of documents from folders, and labels of fields from the folder `labels` in each

@@ -17,7 +17,7 @@ Item {
         label: words
         room: Math.min(root.width - 32 * root.unit, 520 * root.unit)
         unit: root.letters
-        backgroundColor: "#e65100"
+        backgroundColor: "#bf4300"
         x: (root.width - width) / 2
         y: root.height * 0.12
         Label {
