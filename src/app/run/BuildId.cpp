@@ -6,6 +6,8 @@
 
 #include <link.h>
 
+#include "app/seal/Hexadecimal.h"
+
 namespace corvana::app {
 namespace {
 
@@ -15,22 +17,14 @@ std::size_t aligned(std::size_t size) {
   return (size + kAlignment - 1) / kAlignment * kAlignment;
 }
 
-std::string hexadecimal(const unsigned char* bytes, std::size_t count) {
-  constexpr const char* kDigits = "0123456789abcdef";
-  std::string text;
-  for (std::size_t i = 0; i < count; ++i) {
-    text += kDigits[bytes[i] >> 4];
-    text += kDigits[bytes[i] & 15];
-  }
-  return text;
-}
-
 std::string idAmong(const unsigned char* notes, std::size_t size) {
   for (std::size_t at = 0; at + sizeof(ElfW(Nhdr)) <= size;) {
     ElfW(Nhdr) note;
     std::memcpy(&note, notes + at, sizeof note);
     const std::size_t content = at + sizeof note + aligned(note.n_namesz);
-    if (note.n_type == NT_GNU_BUILD_ID) return hexadecimal(notes + content, note.n_descsz);
+    if (note.n_type == NT_GNU_BUILD_ID) {
+      return hexadecimal({reinterpret_cast<const char*>(notes) + content, note.n_descsz});
+    }
     at = content + aligned(note.n_descsz);
   }
   return {};

@@ -6,6 +6,8 @@
 #include <sys/timex.h>
 #include <unistd.h>
 
+#include "app/seal/Hexadecimal.h"
+
 namespace corvana::app {
 namespace {
 
@@ -30,11 +32,12 @@ std::string newSessionId() {
   RAND_bytes(bytes.data(), static_cast<int>(bytes.size()));
   bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0f) | 0x40);
   bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3f) | 0x80);
+  const std::string digits =
+      hexadecimal({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
   std::string id;
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    if (i == 4 || i == 6 || i == 8 || i == 10) id += '-';
-    id += "0123456789abcdef"[bytes[i] >> 4];
-    id += "0123456789abcdef"[bytes[i] & 15];
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    if (i == 8 || i == 12 || i == 16 || i == 20) id += '-';
+    id += digits[i];
   }
   return id;
 }

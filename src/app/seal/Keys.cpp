@@ -14,6 +14,7 @@
 
 #include "app/run/Files.h"
 #include "app/seal/Base64Url.h"
+#include "app/seal/Sha256.h"
 
 namespace corvana::app {
 namespace {
@@ -46,15 +47,6 @@ tl::unexpected<platform::Fault> anotherKind(const std::string& name, const KeyPt
   return platform::failure("\"" + name + "\" holds a key of another kind (" +
                            (kind ? kind : "unknown") +
                            "): make an Ed25519 key with `videoid key new`.");
-}
-
-std::string digestOf(std::string_view bytes) {
-  std::string digest(EVP_MAX_MD_SIZE, '\0');
-  unsigned int length = 0;
-  EVP_Digest(bytes.data(), bytes.size(), reinterpret_cast<unsigned char*>(digest.data()), &length,
-             EVP_sha256(), nullptr);
-  digest.resize(length);
-  return digest;
 }
 
 Expected<KeyPtr> publicFromPem(const std::string& text, const std::string& name) {
@@ -108,7 +100,7 @@ Expected<void> writePrivateKey(const KeyPtr& key, const fs::path& file) {
 
 PublicKey::PublicKey(KeyPtr key) : key_(std::move(key)) {
   const std::string members = R"({"crv":"Ed25519","kty":"OKP","x":")" + x() + "\"}";
-  id_ = toBase64Url(digestOf(members));
+  id_ = toBase64Url(sha256BytesOf(members));
 }
 
 std::string PublicKey::x() const {

@@ -1,11 +1,13 @@
 #include "app/seal/Sha256.h"
 
-#include <array>
-
 #include <openssl/evp.h>
+
+#include "app/seal/Hexadecimal.h"
 
 namespace corvana::app {
 namespace {
+
+constexpr std::size_t kDigestBytes = 32;
 
 std::shared_ptr<EVP_MD_CTX> makeContext() {
   return {EVP_MD_CTX_new(), EVP_MD_CTX_free};
@@ -22,24 +24,22 @@ void Sha256::add(const void* bytes, std::size_t count) {
 }
 
 std::string Sha256::hexadecimal() const {
-  constexpr const char* kDigits = "0123456789abcdef";
   const auto soFar = makeContext();
   EVP_MD_CTX_copy_ex(soFar.get(), context_.get());
-  std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-  unsigned int length = 0;
-  EVP_DigestFinal_ex(soFar.get(), digest.data(), &length);
-  std::string text;
-  for (unsigned int i = 0; i < length; ++i) {
-    text += kDigits[digest[i] >> 4];
-    text += kDigits[digest[i] & 15];
-  }
-  return text;
+  std::string digest(kDigestBytes, '\0');
+  EVP_DigestFinal_ex(soFar.get(), reinterpret_cast<unsigned char*>(digest.data()), nullptr);
+  return app::hexadecimal(digest);
+}
+
+std::string sha256BytesOf(std::string_view bytes) {
+  std::string digest(kDigestBytes, '\0');
+  EVP_Digest(bytes.data(), bytes.size(), reinterpret_cast<unsigned char*>(digest.data()), nullptr,
+             EVP_sha256(), nullptr);
+  return digest;
 }
 
 std::string sha256Of(std::string_view bytes) {
-  Sha256 sum;
-  sum.add(bytes);
-  return sum.hexadecimal();
+  return hexadecimal(sha256BytesOf(bytes));
 }
 
 }  // namespace corvana::app

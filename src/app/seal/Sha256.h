@@ -9,6 +9,9 @@ struct evp_md_ctx_st;
 
 namespace corvana::app {
 
+/// The 32 bytes of some bytes' SHA-256.
+std::string sha256BytesOf(std::string_view bytes);
+
 /// A SHA-256 that grows. One thread at a time.
 class Sha256 {
  public:

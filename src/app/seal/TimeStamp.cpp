@@ -12,6 +12,7 @@
 #include <openssl/x509.h>
 
 #include "app/run/Files.h"
+#include "app/seal/Sha256.h"
 
 namespace corvana::app {
 namespace {
@@ -20,7 +21,6 @@ using platform::Expected;
 using platform::failure;
 
 constexpr std::uint64_t kMostCertificateBytes = 1 << 20;
-constexpr std::size_t kDigestBytes = 32;
 
 struct Release {
   void operator()(BIO* bio) const { BIO_free(bio); }
@@ -35,12 +35,6 @@ struct Release {
 
 template <class T>
 using Ptr = std::unique_ptr<T, Release>;
-
-std::array<unsigned char, kDigestBytes> digestOf(std::string_view bytes) {
-  std::array<unsigned char, kDigestBytes> digest{};
-  EVP_Digest(bytes.data(), bytes.size(), digest.data(), nullptr, EVP_sha256(), nullptr);
-  return digest;
-}
 
 template <class T, class Encode>
 std::string encoded(const T* object, Encode encode) {
@@ -62,13 +56,12 @@ Ptr<T> decoded(std::string_view bytes, Decode decode, Encode encode) {
 }
 
 bool isFor(TS_MSG_IMPRINT* imprint, std::string_view bytes) {
-  const auto digest = digestOf(bytes);
   const ASN1_OCTET_STRING* message = TS_MSG_IMPRINT_get_msg(imprint);
   const ASN1_OBJECT* algorithm = TS_MSG_IMPRINT_get_algo(imprint)->algorithm;
   return OBJ_obj2nid(algorithm) == NID_sha256 &&
          std::string_view(reinterpret_cast<const char*>(ASN1_STRING_get0_data(message)),
                           static_cast<std::size_t>(ASN1_STRING_length(message))) ==
-             std::string_view(reinterpret_cast<const char*>(digest.data()), digest.size());
+             sha256BytesOf(bytes);
 }
 
 Expected<void> checkStatus(TS_RESP* answer) {
@@ -144,8 +137,9 @@ std::string makeStampRequest(std::string_view bytes) {
   X509_ALGOR_set0(algorithm.get(), OBJ_nid2obj(NID_sha256), V_ASN1_NULL, nullptr);
   const Ptr<TS_MSG_IMPRINT> imprint(TS_MSG_IMPRINT_new());
   TS_MSG_IMPRINT_set_algo(imprint.get(), algorithm.get());
-  auto digest = digestOf(bytes);
-  TS_MSG_IMPRINT_set_msg(imprint.get(), digest.data(), static_cast<int>(digest.size()));
+  std::string digest = sha256BytesOf(bytes);
+  TS_MSG_IMPRINT_set_msg(imprint.get(), reinterpret_cast<unsigned char*>(digest.data()),
+                         static_cast<int>(digest.size()));
   TS_REQ_set_msg_imprint(request.get(), imprint.get());
   std::uint64_t random = 0;
   RAND_bytes(reinterpret_cast<unsigned char*>(&random), kNonceBytes);

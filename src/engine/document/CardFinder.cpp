@@ -69,10 +69,6 @@ Quad scaled(const Quad& quad, double factor, cv::Point2d offset) {
   return result;
 }
 
-double aspectError(const Quad& quad) {
-  return std::abs(std::log(quad.width() / quad.height() / kCardAspect));
-}
-
 /// The search in one picture: lines across and down, paired to outlines and judged.
 class OutlineSearch {
  public:
@@ -86,7 +82,7 @@ class OutlineSearch {
   Candidate best() const {
     Candidate best;
     forEachOutline(across_, down_, [&](const Quad& quad) {
-      if (aspectError(quad) > kMostAspectError || taper(quad) > kMostTaper) return;
+      if (quad.aspectError() > kMostAspectError || quad.taper() > kMostTaper) return;
       const double support = supportOf(quad);
       if (support == 0) return;
       const double preferred = preference(quad);
@@ -112,7 +108,7 @@ class OutlineSearch {
       const double area = quad.width() * quad.height();
       if (area <= best.area) return;
       const CutEdges cut = cutsOf(quad, picture);
-      if (cut.count() == 0 || taper(quad) > kMostCutOffTaper) return;
+      if (cut.count() == 0 || quad.taper() > kMostCutOffTaper) return;
       const CardVerdict place = cutCardPlace(quad, cut, guide_, limits);
       if (place != CardVerdict::none && isClear(quad, cut)) best = {place, area};
     });
@@ -223,8 +219,8 @@ class OutlineSearch {
     const auto center = quad.center();
     const double offset =
         std::hypot(center.x - guide_.midX(), center.y - guide_.midY()) / guide_.width;
-    return 0.20 * std::log(quad.width() / guide_.width) - 1.0 * aspectError(quad) -
-           0.25 * (taper(quad) - 1) - 0.20 * squared(offset);
+    return 0.20 * std::log(quad.width() / guide_.width) - 1.0 * quad.aspectError() -
+           0.25 * (quad.taper() - 1) - 0.20 * squared(offset);
   }
 
   EdgeMap edges_;

@@ -53,16 +53,13 @@ Print printOf(const std::vector<TextLine>& lines, int height) {
 bool completes(const Quad& whole, const Quad& part) {
   // As much as a tilt of some fifteen degrees takes from a card's height.
   constexpr double kMostTiltedAway = 0.04;
-  const auto strangeness = [](const Quad& quad) {
-    return std::abs(std::log(quad.width() / quad.height() / kCardAspect));
-  };
   const auto around = whole.bounds();
   const auto within = part.bounds();
   const double slack = 0.02 * whole.width();
   const bool liesAround =
       around.minX() < within.minX() + slack && around.minY() < within.minY() + slack &&
       around.maxX() > within.maxX() - slack && around.maxY() > within.maxY() - slack;
-  return liesAround && strangeness(whole) < strangeness(part) - kMostTiltedAway;
+  return liesAround && whole.aspectError() < part.aspectError() - kMostTiltedAway;
 }
 
 void CardLook::turn() {

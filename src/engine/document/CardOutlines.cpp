@@ -59,7 +59,7 @@ std::vector<Quad> cardOutlines(const cv::Mat& rgb, const std::vector<cv::Rotated
   const double height = rgb.rows;
   const Quad whole = lying(Quad{
       {{{-0.5, -0.5}, {width - 0.5, -0.5}, {width - 0.5, height - 0.5}, {-0.5, height - 0.5}}}});
-  if (std::abs(std::log(whole.width() / whole.height() / kCardAspect)) <= kShapeTolerance) {
+  if (whole.aspectError() <= kShapeTolerance) {
     outlines.push_back(whole);
   }
   return outlines;

@@ -21,12 +21,6 @@ CutEdges touchedEdges(const Quad& outline, const platform::CGSize& picture) {
 
 }  // namespace
 
-double taper(const Quad& outline) {
-  const double a = outline.topLength() / outline.bottomLength();
-  const double b = outline.leftLength() / outline.rightLength();
-  return std::max({a, 1 / a, b, 1 / b});
-}
-
 CardVerdict cardPlace(const Quad& outline, const platform::CGSize& picture,
                       const platform::CGRect& guide, const corvana::IDCapture::Options& limits) {
   const CutEdges touched = touchedEdges(outline, picture);
@@ -38,7 +32,7 @@ CardVerdict cardPlace(const Quad& outline, const platform::CGSize& picture,
   const double offset =
       std::max(std::abs(center.x - guide.midX()), std::abs(center.y - guide.midY()));
   const bool isTilted =
-      std::abs(outline.roll()) > limits.mostCardRoll || taper(outline) > limits.mostCardTaper;
+      std::abs(outline.roll()) > limits.mostCardRoll || outline.taper() > limits.mostCardTaper;
   if (isTilted || offset > limits.mostCardOffset * guide.width) return CardVerdict::alignRectangle;
   return CardVerdict::found;
 }

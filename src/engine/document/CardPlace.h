@@ -18,9 +18,6 @@ enum class CardVerdict {
 CardVerdict cardPlace(const Quad& outline, const platform::CGSize& picture,
                       const platform::CGRect& guide, const corvana::IDCapture::Options& limits);
 
-/// By how many times the longer of two opposite sides exceeds the other, at most.
-double taper(const Quad& outline);
-
 /// Over which edges of the picture a card reaches. Nobody sees a card's upper edge go: the face is
 /// above it.
 struct CutEdges {

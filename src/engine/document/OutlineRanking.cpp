@@ -35,11 +35,7 @@ double distance(const platform::CGPoint& a, const platform::CGPoint& b) {
 }
 
 bool hasCardsShape(const Quad& quad) {
-  if (!quad.isConvex()) return false;
-  const double a = quad.topLength() / quad.bottomLength();
-  const double b = quad.leftLength() / quad.rightLength();
-  return std::max({a, 1 / a, b, 1 / b}) <= kMostTaper &&
-         std::abs(std::log(quad.width() / quad.height() / kCardAspect)) <= kMostAspectError;
+  return quad.isConvex() && quad.taper() <= kMostTaper && quad.aspectError() <= kMostAspectError;
 }
 
 /// At each pixel the derivatives of the channel that changes most, as two channels.

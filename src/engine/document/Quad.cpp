@@ -58,6 +58,16 @@ bool Quad::isConvex() const {
   return true;
 }
 
+double Quad::taper() const {
+  const double a = topLength() / bottomLength();
+  const double b = leftLength() / rightLength();
+  return std::max({a, 1 / a, b, 1 / b});
+}
+
+double Quad::aspectError() const {
+  return std::abs(std::log(width() / height() / kCardAspect));
+}
+
 Quad upsideDown(const Quad& quad) {
   return {{quad.corners[2], quad.corners[3], quad.corners[0], quad.corners[1]}};
 }

@@ -26,6 +26,10 @@ struct Quad {
   /// The smallest upright rectangle around it.
   platform::CGRect bounds() const;
   bool isConvex() const;
+  /// By how many times the longer of two opposite sides exceeds the other, at most.
+  double taper() const;
+  /// How far the proportions are from an ID-1 card's: of their ratio's logarithm, without sign.
+  double aspectError() const;
 };
 
 /// The same outline with the card in it turned by 180°.

@@ -41,8 +41,8 @@ std::vector<RecorderEvent> LivenessEvents::take(const LivenessVerdict& verdict, 
     if (changed || isNew) events.push_back(eventOf(sign));
   }
   if (isNew) events.push_back(eventOf(verdict));
-  if (asks && !std::exchange(asked_, asks)) events.push_back({Kind::liveness, "asked", {}});
-  asked_ = asks;
+  const bool didAsk = std::exchange(asked_, asks);
+  if (asks && !didAsk) events.push_back({Kind::liveness, "asked", {}});
   return events;
 }
 
