@@ -69,6 +69,7 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
                    reporter_.hinted(words);
                    screen_.hint(words);
                  }),
+      attempts_(loop_, cardHints_),
       person_(loop_, arguments.habits),
       console_(std::cerr),
       sourceDevices_(media_),
@@ -116,9 +117,14 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
           inputs_.folder,
           arguments_.keepFailedRuns,
           screen_.size(),
+<<<<<<< HEAD
           &cardHints_,
           [this](const platform::Fault& fault) { end_.fail(fault); },
           arguments_.places};
+=======
+          &attempts_,
+          [this](const platform::Fault& fault) { end_.fail(fault); }};
+>>>>>>> main
 }
 
 void CaptureFlow::report(const FlowEvent& event) {
@@ -195,6 +201,7 @@ RunRecord CaptureFlow::run() {
                platform::FaultCause::timeLimit});
   }
   const bool succeeded = end_.outcome().has_value();
+  attempts_.finish(end_.outcome());
   events_.add("end", {{"outcome", succeeded ? "result" : "error"}});
   close();
   return makeRecord(started);
@@ -211,6 +218,7 @@ RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
                    .runs = 1 + events_.retries(),
                    .date = engine::isoDate(rules_.today),
                    .hints = card_.hints(),
+                   .attempts = attempts_.toJson(),
                    .identity = identity_,
                    .started = started,
                    .ended = readClock(),
