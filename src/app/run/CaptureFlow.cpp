@@ -117,14 +117,9 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
           inputs_.folder,
           arguments_.keepFailedRuns,
           screen_.size(),
-<<<<<<< HEAD
-          &cardHints_,
+          &attempts_,
           [this](const platform::Fault& fault) { end_.fail(fault); },
           arguments_.places};
-=======
-          &attempts_,
-          [this](const platform::Fault& fault) { end_.fail(fault); }};
->>>>>>> main
 }
 
 void CaptureFlow::report(const FlowEvent& event) {
