@@ -21,6 +21,10 @@ void addTimestampCommand(CLI::App& app, ExitCode& exitCode);
 void addDevicesCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid documents`: the kinds of documents that are known.
 void addDocumentsCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid compare`: whether two photographs show the same face.
+void addCompareCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid embed`: what the face model makes of photographs.
+void addEmbedCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid doctor`: what the machine lacks.
 void addDoctorCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid options`: every key with unit, default and meaning.

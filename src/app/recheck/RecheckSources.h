@@ -12,11 +12,13 @@ namespace corvana::app {
 /// What runs are judged by, beside their records.
 struct RecheckSources {
   /// References, or folders of them.
-  std::vector<std::filesystem::path> references;
-  std::optional<std::string> text;
-  std::vector<std::filesystem::path> textFiles;
-  std::optional<std::filesystem::path> options;    ///< in place of the record's, where it says so
-  std::optional<std::filesystem::path> documents;  ///< as that of `capture --documents`
+  std::vector<std::filesystem::path> references = {};
+  std::optional<std::string> text = {};
+  std::vector<std::filesystem::path> textFiles = {};
+  /// In place of the record's, where it says so.
+  std::optional<std::filesystem::path> options = {};
+  /// As that of `capture --documents`.
+  std::optional<std::filesystem::path> documents = {};
 };
 
 /// The reference that the record names by its sums. Where none of several is it there is nothing to

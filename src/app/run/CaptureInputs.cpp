@@ -55,15 +55,6 @@ Expected<std::string> checkText(const CaptureArguments& arguments) {
   return text;
 }
 
-Expected<void> setOptions(const std::optional<fs::path>& file) {
-  if (!file) return {};
-  const auto content = readFile(*file, kMostOptionsBytes);
-  if (!content) return tl::unexpected(content.error());
-  const auto object = parseJson(*content, file->string());
-  if (!object) return tl::unexpected(object.error());
-  return applyOptions(*object);
-}
-
 Expected<void> checkName(const char* option, const std::optional<std::string>& name) {
   if (!name) return {};
   const bool isPrintable = std::ranges::all_of(
@@ -91,6 +82,15 @@ Expected<fs::path> chooseFolder(const std::optional<fs::path>& wanted) {
 }
 
 }  // namespace
+
+Expected<void> setOptions(const std::optional<fs::path>& file) {
+  if (!file) return {};
+  const auto content = readFile(*file, kMostOptionsBytes);
+  if (!content) return tl::unexpected(content.error());
+  const auto object = parseJson(*content, file->string());
+  if (!object) return tl::unexpected(object.error());
+  return applyOptions(*object);
+}
 
 Expected<ordered_json> sumsOfReference(const fs::path& folder) {
   std::vector<fs::path> files;

@@ -26,6 +26,9 @@ struct CaptureInputs {
 /// Also sets the options of the options file. The error is one sentence.
 Expected<CaptureInputs> checkInputs(const CaptureArguments& arguments);
 
+/// Sets the options of a file, if there is one.
+Expected<void> setOptions(const std::optional<std::filesystem::path>& file);
+
 /// The SHA-256 of every file in the reference's folder.
 Expected<nlohmann::ordered_json> sumsOfReference(const std::filesystem::path& folder);
 

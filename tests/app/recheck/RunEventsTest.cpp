@@ -50,8 +50,12 @@ TEST_F(RunEventsTest, TellsOfTheLastAttemptWhatWasFoundLastInEachPhase) {
   for (const Judgement& judgement :
        app::judgementsOf(*events, {{"selfieCapture.timeOutSeconds", 8}})) {
     found.push_back(judgement.phase + " " + judgement.name + " " + judgement.word);
-    if (judgement.name == "selfieFace") EXPECT_EQ(judgement.value, 0.1);
-    if (judgement.name == "samePerson") EXPECT_EQ(judgement.passed, true);
+    if (judgement.name == "selfieFace") {
+      EXPECT_EQ(judgement.value, 0.1);
+    }
+    if (judgement.name == "samePerson") {
+      EXPECT_EQ(judgement.passed, true);
+    }
     if (judgement.name != "time" || judgement.phase != "selfieCapture") continue;
     EXPECT_EQ(judgement.value, 2);
     EXPECT_EQ(judgement.limit, 8);
