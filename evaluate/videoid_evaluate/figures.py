@@ -148,6 +148,15 @@ def refusals(ended: Ended) -> list[tuple[str, str, int]]:
     return [(reason, stage, count) for (reason, stage), count in sorted(counts.items(), key=lambda item: (-item[1], item[0]))]
 
 
+def surprises(ended: Ended) -> list[str]:
+    """The films of sessions that ended otherwise than the manifest expects."""
+    return [
+        f"{session.film}: expected to be {session.expected}"
+        for session, outcome in ended
+        if session.expected and outcome.accepted != (session.expected == "accepted")
+    ]
+
+
 def times(ended: Ended) -> dict[str, tuple[float, float, float]]:
     """For each mode of genuine sessions: seconds until it began, as 5 %, median and 95 %; and the whole under "end"."""
     seconds: dict[str, list[float]] = collections.defaultdict(list)
