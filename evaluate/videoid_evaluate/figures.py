@@ -35,9 +35,9 @@ class Kind:
 
 KINDS = (
     Kind("selfieFace", "live face against the card's photo", "person", "videoCapture.idToSelfieMatchThreshold", True),
-    Kind("frontFace", "photo of the card shown against the earlier one", "card", "videoCapture.idToIdPhotoMatchThreshold", True),
-    Kind("frontText", "text of the front against the earlier one", "card", "videoCapture.frontLevenshteinThreshold", True),
-    Kind("backText", "text of the back against the earlier one", "card", "videoCapture.backLevenshteinThreshold", True),
+    Kind("frontFace", "photo of the card shown against the earlier one", "front", "videoCapture.idToIdPhotoMatchThreshold", True),
+    Kind("frontText", "text of the front against the earlier one", "front", "videoCapture.frontLevenshteinThreshold", True),
+    Kind("backText", "text of the back against the earlier one", "back", "videoCapture.backLevenshteinThreshold", True),
     Kind("spokenWords", "words heard of the text", "text", "videoCapture.readTextWordMatchThreshold", False),
 )
 

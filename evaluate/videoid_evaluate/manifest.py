@@ -10,7 +10,7 @@ import pandas
 from videoid_evaluate.complaint import Complaint
 
 GENUINE = "genuine"
-ASPECTS = ("person", "card", "text")
+ASPECTS = ("person", "front", "back", "text")
 NEEDED = ("film", "reference", "text", "label", "person")
 ENDS = ("", "accepted", "refused")
 KNOWN = (*NEEDED, "owner", "differs", "expected")
@@ -30,7 +30,7 @@ class Session:
     owner: str
     """Whose card the reference is."""
     differs: tuple[str, ...]
-    """What is not that of the reference: the person, the card, the text."""
+    """What is not that of the reference: the person, the front, the back, the text."""
     expected: str
     """`accepted` or `refused` where somebody knows how it has to end, else empty."""
     cohorts: tuple[tuple[str, str], ...]
