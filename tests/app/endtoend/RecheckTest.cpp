@@ -102,7 +102,7 @@ TEST(Recheck, AgreesWithTheRecordsOfFailedSessionsOneAfterTheOther) {
     const ProgramRun captured =
         runVideoid({"capture", "--reference", session.reference, "--text-file", session.text,
                     "--camera", session.camera, "--options", SAMPLES "/short-options.json",
-                    "--keep", "--output", scratch / "runs/" + script});
+                    "--keep", "--output", scratch / ("runs/" + std::string(script))});
     ASSERT_EQ(captured.exitCode, 1) << captured.errors;
   }
   fs::create_directories(scratch / "runs/broken");
