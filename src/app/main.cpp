@@ -31,6 +31,7 @@ int run(int argc, char** argv) {
   app::addScreensCommand(program, exitCode);
   app::addKeyCommand(program, exitCode);
   app::addVerifyCommand(program, exitCode);
+  app::addReportCommand(program, exitCode);
   app::addTimestampCommand(program, exitCode);
   app::addDevicesCommand(program, exitCode);
   app::addDocumentsCommand(program, exitCode);

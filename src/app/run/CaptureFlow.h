@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "app/report/EvidenceWatch.h"
 #include "app/run/CardHints.h"
 #include "app/run/CardWatch.h"
 #include "app/run/EventLog.h"
@@ -37,6 +38,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
  private:
   engine::EngineHost::Setup hostSetup();
   std::optional<RunSeal> makeSeal();
+  std::shared_ptr<corvana::SpeechRecognizer> makeRecognizer();
   void start();
   void watchWorld();
   /// What has ended by itself or by a signal.
@@ -51,7 +53,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   RunRecord makeRecord(std::optional<ClockReading> started) const;
   std::optional<ClockReading> readClock() const;
   void report(const devices::FlowEvent& event);
-  void decided(const corvana::Decision& decision) override { events_.decided(decision); }
+  void decided(const corvana::Decision& decision) override;
   void prompted(corvana::PromptPlace place, corvana::PromptType type) override {
     reporter_.prompted(place, type);
   }
@@ -73,6 +75,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   CardWatch card_;
   devices::FlowReporter reporter_;
   CardHints cardHints_;
+  std::optional<EvidenceWatch> evidence_;  ///< where it is kept
   devices::HeadlessPerson person_;
   devices::StreamConsole console_;
   devices::NoSettingsApplication application_;
