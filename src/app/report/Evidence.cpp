@@ -1,5 +1,9 @@
 #include "app/report/Evidence.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
 #include <nlohmann/json.hpp>
 
 #include "app/run/Files.h"
@@ -43,10 +47,23 @@ ordered_json sideToJson(const DetectedData& side) {
   return object;
 }
 
-ordered_json sidesToJson(const DetectedData& reference, const std::optional<DetectedData>& shown) {
-  ordered_json object{{"reference", sideToJson(reference)}};
-  if (shown) object["shown"] = sideToJson(*shown);
-  return object;
+ordered_json sidesToJson(const DetectedData& shown, const DetectedData& reference) {
+  return {{"shown", sideToJson(shown)}, {"reference", sideToJson(reference)}};
+}
+
+/// Without the columns that don't fill a block of eight, as the encoder would fill it with whatever
+/// lies in memory: the same run gives the same bytes.
+platform::PixelBuffer inWholeBlocks(const platform::PixelBuffer& image) {
+  constexpr int kBlock = 8;
+  constexpr int kBytes = 3;
+  const int width = image.width() / kBlock * kBlock;
+  if (width == 0 || image.format() != platform::PixelFormat::rgb24) return image;
+  std::vector<std::uint8_t> bytes;
+  for (int row = 0; row < image.height(); ++row) {
+    const auto* begin = image.plane(0) + static_cast<std::ptrdiff_t>(row) * image.stride(0);
+    bytes.insert(bytes.end(), begin, begin + static_cast<std::ptrdiff_t>(width) * kBytes);
+  }
+  return {width, image.height(), image.format(), std::move(bytes)};
 }
 
 /// One picture after another; what follows a fault is left out.
@@ -57,7 +74,8 @@ class PictureFolder {
   /// The file's name, or null where there is no picture.
   ordered_json save(const UIImageRef& image, const char* name) {
     if (fault_ || !image || !image->pixels()) return nullptr;
-    const auto written = devices::writeJpeg(folder_ / name, *image->pixels(), kQuality);
+    const auto written =
+        devices::writeJpeg(folder_ / name, inWholeBlocks(*image->pixels()), kQuality);
     if (!written) fault_ = written.error();
     return name;
   }
@@ -72,25 +90,28 @@ class PictureFolder {
   std::optional<platform::Fault> fault_;
 };
 
-void addPair(ordered_json& pictures, const char* decision, const ordered_json& shown,
-             const ordered_json& reference) {
-  if (shown.is_null() && reference.is_null()) return;
-  pictures[decision] = {{"shown", shown}, {"reference", reference}};
-}
-
+/// Of the card captured earlier only what was set against something is kept.
 ordered_json savePictures(const Evidence& evidence, PictureFolder& folder) {
   const Reference& reference = evidence.reference;
-  const auto faceOf = [](const auto& data) { return data ? data->faceImage : nullptr; };
-  const auto cardOf = [](const auto& data) { return data ? data->image : nullptr; };
   auto pictures = ordered_json::object();
-  const auto face = folder.save(reference.front.faceImage, kReferenceFace);
-  addPair(pictures, "selfieFace", folder.save(faceOf(evidence.selfie), kSelfieFace), face);
-  addPair(pictures, "frontFace", folder.save(faceOf(evidence.front), kFrontFace), face);
-  addPair(pictures, "frontText", folder.save(cardOf(evidence.front), kFront),
-          folder.save(reference.front.image, kReferenceFront));
-  const char* backDecision = reference.back && reference.back->mrz ? "backMrz" : "backText";
-  addPair(pictures, backDecision, folder.save(cardOf(evidence.back), kBack),
-          folder.save(cardOf(reference.back), kReferenceBack));
+  const auto add = [&](const char* decision, const ordered_json& shown,
+                       const ordered_json& earlier) {
+    pictures[decision] = {{"shown", shown}, {"reference", earlier}};
+  };
+  if (evidence.selfie) {
+    add("selfieFace", folder.save(evidence.selfie->faceImage, kSelfieFace),
+        folder.save(reference.front.faceImage, kReferenceFace));
+  }
+  if (evidence.front) {
+    add("frontFace", folder.save(evidence.front->faceImage, kFrontFace),
+        folder.save(reference.front.faceImage, kReferenceFace));
+    add("frontText", folder.save(evidence.front->image, kFront),
+        folder.save(reference.front.image, kReferenceFront));
+  }
+  if (evidence.back && reference.back) {
+    add(reference.back->mrz ? "backMrz" : "backText", folder.save(evidence.back->image, kBack),
+        folder.save(reference.back->image, kReferenceBack));
+  }
   return pictures;
 }
 
@@ -113,9 +134,10 @@ platform::Expected<void> writeEvidence(const Evidence& evidence, const fs::path&
                       {"text", evidence.text},
                       {"heard", evidence.heard},
                       {"spoken", spokenToJson(evidence.spoken)}};
-  object["front"] = sidesToJson(evidence.reference.front, evidence.front);
-  if (evidence.reference.back) {
-    object["back"] = sidesToJson(*evidence.reference.back, evidence.back);
+  const Reference& reference = evidence.reference;
+  if (evidence.front) object["front"] = sidesToJson(*evidence.front, reference.front);
+  if (evidence.back && reference.back) {
+    object["back"] = sidesToJson(*evidence.back, *reference.back);
   }
   PictureFolder pictures(folder);
   object["pictures"] = savePictures(evidence, pictures);

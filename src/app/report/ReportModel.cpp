@@ -42,6 +42,7 @@ class ReportModel {
     addList(model, "fields", fieldsModel(run_, course_, words_));
     model["liveness"] = liveness();
     addList(model, "signs", signs());
+    addList(model, "attempts", attempts());
     model["quality"] = quality();
     model["facts"] = facts();
     model["findings"] = findings();
@@ -153,6 +154,33 @@ class ReportModel {
                       {"seen", words_.of(flagIn(*sign, "seen").value_or(false) ? "yes" : "no")}});
     }
     return list;
+  }
+
+  /// Earlier records have none.
+  json attempts() const {
+    json list = json::array();
+    const auto timeAt = [](const json& attempt, const char* key) {
+      return clockTime(std::clamp(numberIn(attempt, key).value_or(0), 0.0, 1e6));
+    };
+    for (const json& attempt : memberIn(run_.result, "attempts")) {
+      const std::string reason = textIn(attempt, "reason").value_or("");
+      const bool accepted = reason == "accepted";
+      const auto told = textIn(attempt, "issue");
+      list.push_back({{"run", countOf(attempt, "run")},
+                      {"phase", words_.name("phase", textIn(attempt, "phase").value_or(""))},
+                      {"from", timeAt(attempt, "from")},
+                      {"to", timeAt(attempt, "to")},
+                      {"reason", reasonWords(reason) + (told ? ": " + *told : "")},
+                      {"sign", accepted ? "✓" : "✗"},
+                      {"tone", accepted ? "good" : "bad"}});
+    }
+    return list;
+  }
+
+  /// What ended the flow ended the attempt that was under way as well.
+  std::string reasonWords(const std::string& reason) const {
+    const std::string words = words_.name("reason", reason);
+    return words == reason ? words_.name("cause", reason, {{"message", reason}}) : words;
   }
 
   json fact(const char* label, const std::string& value) const {

@@ -68,8 +68,9 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
                    reporter_.hinted(words);
                    screen_.hint(words);
                  }),
+      attempts_(loop_, cardHints_),
       evidence_(arguments.keepsEvidence
-                    ? std::make_optional<EvidenceWatch>(cardHints_, inputs_.reference, inputs_.text)
+                    ? std::make_optional<EvidenceWatch>(attempts_, inputs_.reference, inputs_.text)
                     : std::nullopt),
       person_(loop_, arguments.habits),
       console_(std::cerr),
@@ -109,7 +110,7 @@ std::shared_ptr<corvana::SpeechRecognizer> CaptureFlow::makeRecognizer() {
 
 engine::EngineHost::Setup CaptureFlow::hostSetup() {
   engine::RecorderObserver& observer =
-      evidence_ ? static_cast<engine::RecorderObserver&>(*evidence_) : cardHints_;
+      evidence_ ? static_cast<engine::RecorderObserver&>(*evidence_) : attempts_;
   return {loop_,
           world_.notificationCenter(),
           mediaDevices_,
@@ -130,6 +131,7 @@ void CaptureFlow::report(const FlowEvent& event) {
 
 void CaptureFlow::decided(const corvana::Decision& decision) {
   if (evidence_) evidence_->decided(decision);
+  attempts_.decided(decision);
   events_.decided(decision);
 }
 
@@ -202,6 +204,7 @@ RunRecord CaptureFlow::run() {
                platform::FaultCause::timeLimit});
   }
   const bool succeeded = end_.outcome().has_value();
+  attempts_.finish(end_.outcome());
   events_.add("end", {{"outcome", succeeded ? "result" : "error"}});
   close();
   return makeRecord(started);
@@ -218,6 +221,7 @@ RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
                    .runs = 1 + events_.retries(),
                    .date = engine::isoDate(rules_.today),
                    .hints = card_.hints(),
+                   .attempts = attempts_.toJson(),
                    .identity = identity_,
                    .started = started,
                    .ended = readClock(),

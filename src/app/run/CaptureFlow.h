@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/report/EvidenceWatch.h"
+#include "app/run/AttemptLog.h"
 #include "app/run/CardHints.h"
 #include "app/run/CardWatch.h"
 #include "app/run/EventLog.h"
@@ -75,6 +76,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   CardWatch card_;
   devices::FlowReporter reporter_;
   CardHints cardHints_;
+  AttemptLog attempts_;
   std::optional<EvidenceWatch> evidence_;  ///< where it is kept
   devices::HeadlessPerson person_;
   devices::StreamConsole console_;

@@ -66,6 +66,7 @@ ordered_json recordToJson(const RunRecord& record) {
   object.update(outcomeToJson(record));
   object.update(devicesToJson(record.devices));
   object["recording"] = recordingToJson(record);
+  object["attempts"] = record.attempts;
   object["date"] = record.date;
   object["hints"] = hintsToJson(record.hints);
   object["options"] = currentOptions();
