@@ -109,6 +109,16 @@ def test_a_session_that_can_not_be_run_is_told_and_tried_again(folder: Folder, c
     assert len(folder.shown) == 3
 
 
+def test_an_end_that_was_not_expected_is_told(folder: Folder, capsys: pytest.CaptureFixture[str]) -> None:
+    few(folder)
+    table = [[*HEAD, "expected"], *([*row, "accepted"] for row in folder.rows[:2])]
+    with (folder.path / "m.csv").open("w", newline="", encoding="utf-8") as file:
+        csv.writer(file).writerows(table)
+    assert main([str(folder.path / "m.csv"), "--output", str(folder.out), "--program", STAND_IN, "--workers", "1"]) == 1
+    assert "film1.json: expected to be accepted" in capsys.readouterr().err
+    assert len(folder.summary["notAsExpected"]) == 1
+
+
 def test_too_few_impostors_suggest_nothing(folder: Folder, capsys: pytest.CaptureFixture[str]) -> None:
     few(folder)
     assert folder.evaluate("--suggest", "far=1e-3") == 0
@@ -136,6 +146,7 @@ def test_a_suggestion_is_chosen_on_one_half_and_tried_on_the_other(folder: Folde
         ("film,reference,text,label,person\nf,r,t,genuine,\n", "has no person"),
         ("film,reference,text,label,person,differs\nf,r,t,x,ann,hat\n", "differs in 'hat'"),
         ("film,reference,text,label,person,owner\nf,r,t,x,ann,bob\n", "exactly where"),
+        ("film,reference,text,label,person,expected\nf,r,t,genuine,ann,yes\n", "is expected 'yes'"),
         ("film,reference,text,label,person\nf,r,t,genuine,ann\n", "f is not there"),
     ],
 )

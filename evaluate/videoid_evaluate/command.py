@@ -51,7 +51,7 @@ def _evaluate(arguments: argparse.Namespace) -> int:
             suggestion, told = evaluation.suggested(client, shown, used, store, wish)
     evaluation.report(arguments.output, shown, used, suggestion, told)
     _say(shown, suggestion, arguments.output)
-    return 1 if shown.faults else 0
+    return 1 if shown.faults or figures.surprises(shown.ended) else 0
 
 
 def _say(shown: evaluation.Shown, suggestion: suggest.Suggestion | None, folder: pathlib.Path) -> None:
@@ -64,6 +64,8 @@ def _say(shown: evaluation.Shown, suggestion: suggest.Suggestion | None, folder:
             print(f"no threshold is suggested: {suggestion.why_not}")
         else:
             print(f"suggested: {suggestion.wish.kind.option} = {suggestion.threshold}")
+    for surprise in figures.surprises(shown.ended):
+        print(f"not as expected: {surprise}", file=sys.stderr)
     for fault in shown.faults:
         print(f"not run: {fault}", file=sys.stderr)
     print(f"figures: {folder / 'report.html'}, summary.json, scores.csv")

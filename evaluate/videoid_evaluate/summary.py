@@ -14,6 +14,7 @@ def of(ended: Ended, program: Program, faults: list[str]) -> Json:
         "program": {"sha256": program.sha256, "options": program.options, "date": program.date},
         "sessions": len(ended),
         "notRun": sorted(faults),
+        "notAsExpected": figures.surprises(ended),
         "session": _rates(ended),
         "comparison": _comparisons(ended),
         "refusals": [{"reason": r, "stage": s, "count": n} for r, s, n in figures.refusals(ended)],
