@@ -168,6 +168,22 @@ def test_a_table_of_sqlite_is_read_as_one_of_csv(folder: Folder) -> None:
     assert folder.summary == before
 
 
+def test_photographs_are_compared_each_with_every_other_one(tmp_path: pathlib.Path, capsys: pytest.CaptureFixture[str]) -> None:
+    people = {"ann": [[0, 0], [0.3, 0], [0, 0.6]], "bob": [[0.4, 0], []], "cem": [[5, 5]]}
+    for person, photographs in people.items():
+        (tmp_path / "photos" / person).mkdir(parents=True)
+        for number, numbers in enumerate(photographs):
+            (tmp_path / "photos" / person / f"{number}.jpg").write_text(json.dumps(numbers))
+    assert main([str(tmp_path / "photos"), "--output", str(tmp_path / "out"), "--program", STAND_IN]) == 0
+    summary = json.loads((tmp_path / "out" / "summary.json").read_text())
+    assert (summary["falseNonMatch"]["errors"], summary["falseNonMatch"]["trials"]) == (2, 3)
+    assert (summary["falseMatch"]["errors"], summary["falseMatch"]["trials"]) == (2, 7)
+    assert (summary["failureToAcquire"]["errors"], summary["failureToAcquire"]["trials"]) == (1, 6)
+    assert "bob/1.jpg" in (tmp_path / "out" / "report.html").read_text()
+    assert main([str(tmp_path / "photos" / "ann"), "--output", str(tmp_path / "out"), "--program", STAND_IN]) == 2
+    assert "fewer than two persons" in capsys.readouterr().err
+
+
 @pytest.mark.parametrize("address", ["tcp://10.0.0.7:8786", "tls://host:1", "http://localhost", "nonsense"])
 def test_films_do_not_leave_the_machine_in_the_clear(address: str) -> None:
     with pytest.raises(Complaint):
