@@ -169,6 +169,9 @@ void addCaptureOptions(CLI::App& command, CaptureArguments& arguments) {
           "film of that length, three times")
       ->check(CLI::Range(1.0, 7200.0).description(""));
   command.add_flag("--keep", arguments.keep, "keep the folder of a cancelled run, too");
+  command.add_flag(
+      "!--no-evidence", arguments.keepsEvidence,
+      "keep no words and pictures of what was compared; `videoid report` then lacks them");
   command.add_flag("--keep-failed-runs", arguments.keepFailedRuns,
                    "keep the films of runs that were retried, as film.run1.mp4 and so on");
 }

@@ -41,6 +41,7 @@ struct CaptureArguments {
   bool personIsVirtual = true;
   double maxDurationSeconds = kUsualLimitSeconds;
   bool keep = false;            ///< the folder also of a cancelled run
+  bool keepsEvidence = true;    ///< what was compared, for a reviewer
   bool keepFailedRuns = false;  ///< the films of runs that were retried
   /// False: films are only counted, as there is one already.
   bool recordsFilms = true;

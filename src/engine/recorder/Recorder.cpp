@@ -281,6 +281,7 @@ void Recorder::report(const SelfieCaptureState& state) {
   note(eventOf(state));
   if (const auto* success = std::get_if<SelfieCaptureState::Success>(&state.value)) {
     selfieFace_ = success->selfie.faceImage;
+    if (setup_.observer) setup_.observer->selfieTaken(success->selfie);
   }
   if (const auto delegate = delegate_.lock()) delegate->update(state);
 }
