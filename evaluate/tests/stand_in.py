@@ -2,11 +2,21 @@
 """Stands in for videoid: the film's text says what comes of it, with a value for each comparison of faces.
 
 A film is JSON: {"faces": [0.3, 0.5], "dies": false}. Each showing leaves a line in the file that SHOWN names.
+A photograph is a JSON list of the numbers that the network would make of it, or empty for one without a face.
 """
 import json
 import os
 import pathlib
 import sys
+
+if sys.argv[1] == "options":
+    print(json.dumps([{"key": "videoCapture.idToSelfieMatchThreshold", "default": 0.44}]))
+    sys.exit(0)
+if sys.argv[1] == "embed":
+    for photo in sorted(pathlib.Path(sys.argv[2]).iterdir()):
+        numbers = json.loads(photo.read_text())
+        print(json.dumps({"file": photo.name, **({"embedding": numbers} if numbers else {"error": "No face was found."})}))
+    sys.exit(0)
 
 arguments = dict(zip(sys.argv[2::1], sys.argv[3::1]))
 film = json.loads(pathlib.Path(arguments["--camera"]).read_text())

@@ -109,6 +109,16 @@ def test_a_session_that_can_not_be_run_is_told_and_tried_again(folder: Folder, c
     assert len(folder.shown) == 3
 
 
+def test_an_end_that_was_not_expected_is_told(folder: Folder, capsys: pytest.CaptureFixture[str]) -> None:
+    few(folder)
+    table = [[*HEAD, "expected"], *([*row, "accepted"] for row in folder.rows[:2])]
+    with (folder.path / "m.csv").open("w", newline="", encoding="utf-8") as file:
+        csv.writer(file).writerows(table)
+    assert main([str(folder.path / "m.csv"), "--output", str(folder.out), "--program", STAND_IN, "--workers", "1"]) == 1
+    assert "film1.json: expected to be accepted" in capsys.readouterr().err
+    assert len(folder.summary["notAsExpected"]) == 1
+
+
 def test_too_few_impostors_suggest_nothing(folder: Folder, capsys: pytest.CaptureFixture[str]) -> None:
     few(folder)
     assert folder.evaluate("--suggest", "far=1e-3") == 0
@@ -136,6 +146,7 @@ def test_a_suggestion_is_chosen_on_one_half_and_tried_on_the_other(folder: Folde
         ("film,reference,text,label,person\nf,r,t,genuine,\n", "has no person"),
         ("film,reference,text,label,person,differs\nf,r,t,x,ann,hat\n", "differs in 'hat'"),
         ("film,reference,text,label,person,owner\nf,r,t,x,ann,bob\n", "exactly where"),
+        ("film,reference,text,label,person,expected\nf,r,t,genuine,ann,yes\n", "is expected 'yes'"),
         ("film,reference,text,label,person\nf,r,t,genuine,ann\n", "f is not there"),
     ],
 )
@@ -155,6 +166,22 @@ def test_a_table_of_sqlite_is_read_as_one_of_csv(folder: Folder) -> None:
         base.executemany(f"INSERT INTO sessions VALUES ({', '.join('?' * len(HEAD))})", folder.rows)
     assert main([str(folder.path / "sessions.db"), "--output", str(folder.out), "--program", STAND_IN, "--workers", "1"]) == 0
     assert folder.summary == before
+
+
+def test_photographs_are_compared_each_with_every_other_one(tmp_path: pathlib.Path, capsys: pytest.CaptureFixture[str]) -> None:
+    people = {"ann": [[0, 0], [0.3, 0], [0, 0.6]], "bob": [[0.4, 0], []], "cem": [[5, 5]]}
+    for person, photographs in people.items():
+        (tmp_path / "photos" / person).mkdir(parents=True)
+        for number, numbers in enumerate(photographs):
+            (tmp_path / "photos" / person / f"{number}.jpg").write_text(json.dumps(numbers))
+    assert main([str(tmp_path / "photos"), "--output", str(tmp_path / "out"), "--program", STAND_IN]) == 0
+    summary = json.loads((tmp_path / "out" / "summary.json").read_text())
+    assert (summary["falseNonMatch"]["errors"], summary["falseNonMatch"]["trials"]) == (2, 3)
+    assert (summary["falseMatch"]["errors"], summary["falseMatch"]["trials"]) == (2, 7)
+    assert (summary["failureToAcquire"]["errors"], summary["failureToAcquire"]["trials"]) == (1, 6)
+    assert "bob/1.jpg" in (tmp_path / "out" / "report.html").read_text()
+    assert main([str(tmp_path / "photos" / "ann"), "--output", str(tmp_path / "out"), "--program", STAND_IN]) == 2
+    assert "fewer than two persons" in capsys.readouterr().err
 
 
 @pytest.mark.parametrize("address", ["tcp://10.0.0.7:8786", "tls://host:1", "http://localhost", "nonsense"])

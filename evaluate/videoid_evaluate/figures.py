@@ -35,9 +35,9 @@ class Kind:
 
 KINDS = (
     Kind("selfieFace", "live face against the card's photo", "person", "videoCapture.idToSelfieMatchThreshold", True),
-    Kind("frontFace", "photo of the card shown against the earlier one", "card", "videoCapture.idToIdPhotoMatchThreshold", True),
-    Kind("frontText", "text of the front against the earlier one", "card", "videoCapture.frontLevenshteinThreshold", True),
-    Kind("backText", "text of the back against the earlier one", "card", "videoCapture.backLevenshteinThreshold", True),
+    Kind("frontFace", "photo of the card shown against the earlier one", "front", "videoCapture.idToIdPhotoMatchThreshold", True),
+    Kind("frontText", "text of the front against the earlier one", "front", "videoCapture.frontLevenshteinThreshold", True),
+    Kind("backText", "text of the back against the earlier one", "back", "videoCapture.backLevenshteinThreshold", True),
     Kind("spokenWords", "words heard of the text", "text", "videoCapture.readTextWordMatchThreshold", False),
 )
 
@@ -146,6 +146,15 @@ def refusals(ended: Ended) -> list[tuple[str, str, int]]:
             failed = [one.name for one in outcome.decisions if not one.passed]
             counts[(outcome.reason, f"{stage}, {failed[-1]} failed" if failed else stage)] += 1
     return [(reason, stage, count) for (reason, stage), count in sorted(counts.items(), key=lambda item: (-item[1], item[0]))]
+
+
+def surprises(ended: Ended) -> list[str]:
+    """The films of sessions that ended otherwise than the manifest expects."""
+    return [
+        f"{session.film}: expected to be {session.expected}"
+        for session, outcome in ended
+        if session.expected and outcome.accepted != (session.expected == "accepted")
+    ]
 
 
 def times(ended: Ended) -> dict[str, tuple[float, float, float]]:

@@ -10,9 +10,10 @@ import pandas
 from videoid_evaluate.complaint import Complaint
 
 GENUINE = "genuine"
-ASPECTS = ("person", "card", "text")
+ASPECTS = ("person", "front", "back", "text")
 NEEDED = ("film", "reference", "text", "label", "person")
-KNOWN = (*NEEDED, "owner", "differs")
+ENDS = ("", "accepted", "refused")
+KNOWN = (*NEEDED, "owner", "differs", "expected")
 
 
 @dataclasses.dataclass(frozen=True)
@@ -29,7 +30,9 @@ class Session:
     owner: str
     """Whose card the reference is."""
     differs: tuple[str, ...]
-    """What is not that of the reference: the person, the card, the text."""
+    """What is not that of the reference: the person, the front, the back, the text."""
+    expected: str
+    """`accepted` or `refused` where somebody knows how it has to end, else empty."""
     cohorts: tuple[tuple[str, str], ...]
 
     @property
@@ -76,6 +79,9 @@ def _session(manifest: pathlib.Path, number: int, row: dict[str, str], cohorts: 
         raise Complaint(f"session {number} of {manifest} differs in '{strange[0]}': choose from {', '.join(ASPECTS)}.")
     if row["label"] == GENUINE and differs:
         raise Complaint(f"session {number} of {manifest} is genuine and differs in '{differs[0]}': name its attack.")
+    expected = str(row.get("expected", ""))
+    if expected not in ENDS:
+        raise Complaint(f"session {number} of {manifest} is expected '{expected}': write accepted, refused or nothing.")
     person, owner = row["person"], row.get("owner") or row["person"]
     if ("person" in differs) != (person != owner):
         raise Complaint(
@@ -89,6 +95,7 @@ def _session(manifest: pathlib.Path, number: int, row: dict[str, str], cohorts: 
         person=person,
         owner=owner,
         differs=differs,
+        expected=expected,
         cohorts=tuple((name, str(row[name])) for name in cohorts),
     )
 

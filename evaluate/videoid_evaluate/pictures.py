@@ -43,7 +43,7 @@ def trade_off(points: Sequence[tuple[float, float, float]], now: tuple[float, fl
     if now is not None:
         axes.plot(*(_deviate([one]) for one in now), "o", color=OTHER, label="at the threshold in use")
         axes.legend(frameon=False)
-    ticks = [1e-4, 1e-3, 1e-2, 0.1, 0.3, 0.6, 0.9]
+    ticks = [1e-4, 1e-2, 0.1, 0.5, 0.9]
     for axis, name in ((axes.xaxis, "false match rate"), (axes.yaxis, "false non-match rate")):
         axis.set_ticks(_deviate(ticks), [f"{100 * one:g} %" for one in ticks])
         axis.set_label_text(name)

@@ -19,6 +19,8 @@ from scipy import stats
 TAIL = 0.025
 """What each of two limits leaves out; a limit that stands alone may leave out twice as much."""
 REPLICATES = 2000
+FEW = 5
+"""Below so many persons with an error the draws hardly differ, whatever the truth is."""
 SEED = 1  # the same data give the same limits
 _CHUNK = 100
 
@@ -63,7 +65,8 @@ def of_persons(failed: Sequence[bool], persons: Sequence[str], tail: float = TAI
     errors = np.bincount(numbers, weights=wrong).astype(np.int64)
     if trials.max() == 1:
         return _independent(int(wrong.sum()), len(wrong), tail)
-    return _dependent(wrong, len(trials), len(trials), tail, _redrawn_persons(errors, trials))
+    counts = _Independent(persons=len(trials), trials=len(trials), erring=int((errors > 0).sum()))
+    return _dependent(wrong, counts, tail, _redrawn_persons(errors, trials))
 
 
 def of_pairs(failed: Sequence[bool], first: Sequence[str], second: Sequence[str], tail: float = TAIL) -> Rate:
@@ -76,8 +79,12 @@ def of_pairs(failed: Sequence[bool], first: Sequence[str], second: Sequence[str]
     persons = int(numbers.max()) + 1
     if persons == 2 * len(wrong):
         return _independent(int(wrong.sum()), len(wrong), tail)
-    disjoint = _disjoint_pairs(one, other, persons)
-    return _dependent(wrong, persons, disjoint, tail, _redrawn_pairs(wrong, one, other, persons))
+    counts = _Independent(
+        persons=persons,
+        trials=_disjoint_pairs(one, other, persons),
+        erring=_disjoint_pairs(one[wrong], other[wrong], persons),
+    )
+    return _dependent(wrong, counts, tail, _redrawn_pairs(wrong, one, other, persons))
 
 
 def _numbered(names: Sequence[str]) -> Integers:
@@ -89,17 +96,25 @@ def _independent(errors: int, trials: int, tail: float) -> Rate:
     return Rate(errors, trials, trials, *clopper_pearson(errors, trials, tail), "Clopper-Pearson")
 
 
-def _dependent(wrong: NDArray[np.bool_], persons: int, independent: int, tail: float, redrawn: Floats) -> Rate:
+@dataclasses.dataclass(frozen=True)
+class _Independent:
+    """What is independent among trials: persons, trials without a common person, and such ones that failed."""
+
+    persons: int
+    trials: int
+    erring: int
+
+
+def _dependent(wrong: NDArray[np.bool_], counts: _Independent, tail: float, redrawn: Floats) -> Rate:
     errors, trials = int(wrong.sum()), len(wrong)
-    none = clopper_pearson(0, independent, tail)
-    every = clopper_pearson(independent, independent, tail)
     if errors in (0, trials):
-        limits = none if errors == 0 else every
-        return Rate(errors, trials, independent, *limits, "Clopper-Pearson over independent persons")
-    worth = _worth(errors / trials, trials, persons, redrawn)
+        limits = clopper_pearson(0 if errors == 0 else counts.trials, counts.trials, tail)
+        return Rate(errors, trials, counts.trials, *limits, "Clopper-Pearson over independent persons")
+    worth = _worth(errors / trials, trials, counts.persons, redrawn)
     lower, upper = clopper_pearson(errors / trials * worth, worth, tail)
-    # An error more makes nobody surer than none at all would.
-    return Rate(errors, trials, independent, min(lower, every[0]), max(upper, none[1]), "bootstrap over persons")
+    if counts.erring < FEW:  # a first error makes nobody surer than none at all would
+        upper = max(upper, clopper_pearson(counts.erring, counts.trials, tail)[1])
+    return Rate(errors, trials, counts.trials, lower, upper, "bootstrap over persons")
 
 
 def _worth(share: float, trials: int, persons: int, shares: Floats) -> float:

@@ -1,8 +1,9 @@
 """All figures of an evaluation as one JSON value."""
 from __future__ import annotations
 
-from videoid_evaluate import figures
-from videoid_evaluate.figures import Ended
+from videoid_evaluate import faces, figures
+from videoid_evaluate.faces import Photographs
+from videoid_evaluate.figures import Comparisons, Ended
 from videoid_evaluate.program import Program
 
 Json = dict[str, object]
@@ -14,6 +15,7 @@ def of(ended: Ended, program: Program, faults: list[str]) -> Json:
         "program": {"sha256": program.sha256, "options": program.options, "date": program.date},
         "sessions": len(ended),
         "notRun": sorted(faults),
+        "notAsExpected": figures.surprises(ended),
         "session": _rates(ended),
         "comparison": _comparisons(ended),
         "refusals": [{"reason": r, "stage": s, "count": n} for r, s, n in figures.refusals(ended)],
@@ -22,6 +24,19 @@ def of(ended: Ended, program: Program, faults: list[str]) -> Json:
             column: {value: _rates(part) for value, part in values.items()}
             for column, values in figures.by_cohort(ended).items()
         },
+    }
+
+
+def of_faces(photographs: Photographs, found: Comparisons, program: Program) -> Json:
+    return {
+        "program": {"sha256": program.sha256, "options": program.options},
+        "photographs": len(photographs.persons),
+        "persons": len(set(photographs.persons)),
+        "refused": list(photographs.refused),
+        "failureToAcquire": faces.failures(photographs).as_json(),
+        "threshold": found.threshold,
+        "falseNonMatch": found.false_non_match.as_json(),
+        "falseMatch": found.false_match.as_json(),
     }
 
 
