@@ -22,7 +22,7 @@ using UserInfo = std::map<std::string, std::any>;
 
 namespace {
 
-// What this host does not measure (masks, copies, screens) is left out, not filled with a number.
+// What this host does not measure (masks) is left out, not filled with a number.
 
 UserInfo debugData(const SelfieView& view, const Observation& observation) {
   UserInfo info{{"fullSize", observation.fullSize}};
@@ -44,6 +44,7 @@ corvana::DebugData debugData(const DocumentView& view, const platform::CGSize& f
   data.documentLocation = *view.location;
   data.faceLocation = view.portrait;
   data.topClassifierResults = view.familyMatches;
+  if (view.reading) data.realnessScores = view.reading->realness;
   return data;
 }
 
