@@ -11,6 +11,15 @@ constexpr std::size_t kLongestText = 5000;
 constexpr std::size_t kLongestField = 80;
 constexpr double kLongestSession = 600.0;
 
+TaskScript readTask(ScriptReader reader) {
+  TaskScript task;
+  reader.choice("do", task.what, {"turnLeft", "turnRight", "lookUp", "comeNearer", "blinkTwice"});
+  reader.number("at", task.at, 0.0, kLongestSession);
+  reader.number("seconds", task.seconds, 0.5, 20.0);
+  reader.finish();
+  return task;
+}
+
 void readPerson(ScriptReader reader, const path& folder, PersonScript& person) {
   reader.file("portrait", person.portrait, folder);
   reader.number("faceWidth", person.faceWidth, 60.0, 600.0);
@@ -22,6 +31,8 @@ void readPerson(ScriptReader reader, const path& folder, PersonScript& person) {
   reader.number("noBlinkBefore", person.noBlinkBefore, 0.0, kLongestSession);
   reader.number("light", person.light, 0.1, 1.5);
   reader.flag("doorway", person.doorway);
+  for (const ScriptReader& task : reader.objects("tasks"))
+    person.tasks.push_back(readTask(task));
   reader.finish();
 }
 

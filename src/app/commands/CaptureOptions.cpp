@@ -168,6 +168,10 @@ void addCaptureOptions(CLI::App& command, CaptureArguments& arguments) {
           "seconds after which the flow is ended (default 600); the disk must have room for a "
           "film of that length, three times")
       ->check(CLI::Range(1.0, 7200.0).description(""));
+  command.add_option(
+      "--challenge-seed", arguments.challengeSeed,
+      "whole number from which the tasks of selfieCapture.liveness active are drawn, "
+      "to try things (default: the system's randomness, in media time 0)");
   command.add_flag("--keep", arguments.keep, "keep the folder of a cancelled run, too");
   command.add_flag("--keep-failed-runs", arguments.keepFailedRuns,
                    "keep the films of runs that were retried, as film.run1.mp4 and so on");

@@ -5,6 +5,7 @@
 
 #include "app/seal/Sha256.h"
 #include "capture/ControllerFactories.h"
+#include "devices/system/SystemRandom.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
 
 namespace corvana::app {
@@ -29,6 +30,14 @@ bool belongsInLog(FlowEvent::Kind kind) {
     default:
       return false;
   }
+}
+
+/// In media time the same session has to give the same run.
+std::unique_ptr<platform::RandomSource> makeRandomness(const CaptureArguments& arguments,
+                                                       const platform::RunLoop& loop) {
+  const bool isForeseen = arguments.challengeSeed || loop.isVirtual();
+  if (!isForeseen) return std::make_unique<devices::SystemRandom>();
+  return std::make_unique<platform::SeededRandom>(arguments.challengeSeed.value_or(0));
 }
 
 nlohmann::ordered_json fieldsOf(const FlowEvent& event) {
@@ -74,12 +83,13 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
       sourceDevices_(media_),
       watchedDevices_(screen_.watch(sourceDevices_)),
       mediaDevices_(watchedDevices_ ? *watchedDevices_ : sourceDevices_),
+      randomness_(makeRandomness(arguments, loop_)),
       sounds_([this](platform::SystemSoundID sound) {
         reporter_.soundPlayed(sound);
         screen_.play(sound);
       }),
       world_(loop_, screen_, prepared.resources.module, capture::controllerFactories(host_, this),
-             {console_, application_, mediaDevices_, speechAuthorization_, sounds_}),
+             {console_, application_, mediaDevices_, speechAuthorization_, sounds_, *randomness_}),
       films_(loop_),
       host_(hostSetup()) {
   if (seal_) films_.showTo(seal_->witnesses());
@@ -105,6 +115,7 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
           world_.notificationCenter(),
           mediaDevices_,
           films_,
+          world_.environment().randomness,
           analyzer_,
           std::move(recognizer),
           inputs_.folder,

@@ -85,6 +85,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   std::unique_ptr<platform::MediaDevices> watchedDevices_;
   platform::MediaDevices& mediaDevices_;
   LocalSpeechAuthorization speechAuthorization_;
+  const std::unique_ptr<platform::RandomSource> randomness_;
   devices::ReportingSystemSounds sounds_;
   FlowWorld world_;
   devices::FilmWriterFactory films_;

@@ -24,7 +24,7 @@ std::shared_ptr<corvana::VideoCapture> EngineHost::makeVideoCapture(
     return nullptr;
   }
   film_ = std::move(*film);
-  return Recorder::make({setup_.loop, setup_.notificationCenter, setup_.analyzer,
+  return Recorder::make({setup_.loop, setup_.notificationCenter, setup_.randomness, setup_.analyzer,
                          setup_.speechRecognizer, film_, captureSession_, selfieOverlayFrame,
                          idOverlayFrame, setup_.screenSize, setup_.observer});
 }
