@@ -100,6 +100,7 @@ void AttemptLog::happened(const RecorderEvent& event) {
       measure(event.name, detailsOf(event));
       break;
     case Kind::liveness:
+    case Kind::film:
       break;
   }
   next_.happened(event);

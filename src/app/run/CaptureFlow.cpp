@@ -227,9 +227,10 @@ RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
   if (const auto film = host_.film()) {
     record.recording = film->counters();
     record.films = film->fileNames();
+    record.framesLeftOut = film->framesLeftOut();
   }
-  record.framesCaptured =
-      record.recording.videoFramesReceived + media_->framesDropped() + host_.framesDropped();
+  record.framesCaptured = record.recording.videoFramesReceived + record.framesLeftOut +
+                          media_->framesDropped() + host_.framesDropped();
   return record;
 }
 

@@ -42,6 +42,8 @@ const char* nameOf(Kind kind) {
       return "liveness";
     case Kind::task:
       return "task";
+    case Kind::film:
+      return "film";
     case Kind::sign:
       return "sign";
   }

@@ -42,6 +42,7 @@ ordered_json recordingToJson(const RunRecord& record) {
   return {{"framesCaptured", record.framesCaptured},
           {"framesWritten", counters.videoFramesWritten},
           {"framesDropped", record.framesCaptured - counters.videoFramesWritten},
+          {"framesLeftOut", record.framesLeftOut},
           {"framesLate", counters.videoFramesLate},
           {"audioBuffersReceived", counters.audioBuffersReceived},
           {"audioBuffersDropped", counters.audioBuffersDropped},
