@@ -116,6 +116,7 @@ void readFaults(ScriptReader reader, const path& folder, const CardData& card,
   leaves.number("seconds", faults.faceLeavesSeconds, 0.5, kLongestSession);
   leaves.finish();
   reader.flag("silence", faults.silence);
+  reader.flag("dubbed", faults.dubbed);
   reader.text("wrongWords", faults.wrongWords, kLongestText);
   ScriptReader change = reader.object("change");
   change.number("at", faults.changesAt, 0.0, kLongestSession);

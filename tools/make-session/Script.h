@@ -100,6 +100,7 @@ struct FaultScript {
   std::optional<double> faceLeavesAt;  ///< the face leaves the picture for faceLeavesSeconds
   double faceLeavesSeconds = 5.0;
   bool silence = false;                 ///< nothing is spoken
+  bool dubbed = false;                  ///< a voice is heard while the lips rest
   std::string wrongWords;               ///< spoken in place of the text
   std::filesystem::path changedPerson;  ///< portrait of who takes the person's place
   double changesAt = 0.0;               ///< seconds
