@@ -39,6 +39,10 @@ void addCameraOptions(CLI::App& command, CameraChoice& choice) {
       ->check(CLI::IsMember({0, 90, 180, 270}).description(""));
   command.add_flag("--allow-virtual-camera", choice.allowVirtual,
                    "also take a camera that is software, to try things; the result says so");
+  command.add_flag(
+      "--refuse-injected-camera", choice.refuseInjected,
+      "end a run whose live camera shows signs of a stream that software feeds in; see "
+      "docs/devices.md");
 }
 
 CLI::Option* addTime(CLI::App& command, CaptureArguments& arguments) {

@@ -146,9 +146,18 @@ void CaptureFlow::watchWorld() {
   media_->onEnd = [this] { endAfterGrace(); };
   media_->onError = [this](const platform::Fault& fault) { end_.fail(fault); };
   media_->onWarning = [this](const std::string& sentence) { warn(sentence); };
+  media_->onCameraSign = [this](const devices::CameraSign& sign) { suspect(sign); };
   events_.add("devices", devicesToJson(UsedDevices::of(*media_)));
   if (media_->microphone()) return;
   warn("There is no microphone: the film will be silent and no word can be heard.");
+}
+
+void CaptureFlow::suspect(const devices::CameraSign& sign) {
+  events_.add("cameraSign", cameraSignToJson(sign));
+  const std::string sentence = "The camera's stream looks as if software fed it in (" + sign.name +
+                               "): make sure that it is a camera.";
+  warn(sentence);
+  if (arguments_.source.refuseInjected) end_.fail({sentence});
 }
 
 void CaptureFlow::warn(const std::string& sentence) {
@@ -178,6 +187,7 @@ void CaptureFlow::close() {
   media_->onEnd = nullptr;
   media_->onError = nullptr;
   media_->onWarning = nullptr;
+  media_->onCameraSign = nullptr;
   world_.close();
   if (const auto film = host_.film()) {
     bool closed = false;

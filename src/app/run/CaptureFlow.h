@@ -44,6 +44,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   bool hasEnded();
   /// A line of events or of the seal that is missing spoils the evidence.
   void recordFailed(const platform::Fault& fault);
+  void suspect(const devices::CameraSign& sign);
   /// Tells the terminal and the record of the run, not the person before a window.
   void warn(const std::string& sentence);
   /// After the camera's end; a film that is being stopped is waited for.
