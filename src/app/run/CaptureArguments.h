@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -40,6 +41,9 @@ struct CaptureArguments {
   /// The habits answer the screens, not the person before the window.
   bool personIsVirtual = true;
   double maxDurationSeconds = kUsualLimitSeconds;
+  /// From which the tasks of the active mode are drawn; absent: from the system's randomness, or
+  /// from 0 in media time.
+  std::optional<std::uint32_t> challengeSeed;
   bool keep = false;            ///< the folder also of a cancelled run
   bool keepsEvidence = true;    ///< what was compared, for a reviewer
   bool keepFailedRuns = false;  ///< the films of runs that were retried

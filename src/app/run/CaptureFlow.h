@@ -49,6 +49,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   bool hasEnded();
   /// A line of events or of the seal that is missing spoils the evidence.
   void recordFailed(const platform::Fault& fault);
+  void suspect(const devices::CameraSign& sign);
   /// Tells the terminal and the record of the run, not the person before a window.
   void warn(const std::string& sentence);
   /// After the camera's end; a film that is being stopped is waited for.
@@ -88,6 +89,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   std::unique_ptr<platform::MediaDevices> watchedDevices_;
   platform::MediaDevices& mediaDevices_;
   LocalSpeechAuthorization speechAuthorization_;
+  const std::unique_ptr<platform::RandomSource> randomness_;
   devices::ReportingSystemSounds sounds_;
   FlowWorld world_;
   std::unique_ptr<platform::AssetWriterFactory> films_;
