@@ -33,6 +33,7 @@ std::optional<Judgement> judgementOf(const RunEvent& event, const std::string& p
   Judgement judgement{phase, event.name, event.value, event.threshold, event.passed, {}};
   if (event.event == "decision") return judgement;
   if (event.event == "sign" && event.name == "samePerson") return judgement;
+  if (event.event == "task" && event.passed) return judgement;
   judgement = {phase, event.event, {}, {}, {}, event.name};
   if (event.event == "liveness" && event.name != "asked") return judgement;
   if (event.event == "state" && isFinal(event.name)) return judgement;

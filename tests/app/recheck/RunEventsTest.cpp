@@ -68,6 +68,21 @@ TEST_F(RunEventsTest, TellsOfTheLastAttemptWhatWasFoundLastInEachPhase) {
                        "idCapture backMrz ", "idCapture time ", "readingText spokenWords "}));
 }
 
+TEST_F(RunEventsTest, TellsWhatBecameOfATaskLast) {
+  const auto events = read(R"({"t":0,"event":"mode","name":"selfieCapture"}
+{"t":0,"event":"task","name":"turnLeft","step":"drawn"}
+{"t":2,"event":"task","name":"turnLeft","step":"asked"}
+{"t":4,"event":"task","name":"turnLeft","step":"missed","value":3,"threshold":12,"seen":false}
+{"t":8,"event":"task","name":"turnLeft","step":"done","value":16,"threshold":12,"seen":true}
+)");
+  ASSERT_TRUE(events) << events.error().sentence;
+  const auto judgements = app::judgementsOf(*events, nlohmann::json::object());
+  ASSERT_EQ(judgements.size(), 1U);
+  EXPECT_EQ(judgements.front().name, "turnLeft");
+  EXPECT_EQ(judgements.front().passed, true);
+  EXPECT_EQ(judgements.front().value, 16);
+}
+
 TEST_F(RunEventsTest, SaysWhyAnAttemptEndedOnARetryScreen) {
   const std::string began = "{\"t\":0,\"event\":\"mode\",\"name\":\"selfieCapture\"}\n";
   const std::string retry = "{\"t\":9,\"event\":\"retry\",\"text\":\"Again?\"}\n";
