@@ -18,9 +18,9 @@ set(CPACK_PRE_BUILD_SCRIPTS ${files}/finish.cmake)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
-set(CPACK_COMPONENTS_ALL program resources development samples)
+set(CPACK_COMPONENTS_ALL program resources library development samples)
 set(CPACK_COMPONENT_RESOURCES_GROUP program)
-foreach(component program development samples)
+foreach(component program library development samples)
   string(TOUPPER ${component} name)
   set(CPACK_COMPONENT_${name}_GROUP ${component})
 endforeach()
@@ -54,13 +54,24 @@ earlier belong together: the user looks into the camera, shows the card's
 front, turns it over, and reads a text aloud. Runs on a kiosk with a camera,
 or on a recorded session with none.")
 
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libcorvana-videoid${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_RECOMMENDS "corvana-videoid (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_LIBRARY_DESCRIPTION "video identification from C
+Runs enrolments, identifications and checks of records as processes of their
+own, with JSON in and out, and hands on events and pictures while they run.")
+
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libcorvana-videoid-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "corvana-videoid (= ${PROJECT_VERSION}), libexpected-dev, libicu-dev, \
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "corvana-videoid (= ${PROJECT_VERSION}), \
+libcorvana-videoid${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION}), libexpected-dev, libicu-dev, \
 libopencv-dev, qt6-base-dev, qt6-declarative-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "video identification in a program of one's own
-Headers and libraries of the module and its window, with a CMake package, for a
-host that brings its own camera and recognition, and an example of one.")
+The C interface, and headers and libraries of the module and its window, with a
+CMake package, for a host that brings its own camera and recognition, and
+examples of both.")
 
 set(CPACK_DEBIAN_SAMPLES_PACKAGE_NAME corvana-videoid-samples)
 set(CPACK_DEBIAN_SAMPLES_PACKAGE_ARCHITECTURE all)

@@ -1,6 +1,7 @@
 # Run by CPack between installing and packing: brings what was installed into the shape that Debian expects.
 # Each package's files lie in a folder named after its group. The date is SOURCE_DATE_EPOCH's where that is set.
 set(package_program corvana-videoid)
+set(package_library libcorvana-videoid${CPACK_PACKAGE_VERSION_MAJOR})
 set(package_development libcorvana-videoid-dev)
 set(package_samples corvana-videoid-samples)
 
@@ -36,7 +37,7 @@ function(forget_search_paths folder)
   endforeach()
 endfunction()
 
-foreach(group program development samples)
+foreach(group program library development samples)
   set(folder ${CPACK_TEMPORARY_DIRECTORY}/${group}/usr)
   if(NOT IS_DIRECTORY ${folder})
     continue()

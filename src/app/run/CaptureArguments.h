@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/run/CalendarDay.h"
+#include "app/run/CallerLink.h"
 #include "app/run/CameraChoice.h"
 #include "app/run/FlowLoop.h"
 #include "app/run/FlowScreen.h"
@@ -39,6 +40,7 @@ struct CaptureArguments {
   /// The habits answer the screens, not the person before the window.
   bool personIsVirtual = true;
   double maxDurationSeconds = kUsualLimitSeconds;
+  CallerLink::Setup caller;     ///< socket -1: the program's caller follows nothing
   bool keep = false;            ///< the folder also of a cancelled run
   bool keepFailedRuns = false;  ///< the films of runs that were retried
 };

@@ -37,6 +37,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
  private:
   engine::EngineHost::Setup hostSetup();
   std::optional<RunSeal> makeSeal();
+  void followedByCaller();
   void start();
   void watchWorld();
   /// What has ended by itself or by a signal.
@@ -70,6 +71,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
 
   std::optional<RunSeal> seal_;  ///< where there is a key
   EventLog events_;
+  std::optional<CallerLink> caller_;  ///< where one follows the run
   CardWatch card_;
   devices::FlowReporter reporter_;
   CardHints cardHints_;
