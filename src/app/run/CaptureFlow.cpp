@@ -68,6 +68,7 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
                    reporter_.hinted(words);
                    screen_.hint(words);
                  }),
+      attempts_(loop_, cardHints_),
       person_(loop_, arguments.habits),
       console_(std::cerr),
       sourceDevices_(media_),
@@ -120,7 +121,7 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
           inputs_.folder,
           arguments_.keepFailedRuns,
           screen_.size(),
-          &cardHints_,
+          &attempts_,
           [this](const platform::Fault& fault) { end_.fail(fault); }};
 }
 
@@ -198,6 +199,7 @@ RunRecord CaptureFlow::run() {
                platform::FaultCause::timeLimit});
   }
   const bool succeeded = end_.outcome().has_value();
+  attempts_.finish(end_.outcome());
   events_.add("end", {{"outcome", succeeded ? "result" : "error"}});
   close();
   return makeRecord(started);
@@ -214,6 +216,7 @@ RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
                    .runs = 1 + events_.retries(),
                    .date = engine::isoDate(rules_.today),
                    .hints = card_.hints(),
+                   .attempts = attempts_.toJson(),
                    .identity = identity_,
                    .started = started,
                    .ended = readClock(),
@@ -224,9 +227,10 @@ RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
   if (const auto film = host_.film()) {
     record.recording = film->counters();
     record.films = film->fileNames();
+    record.framesLeftOut = film->framesLeftOut();
   }
-  record.framesCaptured =
-      record.recording.videoFramesReceived + media_->framesDropped() + host_.framesDropped();
+  record.framesCaptured = record.recording.videoFramesReceived + record.framesLeftOut +
+                          media_->framesDropped() + host_.framesDropped();
   return record;
 }
 

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "app/run/AttemptLog.h"
 #include "app/run/CardHints.h"
 #include "app/run/CardWatch.h"
 #include "app/run/EventLog.h"
@@ -52,7 +53,10 @@ class CaptureFlow final : private corvana::DecisionObserver {
   RunRecord makeRecord(std::optional<ClockReading> started) const;
   std::optional<ClockReading> readClock() const;
   void report(const devices::FlowEvent& event);
-  void decided(const corvana::Decision& decision) override { events_.decided(decision); }
+  void decided(const corvana::Decision& decision) override {
+    attempts_.decided(decision);
+    events_.decided(decision);
+  }
   void prompted(corvana::PromptPlace place, corvana::PromptType type) override {
     reporter_.prompted(place, type);
   }
@@ -75,6 +79,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   CardWatch card_;
   devices::FlowReporter reporter_;
   CardHints cardHints_;
+  AttemptLog attempts_;
   devices::HeadlessPerson person_;
   devices::StreamConsole console_;
   devices::NoSettingsApplication application_;

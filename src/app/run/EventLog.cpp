@@ -5,7 +5,6 @@
 #include <cstring>
 #include <system_error>
 #include <utility>
-#include <variant>
 
 #include "devices/film/FilmFault.h"
 
@@ -27,17 +26,6 @@ platform::Fault writeFault(const std::filesystem::path& path, int error) {
 /// Digits beyond these are noise to a reader and differ between CPU types.
 constexpr double kDecimals = 1e4;
 
-ordered_json rounded(double value) {
-  if (!std::isfinite(value)) return nullptr;
-  return std::round(value * kDecimals) / kDecimals;
-}
-
-ordered_json valueOf(const engine::RecorderEvent::Detail& detail) {
-  if (const auto* number = std::get_if<double>(&detail.second)) return rounded(*number);
-  if (const auto* flag = std::get_if<bool>(&detail.second)) return *flag;
-  return std::get<std::string>(detail.second);
-}
-
 const char* nameOf(Kind kind) {
   switch (kind) {
     case Kind::state:
@@ -52,6 +40,8 @@ const char* nameOf(Kind kind) {
       return "hint";
     case Kind::liveness:
       return "liveness";
+    case Kind::film:
+      return "film";
     case Kind::sign:
       return "sign";
   }
@@ -59,6 +49,17 @@ const char* nameOf(Kind kind) {
 }
 
 }  // namespace
+
+ordered_json eventNumber(double value) {
+  if (!std::isfinite(value)) return nullptr;
+  return std::round(value * kDecimals) / kDecimals;
+}
+
+ordered_json eventValue(const std::variant<double, bool, std::string>& value) {
+  if (const auto* number = std::get_if<double>(&value)) return eventNumber(*number);
+  if (const auto* flag = std::get_if<bool>(&value)) return *flag;
+  return std::get<std::string>(value);
+}
 
 EventLog::EventLog(const platform::RunLoop& loop, const std::filesystem::path& path,
                    OnFault onFault, std::shared_ptr<EventSums> sums)
@@ -75,7 +76,8 @@ EventLog::EventLog(const platform::RunLoop& loop, const std::filesystem::path& p
 
 void EventLog::add(const std::string& event, const ordered_json& fields) {
   if (broken_) return;
-  ordered_json line = {{"t", rounded(platform::inSeconds(loop_.now() - start_))}, {"event", event}};
+  ordered_json line = {{"t", eventNumber(platform::inSeconds(loop_.now() - start_))},
+                       {"event", event}};
   line.update(fields);
   const std::string text = line.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n";
   errno = 0;
@@ -103,15 +105,15 @@ void EventLog::breakOff(const platform::Fault& fault) {
 void EventLog::happened(const engine::RecorderEvent& event) {
   ordered_json fields = {{"name", event.name}};
   for (const auto& detail : event.details)
-    fields[detail.first] = valueOf(detail);
+    fields[detail.first] = eventValue(detail.second);
   if (event.kind == Kind::call && event.name == "retry") ++retries_;
   add(nameOf(event.kind), fields);
 }
 
 void EventLog::decided(const corvana::Decision& decision) {
   ordered_json fields = {{"name", decision.name}};
-  if (decision.value) fields["value"] = rounded(*decision.value);
-  if (decision.threshold) fields["threshold"] = rounded(*decision.threshold);
+  if (decision.value) fields["value"] = eventNumber(*decision.value);
+  if (decision.threshold) fields["threshold"] = eventNumber(*decision.threshold);
   fields["passed"] = decision.passed;
   add("decision", fields);
 }

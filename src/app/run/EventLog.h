@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <variant>
 
 #include <nlohmann/json.hpp>
 
@@ -17,6 +18,11 @@
 #include "platform/foundation/RunLoop.h"
 
 namespace corvana::app {
+
+/// A number or detail of an event as events.jsonl has it, and all that tells the same: rounded, and
+/// null where it is not a number.
+nlohmann::ordered_json eventNumber(double value);
+nlohmann::ordered_json eventValue(const std::variant<double, bool, std::string>& value);
 
 /// events.jsonl of a run: one JSON object a line, with the time since the start in seconds. Each
 /// line reaches the file at once, so that a crash loses none. A line that can't be written is told,

@@ -42,6 +42,7 @@ ordered_json recordingToJson(const RunRecord& record) {
   return {{"framesCaptured", record.framesCaptured},
           {"framesWritten", counters.videoFramesWritten},
           {"framesDropped", record.framesCaptured - counters.videoFramesWritten},
+          {"framesLeftOut", record.framesLeftOut},
           {"framesLate", counters.videoFramesLate},
           {"audioBuffersReceived", counters.audioBuffersReceived},
           {"audioBuffersDropped", counters.audioBuffersDropped},
@@ -66,6 +67,7 @@ ordered_json recordToJson(const RunRecord& record) {
   object.update(outcomeToJson(record));
   object.update(devicesToJson(record.devices));
   object["recording"] = recordingToJson(record);
+  object["attempts"] = record.attempts;
   object["date"] = record.date;
   object["hints"] = hintsToJson(record.hints);
   object["options"] = currentOptions();

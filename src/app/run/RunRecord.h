@@ -46,10 +46,12 @@ struct RunRecord {
   platform::AssetWriterCounters recording = {};  ///< as `engine::Film` counts
   /// What the camera took while a film was open, in the films or not.
   std::uint64_t framesCaptured = 0;
+  std::uint64_t framesLeftOut = 0;      ///< of them: since the encoder did not keep up
   std::vector<std::string> films = {};  ///< names of files that may be there
   int runs = 1;                         ///< how often the flow began: once more than it was retried
   std::string date = {};                ///< the day by which documents were judged, YYYY-MM-DD
   std::vector<DocumentHint> hints = {};
+  nlohmann::ordered_json attempts = nlohmann::ordered_json::array();  ///< as `AttemptLog` has them
   RunIdentity identity = {};
   std::optional<ClockReading> started = {};
   std::optional<ClockReading> ended = {};

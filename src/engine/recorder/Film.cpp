@@ -77,9 +77,19 @@ Film::Writer Film::takeWriter() {
   return std::exchange(writer_, nullptr);
 }
 
+bool Film::takes(const platform::CMSampleBuffer& sample, int waiting) {
+  const auto before = pace_.limit();
+  const bool taken = pace_.takes(sample.presentationTime, waiting);
+  const auto limit = pace_.limit();
+  if (limit != before && settings_.onPace)
+    loop_.mainQueue().async([self = shared_from_this(), limit] { self->settings_.onPace(limit); });
+  return taken;
+}
+
 void Film::writeVideo(const CMSampleBufferRef& sample) {
   const Writer writer = currentWriter();
-  if (writer && !writer->appendVideo(sample)) tellFaultOf(writer);
+  if (!writer || !takes(*sample, writer->framesWaiting())) return;
+  if (!writer->appendVideo(sample)) tellFaultOf(writer);
 }
 
 void Film::writeAudio(const CMSampleBufferRef& sample) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "corvana/VideoCapture.h"
+#include "engine/recorder/FilmPace.h"
 #include "platform/foundation/Fault.h"
 #include "platform/foundation/RunLoop.h"
 #include "platform/media/AssetWriter.h"
@@ -24,7 +26,10 @@ struct FilmSettings {
   std::optional<platform::WriterSettings> video;
   std::optional<platform::WriterSettings> audio;
   /// Told once, on the main queue, that no film can be recorded any further; may be empty.
-  std::function<void(const platform::Fault&)> onFault;
+  std::function<void(const platform::Fault&)> onFault = {};
+  /// Told on the main queue that the film takes so many pictures a second at most from now on, or
+  /// all of them again; may be empty.
+  std::function<void(std::optional<int> limit)> onPace = {};
 };
 
 /// The films of one flow: one is open at most. Opening and closing is main-queue work that goes on
@@ -36,10 +41,13 @@ class Film final : public corvana::VideoWriter, public std::enable_shared_from_t
                                                         platform::AssetWriterFactory& factory,
                                                         FilmSettings settings);
 
+  /// Pictures are left out, evenly, while the encoder does not keep up. Capture queue.
   void writeVideo(const platform::CMSampleBufferRef& sample);
   void writeAudio(const platform::CMSampleBufferRef& sample) override;
   /// How many pictures the encoder has not taken yet. Any thread.
   int framesWaiting() const;
+  /// How many pictures were left out on purpose. Any thread.
+  std::uint64_t framesLeftOut() const { return pace_.leftOut(); }
 
   /// Ends the open film; the completion (may be null) comes on the main queue with film.mp4 or the
   /// error. Without an open film it comes with the answer of the last stop.
@@ -69,6 +77,7 @@ class Film final : public corvana::VideoWriter, public std::enable_shared_from_t
   std::optional<platform::Fault> open();
   Writer takeWriter();
   Writer currentWriter() const;
+  bool takes(const platform::CMSampleBuffer& sample, int waiting);
   platform::Expected<void> close(platform::AssetWriter& writer);
   Outcome finish(platform::AssetWriter& writer);
   void putFailedRunAway();
@@ -80,6 +89,7 @@ class Film final : public corvana::VideoWriter, public std::enable_shared_from_t
   const FilmSettings settings_;
   const std::string stem_;
   std::shared_ptr<platform::DispatchQueue> queue_;
+  FilmPace pace_;  // capture queue
   mutable std::mutex mutex_;
   Writer writer_;                           // guarded by mutex_
   platform::AssetWriterCounters counters_;  // of the closed films; guarded by mutex_

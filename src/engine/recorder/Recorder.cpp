@@ -164,8 +164,9 @@ bool Recorder::filmIsBehind() {
 }
 
 std::optional<AnalysisTask> Recorder::taskFor(const CMSampleBuffer& sample) {
-  if (nextAnalysis_ && sample.presentationTime < *nextAnalysis_) return {};
-  if (analyzing_ || !setup_.analyzer->isReady() || filmIsBehind()) return {};
+  const platform::Duration interval = filmIsBehind() ? kAnalysisIntervalBehind : kAnalysisInterval;
+  if (lastAnalysis_ && sample.presentationTime < *lastAnalysis_ + interval) return {};
+  if (analyzing_ || !setup_.analyzer->isReady()) return {};
   std::optional<AnalysisTask> task;
   {
     const std::lock_guard lock(taskMutex_);
@@ -173,7 +174,7 @@ std::optional<AnalysisTask> Recorder::taskFor(const CMSampleBuffer& sample) {
   }
   if (!task) return {};
   if (const auto session = setup_.captureSession.lock()) task->captureMode = session->captureMode();
-  nextAnalysis_ = sample.presentationTime + kAnalysisInterval;
+  lastAnalysis_ = sample.presentationTime;
   return task;
 }
 

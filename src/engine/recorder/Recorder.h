@@ -53,8 +53,11 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   /// Least time between two looks, ten a second at 30 frames a second: a little less than three
   /// frames, so that a frame that comes a hair early is not passed over.
   static constexpr platform::Duration kAnalysisInterval = std::chrono::milliseconds(90);
-  /// Pictures in front of the encoder, a second of them, above which nothing is looked at, until no
-  /// more than a tenth is left: the film comes first. In virtual time no film lets so many wait.
+  /// Least time between two looks while the film is behind: it comes first, but a person who is not
+  /// looked at at all is never recognised.
+  static constexpr platform::Duration kAnalysisIntervalBehind = std::chrono::milliseconds(500);
+  /// Pictures in front of the encoder, a second of them, above which the film is behind, until no
+  /// more than a tenth is left. In virtual time no film lets so many wait.
   static constexpr int kMostFramesWaiting = 30;
   static constexpr int kFramesWaitingWhenDrained = 3;
   /// How long after its frame an observation arrives in virtual time: about as late as on the wall
@@ -111,8 +114,8 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   std::shared_ptr<platform::Timer> timeOut_;
 
   // Capture queue.
-  std::optional<platform::TimePoint> nextAnalysis_;
-  bool yielding_ = false;  ///< no look is taken until the film has caught up
+  std::optional<platform::TimePoint> lastAnalysis_;
+  bool yielding_ = false;  ///< looks are rare until the film has caught up
 
   std::shared_ptr<platform::DispatchQueue> analysisQueue_;
   std::atomic<bool> analyzing_ = false;

@@ -18,6 +18,7 @@ struct RecorderEvent {
     call,      ///< "stopVideoWriter", "retry", "typeMismatch"
     hint,      ///< why a card is not read, for which there is no state; "none" when it is over
     liveness,  ///< what is known of the face: "undecided", "living", "spoof"; "asked" for a sign
+    film,      ///< "slowed" to so many pictures a second, or "atFullRate" again
     sign,      ///< of life, of fraud or of a person, by its name, with figure and limit
   };
   using Detail = std::pair<std::string, std::variant<double, bool, std::string>>;

@@ -32,6 +32,15 @@ double secondsOfFilm(const fs::path& file) {
   return film ? platform::inSeconds(film->duration) : 0;
 }
 
+/// Phase and reason of each attempt.
+std::vector<std::string> attemptsOf(const json& result) {
+  std::vector<std::string> attempts;
+  for (const json& attempt : result["attempts"])
+    attempts.push_back(attempt["phase"].get<std::string>() + " " +
+                       attempt["reason"].get<std::string>());
+  return attempts;
+}
+
 /// A run that ended early leaves all the film it took in, and that is more than nothing.
 void expectPartialFilmPlays(const fs::path& run) {
   const json recording = json::parse(bytesOf(run / "result.json"))["recording"];
@@ -57,6 +66,9 @@ TEST(EndToEnd, AGoodSessionEndsInAResultThatCanBeVerifiedAndRepeated) {
   EXPECT_EQ(result["recording"]["framesDropped"], 0);
   EXPECT_EQ(result["date"], "2026-03-01");
   EXPECT_EQ(result["hints"], json::array());
+  EXPECT_EQ(attemptsOf(result),
+            (std::vector<std::string>{"selfie accepted", "document accepted", "reading accepted"}));
+  EXPECT_EQ(schemaComplaints(run), "");
   const auto surname = eventsOf(run, "field", "surname");
   ASSERT_EQ(surname.size(), 1U);
   EXPECT_EQ(surname.front()["agreement"], "agrees");
@@ -89,6 +101,9 @@ TEST(EndToEnd, AGoodSessionEndsInAResultThatCanBeVerifiedAndRepeated) {
 struct FaultCase {
   const char* script;
   const char* retryMessage;
+  /// How the last attempt of the run ended.
+  const char* phase;
+  const char* reason;
   /// The decision that must fail, and no decision of this name may pass; empty: none is made.
   std::string decision = {};
   /// The prompt that must be seen; empty: none.
@@ -110,6 +125,9 @@ TEST_P(FaultySession, LeadsToTheRetryScreenAndThenToCancellation) {
   EXPECT_EQ(kept.exitCode, 1) << kept.errors;
   EXPECT_EQ(json::parse(kept.output)["error"]["message"], "The video identification was canceled.");
 
+  EXPECT_EQ(attemptsOf(json::parse(kept.output)).back(),
+            std::string(fault.phase) + " " + fault.reason);
+  EXPECT_EQ(schemaComplaints(run), "");
   EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
   EXPECT_EQ(eventsOf(run, "retry").at(0)["text"], fault.retryMessage);
   const auto decisions = eventsOf(run, "decision", fault.decision);
@@ -124,12 +142,14 @@ constexpr auto kUnreadable = "Your ID could not be read. Please try again";
 INSTANTIATE_TEST_SUITE_P(
     EndToEnd, FaultySession,
     testing::Values(FaultCase{"wrong-person", "Your face could not be captured. Please try again",
-                              "selfieFace", "The face does not match the ID"},
-                    FaultCase{"wrong-card", kUnreadable, "frontText"},
-                    FaultCase{"wrong-back", kUnreadable, "backMrz", "This is not the same ID"},
-                    FaultCase{"face-leaves", "Live Face Lost. Please try again"},
-                    FaultCase{"silence", "Voice does not match text. Please try again",
-                              "spokenWords"}),
+                              "selfie", "timedOut", "selfieFace", "The face does not match the ID"},
+                    FaultCase{"wrong-card", kUnreadable, "document", "timedOut", "frontText"},
+                    FaultCase{"wrong-back", kUnreadable, "document", "timedOut", "backMrz",
+                              "This is not the same ID"},
+                    FaultCase{"face-leaves", "Live Face Lost. Please try again", "document",
+                              "outOfSight"},
+                    FaultCase{"silence", "Voice does not match text. Please try again", "reading",
+                              "tooFewWords", "spokenWords"}),
     [](const auto& tested) {
       std::string name = tested.param.script;
       std::ranges::replace(name, '-', '_');
@@ -171,6 +191,7 @@ TEST(EndToEnd, SignalsAndALostFolderEndARunAtOnceAndLeaveWhatPlaysOrNothing) {
     EXPECT_EQ(ended.exitCode, 1);
     EXPECT_EQ(json::parse(ended.output)["error"]["cause"], c.cause);
     EXPECT_NE(ended.errors.find(c.sentence), std::string::npos) << ended.errors;
+    EXPECT_FALSE(json::parse(ended.output)["attempts"].empty());
     const bool kept = c.world.back() == "--keep";
     EXPECT_EQ(fs::exists(run), kept);
     if (!kept) continue;
@@ -200,6 +221,9 @@ TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAndKeepsTheFirstApart
   ASSERT_EQ(retried.exitCode, 0) << retried.errors;
   const json recording = json::parse(retried.output)["recording"];
   EXPECT_EQ(recording["runs"], 2);
+  EXPECT_EQ(attemptsOf(json::parse(retried.output)),
+            (std::vector<std::string>{"selfie accepted", "document outOfSight", "selfie accepted",
+                                      "document accepted", "reading accepted"}));
   const double seconds = secondsOfFilm(run / "film.run1.mp4") + secondsOfFilm(run / "film.mp4");
   EXPECT_NEAR(recording["framesWritten"].get<double>() / 30, seconds, 0.1);
   EXPECT_EQ(recording["framesCaptured"], recording["framesWritten"]);

@@ -74,6 +74,11 @@ std::vector<nlohmann::json> eventsOf(const fs::path& run, const std::string& eve
   return found;
 }
 
+std::string schemaComplaints(const fs::path& run) {
+  const ProgramRun checked = runProgram(PYTHON, {SOURCES "/fits_schema.py", DOCS, run});
+  return checked.exitCode == 0 ? "" : checked.output + checked.errors;
+}
+
 std::vector<std::string> breachesOf(const fs::path& run) {
   using Kind = devices::HostEvent::Kind;
   const std::map<std::string, Kind> kinds{{"state", Kind::state},

@@ -40,6 +40,10 @@ struct Session {
 std::vector<nlohmann::json> eventsOf(const std::filesystem::path& run,
                                      const std::string& event = {}, const std::string& name = {});
 
+/// Where result.json and events.jsonl of that run differ from their schemas in docs/; empty when
+/// they do not.
+std::string schemaComplaints(const std::filesystem::path& run);
+
 /// Where the host of that run broke a promise of docs/host-contract.md.
 std::vector<std::string> breachesOf(const std::filesystem::path& run);
 

@@ -1,0 +1,3 @@
+"""Error rates of video identifications, with the limits that the data allow."""
+
+__version__ = "0.1.0"

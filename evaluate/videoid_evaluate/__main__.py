@@ -1,0 +1,3 @@
+from videoid_evaluate.command import main
+
+raise SystemExit(main())
