@@ -40,8 +40,8 @@ ordered_json described(const CLI::App& command) {
 }  // namespace
 
 void addCommandsCommand(CLI::App& app, ExitCode& exitCode) {
-  CLI::App& command = *app.add_subcommand(
-      "commands", "List every command with its arguments and options, as JSON");
+  CLI::App& command =
+      *app.add_subcommand("commands", "List every command with its arguments and options, as JSON");
   command.callback([&app, &exitCode] {
     std::cout << described(app).dump(2) << '\n';
     exitCode = ExitCode::result;

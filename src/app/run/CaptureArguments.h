@@ -11,6 +11,7 @@
 #include "app/run/FlowScreen.h"
 #include "devices/gstreamer/MediaElements.h"
 #include "devices/headless/HeadlessPerson.h"
+#include "engine/recorder/ScreenPlaces.h"
 
 namespace corvana::app {
 
@@ -43,6 +44,9 @@ struct CaptureArguments {
   CallerLink::Setup caller;     ///< socket -1: the program's caller follows nothing
   bool keep = false;            ///< the folder also of a cancelled run
   bool keepFailedRuns = false;  ///< the films of runs that were retried
+  /// False: films are only counted, as there is one already.
+  bool recordsFilms = true;
+  std::optional<engine::ScreenPlaces> places;  ///< in place of the screen's own
 };
 
 }  // namespace corvana::app
