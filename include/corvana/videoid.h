@@ -97,6 +97,15 @@ CORVANA_VIDEOID_API corvana_videoid_status corvana_videoid_capture(corvana_video
 CORVANA_VIDEOID_API corvana_videoid_status corvana_videoid_verify(corvana_videoid* handle, const char* request,
                                                                   char** answer);
 
+/* Judges the film of a run again. Needs "run", its folder, and "reference" and "text" or "text-file" as the capture had
+ * them. Answer: the report of docs/recheck.md; with differences it is a FLOW_ERROR, and the report is its "result". */
+CORVANA_VIDEOID_API corvana_videoid_status corvana_videoid_recheck(corvana_videoid* handle, const char* request,
+                                                                   char** answer);
+
+/* Says whether two photographs show the same face. Needs "first" and "second", files of pictures. */
+CORVANA_VIDEOID_API corvana_videoid_status corvana_videoid_compare(corvana_videoid* handle, const char* request,
+                                                                   char** answer);
+
 /* Ends the call that runs, as the close button does: it comes back with FLOW_ERROR. A second time ends the process at
  * once. Nothing happens when no call runs. */
 CORVANA_VIDEOID_API corvana_videoid_status corvana_videoid_cancel(corvana_videoid* handle);

@@ -110,7 +110,17 @@ corvana_videoid_status corvana_videoid_capture(corvana_videoid* handle, const ch
 
 corvana_videoid_status corvana_videoid_verify(corvana_videoid* handle, const char* request,
                                               char** answer) {
-  return call(handle, {"verify", "folder", true}, request, nullptr, answer);
+  return call(handle, {"verify", {"folder"}, true}, request, nullptr, answer);
+}
+
+corvana_videoid_status corvana_videoid_recheck(corvana_videoid* handle, const char* request,
+                                               char** answer) {
+  return call(handle, {"recheck", {"run"}, false, "--json"}, request, nullptr, answer);
+}
+
+corvana_videoid_status corvana_videoid_compare(corvana_videoid* handle, const char* request,
+                                               char** answer) {
+  return call(handle, {"compare", {"first", "second"}}, request, nullptr, answer);
 }
 
 corvana_videoid_status corvana_videoid_cancel(corvana_videoid* handle) {

@@ -9,10 +9,10 @@
 namespace corvana::client {
 
 /// The arguments of a command for what a request says, or a sentence on what is wrong with it.
-/// `positional` names the key whose value stands alone, and which has to be there; empty: none
-/// does. Nothing in a request can become another option than the one that its key names.
-tl::expected<std::vector<std::string>, std::string> argumentsOf(std::string_view request,
-                                                                const std::string& command,
-                                                                const std::string& positional = {});
+/// `positionals` are the keys whose values stand alone, in this order, and have to be there.
+/// Nothing in a request can become another option than the one that its key names.
+tl::expected<std::vector<std::string>, std::string> argumentsOf(
+    std::string_view request, const std::string& command,
+    const std::vector<std::string>& positionals = {});
 
 }  // namespace corvana::client

@@ -41,7 +41,8 @@ std::string complaintsIn(const std::string& errors) {
     if (!line.starts_with(kComplaint)) continue;
     complaints += (complaints.empty() ? "" : " ") + line.substr(std::strlen(kComplaint));
   }
-  return complaints.empty() ? errors : complaints;
+  if (!complaints.empty()) return complaints;
+  return errors.empty() ? "It found a difference." : errors;
 }
 
 Answer endedWithoutWord(const ChildEnd& end) {
@@ -120,8 +121,9 @@ void Session::cancel() {
 
 Answer Session::call(const Command& command, const char* request,
                      const corvana_videoid_follower* follower) {
-  auto arguments = argumentsOf(request, command.name, command.positional);
+  auto arguments = argumentsOf(request, command.name, command.positionals);
   if (!arguments) return failed(CORVANA_VIDEOID_WRONG_USE, arguments.error());
+  if (command.always) arguments->insert(arguments->begin() + 1, command.always);
   const ChildEvents events = eventsOf(follower);
   if (events.onPicture) {
     arguments->push_back("--caller-pictures=" + std::to_string(follower->pictures_per_second));

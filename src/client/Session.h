@@ -3,6 +3,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "client/Child.h"
 #include "corvana/videoid.h"
@@ -15,11 +16,12 @@ struct Answer {
   std::string json;
 };
 
-/// A call's command, and the key of its request whose value stands alone on the command line.
+/// A call's command, and the keys of its request whose values stand alone on the command line.
 struct Command {
-  const char* name;
-  const char* positional = "";
-  bool answersInLines = false;  ///< its output is text, not JSON
+  std::string name;
+  std::vector<std::string> positionals = {};
+  bool answersInLines = false;   ///< its output is text, not JSON
+  const char* always = nullptr;  ///< an option that it is given each time
 };
 
 /// What stands behind a handle: one call at a time. Any thread.

@@ -16,9 +16,16 @@ TEST(Request, BecomesOptions) {
 }
 
 TEST(Request, CannotBecomeAnotherOption) {
-  const auto words = argumentsOf(R"({"text": "--keep", "folder": "--help"})", "verify", "folder");
+  const auto words = argumentsOf(R"({"text": "--keep", "folder": "--help"})", "verify", {"folder"});
   ASSERT_TRUE(words) << words.error();
   EXPECT_EQ(*words, (Words{"verify", "--text=--keep", "--", "--help"}));
+}
+
+TEST(Request, KeepsTheOrderOfWhatStandsAlone) {
+  const auto words =
+      argumentsOf(R"({"second": "a.png", "first": "b.png"})", "compare", {"first", "second"});
+  ASSERT_TRUE(words) << words.error();
+  EXPECT_EQ(*words, (Words{"compare", "--", "b.png", "a.png"}));
 }
 
 TEST(Request, IsRefusedInOneSentence) {
@@ -38,7 +45,7 @@ TEST(Request, IsRefusedInOneSentence) {
            Case{"{}", R"(The request lacks "folder".)"},
            Case{R"({"folder": 7})", R"(The request lacks "folder".)"},
        }) {
-    const auto words = argumentsOf(wrong.request, "verify", "folder");
+    const auto words = argumentsOf(wrong.request, "verify", {"folder"});
     ASSERT_FALSE(words) << wrong.request;
     EXPECT_EQ(words.error(), wrong.sentence);
   }
