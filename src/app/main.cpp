@@ -40,6 +40,7 @@ int run(int argc, char** argv) {
   app::addDocumentsCommand(program, exitCode);
   app::addDoctorCommand(program, exitCode);
   app::addOptionsCommand(program, exitCode);
+  app::addCommandsCommand(program, exitCode);
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -145,6 +145,23 @@ void addSeal(CLI::App& command, CaptureArguments& arguments) {
                      "than a name");
 }
 
+void addCaller(CLI::App& command, CaptureArguments& arguments) {
+  command
+      .add_option("--caller", arguments.caller.socket,
+                  "descriptor of a Unix socket (SOCK_SEQPACKET) by which the program that "
+                  "started this one follows the events; see docs/embedding-c.md")
+      ->check([](const std::string& text) {
+        int socket = -1;
+        const bool isSocket =
+            CLI::detail::lexical_cast(text, socket) && CallerLink::isPossible(socket);
+        return isSocket ? std::string() : "it is no open Unix socket of whole messages";
+      });
+  command
+      .add_option("--caller-pictures", arguments.caller.picturesPerSecond,
+                  "pictures of the window a second that the caller gets (default 0)")
+      ->check(CLI::Range(0.0, 30.0).description(""));
+}
+
 }  // namespace
 
 void addCaptureOptions(CLI::App& command, CaptureArguments& arguments) {
@@ -166,6 +183,7 @@ void addCaptureOptions(CLI::App& command, CaptureArguments& arguments) {
   addDocumentOptions(command, arguments.documents);
   addSeal(command, arguments);
   addHabits(command, arguments);
+  addCaller(command, arguments);
   command
       .add_option(
           "--max-duration", arguments.maxDurationSeconds,

@@ -31,5 +31,7 @@ void addEmbedCommand(CLI::App& app, ExitCode& exitCode);
 void addDoctorCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid options`: every key with unit, default and meaning.
 void addOptionsCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid commands`: every command with its arguments, of which manual and completions are made.
+void addCommandsCommand(CLI::App& app, ExitCode& exitCode);
 
 }  // namespace corvana::app

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/run/CalendarDay.h"
+#include "app/run/CallerLink.h"
 #include "app/run/CameraChoice.h"
 #include "app/run/FlowLoop.h"
 #include "app/run/FlowScreen.h"
@@ -44,6 +45,7 @@ struct CaptureArguments {
   /// From which the tasks of the active mode are drawn; absent: from the system's randomness, or
   /// from 0 in media time.
   std::optional<std::uint32_t> challengeSeed;
+  CallerLink::Setup caller;     ///< socket -1: the program's caller follows nothing
   bool keep = false;            ///< the folder also of a cancelled run
   bool keepsEvidence = true;    ///< what was compared, for a reviewer
   bool keepFailedRuns = false;  ///< the films of runs that were retried

@@ -96,11 +96,22 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
              {console_, application_, mediaDevices_, speechAuthorization_, sounds_, *randomness_}),
       films_(makeFilms()),
       host_(hostSetup()) {
+  followedByCaller();
   world_.hub().add(reporter_);
   if (arguments.personIsVirtual) world_.hub().add(person_);
 }
 
 CaptureFlow::~CaptureFlow() = default;
+
+void CaptureFlow::followedByCaller() {
+  if (arguments_.caller.socket < 0) return;
+  // Nobody would take the result.
+  caller_.emplace(loop_, screen_, arguments_.caller, [this] {
+    end_.cancel();
+    loop_.wake();
+  });
+  events_.tellTo([this](const std::string& line) { caller_->tell(line); });
+}
 
 std::optional<RunSeal> CaptureFlow::makeSeal() {
   if (!inputs_.key) return std::nullopt;

@@ -41,6 +41,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
  private:
   engine::EngineHost::Setup hostSetup();
   std::optional<RunSeal> makeSeal();
+  void followedByCaller();
   std::unique_ptr<platform::AssetWriterFactory> makeFilms();
   std::shared_ptr<corvana::SpeechRecognizer> makeRecognizer();
   void start();
@@ -77,6 +78,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
 
   std::optional<RunSeal> seal_;  ///< where there is a key
   EventLog events_;
+  std::optional<CallerLink> caller_;  ///< where one follows the run
   CardWatch card_;
   devices::FlowReporter reporter_;
   CardHints cardHints_;

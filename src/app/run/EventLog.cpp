@@ -87,6 +87,7 @@ void EventLog::add(const std::string& event, const ordered_json& fields) {
   if (!file_) return breakOff(writeFault(path_, errno == 0 ? EIO : errno));
   bytes_ += text.size();
   if (sums_) sums_->add(loop_.now(), text);
+  if (listener_) listener_(text);
   // A file that was removed can be written, but nobody will find it.
   std::error_code error;
   if (std::filesystem::exists(path_, error)) return;

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <variant>
 
 #include <nlohmann/json.hpp>
@@ -35,6 +36,10 @@ class EventLog final : public engine::RecorderObserver {
   EventLog(const platform::RunLoop& loop, const std::filesystem::path& path, OnFault onFault,
            std::shared_ptr<EventSums> sums = nullptr);
 
+  /// Each whole line is told to `listener` as well.
+  void tellTo(std::function<void(const std::string& line)> listener) {
+    listener_ = std::move(listener);
+  }
   /// How often the recorder was told to begin anew.
   int retries() const { return retries_; }
   void add(const std::string& event, const nlohmann::ordered_json& fields);
@@ -52,6 +57,7 @@ class EventLog final : public engine::RecorderObserver {
   const std::filesystem::path path_;
   const OnFault onFault_;
   const std::shared_ptr<EventSums> sums_;
+  std::function<void(const std::string&)> listener_;
   std::ofstream file_;
   std::uintmax_t bytes_ = 0;  ///< of all whole lines
   bool broken_ = false;

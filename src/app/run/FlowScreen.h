@@ -35,6 +35,10 @@ class FlowScreen {
   virtual void hint(const std::string& /*words*/) {}
   /// `onClose` is told when the user wants to be rid of the screen; may be null.
   virtual void setOnClose(const std::function<void()>& /*onClose*/) {}
+  using PixelUse = std::function<void(int width, int height, const unsigned char* pixels)>;
+  /// Gives `use` what can be seen, RGBA in rows without gaps, for the time of the call; not called
+  /// when nothing is shown.
+  virtual void lookAtPixels(const PixelUse& /*use*/) {}
   /// What can be seen, as a PNG file; false when it can't be written or nothing is to be seen.
   virtual bool savePicture(const std::filesystem::path&) { return false; }
 };

@@ -17,12 +17,13 @@ Resources below(const fs::path& folder) {
 Resources findResources() {
   if (const char* folder = std::getenv("CORVANA_RESOURCES")) return below(folder);
   std::error_code error;
-  const fs::path program = fs::read_symlink("/proc/self/exe", error);
-  const fs::path installed = program.parent_path().parent_path() / CORVANA_INSTALLED_RESOURCES;
-  if (fs::is_directory(installed, error)) return below(installed);
-  const fs::path source = CORVANA_SOURCE_DIR;
-  return {source / "src/capture/resources", source / "src/engine/resources",
-          source / "src/devices/qtquick/qml", source / "src/app/report/resources"};
+  const fs::path programs = fs::read_symlink("/proc/self/exe", error).parent_path();
+  const fs::path place = CORVANA_INSTALLED_RESOURCES;
+  // An installed program lies one folder below its prefix, one that was just built lies deeper.
+  for (fs::path prefix = programs; prefix.has_relative_path(); prefix = prefix.parent_path()) {
+    if (fs::is_directory(prefix / place, error)) return below(prefix / place);
+  }
+  return below(programs.parent_path() / place);
 }
 
 }  // namespace corvana::app

@@ -33,8 +33,9 @@ struct Resources {
   }
 };
 
-/// The folder named by the environment variable CORVANA_RESOURCES if it is set, else the installed
-/// one beside the program, else the source tree that the program was built from.
+/// Below the folder named by the environment variable CORVANA_RESOURCES if it is set, else below
+/// share/corvana-videoid in the nearest folder above the program that has it: the prefix of an
+/// installation, or the folder of a build.
 Resources findResources();
 
 }  // namespace corvana::app

@@ -73,6 +73,10 @@ class WindowScreen final : public FlowScreen {
       if (onClose) loop_.mainQueue().async(onClose);
     };
   }
+  void lookAtPixels(const PixelUse& use) override {
+    const QImage picture = screen_.window().grabWindow().convertToFormat(QImage::Format_RGBA8888);
+    if (!picture.isNull()) use(picture.width(), picture.height(), picture.constBits());
+  }
   /// Stands in for the camera in the pictures that are saved.
   void setBackdrop(platform::PixelBufferRef picture) { backdrop_ = std::move(picture); }
   bool savePicture(const std::filesystem::path& path) override {

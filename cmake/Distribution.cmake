@@ -1,0 +1,9 @@
+# For packages that others install: harder to misuse, and nothing in them tells of the folder they were built in, so
+# that the same commit gives the same bytes anywhere. Include before the first target.
+option(CORVANA_DISTRIBUTION "Build for packages: hardened, without the names of this machine's folders" OFF)
+
+if(CORVANA_DISTRIBUTION)
+  add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -fstack-protector-strong)
+  add_compile_definitions(_FORTIFY_SOURCE=2)
+  add_link_options(-Wl,-z,relro,-z,now)
+endif()
