@@ -11,6 +11,7 @@
 #include "app/run/FlowScreen.h"
 #include "devices/gstreamer/MediaElements.h"
 #include "devices/headless/HeadlessPerson.h"
+#include "engine/recorder/ScreenPlaces.h"
 
 namespace corvana::app {
 
@@ -45,6 +46,9 @@ struct CaptureArguments {
   std::optional<std::uint32_t> challengeSeed;
   bool keep = false;            ///< the folder also of a cancelled run
   bool keepFailedRuns = false;  ///< the films of runs that were retried
+  /// False: films are only counted, as there is one already.
+  bool recordsFilms = true;
+  std::optional<engine::ScreenPlaces> places;  ///< in place of the screen's own
 };
 
 }  // namespace corvana::app

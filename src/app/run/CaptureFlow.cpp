@@ -3,6 +3,7 @@
 #include <iostream>
 #include <utility>
 
+#include "app/run/CountedFilms.h"
 #include "app/seal/Sha256.h"
 #include "capture/ControllerFactories.h"
 #include "devices/system/SystemRandom.h"
@@ -90,9 +91,8 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
       }),
       world_(loop_, screen_, prepared.resources.module, capture::controllerFactories(host_, this),
              {console_, application_, mediaDevices_, speechAuthorization_, sounds_, *randomness_}),
-      films_(loop_),
+      films_(makeFilms()),
       host_(hostSetup()) {
-  if (seal_) films_.showTo(seal_->witnesses());
   world_.hub().add(reporter_);
   if (arguments.personIsVirtual) world_.hub().add(person_);
 }
@@ -108,13 +108,20 @@ std::optional<RunSeal> CaptureFlow::makeSeal() {
                                      [this](const platform::Fault& fault) { recordFailed(fault); });
 }
 
+std::unique_ptr<platform::AssetWriterFactory> CaptureFlow::makeFilms() {
+  if (!arguments_.recordsFilms) return std::make_unique<CountedFilms>();
+  auto films = std::make_unique<devices::FilmWriterFactory>(loop_);
+  if (seal_) films->showTo(seal_->witnesses());
+  return films;
+}
+
 engine::EngineHost::Setup CaptureFlow::hostSetup() {
   auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
       loop_, engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder), inputs_.text);
   return {loop_,
           world_.notificationCenter(),
           mediaDevices_,
-          films_,
+          *films_,
           world_.environment().randomness,
           analyzer_,
           std::move(recognizer),
@@ -122,7 +129,8 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
           arguments_.keepFailedRuns,
           screen_.size(),
           &attempts_,
-          [this](const platform::Fault& fault) { end_.fail(fault); }};
+          [this](const platform::Fault& fault) { end_.fail(fault); },
+          arguments_.places};
 }
 
 void CaptureFlow::report(const FlowEvent& event) {
@@ -233,7 +241,8 @@ RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
                    .reference = inputs_.referenceSums,
                    .documents = inputs_.documentsSum,
                    .text = sha256Of(inputs_.text),
-                   .key = inputs_.key};
+                   .key = inputs_.key,
+                   .places = host_.places()};
   if (const auto film = host_.film()) {
     record.recording = film->counters();
     record.films = film->fileNames();

@@ -34,10 +34,13 @@ class CaptureFlow final : private corvana::DecisionObserver {
 
   /// Runs to the end and closes film and events: every flow ends, with a result or an error.
   RunRecord run();
+  /// Whether a signal ended it.
+  bool wasInterrupted() const { return signals_.arrived(); }
 
  private:
   engine::EngineHost::Setup hostSetup();
   std::optional<RunSeal> makeSeal();
+  std::unique_ptr<platform::AssetWriterFactory> makeFilms();
   void start();
   void watchWorld();
   /// What has ended by itself or by a signal.
@@ -89,7 +92,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   const std::unique_ptr<platform::RandomSource> randomness_;
   devices::ReportingSystemSounds sounds_;
   FlowWorld world_;
-  devices::FilmWriterFactory films_;
+  std::unique_ptr<platform::AssetWriterFactory> films_;
   engine::EngineHost host_;
 };
 
