@@ -86,6 +86,7 @@ class Rechecker {
     }
     arguments.recordsFilms = false;
     arguments.places = run_.places();
+    arguments.drawn = run_.drawn();
     return arguments;
   }
 

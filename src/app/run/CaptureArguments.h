@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "app/run/CalendarDay.h"
 #include "app/run/CameraChoice.h"
@@ -44,6 +45,10 @@ struct CaptureArguments {
   /// From which the tasks of the active mode are drawn; absent: from the system's randomness, or
   /// from 0 in media time.
   std::optional<std::uint32_t> challengeSeed;
+  /// Numbers that an earlier run drew, which come before those of the seed.
+  std::vector<std::uint32_t> drawn;
+  /// A voice while the lips rest ends the run, and is not only a hint.
+  bool refusesVoiceWithoutLips = false;
   bool keep = false;            ///< the folder also of a cancelled run
   bool keepFailedRuns = false;  ///< the films of runs that were retried
   /// False: films are only counted, as there is one already.
