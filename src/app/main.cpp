@@ -32,6 +32,7 @@ int run(int argc, char** argv) {
   app::addKeyCommand(program, exitCode);
   app::addVerifyCommand(program, exitCode);
   app::addRecheckCommand(program, exitCode);
+  app::addReportCommand(program, exitCode);
   app::addTimestampCommand(program, exitCode);
   app::addCompareCommand(program, exitCode);
   app::addEmbedCommand(program, exitCode);

@@ -180,6 +180,9 @@ void addCaptureOptions(CLI::App& command, CaptureArguments& arguments) {
       "--refuse-voice-without-lips", arguments.refusesVoiceWithoutLips,
       "lose a face whose lips rest while a voice reads the text; see docs/liveness.md");
   command.add_flag("--keep", arguments.keep, "keep the folder of a cancelled run, too");
+  command.add_flag(
+      "!--no-evidence", arguments.keepsEvidence,
+      "keep no words and pictures of what was compared; `videoid report` then lacks them");
   command.add_flag("--keep-failed-runs", arguments.keepFailedRuns,
                    "keep the films of runs that were retried, as film.run1.mp4 and so on");
 }

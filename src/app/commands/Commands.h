@@ -15,6 +15,8 @@ void addKeyCommand(CLI::App& app, ExitCode& exitCode);
 void addVerifyCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid recheck`: judges the film of a record again.
 void addRecheckCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid report`: a page that shows people what a record holds.
+void addReportCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid timestamp`: a third party's word for when a record was there.
 void addTimestampCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid devices`: cameras and microphones that `capture` can use.

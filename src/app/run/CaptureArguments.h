@@ -50,6 +50,7 @@ struct CaptureArguments {
   /// A voice while the lips rest ends the run, and is not only a hint.
   bool refusesVoiceWithoutLips = false;
   bool keep = false;            ///< the folder also of a cancelled run
+  bool keepsEvidence = true;    ///< what was compared, for a reviewer
   bool keepFailedRuns = false;  ///< the films of runs that were retried
   /// False: films are only counted, as there is one already.
   bool recordsFilms = true;

@@ -79,6 +79,9 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
                    screen_.hint(words);
                  }),
       attempts_(loop_, cardHints_),
+      evidence_(arguments.keepsEvidence
+                    ? std::make_optional<EvidenceWatch>(attempts_, inputs_.reference, inputs_.text)
+                    : std::nullopt),
       person_(loop_, arguments.habits),
       console_(std::cerr),
       sourceDevices_(media_),
@@ -115,20 +118,27 @@ std::unique_ptr<platform::AssetWriterFactory> CaptureFlow::makeFilms() {
   return films;
 }
 
-engine::EngineHost::Setup CaptureFlow::hostSetup() {
+std::shared_ptr<corvana::SpeechRecognizer> CaptureFlow::makeRecognizer() {
   auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
       loop_, engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder), inputs_.text);
+  if (!evidence_) return recognizer;
+  return listenIn(std::move(recognizer), [this](const auto& result) { evidence_->heard(result); });
+}
+
+engine::EngineHost::Setup CaptureFlow::hostSetup() {
+  engine::RecorderObserver& observer =
+      evidence_ ? static_cast<engine::RecorderObserver&>(*evidence_) : attempts_;
   return {loop_,
           world_.notificationCenter(),
           mediaDevices_,
           *films_,
           world_.environment().randomness,
           analyzer_,
-          std::move(recognizer),
+          makeRecognizer(),
           inputs_.folder,
           arguments_.keepFailedRuns,
           screen_.size(),
-          &attempts_,
+          &observer,
           [this](const platform::Fault& fault) { end_.fail(fault); },
           arguments_.refusesVoiceWithoutLips,
           arguments_.places};
@@ -137,6 +147,12 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
 void CaptureFlow::report(const FlowEvent& event) {
   if (belongsInLog(event.kind)) events_.add(devices::nameOf(event.kind), fieldsOf(event));
   if (progress_) progress_(loop_.now(), event);
+}
+
+void CaptureFlow::decided(const corvana::Decision& decision) {
+  if (evidence_) evidence_->decided(decision);
+  attempts_.decided(decision);
+  events_.decided(decision);
 }
 
 void CaptureFlow::endAfterGrace(bool filmWasStopping) {
@@ -251,6 +267,7 @@ RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
                    .text = sha256Of(inputs_.text),
                    .key = inputs_.key,
                    .places = host_.places()};
+  if (evidence_) record.evidence = evidence_->evidence();
   if (const auto film = host_.film()) {
     record.recording = film->counters();
     record.films = film->fileNames();

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "app/report/EvidenceWatch.h"
 #include "app/run/AttemptLog.h"
 #include "app/run/CardHints.h"
 #include "app/run/CardWatch.h"
@@ -42,6 +43,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   engine::EngineHost::Setup hostSetup();
   std::optional<RunSeal> makeSeal();
   std::unique_ptr<platform::AssetWriterFactory> makeFilms();
+  std::shared_ptr<corvana::SpeechRecognizer> makeRecognizer();
   void start();
   void watchWorld();
   /// What has ended by itself or by a signal.
@@ -58,10 +60,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   RunRecord makeRecord(std::optional<ClockReading> started) const;
   std::optional<ClockReading> readClock() const;
   void report(const devices::FlowEvent& event);
-  void decided(const corvana::Decision& decision) override {
-    attempts_.decided(decision);
-    events_.decided(decision);
-  }
+  void decided(const corvana::Decision& decision) override;
   void prompted(corvana::PromptPlace place, corvana::PromptType type) override {
     reporter_.prompted(place, type);
   }
@@ -84,6 +83,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   devices::FlowReporter reporter_;
   CardHints cardHints_;
   AttemptLog attempts_;
+  std::optional<EvidenceWatch> evidence_;  ///< where it is kept
   devices::HeadlessPerson person_;
   devices::StreamConsole console_;
   devices::NoSettingsApplication application_;

@@ -94,12 +94,19 @@ ordered_json recordToJson(const RunRecord& record) {
   return object;
 }
 
+Expected<void> writeEvidenceOf(const RunRecord& record, const fs::path& folder) {
+  if (!record.evidence) return {};
+  return writeEvidence(*record.evidence, folder);
+}
+
 std::vector<fs::path> filesOf(const RunRecord& record, const fs::path& folder) {
   std::vector<fs::path> files;
   for (const std::string& film : record.films)
     files.push_back(folder / film);
   files.insert(files.end(), {folder / kSelfieFileName, folder / EventLog::kFileName,
                              folder / SealLog::kFileName});
+  for (const std::string& name : evidenceFileNames())
+    files.push_back(folder / name);
   return files;
 }
 
@@ -158,6 +165,7 @@ WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources
   WrittenRecord result{recordToJson(record), {}};
   const auto written =
       writeSelfie(record.outcome, folder)
+          .and_then([&] { return writeEvidenceOf(record, folder); })
           .and_then([&] { return addHashes("models", resources.models(), result.content); })
           .and_then([&] { return addHashes("sha256", filesOf(record, folder), result.content); })
           .and_then([&] { return writeSealed(result.content.dump(2) + "\n", record.key, folder); })

@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <tl/expected.hpp>
 
+#include "app/report/Evidence.h"
 #include "app/run/DocumentHints.h"
 #include "app/run/Files.h"
 #include "app/run/Resources.h"
@@ -42,8 +43,8 @@ nlohmann::ordered_json cameraSignToJson(const devices::CameraSign& sign);
 /// The fields `camera` and `microphone` (null when there is none).
 nlohmann::ordered_json devicesToJson(const UsedDevices& devices);
 
-/// What a run leaves in its folder beside the film: the selfie and result.json, whose hashes bind
-/// the files together. docs/result.schema.json gives its shape.
+/// What a run leaves in its folder beside the film: the selfie, the evidence and result.json, whose
+/// hashes bind the files together. docs/result.schema.json gives its shape.
 struct RunRecord {
   Outcome outcome;
   UsedDevices devices;
@@ -63,6 +64,7 @@ struct RunRecord {
   nlohmann::ordered_json reference = {};  ///< SHA-256 of its files
   std::string documents = {};             ///< SHA-256 over the files of the kinds of documents
   std::string text = {};                  ///< SHA-256 of the text that was to be read
+  std::optional<Evidence> evidence = {};  ///< absent: none is kept
   std::optional<SigningKey> key = {};     ///< seals the result; absent: nobody vouches for it
   std::optional<engine::ScreenPlaces> places = {};  ///< absent when the flow did not come so far
 };
@@ -85,8 +87,8 @@ struct WrittenRecord {
   std::optional<platform::Fault> fault;  ///< why a file could not be written
 };
 
-/// Writes the selfie, result.json and its seal, and blocks until the whole folder is on the disk.
-/// The film and the events must be closed.
+/// Writes the selfie, the evidence, result.json and its seal, and blocks until the whole folder is
+/// on the disk. The film and the events must be closed.
 WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources,
                              const std::filesystem::path& folder);
 

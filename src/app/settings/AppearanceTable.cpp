@@ -183,6 +183,7 @@ std::vector<TextEntry> textsOf() {
                   {"tooDark", &Card::tooDark},
                   {"blurred", &Card::blurred},
                   {"covered", &Card::covered},
+                  {"copy", &Card::copy},
                   {"retryScreenText", &Card::retryScreenText},
                   {"retryButtonText", &Card::retryButtonText},
                   {"cancelButtonText", &Card::cancelButtonText}},

@@ -207,6 +207,11 @@ std::vector<Row> cardRows() {
           0, 1, "a card whose lightest tenth is darker than that (of white) is not read"),
       row(IDCapture::options, &CardOptions::mostCoveredPrint, "idCapture.mostCoveredPrint", "share",
           0, 1, "a card with more of its print covered since it was last read is not read"),
+      choice(IDCapture::options, &CardOptions::rejectUnreal, "idCapture.rejectUnreal",
+             {"off", "sure", "all"},
+             "which cards are not accepted because they look like copies: off, none; sure, grey "
+             "copies and displays of which there is no doubt; all, suspect ones too, with some "
+             "true cards among them"),
       row(IDCapture::options, &CardOptions::patienceSeconds, "idCapture.patienceSeconds", "s", 0, 5,
           "how long a card has to be wrong in one of these ways before the person is told"),
   };

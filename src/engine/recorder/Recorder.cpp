@@ -22,7 +22,7 @@ using UserInfo = std::map<std::string, std::any>;
 
 namespace {
 
-// What this host does not measure (masks, copies, screens) is left out, not filled with a number.
+// What this host does not measure (masks) is left out, not filled with a number.
 
 UserInfo debugData(const SelfieView& view, const Observation& observation) {
   UserInfo info{{"fullSize", observation.fullSize}};
@@ -44,6 +44,7 @@ corvana::DebugData debugData(const DocumentView& view, const platform::CGSize& f
   data.documentLocation = *view.location;
   data.faceLocation = view.portrait;
   data.topClassifierResults = view.familyMatches;
+  if (view.reading) data.realnessScores = view.reading->realness;
   return data;
 }
 
@@ -322,6 +323,7 @@ void Recorder::report(const SelfieCaptureState& state) {
   note(eventOf(state));
   if (const auto* success = std::get_if<SelfieCaptureState::Success>(&state.value)) {
     selfieFace_ = success->selfie.faceImage;
+    if (setup_.observer) setup_.observer->selfieTaken(success->selfie);
   }
   if (const auto delegate = delegate_.lock()) delegate->update(state);
 }

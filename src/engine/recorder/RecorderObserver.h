@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "corvana/DetectedData.h"
+#include "corvana/Selfie.h"
 
 namespace corvana::engine {
 
@@ -35,6 +36,8 @@ class RecorderObserver {
  public:
   virtual ~RecorderObserver() = default;
   virtual void happened(const RecorderEvent& event) = 0;
+  /// A face was fit for a selfie; whose it is, is the screen's to judge.
+  virtual void selfieTaken(const corvana::Selfie& selfie) { (void)selfie; }
   /// A side of the card was read whole; whose it is, is the screen's to judge.
   virtual void cardRead(const corvana::DetectedData& side) { (void)side; }
 };

@@ -89,7 +89,7 @@ TEST(EndToEnd, AGoodSessionEndsInAResultThatCanBeVerifiedAndRepeated) {
   EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);
   const fs::path again = scratch / "again";
   ASSERT_EQ(runVideoid(captureOf(session, again, withShortLimits(sealed))).exitCode, 0);
-  for (const char* file : {"events.jsonl", "result.json", "result.jws"})
+  for (const char* file : {"events.jsonl", "evidence.json", "result.json", "result.jws"})
     EXPECT_EQ(bytesOf(run / file), bytesOf(again / file)) << file;
 
   writeBytes(run / "events.jsonl", "another story\n");
@@ -217,7 +217,7 @@ TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAndKeepsTheFirstApart
   const ProgramRun retried = runVideoid(
       captureOf(both, run,
                 withShortLimits({"--on-retry", "retry", "--max-retries", "1", "--on-alert", "ok",
-                                 "--done", "never", "--keep-failed-runs"})));
+                                 "--done", "never", "--keep-failed-runs", "--no-evidence"})));
   ASSERT_EQ(retried.exitCode, 0) << retried.errors;
   const json recording = json::parse(retried.output)["recording"];
   EXPECT_EQ(recording["runs"], 2);
@@ -234,7 +234,8 @@ TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAndKeepsTheFirstApart
   const double began = eventsOf(run, "call", "retry").front()["t"];
   const double stopped = eventsOf(run, "call", "stopVideoWriter").back()["t"];
   EXPECT_NEAR(secondsOfFilm(run / "film.mp4"), stopped - began, 0.5);
-  EXPECT_EQ(std::distance(fs::directory_iterator(run), fs::directory_iterator()), 5);
+  EXPECT_EQ(std::distance(fs::directory_iterator(run), fs::directory_iterator()), 5)
+      << "no evidence, which was not wanted";
 }
 
 TEST(EndToEnd, EnrollRefusesTheWrongSidesAndSaysWhy) {
@@ -278,6 +279,28 @@ TEST(EndToEnd, EnrollRefusesACardWhoseDatesAreNotInOrderUnlessItIsAllowed) {
   }
 }
 
+TEST(EndToEnd, EnrollRefusesACopyWithoutColourUnlessItIsAllowed) {
+  const ScratchFolder scratch;
+  const fs::path stills = Session::of("short").camera.parent_path();
+  const std::string copy = scratch / "copy.png";
+  const ProgramRun made =
+      runProgram("ffmpeg", {"-v", "error", "-i", stills / "front.png", "-vf", "hue=s=0", copy});
+  ASSERT_EQ(made.exitCode, 0) << made.errors;
+  Arguments arguments{"enroll", "--front", copy, "--output", scratch / "card"};
+  const ProgramRun refused = runVideoid(arguments);
+  EXPECT_EQ(refused.exitCode, 2);
+  EXPECT_NE(refused.errors.find("the front looks like a copy of the card on paper"),
+            std::string::npos)
+      << refused.errors;
+  arguments.push_back("--allow-copy");
+  const ProgramRun allowed = runVideoid(arguments);
+  EXPECT_EQ(allowed.exitCode, 0) << allowed.errors;
+  EXPECT_NE(allowed.errors.find("WARNING: the front looks like"), std::string::npos);
+  const json reference = json::parse(bytesOf(scratch / "card" / "reference.json"));
+  EXPECT_EQ(reference["front"]["isReal"], false);
+  EXPECT_GE(reference["front"]["realness"]["photocopyScore"].get<double>(), 0.9);
+}
+
 TEST(EndToEnd, ALiveCameraThatDiesEndsTheFlowAndLeavesAFilmThatPlays) {
   const ScratchFolder scratch;
   Session session = Session::of("short");
@@ -311,8 +334,8 @@ TEST(EndToEnd, TheCamerasEndEndsTheFlowAndLeavesAFilmThatPlays) {
       runVideoid(captureOf(session, run, {"--on-retry", "retry", "--max-retries", "5"}));
   EXPECT_EQ(ended.exitCode, 1);
   EXPECT_EQ(json::parse(ended.output)["error"]["cause"], "recordingEnded");
-  EXPECT_EQ(std::distance(fs::directory_iterator(run), fs::directory_iterator()), 3)
-      << "the films of runs that failed are gone";
+  EXPECT_EQ(std::distance(fs::directory_iterator(run), fs::directory_iterator()), 4)
+      << "the films of runs that failed are gone, and the last run came to nothing worth a picture";
   expectPartialFilmPlays(run);
   EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
   EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);

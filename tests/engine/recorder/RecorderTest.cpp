@@ -112,6 +112,38 @@ TEST_F(RecorderTest, StrayLooksNeitherTellOfAFlawNorHideOne) {
   EXPECT_EQ(hints, (Names{"blurred", "none"}));
 }
 
+TEST_F(RecorderTest, ACopyIsToldAndNotAcceptedAsFarAsTheOptionSays) {
+  using Reject = corvana::IDCapture::RejectUnreal;
+  const struct {
+    Reject option;
+    float score;
+    bool accepted;
+  } cases[] = {{Reject::off, 1.0F, true},
+               {Reject::sure, 0.95F, false},
+               {Reject::sure, 0.6F, true},
+               {Reject::all, 0.6F, false},
+               {Reject::all, 0.3F, true}};
+  const auto standing = corvana::IDCapture::options;
+  recorder->setMode(VideoCaptureMode::idCapture);
+  for (const auto& [option, score, accepted] : cases) {
+    SCOPED_TRACE(testing::Message() << static_cast<int>(option) << " at " << score);
+    corvana::IDCapture::options.rejectUnreal = option;
+    analyzer->fill = showPlace(engine::CardVerdict::none);
+    film(1);
+    heard.clear();
+    hints.clear();
+    analyzer->fill = [score = score](Observation& observation) {
+      showCard(engine::CardQuality{})(observation);
+      observation.document->reading->realness = corvana::RealnessScores{.screenScore = score};
+    };
+    film(1);
+    EXPECT_EQ(countHeard("idSuccess") > 0, accepted);
+    EXPECT_GT(countHeard("classifiedDocument"), 0);
+    EXPECT_EQ(hints, accepted ? Names{} : Names{"copy"});
+  }
+  corvana::IDCapture::options = standing;
+}
+
 TEST_F(RecorderTest, TheDarkIsToldAlsoWhereNoCardIsSeenInIt) {
   recorder->setMode(VideoCaptureMode::idCapture);
   analyzer->fill = [](Observation& o) { o.document.emplace().surroundings = 0.1; };
