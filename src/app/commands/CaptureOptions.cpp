@@ -194,6 +194,9 @@ void addCaptureOptions(CLI::App& command, CaptureArguments& arguments) {
       "--challenge-seed", arguments.challengeSeed,
       "whole number from which the tasks of selfieCapture.liveness active are drawn, "
       "to try things (default: the system's randomness, in media time 0)");
+  command.add_flag(
+      "--refuse-voice-without-lips", arguments.refusesVoiceWithoutLips,
+      "lose a face whose lips rest while a voice reads the text; see docs/liveness.md");
   command.add_flag("--keep", arguments.keep, "keep the folder of a cancelled run, too");
   command.add_flag(
       "!--no-evidence", arguments.keepsEvidence,

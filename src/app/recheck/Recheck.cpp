@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdio>
 
-#include "app/recheck/DrawnTasks.h"
 #include "app/recheck/ScratchFolder.h"
 #include "app/run/BuildId.h"
 #include "app/run/CaptureFlow.h"
@@ -88,7 +87,7 @@ class Rechecker {
     arguments.recordsFilms = false;
     arguments.keepsEvidence = false;
     arguments.places = run_.places();
-    arguments.challengeSeed = seedOfTasks(run_.events);
+    arguments.drawn = run_.drawn();
     return arguments;
   }
 

@@ -1,10 +1,12 @@
 #include "app/recheck/RecordedRun.h"
 
 #include <array>
+#include <tuple>
 
 #include "app/run/EventLog.h"
 #include "app/run/Files.h"
 #include "app/run/RunRecord.h"
+#include "engine/selfie/Challenge.h"
 
 namespace corvana::app {
 namespace {
@@ -89,6 +91,16 @@ std::optional<engine::ScreenPlaces> RecordedRun::places() const {
   const auto card = rectAt(screen, "card");
   if (!size || !face || !card) return std::nullopt;
   return engine::ScreenPlaces{{(*size)[0], (*size)[1]}, *face, *card};
+}
+
+std::vector<std::uint32_t> RecordedRun::drawn() const {
+  constexpr std::size_t kOfOneRun = std::tuple_size_v<engine::Challenge>;
+  const json numbers = result.value("drawn", json());
+  if (!numbers.is_array() || numbers.size() < kOfOneRun) return {};
+  std::vector<std::uint32_t> last;
+  for (std::size_t i = numbers.size() - kOfOneRun; i < numbers.size(); ++i)
+    last.push_back(numbers[i].is_number_unsigned() ? numbers[i].get<std::uint32_t>() : 0);
+  return last;
 }
 
 Expected<RecordedRun> readRecordedRun(const fs::path& folder, const TrustedKeys* keys,

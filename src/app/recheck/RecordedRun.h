@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -29,6 +30,8 @@ struct RecordedRun {
   std::string sum(const char* name) const;
   std::optional<engine::CalendarDate> date() const;
   std::optional<engine::ScreenPlaces> places() const;
+  /// The numbers from which the tasks of the last run came; empty when it had none.
+  std::vector<std::uint32_t> drawn() const;
 };
 
 /// Looks whether a key vouches for the record (null: none is asked), and reads it, whatever comes

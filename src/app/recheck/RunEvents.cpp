@@ -38,7 +38,6 @@ std::optional<RunEvent> eventOf(const std::string& line) {
                  .name = textAt(*object, "name"),
                  .text = textAt(*object, "text"),
                  .cause = textAt(*object, "cause"),
-                 .step = textAt(*object, "step"),
                  .value = numberAt(*object, "value"),
                  .threshold = numberAt(*object, "threshold"),
                  .passed = flagAt(*object, "passed")};

@@ -16,7 +16,6 @@ struct RunEvent {
   std::string name;
   std::string text;
   std::string cause;
-  std::string step = {};  ///< of a task
   std::optional<double> value;
   std::optional<double> threshold;
   std::optional<bool> passed;  ///< of a decision or, as `seen`, of a sign

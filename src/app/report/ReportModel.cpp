@@ -95,10 +95,12 @@ class ReportModel {
   }
 
   std::string hintSentence(const json& hint) const {
-    static const std::map<std::string, const char*> kSentences{{"expired", "hintExpired"},
-                                                               {"notYetValid", "hintNotYetValid"},
-                                                               {"underAge", "hintUnderAge"},
-                                                               {"conflict", "hintConflict"}};
+    static const std::map<std::string, const char*> kSentences{
+        {"expired", "hintExpired"},
+        {"notYetValid", "hintNotYetValid"},
+        {"underAge", "hintUnderAge"},
+        {"voiceWithoutLips", "hintVoiceWithoutLips"},
+        {"conflict", "hintConflict"}};
     const std::string name = textIn(hint, "name").value_or("");
     const auto sentence = kSentences.find(name);
     if (sentence == kSentences.end()) return words_.of("hint", {{"name", name}});

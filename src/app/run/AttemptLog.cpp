@@ -92,10 +92,14 @@ void AttemptLog::happened(const RecorderEvent& event) {
       if (event.name == "lost") end(detailsOf(event).value("cause", "outOfSight"));
       break;
     case Kind::call:
-      if (event.name == "retry") ++run_;
+      if (event.name != "retry") break;
+      lipsWereAtRest_ = false;
+      ++run_;
       break;
-    case Kind::task:
     case Kind::sign:
+      if (event.name == "lipsAtRest") lipsWereAtRest_ = detailsOf(event).value("seen", false);
+      [[fallthrough]];
+    case Kind::task:
     case Kind::hint:
       measure(event.name, detailsOf(event));
       break;

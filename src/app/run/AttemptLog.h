@@ -28,6 +28,8 @@ class AttemptLog final : public engine::RecorderObserver {
   /// The flow ended; what was still under way ended with it.
   void finish(const Outcome& outcome);
 
+  /// Whether, in the last run that came to the reading, a voice was heard while the lips rested.
+  bool lipsWereAtRest() const { return lipsWereAtRest_; }
   /// The field `attempts` of result.json, the first one first.
   const nlohmann::ordered_json& toJson() const { return attempts_; }
 
@@ -50,6 +52,7 @@ class AttemptLog final : public engine::RecorderObserver {
   const platform::TimePoint start_;
   engine::RecorderObserver& next_;
   int run_ = 1;
+  bool lipsWereAtRest_ = false;
   std::optional<Attempt> open_;
   nlohmann::ordered_json attempts_ = nlohmann::ordered_json::array();
 };

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "app/run/CalendarDay.h"
 #include "app/run/CallerLink.h"
@@ -46,6 +47,10 @@ struct CaptureArguments {
   /// from 0 in media time.
   std::optional<std::uint32_t> challengeSeed;
   CallerLink::Setup caller;     ///< socket -1: the program's caller follows nothing
+  /// Numbers that an earlier run drew, which come before those of the seed.
+  std::vector<std::uint32_t> drawn;
+  /// A voice while the lips rest ends the run, and is not only a hint.
+  bool refusesVoiceWithoutLips = false;
   bool keep = false;            ///< the folder also of a cancelled run
   bool keepsEvidence = true;    ///< what was compared, for a reviewer
   bool keepFailedRuns = false;  ///< the films of runs that were retried

@@ -87,13 +87,13 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
       sourceDevices_(media_),
       watchedDevices_(screen_.watch(sourceDevices_)),
       mediaDevices_(watchedDevices_ ? *watchedDevices_ : sourceDevices_),
-      randomness_(makeRandomness(arguments, loop_)),
+      randomness_(arguments.drawn, makeRandomness(arguments, loop_)),
       sounds_([this](platform::SystemSoundID sound) {
         reporter_.soundPlayed(sound);
         screen_.play(sound);
       }),
       world_(loop_, screen_, prepared.resources.module, capture::controllerFactories(host_, this),
-             {console_, application_, mediaDevices_, speechAuthorization_, sounds_, *randomness_}),
+             {console_, application_, mediaDevices_, speechAuthorization_, sounds_, randomness_}),
       films_(makeFilms()),
       host_(hostSetup()) {
   followedByCaller();
@@ -151,6 +151,7 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
           screen_.size(),
           &observer,
           [this](const platform::Fault& fault) { end_.fail(fault); },
+          arguments_.refusesVoiceWithoutLips,
           arguments_.places};
 }
 
@@ -250,6 +251,12 @@ RunRecord CaptureFlow::run() {
   return makeRecord(started);
 }
 
+std::vector<DocumentHint> CaptureFlow::hints() const {
+  auto hints = card_.hints();
+  if (attempts_.lipsWereAtRest()) hints.push_back({kVoiceWithoutLips, std::nullopt});
+  return hints;
+}
+
 std::optional<ClockReading> CaptureFlow::readClock() const {
   if (!identity_.clock) return std::nullopt;
   return identity_.clock();
@@ -260,7 +267,8 @@ RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
                    .devices = UsedDevices::of(*media_),
                    .runs = 1 + events_.retries(),
                    .date = engine::isoDate(rules_.today),
-                   .hints = card_.hints(),
+                   .hints = hints(),
+                   .drawn = randomness_.drawn(),
                    .attempts = attempts_.toJson(),
                    .identity = identity_,
                    .started = started,

@@ -9,6 +9,7 @@
 #include "app/run/AttemptLog.h"
 #include "app/run/CardHints.h"
 #include "app/run/CardWatch.h"
+#include "app/run/DrawnNumbers.h"
 #include "app/run/EventLog.h"
 #include "app/run/FlowEnd.h"
 #include "app/run/FlowWorld.h"
@@ -56,6 +57,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   /// After the camera's end; a film that is being stopped is waited for.
   void endAfterGrace(bool filmWasStopping = false);
   void close();
+  std::vector<DocumentHint> hints() const;
   RunRecord makeRecord(std::optional<ClockReading> started) const;
   std::optional<ClockReading> readClock() const;
   void report(const devices::FlowEvent& event);
@@ -91,7 +93,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   std::unique_ptr<platform::MediaDevices> watchedDevices_;
   platform::MediaDevices& mediaDevices_;
   LocalSpeechAuthorization speechAuthorization_;
-  const std::unique_ptr<platform::RandomSource> randomness_;
+  DrawnNumbers randomness_;
   devices::ReportingSystemSounds sounds_;
   FlowWorld world_;
   std::unique_ptr<platform::AssetWriterFactory> films_;

@@ -57,6 +57,7 @@ std::string describe(const DocumentHint& hint, const DocumentRules& rules) {
            " in print conflicts with the one in the " + engine::nameOf(hint.check->against);
   }
   if (hint.name == kSuspectCopy) return "the card looks like a copy";
+  if (hint.name == kVoiceWithoutLips) return "a voice was heard while the lips rested";
   const std::string day = " on " + engine::isoDate(rules.today);
   if (hint.name == engine::nameOf(engine::DateFinding::expired))
     return "the card had expired" + day;

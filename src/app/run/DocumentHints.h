@@ -23,6 +23,9 @@ struct DocumentHint {
   std::optional<corvana::FieldCheck> check;
 };
 
+/// Not of the card: while the text was read a voice was heard and the lips rested.
+inline constexpr const char* kVoiceWithoutLips = "voiceWithoutLips";
+
 /// What is to be said of a card by its sides that were read, conflicts first.
 std::vector<DocumentHint> hintsOf(const std::vector<const corvana::DetectedData*>& sides,
                                   const DocumentRules& rules);

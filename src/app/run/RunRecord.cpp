@@ -84,6 +84,7 @@ ordered_json recordToJson(const RunRecord& record) {
   object["date"] = record.date;
   object["hints"] = hintsToJson(record.hints);
   if (record.places) object["screen"] = placesToJson(*record.places);
+  if (!record.drawn.empty()) object["drawn"] = record.drawn;
   object["options"] = currentOptions();
   object["program"] = programToJson();
   object.update(identityToJson(record.identity, record.started, record.ended));

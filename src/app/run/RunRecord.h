@@ -56,6 +56,7 @@ struct RunRecord {
   int runs = 1;                         ///< how often the flow began: once more than it was retried
   std::string date = {};                ///< the day by which documents were judged, YYYY-MM-DD
   std::vector<DocumentHint> hints = {};
+  std::vector<std::uint32_t> drawn = {};  ///< from which the tasks of all runs came, in their order
   nlohmann::ordered_json attempts = nlohmann::ordered_json::array();  ///< as `AttemptLog` has them
   RunIdentity identity = {};
   std::optional<ClockReading> started = {};

@@ -39,7 +39,8 @@ std::shared_ptr<corvana::VideoCapture> EngineHost::makeVideoCapture(
       setup_.places.value_or(ScreenPlaces{setup_.screenSize, selfieOverlayFrame, idOverlayFrame});
   return Recorder::make({setup_.loop, setup_.notificationCenter, setup_.randomness, setup_.analyzer,
                          setup_.speechRecognizer, film_, captureSession_, places_->face,
-                         places_->card, places_->screen, setup_.observer});
+                         places_->card, places_->screen, setup_.observer,
+                         setup_.refusesVoiceWithoutLips});
 }
 
 }  // namespace corvana::engine

@@ -36,6 +36,8 @@ class EngineHost final : public corvana::HostFactories {
     RecorderObserver* observer = nullptr;
     /// Told on the main queue that no film can be recorded, or no further; may be empty.
     std::function<void(const platform::Fault&)> onFilmFault = {};
+    /// Whether a voice while the lips rest ends a run.
+    bool refusesVoiceWithoutLips = false;
     /// By which pictures are judged, whatever the module's screen says; absent: the screen's.
     std::optional<ScreenPlaces> places = {};
   };

@@ -85,6 +85,8 @@ struct Observation {
   platform::Duration liveFaceLostFor{};
   /// Whether the live face is the selfie's, when it was time to compare them.
   std::optional<PersonCheck> person;
+  /// `mouthOpening` of the live face; only while a text is read, and from a face that is seen well.
+  std::optional<double> mouth;
   std::optional<SelfieView> selfie;      ///< present in the selfie mode
   std::optional<DocumentView> document;  ///< present in the document mode
 };

@@ -86,6 +86,9 @@ void Recorder::enter(VideoCaptureMode mode) {
   selfie_ = {};
   liveness_ = {};
   document_ = {};
+  lips_ = {};
+  lipsNoted_ = false;
+  sound_.take();
   tell({});
   publishTask();
   startTimeOut();
@@ -151,6 +154,8 @@ void Recorder::pause() {
 }
 
 void Recorder::stopVideoWriter(StopCompletion completion) {
+  // What was known at the end of the reading counts.
+  if (active_ && mode_ == VideoCaptureMode::readingText) noteLips();
   note({Kind::call, "stopVideoWriter", {}});
   // Whatever is recorded next begins with a selfie. The screen asks for the mode before `retry()`,
   // when it chooses the caption that the user will come back to.
@@ -224,6 +229,7 @@ void Recorder::observe(const Observation& observation) {
   if (!active_ || observation.task.run != run_) return;
   watchLiveFace(observation);
   if (active_) watchPerson(observation);
+  if (active_) watchLips(observation);
   if (!active_ || observation.task.mode != mode_) return;
   if (corvana::VideoCapture::options.isDebugMode) postDebugData(observation);
   const auto now = setup_.loop.now();
@@ -277,6 +283,21 @@ void Recorder::watchPerson(const Observation& observation) {
   if (verdict == PersonWatch::Verdict::another) return loseFace(observation, "anotherPerson");
   const bool isReading = mode_ == VideoCaptureMode::readingText;
   if (isReading && verdict == PersonWatch::Verdict::unknown) loseFace(observation, "unjudged");
+}
+
+void Recorder::noteLips() {
+  if (const auto sign = lips_.sign()) note(eventOf(*sign));
+}
+
+void Recorder::watchLips(const Observation& observation) {
+  if (mode_ != VideoCaptureMode::readingText) return;
+  for (const auto& samples : sound_.take())
+    lips_.addSound(*samples);
+  if (observation.mouth) lips_.addMouth(observation.frameTime, *observation.mouth);
+  const auto sign = lips_.sign();
+  const bool rest = sign && sign->isSeen;
+  if (rest != std::exchange(lipsNoted_, rest)) noteLips();
+  if (rest && setup_.refusesVoiceWithoutLips) loseFace(observation, "lipsAtRest");
 }
 
 /// Who showed the card must be known to be the one of the selfie.

@@ -14,6 +14,8 @@
 #include "engine/recorder/PersonWatch.h"
 #include "engine/recorder/RecorderObserver.h"
 #include "engine/recorder/SelfiePhase.h"
+#include "engine/recorder/SoundTap.h"
+#include "engine/selfie/LipsWatch.h"
 #include "platform/foundation/NotificationCenter.h"
 #include "platform/foundation/RandomSource.h"
 
@@ -37,6 +39,8 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
     platform::CGRect idOverlayFrame;
     platform::CGSize screenSize;
     RecorderObserver* observer = nullptr;
+    /// A voice while the lips rest is a lost face, not only a sign.
+    bool refusesVoiceWithoutLips = false;
   };
 
   static std::shared_ptr<Recorder> make(Setup setup);
@@ -44,7 +48,7 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
 
   void setDelegate(std::weak_ptr<corvana::VideoCaptureDelegate> delegate) override;
   corvana::SpeechRecognizer* speechRecognizer() override { return setup_.speechRecognizer.get(); }
-  corvana::VideoWriter& videoWriter() override { return *setup_.film; }
+  corvana::VideoWriter& videoWriter() override { return sound_; }
   corvana::VideoCaptureMode mode() const override { return mode_; }
   void setMode(corvana::VideoCaptureMode mode) override;
   void stopVideoWriter(StopCompletion completion) override;
@@ -76,7 +80,7 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   static constexpr platform::Duration kTimeOutRepetition = std::chrono::seconds(1);
 
  private:
-  explicit Recorder(Setup setup) : setup_(std::move(setup)) {}
+  explicit Recorder(Setup setup) : setup_(std::move(setup)), sound_(setup_.film) {}
 
   bool filmIsBehind();
   std::optional<AnalysisTask> taskFor(const platform::CMSampleBuffer& sample);
@@ -93,6 +97,8 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   void judgeSelfie(const SelfieView& view);
   void watchLiveFace(const Observation& observation);
   void watchPerson(const Observation& observation);
+  void watchLips(const Observation& observation);
+  void noteLips();
   void loseFace(const Observation& observation, const std::string& cause);
   bool mayReport(const corvana::IDCaptureState& state) const;
   void report(const corvana::SelfieCaptureState& state);
@@ -102,6 +108,7 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   void note(const RecorderEvent& event);
 
   Setup setup_;
+  SoundTap sound_;
 
   // Main queue.
   std::weak_ptr<corvana::VideoCaptureDelegate> delegate_;
@@ -113,6 +120,8 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   SelfiePhase selfie_;
   LivenessEvents liveness_;
   PersonWatch person_;
+  LipsWatch lips_;
+  bool lipsNoted_ = false;           ///< that a voice was heard while they rest
   platform::UIImageRef selfieFace_;  ///< of the selfie that succeeded last
   DocumentPhase document_;
   std::optional<CardFlaw> told_;  ///< the hint that stands

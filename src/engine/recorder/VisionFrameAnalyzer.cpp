@@ -6,6 +6,7 @@
 
 #include "corvana/SelfieCapture.h"
 #include "engine/document/CardWarp.h"
+#include "engine/selfie/LipsWatch.h"
 #include "engine/vision/ImageOps.h"
 #include "platform/foundation/Fault.h"
 
@@ -23,6 +24,10 @@ using platform::PixelBufferRef;
 /// phone held upright, and a quarter of the work of 4K.
 constexpr int kStandardSide = 1280;
 
+/// Of a face whose lips are looked at.
+constexpr float kLeastPresence = 0.5F;
+constexpr double kMostMouthYaw = 30;
+
 PixelBufferRef analysisPicture(const PixelBufferRef& image, corvana::CaptureMode mode) {
   const int longest = std::max(image->width(), image->height());
   if (mode != corvana::CaptureMode::standard || longest <= kStandardSide) return rgbPicture(image);
@@ -35,6 +40,13 @@ LivenessJudge::Limits livenessLimits() {
   const SelfieCapture::Options& options = SelfieCapture::options;
   return {platform::seconds(options.livenessWatchSeconds), options.livenessBlinkShare,
           options.livenessRelief, options.livenessRepetition, options.livenessEdges};
+}
+
+/// Absent where the lips are not seen from in front.
+std::optional<double> mouthIn(const FaceDetails& face) {
+  const bool isSeen = face.presence >= kLeastPresence && std::abs(face.pose.yaw) <= kMostMouthYaw;
+  if (!isSeen) return {};
+  return mouthOpening(face.mesh);
 }
 
 CGSize sizeOf(const PixelBuffer& picture) {
@@ -57,6 +69,7 @@ VisionFrameAnalyzer::VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
                                          const std::shared_ptr<FaceLandmarks>& landmarks,
                                          FaceEmbedder embedder, DocumentAnalyzer documents)
     : detector_(std::move(detector)),
+      landmarks_(landmarks),
       selfies_(detector_, landmarks),
       persons_(landmarks, std::move(embedder)),
       documents_(std::move(documents)) {}
@@ -148,6 +161,9 @@ void VisionFrameAnalyzer::followLiveFace(const PixelBuffer& picture, Observation
   observation.liveFaceLostFor = sighting.lostFor;
   if (!sighting.box) return;
   const auto face = std::ranges::find(faces, *sighting.box, &Face::box);
+  if (observation.task.mode == VideoCaptureMode::readingText) {
+    observation.mouth = mouthIn(landmarks_->locate(picture, *face));
+  }
   observation.person =
       persons_.look(observation.frameTime, picture, *face,
                     {observation.task.selfieFace, SelfieCapture::options.samePersonThreshold});

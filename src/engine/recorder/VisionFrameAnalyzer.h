@@ -58,6 +58,7 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   void watchPrint(const CardSighting& sighting, platform::TimePoint now);
 
   std::shared_ptr<FaceDetector> detector_;
+  std::shared_ptr<FaceLandmarks> landmarks_;
   SelfieAnalyzer selfies_;
   PersonCompare persons_;
   DocumentAnalyzer documents_;

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/recheck/DrawnTasks.h"
 #include "app/recheck/Judgements.h"
-#include "engine/selfie/Challenge.h"
 #include "support/Scratch.h"
 
 namespace corvana::tests {
@@ -122,26 +120,6 @@ TEST_F(RunEventsTest, RefusesWhatIsNoLogOfARunWithOneSentence) {
         << events.error().sentence;
   }
   EXPECT_FALSE(app::readRunEvents(scratch / "none.jsonl"));
-}
-
-TEST_F(RunEventsTest, LeadsToTheSeedByWhichTheTasksOfTheAttemptAreDrawn) {
-  platform::SeededRandom live(86);
-  const engine::Challenge drawn = engine::drawChallenge(live);
-  std::string lines = R"({"t":0.4,"event":"mode","name":"selfieCapture"})"
-                      "\n";
-  for (const engine::LivenessTask task : drawn)
-    lines +=
-        R"({"t":0.4,"event":"task","step":"drawn","name":")" + std::string(nameOf(task)) + "\"}\n";
-  const auto events = read(lines);
-  ASSERT_TRUE(events) << events.error().sentence;
-  const auto seed = app::seedOfTasks(*events);
-  ASSERT_TRUE(seed);
-  platform::SeededRandom again(*seed);
-  EXPECT_EQ(engine::drawChallenge(again), drawn);
-
-  EXPECT_FALSE(app::seedOfTasks(*read(kFirstAttempt))) << "no task was drawn";
-  EXPECT_FALSE(
-      app::seedOfTasks(*read(lines + R"({"t":1,"event":"task","step":"drawn","name":"dance"})")));
 }
 
 }  // namespace

@@ -90,6 +90,38 @@ TEST_F(RecorderTest, TakesNoCardAndNoReadingFromAFaceThatCannotBeJudged) {
   EXPECT_EQ(countHeard("liveFaceLost"), 1);
 }
 
+/// A tenth of a second of a voice, or of none.
+platform::CMSampleBufferRef sound(platform::TimePoint time, std::int16_t amplitude) {
+  auto buffer = std::make_shared<platform::CMSampleBuffer>();
+  buffer->presentationTime = time;
+  buffer->sampleRate = 8000;
+  buffer->channels = 1;
+  for (int i = 0; i < 800; ++i)
+    buffer->samples.push_back(static_cast<std::int16_t>(i % 40 < 20 ? amplitude : -amplitude));
+  return buffer;
+}
+
+TEST_F(RecorderTest, NotesAVoiceThatIsHeardWhileTheLipsRestAndLosesNobodyForIt) {
+  for (const bool dubbed : {false, true}) {
+    noted.clear();
+    recorder->setMode(VideoCaptureMode::readingText);
+    int looks = 0;
+    analyzer->fill = [&](Observation& observation) {
+      showGoodFace(observation);
+      observation.mouth = dubbed || ++looks % 4 < 2 ? 0.05 : 0.2;
+    };
+    for (int i = 0; i < 50; ++i) {
+      recorder->videoWriter().writeAudio(sound(loop.now(), i < 10 ? 20 : 5000));
+      film(0.1);
+    }
+    EXPECT_EQ(std::ranges::count(noted, "lipsAtRest"), dubbed ? 1 : 0);
+    EXPECT_EQ(countHeard("liveFaceLost"), 0);
+    recorder->stopVideoWriter(nullptr);
+    EXPECT_EQ(std::ranges::count(noted, "lipsAtRest"), dubbed ? 2 : 1) << "at the end in any case";
+    recorder->retry();
+  }
+}
+
 /// Set before the recorder is made.
 struct ActiveLiveness {
   ActiveLiveness() {
