@@ -31,7 +31,11 @@ int run(int argc, char** argv) {
   app::addScreensCommand(program, exitCode);
   app::addKeyCommand(program, exitCode);
   app::addVerifyCommand(program, exitCode);
+  app::addRecheckCommand(program, exitCode);
+  app::addReportCommand(program, exitCode);
   app::addTimestampCommand(program, exitCode);
+  app::addCompareCommand(program, exitCode);
+  app::addEmbedCommand(program, exitCode);
   app::addDevicesCommand(program, exitCode);
   app::addDocumentsCommand(program, exitCode);
   app::addDoctorCommand(program, exitCode);

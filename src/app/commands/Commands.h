@@ -13,12 +13,20 @@ void addEnrollCommand(CLI::App& app, ExitCode& exitCode);
 void addKeyCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid verify`: whether a record is what was recorded, and who vouches for it.
 void addVerifyCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid recheck`: judges the film of a record again.
+void addRecheckCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid report`: a page that shows people what a record holds.
+void addReportCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid timestamp`: a third party's word for when a record was there.
 void addTimestampCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid devices`: cameras and microphones that `capture` can use.
 void addDevicesCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid documents`: the kinds of documents that are known.
 void addDocumentsCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid compare`: whether two photographs show the same face.
+void addCompareCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid embed`: what the face model makes of photographs.
+void addEmbedCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid doctor`: what the machine lacks.
 void addDoctorCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid options`: every key with unit, default and meaning.

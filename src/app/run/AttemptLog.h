@@ -22,6 +22,7 @@ class AttemptLog final : public engine::RecorderObserver {
       : loop_(loop), start_(loop.now()), next_(next) {}
 
   void happened(const engine::RecorderEvent& event) override;
+  void selfieTaken(const corvana::Selfie& selfie) override { next_.selfieTaken(selfie); }
   void cardRead(const corvana::DetectedData& side) override { next_.cardRead(side); }
   void decided(const corvana::Decision& decision);
   /// The flow ended; what was still under way ended with it.

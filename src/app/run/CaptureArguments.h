@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -10,6 +11,7 @@
 #include "app/run/FlowScreen.h"
 #include "devices/gstreamer/MediaElements.h"
 #include "devices/headless/HeadlessPerson.h"
+#include "engine/recorder/ScreenPlaces.h"
 
 namespace corvana::app {
 
@@ -39,8 +41,15 @@ struct CaptureArguments {
   /// The habits answer the screens, not the person before the window.
   bool personIsVirtual = true;
   double maxDurationSeconds = kUsualLimitSeconds;
+  /// From which the tasks of the active mode are drawn; absent: from the system's randomness, or
+  /// from 0 in media time.
+  std::optional<std::uint32_t> challengeSeed;
   bool keep = false;            ///< the folder also of a cancelled run
+  bool keepsEvidence = true;    ///< what was compared, for a reviewer
   bool keepFailedRuns = false;  ///< the films of runs that were retried
+  /// False: films are only counted, as there is one already.
+  bool recordsFilms = true;
+  std::optional<engine::ScreenPlaces> places;  ///< in place of the screen's own
 };
 
 }  // namespace corvana::app

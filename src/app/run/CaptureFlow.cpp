@@ -3,8 +3,10 @@
 #include <iostream>
 #include <utility>
 
+#include "app/run/CountedFilms.h"
 #include "app/seal/Sha256.h"
 #include "capture/ControllerFactories.h"
+#include "devices/system/SystemRandom.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
 
 namespace corvana::app {
@@ -29,6 +31,14 @@ bool belongsInLog(FlowEvent::Kind kind) {
     default:
       return false;
   }
+}
+
+/// In media time the same session has to give the same run.
+std::unique_ptr<platform::RandomSource> makeRandomness(const CaptureArguments& arguments,
+                                                       const platform::RunLoop& loop) {
+  const bool isForeseen = arguments.challengeSeed || loop.isVirtual();
+  if (!isForeseen) return std::make_unique<devices::SystemRandom>();
+  return std::make_unique<platform::SeededRandom>(arguments.challengeSeed.value_or(0));
 }
 
 nlohmann::ordered_json fieldsOf(const FlowEvent& event) {
@@ -69,20 +79,23 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
                    screen_.hint(words);
                  }),
       attempts_(loop_, cardHints_),
+      evidence_(arguments.keepsEvidence
+                    ? std::make_optional<EvidenceWatch>(attempts_, inputs_.reference, inputs_.text)
+                    : std::nullopt),
       person_(loop_, arguments.habits),
       console_(std::cerr),
       sourceDevices_(media_),
       watchedDevices_(screen_.watch(sourceDevices_)),
       mediaDevices_(watchedDevices_ ? *watchedDevices_ : sourceDevices_),
+      randomness_(makeRandomness(arguments, loop_)),
       sounds_([this](platform::SystemSoundID sound) {
         reporter_.soundPlayed(sound);
         screen_.play(sound);
       }),
       world_(loop_, screen_, prepared.resources.module, capture::controllerFactories(host_, this),
-             {console_, application_, mediaDevices_, speechAuthorization_, sounds_}),
-      films_(loop_),
+             {console_, application_, mediaDevices_, speechAuthorization_, sounds_, *randomness_}),
+      films_(makeFilms()),
       host_(hostSetup()) {
-  if (seal_) films_.showTo(seal_->witnesses());
   world_.hub().add(reporter_);
   if (arguments.personIsVirtual) world_.hub().add(person_);
 }
@@ -98,25 +111,47 @@ std::optional<RunSeal> CaptureFlow::makeSeal() {
                                      [this](const platform::Fault& fault) { recordFailed(fault); });
 }
 
-engine::EngineHost::Setup CaptureFlow::hostSetup() {
+std::unique_ptr<platform::AssetWriterFactory> CaptureFlow::makeFilms() {
+  if (!arguments_.recordsFilms) return std::make_unique<CountedFilms>();
+  auto films = std::make_unique<devices::FilmWriterFactory>(loop_);
+  if (seal_) films->showTo(seal_->witnesses());
+  return films;
+}
+
+std::shared_ptr<corvana::SpeechRecognizer> CaptureFlow::makeRecognizer() {
   auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
       loop_, engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder), inputs_.text);
+  if (!evidence_) return recognizer;
+  return listenIn(std::move(recognizer), [this](const auto& result) { evidence_->heard(result); });
+}
+
+engine::EngineHost::Setup CaptureFlow::hostSetup() {
+  engine::RecorderObserver& observer =
+      evidence_ ? static_cast<engine::RecorderObserver&>(*evidence_) : attempts_;
   return {loop_,
           world_.notificationCenter(),
           mediaDevices_,
-          films_,
+          *films_,
+          world_.environment().randomness,
           analyzer_,
-          std::move(recognizer),
+          makeRecognizer(),
           inputs_.folder,
           arguments_.keepFailedRuns,
           screen_.size(),
-          &attempts_,
-          [this](const platform::Fault& fault) { end_.fail(fault); }};
+          &observer,
+          [this](const platform::Fault& fault) { end_.fail(fault); },
+          arguments_.places};
 }
 
 void CaptureFlow::report(const FlowEvent& event) {
   if (belongsInLog(event.kind)) events_.add(devices::nameOf(event.kind), fieldsOf(event));
   if (progress_) progress_(loop_.now(), event);
+}
+
+void CaptureFlow::decided(const corvana::Decision& decision) {
+  if (evidence_) evidence_->decided(decision);
+  attempts_.decided(decision);
+  events_.decided(decision);
 }
 
 void CaptureFlow::endAfterGrace(bool filmWasStopping) {
@@ -135,9 +170,18 @@ void CaptureFlow::watchWorld() {
   media_->onEnd = [this] { endAfterGrace(); };
   media_->onError = [this](const platform::Fault& fault) { end_.fail(fault); };
   media_->onWarning = [this](const std::string& sentence) { warn(sentence); };
+  media_->onCameraSign = [this](const devices::CameraSign& sign) { suspect(sign); };
   events_.add("devices", devicesToJson(UsedDevices::of(*media_)));
   if (media_->microphone()) return;
   warn("There is no microphone: the film will be silent and no word can be heard.");
+}
+
+void CaptureFlow::suspect(const devices::CameraSign& sign) {
+  events_.add("cameraSign", cameraSignToJson(sign));
+  const std::string sentence = "The camera's stream looks as if software fed it in (" + sign.name +
+                               "): make sure that it is a camera.";
+  warn(sentence);
+  if (arguments_.source.refuseInjected) end_.fail({sentence});
 }
 
 void CaptureFlow::warn(const std::string& sentence) {
@@ -167,6 +211,7 @@ void CaptureFlow::close() {
   media_->onEnd = nullptr;
   media_->onError = nullptr;
   media_->onWarning = nullptr;
+  media_->onCameraSign = nullptr;
   world_.close();
   if (const auto film = host_.film()) {
     bool closed = false;
@@ -212,7 +257,9 @@ RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
                    .reference = inputs_.referenceSums,
                    .documents = inputs_.documentsSum,
                    .text = sha256Of(inputs_.text),
-                   .key = inputs_.key};
+                   .key = inputs_.key,
+                   .places = host_.places()};
+  if (evidence_) record.evidence = evidence_->evidence();
   if (const auto film = host_.film()) {
     record.recording = film->counters();
     record.films = film->fileNames();

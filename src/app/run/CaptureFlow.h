@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "app/report/EvidenceWatch.h"
 #include "app/run/AttemptLog.h"
 #include "app/run/CardHints.h"
 #include "app/run/CardWatch.h"
@@ -34,16 +35,21 @@ class CaptureFlow final : private corvana::DecisionObserver {
 
   /// Runs to the end and closes film and events: every flow ends, with a result or an error.
   RunRecord run();
+  /// Whether a signal ended it.
+  bool wasInterrupted() const { return signals_.arrived(); }
 
  private:
   engine::EngineHost::Setup hostSetup();
   std::optional<RunSeal> makeSeal();
+  std::unique_ptr<platform::AssetWriterFactory> makeFilms();
+  std::shared_ptr<corvana::SpeechRecognizer> makeRecognizer();
   void start();
   void watchWorld();
   /// What has ended by itself or by a signal.
   bool hasEnded();
   /// A line of events or of the seal that is missing spoils the evidence.
   void recordFailed(const platform::Fault& fault);
+  void suspect(const devices::CameraSign& sign);
   /// Tells the terminal and the record of the run, not the person before a window.
   void warn(const std::string& sentence);
   /// After the camera's end; a film that is being stopped is waited for.
@@ -52,10 +58,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   RunRecord makeRecord(std::optional<ClockReading> started) const;
   std::optional<ClockReading> readClock() const;
   void report(const devices::FlowEvent& event);
-  void decided(const corvana::Decision& decision) override {
-    attempts_.decided(decision);
-    events_.decided(decision);
-  }
+  void decided(const corvana::Decision& decision) override;
   void prompted(corvana::PromptPlace place, corvana::PromptType type) override {
     reporter_.prompted(place, type);
   }
@@ -78,6 +81,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   devices::FlowReporter reporter_;
   CardHints cardHints_;
   AttemptLog attempts_;
+  std::optional<EvidenceWatch> evidence_;  ///< where it is kept
   devices::HeadlessPerson person_;
   devices::StreamConsole console_;
   devices::NoSettingsApplication application_;
@@ -85,9 +89,10 @@ class CaptureFlow final : private corvana::DecisionObserver {
   std::unique_ptr<platform::MediaDevices> watchedDevices_;
   platform::MediaDevices& mediaDevices_;
   LocalSpeechAuthorization speechAuthorization_;
+  const std::unique_ptr<platform::RandomSource> randomness_;
   devices::ReportingSystemSounds sounds_;
   FlowWorld world_;
-  devices::FilmWriterFactory films_;
+  std::unique_ptr<platform::AssetWriterFactory> films_;
   engine::EngineHost host_;
 };
 

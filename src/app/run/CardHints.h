@@ -18,6 +18,7 @@ class CardHints final : public engine::RecorderObserver {
   CardHints(engine::RecorderObserver& next, Show show) : next_(next), show_(std::move(show)) {}
 
   void happened(const engine::RecorderEvent& event) override;
+  void selfieTaken(const corvana::Selfie& selfie) override { next_.selfieTaken(selfie); }
   void cardRead(const corvana::DetectedData& side) override { next_.cardRead(side); }
 
  private:

@@ -4,6 +4,7 @@
 
 #include "app/run/DocumentFolders.h"
 #include "app/run/MachineCheck.h"
+#include "corvana/SelfieCapture.h"
 #include "devices/loudspeaker/EspeakSynthesizer.h"
 #include "engine/recorder/LateFrameAnalyzer.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
@@ -76,9 +77,17 @@ Expected<Analyzer> startAnalyzer(const Resources& resources, const DocumentChoic
 /// What is missing whatever the camera is; empty when nothing is.
 std::string machineLack(const CaptureArguments& arguments) {
   if (auto lack = lacks(examineMachine()); !lack.empty()) return lack;
+  if (!arguments.recordsFilms) return {};
   if (!devices::realTimeVideoCodecs(arguments.videoCodec).empty()) return {};
   return "No encoder for the film's --video-codec is installed: install "
          "gstreamer1.0-plugins-bad for hevc, gstreamer1.0-plugins-ugly for h264.";
+}
+
+std::string diskLack(const CaptureArguments& arguments, const std::filesystem::path& folder,
+                     const devices::MediaSource& media) {
+  if (!arguments.recordsFilms) return {};
+  const auto needed = bytesNeeded(media.camera().get(), arguments.maxDurationSeconds);
+  return lacks({diskSpace(folder, needed)});
 }
 
 /// Dresses the screen as it was asked for.
@@ -93,6 +102,15 @@ tl::expected<WindowWishes, Refusal> chooseLooks(const CaptureArguments& argument
   if (const auto fault = hintsFault(arguments, wishes.looks); !fault.empty()) {
     return refuse(ExitCode::machineLacks, fault);
   }
+  return wishes;
+}
+
+/// Whoever turns the head away does not see what to do next: tasks are spoken where there is a
+/// voice.
+WindowWishes withSpokenTasks(WindowWishes wishes) {
+  using corvana::SelfieCapture;
+  const bool hasTasks = SelfieCapture::options.liveness == SelfieCapture::Liveness::active;
+  wishes.looks.spokenHints |= hasTasks && !devices::EspeakSynthesizer::fault();
   return wishes;
 }
 
@@ -150,8 +168,7 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   if (!media) return refuse(ExitCode::wrongUse, media.error().sentence);
   prepared.media = *media;
   const std::filesystem::path& folder = prepared.inputs.folder;
-  const auto needed = bytesNeeded(prepared.media->camera().get(), arguments.maxDurationSeconds);
-  if (const auto lack = lacks({diskSpace(folder, needed)}); !lack.empty()) {
+  if (const auto lack = diskLack(arguments, folder, *prepared.media); !lack.empty()) {
     return refuse(ExitCode::machineLacks, lack);
   }
   auto analyzer = startAnalyzer(prepared.resources, arguments.documents, prepared.rules, loop);
@@ -160,7 +177,8 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   if (auto made = makeEmptyFolder(folder); !made) {
     return refuse(ExitCode::wrongUse, made.error().sentence);
   }
-  prepared.stage.screen = makeScreenFor(arguments, *wishes, prepared.resources, loop);
+  prepared.stage.screen =
+      makeScreenFor(arguments, withSpokenTasks(*wishes), prepared.resources, loop);
   return prepared;
 }
 

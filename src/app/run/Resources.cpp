@@ -9,7 +9,7 @@ namespace {
 namespace fs = std::filesystem;
 
 Resources below(const fs::path& folder) {
-  return {folder / "capture", folder / "engine", folder / "screen"};
+  return {folder / "capture", folder / "engine", folder / "screen", folder / "report"};
 }
 
 }  // namespace
@@ -22,7 +22,7 @@ Resources findResources() {
   if (fs::is_directory(installed, error)) return below(installed);
   const fs::path source = CORVANA_SOURCE_DIR;
   return {source / "src/capture/resources", source / "src/engine/resources",
-          source / "src/devices/qtquick/qml"};
+          source / "src/devices/qtquick/qml", source / "src/app/report/resources"};
 }
 
 }  // namespace corvana::app

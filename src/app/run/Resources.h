@@ -14,6 +14,7 @@ struct Resources {
   std::filesystem::path engine;  ///< of the reference host: models, kinds of documents
 
   std::filesystem::path storyboards;  ///< QML modules of the window
+  std::filesystem::path report;       ///< page, style, script and words of `videoid report`
 
   std::filesystem::path faceModel() const { return module / "facenet.tflite"; }
   std::filesystem::path faceDetector() const {

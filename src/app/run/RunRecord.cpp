@@ -34,7 +34,10 @@ ordered_json outcomeToJson(const RunRecord& record) {
 }
 
 ordered_json deviceToJson(const UsedDevices::Device& device) {
-  return {{"name", device.name}, {"virtual", device.isVirtual}};
+  ordered_json object{{"name", device.name}, {"virtual", device.isVirtual}};
+  for (const devices::CameraSign& sign : device.signs)
+    object["signs"].push_back(cameraSignToJson(sign));
+  return object;
 }
 
 ordered_json recordingToJson(const RunRecord& record) {
@@ -62,6 +65,16 @@ ordered_json programToJson() {
   return {{"name", "videoid"}, {"version", CORVANA_VERSION}, {"build", buildId()}};
 }
 
+ordered_json rectToJson(const platform::CGRect& rect) {
+  return {rect.x, rect.y, rect.width, rect.height};
+}
+
+ordered_json placesToJson(const engine::ScreenPlaces& places) {
+  return {{"size", {places.screen.width, places.screen.height}},
+          {"face", rectToJson(places.face)},
+          {"card", rectToJson(places.card)}};
+}
+
 ordered_json recordToJson(const RunRecord& record) {
   ordered_json object = {{"formatVersion", kFormatVersion}};
   object.update(outcomeToJson(record));
@@ -70,6 +83,7 @@ ordered_json recordToJson(const RunRecord& record) {
   object["attempts"] = record.attempts;
   object["date"] = record.date;
   object["hints"] = hintsToJson(record.hints);
+  if (record.places) object["screen"] = placesToJson(*record.places);
   object["options"] = currentOptions();
   object["program"] = programToJson();
   object.update(identityToJson(record.identity, record.started, record.ended));
@@ -79,12 +93,19 @@ ordered_json recordToJson(const RunRecord& record) {
   return object;
 }
 
+Expected<void> writeEvidenceOf(const RunRecord& record, const fs::path& folder) {
+  if (!record.evidence) return {};
+  return writeEvidence(*record.evidence, folder);
+}
+
 std::vector<fs::path> filesOf(const RunRecord& record, const fs::path& folder) {
   std::vector<fs::path> files;
   for (const std::string& film : record.films)
     files.push_back(folder / film);
   files.insert(files.end(), {folder / kSelfieFileName, folder / EventLog::kFileName,
                              folder / SealLog::kFileName});
+  for (const std::string& name : evidenceFileNames())
+    files.push_back(folder / name);
   return files;
 }
 
@@ -105,8 +126,15 @@ Expected<void> writeSealed(const std::string& content, const std::optional<Signi
 
 }  // namespace
 
+ordered_json cameraSignToJson(const devices::CameraSign& sign) {
+  return {{"name", sign.name},
+          {"value", eventNumber(sign.value)},
+          {"threshold", eventNumber(sign.limit)}};
+}
+
 UsedDevices UsedDevices::of(const devices::MediaSource& media) {
-  UsedDevices used{{media.camera()->localizedName(), media.cameraIsVirtual()}, {}};
+  UsedDevices used{{media.camera()->localizedName(), media.cameraIsVirtual(), media.cameraSigns()},
+                   {}};
   if (const auto microphone = media.microphone()) {
     used.microphone = Device{microphone->localizedName(), media.microphoneIsVirtual()};
   }
@@ -136,6 +164,7 @@ WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources
   WrittenRecord result{recordToJson(record), {}};
   const auto written =
       writeSelfie(record.outcome, folder)
+          .and_then([&] { return writeEvidenceOf(record, folder); })
           .and_then([&] { return addHashes("models", resources.models(), result.content); })
           .and_then([&] { return addHashes("sha256", filesOf(record, folder), result.content); })
           .and_then([&] { return writeSealed(result.content.dump(2) + "\n", record.key, folder); })

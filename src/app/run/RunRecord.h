@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <tl/expected.hpp>
 
+#include "app/report/Evidence.h"
 #include "app/run/DocumentHints.h"
 #include "app/run/Files.h"
 #include "app/run/Resources.h"
@@ -17,6 +18,7 @@
 #include "capture/Corvana+VideoCapture.h"
 #include "corvana/IDError.h"
 #include "devices/film/MediaSource.h"
+#include "engine/recorder/ScreenPlaces.h"
 #include "platform/media/AssetWriter.h"
 
 namespace corvana::app {
@@ -28,6 +30,7 @@ struct UsedDevices {
   struct Device {
     std::string name;
     bool isVirtual = false;
+    std::vector<devices::CameraSign> signs = {};  ///< against a camera
   };
   Device camera;
   std::optional<Device> microphone;
@@ -35,11 +38,13 @@ struct UsedDevices {
   static UsedDevices of(const devices::MediaSource& media);
 };
 
+/// A sign against the camera with its figure and limit.
+nlohmann::ordered_json cameraSignToJson(const devices::CameraSign& sign);
 /// The fields `camera` and `microphone` (null when there is none).
 nlohmann::ordered_json devicesToJson(const UsedDevices& devices);
 
-/// What a run leaves in its folder beside the film: the selfie and result.json, whose hashes bind
-/// the files together. docs/result.schema.json gives its shape.
+/// What a run leaves in its folder beside the film: the selfie, the evidence and result.json, whose
+/// hashes bind the files together. docs/result.schema.json gives its shape.
 struct RunRecord {
   Outcome outcome;
   UsedDevices devices;
@@ -58,7 +63,9 @@ struct RunRecord {
   nlohmann::ordered_json reference = {};  ///< SHA-256 of its files
   std::string documents = {};             ///< SHA-256 over the files of the kinds of documents
   std::string text = {};                  ///< SHA-256 of the text that was to be read
+  std::optional<Evidence> evidence = {};  ///< absent: none is kept
   std::optional<SigningKey> key = {};     ///< seals the result; absent: nobody vouches for it
+  std::optional<engine::ScreenPlaces> places = {};  ///< absent when the flow did not come so far
 };
 
 /// What is known of a run at its start, in the fields of result.json that will say it again; both
@@ -79,8 +86,8 @@ struct WrittenRecord {
   std::optional<platform::Fault> fault;  ///< why a file could not be written
 };
 
-/// Writes the selfie, result.json and its seal, and blocks until the whole folder is on the disk.
-/// The film and the events must be closed.
+/// Writes the selfie, the evidence, result.json and its seal, and blocks until the whole folder is
+/// on the disk. The film and the events must be closed.
 WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources,
                              const std::filesystem::path& folder);
 

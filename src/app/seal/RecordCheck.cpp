@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "app/report/ReportFile.h"
 #include "app/run/EventLog.h"
 #include "app/run/Files.h"
 #include "app/run/RunRecord.h"
@@ -267,6 +268,11 @@ class RecordChecker {
 
   /// What somebody put beside a record could be taken for a part of it.
   void checkStrangers() {
+    if (isThere(kReportFileName)) {
+      known_.push_back(kReportFileName);
+      add(kReportFileName,
+          "made afterwards, and nothing vouches for it: make your own with `videoid report`");
+    }
     std::vector<std::string> strangers;
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(folder_, error)) {

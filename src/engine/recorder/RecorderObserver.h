@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "corvana/DetectedData.h"
+#include "corvana/Selfie.h"
 
 namespace corvana::engine {
 
@@ -18,6 +19,7 @@ struct RecorderEvent {
     call,      ///< "stopVideoWriter", "retry", "typeMismatch"
     hint,      ///< why a card is not read, for which there is no state; "none" when it is over
     liveness,  ///< what is known of the face: "undecided", "living", "spoof"; "asked" for a sign
+    task,      ///< of the active mode, by its name: drawn, asked, done or missed
     film,      ///< "slowed" to so many pictures a second, or "atFullRate" again
     sign,      ///< of life, of fraud or of a person, by its name, with figure and limit
   };
@@ -34,6 +36,8 @@ class RecorderObserver {
  public:
   virtual ~RecorderObserver() = default;
   virtual void happened(const RecorderEvent& event) = 0;
+  /// A face was fit for a selfie; whose it is, is the screen's to judge.
+  virtual void selfieTaken(const corvana::Selfie& selfie) { (void)selfie; }
   /// A side of the card was read whole; whose it is, is the screen's to judge.
   virtual void cardRead(const corvana::DetectedData& side) { (void)side; }
 };

@@ -89,7 +89,7 @@ TEST(EndToEnd, AGoodSessionEndsInAResultThatCanBeVerifiedAndRepeated) {
   EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);
   const fs::path again = scratch / "again";
   ASSERT_EQ(runVideoid(captureOf(session, again, withShortLimits(sealed))).exitCode, 0);
-  for (const char* file : {"events.jsonl", "result.json", "result.jws"})
+  for (const char* file : {"events.jsonl", "evidence.json", "result.json", "result.jws"})
     EXPECT_EQ(bytesOf(run / file), bytesOf(again / file)) << file;
 
   writeBytes(run / "events.jsonl", "another story\n");
@@ -217,7 +217,7 @@ TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAndKeepsTheFirstApart
   const ProgramRun retried = runVideoid(
       captureOf(both, run,
                 withShortLimits({"--on-retry", "retry", "--max-retries", "1", "--on-alert", "ok",
-                                 "--done", "never", "--keep-failed-runs"})));
+                                 "--done", "never", "--keep-failed-runs", "--no-evidence"})));
   ASSERT_EQ(retried.exitCode, 0) << retried.errors;
   const json recording = json::parse(retried.output)["recording"];
   EXPECT_EQ(recording["runs"], 2);
@@ -234,7 +234,8 @@ TEST(EndToEnd, ARetryThatSucceedsGivesTheFilmOfTheSecondRunAndKeepsTheFirstApart
   const double began = eventsOf(run, "call", "retry").front()["t"];
   const double stopped = eventsOf(run, "call", "stopVideoWriter").back()["t"];
   EXPECT_NEAR(secondsOfFilm(run / "film.mp4"), stopped - began, 0.5);
-  EXPECT_EQ(std::distance(fs::directory_iterator(run), fs::directory_iterator()), 5);
+  EXPECT_EQ(std::distance(fs::directory_iterator(run), fs::directory_iterator()), 5)
+      << "no evidence, which was not wanted";
 }
 
 TEST(EndToEnd, EnrollRefusesTheWrongSidesAndSaysWhy) {
@@ -333,8 +334,8 @@ TEST(EndToEnd, TheCamerasEndEndsTheFlowAndLeavesAFilmThatPlays) {
       runVideoid(captureOf(session, run, {"--on-retry", "retry", "--max-retries", "5"}));
   EXPECT_EQ(ended.exitCode, 1);
   EXPECT_EQ(json::parse(ended.output)["error"]["cause"], "recordingEnded");
-  EXPECT_EQ(std::distance(fs::directory_iterator(run), fs::directory_iterator()), 3)
-      << "the films of runs that failed are gone";
+  EXPECT_EQ(std::distance(fs::directory_iterator(run), fs::directory_iterator()), 4)
+      << "the films of runs that failed are gone, and the last run came to nothing worth a picture";
   expectPartialFilmPlays(run);
   EXPECT_EQ(breachesOf(run), std::vector<std::string>{});
   EXPECT_EQ(runVideoid({"verify", run}).exitCode, 0);

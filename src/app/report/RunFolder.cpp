@@ -1,0 +1,127 @@
+#include "app/report/RunFolder.h"
+
+#include <algorithm>
+#include <sstream>
+
+#include "app/report/Evidence.h"
+#include "app/run/EventLog.h"
+#include "app/run/Files.h"
+#include "app/run/RunRecord.h"
+
+namespace corvana::app {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+constexpr std::uint64_t kMostResultBytes = 1 << 20;
+constexpr std::uint64_t kMostEventBytes = 1 << 26;
+constexpr std::uint64_t kMostEvidenceBytes = 1 << 20;
+constexpr std::uint64_t kMostPictureBytes = 1 << 22;
+constexpr std::string_view kJpegBegins = "\xff\xd8\xff";
+
+bool isThere(const fs::path& file) {
+  std::error_code error;
+  return fs::is_regular_file(file, error);
+}
+
+std::optional<json> readObject(const fs::path& file, std::uint64_t mostBytes) {
+  const auto text = readFile(file, mostBytes);
+  if (!text) return std::nullopt;
+  const auto object = parseJson(*text, file.string());
+  if (!object || !object->is_object()) return std::nullopt;
+  return *object;
+}
+
+void readEvents(RunFolder& run) {
+  const auto text = readFile(run.folder / EventLog::kFileName, kMostEventBytes);
+  if (!text) return;
+  std::istringstream lines(*text);
+  for (std::string line; std::getline(lines, line);) {
+    auto event = parseJson(line, EventLog::kFileName);
+    if (event && event->is_object()) {
+      run.events.push_back(std::move(*event));
+    } else {
+      ++run.brokenEvents;
+    }
+  }
+}
+
+/// What was put in the place of a picture must not be taken for one.
+bool isAsTheRunLeftIt(const RunFolder& run, const std::string& name) {
+  return std::ranges::any_of(run.check.findings, [&](const RecordFinding& finding) {
+    return finding.part == name && finding.holds;
+  });
+}
+
+void readEvidence(RunFolder& run) {
+  for (const std::string& name : evidenceFileNames()) {
+    if (!isThere(run.folder / name)) continue;
+    if (!isAsTheRunLeftIt(run, name)) {
+      run.altered.push_back(name);
+    } else if (name == kEvidenceFileName) {
+      auto object = readObject(run.folder / name, kMostEvidenceBytes);
+      run.hasEvidence = object.has_value();
+      if (object) run.evidence = std::move(*object);
+    } else if (auto bytes = readFile(run.folder / name, kMostPictureBytes);
+               bytes && bytes->starts_with(kJpegBegins)) {
+      run.pictures[name] = std::move(*bytes);
+    }
+  }
+}
+
+}  // namespace
+
+platform::Expected<RunFolder> RunFolder::read(const fs::path& folder, const TrustedKeys* keys,
+                                              const StampAuthorities* authorities) {
+  auto check = checkRecord(folder, keys, authorities);
+  if (!check) return tl::unexpected(check.error());
+  RunFolder run;
+  run.folder = folder;
+  run.check = std::move(*check);
+  if (auto result = readObject(folder / kResultFileName, kMostResultBytes)) {
+    run.result = std::move(*result);
+    run.hasResult = true;
+  }
+  readEvents(run);
+  readEvidence(run);
+  for (const char* name : {"film.mp4", "film.partial.mp4"}) {
+    if (!run.film && isThere(folder / name)) run.film = name;
+  }
+  return run;
+}
+
+const json& memberIn(const json& value, const char* key) {
+  static const json kNone;
+  if (!value.is_object()) return kNone;
+  const auto member = value.find(key);
+  return member == value.end() ? kNone : *member;
+}
+
+std::optional<std::string> textIn(const json& value, const char* key) {
+  const json& member = memberIn(value, key);
+  if (!member.is_string()) return std::nullopt;
+  return member.get<std::string>();
+}
+
+std::optional<double> numberIn(const json& value, const char* key) {
+  const json& member = memberIn(value, key);
+  if (!member.is_number()) return std::nullopt;
+  return member.get<double>();
+}
+
+std::optional<bool> flagIn(const json& value, const char* key) {
+  const json& member = memberIn(value, key);
+  if (!member.is_boolean()) return std::nullopt;
+  return member.get<bool>();
+}
+
+std::vector<std::string> textsIn(const json& value, const char* key) {
+  std::vector<std::string> texts;
+  for (const json& element : memberIn(value, key)) {
+    if (element.is_string()) texts.push_back(element.get<std::string>());
+  }
+  return texts;
+}
+
+}  // namespace corvana::app
