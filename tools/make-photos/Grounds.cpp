@@ -195,20 +195,45 @@ cv::Mat stripes(cv::Size size, double scale, Random& random) {
   return lit(picture, 1.0 + 0.06 * unevenness(size, 1.0 * scale, 20.0 * scale, random));
 }
 
+/// Leather: grains of uneven size, each with a dark rim, and worn places.
+cv::Mat leather(cv::Size size, double scale, Random& random) {
+  static const std::vector<cv::Scalar> kColours = {
+      {92, 52, 34}, {38, 34, 34}, {150, 96, 58}, {112, 30, 36}, {66, 74, 62}};
+  const double grain = random.uniform(0.8, 2.2) * scale;
+  const cv::Mat bumps = cv::abs(unevenness(size, grain, grain, random));
+  const cv::Mat rims = cv::min(bumps, 0.5) * 0.7;
+  const cv::Mat worn = 0.10 * unevenness(size, 25.0 * scale, 25.0 * scale, random);
+  return coloured(0.68 + rims + worn, drawFrom(kColours, random));
+}
+
+/// Marble: veins that wander, on a cloudy stone.
+cv::Mat marble(cv::Size size, double scale, Random& random) {
+  static const std::vector<cv::Scalar> kColours = {
+      {232, 230, 226}, {70, 84, 80}, {206, 192, 178}, {120, 104, 104}};
+  const cv::Mat wander = unevenness(size, 14.0 * scale, 14.0 * scale, random) +
+                         0.35 * unevenness(size, 4.0 * scale, 4.0 * scale, random);
+  const cv::Mat veins = cv::min(cv::abs(wander), 0.12) * (1 / 0.12);
+  const double depth = random.uniform(0.15, 0.4);
+  const cv::Mat clouds = 0.05 * unevenness(size, 20.0 * scale, 20.0 * scale, random);
+  return coloured(1.0 - depth + depth * veins + clouds, drawFrom(kColours, random));
+}
+
 using Painter = cv::Mat (*)(cv::Size, double, Random&);
 
 const std::map<std::string, Painter>& painters() {
   static const std::map<std::string, Painter> kAll = {
-      {"plain", plain}, {"wood", wood},     {"cloth", cloth},    {"stone", stone},
-      {"tiles", tiles}, {"carpet", carpet}, {"stripes", stripes}};
+      {"plain", plain},     {"wood", wood},       {"cloth", cloth},
+      {"stone", stone},     {"tiles", tiles},     {"carpet", carpet},
+      {"stripes", stripes}, {"leather", leather}, {"marble", marble}};
   return kAll;
 }
 
 }  // namespace
 
 const std::vector<std::string>& groundNames() {
-  static const std::vector<std::string> kNames = {"plain", "wood",  "print",  "cloth",
-                                                  "stone", "tiles", "carpet", "stripes"};
+  static const std::vector<std::string> kNames = {"plain",   "wood",  "print",  "cloth",
+                                                  "stone",   "tiles", "carpet", "stripes",
+                                                  "leather", "marble"};
   return kNames;
 }
 

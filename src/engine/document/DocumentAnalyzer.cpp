@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 #include "engine/document/BarcodeReader.h"
@@ -303,9 +304,23 @@ platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
         "It can't be told which way up the card in the picture lies: take a sharper photo, from "
         "nearer and without glare.");
   }
+  addSmallLabels(*reading);
   askSecondReader(*reading);
   judgeRealness(*reading->data.image->pixels(), reading->data);
   return *std::move(reading);
+}
+
+/// Only labels: what else is small must not get into the text that pictures are compared by.
+void DocumentAnalyzer::addSmallLabels(CardReading& reading) {
+  const platform::PixelBuffer& card = *reading.data.image->pixels();
+  auto small = text_.readSmall(card, reading.lines);
+  std::erase_if(small, [this](const TextLine& line) {
+    const auto label = tables_.labels.labelledText(line.text);
+    return !label || !label->hasWords;
+  });
+  if (small.empty()) return;
+  std::ranges::move(small, std::back_inserter(reading.lines));
+  reading.data.fields = fieldsOf(reading);
 }
 
 /// Its data take as much memory as all the rest, so they are only loaded for a still.

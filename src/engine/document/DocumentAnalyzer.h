@@ -98,6 +98,7 @@ class DocumentAnalyzer {
   CardReading readFirst(const platform::PixelBufferRef& card, CardMemory& memory);
   CardReading readAgain(const platform::PixelBufferRef& card, CardMemory& memory);
   void askSecondReader(CardReading& reading) const;
+  void addSmallLabels(CardReading& reading);
   /// What an upright card tells whose lines were read; they go into the memory.
   CardReading understood(const platform::PixelBufferRef& card, std::vector<TextLine> lines,
                          CardMemory& memory);

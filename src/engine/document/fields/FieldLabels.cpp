@@ -20,6 +20,8 @@ using Labels = std::map<std::string, std::optional<FieldName>>;
 
 /// Small print is misread now and then, and blanks get lost in it.
 constexpr std::size_t kLettersPerError = 7;
+/// A part of a line between strokes is hardly anything but a label.
+constexpr std::size_t kLettersPerErrorInParts = 4;
 
 struct Numbered {
   std::string_view number;
@@ -108,23 +110,38 @@ std::vector<Word> wordsOf(const std::string& line) {
 struct Match {
   const Labels::value_type* label = nullptr;
   std::size_t words = 0;
+  std::size_t errors = 0;
 };
 
+/// Letters that look alike in small print are made one: "rn" and "m", "l", "I" and "1".
+std::string shapeOf(const std::string& letters) {
+  std::string shape;
+  for (const char letter : letters) {
+    if (letter == 'N' && !shape.empty() && shape.back() == 'R') {
+      shape.back() = 'M';
+    } else {
+      shape += letter == 'L' || letter == '1' ? 'I' : letter == '0' ? 'O' : letter;
+    }
+  }
+  return shape;
+}
+
 /// The label itself, or else the one with the fewest letters misread.
-const Labels::value_type* labelIn(const Labels& labels, const std::string& letters) {
-  if (const auto exact = labels.find(letters); exact != labels.end()) return &*exact;
-  const Labels::value_type* nearest = nullptr;
+Match labelIn(const Labels& labels, const std::string& letters, std::size_t lettersPerError) {
+  if (const auto exact = labels.find(letters); exact != labels.end()) return {&*exact, 0, 0};
+  const std::string shape = shapeOf(letters);
+  Match nearest;
   std::size_t fewest = letters.size();
   for (const auto& label : labels) {
-    const std::string& words = label.first;
-    const std::size_t allowed = words.size() / kLettersPerError;
+    const std::string words = shapeOf(label.first);
+    const std::size_t allowed = label.first.size() / lettersPerError;
     const std::size_t apart =
-        std::max(words.size(), letters.size()) - std::min(words.size(), letters.size());
+        std::max(words.size(), shape.size()) - std::min(words.size(), shape.size());
     if (allowed == 0 || apart > allowed) continue;
-    const std::size_t errors = editDistance(words, letters);
+    const std::size_t errors = editDistance(words, shape);
     if (errors > allowed || errors >= fewest) continue;
     fewest = errors;
-    nearest = &label;
+    nearest = {&label, 0, errors};
   }
   return nearest;
 }
@@ -135,20 +152,93 @@ Match longestLabel(const Labels& labels, const std::vector<Word>& words, std::si
   std::string text;
   for (std::size_t count = 1; count <= kMostLabelWords && first + count <= words.size(); ++count) {
     text += words[first + count - 1].letters;
-    if (const auto* label = labelIn(labels, text)) match = {label, count};
+    if (const Match found = labelIn(labels, text, kLettersPerError); found.label != nullptr)
+      match = {found.label, count, found.errors};
   }
   return match;
 }
 
-/// A label whose first language is not known, but one of the others is.
-Match labelBehindStroke(const Labels& labels, const std::string& text) {
-  for (std::size_t stroke = text.find('/'); stroke != std::string::npos;
-       stroke = text.find('/', stroke + 1)) {
-    const std::vector<Word> words = wordsOf(text.substr(stroke + 1));
-    const Match match = longestLabel(labels, words, 0);
-    if (match.label != nullptr && match.words == words.size()) return match;
+/// The label that the text is as a whole, if only by its looks.
+Match wholeLabel(const Labels& labels, const std::string& text) {
+  const std::string letters = lettersOf(text);
+  return letters.empty() ? Match{} : labelIn(labels, letters, kLettersPerErrorInParts);
+}
+
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+/// What lies between the strokes of a line. Those of dates part nothing.
+std::vector<std::string> partsOf(const std::string& line) {
+  std::vector<std::string> parts(1);
+  for (std::size_t at = 0; at < line.size(); ++at) {
+    const bool isInNumber =
+        at > 0 && at + 1 < line.size() && isDigit(line[at - 1]) && isDigit(line[at + 1]);
+    const bool parted = (line[at] == '/' || line[at] == '|') && !isInNumber;
+    if (parted) {
+      parts.emplace_back();
+    } else {
+      parts.back() += line[at];
+    }
   }
-  return {};
+  return parts;
+}
+
+/// The labels that a text begins with, in one language or several.
+LabelledText labelsBefore(const Labels& labels, const std::string& text) {
+  LabelledText result;
+  const std::vector<Word> words = wordsOf(text);
+  std::size_t at = 0;
+  std::size_t end = 0;
+  while (at < words.size()) {
+    const Match match = longestLabel(labels, words, at);
+    if (match.label == nullptr) break;
+    if (!result.name) result.name = match.label->second;
+    result.hasWords = true;
+    at += match.words;
+    end = words[at - 1].end;
+    if (words[at - 1].endsLabel) break;
+  }
+  result.rest = restFrom(text, end);
+  return result;
+}
+
+/// The label for which most letters of one of the parts speak, and one of a field rather than none.
+Match surestLabel(const Labels& labels, const std::vector<std::string>& parts) {
+  constexpr double kOfNoField = 0.01;
+  Match surest;
+  double least = 1;
+  for (const std::string& part : parts) {
+    const Match match = wholeLabel(labels, part);
+    if (match.label == nullptr) continue;
+    const double errors = static_cast<double>(match.errors);
+    const double share = errors / static_cast<double>(match.label->first.size()) +
+                         (match.label->second ? 0 : kOfNoField);
+    if (share >= least) continue;
+    least = share;
+    surest = match;
+  }
+  return surest;
+}
+
+/// A line with strokes: labels in several languages, of which one may be unknown or misread, and
+/// then perhaps a value.
+std::optional<LabelledText> labelsBetweenStrokes(const Labels& labels, const std::string& text,
+                                                 const std::vector<std::string>& parts) {
+  LabelledText last = labelsBefore(labels, parts.back());
+  const Match surest = surestLabel(labels, parts);
+  if (surest.label != nullptr) {
+    const bool hasDigits = std::ranges::any_of(parts.back(), isDigit);
+    const bool isValue =
+        last.hasWords || (hasDigits && wholeLabel(labels, parts.back()).label == nullptr);
+    return LabelledText{surest.label->second, {}, true, isValue ? last.rest : std::string()};
+  }
+  if (last.hasWords) return last;
+  LabelledText first = labelsBefore(labels, text);
+  if (!first.hasWords) return std::nullopt;
+  // What follows is another language's.
+  if (std::ranges::none_of(first.rest, isDigit)) first.rest.clear();
+  return first;
 }
 
 tl::unexpected<platform::Fault> differs(const FieldLabel& label, const std::filesystem::path& file,
@@ -188,29 +278,17 @@ platform::Expected<FieldLabels> FieldLabels::load(
 }
 
 std::optional<LabelledText> FieldLabels::labelledText(const std::string& line) const {
-  LabelledText result;
   std::size_t end = 0;
-  result.number = leadingNumber(line, end);
+  const std::string number = leadingNumber(line, end);
   const std::string text = line.substr(end);
-  const std::vector<Word> words = wordsOf(text);
-  std::size_t at = 0;
-  std::size_t labelEnd = 0;
-  while (at < words.size()) {
-    const Match match = longestLabel(labels_, words, at);
-    if (match.label == nullptr) break;
-    if (!result.name) result.name = match.label->second;
-    result.hasWords = true;
-    at += match.words;
-    labelEnd = words[at - 1].end;
-    if (words[at - 1].endsLabel) break;
-  }
-  if (!result.hasWords) {
-    if (const Match match = labelBehindStroke(labels_, text); match.label != nullptr) {
-      return LabelledText{match.label->second, result.number, true, {}};
-    }
-  }
-  if (!result.hasWords && result.number.empty()) return std::nullopt;
-  result.rest = restFrom(text, labelEnd);
+  const std::vector<std::string> parts = partsOf(text);
+  std::optional<LabelledText> result;
+  const bool hasColon = text.find(':') != std::string::npos;
+  if (parts.size() > 1 && !hasColon) result = labelsBetweenStrokes(labels_, text, parts);
+  if (!result) result = labelsBefore(labels_, text);
+  if (!result->hasWords && number.empty()) return std::nullopt;
+  if (result->hasWords && wholeLabel(labels_, result->rest).label != nullptr) result->rest.clear();
+  result->number = number;
   return result;
 }
 

@@ -117,11 +117,16 @@ class Assembly {
   }
 
   void takeInline() {
-    for (const Line& line : lines_) {
+    for (Line& line : lines_) {
       if (!line.label || line.label->rest.empty()) continue;
       const auto name = nameOf(*line.label);
       if (!name) continue;
-      if (auto value = read_(*name, line.label->rest)) take(*name, *line.print, *std::move(value));
+      if (auto value = read_(*name, line.label->rest)) {
+        take(*name, *line.print, *std::move(value));
+      } else {
+        // More of the label, in words that are not known.
+        line.label->rest.clear();
+      }
     }
   }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include <opencv2/imgproc.hpp>
+
 #include "engine/document/TextLines.h"
 #include "engine/document/text/LetterRepair.h"
 #include "engine/document/text/LineCrop.h"
@@ -26,6 +28,47 @@ TextLine lineIn(const cv::RotatedRect& box) {
   line.box = {x - width / 2, y - height / 2, width, height};
   line.tilt = box.angle;
   return line;
+}
+
+/// Pale print made black on a ground made white.
+cv::Mat emphasised(const cv::Mat& rgb) {
+  constexpr int kReach = 21;      // of letters
+  constexpr double kBlack = 0.5;  // of the ground's brightness
+  cv::Mat gray;
+  cv::cvtColor(rgb, gray, cv::COLOR_RGB2GRAY);
+  cv::Mat ground;
+  cv::morphologyEx(gray, ground, cv::MORPH_CLOSE, cv::Mat::ones(kReach, kReach, CV_8U));
+  cv::GaussianBlur(ground, ground, {}, kReach / 3.0);
+  cv::Mat share;
+  cv::divide(gray, ground, share, 1, CV_32F);
+  const double stretch = 255 / (1 - kBlack);
+  share.convertTo(gray, CV_8U, stretch, -stretch * kBlack);
+  cv::Mat result;
+  cv::cvtColor(gray, result, cv::COLOR_GRAY2RGB);
+  return result;
+}
+
+/// Of the card's sides, in a part of it that is looked at by itself.
+constexpr double kPart = 0.7;
+
+/// Whether the line may go on beyond the part of the card in which it was found.
+bool isCut(const platform::CGRect& line, const cv::Rect& part, cv::Size card) {
+  constexpr double kRim = 8;
+  const auto right = part.x + part.width;
+  const auto bottom = part.y + part.height;
+  return (part.x > 0 && line.minX() < part.x + kRim) ||
+         (right < card.width && line.maxX() > right - kRim) ||
+         (part.y > 0 && line.minY() < part.y + kRim) ||
+         (bottom < card.height && line.maxY() > bottom - kRim);
+}
+
+bool isAmong(const std::vector<TextLine>& lines, const platform::CGRect& box) {
+  return std::ranges::any_of(lines, [&box](const TextLine& line) {
+    const platform::CGRect& known = line.box;
+    const double across = std::min(known.maxX(), box.maxX()) - std::max(known.minX(), box.minX());
+    const double down = std::min(known.maxY(), box.maxY()) - std::max(known.minY(), box.minY());
+    return across > 0 && down > 0.5 * std::min(known.height, box.height);
+  });
 }
 
 }  // namespace
@@ -59,6 +102,26 @@ std::vector<TextLine> NetworkTextReader::find(const platform::PixelBuffer& card)
   for (const cv::RotatedRect& box : boxes_.find(rgbMat(card)))
     found.push_back(lineIn(box));
   return found;
+}
+
+std::vector<TextLine> NetworkTextReader::readSmall(const platform::PixelBuffer& card,
+                                                   const std::vector<TextLine>& known) {
+  const cv::Mat rgb = emphasised(rgbMat(card));
+  const cv::Size part(cvRound(kPart * rgb.cols), cvRound(kPart * rgb.rows));
+  std::vector<TextLine> found;
+  for (const int left : {0, rgb.cols - part.width}) {
+    for (const int top : {0, rgb.rows - part.height}) {
+      const cv::Rect place({left, top}, part);
+      for (cv::RotatedRect& box : boxes_.find(rgb(place))) {
+        box.center += cv::Point2f(place.tl());
+        const TextLine line = lineIn(box);
+        const bool isNew = !isCut(line.box, place, rgb.size()) && !isAmong(known, line.box) &&
+                           !isAmong(found, line.box);
+        if (isNew) found.push_back(line);
+      }
+    }
+  }
+  return readAgain(*pixelBufferFrom(rgb), found);
 }
 
 double NetworkTextReader::turnSign(const platform::PixelBuffer& card,

@@ -60,6 +60,25 @@ TEST(NetworkTextReader, ReadsWhatAndWhereAndAgain) {
   EXPECT_LT(reader.turnSign(*onItsHead, reader.find(*onItsHead)), -0.5);
 }
 
+TEST(NetworkTextReader, ReadsPaleSmallPrintOnASecondLook) {
+  auto reader =
+      engine::NetworkTextReader::load(engine::NetworkTextReader::Models::inFolder(ENGINE_RESOURCES))
+          .value();
+  const auto card = engine::pixelBufferFrom(engine::rgbMat(*front(2)) * 0.45);
+  auto known = reader.read(*card);
+  const TextLine* label = lineWith(known, "expiry");
+  ASSERT_NE(label, nullptr);
+  const platform::CGRect place = label->box;
+  // As if it had been overlooked.
+  std::erase_if(known, [&](const TextLine& line) { return line.box == place; });
+  const auto small = reader.readSmall(*card, known);
+  const TextLine* found = lineWith(small, "expiry");
+  ASSERT_NE(found, nullptr);
+  EXPECT_NEAR(found->box.midX(), place.midX(), 8);
+  EXPECT_NEAR(found->box.midY(), place.midY(), 5);
+  EXPECT_EQ(lineWith(small, "OKONKWO"), nullptr) << "it is known";
+}
+
 TEST(TesseractReader, ReadsTheSameCardWithoutNetworks) {
   auto reader = engine::TesseractReader::load().value();
   EXPECT_NE(lineWith(reader.read(*front(2)), "OKONKWO"), nullptr);
