@@ -32,6 +32,8 @@ int run(int argc, char** argv) {
   app::addKeyCommand(program, exitCode);
   app::addVerifyCommand(program, exitCode);
   app::addReportCommand(program, exitCode);
+  app::addExportCommand(program, exitCode);
+  app::addPurgeCommand(program, exitCode);
   app::addTimestampCommand(program, exitCode);
   app::addDevicesCommand(program, exitCode);
   app::addDocumentsCommand(program, exitCode);

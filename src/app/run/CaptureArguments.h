@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "app/privacy/RunTerms.h"
 #include "app/run/CalendarDay.h"
 #include "app/run/CameraChoice.h"
 #include "app/run/FlowLoop.h"
@@ -39,7 +40,11 @@ struct CaptureArguments {
   /// The habits answer the screens, not the person before the window.
   bool personIsVirtual = true;
   double maxDurationSeconds = kUsualLimitSeconds;
-  bool keep = false;            ///< the folder also of a cancelled run
+  std::optional<std::filesystem::path> consent;  ///< record of what the person agreed to
+  bool requiresConsent = false;                  ///< nothing is recorded without it
+  std::optional<int> retainDays;                 ///< absent: the run is kept without end
+  Remains afterFailure = Remains::all;
+  Remains afterCancellation = Remains::nothing;
   bool keepsEvidence = true;    ///< what was compared, for a reviewer
   bool keepFailedRuns = false;  ///< the films of runs that were retried
 };
