@@ -34,7 +34,10 @@ int run(int argc, char** argv) {
   app::addReportCommand(program, exitCode);
   app::addExportCommand(program, exitCode);
   app::addPurgeCommand(program, exitCode);
+  app::addRecheckCommand(program, exitCode);
   app::addTimestampCommand(program, exitCode);
+  app::addCompareCommand(program, exitCode);
+  app::addEmbedCommand(program, exitCode);
   app::addDevicesCommand(program, exitCode);
   app::addDocumentsCommand(program, exitCode);
   app::addDoctorCommand(program, exitCode);

@@ -19,12 +19,18 @@ void addReportCommand(CLI::App& app, ExitCode& exitCode);
 void addPurgeCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid export`: an archive of a run that only its recipient can open.
 void addExportCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid recheck`: judges the film of a record again.
+void addRecheckCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid timestamp`: a third party's word for when a record was there.
 void addTimestampCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid devices`: cameras and microphones that `capture` can use.
 void addDevicesCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid documents`: the kinds of documents that are known.
 void addDocumentsCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid compare`: whether two photographs show the same face.
+void addCompareCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid embed`: what the face model makes of photographs.
+void addEmbedCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid doctor`: what the machine lacks.
 void addDoctorCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid options`: every key with unit, default and meaning.

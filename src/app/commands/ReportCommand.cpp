@@ -19,7 +19,7 @@ struct ReportArguments {
   fs::path folder;
   std::optional<fs::path> output;
   std::string language = "en";
-  TrustArguments trust;
+  TrustChoice trust;
 };
 
 ExitCode refuse(const platform::Fault& fault) {

@@ -2,28 +2,29 @@
 
 namespace corvana::app {
 
-void addTrustOptions(CLI::App& command, TrustArguments& arguments) {
-  auto* key = command.add_option("--key", arguments.key,
+using platform::Expected;
+
+void addTrustOptions(CLI::App& command, TrustChoice& choice) {
+  auto* key = command.add_option("--key", choice.key,
                                  "public key of the machine that recorded it, PEM or JSON Web Key");
   command
-      .add_option("--keys", arguments.keys,
+      .add_option("--keys", choice.keys,
                   "JSON Web Key Set of all machines, with the times for which each key holds; see "
                   "docs/evidence.md")
       ->excludes(key);
-  command.add_option("--stamp-ca", arguments.authorities,
+  command.add_option("--stamp-ca", choice.authorities,
                      "PEM certificates of the authorities whose time stamps count");
 }
 
-platform::Expected<Trust> loadTrust(const TrustArguments& arguments) {
+Expected<Trust> loadTrust(const TrustChoice& choice) {
   Trust trust;
-  if (arguments.key || arguments.keys) {
-    auto keys =
-        arguments.key ? TrustedKeys::ofKey(*arguments.key) : TrustedKeys::ofSet(*arguments.keys);
+  if (choice.key || choice.keys) {
+    auto keys = choice.key ? TrustedKeys::ofKey(*choice.key) : TrustedKeys::ofSet(*choice.keys);
     if (!keys) return tl::unexpected(keys.error());
     trust.keys = std::move(*keys);
   }
-  if (arguments.authorities) {
-    auto authorities = StampAuthorities::load(*arguments.authorities);
+  if (choice.authorities) {
+    auto authorities = StampAuthorities::load(*choice.authorities);
     if (!authorities) return tl::unexpected(authorities.error());
     trust.authorities = std::move(*authorities);
   }

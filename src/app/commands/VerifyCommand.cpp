@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 struct VerifyArguments {
   fs::path folder;
-  TrustArguments trust;
+  TrustChoice trust;
 };
 
 ExitCode runVerify(const VerifyArguments& arguments) {

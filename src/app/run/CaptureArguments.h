@@ -11,6 +11,7 @@
 #include "app/run/FlowScreen.h"
 #include "devices/gstreamer/MediaElements.h"
 #include "devices/headless/HeadlessPerson.h"
+#include "engine/recorder/ScreenPlaces.h"
 
 namespace corvana::app {
 
@@ -47,6 +48,9 @@ struct CaptureArguments {
   Remains afterCancellation = Remains::nothing;
   bool keepsEvidence = true;    ///< what was compared, for a reviewer
   bool keepFailedRuns = false;  ///< the films of runs that were retried
+  /// False: films are only counted, as there is one already.
+  bool recordsFilms = true;
+  std::optional<engine::ScreenPlaces> places;  ///< in place of the screen's own
 };
 
 }  // namespace corvana::app

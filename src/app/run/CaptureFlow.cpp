@@ -3,6 +3,7 @@
 #include <iostream>
 #include <utility>
 
+#include "app/run/CountedFilms.h"
 #include "app/seal/Sha256.h"
 #include "capture/ControllerFactories.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
@@ -90,9 +91,8 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
       }),
       world_(loop_, screen_, prepared.resources.module, capture::controllerFactories(host_, this),
              {console_, application_, mediaDevices_, speechAuthorization_, sounds_}),
-      films_(loop_),
+      films_(makeFilms()),
       host_(hostSetup()) {
-  if (seal_) films_.showTo(seal_->witnesses());
   world_.hub().add(reporter_);
   if (arguments.personIsVirtual) world_.hub().add(person_);
 }
@@ -116,20 +116,28 @@ std::shared_ptr<corvana::SpeechRecognizer> CaptureFlow::makeRecognizer() {
   return listenIn(std::move(recognizer), [this](const auto& result) { evidence_->heard(result); });
 }
 
+std::unique_ptr<platform::AssetWriterFactory> CaptureFlow::makeFilms() {
+  if (!arguments_.recordsFilms) return std::make_unique<CountedFilms>();
+  auto films = std::make_unique<devices::FilmWriterFactory>(loop_);
+  if (seal_) films->showTo(seal_->witnesses());
+  return films;
+}
+
 engine::EngineHost::Setup CaptureFlow::hostSetup() {
   engine::RecorderObserver& observer =
       evidence_ ? static_cast<engine::RecorderObserver&>(*evidence_) : attempts_;
   return {loop_,
           world_.notificationCenter(),
           mediaDevices_,
-          films_,
+          *films_,
           analyzer_,
           makeRecognizer(),
           inputs_.folder,
           arguments_.keepFailedRuns,
           screen_.size(),
           &observer,
-          [this](const platform::Fault& fault) { end_.fail(fault); }};
+          [this](const platform::Fault& fault) { end_.fail(fault); },
+          arguments_.places};
 }
 
 void CaptureFlow::report(const FlowEvent& event) {
@@ -246,7 +254,8 @@ RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
                    .terms = terms_,
                    .leavesHashesOnly = remainsAfter(end_.outcome(), arguments_) == Remains::hashes,
                    .text = sha256Of(inputs_.text),
-                   .key = inputs_.key};
+                   .key = inputs_.key,
+                   .places = host_.places()};
   if (evidence_) record.evidence = evidence_->evidence();
   if (const auto film = host_.film()) {
     record.recording = film->counters();

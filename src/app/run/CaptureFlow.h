@@ -38,11 +38,14 @@ class CaptureFlow final : private corvana::DecisionObserver {
 
   /// Runs to the end and closes film and events: every flow ends, with a result or an error.
   RunRecord run();
+  /// Whether a signal ended it.
+  bool wasInterrupted() const { return signals_.arrived(); }
 
  private:
   engine::EngineHost::Setup hostSetup();
   std::optional<RunSeal> makeSeal();
   std::shared_ptr<corvana::SpeechRecognizer> makeRecognizer();
+  std::unique_ptr<platform::AssetWriterFactory> makeFilms();
   void start();
   void watchWorld();
   /// What has ended by itself or by a signal.
@@ -92,7 +95,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   LocalSpeechAuthorization speechAuthorization_;
   devices::ReportingSystemSounds sounds_;
   FlowWorld world_;
-  devices::FilmWriterFactory films_;
+  std::unique_ptr<platform::AssetWriterFactory> films_;
   engine::EngineHost host_;
 };
 

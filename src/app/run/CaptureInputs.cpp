@@ -33,15 +33,19 @@ bool hasLetter(const std::string& text) {
   return false;
 }
 
+void dropLastBreaks(std::string& text) {
+  while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
+    text.pop_back();
+}
+
 Expected<std::string> checkText(const CaptureArguments& arguments) {
   std::string text = arguments.text.value_or("");
   if (arguments.textFile) {
-    auto content = readFile(*arguments.textFile, kMostTextBytes);
-    if (!content) return tl::unexpected(content.error());
+    auto content = readText(*arguments.textFile);
+    if (!content) return content;
     text = std::move(*content);
   }
-  while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
-    text.pop_back();
+  dropLastBreaks(text);
   if (text.size() > kMostTextBytes) {
     return platform::failure("The text is longer than 8000 bytes; give a shorter one.");
   }
@@ -52,15 +56,6 @@ Expected<std::string> checkText(const CaptureArguments& arguments) {
   return text;
 }
 
-Expected<void> setOptions(const std::optional<fs::path>& file) {
-  if (!file) return {};
-  const auto content = readFile(*file, kMostOptionsBytes);
-  if (!content) return tl::unexpected(content.error());
-  const auto object = parseJson(*content, file->string());
-  if (!object) return tl::unexpected(object.error());
-  return applyOptions(*object);
-}
-
 Expected<void> checkName(const char* option, const std::optional<std::string>& name) {
   if (!name) return {};
   const bool isPrintable = std::ranges::all_of(
@@ -68,16 +63,6 @@ Expected<void> checkName(const char* option, const std::optional<std::string>& n
   if (!name->empty() && name->size() <= kLongestName && isPrintable && isUtf8(*name)) return {};
   return platform::failure(std::string(option) + " must be 1 to " + std::to_string(kLongestName) +
                            " bytes of UTF-8 without control characters.");
-}
-
-Expected<ordered_json> sumsOfReference(const fs::path& folder) {
-  std::vector<fs::path> files;
-  std::error_code error;
-  for (const auto& entry : fs::directory_iterator(folder, error)) {
-    if (entry.is_regular_file(error)) files.push_back(entry.path());
-  }
-  std::ranges::sort(files);
-  return sumsOf(files);
 }
 
 Expected<std::optional<SigningKey>> loadKey(const std::optional<fs::path>& file) {
@@ -109,6 +94,31 @@ Expected<fs::path> chooseFolder(const std::optional<fs::path>& wanted) {
 }
 
 }  // namespace
+
+Expected<void> setOptions(const std::optional<fs::path>& file) {
+  if (!file) return {};
+  const auto content = readFile(*file, kMostOptionsBytes);
+  if (!content) return tl::unexpected(content.error());
+  const auto object = parseJson(*content, file->string());
+  if (!object) return tl::unexpected(object.error());
+  return applyOptions(*object);
+}
+
+Expected<ordered_json> sumsOfReference(const fs::path& folder) {
+  std::vector<fs::path> files;
+  std::error_code error;
+  for (const auto& entry : fs::directory_iterator(folder, error)) {
+    if (entry.is_regular_file(error)) files.push_back(entry.path());
+  }
+  std::ranges::sort(files);
+  return sumsOf(files);
+}
+
+Expected<std::string> readText(const fs::path& file) {
+  auto text = readFile(file, kMostTextBytes);
+  if (text) dropLastBreaks(*text);
+  return text;
+}
 
 Expected<CaptureInputs> checkInputs(const CaptureArguments& arguments) {
   CaptureInputs inputs;

@@ -27,6 +27,15 @@ struct CaptureInputs {
 /// Also sets the options of the options file. The error is one sentence.
 Expected<CaptureInputs> checkInputs(const CaptureArguments& arguments);
 
+/// Sets the options of a file, if there is one.
+Expected<void> setOptions(const std::optional<std::filesystem::path>& file);
+
+/// The SHA-256 of every file in the reference's folder.
+Expected<nlohmann::ordered_json> sumsOfReference(const std::filesystem::path& folder);
+
+/// A text that is to be read, without the line breaks at its end.
+Expected<std::string> readText(const std::filesystem::path& file);
+
 /// Longer than anyone reads aloud in ten minutes.
 inline constexpr std::size_t kMostTextBytes = 8000;
 

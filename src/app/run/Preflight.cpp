@@ -77,9 +77,17 @@ Expected<Analyzer> startAnalyzer(const Resources& resources, const DocumentChoic
 /// What is missing whatever the camera is; empty when nothing is.
 std::string machineLack(const CaptureArguments& arguments) {
   if (auto lack = lacks(examineMachine()); !lack.empty()) return lack;
+  if (!arguments.recordsFilms) return {};
   if (!devices::realTimeVideoCodecs(arguments.videoCodec).empty()) return {};
   return "No encoder for the film's --video-codec is installed: install "
          "gstreamer1.0-plugins-bad for hevc, gstreamer1.0-plugins-ugly for h264.";
+}
+
+std::string diskLack(const CaptureArguments& arguments, const std::filesystem::path& folder,
+                     const devices::MediaSource& media) {
+  if (!arguments.recordsFilms) return {};
+  const auto needed = bytesNeeded(media.camera().get(), arguments.maxDurationSeconds);
+  return lacks({diskSpace(folder, needed)});
 }
 
 /// Dresses the screen as it was asked for.
@@ -157,8 +165,7 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   if (!media) return refuse(ExitCode::wrongUse, media.error().sentence);
   prepared.media = *media;
   const std::filesystem::path& folder = prepared.inputs.folder;
-  const auto needed = bytesNeeded(prepared.media->camera().get(), arguments.maxDurationSeconds);
-  if (const auto lack = lacks({diskSpace(folder, needed)}); !lack.empty()) {
+  if (const auto lack = diskLack(arguments, folder, *prepared.media); !lack.empty()) {
     return refuse(ExitCode::machineLacks, lack);
   }
   auto analyzer = startAnalyzer(prepared.resources, arguments.documents, prepared.rules, loop);

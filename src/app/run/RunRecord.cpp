@@ -64,6 +64,16 @@ ordered_json programToJson() {
   return {{"name", "videoid"}, {"version", CORVANA_VERSION}, {"build", buildId()}};
 }
 
+ordered_json rectToJson(const platform::CGRect& rect) {
+  return {rect.x, rect.y, rect.width, rect.height};
+}
+
+ordered_json placesToJson(const engine::ScreenPlaces& places) {
+  return {{"size", {places.screen.width, places.screen.height}},
+          {"face", rectToJson(places.face)},
+          {"card", rectToJson(places.card)}};
+}
+
 ordered_json recordToJson(const RunRecord& record) {
   ordered_json object = {{"formatVersion", kFormatVersion}};
   object.update(outcomeToJson(record));
@@ -72,6 +82,7 @@ ordered_json recordToJson(const RunRecord& record) {
   object["attempts"] = record.attempts;
   object["date"] = record.date;
   object["hints"] = hintsToJson(record.hints);
+  if (record.places) object["screen"] = placesToJson(*record.places);
   object["options"] = currentOptions();
   object["program"] = programToJson();
   object.update(identityToJson(record.identity, record.started, record.ended));

@@ -18,6 +18,7 @@
 #include "capture/Corvana+VideoCapture.h"
 #include "corvana/IDError.h"
 #include "devices/film/MediaSource.h"
+#include "engine/recorder/ScreenPlaces.h"
 #include "platform/media/AssetWriter.h"
 
 namespace corvana::app {
@@ -63,6 +64,7 @@ struct RunRecord {
   std::string text = {};          ///< SHA-256 of the text that was to be read
   std::optional<Evidence> evidence = {};  ///< absent: none is kept
   std::optional<SigningKey> key = {};     ///< seals the result; absent: nobody vouches for it
+  std::optional<engine::ScreenPlaces> places = {};  ///< absent when the flow did not come so far
 };
 
 /// What is known of a run at its start, in the fields of result.json that will say it again; both

@@ -23,6 +23,7 @@ void HeadlessPerson::after(platform::Duration delay, platform::Block block) {
 }
 
 void HeadlessPerson::didPresent(platform::UIViewController& controller) {
+  if (!appeared_) appeared_ = loop_.now();
   if (auto* alert = dynamic_cast<platform::UIAlertController*>(&controller)) {
     answerAlert(*alert);
   } else if (findView<UIButton>(shownBy(controller).view(), outlets::kRetryButton)) {
@@ -50,14 +51,20 @@ void HeadlessPerson::answerRetryScreen(platform::UIViewController& screen) {
   });
 }
 
+std::optional<platform::Duration> HeadlessPerson::delayOfDone() const {
+  if (!habits_.doneAt || !appeared_) return habits_.doneAfter;
+  return std::max(*appeared_ + *habits_.doneAt - loop_.now(), platform::Duration::zero());
+}
+
 void HeadlessPerson::viewChanged(platform::UIView& view, const char* property) {
   const std::string_view what = property;
-  if (!habits_.doneAfter || (what != "alpha" && what != "hidden")) return;
+  const auto delay = delayOfDone();
+  if (!delay || (what != "alpha" && what != "hidden")) return;
   auto* button = findView<UIButton>(view.root(), outlets::kDoneButton);
   if (!button || std::exchange(seesDone_, isInSight(*button)) == isInSight(*button)) return;
   ++sighting_;
   if (!seesDone_) return;
-  after(*habits_.doneAfter, [this, weak = button->weak_from_this(), sighting = sighting_] {
+  after(*delay, [this, weak = button->weak_from_this(), sighting = sighting_] {
     touchDone(weak, sighting);
   });
 }

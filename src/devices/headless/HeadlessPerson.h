@@ -21,6 +21,9 @@ struct PersonHabits {
   int maxRetries = 3;
   /// How long after the Done button has come in sight it is touched; absent: never.
   std::optional<platform::Duration> doneAfter = {};
+  /// How long after the first screen has appeared the Done button is touched, or later when it
+  /// comes in sight; goes before `doneAfter`.
+  std::optional<platform::Duration> doneAt = {};
   /// How long after a screen has appeared it is answered.
   platform::Duration reactionTime = std::chrono::seconds(1);
 };
@@ -39,12 +42,14 @@ class HeadlessPerson final : public ScreenListener {
  private:
   void answerAlert(platform::UIAlertController& alert);
   void answerRetryScreen(platform::UIViewController& screen);
+  std::optional<platform::Duration> delayOfDone() const;
   void touchDone(const std::weak_ptr<platform::UIView>& button, int sighting);
   void after(platform::Duration delay, platform::Block block);
 
   platform::RunLoop& loop_;
   PersonHabits habits_;
   int retries_ = 0;
+  std::optional<platform::TimePoint> appeared_;  ///< the first screen
   bool seesDone_ = false;
   int sighting_ = 0;
 };

@@ -35,9 +35,11 @@ std::shared_ptr<corvana::VideoCapture> EngineHost::makeVideoCapture(
     return nullptr;
   }
   film_ = std::move(*film);
+  places_ =
+      setup_.places.value_or(ScreenPlaces{setup_.screenSize, selfieOverlayFrame, idOverlayFrame});
   return Recorder::make({setup_.loop, setup_.notificationCenter, setup_.analyzer,
-                         setup_.speechRecognizer, film_, captureSession_, selfieOverlayFrame,
-                         idOverlayFrame, setup_.screenSize, setup_.observer});
+                         setup_.speechRecognizer, film_, captureSession_, places_->face,
+                         places_->card, places_->screen, setup_.observer});
 }
 
 }  // namespace corvana::engine

@@ -11,6 +11,7 @@
 #include "engine/recorder/Film.h"
 #include "engine/recorder/FrameAnalyzer.h"
 #include "engine/recorder/RecorderObserver.h"
+#include "engine/recorder/ScreenPlaces.h"
 #include "platform/foundation/NotificationCenter.h"
 
 namespace corvana::engine {
@@ -34,6 +35,8 @@ class EngineHost final : public corvana::HostFactories {
     RecorderObserver* observer = nullptr;
     /// Told on the main queue that no film can be recorded, or no further; may be empty.
     std::function<void(const platform::Fault&)> onFilmFault = {};
+    /// By which pictures are judged, whatever the module's screen says; absent: the screen's.
+    std::optional<ScreenPlaces> places = {};
   };
 
   explicit EngineHost(Setup setup) : setup_(std::move(setup)) {}
@@ -48,6 +51,8 @@ class EngineHost final : public corvana::HostFactories {
   /// The last recorder's film; null before. It outlives the recorder, so that its end can be
   /// awaited.
   const std::shared_ptr<Film>& film() const { return film_; }
+  /// By which the last recorder judges; absent before.
+  const std::optional<ScreenPlaces>& places() const { return places_; }
   /// How many pictures of the last session the recorder was too busy to take.
   std::uint64_t framesDropped() const { return pictures_ ? pictures_->samplesDropped() : 0; }
 
@@ -56,6 +61,7 @@ class EngineHost final : public corvana::HostFactories {
   std::weak_ptr<corvana::CaptureSession> captureSession_;
   std::shared_ptr<platform::AVCaptureOutput> pictures_;
   std::shared_ptr<Film> film_;
+  std::optional<ScreenPlaces> places_;
 };
 
 }  // namespace corvana::engine

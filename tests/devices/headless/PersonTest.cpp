@@ -91,6 +91,22 @@ TEST_F(Person, RetriesAsOftenAsToldThenCancelsAndAnswersAlerts) {
   EXPECT_EQ(&world.topmost(), world.root.get());
 }
 
+TEST_F(Person, TouchesDoneAtAMomentOfTheFlowOrLaterAsSoonAsItIsInSight) {
+  enter({.doneAfter = platform::seconds(1), .doneAt = platform::seconds(10)});
+  show(kCapture);
+  world.advance(3);
+  setReadingAlpha(1);
+  world.advance(6.9);
+  EXPECT_EQ(touched, Lines{});
+  world.advance(0.2);
+  EXPECT_EQ(touched, Lines{"doneReadingText"});
+  setReadingAlpha(0);
+  world.advance(2);
+  setReadingAlpha(1);
+  world.advance(0.1);
+  EXPECT_EQ(touched, (Lines{"doneReadingText", "doneReadingText"}));
+}
+
 TEST_F(Person, TouchesDoneOnlyWhenItIsInSightLongEnough) {
   enter({.doneAfter = platform::seconds(5), .reactionTime = platform::seconds(7)});
   show(kCapture);

@@ -1,0 +1,103 @@
+#include "app/recheck/RecordedRun.h"
+
+#include <array>
+
+#include "app/run/EventLog.h"
+#include "app/run/Files.h"
+#include "app/run/RunRecord.h"
+
+namespace corvana::app {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using platform::Expected;
+using platform::failure;
+
+constexpr std::uint64_t kMostResultBytes = 1 << 20;
+
+template <std::size_t count>
+std::optional<std::array<double, count>> numbersAt(const json& object, const char* key) {
+  const json list = object.value(key, json());
+  if (!list.is_array() || list.size() != count) return std::nullopt;
+  std::array<double, count> numbers{};
+  for (std::size_t i = 0; i < count; ++i) {
+    if (!list[i].is_number()) return std::nullopt;
+    numbers[i] = list[i].get<double>();
+  }
+  return numbers;
+}
+
+std::optional<platform::CGRect> rectAt(const json& object, const char* key) {
+  const auto numbers = numbersAt<4>(object, key);
+  if (!numbers) return std::nullopt;
+  return platform::CGRect{(*numbers)[0], (*numbers)[1], (*numbers)[2], (*numbers)[3]};
+}
+
+Expected<json> readResult(const fs::path& folder) {
+  const fs::path file = folder / kResultFileName;
+  std::error_code error;
+  if (!fs::exists(file, error)) {
+    return failure("\"" + folder.string() +
+                   "\" has no result that could be judged again: the run never ended.");
+  }
+  const auto text = readFile(file, kMostResultBytes);
+  if (!text) return tl::unexpected(text.error());
+  auto object = parseJson(*text, file.string());
+  if (!object) return object;
+  const bool isResult = object->is_object() && object->value("options", json()).is_object() &&
+                        (object->contains("result") || object->contains("error"));
+  if (isResult) return object;
+  return failure("\"" + file.string() + "\" is not the result of a run.");
+}
+
+Expected<fs::path> filmIn(const fs::path& folder) {
+  std::error_code error;
+  for (const char* name : {"film.mp4", "film.partial.mp4"}) {
+    if (fs::is_regular_file(folder / name, error)) return folder / name;
+  }
+  return failure("\"" + folder.string() + "\" holds no film.");
+}
+
+}  // namespace
+
+std::string RecordedRun::sum(const char* name) const {
+  const json bound = result.value(name, json());
+  return bound.is_string() ? bound.get<std::string>() : "";
+}
+
+std::optional<engine::CalendarDate> RecordedRun::date() const {
+  return engine::calendarDate(sum("date"));
+}
+
+std::optional<engine::ScreenPlaces> RecordedRun::places() const {
+  const json screen = result.value("screen", json());
+  if (!screen.is_object()) return std::nullopt;
+  const auto size = numbersAt<2>(screen, "size");
+  const auto face = rectAt(screen, "face");
+  const auto card = rectAt(screen, "card");
+  if (!size || !face || !card) return std::nullopt;
+  return engine::ScreenPlaces{{(*size)[0], (*size)[1]}, *face, *card};
+}
+
+Expected<RecordedRun> readRecordedRun(const fs::path& folder, const TrustedKeys* keys,
+                                      const StampAuthorities* authorities) {
+  auto report = checkRecord(folder, keys, authorities);
+  if (!report) return tl::unexpected(report.error());
+  auto result = readResult(folder);
+  if (!result) return tl::unexpected(result.error());
+  auto film = filmIn(folder);
+  if (!film) return tl::unexpected(film.error());
+  auto events = readRunEvents(folder / EventLog::kFileName);
+  if (!events) return tl::unexpected(events.error());
+  const bool isTrusted = keys && report->holds();
+  return RecordedRun{folder,
+                     std::move(*film),
+                     std::move(*result),
+                     std::move(*events),
+                     std::move(*report),
+                     isTrusted,
+                     {}};
+}
+
+}  // namespace corvana::app
