@@ -12,6 +12,7 @@
 #include <corvana/devices/qtquick/QtScreen.h>
 #include <corvana/devices/screen/ViewSearch.h>
 #include <corvana/devices/scripted/ScriptedHost.h>
+#include <corvana/devices/system/SystemRandom.h>
 #include <corvana/devices/system/TerminalSystem.h>
 #include <corvana/platform/uikit/Controls.h>
 
@@ -34,6 +35,7 @@ int main(int argc, char** argv) {
   corvana::devices::NoSettingsApplication settings;
   corvana::devices::ScriptedMediaDevices media(loop);
   corvana::devices::ScriptedSpeechAuthorization speech(loop);
+  corvana::devices::SystemRandom randomness;
   corvana::devices::ReportingSystemSounds sounds([&](auto) { screen.flash(); });
   corvana::devices::ScriptedHost host(loop, media);
   corvana::devices::DirectoryBundle bundle(
@@ -47,6 +49,7 @@ int main(int argc, char** argv) {
       .mediaDevices = media,
       .speechAuthorization = speech,
       .systemSounds = sounds,
+      .randomness = randomness,
       .mainScreen = {{0, 0, screen.size().width, screen.size().height}},
       .animations = &screen,
       .presentations = &hub,

@@ -31,10 +31,10 @@ int run(int argc, char** argv) {
   app::addScreensCommand(program, exitCode);
   app::addKeyCommand(program, exitCode);
   app::addVerifyCommand(program, exitCode);
+  app::addRecheckCommand(program, exitCode);
   app::addReportCommand(program, exitCode);
   app::addExportCommand(program, exitCode);
   app::addPurgeCommand(program, exitCode);
-  app::addRecheckCommand(program, exitCode);
   app::addTimestampCommand(program, exitCode);
   app::addCompareCommand(program, exitCode);
   app::addEmbedCommand(program, exitCode);

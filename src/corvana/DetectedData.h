@@ -31,6 +31,13 @@ struct MRZResult {
   bool operator==(const MRZResult& other) const { return lines == other.lines; }
 };
 
+/// How much a picture of a card looks like the card itself or like a copy of it, each 0 to 1.
+struct RealnessScores {
+  float photocopyScore = 0;  ///< on paper
+  float realScore = 0;
+  float screenScore = 0;  ///< on a display
+};
+
 /// What was read of one side of a card.
 struct DetectedData {
   /// Family and side, as "IDENTITY_CARD_FRONT" and "IDENTITY_CARD_BACK"; absent while unknown.
@@ -50,14 +57,10 @@ struct DetectedData {
   bool shouldHaveBarcode = false;
   /// Whether the card is an original rather than a copy or a screen; absent when not judged.
   std::optional<bool> isReal;
+  /// Of what `isReal` was judged; absent as it is.
+  std::optional<RealnessScores> realness;
   /// What zone, code and print say of holder and document, each by itself; absent when not read.
   std::optional<std::vector<DocumentField>> fields;
-};
-
-struct RealnessScores {
-  float photocopyScore = 0;
-  float realScore = 0;
-  float screenScore = 0;
 };
 
 /// Raw measurements of document analysis, for tuning.

@@ -53,6 +53,12 @@ class IDCaptureDelegate {
 
 /// Tables of document capture: one writer, before the entry.
 struct IDCapture {
+  /// Which cards are not accepted because they look like copies.
+  enum class RejectUnreal {
+    off,   ///< none: scores are only reported
+    sure,  ///< those of which there is no reasonable doubt
+    all,   ///< the suspect ones too, and with them some true cards
+  };
   struct Options {
     /// Analyse the camera picture at its full size instead of at most 1280 pixels a side.
     bool capture4K = false;
@@ -69,6 +75,7 @@ struct IDCapture {
     double leastSharpness = 0.17;    ///< of the print's edges, 0 to about 0.4
     double leastBrightness = 0.24;   ///< of the lightest tenth, 0 to 1
     double mostCoveredPrint = 0.04;  ///< of the print that was seen before
+    RejectUnreal rejectUnreal = RejectUnreal::sure;
     /// Seconds for which a card has to be wrong before the user is told.
     double patienceSeconds = 0.15;
   };
@@ -89,6 +96,7 @@ struct IDCapture {
     std::string tooDark = "It is too dark to read the ID";
     std::string blurred = "Hold still, the ID is blurred";
     std::string covered = "Take your fingers off the print";
+    std::string copy = "Show the ID itself, not a copy of it";
     std::string retryScreenText = "Your ID could not be read. Please try again";
     std::string retryButtonText = "Try Again";
     std::string cancelButtonText = "Cancel";

@@ -49,6 +49,7 @@ struct SelfieCapture {
   enum class Liveness {
     off,      ///< nothing: signs are only reported
     passive,  ///< a sign of life, and no sign of fraud
+    active,   ///< the same, and three tasks that are drawn for each run
   };
   struct Options {
     Liveness liveness = Liveness::passive;
@@ -65,6 +66,15 @@ struct SelfieCapture {
     double livenessRepetition = 0.5;
     /// Share of three straight edges around the face that must be seen for a print or display.
     double livenessEdges = 0.88;
+    /// Seconds for each task, and for each way back to rest; the selfie's time-out is so much
+    /// longer for each task that there is, and once more for one that may be missed.
+    double livenessTaskSeconds = 5;
+    /// Degrees from rest by which a head that is to turn has to turn.
+    double livenessTurnDegrees = 12;
+    /// Degrees from rest by which a head that is to look up has to be lifted.
+    double livenessLookUpDegrees = 8;
+    /// Times the width at rest that a face that is to come nearer has to have.
+    double livenessNearerWidth = 1.15;
     /// Greatest distance of unit-length embeddings at which a face is still the selfie's.
     double samePersonThreshold = 0.42;
     /// Analyse the camera picture at its full size instead of at most 1280 pixels a side.
@@ -90,6 +100,12 @@ struct SelfieCapture {
     // What a `DetectedIssue` asks of a face that is fit for a selfie, but not known to be alive.
     std::string blinkEyes = "Blink with both eyes";
     std::string turnHead = "Turn your head a little";
+    // The tasks of the active mode.
+    std::string turnLeft = "Turn your head to your left";
+    std::string turnRight = "Turn your head to your right";
+    std::string lookUp = "Look up";
+    std::string comeNearer = "Come nearer";
+    std::string blinkTwice = "Blink twice, quickly";
     std::string showYourself = "Show your own face, not a picture of it";
     std::string retryScreenText = "Your face could not be captured. Please try again";
     std::string retryButtonText = "Try Again";

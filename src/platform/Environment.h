@@ -17,6 +17,7 @@
 namespace corvana::platform {
 
 class Bundle;
+class RandomSource;
 class PresentationObserver;
 
 /// The screen's size in points.
@@ -45,6 +46,7 @@ struct Environment {
   MediaDevices& mediaDevices;
   SpeechAuthorization& speechAuthorization;
   SystemSounds& systemSounds;
+  RandomSource& randomness;  ///< of hosts that ask for what nobody should foresee
   UIScreen mainScreen;
   Animations animations = {};
   PresentationObserver* presentations = nullptr;  ///< null: nobody watches the stack of screens

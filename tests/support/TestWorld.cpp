@@ -23,6 +23,7 @@ TestWorld::TestWorld()
                   .mediaDevices = mediaDevices,
                   .speechAuthorization = speechAuthorization,
                   .systemSounds = sounds,
+                  .randomness = randomness,
                   .mainScreen = {devices::kHeadlessScreen}},
       root(std::make_shared<platform::UIViewController>(environment)),
       window_(std::make_unique<platform::UIWindow>(root)) {}

@@ -8,6 +8,7 @@
 #include "devices/scripted/ScriptedMedia.h"
 #include "devices/scripted/ScriptedSystem.h"
 #include "platform/Environment.h"
+#include "platform/foundation/RandomSource.h"
 #include "platform/foundation/VirtualRunLoop.h"
 #include "platform/uikit/UIStoryboard.h"
 #include "platform/uikit/UIViewController.h"
@@ -39,6 +40,7 @@ class TestWorld {
   devices::ScriptedMediaDevices mediaDevices{loop};
   devices::ScriptedSpeechAuthorization speechAuthorization{loop};
   devices::RecordingSounds sounds;
+  platform::SeededRandom randomness{0};
   devices::ScriptedHost host{loop, mediaDevices};
   platform::ControllerFactories factories;
   std::vector<devices::SceneLayout> scenes = devices::videoCaptureScenes();

@@ -25,8 +25,9 @@ const std::vector<std::string>& kindNames();
 std::string alter(session::CardData& print, const Design& design,
                   const std::vector<NameList>& names, session::Random& random);
 
-/// A copy of what the sheet shows; the sheet itself for the other kinds.
-Sheet copied(const Sheet& original, Kind kind, session::Random& random);
+/// A copy of what the sheet shows; the sheet itself for the other kinds. unseen: made in the manner
+/// that is set aside for the last measurement.
+Sheet copied(const Sheet& original, Kind kind, bool unseen, session::Random& random);
 
 /// The conditions of a scan: none of what a hand and a room do to a photograph.
 Conditions scanConditions();

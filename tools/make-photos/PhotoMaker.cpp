@@ -164,7 +164,7 @@ Result<void> Maker::photograph(const Taken& what, const Design& design, const Si
 
   Random random = stream(order_.seed, taken.pair, taken.back ? 2 : 1);
   const cv::Mat painted = artists_.at(design.name).paint(side, taken.print, taken.coded, photo);
-  const Sheet sheet = copied(layOut(painted, design, side), order_.kind, random);
+  const Sheet sheet = copied(layOut(painted, design, side), order_.kind, order_.unseen, random);
   const Conditions conditions =
       order_.kind == Kind::scan
           ? scanConditions()

@@ -121,12 +121,15 @@ void HeadWarp::maps(const PersonPose& pose, cv::Point2f corner, cv::Mat& mapX,
   // the enlargement takes them.
   constexpr int kWide = kPictureWidth / kStep + 2;
   constexpr int kHigh = kPictureHeight / kStep + 2;
+  const cv::Point2f middle(centre_);
   cv::Mat coarseX(kHigh, kWide, CV_32FC1);
   cv::Mat coarseY(kHigh, kWide, CV_32FC1);
   for (int row = 0; row < kHigh; ++row)
     for (int column = 0; column < kWide; ++column) {
-      const cv::Point2f seen(static_cast<float>((column - 0.5) * kStep - 0.5 - pose.cameraX),
-                             static_cast<float>((row - 0.5) * kStep - 0.5 - pose.cameraY));
+      const cv::Point2f moved(static_cast<float>((column - 0.5) * kStep - 0.5 - pose.cameraX),
+                              static_cast<float>((row - 0.5) * kStep - 0.5 - pose.cameraY));
+      cv::Point2f seen = moved;
+      if (pose.nearness != 1) seen = middle + (moved - middle) / static_cast<float>(pose.nearness);
       cv::Point2f source = seen;
       for (int i = 0; i < kInversionSteps; ++i)
         source = seen - lookUp(field, source);

@@ -16,6 +16,13 @@ constexpr double kBlinkOpening = 0.17;
 constexpr double kBreathsPerSecond = 0.27;
 constexpr double kLeaving = 0.9;  ///< seconds from in view to out of view
 
+// What a person does who is asked for it.
+constexpr double kTaskTurn = 17.0;     ///< degrees
+constexpr double kTaskLift = 15.0;     ///< degrees
+constexpr double kTaskNearer = 0.28;   ///< share by which all is seen larger
+constexpr double kTaskRise = 0.35;     ///< seconds from rest to there
+constexpr double kSecondBlink = 0.55;  ///< seconds after the first
+
 }  // namespace
 
 PersonMotion::PersonMotion(const Script& script, double length, Random& random)
@@ -36,6 +43,11 @@ PersonMotion::PersonMotion(const Script& script, double length, Random& random)
     if (next >= person_.noBlinkBefore) blinks_.push_back(next);
     next += random.uniform(2.2, 4.6);
   }
+  for (const TaskScript& task : person_.tasks) {
+    if (task.what != "blinkTwice") continue;
+    blinks_.insert(blinks_.end(), {task.at, task.at + kSecondBlink});
+  }
+  std::ranges::sort(blinks_);
 }
 
 double PersonMotion::lids(double seconds) const {
@@ -51,6 +63,16 @@ double PersonMotion::away(double seconds) const {
   const double distance = kPictureWidth - person_.x + 0.8 * person_.faceWidth + 30.0;
   return distance *
          pulse(seconds, *leavesAt_, *leavesAt_ + leavesSeconds_ + 2.0 * kLeaving, kLeaving);
+}
+
+void PersonMotion::doTasks(double seconds, PersonPose& pose) const {
+  for (const TaskScript& task : person_.tasks) {
+    const double share = pulse(seconds, task.at, task.at + task.seconds, kTaskRise);
+    if (task.what == "turnLeft") pose.yaw += kTaskTurn * share;
+    if (task.what == "turnRight") pose.yaw -= kTaskTurn * share;
+    if (task.what == "lookUp") pose.pitch -= kTaskLift * share;
+    if (task.what == "comeNearer") pose.nearness += kTaskNearer * share;
+  }
 }
 
 PersonPose PersonMotion::at(double seconds, double mouth) const {
@@ -69,6 +91,7 @@ PersonPose PersonMotion::at(double seconds, double mouth) const {
   pose.breath = std::sin(kTurn * kBreathsPerSecond * seconds);
   pose.lids = lids(seconds);
   pose.mouth = mouth;
+  doTasks(seconds, pose);
   pose.cameraX = unrest * 5.0 * handX_.at(seconds) + away(seconds);
   pose.cameraY = unrest * 4.0 * handY_.at(seconds);
   return pose;

@@ -20,6 +20,7 @@ struct PersonPose {
   double mouth = 0.0;    ///< 0 closed to 1 as open as in speech
   double cameraX = 0.0;  ///< of the whole picture, in pixels
   double cameraY = 0.0;
+  double nearness = 1.0;  ///< how much larger all is seen than at rest
 };
 
 /// The person's motion through the session: looks around in the selfie phase, down at the card
@@ -35,6 +36,7 @@ class PersonMotion {
  private:
   double lids(double seconds) const;
   double away(double seconds) const;
+  void doTasks(double seconds, PersonPose& pose) const;
 
   TimeScript time_;
   PersonScript person_;

@@ -11,6 +11,15 @@ constexpr std::size_t kLongestText = 5000;
 constexpr std::size_t kLongestField = 80;
 constexpr double kLongestSession = 600.0;
 
+TaskScript readTask(ScriptReader reader) {
+  TaskScript task;
+  reader.choice("do", task.what, {"turnLeft", "turnRight", "lookUp", "comeNearer", "blinkTwice"});
+  reader.number("at", task.at, 0.0, kLongestSession);
+  reader.number("seconds", task.seconds, 0.5, 20.0);
+  reader.finish();
+  return task;
+}
+
 void readPerson(ScriptReader reader, const path& folder, PersonScript& person) {
   reader.file("portrait", person.portrait, folder);
   reader.number("faceWidth", person.faceWidth, 60.0, 600.0);
@@ -22,6 +31,8 @@ void readPerson(ScriptReader reader, const path& folder, PersonScript& person) {
   reader.number("noBlinkBefore", person.noBlinkBefore, 0.0, kLongestSession);
   reader.number("light", person.light, 0.1, 1.5);
   reader.flag("doorway", person.doorway);
+  for (const ScriptReader& task : reader.objects("tasks"))
+    person.tasks.push_back(readTask(task));
   reader.finish();
 }
 
@@ -105,6 +116,7 @@ void readFaults(ScriptReader reader, const path& folder, const CardData& card,
   leaves.number("seconds", faults.faceLeavesSeconds, 0.5, kLongestSession);
   leaves.finish();
   reader.flag("silence", faults.silence);
+  reader.flag("dubbed", faults.dubbed);
   reader.text("wrongWords", faults.wrongWords, kLongestText);
   ScriptReader change = reader.object("change");
   change.number("at", faults.changesAt, 0.0, kLongestSession);

@@ -10,6 +10,13 @@
 
 namespace corvana::session {
 
+/// What the person does when they are asked to.
+struct TaskScript {
+  std::string what;      ///< turnLeft, turnRight, lookUp, comeNearer or blinkTwice; left is theirs
+  double at = 0.0;       ///< seconds
+  double seconds = 1.3;  ///< until they are back to rest
+};
+
 /// Who stands before the camera. Lengths in pixels of the 720×1280 picture.
 struct PersonScript {
   std::filesystem::path portrait;
@@ -22,6 +29,7 @@ struct PersonScript {
   double noBlinkBefore = 0.0;  ///< seconds
   double light = 1.0;          ///< on the scene, 1: a well lit room; less light, more noise
   bool doorway = false;        ///< a door's frame stands behind the person
+  std::vector<TaskScript> tasks;
 };
 
 /// What stands before the camera in the place of the living person.
@@ -92,6 +100,7 @@ struct FaultScript {
   std::optional<double> faceLeavesAt;  ///< the face leaves the picture for faceLeavesSeconds
   double faceLeavesSeconds = 5.0;
   bool silence = false;                 ///< nothing is spoken
+  bool dubbed = false;                  ///< a voice is heard while the lips rest
   std::string wrongWords;               ///< spoken in place of the text
   std::filesystem::path changedPerson;  ///< portrait of who takes the person's place
   double changesAt = 0.0;               ///< seconds

@@ -141,6 +141,19 @@ ScriptReader ScriptReader::object(const char* key) {
   return ScriptReader(value == nullptr ? kEmptyObject : *value, nameOf(key), complaint_);
 }
 
+std::vector<ScriptReader> ScriptReader::objects(const char* key) {
+  std::vector<ScriptReader> objects;
+  const nlohmann::json* value = find(key);
+  if (value == nullptr) return objects;
+  if (!value->is_array()) {
+    complain(key, "has to be a list in brackets");
+    return objects;
+  }
+  for (const nlohmann::json& object : *value)
+    objects.emplace_back(object, nameOf(key), complaint_);
+  return objects;
+}
+
 void ScriptReader::finish() {
   if (!object_.is_object()) return;
   for (const auto& item : object_.items())

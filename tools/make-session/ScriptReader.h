@@ -4,6 +4,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -30,6 +31,8 @@ class ScriptReader {
   void file(const char* key, std::filesystem::path& field, const std::filesystem::path& folder);
   bool has(const char* key) const { return object_.is_object() && object_.contains(key); }
   ScriptReader object(const char* key);
+  /// Each object of a list.
+  std::vector<ScriptReader> objects(const char* key);
   void finish();
 
  private:

@@ -142,6 +142,7 @@ Result<Sound> Maker::makeSound() {
               alone.begin() + static_cast<std::ptrdiff_t>(start));
   const auto frames = static_cast<std::size_t>(std::lround(seconds * kFramesPerSecond));
   sound.mouth = mouthOpening(alone, frames);
+  if (script_.faults.dubbed) sound.mouth.assign(frames, 0.0);
   sound.samples = roomTone(seconds, script_.voice.roomTone, random);
   for (std::size_t i = 0; i < alone.size(); ++i)
     sound.samples[i] += alone[i];
@@ -218,6 +219,7 @@ nlohmann::json Maker::account(const Sound& sound) const {
   if (faults.wrongBack) faultNames.push_back("wrongBack");
   if (faults.faceLeavesAt) faultNames.push_back("faceLeaves");
   if (faults.silence) faultNames.push_back("silence");
+  if (faults.dubbed) faultNames.push_back("dubbed");
   if (!faults.wrongWords.empty()) faultNames.push_back("wrongWords");
   if (!faults.changedPerson.empty()) {
     faultNames.push_back("change");

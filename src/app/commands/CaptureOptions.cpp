@@ -39,6 +39,10 @@ void addCameraOptions(CLI::App& command, CameraChoice& choice) {
       ->check(CLI::IsMember({0, 90, 180, 270}).description(""));
   command.add_flag("--allow-virtual-camera", choice.allowVirtual,
                    "also take a camera that is software, to try things; the result says so");
+  command.add_flag(
+      "--refuse-injected-camera", choice.refuseInjected,
+      "end a run whose live camera shows signs of a stream that software feeds in; see "
+      "docs/devices.md");
 }
 
 CLI::Option* addTime(CLI::App& command, CaptureArguments& arguments) {
@@ -201,6 +205,10 @@ void addCaptureOptions(CLI::App& command, CaptureArguments& arguments) {
           "seconds after which the flow is ended (default 600); the disk must have room for a "
           "film of that length, three times")
       ->check(CLI::Range(1.0, 7200.0).description(""));
+  command.add_option(
+      "--challenge-seed", arguments.challengeSeed,
+      "whole number from which the tasks of selfieCapture.liveness active are drawn, "
+      "to try things (default: the system's randomness, in media time 0)");
   addPrivacy(command, arguments);
   command.add_flag("--keep-failed-runs", arguments.keepFailedRuns,
                    "keep the films of runs that were retried, as film.run1.mp4 and so on");

@@ -9,6 +9,7 @@
 #include "app/run/Resources.h"
 #include "devices/pictures/ImageFile.h"
 #include "engine/document/DocumentAnalyzer.h"
+#include "engine/document/copies/CopyFigures.h"
 
 namespace corvana::app {
 namespace {
@@ -23,6 +24,7 @@ struct EnrollArguments {
   fs::path output;
   DocumentChoice documents;
   bool allowConflict = false;
+  bool allowCopy = false;
 };
 
 tl::expected<DetectedData, Refusal> readSide(engine::DocumentAnalyzer& documents,
@@ -99,9 +101,28 @@ std::string documentFault(const Reference& reference, const DocumentRules& rules
   std::vector<const DetectedData*> sides{&reference.front};
   if (reference.back) sides.push_back(&*reference.back);
   std::string all;
-  for (const DocumentHint& hint : hintsOf(sides, rules))
-    all += (all.empty() ? "" : ", ") + describe(hint, rules);
+  for (const DocumentHint& hint : hintsOf(sides, rules)) {
+    if (hint.name != kSuspectCopy) all += (all.empty() ? "" : ", ") + describe(hint, rules);
+  }
   return all;
+}
+
+/// Of what the side looks like a copy, as part of a sentence.
+std::string copyIn(const corvana::RealnessScores& scores) {
+  return scores.screenScore > scores.photocopyScore ? "a picture of the card on a display"
+                                                    : "a copy of the card on paper";
+}
+
+/// Which pictures have so much of a copy that no reasonable doubt is left, or only so much that
+/// they are suspect; empty when none has.
+std::string copyFault(const Reference& reference, float least) {
+  const auto faultOf = [least](const char* side, const DetectedData& data) {
+    if (!data.realness || engine::copyScore(*data.realness) < least) return std::string();
+    return std::string("the ") + side + " looks like " + copyIn(*data.realness);
+  };
+  const std::string front = faultOf("front", reference.front);
+  const std::string back = reference.back ? faultOf("back", *reference.back) : "";
+  return front + (front.empty() || back.empty() ? "" : ", ") + back;
 }
 
 tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
@@ -145,6 +166,15 @@ ExitCode runEnroll(const EnrollArguments& arguments) {
   if (const auto fault = sidesFault(*reference); !fault.empty()) {
     return complain(std::cerr, ExitCode::wrongUse, fault);
   }
+  const std::string sureCopy = copyFault(*reference, engine::kSureCopy);
+  if (!sureCopy.empty() && !arguments.allowCopy) {
+    return complain(std::cerr, ExitCode::wrongUse,
+                    "The card was not enrolled: " + sureCopy +
+                        ". Photograph the card itself, or give --allow-copy to enroll the copy.");
+  }
+  if (const auto suspect = copyFault(*reference, engine::kSuspectCopy); !suspect.empty()) {
+    std::cerr << "WARNING: " << suspect << ".\n";
+  }
   if (const auto fault = documentFault(*reference, rules); !fault.empty()) {
     if (!arguments.allowConflict) {
       return complain(std::cerr, ExitCode::wrongUse,
@@ -176,6 +206,9 @@ void addEnrollCommand(CLI::App& app, ExitCode& exitCode) {
   command.add_flag("--allow-conflict", arguments->allowConflict,
                    "also enroll a card whose print conflicts with its zone or barcode, or whose "
                    "dates are not in order; what is amiss is told");
+  command.add_flag("--allow-copy", arguments->allowCopy,
+                   "also enroll a card whose pictures surely show a copy on paper or on a display; "
+                   "what is amiss is told");
   command.callback([arguments, &exitCode] { exitCode = runEnroll(*arguments); });
 }
 

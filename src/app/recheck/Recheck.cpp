@@ -85,6 +85,7 @@ class Rechecker {
       arguments.habits.doneAt = platform::seconds(*end);
     }
     arguments.recordsFilms = false;
+    arguments.keepsEvidence = false;
     arguments.places = run_.places();
     return arguments;
   }

@@ -15,6 +15,7 @@ using platform::Expected;
 using platform::failure;
 
 constexpr std::uint64_t kMostResultBytes = 1 << 20;
+constexpr std::uint64_t kMostEvidenceBytes = 1 << 24;
 
 template <std::size_t count>
 std::optional<std::array<double, count>> numbersAt(const json& object, const char* key) {
@@ -49,6 +50,16 @@ Expected<json> readResult(const fs::path& folder) {
                         (object->contains("result") || object->contains("error"));
   if (isResult) return object;
   return failure("\"" + file.string() + "\" is not the result of a run.");
+}
+
+/// Where the record keeps what a reviewer has to see beside events and film.
+std::optional<std::string> textIn(const fs::path& folder) {
+  const auto content = readFile(folder / "evidence.json", kMostEvidenceBytes);
+  if (!content) return std::nullopt;
+  const auto object = parseJson(*content, "");
+  if (!object || !object->is_object()) return std::nullopt;
+  const json text = object->value("text", json());
+  return text.is_string() ? std::optional(text.get<std::string>()) : std::nullopt;
 }
 
 Expected<fs::path> filmIn(const fs::path& folder) {
@@ -91,13 +102,13 @@ Expected<RecordedRun> readRecordedRun(const fs::path& folder, const TrustedKeys*
   auto events = readRunEvents(folder / EventLog::kFileName);
   if (!events) return tl::unexpected(events.error());
   const bool isTrusted = keys && report->holds();
-  return RecordedRun{folder,
-                     std::move(*film),
-                     std::move(*result),
-                     std::move(*events),
-                     std::move(*report),
-                     isTrusted,
-                     {}};
+  return RecordedRun{.folder = folder,
+                     .film = std::move(*film),
+                     .result = std::move(*result),
+                     .events = std::move(*events),
+                     .report = std::move(*report),
+                     .isTrusted = isTrusted,
+                     .text = textIn(folder)};
 }
 
 }  // namespace corvana::app

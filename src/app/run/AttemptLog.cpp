@@ -65,6 +65,7 @@ void AttemptLog::end(const std::string& reason) {
 
 void AttemptLog::measure(const std::string& name, ordered_json figure) {
   if (!open_ || !figure.contains("threshold")) return;
+  figure.erase("step");
   ordered_json named{{"name", name}};
   named.update(figure);
   if (!open_->figures.contains(name)) open_->names.push_back(name);
@@ -93,6 +94,7 @@ void AttemptLog::happened(const RecorderEvent& event) {
     case Kind::call:
       if (event.name == "retry") ++run_;
       break;
+    case Kind::task:
     case Kind::sign:
     case Kind::hint:
       measure(event.name, detailsOf(event));

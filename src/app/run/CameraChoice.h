@@ -20,6 +20,8 @@ struct CameraChoice {
   devices::CameraMode mode;
   devices::CameraTurn turn = devices::CameraTurn::none;
   bool allowVirtual = false;  ///< a film from a virtual camera proves nothing
+  /// A camera that shows signs of a stream that software feeds in ends the run.
+  bool refuseInjected = false;
 
   /// A recorded file stands in for both. False: they are live, so time is real.
   bool isRecording() const;

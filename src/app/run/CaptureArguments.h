@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -46,6 +47,9 @@ struct CaptureArguments {
   std::optional<int> retainDays;                 ///< absent: the run is kept without end
   Remains afterFailure = Remains::all;
   Remains afterCancellation = Remains::nothing;
+  /// From which the tasks of the active mode are drawn; absent: from the system's randomness, or
+  /// from 0 in media time.
+  std::optional<std::uint32_t> challengeSeed;
   bool keepsEvidence = true;    ///< what was compared, for a reviewer
   bool keepFailedRuns = false;  ///< the films of runs that were retried
   /// False: films are only counted, as there is one already.

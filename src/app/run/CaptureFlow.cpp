@@ -6,6 +6,7 @@
 #include "app/run/CountedFilms.h"
 #include "app/seal/Sha256.h"
 #include "capture/ControllerFactories.h"
+#include "devices/system/SystemRandom.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
 
 namespace corvana::app {
@@ -30,6 +31,14 @@ bool belongsInLog(FlowEvent::Kind kind) {
     default:
       return false;
   }
+}
+
+/// In media time the same session has to give the same run.
+std::unique_ptr<platform::RandomSource> makeRandomness(const CaptureArguments& arguments,
+                                                       const platform::RunLoop& loop) {
+  const bool isForeseen = arguments.challengeSeed || loop.isVirtual();
+  if (!isForeseen) return std::make_unique<devices::SystemRandom>();
+  return std::make_unique<platform::SeededRandom>(arguments.challengeSeed.value_or(0));
 }
 
 nlohmann::ordered_json fieldsOf(const FlowEvent& event) {
@@ -85,12 +94,13 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
       sourceDevices_(media_),
       watchedDevices_(screen_.watch(sourceDevices_)),
       mediaDevices_(watchedDevices_ ? *watchedDevices_ : sourceDevices_),
+      randomness_(makeRandomness(arguments, loop_)),
       sounds_([this](platform::SystemSoundID sound) {
         reporter_.soundPlayed(sound);
         screen_.play(sound);
       }),
       world_(loop_, screen_, prepared.resources.module, capture::controllerFactories(host_, this),
-             {console_, application_, mediaDevices_, speechAuthorization_, sounds_}),
+             {console_, application_, mediaDevices_, speechAuthorization_, sounds_, *randomness_}),
       films_(makeFilms()),
       host_(hostSetup()) {
   world_.hub().add(reporter_);
@@ -109,18 +119,18 @@ std::optional<RunSeal> CaptureFlow::makeSeal() {
       [this](const platform::Fault& fault) { recordFailed(fault); });
 }
 
-std::shared_ptr<corvana::SpeechRecognizer> CaptureFlow::makeRecognizer() {
-  auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
-      loop_, engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder), inputs_.text);
-  if (!evidence_) return recognizer;
-  return listenIn(std::move(recognizer), [this](const auto& result) { evidence_->heard(result); });
-}
-
 std::unique_ptr<platform::AssetWriterFactory> CaptureFlow::makeFilms() {
   if (!arguments_.recordsFilms) return std::make_unique<CountedFilms>();
   auto films = std::make_unique<devices::FilmWriterFactory>(loop_);
   if (seal_) films->showTo(seal_->witnesses());
   return films;
+}
+
+std::shared_ptr<corvana::SpeechRecognizer> CaptureFlow::makeRecognizer() {
+  auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
+      loop_, engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder), inputs_.text);
+  if (!evidence_) return recognizer;
+  return listenIn(std::move(recognizer), [this](const auto& result) { evidence_->heard(result); });
 }
 
 engine::EngineHost::Setup CaptureFlow::hostSetup() {
@@ -130,6 +140,7 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
           world_.notificationCenter(),
           mediaDevices_,
           *films_,
+          world_.environment().randomness,
           analyzer_,
           makeRecognizer(),
           inputs_.folder,
@@ -167,9 +178,18 @@ void CaptureFlow::watchWorld() {
   media_->onEnd = [this] { endAfterGrace(); };
   media_->onError = [this](const platform::Fault& fault) { end_.fail(fault); };
   media_->onWarning = [this](const std::string& sentence) { warn(sentence); };
+  media_->onCameraSign = [this](const devices::CameraSign& sign) { suspect(sign); };
   events_.add("devices", devicesToJson(UsedDevices::of(*media_)));
   if (media_->microphone()) return;
   warn("There is no microphone: the film will be silent and no word can be heard.");
+}
+
+void CaptureFlow::suspect(const devices::CameraSign& sign) {
+  events_.add("cameraSign", cameraSignToJson(sign));
+  const std::string sentence = "The camera's stream looks as if software fed it in (" + sign.name +
+                               "): make sure that it is a camera.";
+  warn(sentence);
+  if (arguments_.source.refuseInjected) end_.fail({sentence});
 }
 
 void CaptureFlow::warn(const std::string& sentence) {
@@ -199,6 +219,7 @@ void CaptureFlow::close() {
   media_->onEnd = nullptr;
   media_->onError = nullptr;
   media_->onWarning = nullptr;
+  media_->onCameraSign = nullptr;
   world_.close();
   if (const auto film = host_.film()) {
     bool closed = false;

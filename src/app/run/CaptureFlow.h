@@ -44,14 +44,15 @@ class CaptureFlow final : private corvana::DecisionObserver {
  private:
   engine::EngineHost::Setup hostSetup();
   std::optional<RunSeal> makeSeal();
-  std::shared_ptr<corvana::SpeechRecognizer> makeRecognizer();
   std::unique_ptr<platform::AssetWriterFactory> makeFilms();
+  std::shared_ptr<corvana::SpeechRecognizer> makeRecognizer();
   void start();
   void watchWorld();
   /// What has ended by itself or by a signal.
   bool hasEnded();
   /// A line of events or of the seal that is missing spoils the evidence.
   void recordFailed(const platform::Fault& fault);
+  void suspect(const devices::CameraSign& sign);
   /// Tells the terminal and the record of the run, not the person before a window.
   void warn(const std::string& sentence);
   /// After the camera's end; a film that is being stopped is waited for.
@@ -93,6 +94,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   std::unique_ptr<platform::MediaDevices> watchedDevices_;
   platform::MediaDevices& mediaDevices_;
   LocalSpeechAuthorization speechAuthorization_;
+  const std::unique_ptr<platform::RandomSource> randomness_;
   devices::ReportingSystemSounds sounds_;
   FlowWorld world_;
   std::unique_ptr<platform::AssetWriterFactory> films_;

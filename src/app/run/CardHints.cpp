@@ -10,7 +10,8 @@ std::string wordsOf(const std::string& hint) {
   static constexpr std::pair<const char*, std::string Strings::*> kWords[] = {
       {"tooDark", &Strings::tooDark},
       {"blurred", &Strings::blurred},
-      {"covered", &Strings::covered}};
+      {"covered", &Strings::covered},
+      {"copy", &Strings::copy}};
   for (const auto& [name, text] : kWords) {
     if (hint == name) return corvana::IDCapture::strings.*text;
   }

@@ -1,5 +1,7 @@
 #include "app/run/DocumentHints.h"
 
+#include <algorithm>
+
 #include "engine/document/fields/DocumentFields.h"
 
 namespace corvana::app {
@@ -30,6 +32,9 @@ std::vector<DocumentHint> hintsOf(const std::vector<const DetectedData*>& sides,
   for (const auto finding : engine::checkDates(allFields(sides), rules.today, rules.leastAge)) {
     hints.push_back({engine::nameOf(finding), std::nullopt});
   }
+  const bool isReal =
+      std::ranges::none_of(sides, [](const DetectedData* side) { return side->isReal == false; });
+  if (!isReal) hints.push_back({kSuspectCopy, std::nullopt});
   return hints;
 }
 
@@ -51,6 +56,7 @@ std::string describe(const DocumentHint& hint, const DocumentRules& rules) {
     return std::string("the ") + engine::nameOf(hint.check->name) +
            " in print conflicts with the one in the " + engine::nameOf(hint.check->against);
   }
+  if (hint.name == kSuspectCopy) return "the card looks like a copy";
   const std::string day = " on " + engine::isoDate(rules.today);
   if (hint.name == engine::nameOf(engine::DateFinding::expired))
     return "the card had expired" + day;

@@ -12,9 +12,13 @@
 
 namespace corvana::app {
 
+/// The hint that a side looks like a copy.
+inline constexpr const char* kSuspectCopy = "suspectCopy";
+
 /// Something about a document that a reviewer should know: never a value.
 struct DocumentHint {
-  std::string name;  ///< "conflict", or a finding about its dates such as "expired"
+  std::string
+      name;  ///< "conflict", or a finding about its dates such as "expired", or `kSuspectCopy`
   /// Of a conflict: the field of the print, and what it was set against.
   std::optional<corvana::FieldCheck> check;
 };

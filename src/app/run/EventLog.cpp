@@ -40,6 +40,8 @@ const char* nameOf(Kind kind) {
       return "hint";
     case Kind::liveness:
       return "liveness";
+    case Kind::task:
+      return "task";
     case Kind::film:
       return "film";
     case Kind::sign:

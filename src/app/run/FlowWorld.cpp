@@ -18,6 +18,7 @@ FlowWorld::FlowWorld(platform::RunLoop& loop, FlowScreen& screen,
                    .mediaDevices = devices.mediaDevices,
                    .speechAuthorization = devices.speechAuthorization,
                    .systemSounds = devices.systemSounds,
+                   .randomness = devices.randomness,
                    .mainScreen = {{0, 0, screen.size().width, screen.size().height}},
                    .animations = screen.animations() ? screen.animations() : devices.animations,
                    .presentations = &hub_} {

@@ -35,6 +35,7 @@ class FlowWorld {
     platform::MediaDevices& mediaDevices;
     platform::SpeechAuthorization& speechAuthorization;
     platform::SystemSounds& systemSounds;
+    platform::RandomSource& randomness;
     /// Plays animations where the screen shows only final states; may be null.
     platform::AnimationPlayer* animations = nullptr;
   };
@@ -44,6 +45,7 @@ class FlowWorld {
 
   platform::NotificationCenter& notificationCenter() { return notificationCenter_; }
   devices::ScreenHub& hub() { return hub_; }
+  const platform::Environment& environment() const { return environment_; }
 
   /// Presents the capture screen. Error: it could not be built from the module's resources, and
   /// `completion` is never called.

@@ -5,6 +5,7 @@
 #include "app/privacy/Consent.h"
 #include "app/run/DocumentFolders.h"
 #include "app/run/MachineCheck.h"
+#include "corvana/SelfieCapture.h"
 #include "devices/loudspeaker/EspeakSynthesizer.h"
 #include "engine/recorder/LateFrameAnalyzer.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
@@ -105,6 +106,15 @@ tl::expected<WindowWishes, Refusal> chooseLooks(const CaptureArguments& argument
   return wishes;
 }
 
+/// Whoever turns the head away does not see what to do next: tasks are spoken where there is a
+/// voice.
+WindowWishes withSpokenTasks(WindowWishes wishes) {
+  using corvana::SelfieCapture;
+  const bool hasTasks = SelfieCapture::options.liveness == SelfieCapture::Liveness::active;
+  wishes.looks.spokenHints |= hasTasks && !devices::EspeakSynthesizer::fault();
+  return wishes;
+}
+
 /// Why no card before the camera could come to be what the reference is of; empty when one can.
 std::string kindFault(const Reference& reference, const engine::DocumentKinds& kinds) {
   for (const auto* side : {&reference.front, reference.back ? &*reference.back : nullptr}) {
@@ -177,7 +187,8 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   if (auto kept = keepConsent(prepared.inputs); !kept) {
     return refuse(ExitCode::machineLacks, kept.error().sentence);
   }
-  prepared.stage.screen = makeScreenFor(arguments, *wishes, prepared.resources, loop);
+  prepared.stage.screen =
+      makeScreenFor(arguments, withSpokenTasks(*wishes), prepared.resources, loop);
   return prepared;
 }
 

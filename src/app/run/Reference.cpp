@@ -53,6 +53,12 @@ constexpr FlagField kFlagFields[] = {
     {"shouldHaveBarcode", &DetectedData::shouldHaveBarcode},
 };
 
+constexpr std::pair<const char*, float corvana::RealnessScores::*> kScores[] = {
+    {"photocopyScore", &corvana::RealnessScores::photocopyScore},
+    {"realScore", &corvana::RealnessScores::realScore},
+    {"screenScore", &corvana::RealnessScores::screenScore},
+};
+
 json fieldToJson(const corvana::DocumentField& field) {
   json object = {{"name", engine::nameOf(field.name)},
                  {"value", field.value},
@@ -73,6 +79,13 @@ json fieldsToJson(const std::vector<corvana::DocumentField>& fields) {
   return list;
 }
 
+json realnessToJson(const corvana::RealnessScores& scores) {
+  json object = json::object();
+  for (const auto& [key, score] : kScores)
+    object[key] = scores.*score;
+  return object;
+}
+
 json mrzToJson(const MRZResult& mrz) {
   json object = {{"lines", mrz.lines}};
   for (const MrzField& field : kMrzFields)
@@ -89,6 +102,8 @@ Expected<json> sideToJson(const DetectedData& data, const std::string& name,
   if (data.mrz) object["mrz"] = mrzToJson(*data.mrz);
   if (data.barcode) object["barcode"] = *data.barcode;
   if (data.fields) object["fields"] = fieldsToJson(*data.fields);
+  if (data.isReal) object["isReal"] = *data.isReal;
+  if (data.realness) object["realness"] = realnessToJson(*data.realness);
   for (const FlagField& field : kFlagFields)
     object[field.key] = data.*field.field;
   const std::pair<const char*, platform::UIImageRef> images[] = {{"faceImage", data.faceImage},
@@ -154,6 +169,14 @@ std::optional<std::vector<corvana::DocumentField>> fieldsFromJson(const json& si
   return fields;
 }
 
+std::optional<corvana::RealnessScores> realnessFromJson(const json& side) {
+  if (!side.contains("realness")) return std::nullopt;
+  corvana::RealnessScores scores;
+  for (const auto& [key, score] : kScores)
+    scores.*score = get<float>(side["realness"], key);
+  return scores;
+}
+
 Expected<platform::UIImageRef> imageFromJson(const json& object, const char* key,
                                              const fs::path& folder) {
   const auto name = getOptional<std::string>(object, key);
@@ -178,6 +201,8 @@ Expected<DetectedData> sideFromJson(const json& object, const fs::path& folder) 
   if (object.contains("mrz")) data.mrz = mrzFromJson(object["mrz"]);
   data.barcode = getOptional<std::map<std::string, std::string>>(object, "barcode");
   data.fields = fieldsFromJson(object);
+  data.isReal = getOptional<bool>(object, "isReal");
+  data.realness = realnessFromJson(object);
   for (const FlagField& field : kFlagFields)
     data.*field.field = get<bool>(object, field.key);
   const std::pair<const char*, platform::UIImageRef DetectedData::*> images[] = {

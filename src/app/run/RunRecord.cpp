@@ -36,7 +36,10 @@ ordered_json outcomeToJson(const RunRecord& record) {
 }
 
 ordered_json deviceToJson(const UsedDevices::Device& device) {
-  return {{"name", device.name}, {"virtual", device.isVirtual}};
+  ordered_json object{{"name", device.name}, {"virtual", device.isVirtual}};
+  for (const devices::CameraSign& sign : device.signs)
+    object["signs"].push_back(cameraSignToJson(sign));
+  return object;
 }
 
 ordered_json recordingToJson(const RunRecord& record) {
@@ -127,8 +130,15 @@ Expected<void> writeSealed(const std::string& content, const std::optional<Signi
 
 }  // namespace
 
+ordered_json cameraSignToJson(const devices::CameraSign& sign) {
+  return {{"name", sign.name},
+          {"value", eventNumber(sign.value)},
+          {"threshold", eventNumber(sign.limit)}};
+}
+
 UsedDevices UsedDevices::of(const devices::MediaSource& media) {
-  UsedDevices used{{media.camera()->localizedName(), media.cameraIsVirtual()}, {}};
+  UsedDevices used{{media.camera()->localizedName(), media.cameraIsVirtual(), media.cameraSigns()},
+                   {}};
   if (const auto microphone = media.microphone()) {
     used.microphone = Device{microphone->localizedName(), media.microphoneIsVirtual()};
   }

@@ -30,6 +30,7 @@ struct UsedDevices {
   struct Device {
     std::string name;
     bool isVirtual = false;
+    std::vector<devices::CameraSign> signs = {};  ///< against a camera
   };
   Device camera;
   std::optional<Device> microphone;
@@ -37,6 +38,8 @@ struct UsedDevices {
   static UsedDevices of(const devices::MediaSource& media);
 };
 
+/// A sign against the camera with its figure and limit.
+nlohmann::ordered_json cameraSignToJson(const devices::CameraSign& sign);
 /// The fields `camera` and `microphone` (null when there is none).
 nlohmann::ordered_json devicesToJson(const UsedDevices& devices);
 

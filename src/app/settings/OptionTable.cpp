@@ -130,8 +130,9 @@ std::vector<Row> selfieRows() {
       row(SelfieCapture::options, &SelfieOptions::capture4K, "selfieCapture.capture4K", "", 0, 0,
           "analyse the camera picture at full size instead of at most 1280 pixels a side"),
       choice(SelfieCapture::options, &SelfieOptions::liveness, "selfieCapture.liveness",
-             {"off", "passive"},
-             "what a selfie waits for: off, nothing; passive, a sign of life and none of fraud"),
+             {"off", "passive", "active"},
+             "what a selfie waits for: off, nothing; passive, a sign of life and none of fraud; "
+             "active, the same and three tasks that are drawn for each run"),
       row(SelfieCapture::options, &SelfieOptions::livenessWatchSeconds,
           "selfieCapture.livenessWatchSeconds", "s", 0, 60,
           "least time for which a face is watched before it is believed alive"),
@@ -153,6 +154,20 @@ std::vector<Row> selfieRows() {
       row(SelfieCapture::options, &SelfieOptions::livenessEdges, "selfieCapture.livenessEdges",
           "share", 0, 1,
           "sign of fraud: more than this of straight edges left, right and below the face is seen"),
+      row(SelfieCapture::options, &SelfieOptions::livenessTaskSeconds,
+          "selfieCapture.livenessTaskSeconds", "s", 1, 60,
+          "active: time for each task, and for each way back to rest; the selfie's time-out is "
+          "four "
+          "times that longer"),
+      row(SelfieCapture::options, &SelfieOptions::livenessTurnDegrees,
+          "selfieCapture.livenessTurnDegrees", "degrees", 3, 30,
+          "active: how far from rest a head has to turn to the left or right"),
+      row(SelfieCapture::options, &SelfieOptions::livenessLookUpDegrees,
+          "selfieCapture.livenessLookUpDegrees", "degrees", 3, 30,
+          "active: how far from rest a head has to be lifted to look up"),
+      row(SelfieCapture::options, &SelfieOptions::livenessNearerWidth,
+          "selfieCapture.livenessNearerWidth", "ratio", 1.05, 1.5,
+          "active: the face's width, over that at rest, at which it has come nearer"),
       row(SelfieCapture::options, &SelfieOptions::samePersonThreshold,
           "selfieCapture.samePersonThreshold", "distance", 0, 2,
           "greatest distance of the unit-length face embeddings at which the live face is still "
@@ -192,6 +207,11 @@ std::vector<Row> cardRows() {
           0, 1, "a card whose lightest tenth is darker than that (of white) is not read"),
       row(IDCapture::options, &CardOptions::mostCoveredPrint, "idCapture.mostCoveredPrint", "share",
           0, 1, "a card with more of its print covered since it was last read is not read"),
+      choice(IDCapture::options, &CardOptions::rejectUnreal, "idCapture.rejectUnreal",
+             {"off", "sure", "all"},
+             "which cards are not accepted because they look like copies: off, none; sure, grey "
+             "copies and displays of which there is no doubt; all, suspect ones too, with some "
+             "true cards among them"),
       row(IDCapture::options, &CardOptions::patienceSeconds, "idCapture.patienceSeconds", "s", 0, 5,
           "how long a card has to be wrong in one of these ways before the person is told"),
   };

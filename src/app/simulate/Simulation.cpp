@@ -46,7 +46,8 @@ Simulation::Simulation(SimulateScript script, const std::filesystem::path& resou
       watch_(
           loop_, [this](const std::string& line) { print(line); }, gauges()),
       world_(loop_, *screen_, resources, capture::controllerFactories(host_, this),
-             {console_, application_, mediaDevices_, speechAuthorization_, sounds_, &watch_}) {
+             {console_, application_, mediaDevices_, speechAuthorization_, sounds_, randomness_,
+              &watch_}) {
   world_.hub().add(watch_);
   console_.onPrint = [this](std::string_view line) { print("console " + std::string(line)); };
 }

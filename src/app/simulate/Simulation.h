@@ -18,6 +18,7 @@
 #include "devices/scripted/ScriptedSystem.h"
 #include "devices/system/TerminalSystem.h"
 #include "platform/foundation/Fault.h"
+#include "platform/foundation/RandomSource.h"
 #include "platform/foundation/VirtualRunLoop.h"
 
 namespace corvana::app {
@@ -71,6 +72,7 @@ class Simulation final : public corvana::DecisionObserver {
   devices::ReportingSystemSounds sounds_;
   devices::ScriptedHost host_{loop_, mediaDevices_};
   SimulateWatch watch_;
+  platform::SeededRandom randomness_{0};
   FlowWorld world_;
   std::optional<devices::HostContractValidator> validator_;
   std::size_t breachesPrinted_ = 0;

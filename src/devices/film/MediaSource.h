@@ -3,11 +3,19 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "platform/foundation/Fault.h"
 #include "platform/media/CaptureDevice.h"
 
 namespace corvana::devices {
+
+/// Something about a camera's stream that a sensor does not do: software may feed it in.
+struct CameraSign {
+  std::string name;  ///< "regularTimes", "foreignTimes", "identicalPictures" or "claimsUsb"
+  double value = 0;
+  double limit = 0;
+};
 
 /// The camera and the microphone of one run, in step with each other: a recorded file or live
 /// devices. The reports are set before the camera starts and come on the main queue.
@@ -22,6 +30,8 @@ class MediaSource {
   /// machine.
   virtual bool cameraIsVirtual() const = 0;
   virtual bool microphoneIsVirtual() const = 0;
+  /// What speaks against the camera so far; of recorded files nothing.
+  virtual std::vector<CameraSign> cameraSigns() const { return {}; }
   /// How many pictures the camera took and could not hand over.
   virtual std::uint64_t framesDropped() const = 0;
 
@@ -30,6 +40,8 @@ class MediaSource {
   std::function<void()> onEnd;
   /// Called with the reason when the camera can't go on; once at most.
   std::function<void(platform::Fault)> onError;
+  /// Called with each sign against the camera, when it was first seen.
+  std::function<void(CameraSign)> onCameraSign;
   /// Called with one sentence when something is amiss but the run can go on.
   std::function<void(std::string)> onWarning;
 };

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "devices/live/DeviceModes.h"
+#include "devices/live/InjectionJudge.h"
 
 namespace corvana::devices {
 namespace {
@@ -132,7 +133,8 @@ std::vector<DeviceInfo> connectedCameras() {
     info.device = text(properties, "device.path");
     info.id = stableId(info.device, bus);
     info.name = displayName(device);
-    info.isVirtual = isVirtualCamera(text(properties, "v4l2.device.driver"), bus);
+    info.claimsUsb = claimsUsb(info.device, bus);
+    info.isVirtual = info.claimsUsb || isVirtualCamera(text(properties, "v4l2.device.driver"), bus);
     info.element = "v4l2src name=source";
     const GstPtr<GstCaps> caps(gst_device_get_caps(device));
     info.modes = modesOf(caps.get());
@@ -172,8 +174,12 @@ const DeviceInfo* defaultDevice(const std::vector<DeviceInfo>& devices) {
 LiveSource cameraSource(const DeviceInfo& camera, const CameraMode& wanted) {
   const OfferedMode any{wanted, ""};
   const OfferedMode* mode = nearestMode(camera.modes, wanted);
-  return {camera.name, camera.isVirtual, camera.element + " ! " + lineOf(mode ? *mode : any),
-          opening(camera.device), nullptr};
+  return {camera.name,
+          camera.isVirtual,
+          camera.element + " ! " + lineOf(mode ? *mode : any),
+          opening(camera.device),
+          nullptr,
+          camera.claimsUsb};
 }
 
 LiveSource microphoneSource(const DeviceInfo& microphone) {

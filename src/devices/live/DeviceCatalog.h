@@ -14,6 +14,7 @@ struct DeviceInfo {
   std::string id;
   std::string name;
   bool isVirtual = false;
+  bool claimsUsb = false;  ///< and is not plugged in anywhere
   /// Whether it gives what the machine plays, instead of a microphone's sound.
   bool isMonitor = false;
   bool isDefault = false;  ///< the system's own choice

@@ -86,8 +86,25 @@ LiveStream::Sample LiveCamera::convert(GstSample* sample) {
   converted->image = copyPicture(sample, platform::PixelFormat::i420);
   if (!converted->image) return nullptr;
   if (width_ == 0) keepSize(info.width, info.height);
+  judge(sample, *converted);
   const bool fits = info.width == width_ && info.height == height_;
   return fits ? converted : nullptr;
+}
+
+void LiveCamera::judge(GstSample* sample, const platform::CMSampleBuffer& converted) {
+  const GstClockTime time = GST_BUFFER_PTS(gst_sample_get_buffer(sample));
+  if (!GST_CLOCK_TIME_IS_VALID(time)) return;
+  InjectionJudge::Picture picture = look(*converted.image);
+  picture.time = platform::Duration(static_cast<platform::Duration::rep>(time));
+  if (converted.duration > platform::Duration::zero()) picture.interval = converted.duration;
+  judge_.add(picture);
+  const std::lock_guard lock(signsMutex_);
+  signs_ = judge_.signs();
+}
+
+std::vector<CameraSign> LiveCamera::signs() const {
+  const std::lock_guard lock(signsMutex_);
+  return signs_;
 }
 
 void LiveCamera::keepSize(int width, int height) {

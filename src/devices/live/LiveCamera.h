@@ -2,10 +2,13 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "devices/film/FilmingDevice.h"
+#include "devices/live/InjectionJudge.h"
 #include "devices/live/LiveDevices.h"
 #include "devices/live/LiveStream.h"
 #include "platform/foundation/Fault.h"
@@ -25,6 +28,8 @@ class LiveCamera final : public FilmingCamera {
   const LiveStream& stream() const { return *stream_; }
   /// Whether the device changed its size or format on its own.
   bool hasChanged() const { return changed_; }
+  /// What speaks against the stream so far. Any thread.
+  std::vector<CameraSign> signs() const;
 
   std::string localizedName() const override { return name_; }
   bool open() override { return stream_->isOpen(); }
@@ -36,6 +41,7 @@ class LiveCamera final : public FilmingCamera {
   static GstPadProbeReturn onCaps(GstPad* pad, GstPadProbeInfo* info, gpointer data);
   void setUp(GstElement* pipeline);
   LiveStream::Sample convert(GstSample* sample);
+  void judge(GstSample* sample, const platform::CMSampleBuffer& converted);
   void keepSize(int width, int height);
 
   const std::string name_;
@@ -44,6 +50,9 @@ class LiveCamera final : public FilmingCamera {
   std::atomic<int> width_ = 0;
   std::atomic<int> height_ = 0;
   std::atomic<bool> changed_ = false;
+  InjectionJudge judge_;  ///< pipeline's thread
+  mutable std::mutex signsMutex_;
+  std::vector<CameraSign> signs_;       ///< guarded by signsMutex_
   std::shared_ptr<LiveStream> stream_;  ///< last: its pipeline calls this camera
 };
 

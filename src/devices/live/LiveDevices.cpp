@@ -20,6 +20,7 @@ std::string named(const char* kind, const platform::AVCaptureDevice& device) {
 LiveDevices::LiveDevices(platform::RunLoop& loop, Setup setup)
     : loop_(loop),
       cameraIsVirtual_(setup.camera.isVirtual),
+      cameraClaimsUsb_(setup.camera.claimsUsb),
       microphoneIsVirtual_(setup.microphone && setup.microphone->isVirtual) {
   camera_ =
       std::make_shared<LiveCamera>(loop, std::move(setup.camera), setup.turn, setup.codecChoice);
@@ -56,6 +57,14 @@ platform::AVCaptureDeviceRef LiveDevices::microphone() const {
   return microphone_;
 }
 
+std::vector<CameraSign> LiveDevices::cameraSigns() const {
+  std::vector<CameraSign> signs;
+  if (cameraClaimsUsb_) signs.push_back({"claimsUsb", 1, 0});
+  for (CameraSign& sign : camera_->signs())
+    signs.push_back(std::move(sign));
+  return signs;
+}
+
 std::uint64_t LiveDevices::framesDropped() const {
   return camera_->stream().samplesDropped();
 }
@@ -69,6 +78,7 @@ platform::Duration LiveDevices::Pulse::look(const LiveStream& stream) {
 void LiveDevices::watch() {
   // Nobody listens yet, or no longer: what happens now is told then, or to nobody.
   if (onError) watchCamera();
+  if (onCameraSign) tellSigns();
   if (onWarning && microphone_) watchMicrophone();
 }
 
@@ -104,6 +114,12 @@ void LiveDevices::watchMicrophone() {
   warnOnce(
       microphoneJumped_, stream.clockJumped(),
       named("microphone", *microphone_) + "set its clock anew; sound counts from its arrival.");
+}
+
+void LiveDevices::tellSigns() {
+  const auto signs = cameraSigns();
+  while (onCameraSign && signsTold_ < signs.size())
+    onCameraSign(signs[signsTold_++]);
 }
 
 void LiveDevices::warnOnce(bool& warned, bool now, const std::string& sentence) {

@@ -45,6 +45,7 @@ class LiveDevices final : public MediaSource, public std::enable_shared_from_thi
   platform::AVCaptureDeviceRef microphone() const override;
   bool cameraIsVirtual() const override { return cameraIsVirtual_; }
   bool microphoneIsVirtual() const override { return microphoneIsVirtual_; }
+  std::vector<CameraSign> cameraSigns() const override;
   std::uint64_t framesDropped() const override;
 
   static constexpr platform::Duration kCameraPatience = std::chrono::seconds(3);
@@ -64,17 +65,20 @@ class LiveDevices final : public MediaSource, public std::enable_shared_from_thi
   void watch();
   void watchCamera();
   void watchMicrophone();
+  void tellSigns();
   void warnOnce(bool& warned, bool now, const std::string& sentence);
 
   platform::RunLoop& loop_;
   std::shared_ptr<LiveCamera> camera_;
   std::shared_ptr<LiveMicrophone> microphone_;
   const bool cameraIsVirtual_;
+  const bool cameraClaimsUsb_;
   const bool microphoneIsVirtual_;
   std::shared_ptr<platform::Timer> timer_;
 
   Pulse cameraPulse_;
   Pulse microphonePulse_;
+  std::size_t signsTold_ = 0;
   bool cameraLost_ = false;
   bool cameraChanged_ = false;
   bool cameraJumped_ = false;

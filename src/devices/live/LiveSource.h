@@ -19,6 +19,7 @@ struct LiveSource {
   std::function<void(GstElement* source)> setUp;
   /// Called when the device's samples are wanted for the first time; may be null.
   std::function<void()> begin;
+  bool claimsUsb = false;  ///< as `claimsUsb` tells; of no hardware
 };
 
 }  // namespace corvana::devices

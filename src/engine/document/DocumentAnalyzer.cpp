@@ -11,6 +11,7 @@
 #include "engine/document/SecondOpinion.h"
 #include "engine/document/StillCards.h"
 #include "engine/document/TextLines.h"
+#include "engine/document/copies/CopyFigures.h"
 #include "engine/document/fields/DocumentFields.h"
 #include "engine/document/mrz/MrzPrint.h"
 #include "engine/vision/FaceCrop.h"
@@ -186,6 +187,7 @@ CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
   CardReading reading =
       memory.lines.empty() ? readFirst(card.picture, memory) : readAgain(card.picture, memory);
   reading.isUpsideDown = memory.isUpsideDown;
+  judgeRealness(*card.picture, reading.data);
   return reading;
 }
 
@@ -302,6 +304,7 @@ platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
         "nearer and without glare.");
   }
   askSecondReader(*reading);
+  judgeRealness(*reading->data.image->pixels(), reading->data);
   return *std::move(reading);
 }
 

@@ -1,5 +1,7 @@
 #include "engine/recorder/DocumentPhase.h"
 
+#include "engine/document/copies/CopyFigures.h"
+
 namespace corvana::engine {
 namespace {
 
@@ -13,6 +15,17 @@ std::optional<FlawFound> flawIn(const DocumentView& view,
   if (view.quality) return flawOf(*view.quality, limits);
   if (view.surroundings) return flawOf({.brightness = *view.surroundings}, limits);
   return {};
+}
+
+/// What makes a card too much of a copy to be accepted.
+std::optional<FlawFound> copyIn(const DetectedData& data,
+                                const corvana::IDCapture::Options& limits) {
+  using Reject = corvana::IDCapture::RejectUnreal;
+  if (!data.realness || limits.rejectUnreal == Reject::off) return {};
+  const float limit = limits.rejectUnreal == Reject::all ? kSuspectCopy : kSureCopy;
+  const float score = copyScore(*data.realness);
+  if (score < limit) return {};
+  return FlawFound{CardFlaw::copy, score, limit};
 }
 
 Sight sightOf(const DocumentView& view, const std::optional<FlawFound>& flaw) {
@@ -86,7 +99,7 @@ void DocumentPhase::read(const DetectedData& data, platform::TimePoint now,
   last_ = data;
   states.push_back({IDCaptureState::ClassifiedDocument{data}});
   const bool due = !lastSuccess_ || now - *lastSuccess_ >= kSuccessInterval;
-  if (!due || !isComplete(data)) return;
+  if (!due || copy_ || !isComplete(data)) return;
   lastSuccess_ = now;
   states.push_back({IDCaptureState::Success{data}});
 }
@@ -96,8 +109,11 @@ std::vector<IDCaptureState> DocumentPhase::judge(const DocumentView& view, platf
   std::vector<IDCaptureState> states;
   const auto patience = platform::seconds(limits.patienceSeconds);
   const auto flaw = flawIn(view, limits);
+  if (view.reading) copy_ = copyIn(*view.reading, limits);
+  if (view.verdict == CardVerdict::none) copy_.reset();
   // A card on the move is not measured, which says nothing of it.
-  if (view.verdict != CardVerdict::found || view.quality) watchFlaw(flaw, now, patience);
+  if (view.verdict != CardVerdict::found || view.quality)
+    watchFlaw(flaw ? flaw : copy_, now, patience);
   // Each side begins with an empty frame, also when a card is in view from the start.
   const Sight sight = sightOf(view, flaw);
   if (!reported_ && sight != Sight::none) {

@@ -12,7 +12,7 @@ namespace corvana::engine {
 /// Turns what is seen frame by frame into the states of document capture, and into hints where
 /// there is no state for what is wrong. For each side the order is detectingBox, detectedBox,
 /// classifiedDocument, success; a card is classified before each success, and success comes at most
-/// twice a second and not while the card has a flaw. Pure.
+/// twice a second and not while the card has a flaw or looks like a copy. Pure.
 class DocumentPhase {
  public:
   std::vector<corvana::IDCaptureState> judge(const DocumentView& view, platform::TimePoint now,
@@ -42,6 +42,8 @@ class DocumentPhase {
   Persistence<Sight> sights_;
   Persistence<std::optional<CardFlaw>> flaws_;
   std::optional<FlawFound> hint_;
+  /// Why the card in sight is no card to accept, as it was last read.
+  std::optional<FlawFound> copy_;
   std::optional<platform::TimePoint> lastSuccess_;
   corvana::DetectedData last_;
 };

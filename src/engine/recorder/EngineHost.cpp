@@ -37,7 +37,7 @@ std::shared_ptr<corvana::VideoCapture> EngineHost::makeVideoCapture(
   film_ = std::move(*film);
   places_ =
       setup_.places.value_or(ScreenPlaces{setup_.screenSize, selfieOverlayFrame, idOverlayFrame});
-  return Recorder::make({setup_.loop, setup_.notificationCenter, setup_.analyzer,
+  return Recorder::make({setup_.loop, setup_.notificationCenter, setup_.randomness, setup_.analyzer,
                          setup_.speechRecognizer, film_, captureSession_, places_->face,
                          places_->card, places_->screen, setup_.observer});
 }

@@ -25,6 +25,7 @@ class EngineHost final : public corvana::HostFactories {
     platform::NotificationCenter& notificationCenter;
     platform::MediaDevices& mediaDevices;
     platform::AssetWriterFactory& assetWriterFactory;
+    platform::RandomSource& randomness;  ///< draws the tasks of the active mode
     std::shared_ptr<FrameAnalyzer> analyzer;
     /// Null when the host has none.
     std::shared_ptr<corvana::SpeechRecognizer> speechRecognizer;

@@ -10,6 +10,7 @@
 #include "engine/document/CardFinder.h"
 #include "engine/document/DocumentClassifier.h"
 #include "engine/document/guidance/CardQuality.h"
+#include "engine/selfie/Challenge.h"
 #include "engine/selfie/Liveness.h"
 #include "engine/selfie/PersonCompare.h"
 #include "engine/selfie/SelfieVerdict.h"
@@ -48,10 +49,12 @@ struct SelfieView {
   /// The frame and its face crop, with `SelfieVerdict::good`.
   std::optional<corvana::Selfie> selfie;
   double sharpness = 0;  ///< how sharp the face is; comparable between frames of a run
-  /// What was measured on the face; absent unless one is in place.
+  /// What was measured on the face; absent unless one is in place, or nearer.
   std::optional<FaceMeasures> measures;
   /// What the looks so far say of its life; absent as they are.
   std::optional<LivenessVerdict> liveness;
+  /// How the head is held; absent as they are.
+  std::optional<HeadLook> head;
 };
 
 /// A frame seen as a picture of a card.

@@ -33,6 +33,26 @@ RecorderEvent eventOf(const LivenessSign& sign) {
           {{"value", sign.value}, {"threshold", sign.limit}, {"seen", sign.isSeen}}};
 }
 
+RecorderEvent eventOf(const TaskEvent& event) {
+  if (event.step == TaskEvent::Step::asked) {
+    return {Kind::task, nameOf(event.task), {{"step", std::string("asked")}}};
+  }
+  const bool isDone = event.step == TaskEvent::Step::done;
+  return {Kind::task,
+          nameOf(event.task),
+          {{"step", std::string(isDone ? "done" : "missed")},
+           {"value", event.value},
+           {"threshold", event.limit},
+           {"seen", isDone}}};
+}
+
+std::vector<RecorderEvent> eventsOf(const Challenge& drawn) {
+  std::vector<RecorderEvent> events;
+  for (const LivenessTask task : drawn)
+    events.push_back({Kind::task, nameOf(task), {{"step", std::string("drawn")}}});
+  return events;
+}
+
 std::vector<RecorderEvent> LivenessEvents::take(const LivenessVerdict& verdict, bool asks) {
   std::vector<RecorderEvent> events;
   const bool isNew = std::exchange(kind_, verdict.kind) != verdict.kind;

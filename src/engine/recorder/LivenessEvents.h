@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "engine/recorder/RecorderObserver.h"
+#include "engine/selfie/Challenge.h"
 #include "engine/selfie/Liveness.h"
 
 namespace corvana::engine {
@@ -24,5 +25,8 @@ class LivenessEvents {
 
 /// A sign with its figure and limit.
 RecorderEvent eventOf(const LivenessSign& sign);
+RecorderEvent eventOf(const TaskEvent& event);
+/// One event for each task that was drawn.
+std::vector<RecorderEvent> eventsOf(const Challenge& drawn);
 
 }  // namespace corvana::engine

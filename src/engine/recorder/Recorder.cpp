@@ -22,7 +22,7 @@ using UserInfo = std::map<std::string, std::any>;
 
 namespace {
 
-// What this host does not measure (masks, copies, screens) is left out, not filled with a number.
+// What this host does not measure (masks) is left out, not filled with a number.
 
 UserInfo debugData(const SelfieView& view, const Observation& observation) {
   UserInfo info{{"fullSize", observation.fullSize}};
@@ -44,6 +44,7 @@ corvana::DebugData debugData(const DocumentView& view, const platform::CGSize& f
   data.documentLocation = *view.location;
   data.faceLocation = view.portrait;
   data.topClassifierResults = view.familyMatches;
+  if (view.reading) data.realnessScores = view.reading->realness;
   return data;
 }
 
@@ -89,6 +90,18 @@ void Recorder::enter(VideoCaptureMode mode) {
   publishTask();
   startTimeOut();
   note({Kind::mode, nameOf(mode), {}});
+  drawTasks();
+}
+
+void Recorder::drawTasks() {
+  const SelfieCapture::Options& limits = SelfieCapture::options;
+  const bool hasTasks = mode_ == VideoCaptureMode::selfieCapture &&
+                        limits.liveness == SelfieCapture::Liveness::active;
+  if (!hasTasks) return;
+  const Challenge tasks = drawChallenge(setup_.randomness);
+  selfie_.demand(ChallengeJudge(tasks, challengeLimits(limits)));
+  for (const RecorderEvent& event : eventsOf(tasks))
+    note(event);
 }
 
 void Recorder::setMode(VideoCaptureMode mode) {
@@ -98,26 +111,32 @@ void Recorder::setMode(VideoCaptureMode mode) {
 void Recorder::startTimeOut() {
   if (timeOut_) timeOut_->invalidate();
   timeOut_.reset();
-  double limit = 0;
-  if (mode_ == VideoCaptureMode::selfieCapture) limit = SelfieCapture::options.timeOutSeconds;
-  if (mode_ == VideoCaptureMode::idCapture) limit = IDCapture::options.timeOutSeconds;
-  if (!active_ || limit <= 0) return;
-  timeOut_ = setup_.loop.scheduledTimer(platform::seconds(limit), false, [weak = weak_from_this()] {
+  platform::Duration limit{};
+  if (mode_ == VideoCaptureMode::selfieCapture) limit = selfieTimeOut(SelfieCapture::options);
+  if (mode_ == VideoCaptureMode::idCapture)
+    limit = platform::seconds(IDCapture::options.timeOutSeconds);
+  if (!active_ || limit <= platform::Duration::zero()) return;
+  timeOut_ = setup_.loop.scheduledTimer(limit, false, [weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->timedOut();
   });
 }
 
 void Recorder::timedOut() {
-  if (!active_) return;
-  pause();
-  timeOut_ = setup_.loop.scheduledTimer(kTimeOutRepetition, true, [weak = weak_from_this()] {
-    if (const auto self = weak.lock()) self->reportTimeOut();
-  });
-  reportTimeOut();
+  if (active_) giveUp();
 }
 
-void Recorder::reportTimeOut() {
-  if (mode_ == VideoCaptureMode::selfieCapture) {
+void Recorder::giveUp() {
+  pause();
+  timeOut_ = setup_.loop.scheduledTimer(kTimeOutRepetition, true, [weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->reportEnd();
+  });
+  reportEnd();
+}
+
+void Recorder::reportEnd() {
+  if (selfie_.hasFailed()) {
+    report(SelfieCaptureState{SelfieCaptureState::Failed{selfie_.best(), {}}});
+  } else if (mode_ == VideoCaptureMode::selfieCapture) {
     report(SelfieCaptureState{SelfieCaptureState::TimedOut{selfie_.best()}});
   } else {
     report(IDCaptureState{IDCaptureState::TimedOut{document_.last()}});
@@ -223,8 +242,10 @@ void Recorder::judgeSelfie(const SelfieView& view) {
     for (const RecorderEvent& event : liveness_.take(*view.liveness, selfie_.asks()))
       note(event);
   }
+  if (const auto& task = selfie_.taskEvent()) note(eventOf(*task));
   for (const auto& state : states)
     report(state);
+  if (selfie_.hasFailed()) giveUp();
 }
 
 void Recorder::watchLiveFace(const Observation& observation) {

@@ -15,6 +15,7 @@
 #include "engine/recorder/RecorderObserver.h"
 #include "engine/recorder/SelfiePhase.h"
 #include "platform/foundation/NotificationCenter.h"
+#include "platform/foundation/RandomSource.h"
 
 namespace corvana::engine {
 
@@ -26,6 +27,7 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   struct Setup {
     platform::RunLoop& loop;
     platform::NotificationCenter& notificationCenter;
+    platform::RandomSource& randomness;  ///< draws the tasks of the active mode
     std::shared_ptr<FrameAnalyzer> analyzer;
     /// Null when the host has none.
     std::shared_ptr<corvana::SpeechRecognizer> speechRecognizer;
@@ -69,7 +71,8 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   /// How long no face may be lost after the reading began: the screen starts its countdown when the
   /// text has faded in, whatever happens before.
   static constexpr platform::Duration kQuietBeforeReading = std::chrono::milliseconds(500);
-  /// How often a time-out is said, since the screen hears none while a card is turned over.
+  /// How often a time-out or failure is said, since the screen hears none while a card is turned
+  /// over.
   static constexpr platform::Duration kTimeOutRepetition = std::chrono::seconds(1);
 
  private:
@@ -80,8 +83,10 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   void publishTask();
   void enter(corvana::VideoCaptureMode mode);
   void startTimeOut();
+  void drawTasks();
   void timedOut();
-  void reportTimeOut();
+  void giveUp();
+  void reportEnd();
   void pause();
 
   void observe(const Observation& observation);

@@ -19,6 +19,7 @@ struct RecorderEvent {
     call,      ///< "stopVideoWriter", "retry", "typeMismatch"
     hint,      ///< why a card is not read, for which there is no state; "none" when it is over
     liveness,  ///< what is known of the face: "undecided", "living", "spoof"; "asked" for a sign
+    task,      ///< of the active mode, by its name: drawn, asked, done or missed
     film,      ///< "slowed" to so many pictures a second, or "atFullRate" again
     sign,      ///< of life, of fraud or of a person, by its name, with figure and limit
   };

@@ -22,6 +22,10 @@ Details detailsOf(const DetectedData& data) {
   }
   details.emplace_back("mrz", data.mrz.has_value());
   details.emplace_back("photo", data.isPhotoPresent);
+  if (data.realness) {
+    details.emplace_back("photocopyScore", data.realness->photocopyScore);
+    details.emplace_back("screenScore", data.realness->screenScore);
+  }
   return details;
 }
 

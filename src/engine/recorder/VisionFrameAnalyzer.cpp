@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "corvana/SelfieCapture.h"
 #include "engine/document/CardWarp.h"
 #include "engine/vision/ImageOps.h"
 #include "platform/foundation/Fault.h"
@@ -11,6 +12,7 @@
 namespace corvana::engine {
 namespace {
 
+using corvana::SelfieCapture;
 using corvana::VideoCaptureMode;
 using platform::CGRect;
 using platform::CGSize;
@@ -27,6 +29,12 @@ PixelBufferRef analysisPicture(const PixelBufferRef& image, corvana::CaptureMode
   const double scale = static_cast<double>(kStandardSide) / longest;
   return resized(*image, static_cast<int>(image->width() * scale),
                  static_cast<int>(image->height() * scale));
+}
+
+LivenessJudge::Limits livenessLimits() {
+  const SelfieCapture::Options& options = SelfieCapture::options;
+  return {platform::seconds(options.livenessWatchSeconds), options.livenessBlinkShare,
+          options.livenessRelief, options.livenessRepetition, options.livenessEdges};
 }
 
 CGSize sizeOf(const PixelBuffer& picture) {
@@ -73,7 +81,7 @@ platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> VisionFrameAnalyzer::lo
 Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& frame,
                                          const AnalysisTask& task) {
   if (task.run != std::exchange(run_, task.run)) {
-    liveness_ = {};
+    liveness_ = LivenessJudge(livenessLimits());
     tracker_.stop();
     lastReading_.reset();
     lastOutline_.reset();
@@ -113,6 +121,7 @@ SelfieView VisionFrameAnalyzer::lookForSelfie(const PixelBufferRef& picture,
     view.liveness = liveness_.add({observation.frameTime, *picture, judgement.face->box, *details,
                                    judgement.passiveLiveness});
     view.measures = {details->leftEyeOpen, details->rightEyeOpen, view.liveness->score};
+    view.head = HeadLook{details->pose, judgement.face->box.width, lidsOf(*details)};
   }
   if (judgement.verdict == SelfieVerdict::good) {
     view.selfie = corvana::Selfie{std::make_shared<platform::UIImage>(picture), judgement.faceImage,
@@ -140,7 +149,8 @@ void VisionFrameAnalyzer::followLiveFace(const PixelBuffer& picture, Observation
   if (!sighting.box) return;
   const auto face = std::ranges::find(faces, *sighting.box, &Face::box);
   observation.person =
-      persons_.look(observation.frameTime, picture, *face, observation.task.selfieFace);
+      persons_.look(observation.frameTime, picture, *face,
+                    {observation.task.selfieFace, SelfieCapture::options.samePersonThreshold});
 }
 
 bool VisionFrameAnalyzer::isSteady(const CardSighting& sighting) {

@@ -63,7 +63,7 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   DocumentAnalyzer documents_;
 
   int run_ = -1;
-  LivenessJudge liveness_;
+  LivenessJudge liveness_{{}};  ///< of this run
   LiveFaceTracker tracker_;
   std::optional<platform::TimePoint> lastReading_;
   std::optional<Quad> lastOutline_;

@@ -25,6 +25,10 @@ double median(std::vector<double> values) {
 
 }  // namespace
 
+BlinkWatch::Lids lidsOf(const FaceDetails& face) {
+  return {face.lidOpening, eyeAspectRatio(face.mesh, false), eyeAspectRatio(face.mesh, true)};
+}
+
 BlinkWatch::Lids BlinkWatch::usual() const {
   const auto of = [this](double Lids::*field) {
     std::vector<double> values;

@@ -3,6 +3,7 @@
 #include <deque>
 #include <optional>
 
+#include "engine/vision/FaceLandmarks.h"
 #include "platform/foundation/Time.h"
 
 namespace corvana::engine {
@@ -38,5 +39,7 @@ class BlinkWatch {
   double leastShare_ = 1;
   int blinks_ = 0;
 };
+
+BlinkWatch::Lids lidsOf(const FaceDetails& face);
 
 }  // namespace corvana::engine

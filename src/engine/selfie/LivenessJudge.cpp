@@ -2,9 +2,7 @@
 
 #include <algorithm>
 
-#include "corvana/SelfieCapture.h"
 #include "engine/selfie/FrameEdges.h"
-#include "engine/vision/Face.h"
 
 namespace corvana::engine {
 namespace {
@@ -12,8 +10,6 @@ namespace {
 using SpeaksFor = LivenessSign::SpeaksFor;
 using Kind = LivenessVerdict::Kind;
 
-/// A face that overlaps its last place less than this has jumped.
-constexpr double kSamePlace = 0.2;
 /// Edges stay where they are from look to look, so not each has to look for them, and two in a row
 /// must see them.
 constexpr int kLooksPerEdges = 3;
@@ -23,20 +19,17 @@ constexpr double kPassiveWeight = 0.2;
 constexpr double kBlinkWeight = 0.4;
 constexpr double kReliefWeight = 0.4;
 
-const corvana::SelfieCapture::Options& limits() {
-  return corvana::SelfieCapture::options;
-}
-
 }  // namespace
 
-LivenessJudge::LivenessJudge()
-    : blink_(limits().livenessBlinkShare),
-      repeated_{{"repetition", SpeaksFor::fraud, 0, limits().livenessRepetition}, {}},
-      edges_{{"edges", SpeaksFor::fraud, 0, limits().livenessEdges}, {}} {}
+LivenessJudge::LivenessJudge(const Limits& limits)
+    : limits_(limits),
+      blink_(limits.blinkShare),
+      repeated_{{"repetition", SpeaksFor::fraud, 0, limits.repetition}, {}},
+      edges_{{"edges", SpeaksFor::fraud, 0, limits.edges}, {}} {}
 
 void LivenessJudge::startAnew(platform::TimePoint time) {
   since_ = time;
-  blink_ = BlinkWatch(limits().livenessBlinkShare);
+  blink_ = BlinkWatch(limits_.blinkShare);
   relief_ = {};
   passiveSum_ = 0;
   passiveCount_ = 0;
@@ -51,8 +44,7 @@ void LivenessJudge::note(Fraud& fraud, double value, bool isSeen, platform::Time
 }
 
 void LivenessJudge::look(const Look& look) {
-  blink_.add(look.time, {look.details.lidOpening, eyeAspectRatio(look.details.mesh, false),
-                         eyeAspectRatio(look.details.mesh, true)});
+  blink_.add(look.time, lidsOf(look.details));
   relief_.add(look.details.mesh);
   passiveSum_ += look.passiveScore;
   ++passiveCount_;
@@ -68,28 +60,26 @@ void LivenessJudge::look(const Look& look) {
 }
 
 LivenessSign LivenessJudge::blinkSign() const {
-  return {"blink", SpeaksFor::life, blink_.leastShare(), limits().livenessBlinkShare,
-          blink_.blinks() > 0};
+  return {"blink", SpeaksFor::life, blink_.leastShare(), limits_.blinkShare, blink_.blinks() > 0};
 }
 
 LivenessSign LivenessJudge::reliefSign() const {
-  const double limit = limits().livenessRelief;
-  return {"relief", SpeaksFor::life, relief_.greatest(), limit, relief_.greatest() > limit};
+  return {"relief", SpeaksFor::life, relief_.greatest(), limits_.relief,
+          relief_.greatest() > limits_.relief};
 }
 
 float LivenessJudge::score() const {
   const double passive = passiveCount_ == 0 ? 0 : passiveSum_ / passiveCount_;
-  const double relief = std::min(relief_.greatest() / limits().livenessRelief, 1.0);
+  const double relief = std::min(relief_.greatest() / limits_.relief, 1.0);
   return static_cast<float>(kPassiveWeight * passive +
                             kBlinkWeight * (blink_.blinks() > 0 ? 1 : 0) + kReliefWeight * relief);
 }
 
 LivenessVerdict LivenessJudge::add(const Look& seen) {
   const bool isGone = last_ && seen.time - *last_ > kLongestGap;
-  const bool hasJumped = last_ && overlap(seen.face, lastFace_) < kSamePlace;
+  const bool hasJumped = place_.hasJumped(seen.face);
   if (!since_ || isGone || hasJumped) startAnew(seen.time);
   last_ = seen.time;
-  lastFace_ = seen.face;
   look(seen);
 
   LivenessVerdict verdict;
@@ -106,8 +96,7 @@ LivenessVerdict LivenessJudge::add(const Look& seen) {
     verdict.evidence = fraud->name;
     startAnew(seen.time);
   } else if (const auto life = sign(SpeaksFor::life);
-             life != verdict.signs.end() &&
-             verdict.watchedFor >= platform::seconds(limits().livenessWatchSeconds)) {
+             life != verdict.signs.end() && verdict.watchedFor >= limits_.watchTime) {
     verdict.kind = Kind::living;
     verdict.evidence = life->name;
   }

@@ -4,6 +4,7 @@
 
 #include "engine/selfie/BlinkWatch.h"
 #include "engine/selfie/Liveness.h"
+#include "engine/selfie/PlaceWatch.h"
 #include "engine/selfie/ReliefWatch.h"
 #include "engine/selfie/RepetitionWatch.h"
 #include "engine/vision/FaceLandmarks.h"
@@ -14,8 +15,8 @@ namespace corvana::engine {
 
 /// Tells a living face from a picture of one, by what time shows: looks come in, a verdict comes
 /// out. Life is believed after a while of watching, from a blink or from relief that moves, and not
-/// beside a sign of fraud, which also makes it forget what it took for life. Pure but for the
-/// limits, which are the host's options; times come with the frames.
+/// beside a sign of fraud, which also makes it forget what it took for life. Pure; times come with
+/// the frames.
 class LivenessJudge {
  public:
   struct Look {
@@ -27,7 +28,15 @@ class LivenessJudge {
     float passiveScore = 0;
   };
 
-  LivenessJudge();
+  struct Limits {
+    platform::Duration watchTime{};  ///< before a face is believed
+    double blinkShare = 0;           ///< as `BlinkWatch` has it
+    double relief = 0;               ///< least `reliefMotion`
+    double repetition = 0;           ///< greatest difference of a film that begins again
+    double edges = 0;                ///< most of `edgesAround` a living face
+  };
+
+  explicit LivenessJudge(const Limits& limits);
 
   /// Takes the next look at a face that is in place.
   LivenessVerdict add(const Look& look);
@@ -50,9 +59,10 @@ class LivenessJudge {
   LivenessSign reliefSign() const;
   float score() const;
 
+  Limits limits_;
   std::optional<platform::TimePoint> since_;
   std::optional<platform::TimePoint> last_;
-  platform::CGRect lastFace_;
+  PlaceWatch place_;
   BlinkWatch blink_;
   ReliefWatch relief_;
   RepetitionWatch repetition_;

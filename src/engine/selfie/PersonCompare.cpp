@@ -4,7 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "corvana/SelfieCapture.h"
 #include "engine/vision/FaceCrop.h"
 #include "engine/vision/ImageOps.h"
 
@@ -18,9 +17,6 @@ constexpr double kMostPitch = 30;
 constexpr double kMostRoll = 25;
 constexpr double kLeastSharpness = 15;
 constexpr double kLeastBrightness = 30;
-
-/// A box that overlaps its last place less than this has jumped.
-constexpr double kSamePlace = 0.4;
 
 bool canBeJudged(const platform::PixelBuffer& picture, const Face& face,
                  const FaceDetails& details) {
@@ -39,21 +35,19 @@ PersonCheck PersonCompare::compare(const platform::PixelBuffer& picture, const F
   if (!canBeJudged(picture, face, landmarks_->locate(picture, face))) return {};
   const auto crop = cropFace(picture, face);
   if (!crop) return {};
-  return {distance(wanted_, embedder_.embed(*crop->pixels()))};
+  return {distance(embedding_, embedder_.embed(*crop->pixels()))};
 }
 
 std::optional<PersonCheck> PersonCompare::look(platform::TimePoint time,
                                                const platform::PixelBuffer& picture,
-                                               const Face& face,
-                                               const platform::UIImageRef& selfie) {
-  if (!selfie) return {};
-  const bool isNew = std::exchange(selfie_, selfie) != selfie;
-  if (isNew) wanted_ = embedder_.embed(*selfie->pixels());
-  const bool hasJumped = overlap(std::exchange(lastBox_, face.box), face.box) < kSamePlace;
+                                               const Face& face, const Wanted& wanted) {
+  if (!wanted.selfie) return {};
+  const bool isNew = std::exchange(selfie_, wanted.selfie) != wanted.selfie;
+  if (isNew) embedding_ = embedder_.embed(*wanted.selfie->pixels());
+  const bool hasJumped = place_.hasJumped(face.box);
   if (!isNew && !hasJumped && next_ && time < *next_) return {};
   const PersonCheck check = compare(picture, face);
-  const bool isSame =
-      check.distance && *check.distance <= corvana::SelfieCapture::options.samePersonThreshold;
+  const bool isSame = check.distance && *check.distance <= wanted.threshold;
   next_ = time + (isSame ? kInterval : kSoon);
   return check;
 }

@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 
+#include "engine/selfie/PlaceWatch.h"
 #include "engine/vision/Face.h"
 #include "engine/vision/FaceEmbedder.h"
 #include "engine/vision/FaceLandmarks.h"
@@ -25,9 +26,15 @@ class PersonCompare {
  public:
   PersonCompare(std::shared_ptr<FaceLandmarks> landmarks, FaceEmbedder embedder);
 
-  /// `selfie`: the accepted one's face crop. Absent when it is not time to compare.
+  /// The face that is wanted.
+  struct Wanted {
+    const platform::UIImageRef& selfie;  ///< the accepted one's face crop; null before
+    double threshold = 0;                ///< greatest distance at which a face is the same
+  };
+
+  /// Absent when it is not time to compare.
   std::optional<PersonCheck> look(platform::TimePoint time, const platform::PixelBuffer& picture,
-                                  const Face& face, const platform::UIImageRef& selfie);
+                                  const Face& face, const Wanted& wanted);
 
   /// Between two comparisons; after one that failed or could not be made the next comes sooner.
   static constexpr platform::Duration kInterval = std::chrono::milliseconds(1000);
@@ -39,9 +46,9 @@ class PersonCompare {
   std::shared_ptr<FaceLandmarks> landmarks_;
   FaceEmbedder embedder_;
   platform::UIImageRef selfie_;
-  FaceEmbedding wanted_;
+  FaceEmbedding embedding_;  ///< of the selfie
   std::optional<platform::TimePoint> next_;
-  platform::CGRect lastBox_;
+  PlaceWatch place_;
 };
 
 }  // namespace corvana::engine

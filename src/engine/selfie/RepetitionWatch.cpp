@@ -42,6 +42,15 @@ double meanSquare(const std::vector<float>& a, const std::vector<float>& b) {
 
 }  // namespace
 
+/// From look to look within the newest stretch. What led to it is left out: a head that comes back
+/// to rest from afar is not where it was by repeating itself.
+double RepetitionWatch::movement() const {
+  double sum = 0;
+  for (std::size_t i = 0; i + 1 < kStretch; ++i)
+    sum += pictures_[i].differences.front();
+  return sum / (kStretch - 1);
+}
+
 double RepetitionWatch::stretch(std::size_t lag) const {
   double sum = 0;
   for (std::size_t i = 0; i < kStretch; ++i)
@@ -60,11 +69,11 @@ void RepetitionWatch::add(platform::TimePoint time, const platform::PixelBuffer&
 
   difference_.reset();
   if (pictures_.size() <= kStretch) return;
-  const double movement = stretch(1);
-  if (movement < kLeastMovement) return;
+  const double moved = movement();
+  if (moved < kLeastMovement) return;
   for (std::size_t lag = 2; lag + kStretch <= pictures_.size(); ++lag) {
     if (time - pictures_[lag].time < kShortestLoop) continue;
-    const double share = stretch(lag) / movement;
+    const double share = stretch(lag) / moved;
     difference_ = std::min(difference_.value_or(share), share);
   }
 }

@@ -25,6 +25,7 @@ class RepetitionWatch {
     /// Difference to the picture before it, by how many came between.
     std::vector<double> differences;
   };
+  double movement() const;
   double stretch(std::size_t lag) const;
 
   std::deque<Picture> pictures_;  ///< the newest first

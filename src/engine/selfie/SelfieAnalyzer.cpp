@@ -114,7 +114,9 @@ SelfieJudgement SelfieAnalyzer::analyze(const platform::PixelBufferRef& frame,
   judgement.face = face;
   judgement.verdict = showsSeveralPeople(faces) ? SelfieVerdict::multipleFaces
                                                 : placeOf(face, *frame, guideInFrame);
-  if (judgement.verdict != SelfieVerdict::good) return judgement;
+  // A face that comes nearer than it should is followed all the same.
+  const bool isInPlace = judgement.verdict == SelfieVerdict::good;
+  if (!isInPlace && judgement.verdict != SelfieVerdict::moveAway) return judgement;
 
   const Luma light = luma(*frame, face.box);
   judgement.details = landmarks_->locate(*frame, face);
@@ -122,6 +124,7 @@ SelfieJudgement SelfieAnalyzer::analyze(const platform::PixelBufferRef& frame,
   judgement.sharpness = sharpness(*frame, face.box);
   judgement.passiveLiveness =
       passiveLiveness(judgement.details->presence, judgement.sharpness, light.deviation);
+  if (!isInPlace) return judgement;
   judgement.issueMessage = issueOf(judgement);
   if (judgement.issueMessage.empty()) {
     judgement.faceImage = cropFace(*frame, face);

@@ -21,7 +21,7 @@ struct SelfieJudgement {
   std::string issueMessage;
   /// The main face: the largest. Absent only with `noFace`.
   std::optional<Face> face;
-  /// Details of the main face once it is in place, so with `issue` and `good`.
+  /// Details of the main face once it is in place, so with `issue` and `good`, or too near.
   std::optional<FaceDetails> details;
   double sharpness = 0;   ///< `engine::sharpness` of the face
   double brightness = 0;  ///< mean luma of the face, 0 to 255

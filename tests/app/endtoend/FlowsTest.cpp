@@ -279,6 +279,28 @@ TEST(EndToEnd, EnrollRefusesACardWhoseDatesAreNotInOrderUnlessItIsAllowed) {
   }
 }
 
+TEST(EndToEnd, EnrollRefusesACopyWithoutColourUnlessItIsAllowed) {
+  const ScratchFolder scratch;
+  const fs::path stills = Session::of("short").camera.parent_path();
+  const std::string copy = scratch / "copy.png";
+  const ProgramRun made =
+      runProgram("ffmpeg", {"-v", "error", "-i", stills / "front.png", "-vf", "hue=s=0", copy});
+  ASSERT_EQ(made.exitCode, 0) << made.errors;
+  Arguments arguments{"enroll", "--front", copy, "--output", scratch / "card"};
+  const ProgramRun refused = runVideoid(arguments);
+  EXPECT_EQ(refused.exitCode, 2);
+  EXPECT_NE(refused.errors.find("the front looks like a copy of the card on paper"),
+            std::string::npos)
+      << refused.errors;
+  arguments.push_back("--allow-copy");
+  const ProgramRun allowed = runVideoid(arguments);
+  EXPECT_EQ(allowed.exitCode, 0) << allowed.errors;
+  EXPECT_NE(allowed.errors.find("WARNING: the front looks like"), std::string::npos);
+  const json reference = json::parse(bytesOf(scratch / "card" / "reference.json"));
+  EXPECT_EQ(reference["front"]["isReal"], false);
+  EXPECT_GE(reference["front"]["realness"]["photocopyScore"].get<double>(), 0.9);
+}
+
 TEST(EndToEnd, ALiveCameraThatDiesEndsTheFlowAndLeavesAFilmThatPlays) {
   const ScratchFolder scratch;
   Session session = Session::of("short");

@@ -87,8 +87,11 @@ std::vector<std::string> breachesOf(const fs::path& run) {
                                           {"call", Kind::call}};
   const auto options = nlohmann::json::parse(bytesOf(run / "result.json"))["options"];
   const auto limit = [&](const char* name) { return platform::seconds(options[name]); };
-  devices::HostContractValidator validator(
-      {limit("selfieCapture.timeOutSeconds"), limit("idCapture.timeOutSeconds")}, {});
+  auto selfieLimit = limit("selfieCapture.timeOutSeconds");
+  // Three tasks, and one that may be missed.
+  if (options["selfieCapture.liveness"] == "active")
+    selfieLimit += 4 * limit("selfieCapture.livenessTaskSeconds");
+  devices::HostContractValidator validator({selfieLimit, limit("idCapture.timeOutSeconds")}, {});
   for (const auto& event : eventsOf(run)) {
     const auto kind = kinds.find(event["event"]);
     if (kind == kinds.end()) continue;

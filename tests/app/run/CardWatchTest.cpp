@@ -56,6 +56,16 @@ TEST_F(CardWatchTest, TellsWhatBecomesOfAFieldOnceUntilItChanges) {
             R"([{"name":"conflict","field":"surname","source":"zone"}])");
 }
 
+TEST_F(CardWatchTest, HintsThatASideLooksLikeACopy) {
+  DetectedData front = side(DocumentSide::front, FieldSource::print, "MEIER");
+  front.isReal = true;
+  watch.cardRead(front);
+  EXPECT_TRUE(watch.hints().empty());
+  front.isReal = false;
+  watch.cardRead(front);
+  EXPECT_EQ(app::hintsToJson(watch.hints()).dump(), R"([{"name":"suspectCopy"}])");
+}
+
 TEST_F(CardWatchTest, ForgetsTheCardWhenTheFlowBeginsAnew) {
   watch.cardRead(side(DocumentSide::front, FieldSource::print, "MEIER"));
   watch.cardRead(side(DocumentSide::back, FieldSource::zone, "MAIER"));

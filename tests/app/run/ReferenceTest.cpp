@@ -10,7 +10,7 @@ using corvana::DocumentField;
 using corvana::FieldName;
 using corvana::FieldSource;
 
-TEST(Reference, KeepsTheFieldsOfBothSides) {
+TEST(Reference, KeepsFieldsAndScoresOfBothSides) {
   const ScratchFolder scratch;
   app::Reference reference;
   reference.front.fields = {
@@ -22,9 +22,15 @@ TEST(Reference, KeepsTheFieldsOfBothSides) {
       {FieldName::givenNames, "ANNA MARIA ELI", FieldSource::zone, 0.9F, true, std::nullopt},
       {FieldName::address, "17 HARBOUR ROAD, ZENITH", FieldSource::code, 1.0F, false,
        std::nullopt}};
+  reference.back->isReal = false;
+  reference.back->realness = corvana::RealnessScores{0.75F, 0.25F, 0.5F};
   ASSERT_TRUE(app::saveReference(reference, scratch.path()));
   const auto loaded = app::loadReference(scratch.path());
   ASSERT_TRUE(loaded) << loaded.error().sentence;
+  EXPECT_FALSE(loaded->front.isReal || loaded->front.realness);
+  EXPECT_EQ(loaded->back->isReal, false);
+  EXPECT_FLOAT_EQ(loaded->back->realness->photocopyScore, 0.75F);
+  EXPECT_FLOAT_EQ(loaded->back->realness->screenScore, 0.5F);
   EXPECT_EQ(loaded->front.fields, reference.front.fields);
   EXPECT_EQ(loaded->back->fields, reference.back->fields);
 }

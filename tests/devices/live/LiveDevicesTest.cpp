@@ -9,6 +9,7 @@
 #include "devices/live/CameraMode.h"
 #include "devices/live/CaptureTimes.h"
 #include "devices/live/DeviceCatalog.h"
+#include "devices/live/InjectionJudge.h"
 #include "devices/live/LiveDevices.h"
 #include "devices/live/LiveFile.h"
 #include "devices/live/LiveStream.h"
@@ -120,6 +121,22 @@ TEST_F(LiveDevicesTest, KeepsTheFirstSizeWithBordersWhenTheCameraChanges) {
   passTime();
   EXPECT_EQ(warnings.size(), 2u) << "each once";
   EXPECT_TRUE(faults.empty());
+}
+
+TEST_F(LiveDevicesTest, TellsOfAStreamThatLooksFedInOnce) {
+  open({.camera = camera.source()});
+  std::vector<CameraSign> told;
+  media->onCameraSign = [&](const CameraSign& sign) { told.push_back(sign); };
+  // One after another: pictures that are left out would hide how regular the times are.
+  for (std::size_t number = 1; number <= InjectionJudge::kIntervals + 1; ++number) {
+    camera.push(static_cast<int>(33 * number), 40 + static_cast<int>(number));
+    waitFor([&] { return pictures.size() == number; });
+  }
+  waitFor([&] { return !told.empty(); });
+  passTime();
+  ASSERT_EQ(told.size(), 1U);
+  EXPECT_EQ(told[0].name, "regularTimes");
+  EXPECT_EQ(media->cameraSigns().size(), 1U);
 }
 
 TEST_F(LiveDevicesTest, ReportsALostCameraOnce) {

@@ -76,12 +76,13 @@ TEST(RealTimeFlow, EndsInAResultWhateverTheThreadsDo) {
   media.microphoneStatus = platform::AVAuthorizationStatus::notDetermined;
   devices::ScriptedSpeechAuthorization speechAuthorization(loop);
   devices::ReportingSystemSounds sounds([](auto) {});
+  platform::SeededRandom randomness(0);
   FakeFilms films;
   const auto analyzer = std::make_shared<FakeAnalyzer>();
   analyzer->fill = look;
   const auto recognizer = std::make_shared<devices::ScriptedSpeechRecognizer>(loop);
-  engine::EngineHost host({loop, notificationCenter, media, films, analyzer, recognizer, run.path(),
-                           false, platform::CGSize{360, 640}});
+  engine::EngineHost host({loop, notificationCenter, media, films, randomness, analyzer, recognizer,
+                           run.path(), false, platform::CGSize{360, 640}});
   devices::DirectoryBundle bundle(TEST_RESOURCES,
                                   devices::headlessStoryboards(capture::controllerFactories(host)));
   devices::ScreenHub screen;
@@ -93,6 +94,7 @@ TEST(RealTimeFlow, EndsInAResultWhateverTheThreadsDo) {
                                     .mediaDevices = media,
                                     .speechAuthorization = speechAuthorization,
                                     .systemSounds = sounds,
+                                    .randomness = randomness,
                                     .mainScreen = {devices::kHeadlessScreen},
                                     .presentations = &screen};
   devices::HeadlessPerson person(loop, {.onRetry = devices::PersonHabits::OnRetry::retry});

@@ -1,105 +1,8 @@
-#include <algorithm>
-
-#include <gtest/gtest.h>
-
 #include "corvana/Notifications.h"
-#include "corvana/StateNames.h"
-#include "devices/scripted/HostContractValidator.h"
-#include "engine/recorder/Fakes.h"
-#include "platform/foundation/VirtualRunLoop.h"
+#include "engine/recorder/RecorderFixture.h"
 
 namespace corvana::tests {
 namespace {
-
-using corvana::VideoCaptureMode;
-using engine::Observation;
-using Names = std::vector<std::string>;
-
-void showGoodFace(Observation& observation) {
-  observation.liveFace = platform::CGRect{200, 300, 300, 400};
-  if (observation.task.mode != VideoCaptureMode::selfieCapture) return;
-  observation.selfie.emplace().verdict = engine::SelfieVerdict::good;
-  observation.selfie->selfie = corvana::Selfie{};
-}
-
-std::function<void(Observation&)> showCard(corvana::DocumentSide side) {
-  return [side](Observation& observation) {
-    showGoodFace(observation);
-    if (observation.task.mode != VideoCaptureMode::idCapture) return;
-    observation.document.emplace().verdict = engine::CardVerdict::found;
-    auto& data = observation.document->reading.emplace();
-    data.type = "IDENTITY_CARD";
-    data.side = side;
-    data.ocrStrings = {"TEXT"};
-  };
-}
-
-std::function<void(Observation&)> faceLostFor(int milliseconds) {
-  return [=](Observation& o) { o.liveFaceLostFor = std::chrono::milliseconds(milliseconds); };
-}
-
-/// Everything a recorder needs, on a virtual clock; the test is its delegate.
-class RecorderTest : public testing::Test,
-                     public corvana::VideoCaptureDelegate,
-                     public engine::RecorderObserver {
- protected:
-  RecorderTest() { recorder->setDelegate(delegate); }
-  /// Order and pace of all that is reported is the contract's matter.
-  void TearDown() override { EXPECT_EQ(contract.breaches(), Names{}); }
-
-  /// Frames at 30 a second for so long.
-  void film(double seconds) {
-    for (int i = 0; i < static_cast<int>(seconds * 30); ++i) {
-      auto frame = std::make_shared<platform::CMSampleBuffer>();
-      frame->presentationTime = loop.now();
-      recorder->capturedVideo(frame);
-      loop.advance(std::chrono::nanoseconds(33'333'333));
-    }
-  }
-  long countHeard(const std::string& name) const { return std::ranges::count(heard, name); }
-
-  void update(const corvana::SelfieCaptureState& s) override {
-    heard.push_back(nameOf(s));
-    if (const auto* issue = std::get_if<corvana::SelfieCaptureState::DetectedIssue>(&s.value)) {
-      issues.push_back(issue->message);
-    }
-  }
-  void update(const corvana::IDCaptureState& s) override { heard.push_back(nameOf(s)); }
-  void foundLiveFace(const std::optional<platform::CGRect>& face, const platform::CGSize&,
-                     VideoCaptureMode) override {
-    if (!face) heard.push_back("liveFaceLost");
-  }
-  void happened(const engine::RecorderEvent& event) override {
-    using Kind = engine::RecorderEvent::Kind;
-    if (event.kind == Kind::hint) return hints.push_back(event.name);
-    if (event.kind > Kind::call) return noted.push_back(event.name);
-    // Both enumerations name their first four kinds alike, in this order.
-    contract.observe({loop.now(), static_cast<devices::HostEvent::Kind>(event.kind), event.name});
-  }
-
-  platform::VirtualRunLoop loop;
-  platform::NotificationCenter notificationCenter;
-  devices::HostContractValidator contract{
-      {platform::seconds(corvana::SelfieCapture::options.timeOutSeconds),
-       platform::seconds(corvana::IDCapture::options.timeOutSeconds)},
-      loop.now()};
-  Names heard;
-  Names hints;
-  Names issues;
-  Names noted;  ///< of liveness
-  const std::shared_ptr<RecorderTest> delegate{this, [](auto*) {}};
-  const ScratchFolder folder;
-  FakeFilms films;
-  const std::shared_ptr<FakeAnalyzer> analyzer = std::make_shared<FakeAnalyzer>();
-  std::vector<platform::Fault> faults;
-  engine::FilmSettings filmSettings{
-      folder.path(), true, {}, {}, [this](const auto& fault) { faults.push_back(fault); }};
-  const std::shared_ptr<engine::Film> openFilm = *engine::Film::make(loop, films, filmSettings);
-  static constexpr platform::CGRect kOval{60, 100, 240, 320};
-  static constexpr platform::CGRect kCard{20, 400, 320, 202};
-  std::shared_ptr<engine::Recorder> recorder = engine::Recorder::make(
-      {loop, notificationCenter, analyzer, nullptr, openFilm, {}, kOval, kCard, {360, 640}, this});
-};
 
 TEST_F(RecorderTest, SucceedsAgainAndAgainAfterAFaceThatWasSteadyWithoutInterruption) {
   analyzer->fill = showGoodFace;
@@ -111,46 +14,6 @@ TEST_F(RecorderTest, SucceedsAgainAndAgainAfterAFaceThatWasSteadyWithoutInterrup
   EXPECT_EQ(heard, (Names{"capturingFace", "detectingFace", "capturingFace"}));
   film(4);
   EXPECT_GE(countHeard("selfieSuccess"), 5);
-}
-
-std::function<void(Observation&)> showFace(engine::LivenessVerdict::Kind kind, double seconds) {
-  return [=](Observation& observation) {
-    showGoodFace(observation);
-    const bool isLiving = kind == engine::LivenessVerdict::Kind::living;
-    observation.selfie->liveness = engine::LivenessVerdict{
-        kind,
-        {},
-        platform::seconds(seconds),
-        {{"blink", engine::LivenessSign::SpeaksFor::life, 0.3, 0.7, isLiving}}};
-  };
-}
-
-TEST_F(RecorderTest, HoldsTheSelfieBackUntilTheFaceIsBelievedAliveAndAsksForSignsInTurn) {
-  using Kind = engine::LivenessVerdict::Kind;
-  analyzer->fill = showFace(Kind::undecided, 2.4);
-  film(1.5);
-  EXPECT_EQ(heard, Names{"capturingFace"});
-  analyzer->fill = showFace(Kind::undecided, 2.6);
-  film(0.3);
-  analyzer->fill = showFace(Kind::undecided, 5.6);
-  film(0.3);
-  analyzer->fill = showFace(Kind::spoof, 0);
-  film(0.3);
-  EXPECT_EQ(issues, (Names{"Blink with both eyes", "Turn your head a little",
-                           "Show your own face, not a picture of it"}));
-  EXPECT_EQ(countHeard("selfieSuccess"), 0);
-  analyzer->fill = showFace(Kind::living, 3);
-  film(0.2);
-  EXPECT_EQ(countHeard("selfieSuccess"), 1);
-  EXPECT_EQ(noted, (Names{"asked", "blink", "spoof", "blink", "living"}));
-}
-
-TEST_F(RecorderTest, WithoutLivenessNobodyHasToShowIt) {
-  corvana::SelfieCapture::options.liveness = corvana::SelfieCapture::Liveness::off;
-  analyzer->fill = showFace(engine::LivenessVerdict::Kind::spoof, 0);
-  film(1.2);
-  corvana::SelfieCapture::options = {};
-  EXPECT_EQ(heard, (Names{"capturingFace", "selfieSuccess"}));
 }
 
 TEST_F(RecorderTest, SaysThatTheSelfieTimedOutUntilItIsAnsweredDespiteSuccesses) {
@@ -183,7 +46,7 @@ TEST_F(RecorderTest, EachSideSucceedsAndTheCardsTimeOutFromTheAcceptedSelfie) {
 }
 
 /// A card in its place that is seen so well.
-std::function<void(Observation&)> showCard(const engine::CardQuality& quality) {
+std::function<void(Observation&)> showCardOf(const engine::CardQuality& quality) {
   return [quality](Observation& observation) {
     showCard(corvana::DocumentSide::front)(observation);
     if (observation.document) observation.document->quality = quality;
@@ -204,14 +67,14 @@ TEST_F(RecorderTest, TellsWithinHalfASecondWhatIsWrongWithTheCard) {
   } cases[] = {{"idMoveAway", showPlace(engine::CardVerdict::moveAway)},
                {"idMoveCloser", showPlace(engine::CardVerdict::moveCloser)},
                {"alignRectangle", showPlace(engine::CardVerdict::alignRectangle)},
-               {"tooMuchGlare", showCard({.glare = 0.05})},
-               {"blurred", showCard({.sharpness = 0.1})},
-               {"tooDark", showCard({.brightness = 0.1})},
-               {"covered", showCard({.coveredPrint = 0.1})}};
+               {"tooMuchGlare", showCardOf({.glare = 0.05})},
+               {"blurred", showCardOf({.sharpness = 0.1})},
+               {"tooDark", showCardOf({.brightness = 0.1})},
+               {"covered", showCardOf({.coveredPrint = 0.1})}};
   recorder->setMode(VideoCaptureMode::idCapture);
   for (const auto& [told, wrong] : cases) {
     SCOPED_TRACE(told);
-    analyzer->fill = showCard(engine::CardQuality{});
+    analyzer->fill = showCardOf({});
     film(1);
     EXPECT_GE(countHeard("idSuccess"), 1);
     heard.clear();
@@ -227,7 +90,7 @@ TEST_F(RecorderTest, TellsWithinHalfASecondWhatIsWrongWithTheCard) {
     EXPECT_EQ(countHeard("classifiedDocument"), 0);
   }
   hints.clear();
-  analyzer->fill = showCard({.sharpness = 0.1});
+  analyzer->fill = showCardOf({.sharpness = 0.1});
   film(1);
   recorder->setMode(VideoCaptureMode::readingText);
   EXPECT_EQ(hints, (Names{"blurred", "none"})) << "no hint outlives its phase";
@@ -237,7 +100,7 @@ TEST_F(RecorderTest, StrayLooksNeitherTellOfAFlawNorHideOne) {
   recorder->setMode(VideoCaptureMode::idCapture);
   const auto lookLike = [&](std::initializer_list<bool> blurredLooks) {
     for (const bool blurred : blurredLooks) {
-      analyzer->fill = showCard({.sharpness = blurred ? 0.1 : 0.3});
+      analyzer->fill = showCardOf({.sharpness = blurred ? 0.1 : 0.3});
       film(0.1);
     }
   };
@@ -247,6 +110,38 @@ TEST_F(RecorderTest, StrayLooksNeitherTellOfAFlawNorHideOne) {
   EXPECT_EQ(hints, Names{"blurred"});
   lookLike({false, false, false});
   EXPECT_EQ(hints, (Names{"blurred", "none"}));
+}
+
+TEST_F(RecorderTest, ACopyIsToldAndNotAcceptedAsFarAsTheOptionSays) {
+  using Reject = corvana::IDCapture::RejectUnreal;
+  const struct {
+    Reject option;
+    float score;
+    bool accepted;
+  } cases[] = {{Reject::off, 1.0F, true},
+               {Reject::sure, 0.95F, false},
+               {Reject::sure, 0.6F, true},
+               {Reject::all, 0.6F, false},
+               {Reject::all, 0.3F, true}};
+  const auto standing = corvana::IDCapture::options;
+  recorder->setMode(VideoCaptureMode::idCapture);
+  for (const auto& [option, score, accepted] : cases) {
+    SCOPED_TRACE(testing::Message() << static_cast<int>(option) << " at " << score);
+    corvana::IDCapture::options.rejectUnreal = option;
+    analyzer->fill = showPlace(engine::CardVerdict::none);
+    film(1);
+    heard.clear();
+    hints.clear();
+    analyzer->fill = [score = score](Observation& observation) {
+      showCard(engine::CardQuality{})(observation);
+      observation.document->reading->realness = corvana::RealnessScores{.screenScore = score};
+    };
+    film(1);
+    EXPECT_EQ(countHeard("idSuccess") > 0, accepted);
+    EXPECT_GT(countHeard("classifiedDocument"), 0);
+    EXPECT_EQ(hints, accepted ? Names{} : Names{"copy"});
+  }
+  corvana::IDCapture::options = standing;
 }
 
 TEST_F(RecorderTest, TheDarkIsToldAlsoWhereNoCardIsSeenInIt) {
@@ -267,53 +162,6 @@ TEST_F(RecorderTest, ALostFaceIsToldOnceTheGraceHasPassedAndOnlyAfterTheSelfie) 
   film(1);
   EXPECT_EQ(countHeard("liveFaceLost"), 1);
   EXPECT_EQ(recorder->mode(), VideoCaptureMode::liveFaceLost);
-}
-
-std::function<void(Observation&)> compareWith(std::optional<double> distance,
-                                              corvana::DocumentSide side) {
-  return [=](Observation& observation) {
-    showCard(side)(observation);
-    observation.person = engine::PersonCheck{distance};
-  };
-}
-
-TEST_F(RecorderTest, LosesTheFaceThatTwiceInARowIsNotTheSelfies) {
-  recorder->setMode(VideoCaptureMode::idCapture);
-  const auto front = corvana::DocumentSide::front;
-  for (const double distance : {0.6, 0.2, 0.6}) {
-    analyzer->fill = compareWith(distance, front);
-    film(0.1);
-    analyzer->fill = showCard(front);
-    film(0.5);
-  }
-  EXPECT_EQ(countHeard("liveFaceLost"), 0) << "never twice in a row";
-  analyzer->fill = compareWith(0.6, front);
-  film(0.1);
-  EXPECT_EQ(countHeard("liveFaceLost"), 1);
-  EXPECT_EQ(recorder->mode(), VideoCaptureMode::liveFaceLost);
-  EXPECT_EQ(noted, Names(4, "samePerson"));
-}
-
-TEST_F(RecorderTest, TakesNoCardAndNoReadingFromAFaceThatCannotBeJudged) {
-  recorder->setMode(VideoCaptureMode::idCapture);
-  analyzer->fill = compareWith({}, corvana::DocumentSide::front);
-  film(4.8);
-  const long before = countHeard("idSuccess");
-  EXPECT_GT(before, 0);
-  film(2);
-  EXPECT_LE(countHeard("idSuccess"), before + 1);
-  analyzer->fill = compareWith(0.2, corvana::DocumentSide::front);
-  film(1);
-  EXPECT_GT(countHeard("idSuccess"), before + 1) << "it looked up again";
-
-  analyzer->fill = compareWith({}, corvana::DocumentSide::front);
-  film(5.5);
-  EXPECT_EQ(countHeard("liveFaceLost"), 0) << "a person may look at the card";
-  recorder->setMode(VideoCaptureMode::readingText);
-  film(0.4);
-  EXPECT_EQ(countHeard("liveFaceLost"), 0) << "the text still fades in";
-  film(0.4);
-  EXPECT_EQ(countHeard("liveFaceLost"), 1);
 }
 
 TEST_F(RecorderTest, RetryBeginsANewFilmInTheSelfieModeWithAFreshTimeOut) {

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
 
-#include "corvana/SelfieCapture.h"
 #include "engine/selfie/FrameEdges.h"
 #include "engine/selfie/LivenessJudge.h"
 #include "engine/selfie/PersonCompare.h"
@@ -91,6 +90,12 @@ TEST(Edges, EncloseADisplayButNeitherAPersonNorOneInADoor) {
   EXPECT_GT(edgesAround(*pixelBufferFrom(picture), face), 0.9);
 }
 
+constexpr LivenessJudge::Limits kLimits{.watchTime = std::chrono::seconds(3),
+                                        .blinkShare = 0.91,
+                                        .relief = 0.05,
+                                        .repetition = 0.5,
+                                        .edges = 0.88};
+
 /// Looks at a scene ten times a second.
 class Judging {
  public:
@@ -121,7 +126,7 @@ class Judging {
  private:
   const cv::Mat photo_;
   const FaceDetails details_;
-  LivenessJudge judge_;
+  LivenessJudge judge_{kLimits};
   platform::TimePoint now_{};
   double phase_ = 0;
 };
@@ -170,7 +175,7 @@ TEST(PersonCompare, TellsTheSelfiesFaceFromAnothersAboutOnceASecondAndWhenItJump
                           const platform::UIImageRef& selfie) {
     const auto frame = tests::cameraFrame({{person, x, 560, 300}});
     return compare.look(platform::TimePoint{} + platform::seconds(seconds), *frame,
-                        tests::detector().detect(*frame).at(0), selfie);
+                        tests::detector().detect(*frame).at(0), {selfie, 0.42});
   };
   const auto frame = tests::cameraFrame({{'a', 340, 540, 280}});
   const auto selfie = cropFace(*frame, tests::detector().detect(*frame).at(0));
@@ -185,7 +190,7 @@ TEST(PersonCompare, TellsTheSelfiesFaceFromAnothersAboutOnceASecondAndWhenItJump
   cv::GaussianBlur(rgbMat(*frame), soft, {}, 12);
   const auto unclear =
       compare.look(platform::TimePoint{} + platform::seconds(9), *pixelBufferFrom(soft),
-                   tests::detector().detect(*frame).at(0), selfie);
+                   tests::detector().detect(*frame).at(0), {selfie, 0.42});
   EXPECT_FALSE(unclear.value().distance);
 }
 

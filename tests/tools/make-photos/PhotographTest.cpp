@@ -46,8 +46,8 @@ TEST(Photograph, SaysWhereTheCornersLie) {
     for (const photos::Kind kind : {photos::Kind::original, photos::Kind::print}) {
       Random random(3);
       const Conditions conditions = cleanConditions(turn, 14.0, 2.0 * turn);
-      const auto made =
-          photos::takePhotograph(photos::copied(quarteredCard(), kind, random), conditions, random);
+      const auto made = photos::takePhotograph(photos::copied(quarteredCard(), kind, false, random),
+                                               conditions, random);
       ASSERT_TRUE(made) << made.error();
       const cv::Point2f middle =
           0.25F * (made->corners[0] + made->corners[1] + made->corners[2] + made->corners[3]);

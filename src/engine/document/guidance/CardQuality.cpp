@@ -12,7 +12,7 @@
 namespace corvana::engine {
 
 const char* nameOf(CardFlaw flaw) {
-  static constexpr std::array kNames{"tooDark", "tooMuchGlare", "blurred", "covered"};
+  static constexpr std::array kNames{"tooDark", "tooMuchGlare", "blurred", "covered", "copy"};
   return kNames[static_cast<std::size_t>(flaw)];
 }
 

@@ -17,9 +17,9 @@ struct CardQuality {
 };
 
 /// Why a card is not read although it is in its place.
-enum class CardFlaw { tooDark, tooMuchGlare, blurred, covered };
+enum class CardFlaw { tooDark, tooMuchGlare, blurred, covered, copy };
 
-/// "tooDark", "tooMuchGlare", "blurred", "covered".
+/// "tooDark", "tooMuchGlare", "blurred", "covered", "copy".
 const char* nameOf(CardFlaw flaw);
 
 /// What was measured, and the limit that it does not keep.
@@ -29,7 +29,7 @@ struct FlawFound {
   double limit = 0;
 };
 
-/// The flaw that is to be mended first: in the dark nothing else can be judged.
+/// The flaw of the picture that is to be mended first: in the dark nothing else can be judged.
 std::optional<FlawFound> flawOf(const CardQuality& quality,
                                 const corvana::IDCapture::Options& limits);
 

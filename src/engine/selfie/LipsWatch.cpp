@@ -1,0 +1,103 @@
+#include "engine/selfie/LipsWatch.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace corvana::engine {
+namespace {
+
+constexpr std::size_t kUpperLip = 13;
+constexpr std::size_t kLowerLip = 14;
+constexpr std::size_t kRightCorner = 78;
+constexpr std::size_t kLeftCorner = 308;
+
+constexpr double kFullScale = 32768;
+constexpr double kSilence = -120;  // dB
+/// Sound is measured in pieces of this length.
+constexpr platform::Duration kPiece = std::chrono::milliseconds(100);
+/// What is kept for the judgement: the noise of the room is the quietest of it.
+constexpr platform::Duration kMemory = std::chrono::seconds(10);
+
+double distance(const SurfacePoint& a, const SurfacePoint& b) {
+  return std::hypot(a.x - b.x, a.y - b.y);
+}
+
+double decibels(const std::int16_t* samples, std::size_t count) {
+  double sum = 0;
+  for (std::size_t i = 0; i < count; ++i)
+    sum += samples[i] / kFullScale * (samples[i] / kFullScale);
+  const double power = count == 0 ? 0 : sum / static_cast<double>(count);
+  return power > 0 ? 10 * std::log10(power) : kSilence;
+}
+
+}  // namespace
+
+double mouthOpening(const FaceMesh& mesh) {
+  const double width = distance(mesh[kRightCorner], mesh[kLeftCorner]);
+  return distance(mesh[kUpperLip], mesh[kLowerLip]) / std::max(width, 1.0);
+}
+
+void LipsWatch::addMouth(platform::TimePoint time, double opening) {
+  mouths_.push_back({time, opening});
+  judge();
+}
+
+void LipsWatch::addSound(const platform::CMSampleBuffer& buffer) {
+  if (buffer.sampleRate <= 0 || buffer.channels <= 0) return;
+  const auto perSecond = static_cast<std::size_t>(buffer.sampleRate * buffer.channels);
+  const std::size_t piece = std::max<std::size_t>(
+      1, static_cast<std::size_t>(platform::inSeconds(kPiece) * static_cast<double>(perSecond)));
+  for (std::size_t from = 0; from < buffer.samples.size(); from += piece) {
+    const std::size_t count = std::min(piece, buffer.samples.size() - from);
+    const double middle = static_cast<double>(from + count / 2) / static_cast<double>(perSecond);
+    sounds_.push_back({buffer.presentationTime + platform::seconds(middle),
+                       decibels(&buffer.samples[from], count)});
+  }
+  judge();
+}
+
+bool LipsWatch::hearsVoice(platform::TimePoint time) const {
+  const auto after = std::ranges::lower_bound(sounds_, time, {}, &Loudness::time);
+  const double quietest = std::ranges::min_element(sounds_, {}, &Loudness::decibels)->decibels;
+  return after->decibels > std::max(kLeastLoudness, quietest + kAboveNoise);
+}
+
+double LipsWatch::movement(platform::TimePoint time) const {
+  double least = 1e9;
+  double most = 0;
+  for (const Mouth& mouth : mouths_) {
+    if (mouth.time < time - kReach || mouth.time > time + kReach) continue;
+    least = std::min(least, mouth.opening);
+    most = std::max(most, mouth.opening);
+  }
+  return most - least;
+}
+
+/// Looks are judged when both what follows them and what was heard then is known.
+void LipsWatch::judge() {
+  while (next_ < mouths_.size()) {
+    const platform::TimePoint time = mouths_[next_].time;
+    const bool isKnown =
+        mouths_.back().time >= time + kReach && !sounds_.empty() && sounds_.back().time >= time;
+    if (!isKnown) break;
+    ++next_;
+    if (!hearsVoice(time)) continue;
+    ++voiced_;
+    if (movement(time) < kMoves) ++atRest_;
+  }
+  while (!sounds_.empty() && sounds_.back().time - sounds_.front().time > kMemory)
+    sounds_.pop_front();
+  while (next_ > 0 && mouths_.back().time - mouths_.front().time > kMemory) {
+    mouths_.pop_front();
+    --next_;
+  }
+}
+
+std::optional<LivenessSign> LipsWatch::sign() const {
+  if (voiced_ < kLeastVoiced) return {};
+  const double share = static_cast<double>(atRest_) / voiced_;
+  return LivenessSign{"lipsAtRest", LivenessSign::SpeaksFor::fraud, share, kMostAtRest,
+                      share > kMostAtRest};
+}
+
+}  // namespace corvana::engine
