@@ -33,6 +33,8 @@ int run(int argc, char** argv) {
   app::addVerifyCommand(program, exitCode);
   app::addRecheckCommand(program, exitCode);
   app::addReportCommand(program, exitCode);
+  app::addExportCommand(program, exitCode);
+  app::addPurgeCommand(program, exitCode);
   app::addTimestampCommand(program, exitCode);
   app::addCompareCommand(program, exitCode);
   app::addEmbedCommand(program, exitCode);

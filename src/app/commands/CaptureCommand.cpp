@@ -33,10 +33,6 @@ void printProgress(platform::TimePoint now, const devices::FlowEvent& event) {
   }
 }
 
-bool wasCanceled(const Outcome& outcome) {
-  return !outcome && outcome.error().cause() == platform::FaultCause::canceled;
-}
-
 void removeRun(const fs::path& folder) {
   std::error_code ignored;  // What can't be removed was not ours.
   fs::remove_all(folder, ignored);
@@ -48,8 +44,11 @@ ExitCode finish(const RunRecord& record, const CaptureArguments& arguments,
   if (record.outcome && written.fault) {
     return complain(std::cerr, ExitCode::machineLacks, written.fault->sentence);
   }
-  const bool removed = wasCanceled(record.outcome) && !arguments.keep;
+  const Remains remains = remainsAfter(record.outcome, arguments);
+  const bool removed = remains == Remains::nothing;
   if (removed) removeRun(inputs.folder);
+  // Where the result could not be written, the files are all there is.
+  if (remains == Remains::hashes && !written.fault) leaveHashesOnly(inputs.folder);
   std::error_code error;
   if (fs::exists(inputs.folder, error)) {
     written.content["folder"] = fs::absolute(inputs.folder).lexically_normal().string();

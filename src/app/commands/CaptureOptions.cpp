@@ -162,6 +162,39 @@ void addCaller(CLI::App& command, CaptureArguments& arguments) {
       ->check(CLI::Range(0.0, 30.0).description(""));
 }
 
+void addPrivacy(CLI::App& command, CaptureArguments& arguments) {
+  const std::map<std::string, Remains> remains{
+      {"keep", Remains::all}, {"hashes", Remains::hashes}, {"remove", Remains::nothing}};
+  command.add_option("--consent", arguments.consent,
+                     "JSON file that says what the person agreed to; it is kept in the record, see "
+                     "docs/privacy.md");
+  command.add_flag("--require-consent", arguments.requiresConsent,
+                   "record nothing without --consent");
+  command
+      .add_option(
+          "--retain-days", arguments.retainDays,
+          "days for which the run is to be kept, for `videoid purge` (default: without end)")
+      ->check(CLI::Range(0, 36500).description(""));
+  auto* cancelled =
+      command
+          .add_option("--cancelled", arguments.afterCancellation,
+                      "what is left of a cancelled run: remove (default: nothing), hashes (its "
+                      "result, with the SHA-256 of what was there), or keep (all)")
+          ->transform(CLI::CheckedTransformer(remains).description(""));
+  command
+      .add_option("--failed", arguments.afterFailure,
+                  "the same for a run that a fault ended (default: keep)")
+      ->transform(CLI::CheckedTransformer(remains).description(""));
+  command
+      .add_flag_callback(
+          "--keep", [&arguments] { arguments.afterCancellation = Remains::all; },
+          "keep the folder of a cancelled run, too, as --cancelled keep does")
+      ->excludes(cancelled);
+  command.add_flag(
+      "!--no-evidence", arguments.keepsEvidence,
+      "keep no words and pictures of what was compared; `videoid report` then lacks them");
+}
+
 }  // namespace
 
 void addCaptureOptions(CLI::App& command, CaptureArguments& arguments) {
@@ -197,10 +230,7 @@ void addCaptureOptions(CLI::App& command, CaptureArguments& arguments) {
   command.add_flag(
       "--refuse-voice-without-lips", arguments.refusesVoiceWithoutLips,
       "lose a face whose lips rest while a voice reads the text; see docs/liveness.md");
-  command.add_flag("--keep", arguments.keep, "keep the folder of a cancelled run, too");
-  command.add_flag(
-      "!--no-evidence", arguments.keepsEvidence,
-      "keep no words and pictures of what was compared; `videoid report` then lacks them");
+  addPrivacy(command, arguments);
   command.add_flag("--keep-failed-runs", arguments.keepFailedRuns,
                    "keep the films of runs that were retried, as film.run1.mp4 and so on");
 }

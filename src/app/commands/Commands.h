@@ -17,6 +17,10 @@ void addVerifyCommand(CLI::App& app, ExitCode& exitCode);
 void addRecheckCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid report`: a page that shows people what a record holds.
 void addReportCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid purge`: removes runs that are no longer to be kept.
+void addPurgeCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid export`: an archive of a run that only its recipient can open.
+void addExportCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid timestamp`: a third party's word for when a record was there.
 void addTimestampCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid devices`: cameras and microphones that `capture` can use.

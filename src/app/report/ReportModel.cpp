@@ -250,6 +250,7 @@ class ReportModel {
     add("clockEnd", textIn(clock, "end"));
     add("date", textIn(run_.result, "date"));
     if (run_.hasResult) add("runs", countOf(memberIn(run_.result, "recording"), "runs"));
+    if (run_.hasResult) addTerms(list);
     add("host", textIn(run_.result, "host"));
     if (program.is_object()) {
       add("program", textIn(program, "name").value_or("") + " " +
@@ -257,6 +258,13 @@ class ReportModel {
                          textIn(program, "build").value_or(""));
     }
     return list;
+  }
+
+  void addTerms(json& list) const {
+    const bool agreed = textIn(run_.result, "consent").has_value();
+    list.push_back(fact("consent", words_.of(agreed ? "consentGiven" : "consentNone")));
+    const auto until = textIn(memberIn(run_.result, "retention"), "until");
+    list.push_back(fact("keptUntil", until ? *until : words_.of("keptWithoutEnd")));
   }
 
   json findings() const {

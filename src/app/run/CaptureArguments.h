@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "app/privacy/RunTerms.h"
 #include "app/run/CalendarDay.h"
 #include "app/run/CallerLink.h"
 #include "app/run/CameraChoice.h"
@@ -43,6 +44,11 @@ struct CaptureArguments {
   /// The habits answer the screens, not the person before the window.
   bool personIsVirtual = true;
   double maxDurationSeconds = kUsualLimitSeconds;
+  std::optional<std::filesystem::path> consent;  ///< record of what the person agreed to
+  bool requiresConsent = false;                  ///< nothing is recorded without it
+  std::optional<int> retainDays;                 ///< absent: the run is kept without end
+  Remains afterFailure = Remains::all;
+  Remains afterCancellation = Remains::nothing;
   /// From which the tasks of the active mode are drawn; absent: from the system's randomness, or
   /// from 0 in media time.
   std::optional<std::uint32_t> challengeSeed;
@@ -51,7 +57,6 @@ struct CaptureArguments {
   std::vector<std::uint32_t> drawn;
   /// A voice while the lips rest ends the run, and is not only a hint.
   bool refusesVoiceWithoutLips = false;
-  bool keep = false;            ///< the folder also of a cancelled run
   bool keepsEvidence = true;    ///< what was compared, for a reviewer
   bool keepFailedRuns = false;  ///< the films of runs that were retried
   /// False: films are only counted, as there is one already.

@@ -54,12 +54,19 @@ nlohmann::ordered_json fieldsOf(const FlowEvent& event) {
 
 }  // namespace
 
+Remains remainsAfter(const Outcome& outcome, const CaptureArguments& arguments) {
+  if (outcome) return Remains::all;
+  const bool wasCanceled = outcome.error().cause() == platform::FaultCause::canceled;
+  return wasCanceled ? arguments.afterCancellation : arguments.afterFailure;
+}
+
 CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& prepared,
                          Progress progress)
     : arguments_(arguments),
       inputs_(prepared.inputs),
       rules_(prepared.rules),
       identity_(prepared.identity),
+      terms_(makeTerms()),
       loop_(*prepared.stage.loop),
       screen_(*prepared.stage.screen),
       media_(prepared.media),
@@ -116,10 +123,11 @@ void CaptureFlow::followedByCaller() {
 std::optional<RunSeal> CaptureFlow::makeSeal() {
   if (!inputs_.key) return std::nullopt;
   const auto now = readClock();
-  return std::make_optional<RunSeal>(loop_, inputs_.folder, *inputs_.key,
-                                     sessionToJson(identity_, now, inputs_.referenceSums,
-                                                   inputs_.documentsSum, sha256Of(inputs_.text)),
-                                     [this](const platform::Fault& fault) { recordFailed(fault); });
+  return std::make_optional<RunSeal>(
+      loop_, inputs_.folder, *inputs_.key,
+      sessionToJson(identity_, now, inputs_.referenceSums, inputs_.documentsSum,
+                    sha256Of(inputs_.text), terms_),
+      [this](const platform::Fault& fault) { recordFailed(fault); });
 }
 
 std::unique_ptr<platform::AssetWriterFactory> CaptureFlow::makeFilms() {
@@ -262,6 +270,14 @@ std::optional<ClockReading> CaptureFlow::readClock() const {
   return identity_.clock();
 }
 
+/// The run's day is the clock's, where there is one.
+nlohmann::ordered_json CaptureFlow::makeTerms() const {
+  const auto now = readClock();
+  const engine::CalendarDate day =
+      now ? engine::CalendarDate(std::chrono::floor<std::chrono::days>(now->time)) : rules_.today;
+  return termsToJson({inputs_.consent, arguments_.retainDays}, day);
+}
+
 RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
   RunRecord record{.outcome = end_.outcome(),
                    .devices = UsedDevices::of(*media_),
@@ -275,6 +291,8 @@ RunRecord CaptureFlow::makeRecord(std::optional<ClockReading> started) const {
                    .ended = readClock(),
                    .reference = inputs_.referenceSums,
                    .documents = inputs_.documentsSum,
+                   .terms = terms_,
+                   .leavesHashesOnly = remainsAfter(end_.outcome(), arguments_) == Remains::hashes,
                    .text = sha256Of(inputs_.text),
                    .key = inputs_.key,
                    .places = host_.places()};

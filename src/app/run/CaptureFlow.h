@@ -24,6 +24,9 @@
 
 namespace corvana::app {
 
+/// What is left in the folder of a run that ended so.
+Remains remainsAfter(const Outcome& outcome, const CaptureArguments& arguments);
+
 /// The world of one run, from the entry to the closed film. While it lives, SIGINT and SIGTERM
 /// cancel it. Main thread; used once.
 class CaptureFlow final : private corvana::DecisionObserver {
@@ -60,6 +63,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   std::vector<DocumentHint> hints() const;
   RunRecord makeRecord(std::optional<ClockReading> started) const;
   std::optional<ClockReading> readClock() const;
+  nlohmann::ordered_json makeTerms() const;
   void report(const devices::FlowEvent& event);
   void decided(const corvana::Decision& decision) override;
   void prompted(corvana::PromptPlace place, corvana::PromptType type) override {
@@ -70,6 +74,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   const CaptureInputs& inputs_;
   const DocumentRules rules_;
   const RunIdentity identity_;
+  const nlohmann::ordered_json terms_;
   platform::DrivenLoop& loop_;
   FlowScreen& screen_;
   std::shared_ptr<devices::MediaSource> media_;

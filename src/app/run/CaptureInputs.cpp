@@ -6,6 +6,7 @@
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
+#include "app/privacy/Consent.h"
 #include "app/settings/OptionTable.h"
 
 namespace corvana::app {
@@ -69,6 +70,17 @@ Expected<std::optional<SigningKey>> loadKey(const std::optional<fs::path>& file)
   return SigningKey::load(*file).map([](SigningKey key) { return std::optional(std::move(key)); });
 }
 
+Expected<std::optional<std::string>> loadConsent(const CaptureArguments& arguments) {
+  if (arguments.consent) {
+    return readConsent(*arguments.consent).map([](std::string bytes) {
+      return std::optional(std::move(bytes));
+    });
+  }
+  if (!arguments.requiresConsent) return std::optional<std::string>();
+  return platform::failure(
+      "Give the record of the person's consent with --consent; nothing is recorded without it.");
+}
+
 Expected<fs::path> chooseFolder(const std::optional<fs::path>& wanted) {
   if (wanted) {
     if (auto checked = checkEmptyFolder(*wanted); !checked) return tl::unexpected(checked.error());
@@ -124,6 +136,9 @@ Expected<CaptureInputs> checkInputs(const CaptureArguments& arguments) {
                               checkName("--subject", arguments.subject)}) {
     if (!checked) return tl::unexpected(checked.error());
   }
+  auto consent = loadConsent(arguments);
+  if (!consent) return tl::unexpected(consent.error());
+  inputs.consent = std::move(*consent);
   auto key = loadKey(arguments.key);
   if (!key) return tl::unexpected(key.error());
   inputs.key = std::move(*key);

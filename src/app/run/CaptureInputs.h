@@ -18,7 +18,8 @@ struct CaptureInputs {
   nlohmann::ordered_json referenceSums;  ///< SHA-256 of every file in the reference's folder
   std::string documentsSum;              ///< SHA-256 over the files of the kinds of documents
   std::string text;
-  std::optional<SigningKey> key;  ///< seals the record
+  std::optional<std::string> consent;  ///< bytes of its record
+  std::optional<SigningKey> key;       ///< seals the record
   MediaOpener openMedia;
   std::filesystem::path folder;  ///< of the run: free, but not made yet
 };

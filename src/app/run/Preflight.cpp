@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "app/privacy/Consent.h"
 #include "app/run/DocumentFolders.h"
 #include "app/run/MachineCheck.h"
 #include "corvana/SelfieCapture.h"
@@ -125,6 +126,12 @@ std::string kindFault(const Reference& reference, const engine::DocumentKinds& k
   return {};
 }
 
+/// It lies in the folder before the first picture does.
+Expected<void> keepConsent(const CaptureInputs& inputs) {
+  if (!inputs.consent) return {};
+  return writeFile(inputs.folder / kConsentFileName, *inputs.consent);
+}
+
 /// Why the options can't be obeyed, before any file is opened; empty when they can.
 std::string optionsFault(const CaptureArguments& arguments) {
   if (!arguments.text && !arguments.textFile) {
@@ -176,6 +183,9 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   prepared.analyzer = *analyzer;
   if (auto made = makeEmptyFolder(folder); !made) {
     return refuse(ExitCode::wrongUse, made.error().sentence);
+  }
+  if (auto kept = keepConsent(prepared.inputs); !kept) {
+    return refuse(ExitCode::machineLacks, kept.error().sentence);
   }
   prepared.stage.screen =
       makeScreenFor(arguments, withSpokenTasks(*wishes), prepared.resources, loop);

@@ -1,5 +1,7 @@
 #include "app/run/RunRecord.h"
 
+#include "app/privacy/Consent.h"
+#include "app/privacy/RunTerms.h"
 #include "app/run/BuildId.h"
 #include "app/run/EventLog.h"
 #include "app/seal/Jws.h"
@@ -91,6 +93,8 @@ ordered_json recordToJson(const RunRecord& record) {
   object["reference"] = record.reference;
   object["documents"] = record.documents;
   object["text"] = record.text;
+  object.update(record.terms);
+  if (record.leavesHashesOnly) object["kept"] = kKeptHashes;
   return object;
 }
 
@@ -104,7 +108,7 @@ std::vector<fs::path> filesOf(const RunRecord& record, const fs::path& folder) {
   for (const std::string& film : record.films)
     files.push_back(folder / film);
   files.insert(files.end(), {folder / kSelfieFileName, folder / EventLog::kFileName,
-                             folder / SealLog::kFileName});
+                             folder / SealLog::kFileName, folder / kConsentFileName});
   for (const std::string& name : evidenceFileNames())
     files.push_back(folder / name);
   return files;
@@ -150,13 +154,14 @@ ordered_json devicesToJson(const UsedDevices& devices) {
 
 ordered_json sessionToJson(const RunIdentity& identity, const std::optional<ClockReading>& start,
                            const ordered_json& reference, const std::string& documents,
-                           const std::string& text) {
+                           const std::string& text, const ordered_json& terms) {
   ordered_json object = identityToJson(identity, start, start);
   object["options"] = currentOptions();
   object["program"] = programToJson();
   object["reference"] = reference;
   object["documents"] = documents;
   object["text"] = text;
+  object.update(terms);
   return object;
 }
 

@@ -63,7 +63,9 @@ struct RunRecord {
   std::optional<ClockReading> ended = {};
   nlohmann::ordered_json reference = {};  ///< SHA-256 of its files
   std::string documents = {};             ///< SHA-256 over the files of the kinds of documents
-  std::string text = {};                  ///< SHA-256 of the text that was to be read
+  nlohmann::ordered_json terms = nlohmann::ordered_json::object();  ///< as `termsToJson` has them
+  bool leavesHashesOnly = false;  ///< the files that result.json names are removed afterwards
+  std::string text = {};          ///< SHA-256 of the text that was to be read
   std::optional<Evidence> evidence = {};  ///< absent: none is kept
   std::optional<SigningKey> key = {};     ///< seals the result; absent: nobody vouches for it
   std::optional<engine::ScreenPlaces> places = {};  ///< absent when the flow did not come so far
@@ -74,7 +76,8 @@ struct RunRecord {
 nlohmann::ordered_json sessionToJson(const RunIdentity& identity,
                                      const std::optional<ClockReading>& start,
                                      const nlohmann::ordered_json& reference,
-                                     const std::string& documents, const std::string& text);
+                                     const std::string& documents, const std::string& text,
+                                     const nlohmann::ordered_json& terms);
 
 inline constexpr const char* kResultFileName = "result.json";
 /// The signature of result.json's bytes.

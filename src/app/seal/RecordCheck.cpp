@@ -5,6 +5,8 @@
 #include <optional>
 #include <utility>
 
+#include "app/privacy/Consent.h"
+#include "app/privacy/RunTerms.h"
 #include "app/report/ReportFile.h"
 #include "app/run/EventLog.h"
 #include "app/run/Files.h"
@@ -81,6 +83,7 @@ class RecordChecker {
       if (isLast) wholeTo = compared.wholeTo;
     }
     checkEvents(reading->chains, wholeTo);
+    checkConsent(reading->chains.front().head);
     checkStrangers();
     fail(kResultFileName, reading->chains.back().ended
                               ? "The film ended at " + inSeconds(wholeTo) +
@@ -170,6 +173,9 @@ class RecordChecker {
                                        " names a file outside its folder.");
     }
     known_.push_back(name);
+    if (result_.value("kept", json()) == kKeptHashes && !isThere(name)) {
+      return add(name, "removed on purpose; its SHA-256 stays");
+    }
     const auto actual = sha256(folder_ / name);
     if (!actual) return fail(name, actual.error().sentence);
     if (sum.is_string() && sum.get<std::string>() == *actual) return add(name, "unchanged");
@@ -214,7 +220,8 @@ class RecordChecker {
 
   /// What was said at the beginning must still be so at the end.
   void checkHead(const json& head) {
-    for (const char* field : {"session", "options", "program", "reference", "documents", "text"}) {
+    for (const char* field : {"session", "options", "program", "reference", "documents", "text",
+                              "consent", "retention"}) {
       if (head.value(field, json()) == result_.value(field, json())) continue;
       return fail(SealLog::kFileName, std::string("The seal ") + SealLog::kFileName +
                                           " belongs to another run: it names another " + field +
@@ -264,6 +271,12 @@ class RecordChecker {
       return add(name, "its first " + std::to_string(bytes) + " bytes are as they were sealed");
     }
     fail(name, quoted(name) + " is not the file that was sealed.");
+  }
+
+  /// It was there before the first picture.
+  void checkConsent(const json& head) {
+    const json consent = head.value("consent", json());
+    if (!consent.is_null()) checkFile(kConsentFileName, consent);
   }
 
   /// What somebody put beside a record could be taken for a part of it.

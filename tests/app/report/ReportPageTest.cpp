@@ -98,6 +98,7 @@ TEST_F(ReportPageTest, SaysTheVerdictFirstAndShowsWhatItRestsOn) {
   EXPECT_TRUE(holds(shown, "<mark>open</mark> this <mark>account</mark>"));
   EXPECT_TRUE(holds(shown, "Not heard: this"));
   EXPECT_TRUE(holds(shown, "ER<ins>1</ins>KSSON") && holds(shown, "ER<del>I</del>KSSON"));
+  EXPECT_TRUE(holds(shown, "no end was set") && holds(shown, "not on record"));
   EXPECT_EQ(shown, page()) << "the same record gives the same page";
 }
 

@@ -88,7 +88,8 @@ class Run {
   app::RunSeal seal_{
       loop_, folder_, key_,
       app::sessionToJson({.session = plan_.session, .subject = {}, .host = {}, .clock = nullptr},
-                         {}, reference_, app::sha256Of("kinds"), app::sha256Of("text")),
+                         {}, reference_, app::sha256Of("kinds"), app::sha256Of("text"),
+                         nlohmann::ordered_json::object()),
       [](const platform::Fault& fault) { ADD_FAILURE() << fault.sentence; }};
   app::EventLog events_{loop_, folder_ / app::EventLog::kFileName,
                         [](const platform::Fault& fault) { ADD_FAILURE() << fault.sentence; },
