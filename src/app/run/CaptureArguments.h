@@ -52,7 +52,7 @@ struct CaptureArguments {
   /// From which the tasks of the active mode are drawn; absent: from the system's randomness, or
   /// from 0 in media time.
   std::optional<std::uint32_t> challengeSeed;
-  CallerLink::Setup caller;     ///< socket -1: the program's caller follows nothing
+  CallerLink::Setup caller;  ///< socket -1: the program's caller follows nothing
   /// Numbers that an earlier run drew, which come before those of the seed.
   std::vector<std::uint32_t> drawn;
   /// A voice while the lips rest ends the run, and is not only a hint.
