@@ -87,7 +87,7 @@ TEST_F(Screens, PicturesOfEveryStateAreTheSameEachTime) {
   app::ScreensOptions options;
   options.sizes = {{360, 640}};
   options.themes = {fs::path(STORYBOARDS) / "themes" / "daylight.json"};
-  options.resources = {DRAWINGS, "", STORYBOARDS};
+  options.resources = {DRAWINGS, "", STORYBOARDS, {}};
   std::vector<fs::path> pictures[2];
   for (int i = 0; i < 2; ++i) {
     options.folder = folder / std::to_string(i);

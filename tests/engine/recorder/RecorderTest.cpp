@@ -133,7 +133,7 @@ TEST_F(RecorderTest, ACopyIsToldAndNotAcceptedAsFarAsTheOptionSays) {
     heard.clear();
     hints.clear();
     analyzer->fill = [score = score](Observation& observation) {
-      showCard(engine::CardQuality{})(observation);
+      showCardOf({})(observation);
       observation.document->reading->realness = corvana::RealnessScores{.screenScore = score};
     };
     film(1);

@@ -115,9 +115,9 @@ CopyFigures copyFigures(const platform::PixelBuffer& card) {
   return {colourOf(rgb), colouredFringes(rgb), blackOf(card)};
 }
 
-corvana::RealnessScores realnessOf(const CopyFigures& figures) {
+corvana::RealnessScores realnessOf(const CopyFigures& figures, bool hasPhoto) {
   constexpr float kMostOfPaleBlack = 0.8F;
-  const float grey = scoreOf(figures.colour, kSuspectColour, kSureColour);
+  const float grey = hasPhoto ? scoreOf(figures.colour, kSuspectColour, kSureColour) : 0.0F;
   const float pale = figures.black ? scoreOf(*figures.black, kSuspectBlack, kSureBlack) : 0.0F;
   corvana::RealnessScores scores;
   scores.photocopyScore = std::max(grey, std::min(pale, kMostOfPaleBlack));
@@ -131,7 +131,7 @@ float copyScore(const corvana::RealnessScores& scores) {
 }
 
 void judgeRealness(const platform::PixelBuffer& card, corvana::DetectedData& data) {
-  data.realness = realnessOf(copyFigures(card));
+  data.realness = realnessOf(copyFigures(card), data.isPhotoPresent);
   data.isReal = copyScore(*data.realness) < kSuspectCopy;
 }
 

@@ -29,8 +29,9 @@ inline constexpr float kSuspectCopy = 0.5F;
 inline constexpr float kSureCopy = 0.9F;
 
 /// The figures as scores, 0 to 1: that of a grey copy or a print, that of a display, and what both
-/// leave over for the card itself. Pale black alone never makes a card more than suspect.
-corvana::RealnessScores realnessOf(const CopyFigures& figures);
+/// leave over for the card itself. Pale black alone never makes a card more than suspect, and
+/// colours are only missed beside a photo: many backs have none of their own.
+corvana::RealnessScores realnessOf(const CopyFigures& figures, bool hasPhoto);
 
 /// The greater one of the scores that speak for a copy.
 float copyScore(const corvana::RealnessScores& scores);

@@ -25,7 +25,7 @@ platform::PixelBufferRef seen(const cv::Mat& side, const Held& held) {
 }
 
 corvana::RealnessScores scoresOf(const cv::Mat& side, const Held& held) {
-  return engine::realnessOf(engine::copyFigures(*seen(side, held)));
+  return engine::realnessOf(engine::copyFigures(*seen(side, held)), true);
 }
 
 /// As a machine without colour copies it.
@@ -96,13 +96,19 @@ TEST(CopyFigures, KnowTheBandsOfADisplay) {
 
 TEST(CopyFigures, PaleBlackMakesACardSuspectAtMost) {
   engine::CopyFigures figures{.colour = 0.2, .fringes = 0, .black = 0.1};
-  EXPECT_LT(engine::copyScore(engine::realnessOf(figures)), engine::kSuspectCopy);
+  EXPECT_LT(engine::copyScore(engine::realnessOf(figures, true)), engine::kSuspectCopy);
   figures.black = 0.9;
-  const float score = engine::copyScore(engine::realnessOf(figures));
+  const float score = engine::copyScore(engine::realnessOf(figures, true));
   EXPECT_GE(score, engine::kSuspectCopy);
   EXPECT_LT(score, engine::kSureCopy);
   figures.black.reset();
-  EXPECT_LT(engine::copyScore(engine::realnessOf(figures)), engine::kSuspectCopy);
+  EXPECT_LT(engine::copyScore(engine::realnessOf(figures, true)), engine::kSuspectCopy);
+}
+
+TEST(CopyFigures, ABackMayBeWithoutColours) {
+  const engine::CopyFigures figures{.colour = 0.004, .fringes = 0, .black = 0.1};
+  EXPECT_GE(engine::copyScore(engine::realnessOf(figures, true)), engine::kSureCopy);
+  EXPECT_LT(engine::copyScore(engine::realnessOf(figures, false)), engine::kSuspectCopy);
 }
 
 }  // namespace
