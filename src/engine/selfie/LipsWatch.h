@@ -25,8 +25,9 @@ class LipsWatch {
   /// long to both sides: an unvoiced pause inside a word is shorter.
   static constexpr double kMoves = 0.045;
   static constexpr platform::Duration kReach = std::chrono::milliseconds(400);
-  /// Share of voiced looks with lips at rest from which on the voice is not theirs.
-  static constexpr double kMostAtRest = 0.6;
+  /// Share of voiced looks with lips at rest from which on the voice may not be theirs. On made
+  /// films it does not part honest ones from dubbed ones surely (docs/liveness.md).
+  static constexpr double kMostAtRest = 0.8;
   /// Looks with a voice, by which something can be said: about two seconds of it.
   static constexpr int kLeastVoiced = 20;
   /// A voice is louder than this, decibels below full scale, and by so much than the quietest that
