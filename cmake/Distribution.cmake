@@ -7,3 +7,8 @@ if(CORVANA_DISTRIBUTION)
   add_compile_definitions(_FORTIFY_SOURCE=2)
   add_link_options(-Wl,-z,relro,-z,now)
 endif()
+
+# Macros of the libraries that these files call write the file's name into the program.
+function(corvana_name_within_project)
+  set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
+endfunction()
