@@ -3,7 +3,7 @@
 #include <system_error>
 #include <vector>
 
-#include "app/report/RunFolder.h"
+#include "app/run/JsonMembers.h"
 #include "app/run/RunRecord.h"
 #include "app/seal/Sha256.h"
 

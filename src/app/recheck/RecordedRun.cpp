@@ -3,8 +3,10 @@
 #include <array>
 #include <tuple>
 
+#include "app/report/Evidence.h"
 #include "app/run/EventLog.h"
 #include "app/run/Files.h"
+#include "app/run/JsonMembers.h"
 #include "app/run/RunRecord.h"
 #include "engine/selfie/Challenge.h"
 
@@ -55,13 +57,11 @@ Expected<json> readResult(const fs::path& folder) {
 }
 
 /// Where the record keeps what a reviewer has to see beside events and film.
-std::optional<std::string> textIn(const fs::path& folder) {
-  const auto content = readFile(folder / "evidence.json", kMostEvidenceBytes);
+std::optional<std::string> readText(const fs::path& folder) {
+  const auto content = readFile(folder / kEvidenceFileName, kMostEvidenceBytes);
   if (!content) return std::nullopt;
   const auto object = parseJson(*content, "");
-  if (!object || !object->is_object()) return std::nullopt;
-  const json text = object->value("text", json());
-  return text.is_string() ? std::optional(text.get<std::string>()) : std::nullopt;
+  return object ? textIn(*object, "text") : std::nullopt;
 }
 
 Expected<fs::path> filmIn(const fs::path& folder) {
@@ -120,7 +120,7 @@ Expected<RecordedRun> readRecordedRun(const fs::path& folder, const TrustedKeys*
                      .events = std::move(*events),
                      .report = std::move(*report),
                      .isTrusted = isTrusted,
-                     .text = textIn(folder)};
+                     .text = readText(folder)};
 }
 
 }  // namespace corvana::app

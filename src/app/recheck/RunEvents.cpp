@@ -4,44 +4,26 @@
 #include <sstream>
 
 #include "app/run/Files.h"
+#include "app/run/JsonMembers.h"
 
 namespace corvana::app {
 namespace {
 
-using nlohmann::json;
-
 constexpr std::uint64_t kMostEventsBytes = 1 << 28;
-
-std::string textAt(const json& line, const char* key) {
-  const auto entry = line.find(key);
-  return entry != line.end() && entry->is_string() ? entry->get<std::string>() : "";
-}
-
-std::optional<double> numberAt(const json& line, const char* key) {
-  const auto entry = line.find(key);
-  if (entry == line.end() || !entry->is_number()) return std::nullopt;
-  return entry->get<double>();
-}
-
-std::optional<bool> flagAt(const json& line, const char* key) {
-  const auto entry = line.find(key);
-  if (entry == line.end() || !entry->is_boolean()) return std::nullopt;
-  return entry->get<bool>();
-}
 
 std::optional<RunEvent> eventOf(const std::string& line) {
   const auto object = parseJson(line, "");
   if (!object || !object->is_object()) return std::nullopt;
-  const auto time = numberAt(*object, "t");
+  const auto time = numberIn(*object, "t");
   RunEvent event{.t = time.value_or(0),
-                 .event = textAt(*object, "event"),
-                 .name = textAt(*object, "name"),
-                 .text = textAt(*object, "text"),
-                 .cause = textAt(*object, "cause"),
-                 .value = numberAt(*object, "value"),
-                 .threshold = numberAt(*object, "threshold"),
-                 .passed = flagAt(*object, "passed")};
-  if (!event.passed) event.passed = flagAt(*object, "seen");
+                 .event = textIn(*object, "event").value_or(""),
+                 .name = textIn(*object, "name").value_or(""),
+                 .text = textIn(*object, "text").value_or(""),
+                 .cause = textIn(*object, "cause").value_or(""),
+                 .value = numberIn(*object, "value"),
+                 .threshold = numberIn(*object, "threshold"),
+                 .passed = flagIn(*object, "passed")};
+  if (!event.passed) event.passed = flagIn(*object, "seen");
   if (!time || event.event.empty()) return std::nullopt;
   return event;
 }

@@ -8,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/run/JsonMembers.h"
 #include "app/seal/RecordCheck.h"
 
 namespace corvana::app {
@@ -32,14 +33,5 @@ struct RunFolder {
                                             const TrustedKeys* keys,
                                             const StampAuthorities* authorities);
 };
-
-/// The member of a value that may be no object, if it has that type.
-std::optional<std::string> textIn(const nlohmann::json& value, const char* key);
-std::optional<double> numberIn(const nlohmann::json& value, const char* key);
-std::optional<bool> flagIn(const nlohmann::json& value, const char* key);
-/// Null where there is none.
-const nlohmann::json& memberIn(const nlohmann::json& value, const char* key);
-/// Those texts of a list that are texts.
-std::vector<std::string> textsIn(const nlohmann::json& value, const char* key);
 
 }  // namespace corvana::app
