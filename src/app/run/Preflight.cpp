@@ -4,7 +4,7 @@
 
 #include "app/privacy/Consent.h"
 #include "app/run/DocumentFolders.h"
-#include "app/run/MachineCheck.h"
+#include "app/machine/MachineCheck.h"
 #include "corvana/SelfieCapture.h"
 #include "devices/loudspeaker/EspeakSynthesizer.h"
 #include "engine/recorder/LateFrameAnalyzer.h"
