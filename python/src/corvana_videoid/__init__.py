@@ -11,7 +11,7 @@ import pathlib
 
 from corvana_videoid._call import Call, Option
 from corvana_videoid._library import version as _version
-from corvana_videoid.capture import Capture
+from corvana_videoid._capture import Capture
 from corvana_videoid.errors import (
     BusyError,
     CancelledError,
