@@ -81,7 +81,7 @@ class Site:
         """A page that shows a file of the project, or lists a folder."""
         name = origin.relative_to(self.project)
         self.places[origin] = f"source/{name}.md"
-        head = f"---\ntitle: {name}\nsearch:\n  exclude: true\n---\n\n# `{name}`\n\n"
+        head = f"---\ntitle: {name}\n---\n\n# `{name}`\n\n"
         if origin.is_dir():
             listed = subprocess.run(["git", "ls-files", "."], cwd=origin, capture_output=True, text=True, check=True).stdout.split()
             self.write(self.places[origin], head + "".join(f"- `{one}`\n" for one in listed))
