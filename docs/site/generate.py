@@ -68,10 +68,8 @@ class Site:
         if not path or "://" in link or link.startswith("mailto:"):
             return link
         origin = pathlib.Path(os.path.normpath(folder / path))
-        if not origin.exists() and not path.startswith("reference/"):
-            sys.exit(f"{folder}: links to {link}, which is not there.")
         if not origin.exists():
-            return link
+            sys.exit(f"{place}: links to {link}, which is not there.")
         if origin not in self.places:
             self.add_source(origin)
         to = os.path.relpath(self.places[origin], pathlib.PurePosixPath(place).parent)

@@ -30,7 +30,7 @@ def request_of(options: Mapping[str, Option]) -> bytes:
     try:
         return json.dumps(request, ensure_ascii=False).encode()
     except UnicodeEncodeError as fault:
-        raise WrongUseError(f"A text or path is no valid Unicode: {fault.object[fault.start - 20 : fault.end]!r}.") from fault
+        raise WrongUseError(f"A text or path is no valid Unicode: {fault.object[max(0, fault.start - 20) : fault.end]!r}.") from fault
 
 
 def _plain(name: str, value: object) -> str | float | bool:
