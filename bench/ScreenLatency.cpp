@@ -35,6 +35,7 @@
 #include <CLI/CLI.hpp>
 #include <unistd.h>
 
+#include "ProgramClock.h"
 #include "app/commands/CaptureCommand.h"
 #include "app/run/Resources.h"
 #include "capture/FaceMatchDetector.h"
@@ -60,30 +61,10 @@ double percentile(std::vector<double> values, double share) {
   return values[static_cast<std::size_t>(std::lround(share * last))];
 }
 
-double processorSeconds(clockid_t clock) {
-  timespec time{};
-  clock_gettime(clock, &time);
-  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
-}
-
 struct Touch final : QEvent {
   Touch() : QEvent(User) {}
   Clock::time_point posted = Clock::now();
 };
-
-/// Milliseconds since the kernel started this process, to a hundredth of a second.
-double sinceStart() {
-  std::ifstream file("/proc/self/stat");
-  std::string text((std::istreambuf_iterator<char>(file)), {});
-  std::istringstream fields(text.substr(text.rfind(')') + 2));
-  std::string field;
-  for (int i = 0; i < 20; ++i)
-    fields >> field;
-  const double start = std::stod(field) / static_cast<double>(sysconf(_SC_CLK_TCK));
-  timespec now{};
-  clock_gettime(CLOCK_BOOTTIME, &now);
-  return 1e3 * (static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9 - start);
-}
 
 /// Processor time by what threads do, told by their names. Threads come and go and take up other
 /// work, so it is asked for again and again.
@@ -159,7 +140,7 @@ class Probe final : public QObject {
     std::printf("processor ms a frame:");
     for (const auto& [group, seconds] : threads_.seconds())
       std::printf(" %s %.1f;", group.c_str(), 1e3 * seconds / frames);
-    std::printf(" program %.1f\n", 1e3 * processorSeconds(CLOCK_PROCESS_CPUTIME_ID) / frames);
+    std::printf(" program %.1f\n", 1e3 * secondsOn(CLOCK_PROCESS_CPUTIME_ID) / frames);
   }
 
  protected:
@@ -239,6 +220,7 @@ void measureLoading() {
   const auto before = Clock::now();
   const auto loaded = engine::VisionFrameAnalyzer::load({resources.faceDetector(),
                                                          resources.faceLandmarks(),
+                                                         resources.faceModel(),
                                                          resources.textReader(),
                                                          {resources.documents()}});
   std::printf("what reads faces and cards is loaded in %.0f ms, on a worker\n",
@@ -267,7 +249,7 @@ int measure(int argc, char** argv) {
 }  // namespace corvana
 
 int main(int argc, char** argv) {
-  corvana::mainReached = sinceStart();
+  corvana::mainReached = corvana::sinceStart();
   try {
     return corvana::measure(argc, argv);
   } catch (const std::exception& error) {
