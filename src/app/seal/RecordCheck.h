@@ -20,9 +20,9 @@ struct RecordFinding {
 };
 
 struct RecordReport {
-  std::vector<RecordFinding> findings;
-  nlohmann::json result;              ///< what result.json says; null without one that can be read
-  std::optional<std::string> sealer;  ///< id of the trusted key that signed it, if one did
+  std::vector<RecordFinding> findings = {};
+  nlohmann::json result = {};  ///< what result.json says; null without one that can be read
+  std::optional<std::string> sealer = {};  ///< id of the trusted key that signed it, if one did
   /// Nothing is amiss.
   bool holds() const;
 };
