@@ -71,16 +71,18 @@ std::vector<Told> play(Clip& clip, const std::shared_ptr<engine::FrameAnalyzer>&
   Ear ear(loop);
   auto film =
       engine::Film::make(loop, films, {std::filesystem::temp_directory_path(), false, {}, {}, {}});
-  auto recorder = engine::Recorder::make({loop,
-                                          notifications,
-                                          analyzer,
-                                          nullptr,
-                                          *film,
-                                          {},
-                                          {60, 100, 240, 320},
-                                          {20, 400, 320, 202},
-                                          {360, 640},
-                                          &ear});
+  platform::SeededRandom randomness(0);
+  auto recorder = engine::Recorder::make({.loop = loop,
+                                          .notificationCenter = notifications,
+                                          .randomness = randomness,
+                                          .analyzer = analyzer,
+                                          .speechRecognizer = nullptr,
+                                          .film = *film,
+                                          .captureSession = {},
+                                          .selfieOverlayFrame = {60, 100, 240, 320},
+                                          .idOverlayFrame = {20, 400, 320, 202},
+                                          .screenSize = {360, 640},
+                                          .observer = &ear});
   recorder->setMode(corvana::VideoCaptureMode::idCapture);
   for (double t = phase; t < clip.wrongAt() + kAfter; t += kFrameInterval) {
     loop.runUntil([] { return false; }, platform::TimePoint(platform::seconds(t)));
@@ -142,6 +144,7 @@ int run(int count, std::uint64_t seed, const std::string& only) {
   auto analyzer =
       engine::VisionFrameAnalyzer::load({models / "face_detection_short_range.tflite",
                                          models / "face_landmark.tflite",
+                                         CORVANA_FACE_MODEL,
                                          engine::NetworkTextReader::Models::inFolder(models),
                                          {models / "documents"}});
   if (!analyzer) {

@@ -78,8 +78,7 @@ void LipsWatch::judge() {
 std::optional<LivenessSign> LipsWatch::sign(double limit) const {
   if (voiced_ < kLeastVoiced) return {};
   const double share = static_cast<double>(atRest_) / voiced_;
-  return LivenessSign{"lipsAtRest", LivenessSign::SpeaksFor::fraud, share, limit,
-                      share > limit};
+  return LivenessSign{"lipsAtRest", LivenessSign::SpeaksFor::fraud, share, limit, share > limit};
 }
 
 }  // namespace corvana::engine
