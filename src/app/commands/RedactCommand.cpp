@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/commands/Commands.h"
+#include "app/commands/TrustOptions.h"
 #include "app/redact/RecordRedaction.h"
 #include "app/run/Resources.h"
 
@@ -16,8 +17,7 @@ struct RedactArguments {
   RecordRedaction wishes;
   std::optional<fs::path> disclosures;
   std::optional<fs::path> key;
-  std::optional<fs::path> keys;
-  std::optional<fs::path> authorities;
+  TrustChoice trust;
 };
 
 ExitCode refuse(const platform::Fault& fault) {
@@ -37,24 +37,14 @@ ExitCode runRedact(const RedactArguments& arguments) {
     if (!key) return refuse(key.error());
     wishes.key = std::move(*key);
   }
-  std::optional<TrustedKeys> keys;
-  if (arguments.keys) {
-    auto loaded = TrustedKeys::ofSet(*arguments.keys);
-    if (!loaded) return refuse(loaded.error());
-    keys = std::move(*loaded);
-    wishes.keys = &*keys;
-  }
-  std::optional<StampAuthorities> authorities;
-  if (arguments.authorities) {
-    auto loaded = StampAuthorities::load(*arguments.authorities);
-    if (!loaded) return refuse(loaded.error());
-    authorities = std::move(*loaded);
-    wishes.authorities = &*authorities;
-  }
+  const auto trust = loadTrust(arguments.trust);
+  if (!trust) return refuse(trust.error());
+  wishes.keys = trust->keysOrNull();
+  wishes.authorities = trust->authoritiesOrNull();
   const auto pictures = redactRecord(wishes, findResources());
   if (!pictures) return complain(std::cerr, pictures.error());
   std::cout << wishes.output.string() << ": " << pictures->withHead << " of " << pictures->all
-            << " pictures show the head, none shows anything else\n"
+            << " pictures show the head, all else is covered\n"
             << wishes.disclosures.string() << ": the texts that were taken out; keep it\n";
   return ExitCode::result;
 }
@@ -76,9 +66,9 @@ void addRedactCommand(CLI::App& app, ExitCode& exitCode) {
                      ".disclosures.json)");
   command.add_option("--key", arguments->key,
                      "private key that seals the copy, made by `videoid key new`");
-  command.add_option("--keys", arguments->keys,
+  command.add_option("--keys", arguments->trust.keys,
                      "JSON Web Key Set of all machines: one of them must vouch for the run");
-  command.add_option("--stamp-ca", arguments->authorities,
+  command.add_option("--stamp-ca", arguments->trust.authorities,
                      "PEM certificates of the authorities whose time stamps count");
   command.callback([arguments, &exitCode] { exitCode = runRedact(*arguments); });
 }
