@@ -59,7 +59,8 @@ bool completes(const Quad& whole, const Quad& part) {
   const bool liesAround =
       around.minX() < within.minX() + slack && around.minY() < within.minY() + slack &&
       around.maxX() > within.maxX() - slack && around.maxY() > within.maxY() - slack;
-  return liesAround && whole.aspectError() < part.aspectError() - kMostTiltedAway;
+  const double shape = whole.documentAspect();
+  return liesAround && whole.aspectErrorFrom(shape) < part.aspectErrorFrom(shape) - kMostTiltedAway;
 }
 
 void CardLook::turn() {

@@ -29,8 +29,8 @@ struct CardLook {
 };
 
 /// Whether an outline may be that of the whole card of which another holds a part, since a dark
-/// band ends it or the ground is like its rim: it lies around the other, and is more of a card's
-/// shape.
+/// band ends it or the ground is like its rim: it lies around the other, and is more of the shape
+/// that its own size of documents has.
 bool completes(const Quad& whole, const Quad& part);
 
 }  // namespace corvana::engine

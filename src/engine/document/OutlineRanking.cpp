@@ -10,8 +10,10 @@ namespace corvana::engine {
 namespace {
 
 constexpr double kLeastShareOfPicture = 0.03;
-constexpr double kMostAspectError = 0.22;  ///< of the ratio's logarithm
-constexpr double kMostTaper = 1.35;        ///< of a side against the opposite one
+/// Between a page that leans back and a card that leans to the side.
+constexpr double kLeastAspect = 1.27;
+constexpr double kMostAspect = 1.98;
+constexpr double kMostTaper = 1.35;  ///< of a side against the opposite one
 constexpr double kLeastSupport = 0.45;
 constexpr double kSameOutline = 0.03;  ///< corners apart, of the width
 /// Lines on a card or beside it make many outlines of about the same place.
@@ -35,7 +37,8 @@ double distance(const platform::CGPoint& a, const platform::CGPoint& b) {
 }
 
 bool hasCardsShape(const Quad& quad) {
-  return quad.isConvex() && quad.taper() <= kMostTaper && quad.aspectError() <= kMostAspectError;
+  return quad.isConvex() && quad.taper() <= kMostTaper && quad.aspect() >= kLeastAspect &&
+         quad.aspect() <= kMostAspect;
 }
 
 /// At each pixel the derivatives of the channel that changes most, as two channels.

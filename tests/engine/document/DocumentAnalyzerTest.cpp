@@ -159,6 +159,28 @@ TEST_F(DocumentAnalyzerTest, MeasuresBlurGlareAndDarkness) {
   EXPECT_EQ(flawIn(view(0.2 * card.front + cv::Scalar(0, 0, 0, 204), {})), "tooDark");
 }
 
+TEST_F(DocumentAnalyzerTest, MeasuresTheSharpnessOfAPageAsThatOfACard) {
+  const auto card = tests::drawCard(0, tests::holder(0), "person_a.jpg");
+  const cv::Mat page = tests::lengthened(card.front, 1.42);
+  for (const double blur : {1.0, 2.5}) {
+    const auto ofCard = view(card.front, {.background = 2, .blur = blur});
+    const auto ofPage = view(page, {.background = 2, .blur = blur});
+    EXPECT_NEAR(ofPage.quality.sharpness, ofCard.quality.sharpness, 0.02 * ofCard.quality.sharpness)
+        << blur;
+  }
+}
+
+TEST_F(DocumentAnalyzerTest, ReadsLargerSizesThatFillTheirPicture) {
+  const auto card = tests::drawCard(0, tests::holder(2), "person_a.jpg");
+  for (const double aspect : {1.42, 1.5}) {
+    cv::Mat page;
+    cv::cvtColor(tests::lengthened(card.front, aspect), page, cv::COLOR_RGBA2RGB);
+    const auto reading = analyzer->analyzeStill(engine::pixelBufferFrom(page));
+    ASSERT_TRUE(reading) << aspect << ": " << reading.error().sentence;
+    EXPECT_NE(textOf(*reading).find("OKONKWO"), std::string::npos) << aspect;
+  }
+}
+
 TEST_F(DocumentAnalyzerTest, SeesFingersOverPrintThatItHasRead) {
   const auto card = tests::drawCard(0, tests::holder(0), "person_a.jpg");
   engine::PrintWatch watch;
@@ -170,6 +192,9 @@ TEST_F(DocumentAnalyzerTest, SeesFingersOverPrintThatItHasRead) {
   cv::Mat touched = card.front.clone();
   cv::ellipse(touched, {1000, 420}, {150, 300}, 10, 0, 360, {205, 160, 135, 255}, cv::FILLED);
   EXPECT_GT(watch.covered(*view(touched, moved).picture), 0.04);
+  cv::Mat other;  // as an outline that is a little wrong makes of shapes between card and page
+  cv::resize(engine::rgbMat(*view(card.front, moved).picture), other, {1000, 704});
+  EXPECT_LT(watch.covered(*engine::pixelBufferFrom(other)), 0.02);
   EXPECT_EQ(watch.covered(*view(card.back, moved).picture), 0) << "another side";
   EXPECT_EQ(watch.covered(*view(touched, moved).picture), 0) << "and so it is forgotten";
 }
