@@ -237,10 +237,12 @@ void measureFaceMatch() {
 void measureLoading() {
   const auto resources = app::findResources();
   const auto before = Clock::now();
-  const auto loaded = engine::VisionFrameAnalyzer::load({resources.faceDetector(),
-                                                         resources.faceLandmarks(),
-                                                         resources.textReader(),
-                                                         {resources.documents()}});
+  const auto tables = app::loadDocuments(resources, {});
+  const auto loaded = engine::VisionFrameAnalyzer::load({.faceDetector = resources.faceDetector(),
+                                                         .faceLandmarks = resources.faceLandmarks(),
+                                                         .faceEmbedding = resources.faceModel(),
+                                                         .text = resources.textReader(),
+                                                         .documents = tables ? *tables : nullptr});
   std::printf("what reads faces and cards is loaded in %.0f ms, on a worker\n",
               loaded ? milliseconds(Clock::now() - before) : 0);
 }

@@ -75,14 +75,6 @@ double apart(const Quad& a, const Quad& b) {
   return std::min(farthest(0), farthest(2)) / a.width();
 }
 
-bool contains(const Quad& quad, cv::Point2d point) {
-  for (std::size_t i = 0; i < 4; ++i) {
-    const cv::Point2d side = pointOf(quad.corners[(i + 1) % 4]) - pointOf(quad.corners[i]);
-    if (cross(side, point - pointOf(quad.corners[i])) < 0) return false;
-  }
-  return true;
-}
-
 }  // namespace
 
 Quad lying(Quad quad) {
@@ -127,8 +119,8 @@ double OutlineRanking::printFit(const Quad& quad) const {
   double fitting = 0;
   double others = 0;
   for (const Segment& line : print_) {
-    const bool from = contains(quad, line.from);
-    const bool to = contains(quad, line.to);
+    const bool from = quad.contains({line.from.x, line.from.y});
+    const bool to = quad.contains({line.to.x, line.to.y});
     if (!from && !to) continue;
     const double sine = std::abs(cross(along / cv::norm(along), line.direction()));
     (from && to && sine < kMostPrintTilt ? fitting : others) += line.length();

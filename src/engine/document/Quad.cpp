@@ -58,6 +58,13 @@ bool Quad::isConvex() const {
   return true;
 }
 
+bool Quad::contains(const platform::CGPoint& point) const {
+  for (std::size_t i = 0; i < 4; ++i) {
+    if (turn(corners[i], corners[(i + 1) % 4], point) < 0) return false;
+  }
+  return true;
+}
+
 double Quad::taper() const {
   const double a = topLength() / bottomLength();
   const double b = leftLength() / rightLength();

@@ -28,6 +28,8 @@ struct Quad {
   /// The smallest upright rectangle around it.
   platform::CGRect bounds() const;
   bool isConvex() const;
+  /// Whether a point lies inside, or on a side.
+  bool contains(const platform::CGPoint& point) const;
   /// By how many times the longer of two opposite sides exceeds the other, at most.
   double taper() const;
   double aspect() const { return width() / height(); }

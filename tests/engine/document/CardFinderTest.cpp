@@ -144,6 +144,7 @@ TEST(CardLook, TakesTheWholeOfEachSizeForThatOfWhichAnOutlineHoldsAPart) {
     }
     EXPECT_FALSE(engine::completes(outlineOf(900, 1.2 * 900 / aspect), whole)) << aspect;
     EXPECT_FALSE(engine::completes(outlineOf(920, 920 / aspect), whole)) << "the same, " << aspect;
+    EXPECT_FALSE(engine::completes(outlineOf(910, 910 / 1.49), whole)) << "half a page, " << aspect;
   }
 }
 

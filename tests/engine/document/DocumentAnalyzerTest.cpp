@@ -27,7 +27,8 @@ const Held kPoses[] = {{.roll = 2, .blur = 0.8},
                        {.width = 500, .roll = 10, .background = 1, .blur = 1.1, .noise = 6}};
 
 const auto kTextModels = engine::NetworkTextReader::Models::inFolder(ENGINE_RESOURCES);
-const std::string kDocuments = ENGINE_RESOURCES "/documents";
+const auto kDocuments = std::make_shared<const engine::DocumentTables>(
+    *engine::loadDocumentTables({ENGINE_RESOURCES "/documents"}));
 
 class DocumentAnalyzerTest : public testing::Test {
  protected:
@@ -56,7 +57,7 @@ class DocumentAnalyzerTest : public testing::Test {
 
   platform::Expected<DocumentAnalyzer> analyzer = DocumentAnalyzer::load(
       std::make_shared<engine::FaceDetector>(engine::FaceDetector::load(FACE_MODEL).value()),
-      {.text = kTextModels, .documents = {kDocuments}});
+      {.text = kTextModels, .documents = kDocuments});
 };
 
 TEST_F(DocumentAnalyzerTest, ReadsTheSameZoneFromEveryPicture) {
@@ -205,13 +206,15 @@ TEST(DocumentAnalyzerLoad, NamesWhatIsMissing) {
   for (const auto& [setup, missing] :
        {std::pair<DocumentAnalyzer::Setup, const char*>({.text = broken}, "/nowhere.txt"),
         {{}, "install the program's models again"},
-        {{.text = kTextModels, .ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"},
-        {{.text = kTextModels, .documents = {"/nowhere"}}, "There is no folder \"/nowhere\""}}) {
+        {{.text = kTextModels, .ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"}}) {
     const auto loaded = DocumentAnalyzer::load(nullptr, setup);
     ASSERT_FALSE(loaded);
     const std::string message = loaded.error().sentence;
     EXPECT_NE(message.find(missing), std::string::npos) << message;
   }
+  const auto tables = engine::loadDocumentTables({"/nowhere"});
+  ASSERT_FALSE(tables);
+  EXPECT_NE(tables.error().sentence.find("There is no folder \"/nowhere\""), std::string::npos);
 }
 
 }  // namespace
