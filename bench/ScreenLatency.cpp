@@ -35,7 +35,9 @@
 #include <CLI/CLI.hpp>
 #include <unistd.h>
 
+#include "ProgramClock.h"
 #include "app/commands/CaptureCommand.h"
+#include "app/run/DocumentFolders.h"
 #include "app/run/Resources.h"
 #include "capture/FaceMatchDetector.h"
 #include "devices/qtquick/PreviewItem.h"
@@ -60,30 +62,10 @@ double percentile(std::vector<double> values, double share) {
   return values[static_cast<std::size_t>(std::lround(share * last))];
 }
 
-double processorSeconds(clockid_t clock) {
-  timespec time{};
-  clock_gettime(clock, &time);
-  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
-}
-
 struct Touch final : QEvent {
   Touch() : QEvent(User) {}
   Clock::time_point posted = Clock::now();
 };
-
-/// Milliseconds since the kernel started this process, to a hundredth of a second.
-double sinceStart() {
-  std::ifstream file("/proc/self/stat");
-  std::string text((std::istreambuf_iterator<char>(file)), {});
-  std::istringstream fields(text.substr(text.rfind(')') + 2));
-  std::string field;
-  for (int i = 0; i < 20; ++i)
-    fields >> field;
-  const double start = std::stod(field) / static_cast<double>(sysconf(_SC_CLK_TCK));
-  timespec now{};
-  clock_gettime(CLOCK_BOOTTIME, &now);
-  return 1e3 * (static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9 - start);
-}
 
 /// Processor time by what threads do, told by their names. Threads come and go and take up other
 /// work, so it is asked for again and again.
@@ -159,7 +141,7 @@ class Probe final : public QObject {
     std::printf("processor ms a frame:");
     for (const auto& [group, seconds] : threads_.seconds())
       std::printf(" %s %.1f;", group.c_str(), 1e3 * seconds / frames);
-    std::printf(" program %.1f\n", 1e3 * processorSeconds(CLOCK_PROCESS_CPUTIME_ID) / frames);
+    std::printf(" program %.1f\n", 1e3 * secondsOn(CLOCK_PROCESS_CPUTIME_ID) / frames);
   }
 
  protected:
@@ -238,11 +220,12 @@ void measureLoading() {
   const auto resources = app::findResources();
   const auto before = Clock::now();
   const auto tables = app::loadDocuments(resources, {});
+  if (!tables) return;
   const auto loaded = engine::VisionFrameAnalyzer::load({.faceDetector = resources.faceDetector(),
                                                          .faceLandmarks = resources.faceLandmarks(),
                                                          .faceEmbedding = resources.faceModel(),
                                                          .text = resources.textReader(),
-                                                         .documents = tables ? *tables : nullptr});
+                                                         .documents = *tables});
   std::printf("what reads faces and cards is loaded in %.0f ms, on a worker\n",
               loaded ? milliseconds(Clock::now() - before) : 0);
 }
@@ -269,7 +252,7 @@ int measure(int argc, char** argv) {
 }  // namespace corvana
 
 int main(int argc, char** argv) {
-  corvana::mainReached = sinceStart();
+  corvana::mainReached = corvana::sinceStart();
   try {
     return corvana::measure(argc, argv);
   } catch (const std::exception& error) {

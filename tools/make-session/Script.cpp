@@ -1,6 +1,7 @@
 #include "Script.h"
 
 #include "ScriptReader.h"
+#include "engine/json/JsonFile.h"
 
 namespace corvana::session {
 namespace {
@@ -141,28 +142,29 @@ Script readScript(ScriptReader reader, const path& folder) {
   return script;
 }
 
-std::string missing(const Script& script) {
-  if (script.text.empty()) return "\"text\", the text to read aloud, is missing";
+void refuseWhatIsMissing(const Script& script) {
+  if (script.text.empty()) throw engine::JsonFault{"text: the text to be read aloud is missing"};
   if (script.person.portrait.empty())
-    return "\"person.portrait\", a picture of the person, is missing";
+    throw engine::JsonFault{"person.portrait: a picture of the person is missing"};
   const TimeScript& time = script.time;
   if (time.frontAt + 1.0 > time.flipAt || time.flipAt + time.flipSeconds + 1.0 > time.leaveAt)
-    return "\"time\" has to leave a second between front and flip, and between the flip's end and "
-           "leave";
-  return {};
+    throw engine::JsonFault{
+        "time: it must leave a second between front and flip, and between the flip's end and "
+        "leave"};
 }
 
 }  // namespace
 
 Result<Script> parseScript(const std::string& text, const path& folder) {
-  const nlohmann::json json = nlohmann::json::parse(text, nullptr, false);
-  if (json.is_discarded()) return fault("The script is not valid JSON: correct its syntax.");
-  std::string complaint;
-  Script script = readScript(ScriptReader(json, "", complaint), folder);
-  if (complaint.empty()) complaint = missing(script);
-  if (!complaint.empty())
-    return fault("In the script, " + complaint + "; samples/README.md lists all keys.");
-  return script;
+  const auto json = engine::parseJson(text, "script");
+  if (!json) return fault(json.error().sentence);
+  try {
+    Script script = readScript(ScriptReader({*json, ""}), folder);
+    refuseWhatIsMissing(script);
+    return script;
+  } catch (const engine::JsonFault& wrong) {
+    return fault("In the script, " + wrong.sentence + "; samples/README.md lists all keys.");
+  }
 }
 
 std::vector<path> referencedFiles(const Script& script) {

@@ -1,23 +1,18 @@
 #include "ScriptReader.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
-#include <sstream>
-#include <utility>
+#include <map>
 
 #include <glib.h>
 
 namespace corvana::session {
 namespace {
 
-const nlohmann::json kEmptyObject = nlohmann::json::object();
+constexpr std::size_t kLongestPath = 4096;
+constexpr std::size_t kMostObjects = 100;
 
-std::string shown(double value) {
-  std::ostringstream text;
-  text << value;
-  return text.str();
-}
+const nlohmann::json kEmptyObject = nlohmann::json::object();
 
 bool isDate(const std::string& text) {
   if (text.size() != 10 || text[4] != '-' || text[7] != '-') return false;
@@ -38,126 +33,65 @@ bool hasControlCharacter(const std::string& text) {
 
 }  // namespace
 
-ScriptReader::ScriptReader(const nlohmann::json& object, std::string where, std::string& complaint)
-    : object_(object), where_(std::move(where)), complaint_(complaint) {
-  if (!object_.is_object() && complaint_.empty())
-    complaint_ = (where_.empty() ? "the script" : "\"" + where_ + "\"") +
-                 std::string(" has to be an object in braces");
-}
-
-std::string ScriptReader::nameOf(const std::string& key) const {
-  return where_.empty() ? key : where_ + "." + key;
-}
-
-void ScriptReader::complain(const char* key, const std::string& what) {
-  if (complaint_.empty()) complaint_ = "\"" + nameOf(key) + "\" " + what;
-}
-
-const nlohmann::json* ScriptReader::find(const char* key) {
-  known_.insert(key);
-  return has(key) ? &object_.at(key) : nullptr;
-}
-
-void ScriptReader::number(const char* key, double& field, double low, double high) {
-  const nlohmann::json* value = find(key);
-  if (value == nullptr) return;
-  if (!value->is_number() || value->get<double>() < low || value->get<double>() > high)
-    return complain(key, "has to be a number from " + shown(low) + " to " + shown(high));
-  field = value->get<double>();
-}
-
-void ScriptReader::number(const char* key, std::optional<double>& field, double low, double high) {
-  double value = 0.0;
-  number(key, value, low, high);
-  if (has(key)) field = value;
-}
-
 void ScriptReader::seed(const char* key, std::uint64_t& field) {
-  const nlohmann::json* value = find(key);
-  if (value == nullptr) return;
-  if (!value->is_number_unsigned()) return complain(key, "has to be a whole number from 0");
-  field = value->get<std::uint64_t>();
-}
-
-void ScriptReader::flag(const char* key, bool& field) {
-  const nlohmann::json* value = find(key);
-  if (value == nullptr) return;
-  if (!value->is_boolean()) return complain(key, "has to be true or false");
-  field = value->get<bool>();
+  if (!has(key)) return;
+  const nlohmann::json& value = object_.value(key);
+  if (!value.is_number_unsigned()) object_.complain(key, "must be a whole number from 0");
+  field = value.get<std::uint64_t>();
 }
 
 void ScriptReader::text(const char* key, std::string& field, std::size_t longest) {
   optionalText(key, field, longest);
-  if (has(key) && field.empty()) complain(key, "must not be empty");
+  if (has(key) && field.empty()) object_.complain(key, "must not be empty");
 }
 
 void ScriptReader::optionalText(const char* key, std::string& field, std::size_t longest) {
-  const nlohmann::json* value = find(key);
-  if (value == nullptr) return;
-  if (!value->is_string()) return complain(key, "has to be text");
-  std::string given = value->get<std::string>();
-  if (given.size() > longest)
-    return complain(key, "is longer than " + std::to_string(longest) + " bytes");
-  if (hasControlCharacter(given)) return complain(key, "contains a control character");
-  field = std::move(given);
+  if (!has(key)) return;
+  field = object_.text(key);
+  if (field.size() > longest)
+    object_.complain(key, "is longer than " + std::to_string(longest) + " bytes");
+  if (hasControlCharacter(field)) object_.complain(key, "contains a control character");
 }
 
 void ScriptReader::choice(const char* key, std::string& field,
                           const std::set<std::string>& choices) {
-  const nlohmann::json* value = find(key);
-  if (value == nullptr) return;
-  if (value->is_string() && choices.count(value->get<std::string>()) != 0) {
-    field = value->get<std::string>();
-    return;
-  }
-  std::string list;
+  if (!has(key)) return;
+  std::map<std::string, std::string> table;
   for (const std::string& choice : choices)
-    list += (list.empty() ? "" : ", ") + choice;
-  complain(key, "has to be one of " + list);
+    table[choice] = choice;
+  field = object_.choice(key, table);
 }
 
 void ScriptReader::date(const char* key, std::string& field) {
-  const nlohmann::json* value = find(key);
-  if (value == nullptr) return;
-  if (!value->is_string() || !isDate(value->get<std::string>()))
-    return complain(key, "has to be a day of the calendar written as YYYY-MM-DD");
-  field = value->get<std::string>();
+  if (!has(key)) return;
+  field = object_.text(key);
+  if (!isDate(field)) object_.complain(key, "must be a day of the calendar, as YYYY-MM-DD");
 }
 
 void ScriptReader::file(const char* key, std::filesystem::path& field,
                         const std::filesystem::path& folder) {
   std::string name;
-  text(key, name, 4096);
+  text(key, name, kLongestPath);
   if (name.empty()) return;
-  std::filesystem::path path = (folder / name).lexically_normal();
+  field = (folder / name).lexically_normal();
   std::error_code ignored;
-  if (!std::filesystem::is_regular_file(path, ignored))
-    return complain(key, "names " + path.string() + ", which is not a file: correct the path");
-  field = std::move(path);
+  if (!std::filesystem::is_regular_file(field, ignored))
+    object_.complain(key, "there is no file " + field.string() + ": correct the path");
 }
 
 ScriptReader ScriptReader::object(const char* key) {
-  const nlohmann::json* value = find(key);
-  return ScriptReader(value == nullptr ? kEmptyObject : *value, nameOf(key), complaint_);
+  const std::string& where = object_.where();
+  return ScriptReader(
+      has(key) ? object_.object(key)
+               : engine::JsonObject(kEmptyObject, where + (where.empty() ? "" : ".") + key));
 }
 
 std::vector<ScriptReader> ScriptReader::objects(const char* key) {
-  std::vector<ScriptReader> objects;
-  const nlohmann::json* value = find(key);
-  if (value == nullptr) return objects;
-  if (!value->is_array()) {
-    complain(key, "has to be a list in brackets");
-    return objects;
-  }
-  for (const nlohmann::json& object : *value)
-    objects.emplace_back(object, nameOf(key), complaint_);
-  return objects;
-}
-
-void ScriptReader::finish() {
-  if (!object_.is_object()) return;
-  for (const auto& item : object_.items())
-    if (known_.count(item.key()) == 0) complain(item.key().c_str(), "is not a key of the script");
+  std::vector<ScriptReader> readers;
+  if (!has(key)) return readers;
+  for (engine::JsonObject& object : object_.objects(key, kMostObjects))
+    readers.emplace_back(std::move(object));
+  return readers;
 }
 
 }  // namespace corvana::session

@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <iostream>
 
 #include "app/commands/Commands.h"
+#include "app/machine/MachineCheck.h"
+#include "app/machine/MachineSpeed.h"
 #include "app/run/CaptureArguments.h"
-#include "app/run/MachineCheck.h"
 #include "app/settings/OptionTable.h"
 
 namespace corvana::app {
@@ -10,17 +12,25 @@ namespace {
 
 namespace fs = std::filesystem;
 
-ExitCode runDoctor(const fs::path& folder) {
-  bool fine = true;
-  std::vector<Finding> findings = examine(findResources());
-  findings.push_back(diskSpace(folder, bytesNeeded(nullptr, kUsualLimitSeconds)));
+/// Prints each finding with its cure; whether all are fine.
+bool print(const std::vector<Finding>& findings, const char* mark) {
   for (const Finding& finding : findings) {
-    std::cout << (finding.fine ? "ok       " : "LACKING  ") << finding.what;
+    std::cout << (finding.fine ? "ok       " : mark) << finding.what;
     if (!finding.fine) std::cout << ": " << finding.cure;
     std::cout << '\n';
-    fine = fine && finding.fine;
   }
-  return fine ? ExitCode::result : ExitCode::machineLacks;
+  return std::ranges::all_of(findings, &Finding::fine);
+}
+
+ExitCode runDoctor(const fs::path& folder, bool measures) {
+  const Resources resources = findResources();
+  std::vector<Finding> findings = examine(resources);
+  findings.push_back(diskSpace(folder, bytesNeeded(nullptr, kUsualLimitSeconds)));
+  if (!print(findings, "LACKING  ")) return ExitCode::machineLacks;
+  if (!measures) return ExitCode::result;
+  const auto speeds = measureMachine(resources);
+  if (!speeds) return complain(std::cerr, ExitCode::machineLacks, speeds.error().sentence);
+  return print(*speeds, "SLOW     ") ? ExitCode::result : ExitCode::machineLacks;
 }
 
 ExitCode runOptions() {
@@ -43,7 +53,11 @@ void addDoctorCommand(CLI::App& app, ExitCode& exitCode) {
       *app.add_subcommand("doctor", "Say what the machine lacks, and the package that cures it");
   auto folder = std::make_shared<fs::path>(".");
   command.add_option("--output", *folder, "folder whose disk space is looked at (default: here)");
-  command.callback([folder, &exitCode] { exitCode = runDoctor(*folder); });
+  auto measures = std::make_shared<bool>(false);
+  command.add_flag(
+      "--measure", *measures,
+      "also measure for some seconds whether the machine is fast enough for live runs");
+  command.callback([=, &exitCode] { exitCode = runDoctor(*folder, *measures); });
 }
 
 void addOptionsCommand(CLI::App& app, ExitCode& exitCode) {

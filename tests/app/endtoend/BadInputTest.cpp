@@ -113,6 +113,15 @@ TEST(Commands, AMissingModelIsTheMachinesLack) {
   }
 }
 
+TEST(Commands, DoctorNamesEachFigureAndWhatItIsHeldAgainst) {
+  const ProgramRun run = runVideoid({"doctor", "--measure"});
+  for (const char* measured : {"a film of 720x1280: ", "a search for faces: ", "reading a card"}) {
+    EXPECT_NE(run.output.find(measured), std::string::npos) << run.output << run.errors;
+  }
+  const bool isSlow = run.output.find("SLOW     ") != std::string::npos;
+  EXPECT_EQ(run.exitCode, isSlow ? 3 : 0) << run.output << run.errors;
+}
+
 TEST(Commands, ADiskWithoutRoomIsTheMachinesLack) {
   const ScratchFolder scratch;
   // The kernel's own file system never has room.

@@ -1,4 +1,4 @@
-#include "app/run/MachineCheck.h"
+#include "app/machine/MachineCheck.h"
 
 #include <algorithm>
 #include <iterator>
