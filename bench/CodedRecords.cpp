@@ -62,8 +62,10 @@ json readCode(const std::string& text) {
   return fields;
 }
 
-json zoneOf(const CardData& card, int number, Random& random) {
+json zoneOf(CardData card, int number, Random& random) {
   const auto format = static_cast<MrzFormat>(number % 3);
+  const bool isForCards = std::string("AIC").find(card.documentCode.front()) != std::string::npos;
+  card.documentCode = format == MrzFormat::td3 ? "P" : isForCards ? card.documentCode : "I";
   std::string text;
   for (const std::string& line : session::mrzLines(card, format))
     text += line + '\n';

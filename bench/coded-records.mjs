@@ -3,6 +3,7 @@ import { createInterface } from "node:readline";
 import { parse as parseZone } from "mrz";
 import { parse as parseCode } from "aamva-parser";
 
+const SEXES = {male: "M", female: "F"};
 const day = (date) => (date ? date.toISOString().slice(0, 10) : null);
 
 function readZone(text) {
@@ -11,13 +12,14 @@ function readZone(text) {
   const fields = {};
   for (const name of ["documentCode", "documentNumber", "birthDate", "expirationDate", "issuingState", "nationality",
                       "lastName", "firstName", "sex"])
-    fields[name] = zone.fields[name] ?? "";
+    fields[name] = name === "sex" ? SEXES[zone.fields.sex] ?? "<" : zone.fields[name] ?? "";
   return fields;
 }
 
 function readCode(text) {
   const code = parseCode(text);
-  return {surname: code.lastName, givenNames: [code.firstName, code.middleName].filter(Boolean).join(" "),
+  const middle = code.middleName === "NONE" ? null : code.middleName;  // as the standard writes that there is none
+  return {surname: code.lastName, givenNames: [code.firstName, middle].filter(Boolean).join(" "),
           documentNumber: code.driversLicenseId, birthDate: day(code.dateOfBirth), issueDate: day(code.issueDate),
           expiryDate: day(code.expirationDate), sex: {Male: "M", Female: "F"}[code.gender] ?? "X"};
 }

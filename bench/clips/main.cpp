@@ -13,6 +13,7 @@
 #include "engine/recorder/Recorder.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
 #include "engine/vision/MatViews.h"
+#include "platform/foundation/RandomSource.h"
 #include "platform/foundation/VirtualRunLoop.h"
 
 namespace corvana::bench {
@@ -71,8 +72,10 @@ std::vector<Told> play(Clip& clip, const std::shared_ptr<engine::FrameAnalyzer>&
   Ear ear(loop);
   auto film =
       engine::Film::make(loop, films, {std::filesystem::temp_directory_path(), false, {}, {}, {}});
+  platform::SeededRandom randomness(1);  // draws tasks, of which this flow has none
   auto recorder = engine::Recorder::make({loop,
                                           notifications,
+                                          randomness,
                                           analyzer,
                                           nullptr,
                                           *film,
