@@ -18,9 +18,13 @@ set(CPACK_PRE_BUILD_SCRIPTS ${files}/finish.cmake)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
-set(CPACK_COMPONENTS_ALL program resources library development samples)
+set(groups program library development samples)
+if(CORVANA_BUILD_PYTHON)
+  list(APPEND groups python)
+endif()
+set(CPACK_COMPONENTS_ALL ${groups} resources)
 set(CPACK_COMPONENT_RESOURCES_GROUP program)
-foreach(component program library development samples)
+foreach(component IN LISTS groups)
   string(TOUPPER ${component} name)
   set(CPACK_COMPONENT_${name}_GROUP ${component})
 endforeach()
@@ -81,6 +85,18 @@ set(CPACK_DEBIAN_SAMPLES_DESCRIPTION "recorded session to try video identificati
 A made film of a person who looks into the camera, shows both sides of a
 fictitious identity card and reads a text, with photos of that card: a whole
 identification runs on it, without a camera.")
+
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-corvana-videoid)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+# By hand, since dpkg-shlibdeps doesn't know the library of a package that is only being made.
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "libc6, python3 (>= 3.10), python3-cffi-backend, python3-numpy, \
+libcorvana-videoid${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS "corvana-videoid (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS corvana-videoid-samples)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${files}/python/postinst ${files}/python/prerm)
+set(CPACK_DEBIAN_PYTHON_DESCRIPTION "video identification from Python
+Runs enrolments, identifications and checks of records as processes of their
+own, and hands on events, pictures and results as Python's types.")
 
 set(CPACK_CORVANA_PACKAGING ${PROJECT_SOURCE_DIR}/packaging)
 include(CPack)

@@ -72,18 +72,18 @@ std::vector<Told> play(Clip& clip, const std::shared_ptr<engine::FrameAnalyzer>&
   Ear ear(loop);
   auto film =
       engine::Film::make(loop, films, {std::filesystem::temp_directory_path(), false, {}, {}, {}});
-  platform::SeededRandom randomness(1);  // draws tasks, of which this flow has none
-  auto recorder = engine::Recorder::make({loop,
-                                          notifications,
-                                          randomness,
-                                          analyzer,
-                                          nullptr,
-                                          *film,
-                                          {},
-                                          {60, 100, 240, 320},
-                                          {20, 400, 320, 202},
-                                          {360, 640},
-                                          &ear});
+  platform::SeededRandom randomness(0);
+  auto recorder = engine::Recorder::make({.loop = loop,
+                                          .notificationCenter = notifications,
+                                          .randomness = randomness,
+                                          .analyzer = analyzer,
+                                          .speechRecognizer = nullptr,
+                                          .film = *film,
+                                          .captureSession = {},
+                                          .selfieOverlayFrame = {60, 100, 240, 320},
+                                          .idOverlayFrame = {20, 400, 320, 202},
+                                          .screenSize = {360, 640},
+                                          .observer = &ear});
   recorder->setMode(corvana::VideoCaptureMode::idCapture);
   for (double t = phase; t < clip.wrongAt() + kAfter; t += kFrameInterval) {
     loop.runUntil([] { return false; }, platform::TimePoint(platform::seconds(t)));

@@ -44,7 +44,8 @@ typedef enum corvana_videoid_status {
   CORVANA_VIDEOID_CRASHED = 4,       /* the process ended without a word */
   CORVANA_VIDEOID_BUSY = 5,          /* a call on this handle has not ended yet */
   CORVANA_VIDEOID_BAD_HANDLE = 6,    /* null, destroyed, or never made */
-  CORVANA_VIDEOID_BAD_ARGUMENT = 7   /* null where something is needed, or a structure of an unknown size */
+  CORVANA_VIDEOID_BAD_ARGUMENT = 7,  /* null where something is needed, or a structure of an unknown size */
+  CORVANA_VIDEOID_IDLE = 8           /* no call runs that could be cancelled: it has ended, or has not begun yet */
 } corvana_videoid_status;
 
 /* What a handle is made with. */
@@ -107,7 +108,7 @@ CORVANA_VIDEOID_API corvana_videoid_status corvana_videoid_compare(corvana_video
                                                                    char** answer);
 
 /* Ends the call that runs, as the close button does: it comes back with FLOW_ERROR. A second time ends the process at
- * once. Nothing happens when no call runs. */
+ * once. IDLE when no call runs: nothing happens, and a call that begins later is not cancelled by it. */
 CORVANA_VIDEOID_API corvana_videoid_status corvana_videoid_cancel(corvana_videoid* handle);
 
 /* Gives back what a function handed out; null is fine. */

@@ -33,6 +33,7 @@ int run(int argc, char** argv) {
   app::addVerifyCommand(program, exitCode);
   app::addRecheckCommand(program, exitCode);
   app::addReportCommand(program, exitCode);
+  app::addRedactCommand(program, exitCode);
   app::addExportCommand(program, exitCode);
   app::addPurgeCommand(program, exitCode);
   app::addTimestampCommand(program, exitCode);

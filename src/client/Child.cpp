@@ -76,11 +76,14 @@ class SpawnActions {
   posix_spawn_file_actions_t actions_;
 };
 
-/// A thread that blocks signals would have a process that cannot be told to end.
-class SpawnSignals {
+/// A thread that blocks signals would have a process that cannot be told to end. In a group of its
+/// own a terminal's Ctrl-C reaches the caller alone, who says by a cancellation what is to become
+/// of the run.
+class SpawnAttributes {
  public:
-  SpawnSignals() {
+  SpawnAttributes() {
     posix_spawnattr_init(&attributes_);
+    posix_spawnattr_setpgroup(&attributes_, 0);
     sigset_t none;
     sigemptyset(&none);
     posix_spawnattr_setsigmask(&attributes_, &none);
@@ -89,11 +92,12 @@ class SpawnSignals {
     for (const int signal : {SIGTERM, SIGINT, SIGPIPE, SIGCHLD})
       sigaddset(&usual, signal);
     posix_spawnattr_setsigdefault(&attributes_, &usual);
-    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    posix_spawnattr_setflags(
+        &attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
   }
-  ~SpawnSignals() { posix_spawnattr_destroy(&attributes_); }
-  SpawnSignals(const SpawnSignals&) = delete;
-  SpawnSignals& operator=(const SpawnSignals&) = delete;
+  ~SpawnAttributes() { posix_spawnattr_destroy(&attributes_); }
+  SpawnAttributes(const SpawnAttributes&) = delete;
+  SpawnAttributes& operator=(const SpawnAttributes&) = delete;
   const posix_spawnattr_t* get() const { return &attributes_; }
 
  private:
@@ -281,10 +285,10 @@ ChildEnd Child::run(const std::string& program, std::vector<std::string> argumen
   words.push_back(nullptr);
   const SpawnActions actions(streams.output.theirs.get(), streams.errors.theirs.get(),
                              streams.socket.theirs.get());
-  const SpawnSignals signals;
+  const SpawnAttributes attributes;
   pid_t child = -1;
   const int fault =
-      posix_spawnp(&child, program.c_str(), actions.get(), signals.get(), words.data(), environ);
+      posix_spawnp(&child, program.c_str(), actions.get(), attributes.get(), words.data(), environ);
   streams.closeTheirs();
   if (fault != 0) {
     end.errors = "\"" + program + "\" could not be started: " + std::strerror(fault);
@@ -297,11 +301,14 @@ ChildEnd Child::run(const std::string& program, std::vector<std::string> argumen
     streams.follow(process.get(), end, events);
   }
   readExit(child, end);
+  const std::lock_guard lock(mutex_);
+  end.wasTerminated = wasTerminated_;
   return end;
 }
 
 void Child::terminate() {
   const std::lock_guard lock(mutex_);
+  wasTerminated_ = true;
   if (process_ >= 0) {
     pidfd_send_signal(process_, SIGTERM, nullptr, 0);
   } else {

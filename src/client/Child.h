@@ -14,6 +14,7 @@ struct ChildEnd {
   bool started = false;
   int exitCode = -1;  ///< negative: a signal ended it, or nobody knows what did
   int signal = 0;
+  bool wasTerminated = false;  ///< by `terminate`, whatever came of it
   std::string output;
   std::string errors;  ///< the last of what it complained of
 };
@@ -38,6 +39,7 @@ class Child {
   std::mutex mutex_;
   int process_ = -1;  ///< its pidfd, which no later process can be mistaken for
   bool terminateSoon_ = false;
+  bool wasTerminated_ = false;
 
   friend class RunningChild;
 };

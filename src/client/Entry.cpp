@@ -126,8 +126,7 @@ corvana_videoid_status corvana_videoid_compare(corvana_videoid* handle, const ch
 corvana_videoid_status corvana_videoid_cancel(corvana_videoid* handle) {
   const auto session = handles().find(handle);
   if (!session) return CORVANA_VIDEOID_BAD_HANDLE;
-  session->cancel();
-  return CORVANA_VIDEOID_RESULT;
+  return session->cancel() ? CORVANA_VIDEOID_RESULT : CORVANA_VIDEOID_IDLE;
 }
 
 void corvana_videoid_free(char* text) {
@@ -152,6 +151,8 @@ const char* corvana_videoid_status_text(corvana_videoid_status status) {
       return "the handle is null, destroyed, or was never made";
     case CORVANA_VIDEOID_BAD_ARGUMENT:
       return "something needed is null, or a structure has another size than this library knows";
+    case CORVANA_VIDEOID_IDLE:
+      return "no call runs";
   }
   return "no status of this library";
 }

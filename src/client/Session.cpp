@@ -1,5 +1,6 @@
 #include "client/Session.h"
 
+#include <csignal>
 #include <cstring>
 #include <sstream>
 #include <utility>
@@ -54,14 +55,26 @@ Answer endedWithoutWord(const ChildEnd& end) {
                 "The program " + how + (lines.empty() ? "." : "; it last said: " + lines.back()));
 }
 
+/// The loader names a library that is missing; a shell, the program.
+std::string notStarted(const ChildEnd& end) {
+  const auto lines = linesOf(end.errors);
+  return (lines.empty() ? "The program could not be started" : lines.back()) +
+         ": install the package corvana-videoid with all that it depends on.";
+}
+
 corvana_videoid_status statusOf(const ChildEnd& end) {
-  if (end.exitCode == kNoSuchProgram) return CORVANA_VIDEOID_MACHINE_LACKS;
   return end.exitCode <= kLastExitCode ? static_cast<corvana_videoid_status>(end.exitCode)
                                        : CORVANA_VIDEOID_WRONG_USE;
 }
 
 Answer answerOf(const Command& command, const ChildEnd& end) {
-  if (!end.started) return failed(CORVANA_VIDEOID_MACHINE_LACKS, end.errors + ".");
+  if (!end.started || end.exitCode == kNoSuchProgram) {
+    return failed(CORVANA_VIDEOID_MACHINE_LACKS, notStarted(end));
+  }
+  // It did not listen yet, or was told twice.
+  if (end.wasTerminated && end.signal == SIGTERM)
+    return failed(CORVANA_VIDEOID_FLOW_ERROR,
+                  "The call was cancelled, and its process ended at once.");
   if (end.exitCode < 0) return endedWithoutWord(end);
   const corvana_videoid_status status = statusOf(end);
   ordered_json result = command.answersInLines ? ordered_json{{"report", linesOf(end.output)}}
@@ -110,13 +123,14 @@ bool Session::isBusy() const {
   return running_ != nullptr;
 }
 
-void Session::cancel() {
+bool Session::cancel() {
   std::shared_ptr<Child> child;
   {
     const std::lock_guard lock(mutex_);
     child = running_;
   }
   if (child) child->terminate();
+  return child != nullptr;
 }
 
 Answer Session::call(const Command& command, const char* request,

@@ -31,7 +31,8 @@ class Session {
 
   Answer call(const Command& command, const char* request,
               const corvana_videoid_follower* follower);
-  void cancel();
+  /// False when no call runs.
+  bool cancel();
   bool isBusy() const;
 
  private:

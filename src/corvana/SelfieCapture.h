@@ -66,6 +66,9 @@ struct SelfieCapture {
     double livenessRepetition = 0.5;
     /// Share of three straight edges around the face that must be seen for a print or display.
     double livenessEdges = 0.88;
+    /// Share of the looks with a voice in which the lips rest, above which the voice is taken for
+    /// somebody else's.
+    double livenessLipsAtRest = 0.5;
     /// Seconds for each task, and for each way back to rest; the selfie's time-out is so much
     /// longer for each task that there is, and once more for one that may be missed.
     double livenessTaskSeconds = 5;

@@ -15,6 +15,8 @@ void addKeyCommand(CLI::App& app, ExitCode& exitCode);
 void addVerifyCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid recheck`: judges the film of a record again.
 void addRecheckCommand(CLI::App& app, ExitCode& exitCode);
+/// `videoid redact`: a copy of a record for people who may not see the card.
+void addRedactCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid report`: a page that shows people what a record holds.
 void addReportCommand(CLI::App& app, ExitCode& exitCode);
 /// `videoid purge`: removes runs that are no longer to be kept.

@@ -6,6 +6,7 @@
 
 #include "app/commands/Commands.h"
 #include "app/run/RunRecord.h"
+#include "app/seal/StampService.h"
 #include "app/seal/Stamps.h"
 
 namespace corvana::app {
@@ -17,6 +18,8 @@ struct TimestampArguments {
   fs::path folder;
   fs::path request;
   std::optional<std::string> answer;
+  std::optional<std::string> address;
+  int waitSeconds = 30;
   std::optional<fs::path> authorities;
 };
 
@@ -53,34 +56,49 @@ ExitCode writeRequest(const TimestampArguments& arguments, const std::string& se
   return ExitCode::result;
 }
 
-ExitCode takeAnswer(const TimestampArguments& arguments, const std::string& seal) {
-  const auto request = readFile(arguments.request, kMostStampBytes);
-  if (!request) return refuse(request.error().sentence);
-  const auto answer = readAnswer(*arguments.answer);
-  if (!answer) return refuse(answer.error().sentence);
+ExitCode keepStamp(const TimestampArguments& arguments, const std::string& seal,
+                   const std::string& request, const std::string& answer) {
   std::optional<StampAuthorities> trusted;
   if (arguments.authorities) {
     auto loaded = StampAuthorities::load(*arguments.authorities);
     if (!loaded) return refuse(loaded.error().sentence);
     trusted = std::move(*loaded);
   }
-  const auto time = checkStamp(*answer, *request, seal, trusted ? &*trusted : nullptr);
+  const auto time = checkStamp(answer, request, seal, trusted ? &*trusted : nullptr);
   if (!time) {
     return complain(std::cerr, ExitCode::flowError,
                     "The answer " + time.error().sentence + "; the record stays as it is.");
   }
-  const auto stamp = addStamp(arguments.folder, *request, *answer);
+  const auto stamp = addStamp(arguments.folder, request, answer);
   if (!stamp) return refuse(stamp.error().sentence);
-  std::error_code ignored;  // It lies in the record now.
-  fs::remove(arguments.request, ignored);
   std::cout << stamp->answer << ": the seal was there at " << formatUtc(*time)
             << (trusted ? ", says a trusted authority\n" : ", says its authority\n");
   return ExitCode::result;
 }
 
+ExitCode takeAnswer(const TimestampArguments& arguments, const std::string& seal) {
+  const auto request = readFile(arguments.request, kMostStampBytes);
+  if (!request) return refuse(request.error().sentence);
+  const auto answer = readAnswer(*arguments.answer);
+  if (!answer) return refuse(answer.error().sentence);
+  const ExitCode code = keepStamp(arguments, seal, *request, *answer);
+  std::error_code ignored;  // It lies in the record now.
+  if (code == ExitCode::result) fs::remove(arguments.request, ignored);
+  return code;
+}
+
+ExitCode fetchStamp(const TimestampArguments& arguments, const std::string& seal) {
+  const std::string request = makeStampRequest(seal);
+  const auto answer =
+      askAuthority(*arguments.address, request, std::chrono::seconds(arguments.waitSeconds));
+  if (!answer) return refuse(answer.error().sentence);
+  return keepStamp(arguments, seal, request, *answer);
+}
+
 ExitCode runTimestamp(TimestampArguments arguments) {
   const auto seal = readSeal(arguments.folder);
   if (!seal) return refuse(seal.error().sentence);
+  if (arguments.address) return fetchStamp(arguments, *seal);
   if (arguments.request.empty()) {
     // Beside the record: it is no part of it until it has an answer.
     arguments.request = fs::absolute(arguments.folder).lexically_normal();
@@ -97,11 +115,22 @@ void addTimestampCommand(CLI::App& app, ExitCode& exitCode) {
       "timestamp", "Have a third party say when a sealed record was there (RFC 3161)");
   auto arguments = std::make_shared<TimestampArguments>();
   command.add_option("folder", arguments->folder, "the run's folder")->required();
-  command.add_option("--request", arguments->request,
-                     "file of the request (default: the folder's name with .tsq)");
-  command.add_option("--answer", arguments->answer,
-                     "the authority's answer to that request, which is kept in the record; - reads "
-                     "it from standard input");
+  auto* request = command.add_option("--request", arguments->request,
+                                     "file of the request (default: the folder's name with .tsq)");
+  auto* answer = command.add_option(
+      "--answer", arguments->answer,
+      "the authority's answer to that request, which is kept in the record; - reads it from "
+      "standard input");
+  auto* address = command
+                      .add_option("--url", arguments->address,
+                                  "address of an authority (https or http), which is asked at once")
+                      ->excludes(request)
+                      ->excludes(answer);
+  command
+      .add_option("--wait", arguments->waitSeconds,
+                  "seconds in which the authority has to answer (default 30)")
+      ->needs(address)
+      ->check(CLI::Range(1, 600).description(""));
   command.add_option("--stamp-ca", arguments->authorities,
                      "PEM certificates of authorities: the answer must be signed by one");
   command.callback([arguments, &exitCode] { exitCode = runTimestamp(*arguments); });

@@ -11,7 +11,7 @@
 #include "app/run/EventLog.h"
 #include "app/run/Files.h"
 #include "app/run/JsonMembers.h"
-#include "app/run/RunRecord.h"
+#include "app/run/RecordFiles.h"
 #include "app/seal/Jws.h"
 #include "app/seal/SealLog.h"
 #include "app/seal/Stamps.h"
@@ -22,7 +22,6 @@ namespace {
 namespace fs = std::filesystem;
 using nlohmann::ordered_json;
 
-constexpr std::uint64_t kMostResultBytes = 1 << 20;
 constexpr int kMostReceipts = 1000;
 
 bool isFile(const fs::path& path) {
@@ -31,9 +30,9 @@ bool isFile(const fs::path& path) {
 }
 
 std::optional<nlohmann::json> resultOf(const fs::path& folder) {
-  const auto text = readFile(folder / kResultFileName, kMostResultBytes);
-  if (!text) return std::nullopt;
-  const auto result = parseJson(*text, kResultFileName);
+  const auto bytes = readResultBytes(folder);
+  if (!bytes) return std::nullopt;
+  const auto result = parseResult(*bytes, folder);
   if (!result) return std::nullopt;
   return *result;
 }
@@ -67,13 +66,13 @@ std::optional<OverdueRun> overdue(const fs::path& folder, const PurgeRules& rule
 std::set<std::string> namesOfRecord(const fs::path& folder) {
   std::set<std::string> names{kResultFileName,    kResultSealName, kSelfieFileName,
                               kConsentFileName,   kReportFileName, EventLog::kFileName,
-                              SealLog::kFileName, "film.mp4",      "film.partial.mp4"};
+                              SealLog::kFileName, kFilmFileName,   kPartialFilmFileName};
   for (const std::string& name : evidenceFileNames())
     names.insert(name);
   for (const StoredStamp& stamp : stampsIn(folder))
     names.insert({stamp.request, stamp.answer});
-  for (int run = 1; isFile(folder / ("film.run" + std::to_string(run) + ".mp4")); ++run)
-    names.insert("film.run" + std::to_string(run) + ".mp4");
+  for (std::size_t attempt = 1; isFile(folder / retriedFilmName(attempt)); ++attempt)
+    names.insert(retriedFilmName(attempt));
   if (const auto result = resultOf(folder)) {
     for (const auto& [name, sum] : memberIn(*result, "sha256").items()) {
       if (fs::path(name).filename() == name) names.insert(name);

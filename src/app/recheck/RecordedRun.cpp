@@ -7,7 +7,7 @@
 #include "app/run/EventLog.h"
 #include "app/run/Files.h"
 #include "app/run/JsonMembers.h"
-#include "app/run/RunRecord.h"
+#include "app/run/RecordFiles.h"
 #include "engine/selfie/Challenge.h"
 
 namespace corvana::app {
@@ -18,7 +18,6 @@ using nlohmann::json;
 using platform::Expected;
 using platform::failure;
 
-constexpr std::uint64_t kMostResultBytes = 1 << 20;
 constexpr std::uint64_t kMostEvidenceBytes = 1 << 24;
 
 template <std::size_t count>
@@ -39,20 +38,21 @@ std::optional<platform::CGRect> rectAt(const json& object, const char* key) {
   return platform::CGRect{(*numbers)[0], (*numbers)[1], (*numbers)[2], (*numbers)[3]};
 }
 
-Expected<json> readResult(const fs::path& folder) {
+Expected<void> checkResult(const json& result, const fs::path& folder) {
   const fs::path file = folder / kResultFileName;
   std::error_code error;
   if (!fs::exists(file, error)) {
     return failure("\"" + folder.string() +
                    "\" has no result that could be judged again: the run never ended.");
   }
-  const auto text = readFile(file, kMostResultBytes);
-  if (!text) return tl::unexpected(text.error());
-  auto object = parseJson(*text, file.string());
-  if (!object) return object;
-  const bool isResult = object->is_object() && object->value("options", json()).is_object() &&
-                        (object->contains("result") || object->contains("error"));
-  if (isResult) return object;
+  if (result.contains("redaction")) {
+    return failure("\"" + folder.string() +
+                   "\" is a redacted copy, whose film shows no card: judge the record that it "
+                   "was made of.");
+  }
+  const bool isResult = memberIn(result, "options").is_object() &&
+                        (result.contains("result") || result.contains("error"));
+  if (isResult) return {};
   return failure("\"" + file.string() + "\" is not the result of a run.");
 }
 
@@ -62,14 +62,6 @@ std::optional<std::string> readText(const fs::path& folder) {
   if (!content) return std::nullopt;
   const auto object = parseJson(*content, "");
   return object ? textIn(*object, "text") : std::nullopt;
-}
-
-Expected<fs::path> filmIn(const fs::path& folder) {
-  std::error_code error;
-  for (const char* name : {"film.mp4", "film.partial.mp4"}) {
-    if (fs::is_regular_file(folder / name, error)) return folder / name;
-  }
-  return failure("\"" + folder.string() + "\" holds no film.");
 }
 
 }  // namespace
@@ -83,14 +75,18 @@ std::optional<engine::CalendarDate> RecordedRun::date() const {
   return engine::calendarDate(sum("date"));
 }
 
-std::optional<engine::ScreenPlaces> RecordedRun::places() const {
-  const json screen = result.value("screen", json());
+std::optional<engine::ScreenPlaces> screenPlacesIn(const json& result) {
+  const json& screen = memberIn(result, "screen");
   if (!screen.is_object()) return std::nullopt;
   const auto size = numbersAt<2>(screen, "size");
   const auto face = rectAt(screen, "face");
   const auto card = rectAt(screen, "card");
   if (!size || !face || !card) return std::nullopt;
   return engine::ScreenPlaces{{(*size)[0], (*size)[1]}, *face, *card};
+}
+
+std::optional<engine::ScreenPlaces> RecordedRun::places() const {
+  return screenPlacesIn(result);
 }
 
 std::vector<std::uint32_t> RecordedRun::drawn() const {
@@ -107,16 +103,17 @@ Expected<RecordedRun> readRecordedRun(const fs::path& folder, const TrustedKeys*
                                       const StampAuthorities* authorities) {
   auto report = checkRecord(folder, keys, authorities);
   if (!report) return tl::unexpected(report.error());
-  auto result = readResult(folder);
-  if (!result) return tl::unexpected(result.error());
-  auto film = filmIn(folder);
-  if (!film) return tl::unexpected(film.error());
+  if (const auto checked = checkResult(report->result, folder); !checked) {
+    return tl::unexpected(checked.error());
+  }
+  const auto film = filmIn(folder);
+  if (!film) return failure("\"" + folder.string() + "\" holds no film.");
   auto events = readRunEvents(folder / EventLog::kFileName);
   if (!events) return tl::unexpected(events.error());
   const bool isTrusted = keys && report->holds();
   return RecordedRun{.folder = folder,
-                     .film = std::move(*film),
-                     .result = std::move(*result),
+                     .film = folder / *film,
+                     .result = report->result,
                      .events = std::move(*events),
                      .report = std::move(*report),
                      .isTrusted = isTrusted,

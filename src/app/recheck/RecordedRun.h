@@ -34,6 +34,9 @@ struct RecordedRun {
   std::vector<std::uint32_t> drawn() const;
 };
 
+/// Where the screen asked for face and card, by what result.json says; absent where it does not.
+std::optional<engine::ScreenPlaces> screenPlacesIn(const nlohmann::json& result);
+
 /// Looks whether a key vouches for the record (null: none is asked), and reads it, whatever comes
 /// out. The error: there is nothing to judge, in one sentence.
 platform::Expected<RecordedRun> readRecordedRun(const std::filesystem::path& folder,

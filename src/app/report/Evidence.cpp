@@ -22,7 +22,6 @@ constexpr int kFormatVersion = 1;
 /// Small print stays legible, and the pictures of a run stay below a megabyte.
 constexpr int kQuality = 80;
 
-constexpr const char* kSelfieFace = "evidence-selfie-face.jpg";
 constexpr const char* kFrontFace = "evidence-front-face.jpg";
 constexpr const char* kFront = "evidence-front.jpg";
 constexpr const char* kBack = "evidence-back.jpg";
@@ -99,7 +98,7 @@ ordered_json savePictures(const Evidence& evidence, PictureFolder& folder) {
     pictures[decision] = {{"shown", shown}, {"reference", earlier}};
   };
   if (evidence.selfie) {
-    add("selfieFace", folder.save(evidence.selfie->faceImage, kSelfieFace),
+    add("selfieFace", folder.save(evidence.selfie->faceImage, kSelfieFaceFileName),
         folder.save(reference.front.faceImage, kReferenceFace));
   }
   if (evidence.front) {
@@ -125,8 +124,8 @@ ordered_json spokenToJson(const std::vector<capture::MatchRange>& ranges) {
 }  // namespace
 
 std::vector<std::string> evidenceFileNames() {
-  return {kEvidenceFileName, kSelfieFace,     kFrontFace,    kFront, kBack,
-          kReferenceFace,    kReferenceFront, kReferenceBack};
+  return {kEvidenceFileName, kSelfieFaceFileName, kFrontFace,    kFront, kBack,
+          kReferenceFace,    kReferenceFront,     kReferenceBack};
 }
 
 platform::Expected<void> writeEvidence(const Evidence& evidence, const fs::path& folder) {

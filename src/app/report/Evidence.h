@@ -27,6 +27,8 @@ struct Evidence {
 };
 
 inline constexpr const char* kEvidenceFileName = "evidence.json";
+/// The face of the selfie: of all its pictures the only one that shows no card.
+inline constexpr const char* kSelfieFaceFileName = "evidence-selfie-face.jpg";
 
 /// The names of all files that a run's evidence may have.
 std::vector<std::string> evidenceFileNames();

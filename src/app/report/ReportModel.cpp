@@ -88,6 +88,7 @@ class ReportModel {
   }
 
   void addRemarks(json& remarks) const {
+    if (memberIn(run_.result, "redaction").is_object()) remarks.push_back(words_.of("redacted"));
     const json& camera = memberIn(run_.result, "camera");
     if (flagIn(camera, "virtual").value_or(false)) remarks.push_back(words_.of("virtualCamera"));
     for (const json& hint : memberIn(run_.result, "hints"))

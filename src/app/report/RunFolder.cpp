@@ -6,7 +6,7 @@
 #include "app/report/Evidence.h"
 #include "app/run/EventLog.h"
 #include "app/run/Files.h"
-#include "app/run/RunRecord.h"
+#include "app/run/RecordFiles.h"
 
 namespace corvana::app {
 namespace {
@@ -14,7 +14,6 @@ namespace {
 namespace fs = std::filesystem;
 using nlohmann::json;
 
-constexpr std::uint64_t kMostResultBytes = 1 << 20;
 constexpr std::uint64_t kMostEventBytes = 1 << 26;
 constexpr std::uint64_t kMostEvidenceBytes = 1 << 20;
 constexpr std::uint64_t kMostPictureBytes = 1 << 22;
@@ -79,15 +78,11 @@ platform::Expected<RunFolder> RunFolder::read(const fs::path& folder, const Trus
   RunFolder run;
   run.folder = folder;
   run.check = std::move(*check);
-  if (auto result = readObject(folder / kResultFileName, kMostResultBytes)) {
-    run.result = std::move(*result);
-    run.hasResult = true;
-  }
+  run.hasResult = run.check.result.is_object();
+  if (run.hasResult) run.result = run.check.result;
   readEvents(run);
   readEvidence(run);
-  for (const char* name : {"film.mp4", "film.partial.mp4"}) {
-    if (!run.film && isThere(folder / name)) run.film = name;
-  }
+  run.film = filmIn(folder);
   return run;
 }
 

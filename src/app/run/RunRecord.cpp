@@ -63,10 +63,6 @@ Expected<void> writeSelfie(const Outcome& outcome, const fs::path& folder) {
   return devices::writePng(folder / kSelfieFileName, *image->pixels());
 }
 
-ordered_json programToJson() {
-  return {{"name", "videoid"}, {"version", CORVANA_VERSION}, {"build", buildId()}};
-}
-
 ordered_json rectToJson(const platform::CGRect& rect) {
   return {rect.x, rect.y, rect.width, rect.height};
 }
@@ -122,14 +118,18 @@ Expected<void> addHashes(const std::string& key, const std::vector<fs::path>& fi
   return {};
 }
 
-Expected<void> writeSealed(const std::string& content, const std::optional<SigningKey>& key,
-                           const fs::path& folder) {
+}  // namespace
+
+ordered_json programToJson() {
+  return {{"name", "videoid"}, {"version", CORVANA_VERSION}, {"build", buildId()}};
+}
+
+Expected<void> writeSealedResult(const std::string& content, const std::optional<SigningKey>& key,
+                                 const fs::path& folder) {
   auto written = writeFile(folder / kResultFileName, content);
   if (!written || !key) return written;
   return writeFile(folder / kResultSealName, sealDetached(*key, content));
 }
-
-}  // namespace
 
 ordered_json cameraSignToJson(const devices::CameraSign& sign) {
   return {{"name", sign.name},
@@ -173,7 +173,8 @@ WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources
           .and_then([&] { return writeEvidenceOf(record, folder); })
           .and_then([&] { return addHashes("models", resources.models(), result.content); })
           .and_then([&] { return addHashes("sha256", filesOf(record, folder), result.content); })
-          .and_then([&] { return writeSealed(result.content.dump(2) + "\n", record.key, folder); })
+          .and_then(
+              [&] { return writeSealedResult(result.content.dump(2) + "\n", record.key, folder); })
           .and_then([&] { return putOnDisk(folder); });
   if (!written) result.fault = written.error();
   return result;

@@ -12,6 +12,7 @@
 #include "app/report/Evidence.h"
 #include "app/run/DocumentHints.h"
 #include "app/run/Files.h"
+#include "app/run/RecordFiles.h"
 #include "app/run/Resources.h"
 #include "app/run/RunIdentity.h"
 #include "app/seal/Keys.h"
@@ -79,16 +80,18 @@ nlohmann::ordered_json sessionToJson(const RunIdentity& identity,
                                      const std::string& documents, const std::string& text,
                                      const nlohmann::ordered_json& terms);
 
-inline constexpr const char* kResultFileName = "result.json";
-/// The signature of result.json's bytes.
-inline constexpr const char* kResultSealName = "result.jws";
-inline constexpr const char* kSelfieFileName = "selfie.png";
-
 /// What is in result.json, or would be.
 struct WrittenRecord {
   nlohmann::ordered_json content;
   std::optional<platform::Fault> fault;  ///< why a file could not be written
 };
+
+/// The name, version and build of this program, as records have them.
+nlohmann::ordered_json programToJson();
+
+/// Writes these bytes as result.json and, where there is a key, their seal.
+Expected<void> writeSealedResult(const std::string& content, const std::optional<SigningKey>& key,
+                                 const std::filesystem::path& folder);
 
 /// Writes the selfie, the evidence, result.json and its seal, and blocks until the whole folder is
 /// on the disk. The film and the events must be closed.

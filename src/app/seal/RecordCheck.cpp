@@ -10,7 +10,8 @@
 #include "app/report/ReportFile.h"
 #include "app/run/EventLog.h"
 #include "app/run/Files.h"
-#include "app/run/RunRecord.h"
+#include "app/run/JsonMembers.h"
+#include "app/run/RecordFiles.h"
 #include "app/seal/FilmComparison.h"
 #include "app/seal/Jws.h"
 #include "app/seal/SealLog.h"
@@ -26,7 +27,6 @@ using nlohmann::json;
 using platform::Expected;
 using platform::failure;
 
-constexpr std::uint64_t kMostResultBytes = 1 << 20;
 constexpr std::uint64_t kMostSealBytes = 1 << 12;
 constexpr std::uint64_t kMostLogBytes = 1 << 28;
 
@@ -48,18 +48,20 @@ class RecordChecker {
       : folder_(folder), keys_(keys), authorities_(authorities) {}
 
   Expected<RecordReport> checkEnded() {
-    auto text = readFile(folder_ / kResultFileName, kMostResultBytes);
+    auto text = readResultBytes(folder_);
     if (!text) return tl::unexpected(text.error());
     text_ = std::move(*text);
     known_ = {kResultFileName, kResultSealName};
-    auto object = parseJson(text_, (folder_ / kResultFileName).string());
+    auto object = parseResult(text_, folder_);
     if (!object) {
       fail(kResultFileName, object.error().sentence);
       return report_;
     }
-    if (object->is_object()) result_ = std::move(*object);
+    if (object->is_object()) result_ = *object;
+    report_.result = std::move(*object);
     checkStamps();
     checkSeal();
+    checkRedaction();
     checkFiles();
     if (isThere(SealLog::kFileName)) checkFilmsOfEnded();
     checkStrangers();
@@ -154,7 +156,20 @@ class RecordChecker {
     if (const auto why = whyNotValid(**key, {clockIn(result_, "end"), stamped_})) {
       return fail(name, "The seal " + name + " does not hold: " + *why + ".");
     }
-    add(name, "sealed by the key " + (*key)->key.id());
+    report_.sealer = (*key)->key.id();
+    add(name, "sealed by the key " + *report_.sealer);
+  }
+
+  void checkRedaction() {
+    const json& redaction = memberIn(result_, "redaction");
+    if (redaction.is_null()) return;
+    const auto record = textIn(redaction, "record");
+    if (!record)
+      return fail("redaction", "It is not said of which record this is a redacted copy.");
+    const auto sealer = textIn(redaction, "sealedBy");
+    add("redaction", "a redacted copy of the record whose result.json has the SHA-256 " + *record +
+                         (sealer ? ", which was sealed by the key " + *sealer
+                                 : ", for which nobody vouched when it was copied"));
   }
 
   void checkFiles() {
@@ -230,8 +245,7 @@ class RecordChecker {
   }
 
   std::string filmOf(bool isLast, std::size_t number) const {
-    if (!isLast) return "film.run" + std::to_string(number) + ".mp4";
-    return isThere("film.mp4") ? "film.mp4" : "film.partial.mp4";
+    return isLast ? filmIn(folder_).value_or(kPartialFilmFileName) : retriedFilmName(number);
   }
 
   FilmComparison checkFilm(const SealChain& chain, bool isLast, std::size_t number) {

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include <nlohmann/json.hpp>
 
 #include "app/seal/TimeStamp.h"
 #include "app/seal/TrustedKeys.h"
@@ -17,7 +20,9 @@ struct RecordFinding {
 };
 
 struct RecordReport {
-  std::vector<RecordFinding> findings;
+  std::vector<RecordFinding> findings = {};
+  nlohmann::json result = {};  ///< what result.json says; null without one that can be read
+  std::optional<std::string> sealer = {};  ///< id of the trusted key that signed it, if one did
   /// Nothing is amiss.
   bool holds() const;
 };

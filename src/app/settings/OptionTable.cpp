@@ -154,6 +154,10 @@ std::vector<Row> selfieRows() {
       row(SelfieCapture::options, &SelfieOptions::livenessEdges, "selfieCapture.livenessEdges",
           "share", 0, 1,
           "sign of fraud: more than this of straight edges left, right and below the face is seen"),
+      row(SelfieCapture::options, &SelfieOptions::livenessLipsAtRest,
+          "selfieCapture.livenessLipsAtRest", "share", 0, 1,
+          "sign of fraud while the text is read: in more than this of the looks with a voice the "
+          "lips rest"),
       row(SelfieCapture::options, &SelfieOptions::livenessTaskSeconds,
           "selfieCapture.livenessTaskSeconds", "s", 1, 60,
           "active: time for each task, and for each way back to rest; the selfie's time-out is "

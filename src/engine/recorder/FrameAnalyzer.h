@@ -12,6 +12,7 @@
 #include "engine/document/guidance/CardQuality.h"
 #include "engine/selfie/Challenge.h"
 #include "engine/selfie/Liveness.h"
+#include "engine/selfie/MouthLook.h"
 #include "engine/selfie/PersonCompare.h"
 #include "engine/selfie/SelfieVerdict.h"
 #include "platform/foundation/Fault.h"
@@ -85,8 +86,8 @@ struct Observation {
   platform::Duration liveFaceLostFor{};
   /// Whether the live face is the selfie's, when it was time to compare them.
   std::optional<PersonCheck> person;
-  /// `mouthOpening` of the live face; only while a text is read, and from a face that is seen well.
-  std::optional<double> mouth;
+  /// The live face's mouth; only while a text is read, and from a face that is seen well.
+  std::optional<MouthLook> mouth;
   std::optional<SelfieView> selfie;      ///< present in the selfie mode
   std::optional<DocumentView> document;  ///< present in the document mode
 };

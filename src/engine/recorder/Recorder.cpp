@@ -286,7 +286,7 @@ void Recorder::watchPerson(const Observation& observation) {
 }
 
 void Recorder::noteLips() {
-  if (const auto sign = lips_.sign()) note(eventOf(*sign));
+  if (const auto sign = lips_.sign(SelfieCapture::options.livenessLipsAtRest)) note(eventOf(*sign));
 }
 
 void Recorder::watchLips(const Observation& observation) {
@@ -294,7 +294,7 @@ void Recorder::watchLips(const Observation& observation) {
   for (const auto& samples : sound_.take())
     lips_.addSound(*samples);
   if (observation.mouth) lips_.addMouth(observation.frameTime, *observation.mouth);
-  const auto sign = lips_.sign();
+  const auto sign = lips_.sign(SelfieCapture::options.livenessLipsAtRest);
   const bool rest = sign && sign->isSeen;
   if (rest != std::exchange(lipsNoted_, rest)) noteLips();
   if (rest && setup_.refusesVoiceWithoutLips) loseFace(observation, "lipsAtRest");

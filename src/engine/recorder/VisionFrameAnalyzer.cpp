@@ -6,7 +6,7 @@
 
 #include "corvana/SelfieCapture.h"
 #include "engine/document/CardWarp.h"
-#include "engine/selfie/LipsWatch.h"
+#include "engine/selfie/MouthLook.h"
 #include "engine/vision/ImageOps.h"
 #include "platform/foundation/Fault.h"
 
@@ -43,10 +43,10 @@ LivenessJudge::Limits livenessLimits() {
 }
 
 /// Absent where the lips are not seen from in front.
-std::optional<double> mouthIn(const FaceDetails& face) {
+std::optional<MouthLook> mouthIn(const PixelBuffer& picture, const FaceDetails& face) {
   const bool isSeen = face.presence >= kLeastPresence && std::abs(face.pose.yaw) <= kMostMouthYaw;
   if (!isSeen) return {};
-  return mouthOpening(face.mesh);
+  return mouthLook(picture, face.mesh);
 }
 
 CGSize sizeOf(const PixelBuffer& picture) {
@@ -162,7 +162,7 @@ void VisionFrameAnalyzer::followLiveFace(const PixelBuffer& picture, Observation
   if (!sighting.box) return;
   const auto face = std::ranges::find(faces, *sighting.box, &Face::box);
   if (observation.task.mode == VideoCaptureMode::readingText) {
-    observation.mouth = mouthIn(landmarks_->locate(picture, *face));
+    observation.mouth = mouthIn(picture, landmarks_->locate(picture, *face));
   }
   observation.person =
       persons_.look(observation.frameTime, picture, *face,

@@ -6,21 +6,12 @@
 namespace corvana::engine {
 namespace {
 
-constexpr std::size_t kUpperLip = 13;
-constexpr std::size_t kLowerLip = 14;
-constexpr std::size_t kRightCorner = 78;
-constexpr std::size_t kLeftCorner = 308;
-
 constexpr double kFullScale = 32768;
 constexpr double kSilence = -120;  // dB
 /// Sound is measured in pieces of this length.
 constexpr platform::Duration kPiece = std::chrono::milliseconds(100);
 /// What is kept for the judgement: the noise of the room is the quietest of it.
 constexpr platform::Duration kMemory = std::chrono::seconds(10);
-
-double distance(const SurfacePoint& a, const SurfacePoint& b) {
-  return std::hypot(a.x - b.x, a.y - b.y);
-}
 
 double decibels(const std::int16_t* samples, std::size_t count) {
   double sum = 0;
@@ -32,13 +23,8 @@ double decibels(const std::int16_t* samples, std::size_t count) {
 
 }  // namespace
 
-double mouthOpening(const FaceMesh& mesh) {
-  const double width = distance(mesh[kRightCorner], mesh[kLeftCorner]);
-  return distance(mesh[kUpperLip], mesh[kLowerLip]) / std::max(width, 1.0);
-}
-
-void LipsWatch::addMouth(platform::TimePoint time, double opening) {
-  mouths_.push_back({time, opening});
+void LipsWatch::addMouth(platform::TimePoint time, const MouthLook& look) {
+  mouths_.push_back({time, look});
   judge();
 }
 
@@ -62,28 +48,24 @@ bool LipsWatch::hearsVoice(platform::TimePoint time) const {
   return after->decibels > std::max(kLeastLoudness, quietest + kAboveNoise);
 }
 
-double LipsWatch::movement(platform::TimePoint time) const {
-  double least = 1e9;
-  double most = 0;
-  for (const Mouth& mouth : mouths_) {
-    if (mouth.time < time - kReach || mouth.time > time + kReach) continue;
-    least = std::min(least, mouth.opening);
-    most = std::max(most, mouth.opening);
+bool LipsWatch::movesAt(std::size_t index) const {
+  MouthChange most;
+  for (std::size_t i = index; i-- > 0 && mouths_[i].time >= mouths_[index].time - kReach;) {
+    const MouthChange change = changeBetween(mouths_[i].look, mouths_[index].look);
+    most = {std::max(most.lips, change.lips), std::max(most.skin, change.skin)};
   }
-  return most - least;
+  return most.lips > kMoves && most.lips > kAboveSkin * most.skin;
 }
 
-/// Looks are judged when both what follows them and what was heard then is known.
+/// Looks are judged when it is known what was heard then.
 void LipsWatch::judge() {
   while (next_ < mouths_.size()) {
     const platform::TimePoint time = mouths_[next_].time;
-    const bool isKnown =
-        mouths_.back().time >= time + kReach && !sounds_.empty() && sounds_.back().time >= time;
-    if (!isKnown) break;
-    ++next_;
+    if (sounds_.empty() || sounds_.back().time < time) break;
+    const std::size_t look = next_++;
     if (!hearsVoice(time)) continue;
     ++voiced_;
-    if (movement(time) < kMoves) ++atRest_;
+    if (!movesAt(look)) ++atRest_;
   }
   while (!sounds_.empty() && sounds_.back().time - sounds_.front().time > kMemory)
     sounds_.pop_front();
@@ -93,11 +75,10 @@ void LipsWatch::judge() {
   }
 }
 
-std::optional<LivenessSign> LipsWatch::sign() const {
+std::optional<LivenessSign> LipsWatch::sign(double limit) const {
   if (voiced_ < kLeastVoiced) return {};
   const double share = static_cast<double>(atRest_) / voiced_;
-  return LivenessSign{"lipsAtRest", LivenessSign::SpeaksFor::fraud, share, kMostAtRest,
-                      share > kMostAtRest};
+  return LivenessSign{"lipsAtRest", LivenessSign::SpeaksFor::fraud, share, limit, share > limit};
 }
 
 }  // namespace corvana::engine

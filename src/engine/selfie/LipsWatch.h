@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "engine/selfie/Liveness.h"
-#include "engine/vision/FaceLandmarks.h"
+#include "engine/selfie/MouthLook.h"
 #include "platform/media/SampleBuffer.h"
 
 namespace corvana::engine {
@@ -14,20 +14,18 @@ namespace corvana::engine {
 /// the same clock, and each of both grows.
 class LipsWatch {
  public:
-  void addMouth(platform::TimePoint time, double opening);
+  void addMouth(platform::TimePoint time, const MouthLook& look);
   void addSound(const platform::CMSampleBuffer& samples);
 
   /// "lipsAtRest", of fraud: the share of the looks in which a voice was heard and the lips did not
-  /// move. Absent before enough of a voice was heard.
-  std::optional<LivenessSign> sign() const;
+  /// move, seen above `limit`. Absent before enough of a voice was heard.
+  std::optional<LivenessSign> sign(double limit) const;
 
-  /// Lips move when the mouth's opening changes by so much of its width around a look, within so
-  /// long to both sides: an unvoiced pause inside a word is shorter.
+  /// Lips move when they look so different from one of the looks so long before, and so many times
+  /// as different as the skin above them.
   static constexpr double kMoves = 0.045;
+  static constexpr double kAboveSkin = 2;
   static constexpr platform::Duration kReach = std::chrono::milliseconds(400);
-  /// Share of voiced looks with lips at rest from which on the voice may not be theirs. On made
-  /// films it does not part honest ones from dubbed ones surely (docs/liveness.md).
-  static constexpr double kMostAtRest = 0.8;
   /// Looks with a voice, by which something can be said: about two seconds of it.
   static constexpr int kLeastVoiced = 20;
   /// A voice is louder than this, decibels below full scale, and by so much than the quietest that
@@ -38,7 +36,7 @@ class LipsWatch {
  private:
   struct Mouth {
     platform::TimePoint time;
-    double opening = 0;
+    MouthLook look;
   };
   struct Loudness {
     platform::TimePoint time;  ///< the middle
@@ -46,7 +44,7 @@ class LipsWatch {
   };
   void judge();
   bool hearsVoice(platform::TimePoint time) const;
-  double movement(platform::TimePoint time) const;
+  bool movesAt(std::size_t index) const;
 
   std::deque<Mouth> mouths_;
   std::deque<Loudness> sounds_;
@@ -54,8 +52,5 @@ class LipsWatch {
   int voiced_ = 0;
   int atRest_ = 0;
 };
-
-/// Height of the opening between the lips over the mouth's width.
-double mouthOpening(const FaceMesh& mesh);
 
 }  // namespace corvana::engine

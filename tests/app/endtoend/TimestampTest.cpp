@@ -132,6 +132,49 @@ TEST_F(Timestamp, AStampThatWasChangedOrIsAnothersIsFound) {
   EXPECT_FALSE(holds()) << "the nonce can't be checked";
 }
 
+TEST_F(Timestamp, AnAuthorityIsAskedOverTheNetwork) {
+  const auto ask = [&](const std::string& address, const Arguments& more = {}) {
+    Arguments arguments{SOURCES "/stamp_server.py",
+                        scratch_ / "authority",
+                        VIDEOID,
+                        "timestamp",
+                        run_,
+                        "--url",
+                        address};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return runProgram(PYTHON, arguments);
+  };
+  const std::string here = "http://127.0.0.1:PORT/";
+  const struct {
+    std::string address;
+    Arguments more;
+    int exitCode;
+    const char* sentence;
+  } refused[] = {
+      {here + "busy", {}, 2, "authority 127.0.0.1 refused the request (HTTP status 503)"},
+      {here + "moved", {}, 2, "refused the request (HTTP status 302)"},
+      {here + "page", {}, 2, "answered with something else than a time stamp"},
+      {here + "huge", {}, 2, "more bytes than a time stamp has"},
+      {here + "endless", {}, 2, "more bytes than a time stamp has"},
+      {here + "silent", {"--wait", "1"}, 2, "did not answer within 1 s"},
+      {here + "nonsense", {}, 1, "is no answer of a time stamp authority"},
+      {here + "stamp", {"--answer", "-"}, 2, "--answer"},
+      {"http://127.0.0.1:1/", {}, 2, "can't be reached"},
+      {"file:///etc/passwd", {}, 2, "is no address of a time stamp authority"},
+      {"nonsense", {}, 2, "is no address of a time stamp authority"},
+  };
+  for (const auto& c : refused) {
+    const ProgramRun asked = ask(c.address, c.more);
+    EXPECT_EQ(asked.exitCode, c.exitCode) << c.address;
+    EXPECT_NE(asked.errors.find(c.sentence), std::string::npos) << c.address << asked.errors;
+    EXPECT_FALSE(fs::exists(run_ / "stamp-1.tsr"));
+  }
+  const ProgramRun stamped = ask(here + "stamp", {"--stamp-ca", ca_});
+  EXPECT_EQ(stamped.exitCode, 0) << stamped.errors;
+  EXPECT_NE(stamped.output.find("says a trusted authority"), std::string::npos) << stamped.output;
+  EXPECT_EQ(verify({"--stamp-ca", ca_}).exitCode, 0);
+}
+
 TEST_F(Timestamp, WhatHasNoSealCannotBeStamped) {
   fs::remove(run_ / "result.jws");
   const ProgramRun refused = stamp();

@@ -1,4 +1,5 @@
 #include "engine/recorder/RecorderFixture.h"
+#include "engine/vision/OpenMouth.h"
 
 namespace corvana::tests {
 namespace {
@@ -108,7 +109,7 @@ TEST_F(RecorderTest, NotesAVoiceThatIsHeardWhileTheLipsRestAndLosesNobodyForIt) 
     int looks = 0;
     analyzer->fill = [&](Observation& observation) {
       showGoodFace(observation);
-      observation.mouth = dubbed || ++looks % 4 < 2 ? 0.05 : 0.2;
+      observation.mouth = openMouth(dubbed || ++looks % 4 < 2 ? 0.1 : 0.4);
     };
     for (int i = 0; i < 50; ++i) {
       recorder->videoWriter().writeAudio(sound(loop.now(), i < 10 ? 20 : 5000));

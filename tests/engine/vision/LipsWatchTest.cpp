@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/selfie/LipsWatch.h"
+#include "engine/vision/OpenMouth.h"
 
 namespace corvana::engine {
 namespace {
@@ -10,16 +11,22 @@ namespace {
 /// Ten looks a second at a mouth, with sound beside it.
 class Reading {
  public:
-  /// `open` and `loud` say, for each time in seconds, the mouth's opening and the sound's
-  /// amplitude.
+  /// `open` and `loud` say, for each time in seconds, which part of the mouth is open and the
+  /// sound's amplitude.
   template <class Open, class Loud>
   std::optional<LivenessSign> read(double seconds, Open open, Loud loud) {
-    for (int look = 0; look < static_cast<int>(10 * seconds); ++look, now_ += 0.1) {
-      watch_.addMouth(at(now_), open(now_));
+    return readLooks(
+        seconds, [&](double now) { return tests::openMouth(open(now)); }, loud);
+  }
+
+  template <class Look, class Loud>
+  std::optional<LivenessSign> readLooks(double seconds, Look look, Loud loud) {
+    for (int count = 0; count < static_cast<int>(10 * seconds); ++count, now_ += 0.1) {
+      watch_.addMouth(at(now_), look(now_));
       // The sound comes in pieces of a fifth of a second, later than the picture.
-      if (look % 2 == 1) watch_.addSound(sound(now_ - 0.1, loud));
+      if (count % 2 == 1) watch_.addSound(sound(now_ - 0.1, loud));
     }
-    return watch_.sign();
+    return watch_.sign(0.5);
   }
 
  private:
@@ -55,10 +62,10 @@ double quiet(double) {
   return 20;
 }
 double moving(double seconds) {
-  return 0.05 + 0.15 * syllables(seconds);
+  return 0.6 * syllables(seconds);
 }
 double resting(double seconds) {
-  return 0.08 + 0.008 * std::sin(7 * seconds);
+  return 0.25 + 0.02 * std::sin(7 * seconds);
 }
 
 TEST(LipsWatch, TellsAVoiceFromRestingLipsFromOneThatTheLipsSpeak) {
@@ -85,6 +92,50 @@ TEST(LipsWatch, AVoiceFromBehindDoesNotAccuseWhoReadsMeanwhile) {
   const auto sign = reading.read(2, resting, speaking);
   ASSERT_TRUE(sign);
   EXPECT_FALSE(sign->isSeen) << sign->value;
+}
+
+TEST(LipsWatch, AFaceThatShakesAsAWholeDoesNotSpeak) {
+  Reading reading;
+  MouthLook look = tests::openMouth(0);
+  const auto shake = [&](bool there) {
+    for (std::size_t i = 0; i < look.lips.size(); ++i)
+      look.lips[i] = there && i % 2 == 0 ? 1.2F : 1;
+    for (std::size_t i = 0; i < look.skin.size(); ++i)
+      look.skin[i] = there && i % 2 == 0 ? 1.2F : 1;
+    return look;
+  };
+  const auto sign = reading.readLooks(
+      6, [&, there = false](double) mutable { return shake(there = !there); }, speaking);
+  ASSERT_TRUE(sign);
+  EXPECT_TRUE(sign->isSeen) << sign->value;
+}
+
+/// A grey picture with a darker mouth, and the face's points in it.
+struct PaintedFace {
+  PaintedFace(int left, int light, int opening) {
+    mesh[33] = {left + 60.0, 100, 0};
+    mesh[263] = {left + 180.0, 100, 0};
+    mesh[2] = {left + 120.0, 166, 0};
+    std::vector<std::uint8_t> pixels(400 * 400, static_cast<std::uint8_t>(light));
+    for (int y = 200; y < 200 + opening; ++y)
+      std::fill_n(pixels.begin() + y * 400 + left + 95, 50, static_cast<std::uint8_t>(light / 3));
+    picture = std::make_shared<platform::PixelBuffer>(400, 400, platform::PixelFormat::gray8,
+                                                      std::move(pixels));
+  }
+  MouthLook look() const { return mouthLook(*picture, mesh); }
+
+  FaceMesh mesh{};
+  platform::PixelBufferRef picture;
+};
+
+TEST(MouthLook, FollowsTheFaceAndSeesTheMouthAlone) {
+  const MouthLook closed = PaintedFace(0, 150, 0).look();
+  const MouthChange elsewhere = changeBetween(closed, PaintedFace(37, 90, 0).look());
+  EXPECT_LT(elsewhere.lips, 0.01) << "neither place nor light counts";
+  EXPECT_LT(elsewhere.skin, 0.01);
+  const MouthChange opened = changeBetween(closed, PaintedFace(37, 90, 15).look());
+  EXPECT_GT(opened.lips, 0.1);
+  EXPECT_LT(opened.skin, 0.01);
 }
 
 }  // namespace

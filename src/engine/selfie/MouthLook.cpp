@@ -1,0 +1,73 @@
+#include "engine/selfie/MouthLook.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <opencv2/imgproc.hpp>
+
+#include "engine/vision/MatViews.h"
+
+namespace corvana::engine {
+namespace {
+
+constexpr std::size_t kRightEyeCorner = 33;
+constexpr std::size_t kLeftEyeCorner = 263;
+constexpr std::size_t kUnderTheNose = 2;
+
+/// The plane of the face: the outer corners of the eyes at (0, 0) and (1, 0), the foot of the nose
+/// where it lies on an even face.
+const cv::Point2f kFoot[] = {{0.0F, 0.0F}, {1.0F, 0.0F}, {0.5F, 0.55F}};
+const cv::Rect2d kLipsPlace{0.2, 0.68, 0.6, 0.42};
+const cv::Rect2d kSkinPlace{0.1, 0.15, 0.8, 0.35};
+/// Pixels that make one of a patch, along each side: what is sampled too thinly flickers.
+constexpr int kOversampling = 2;
+
+cv::Mat faceToPicture(const FaceMesh& mesh) {
+  cv::Point2f points[3];
+  std::ranges::transform(
+      std::array{kRightEyeCorner, kLeftEyeCorner, kUnderTheNose}, points, [&](std::size_t index) {
+        return cv::Point2f(static_cast<float>(mesh[index].x), static_cast<float>(mesh[index].y));
+      });
+  return cv::getAffineTransform(kFoot, points);
+}
+
+template <std::size_t Count>
+void cut(const cv::Mat& picture, const cv::Mat& faceToPicture, const cv::Rect2d& place,
+         std::size_t width, std::array<float, Count>& patch) {
+  const cv::Size size(static_cast<int>(width), static_cast<int>(Count / width));
+  const cv::Size sampled = size * kOversampling;
+  const cv::Mat patchToFace = (cv::Mat_<double>(3, 3) << place.width / sampled.width, 0, place.x, 0,
+                               place.height / sampled.height, place.y, 0, 0, 1);
+  cv::Mat samples;
+  cv::warpAffine(picture, samples, faceToPicture * patchToFace, sampled,
+                 cv::INTER_LINEAR | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
+  samples.convertTo(samples, CV_32F);
+  cv::Mat pixels(size, CV_32F, patch.data());
+  cv::resize(samples, pixels, size, 0, 0, cv::INTER_AREA);
+  pixels /= std::max(cv::mean(pixels)[0], 1.0);
+}
+
+template <std::size_t Count>
+double meanDifference(const std::array<float, Count>& a, const std::array<float, Count>& b) {
+  double sum = 0;
+  for (std::size_t i = 0; i < Count; ++i)
+    sum += std::abs(a[i] - b[i]);
+  return sum / static_cast<double>(Count);
+}
+
+}  // namespace
+
+MouthLook mouthLook(const platform::PixelBuffer& picture, const FaceMesh& mesh) {
+  const cv::Mat grey = grayMat(picture);
+  const cv::Mat transform = faceToPicture(mesh);
+  MouthLook look;
+  cut(grey, transform, kLipsPlace, MouthLook::kLipsWidth, look.lips);
+  cut(grey, transform, kSkinPlace, MouthLook::kSkinWidth, look.skin);
+  return look;
+}
+
+MouthChange changeBetween(const MouthLook& a, const MouthLook& b) {
+  return {meanDifference(a.lips, b.lips), meanDifference(a.skin, b.skin)};
+}
+
+}  // namespace corvana::engine
