@@ -77,6 +77,14 @@ Expected<Analyzer> startAnalyzer(const Resources& resources, const Tables& docum
   return engine::LateFrameAnalyzer::start(loop, load);
 }
 
+/// Where the program's own kinds of documents are missing, its models mostly are too, which says
+/// more.
+Refusal withModelsLack(const Refusal& refusal, const Resources& resources) {
+  const std::string lack = lacks({examineFaceModel(resources)});
+  const bool isMachines = refusal.code == ExitCode::machineLacks;
+  return isMachines && !lack.empty() ? Refusal{ExitCode::machineLacks, lack} : refusal;
+}
+
 /// What is missing whatever the camera is; empty when nothing is.
 std::string machineLack(const CaptureArguments& arguments) {
   if (auto lack = lacks(examineMachine()); !lack.empty()) return lack;
@@ -151,7 +159,7 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   PreparedCapture prepared;
   prepared.resources = findResources();
   const auto tables = loadDocuments(prepared.resources, arguments.documents);
-  if (!tables) return tl::unexpected(tables.error());
+  if (!tables) return tl::unexpected(withModelsLack(tables.error(), prepared.resources));
   const auto wishes = chooseLooks(arguments, prepared.resources);
   if (!wishes) return tl::unexpected(wishes.error());
   prepared.rules = documentRules(arguments.documents);
