@@ -37,6 +37,7 @@
 
 #include "ProgramClock.h"
 #include "app/commands/CaptureCommand.h"
+#include "app/run/DocumentFolders.h"
 #include "app/run/Resources.h"
 #include "capture/FaceMatchDetector.h"
 #include "devices/qtquick/PreviewItem.h"
@@ -218,11 +219,13 @@ void measureFaceMatch() {
 void measureLoading() {
   const auto resources = app::findResources();
   const auto before = Clock::now();
-  const auto loaded = engine::VisionFrameAnalyzer::load({resources.faceDetector(),
-                                                         resources.faceLandmarks(),
-                                                         resources.faceModel(),
-                                                         resources.textReader(),
-                                                         {resources.documents()}});
+  const auto tables = app::loadDocuments(resources, {});
+  if (!tables) return;
+  const auto loaded = engine::VisionFrameAnalyzer::load({.faceDetector = resources.faceDetector(),
+                                                         .faceLandmarks = resources.faceLandmarks(),
+                                                         .faceEmbedding = resources.faceModel(),
+                                                         .text = resources.textReader(),
+                                                         .documents = *tables});
   std::printf("what reads faces and cards is loaded in %.0f ms, on a worker\n",
               loaded ? milliseconds(Clock::now() - before) : 0);
 }

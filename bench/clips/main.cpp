@@ -13,6 +13,7 @@
 #include "engine/recorder/Recorder.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
 #include "engine/vision/MatViews.h"
+#include "platform/foundation/RandomSource.h"
 #include "platform/foundation/VirtualRunLoop.h"
 
 namespace corvana::bench {
@@ -141,12 +142,17 @@ int run(int count, std::uint64_t seed, const std::string& only) {
     return 3;
   }
   const std::filesystem::path models = CORVANA_ENGINE_RESOURCES;
-  auto analyzer =
-      engine::VisionFrameAnalyzer::load({models / "face_detection_short_range.tflite",
-                                         models / "face_landmark.tflite",
-                                         CORVANA_FACE_MODEL,
-                                         engine::NetworkTextReader::Models::inFolder(models),
-                                         {models / "documents"}});
+  auto tables = engine::loadDocumentTables({models / "documents"});
+  if (!tables) {
+    std::cerr << "guidance-clips: " << tables.error().sentence << '\n';
+    return 3;
+  }
+  auto analyzer = engine::VisionFrameAnalyzer::load(
+      {.faceDetector = models / "face_detection_short_range.tflite",
+       .faceLandmarks = models / "face_landmark.tflite",
+       .faceEmbedding = CORVANA_FACE_MODEL,
+       .text = engine::NetworkTextReader::Models::inFolder(models),
+       .documents = std::make_shared<engine::DocumentTables>(std::move(*tables))});
   if (!analyzer) {
     std::cerr << "guidance-clips: " << analyzer.error().sentence << '\n';
     return 3;

@@ -115,6 +115,7 @@ Design design(const json& value, const std::string& name) {
   design.kind = value.at("kind").get<std::string>();
   design.unseen = value.value("unseen", false);
   design.format = kFormats.at(value.at("format").get<std::string>());
+  if (value.contains("size")) design.otherSize = cv::Size2d(point(value.at("size")));
   design.book = value.value("book", false);
   design.documentCode = value.at("documentCode").get<std::string>();
   design.stateName = value.at("stateName").get<std::string>();
@@ -133,7 +134,7 @@ Design design(const json& value, const std::string& name) {
 }  // namespace
 
 cv::Size2d Design::size() const {
-  return sizeOf(format).card;
+  return otherSize.value_or(sizeOf(format).card);
 }
 
 Result<Design> readDesign(const fs::path& file) {
@@ -173,8 +174,8 @@ cv::Rect2d fieldBox(const Design& design, const FieldPlace& field) {
 }
 
 cv::Rect2d zoneBox(const Design& design) {
-  const FormatSize& size = sizeOf(design.format);
-  return {0.0, size.card.height - size.zone, size.card.width, size.zone};
+  const double height = sizeOf(design.format).zone;
+  return {0.0, design.size().height - height, design.size().width, height};
 }
 
 std::vector<cv::Rect2d> contentsOf(const Design& design, const SideDesign& side) {

@@ -67,7 +67,8 @@ struct Design {
   std::string kind;  ///< identityCard, residencePermit, drivingLicence or passport
   bool unseen = false;
   session::MrzFormat format = session::MrzFormat::td1;
-  bool book = false;  ///< another page hangs on the upper edge, as in a passport
+  std::optional<cv::Size2d> otherSize;  ///< millimetres, where it is not that of the format
+  bool book = false;                    ///< another page hangs on the upper edge, as in a passport
   std::string documentCode;
   std::string stateName;
   std::string nationality;  ///< empty: the holder's own
@@ -82,7 +83,7 @@ struct Design {
   FontName labelFont, valueFont, titleFont;
   double labelSize = 2.0, valueSize = 3.3;
   LabelPlace labels = LabelPlace::above;
-  std::string pattern;  ///< waves, rosettes, mesh or rays
+  std::string pattern;  ///< waves, rosettes, mesh, scales or rays
   std::vector<cv::Scalar> groundColours, patternColours;
   cv::Scalar ink, labelInk;
   SideDesign front;

@@ -218,22 +218,71 @@ cv::Mat marble(cv::Size size, double scale, Random& random) {
   return coloured(1.0 - depth + depth * veins + clouds, drawFrom(kColours, random));
 }
 
+/// Terrazzo: chips of stone of all sizes in a paler mass.
+cv::Mat terrazzo(cv::Size size, double scale, Random& random) {
+  static const std::vector<cv::Scalar> kColours = {{214, 208, 198}, {96, 92, 90},
+                                                   {158, 88, 66},   {70, 104, 98},
+                                                   {228, 224, 216}, {178, 152, 112}};
+  cv::Mat picture(size, CV_8UC3, drawFrom(kColours, random));
+  const double chips = size.area() / (60.0 * scale * scale);
+  for (int i = 0; i < chips; ++i) {
+    const cv::Point2d at(random.uniform(0.0, size.width), random.uniform(0.0, size.height));
+    const double reach = scale * random.uniform(0.6, 5.0);
+    std::vector<cv::Point> chip;
+    for (double angle = random.uniform(0.0, 1.0); angle < 6.28; angle += random.uniform(0.7, 1.6))
+      chip.emplace_back(at + reach * cv::Point2d(std::cos(angle), 0.7 * std::sin(angle)));
+    cv::fillPoly(picture, chip, drawFrom(kColours, random), cv::LINE_AA);
+  }
+  return lit(picture, 1.0 + 0.03 * unevenness(size, 2.0 * scale, 2.0 * scale, random));
+}
+
+/// Bands of several colours and widths, again and again, as one colour for each pixel.
+std::vector<cv::Vec3f> sett(int length, double scale, Random& random) {
+  static const std::vector<cv::Scalar> kColours = {{150, 30, 40},  {24, 60, 44},    {30, 40, 84},
+                                                   {210, 180, 70}, {232, 228, 220}, {30, 28, 30}};
+  std::vector<cv::Vec3f> repeat;
+  for (int band = 0; band < 7; ++band) {
+    const cv::Scalar colour = drawFrom(kColours, random);
+    const auto width = static_cast<std::size_t>(random.uniform(0.8, 12.0) * scale) + 1;
+    repeat.insert(repeat.end(), width, cv::Vec3f(cv::Vec3d(colour[0], colour[1], colour[2])));
+  }
+  std::vector<cv::Vec3f> all;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(length); ++i)
+    all.push_back(repeat[i % repeat.size()]);
+  return all;
+}
+
+/// Tartan: the same bands across and along, whose colours mix where they cross, on twill.
+cv::Mat tartan(cv::Size size, double scale, Random& random) {
+  const auto bands = sett(std::max(size.width, size.height), scale, random);
+  const int thread = std::max(1, static_cast<int>(0.5 * scale));
+  cv::Mat picture(size, CV_8UC3);
+  for (int row = 0; row < size.height; ++row)
+    for (int column = 0; column < size.width; ++column) {
+      const float across = (row + column) / thread % 2 == 0 ? 0.65F : 0.35F;
+      picture.at<cv::Vec3b>(row, column) =
+          across * bands[static_cast<std::size_t>(row)] +
+          (1.0F - across) * bands[static_cast<std::size_t>(column)];
+    }
+  return lit(picture, 1.0 + 0.08 * unevenness(size, 0.8 * scale, 0.8 * scale, random));
+}
+
 using Painter = cv::Mat (*)(cv::Size, double, Random&);
 
 const std::map<std::string, Painter>& painters() {
   static const std::map<std::string, Painter> kAll = {
-      {"plain", plain},     {"wood", wood},       {"cloth", cloth},
-      {"stone", stone},     {"tiles", tiles},     {"carpet", carpet},
-      {"stripes", stripes}, {"leather", leather}, {"marble", marble}};
+      {"plain", plain},   {"wood", wood},         {"cloth", cloth},     {"stone", stone},
+      {"tiles", tiles},   {"carpet", carpet},     {"stripes", stripes}, {"leather", leather},
+      {"marble", marble}, {"terrazzo", terrazzo}, {"tartan", tartan}};
   return kAll;
 }
 
 }  // namespace
 
 const std::vector<std::string>& groundNames() {
-  static const std::vector<std::string> kNames = {"plain",   "wood",  "print",  "cloth",
-                                                  "stone",   "tiles", "carpet", "stripes",
-                                                  "leather", "marble"};
+  static const std::vector<std::string> kNames = {"plain",   "wood",   "print",    "cloth",
+                                                  "stone",   "tiles",  "carpet",   "stripes",
+                                                  "leather", "marble", "terrazzo", "tartan"};
   return kNames;
 }
 

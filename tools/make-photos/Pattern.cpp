@@ -86,6 +86,20 @@ void drawRays(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
   }
 }
 
+/// Rows of arcs, each between two of the row above.
+void drawScales(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
+  const double radius = picture.rows * random.uniform(0.03, 0.06);
+  int row = 0;
+  for (double y = -radius; y < picture.rows + radius; y += 0.5 * radius, ++row) {
+    for (double x = row % 2 == 0 ? 0.0 : radius; x < picture.cols + radius; x += 2.0 * radius) {
+      std::vector<cv::Point2d> points;
+      for (double angle = 0.0; angle <= 0.5 * kTurn; angle += kTurn / 40.0)
+        points.emplace_back(x + radius * std::cos(angle), y + radius * std::sin(angle));
+      session::drawCurve(picture, points, colour);
+    }
+  }
+}
+
 }  // namespace
 
 cv::Mat printedGround(const Design& design, cv::Size size, std::uint64_t seed) {
@@ -95,6 +109,7 @@ cv::Mat printedGround(const Design& design, cv::Size size, std::uint64_t seed) {
     if (design.pattern == "waves") drawWaves(picture, random, colour);
     if (design.pattern == "rosettes") drawRosettes(picture, random, colour);
     if (design.pattern == "mesh") drawMesh(picture, random, colour);
+    if (design.pattern == "scales") drawScales(picture, random, colour);
     if (design.pattern == "rays") drawRays(picture, random, colour);
   }
   return picture;

@@ -102,7 +102,7 @@ ExitCode runDocuments(const DocumentsArguments& arguments) {
   const auto tables = loadDocuments(findResources(), documents);
   if (!tables) return complain(std::cerr, tables.error());
   if (!arguments.checked) {
-    print(*tables, arguments.asJson);
+    print(**tables, arguments.asJson);
     return ExitCode::result;
   }
   std::cout << "\"" << arguments.checked->string()

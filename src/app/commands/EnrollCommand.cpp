@@ -133,9 +133,7 @@ tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
   auto documents = engine::FaceDetector::load(resources.faceDetector()).and_then([&](auto&& faces) {
     return engine::DocumentAnalyzer::load(
         std::make_shared<engine::FaceDetector>(std::forward<decltype(faces)>(faces)),
-        {.text = resources.textReader(),
-         .documents = documentFolders(resources, arguments.documents),
-         .today = rules.today});
+        {.text = resources.textReader(), .documents = *tables, .today = rules.today});
   });
   if (!documents) {
     return tl::unexpected(Refusal{ExitCode::machineLacks, documents.error().sentence});
@@ -146,7 +144,7 @@ tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
   reference.front = std::move(*front);
   describe("front", reference.front);
   if (!arguments.back) return reference;
-  const auto* kind = tables->kinds.ofType(reference.front.type.value_or(""));
+  const auto* kind = (*tables)->kinds.ofType(reference.front.type.value_or(""));
   if (kind && !kind->back) {
     return tl::unexpected(
         Refusal{ExitCode::wrongUse, "\"" + arguments.front.string() + "\" shows a " + kind->stem +

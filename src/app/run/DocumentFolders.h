@@ -1,7 +1,6 @@
 #pragma once
 
-#include <filesystem>
-#include <vector>
+#include <memory>
 
 #include "app/run/CalendarDay.h"
 #include "app/run/ExitCode.h"
@@ -10,13 +9,9 @@
 
 namespace corvana::app {
 
-/// Where kinds of documents lie: those of the program, and after them the user's.
-std::vector<std::filesystem::path> documentFolders(const Resources& resources,
-                                                   const DocumentChoice& choice);
-
-/// Reads them all. A fault in the user's files is theirs to mend, one in the program's is the
-/// machine's lack.
-tl::expected<engine::DocumentTables, Refusal> loadDocuments(const Resources& resources,
-                                                            const DocumentChoice& choice);
+/// Reads the kinds of documents of the program, and after them the user's. A fault in the user's
+/// files is theirs to mend, one in the program's is the machine's lack.
+tl::expected<std::shared_ptr<const engine::DocumentTables>, Refusal> loadDocuments(
+    const Resources& resources, const DocumentChoice& choice);
 
 }  // namespace corvana::app

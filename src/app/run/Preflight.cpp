@@ -55,24 +55,34 @@ std::unique_ptr<FlowScreen> makeScreenFor(const CaptureArguments& arguments,
 
 using Analyzer = std::shared_ptr<engine::FrameAnalyzer>;
 
-Expected<Analyzer> loadAnalyzer(const Resources& resources, const DocumentChoice& documents,
+using Tables = std::shared_ptr<const engine::DocumentTables>;
+
+Expected<Analyzer> loadAnalyzer(const Resources& resources, const Tables& documents,
                                 const DocumentRules& rules) {
   if (const auto lack = lacks({examineFaceModel(resources)}); !lack.empty()) {
     return platform::failure(lack);
   }
-  auto loaded = engine::VisionFrameAnalyzer::load(
-      {resources.faceDetector(), resources.faceLandmarks(), resources.faceModel(),
-       resources.textReader(), documentFolders(resources, documents), rules.today});
+  auto loaded = engine::VisionFrameAnalyzer::load({resources.faceDetector(),
+                                                   resources.faceLandmarks(), resources.faceModel(),
+                                                   resources.textReader(), documents, rules.today});
   if (!loaded) return tl::unexpected(loaded.error());
   return *loaded;
 }
 
 /// A user does not wait for the models to see their picture; a replay has all the time it wants.
-Expected<Analyzer> startAnalyzer(const Resources& resources, const DocumentChoice& documents,
+Expected<Analyzer> startAnalyzer(const Resources& resources, const Tables& documents,
                                  const DocumentRules& rules, platform::RunLoop& loop) {
   const auto load = [=] { return loadAnalyzer(resources, documents, rules); };
   if (loop.isVirtual()) return load();
   return engine::LateFrameAnalyzer::start(loop, load);
+}
+
+/// Where the program's own kinds of documents are missing, its models mostly are too, which says
+/// more.
+Refusal withModelsLack(const Refusal& refusal, const Resources& resources) {
+  const std::string lack = lacks({examineFaceModel(resources)});
+  const bool isMachines = refusal.code == ExitCode::machineLacks;
+  return isMachines && !lack.empty() ? Refusal{ExitCode::machineLacks, lack} : refusal;
 }
 
 /// What is missing whatever the camera is; empty when nothing is.
@@ -149,22 +159,19 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   PreparedCapture prepared;
   prepared.resources = findResources();
   const auto tables = loadDocuments(prepared.resources, arguments.documents);
-  if (!tables && arguments.documents.folder) return tl::unexpected(tables.error());
+  if (!tables) return tl::unexpected(withModelsLack(tables.error(), prepared.resources));
   const auto wishes = chooseLooks(arguments, prepared.resources);
   if (!wishes) return tl::unexpected(wishes.error());
   prepared.rules = documentRules(arguments.documents);
   auto inputs = checkInputs(arguments);
   if (!inputs) return refuse(ExitCode::wrongUse, inputs.error().sentence);
   prepared.inputs = std::move(*inputs);
-  if (const auto fault = tables ? kindFault(prepared.inputs.reference, tables->kinds) : "";
-      !fault.empty()) {
+  if (const auto fault = kindFault(prepared.inputs.reference, (*tables)->kinds); !fault.empty()) {
     return refuse(ExitCode::wrongUse, fault);
   }
-  if (tables) {
-    const auto sum = sumOver(tables->files);
-    if (!sum) return refuse(ExitCode::machineLacks, sum.error().sentence);
-    prepared.inputs.documentsSum = *sum;
-  }
+  const auto sum = sumOver((*tables)->files);
+  if (!sum) return refuse(ExitCode::machineLacks, sum.error().sentence);
+  prepared.inputs.documentsSum = *sum;
   if (const auto lack = machineLack(arguments); !lack.empty()) {
     return refuse(ExitCode::machineLacks, lack);
   }
@@ -178,7 +185,7 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   if (const auto lack = diskLack(arguments, folder, *prepared.media); !lack.empty()) {
     return refuse(ExitCode::machineLacks, lack);
   }
-  auto analyzer = startAnalyzer(prepared.resources, arguments.documents, prepared.rules, loop);
+  auto analyzer = startAnalyzer(prepared.resources, *tables, prepared.rules, loop);
   if (!analyzer) return refuse(ExitCode::machineLacks, analyzer.error().sentence);
   prepared.analyzer = *analyzer;
   if (auto made = makeEmptyFolder(folder); !made) {

@@ -27,8 +27,10 @@ constexpr double kLeastSecondSupport = 0.55;
 constexpr double kLeastScore = 0.66;
 /// Small outlines are common in any room; only a clear one counts.
 constexpr double kLeastSmallScore = 0.74;
-constexpr double kMostAspectError = 0.20;  ///< of the ratio's logarithm
-constexpr double kMostTaper = 1.5;         ///< of a side against the opposite one
+/// Between a page that leans back and a card that leans to the side.
+constexpr double kLeastAspect = 1.29;
+constexpr double kMostAspect = 1.94;
+constexpr double kMostTaper = 1.5;  ///< of a side against the opposite one
 /// The sides of a card that is cut off by the picture's edge must be this clear.
 constexpr double kLeastCutOffSupport = 0.7;
 /// The part of them next to that edge, or what lies beside a card would be taken for its sequel.
@@ -39,6 +41,11 @@ constexpr double kSmallestOfGuide = 0.25;
 
 double squared(double value) {
   return value * value;
+}
+
+bool hasDocumentsShape(const Quad& quad) {
+  return quad.aspect() >= kLeastAspect && quad.aspect() <= kMostAspect &&
+         quad.taper() <= kMostTaper;
 }
 
 struct Candidate {
@@ -82,7 +89,7 @@ class OutlineSearch {
   Candidate best() const {
     Candidate best;
     forEachOutline(across_, down_, [&](const Quad& quad) {
-      if (quad.aspectError() > kMostAspectError || quad.taper() > kMostTaper) return;
+      if (!hasDocumentsShape(quad)) return;
       const double support = supportOf(quad);
       if (support == 0) return;
       const double preferred = preference(quad);

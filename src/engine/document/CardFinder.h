@@ -17,9 +17,9 @@ struct CardSighting {
   double score = 0;
 };
 
-/// Looks for the outline of an ID-1 card, held in landscape, near the guide (a rectangle in pixels
-/// of the picture, where the user is asked to hold the card). Corners are good to about two pixels
-/// of a 720-pixel-wide picture. Pure; about 10 ms for a camera frame.
+/// Looks for the outline of a card or page, held in landscape, near the guide (a rectangle in
+/// pixels of the picture, where the user is asked to hold the card). Corners are good to about two
+/// pixels of a 720-pixel-wide picture. Pure; about 10 ms for a camera frame.
 CardSighting findCard(const platform::PixelBuffer& picture, const platform::CGRect& guide,
                       const corvana::IDCapture::Options& limits = {});
 

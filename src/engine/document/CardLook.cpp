@@ -53,13 +53,31 @@ Print printOf(const std::vector<TextLine>& lines, int height) {
 bool completes(const Quad& whole, const Quad& part) {
   // As much as a tilt of some fifteen degrees takes from a card's height.
   constexpr double kMostTiltedAway = 0.04;
+  constexpr double kMostMeasuredWrong = 0.02;
   const auto around = whole.bounds();
   const auto within = part.bounds();
   const double slack = 0.02 * whole.width();
   const bool liesAround =
       around.minX() < within.minX() + slack && around.minY() < within.minY() + slack &&
       around.maxX() > within.maxX() - slack && around.maxY() > within.maxY() - slack;
-  return liesAround && whole.aspectError() < part.aspectError() - kMostTiltedAway;
+  const double shape = whole.documentAspect();
+  // A part may look like another size of documents, but a whole one is no less like its own.
+  return liesAround && whole.aspectError() < part.aspectError() + kMostMeasuredWrong &&
+         whole.aspectErrorFrom(shape) < part.aspectErrorFrom(shape) - kMostTiltedAway;
+}
+
+bool areTheSame(const Quad& a, const Quad& b) {
+  constexpr double kMeasuredAlike = 0.004;  // of the width
+  const auto farthest = [&](std::size_t turn) {
+    double most = 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+      const auto& corner = a.corners[i];
+      const auto& other = b.corners[(i + turn) % 4];
+      most = std::max(most, std::hypot(corner.x - other.x, corner.y - other.y));
+    }
+    return most;
+  };
+  return std::min(farthest(0), farthest(2)) < kMeasuredAlike * a.width();
 }
 
 void CardLook::turn() {
@@ -77,6 +95,7 @@ double CardLook::content() const {
 }
 
 bool CardLook::isCertainlyACard() const {
+  if (hasBarcode) return true;
   constexpr double kMostOfPrint = 0.92;
   constexpr double kEnoughPrint = 0.8;
   constexpr int kEnoughLines = 4;

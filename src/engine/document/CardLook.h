@@ -2,14 +2,13 @@
 
 #include <vector>
 
-#include "engine/document/CardTurn.h"
 #include "engine/document/Quad.h"
 #include "engine/document/TextReader.h"
 #include "platform/media/PixelBuffer.h"
 
 namespace corvana::engine {
 
-/// A first look inside an outline, before anything is read: whether a card is in it, and its turn.
+/// A first look inside an outline, before anything is read: whether a card is in it.
 struct CardLook {
   Quad outline;                     ///< the way up that the face tells, if one is seen
   platform::PixelBufferRef card;    ///< straightened
@@ -17,7 +16,7 @@ struct CardLook {
   std::vector<TextLine> lines;      ///< places only, in pixels of `card`
   double faceScore = 0;
   double faceScoreTurned = 0;
-  TurnSigns signs;
+  bool hasBarcode = false;  ///< which was read; not looked for where there is other evidence
 
   /// Takes the card for lying the other way up. Only before anything but its face is known.
   void turn();
@@ -28,9 +27,12 @@ struct CardLook {
   bool isCertainlyACard() const;
 };
 
+/// Whether two outlines are the same but for what their measuring leaves open, either way up.
+bool areTheSame(const Quad& a, const Quad& b);
+
 /// Whether an outline may be that of the whole card of which another holds a part, since a dark
-/// band ends it or the ground is like its rim: it lies around the other, and is more of a card's
-/// shape.
+/// band ends it or the ground is like its rim: it lies around the other, and is more of the shape
+/// that its own size of documents has.
 bool completes(const Quad& whole, const Quad& part);
 
 }  // namespace corvana::engine

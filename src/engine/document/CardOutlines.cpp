@@ -12,8 +12,10 @@
 namespace corvana::engine {
 namespace {
 
-/// A picture this near to a card's shape may be nothing but the card.
-constexpr double kShapeTolerance = 0.08;
+/// A picture of such proportions may be nothing but the card or page. Photographs of 4 to 3, which
+/// have it somewhere on the ground, come no nearer to a page.
+constexpr double kLeastAspect = 1.35;
+constexpr double kMostAspect = 1.72;
 
 Quad scaled(const Quad& quad, double factor) {
   Quad result;
@@ -59,9 +61,7 @@ std::vector<Quad> cardOutlines(const cv::Mat& rgb, const std::vector<cv::Rotated
   const double height = rgb.rows;
   const Quad whole = lying(Quad{
       {{{-0.5, -0.5}, {width - 0.5, -0.5}, {width - 0.5, height - 0.5}, {-0.5, height - 0.5}}}});
-  if (whole.aspectError() <= kShapeTolerance) {
-    outlines.push_back(whole);
-  }
+  if (whole.aspect() >= kLeastAspect && whole.aspect() <= kMostAspect) outlines.push_back(whole);
   return outlines;
 }
 

@@ -19,6 +19,12 @@ CutEdges touchedEdges(const Quad& outline, const platform::CGSize& picture) {
           box.minY() < margin || box.maxY() > picture.height - margin};
 }
 
+/// Whether a card or a page that is cut at its bottom or at one side can have such a rest.
+bool mayBePart(double aspect, const CutEdges& cut) {
+  return cut.bottom ? aspect >= kLeastHidden * kPageAspect && aspect <= kMostHidden * kCardAspect
+                    : aspect >= kPageAspect / kMostHidden && aspect <= kCardAspect / kLeastHidden;
+}
+
 }  // namespace
 
 CardVerdict cardPlace(const Quad& outline, const platform::CGSize& picture,
@@ -39,14 +45,13 @@ CardVerdict cardPlace(const Quad& outline, const platform::CGSize& picture,
 
 CardVerdict cutCardPlace(const Quad& part, const CutEdges& cut, const platform::CGRect& guide,
                          const corvana::IDCapture::Options& limits) {
-  const double byHeight = part.height() * kCardAspect;  // the card's width, if its height is whole
+  const double byHeight = part.height() * kCardAspect;  // a card's width, if its height is whole
   if (cut.left && cut.right) {
     const bool hasHeight = cut.bottom || byHeight > kLeastHidden * part.width();
     return hasHeight ? CardVerdict::moveAway : CardVerdict::none;
   }
-  const double hidden = cut.bottom ? part.width() / byHeight : byHeight / part.width();
   const bool isCorner = cut.bottom && (cut.left || cut.right);
-  if (!isCorner && (hidden < kLeastHidden || hidden > kMostHidden)) return CardVerdict::none;
+  if (!isCorner && !mayBePart(part.aspect(), cut)) return CardVerdict::none;
   const double leastWidth = std::max(part.width(), byHeight);
   if (leastWidth > limits.mostCardWidth * guide.width) return CardVerdict::moveAway;
   return CardVerdict::alignRectangle;

@@ -27,8 +27,8 @@ struct CutEdges {
   int count() const { return int{left} + int{right} + int{bottom}; }
 };
 
-/// Judges a card of which only a part is seen, cut by the picture's edges; none when no ID-1 card
-/// can show such a part.
+/// Judges a card of which only a part is seen, cut by the picture's edges; none when neither a card
+/// nor a page can show such a part.
 CardVerdict cutCardPlace(const Quad& part, const CutEdges& cut, const platform::CGRect& guide,
                          const corvana::IDCapture::Options& limits);
 

@@ -39,9 +39,7 @@ cv::Mat saturatedPatches(const cv::Mat& rgb) {
 }  // namespace
 
 int straightenedHeight(const Quad& outline) {
-  // Halfway between the shapes: a tilt of fifteen degrees makes a card of 1.53 and a page of 1.47.
-  constexpr double kLeastCardAspect = 1.50;
-  return outline.width() >= kLeastCardAspect * outline.height() ? kCardHeight : kPageHeight;
+  return outline.documentAspect() == kCardAspect ? kCardHeight : kPageHeight;
 }
 
 platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, const Quad& outline) {

@@ -7,7 +7,6 @@
 
 #include "engine/document/BarcodeReader.h"
 #include "engine/document/CardChoice.h"
-#include "engine/document/CardTurn.h"
 #include "engine/document/CardWarp.h"
 #include "engine/document/SecondOpinion.h"
 #include "engine/document/StillCards.h"
@@ -71,6 +70,26 @@ platform::CGRect inPixels(const platform::CGRect& place, const DocumentKind& kin
   return {place.x * across, place.y * down, place.width * across, place.height * down};
 }
 
+/// The lines of a card as they lie once it is turned by half a turn.
+std::vector<TextLine> onTheirHead(std::vector<TextLine> lines, const platform::PixelBuffer& card) {
+  for (TextLine& line : lines) {
+    line.box.x = card.width() - 1 - line.box.maxX();
+    line.box.y = card.height() - 1 - line.box.maxY();
+  }
+  return lines;
+}
+
+/// Where a card has print other than its machine-readable zone, which stands at the bottom.
+platform::CGRect outsideZone(const CardReading& reading) {
+  constexpr double kHighestZone = 0.35;  // of the card; more is a title that was taken for a line
+  const platform::PixelBuffer& card = *reading.data.image->pixels();
+  platform::CGRect area{0, 0, double(card.width()), double(card.height())};
+  const bool isZone = reading.data.mrz && reading.mrzBand &&
+                      reading.mrzBand->minY() > (1 - kHighestZone) * area.height;
+  if (isZone) area.height = reading.mrzBand->minY();
+  return area;
+}
+
 /// What was made of the print: sure letters count, doubtful ones less.
 double senseOf(const CardReading& reading) {
   double sense = 0;
@@ -90,12 +109,12 @@ std::optional<CardTurn> turnByReading(const CardReading& asItLies, const CardRea
 }  // namespace
 
 DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text,
-                                   MrzReader mrz, DocumentTables tables, const Setup& setup)
+                                   MrzReader mrz, const Setup& setup)
     : faces_(std::move(faces)),
       text_(std::move(text)),
       tessdata_(setup.tessdata),
       mrz_(std::move(mrz)),
-      tables_(std::move(tables)),
+      tables_(setup.documents),
       today_(setup.today) {}
 
 platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<FaceDetector> faces,
@@ -104,10 +123,7 @@ platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<Face
   if (!text) return tl::unexpected(text.error());
   auto mrz = MrzReader::load(setup.ocrBFonts);
   if (!mrz) return tl::unexpected(mrz.error());
-  auto tables = loadDocumentTables(setup.documents);
-  if (!tables) return tl::unexpected(tables.error());
-  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz), std::move(*tables),
-                          setup);
+  return DocumentAnalyzer(std::move(faces), std::move(*text), std::move(*mrz), setup);
 }
 
 CardSighting DocumentAnalyzer::find(const platform::PixelBuffer& frame,
@@ -140,13 +156,13 @@ std::optional<Face> DocumentAnalyzer::portrait(const platform::PixelBuffer& card
 std::vector<corvana::DocumentField> DocumentAnalyzer::fieldsOf(const CardReading& reading) const {
   const corvana::DetectedData& data = reading.data;
   std::vector<PlacedField> places;
-  if (const auto* kind = data.type ? tables_.kinds.ofType(*data.type) : nullptr) {
+  if (const auto* kind = data.type ? tables_->kinds.ofType(*data.type) : nullptr) {
     const bool isFront = data.side == corvana::DocumentSide::front;
     places = isFront ? kind->front.fields : kind->back->fields;
     for (PlacedField& field : places)
       field.place = inPixels(field.place, *kind, *data.image->pixels());
   }
-  return documentFields(data, reading.lines, tables_.labels, today_, places);
+  return documentFields(data, reading.lines, tables_->labels, today_, places);
 }
 
 std::optional<CardTurn> DocumentAnalyzer::turnOf(const platform::PixelBuffer& card,
@@ -188,7 +204,7 @@ CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
   CardReading reading =
       memory.lines.empty() ? readFirst(card.picture, memory) : readAgain(card.picture, memory);
   reading.isUpsideDown = memory.isUpsideDown;
-  judgeRealness(*card.picture, reading.data);
+  judgeRealness(*card.picture, card.quality.sharpness, reading.data);
   return reading;
 }
 
@@ -209,7 +225,7 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
   reading.lines = memory.lines;
   for (const TextLine& line : reading.lines)
     features.lines.push_back(line.text);
-  const auto face = portrait(picture, documentKind(features, tables_.kinds));
+  const auto face = portrait(picture, documentKind(features, tables_->kinds));
   features.hasFace = face.has_value();
   if (face) {
     reading.faceBox = face->box;
@@ -225,7 +241,7 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
   // A front's lines of print may look like a zone; only what was read or stands alone is one.
   if (mrz.band && (mrz.mrz || !face)) blanks.push_back(*mrz.band);
   // A face takes a side for a front, few of which have a barcode.
-  const bool mayHaveCode = !face || documentKind(features, tables_.kinds).front.code;
+  const bool mayHaveCode = !face || documentKind(features, tables_->kinds).front.code;
   if (!mrz.mrz && mayHaveCode) features.barcode = readBarcode(picture);
 
   reading.data.isPhotoPresent = face.has_value();
@@ -233,8 +249,8 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
   reading.data.barcode = features.barcode;
   reading.data.ocrStrings = textLines(reading.lines, blanks);
   reading.data.image = std::make_shared<platform::UIImage>(card);
-  reading.familyMatches = familyMatches(features, tables_.kinds);
-  classify(features, tables_.kinds, reading.data);
+  reading.familyMatches = familyMatches(features, tables_->kinds);
+  classify(features, tables_->kinds, reading.data);
   reading.data.fields = fieldsOf(reading);
   return reading;
 }
@@ -255,19 +271,21 @@ CardLook DocumentAnalyzer::lookAt(const platform::PixelBuffer& picture, const Qu
   // Lines found in a card that lies upright need not be found again when it is read.
   if (look.faceScore < look.faceScoreTurned) look.turn();
   look.lines = text_.find(*look.card);
-  look.signs.lines = text_.turnSign(*look.card, look.lines);
-  look.signs.face = faceSign(look.faceScore, look.faceScoreTurned);
+  if (!look.isCertainlyACard()) look.hasBarcode = readBarcode(*look.card).has_value();
   return look;
 }
 
 std::optional<CardReading> DocumentAnalyzer::readUpright(const CardLook& look) {
   const auto readAs = [&](CardTurn turn) {
     CardMemory nothing;
-    return turn == CardTurn::upright
-               ? understood(look.card, text_.readAgain(*look.card, look.lines), nothing)
-               : understood(look.turned, text_.read(*look.turned), nothing);
+    const bool isUpright = turn == CardTurn::upright;
+    const auto& card = isUpright ? look.card : look.turned;
+    const auto lines = isUpright ? look.lines : onTheirHead(look.lines, *card);
+    return understood(card, text_.readAgain(*card, lines), nothing);
   };
-  if (const auto turn = cardTurn(look.signs)) return readAs(*turn);
+  const TurnSigns signs{.lines = text_.turnSign(*look.card, look.lines),
+                        .face = faceSign(look.faceScore, look.faceScoreTurned)};
+  if (const auto turn = cardTurn(signs)) return readAs(*turn);
   CardReading asItLies = readAs(CardTurn::upright);
   CardReading turned = readAs(CardTurn::upsideDown);
   const auto turn = turnByReading(asItLies, turned);
@@ -277,7 +295,15 @@ std::optional<CardReading> DocumentAnalyzer::readUpright(const CardLook& look) {
 
 platform::Expected<CardLook> DocumentAnalyzer::cardIn(const platform::PixelBufferRef& picture) {
   const StillPicture still = stillPicture(picture, text_.boxes());
-  const auto look = [&](const Quad& outline) { return lookAt(*still.picture, outline); };
+  std::vector<std::pair<Quad, CardLook>> looks;  // both searches may find the same outline
+  const auto look = [&](const Quad& outline) {
+    const auto known = std::ranges::find_if(
+        looks, [&](const auto& earlier) { return areTheSame(earlier.first, outline); });
+    if (known != looks.end()) return known->second;
+    CardLook seen;
+    if (mayHavePrint(still, outline)) seen = lookAt(*still.picture, outline);
+    return looks.emplace_back(outline, std::move(seen)).second;
+  };
   std::optional<CardLook> best;
   platform::Fault fault = noCardSeen();
   for (const Search search : {Search::coarse, Search::fine}) {
@@ -306,16 +332,17 @@ platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
   }
   addSmallLabels(*reading);
   askSecondReader(*reading);
-  judgeRealness(*reading->data.image->pixels(), reading->data);
+  const platform::PixelBuffer& card = *reading->data.image->pixels();
+  judgeRealness(card, printSharpness(card), reading->data);
   return *std::move(reading);
 }
 
 /// Only labels: what else is small must not get into the text that pictures are compared by.
 void DocumentAnalyzer::addSmallLabels(CardReading& reading) {
   const platform::PixelBuffer& card = *reading.data.image->pixels();
-  auto small = text_.readSmall(card, reading.lines);
+  auto small = text_.readSmall(card, outsideZone(reading), reading.lines);
   std::erase_if(small, [this](const TextLine& line) {
-    const auto label = tables_.labels.labelledText(line.text);
+    const auto label = tables_->labels.labelledText(line.text);
     return !label || !label->hasWords;
   });
   if (small.empty()) return;

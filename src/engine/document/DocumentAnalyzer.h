@@ -8,6 +8,7 @@
 #include "corvana/DetectedData.h"
 #include "engine/document/CardFinder.h"
 #include "engine/document/CardLook.h"
+#include "engine/document/CardTurn.h"
 #include "engine/document/DocumentClassifier.h"
 #include "engine/document/TesseractReader.h"
 #include "engine/document/TextReader.h"
@@ -57,8 +58,8 @@ class DocumentAnalyzer {
  public:
   struct Setup {
     NetworkTextReader::Models text;
-    /// Kinds of documents and labels of fields; what a later folder says goes before.
-    std::vector<std::filesystem::path> documents{};
+    /// Kinds of documents and labels of fields; never null.
+    std::shared_ptr<const DocumentTables> documents{};
     /// Settles two-digit years.
     CalendarDate today{};
     /// Where a second reader's data of the Latin script is looked for; it does without.
@@ -89,7 +90,7 @@ class DocumentAnalyzer {
 
  private:
   DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz,
-                   DocumentTables tables, const Setup& setup);
+                   const Setup& setup);
   /// The face in the photo, which is looked for where the kind of document has it.
   std::optional<Face> portrait(const platform::PixelBuffer& card, const DocumentKind& kind);
   std::vector<corvana::DocumentField> fieldsOf(const CardReading& reading) const;
@@ -111,7 +112,7 @@ class DocumentAnalyzer {
   NetworkTextReader text_;
   std::filesystem::path tessdata_;
   MrzReader mrz_;
-  DocumentTables tables_;
+  std::shared_ptr<const DocumentTables> tables_;
   CalendarDate today_;
 };
 

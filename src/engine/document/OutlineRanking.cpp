@@ -10,8 +10,10 @@ namespace corvana::engine {
 namespace {
 
 constexpr double kLeastShareOfPicture = 0.03;
-constexpr double kMostAspectError = 0.22;  ///< of the ratio's logarithm
-constexpr double kMostTaper = 1.35;        ///< of a side against the opposite one
+/// Between a page that leans back and a card that leans to the side.
+constexpr double kLeastAspect = 1.27;
+constexpr double kMostAspect = 1.98;
+constexpr double kMostTaper = 1.35;  ///< of a side against the opposite one
 constexpr double kLeastSupport = 0.45;
 constexpr double kSameOutline = 0.03;  ///< corners apart, of the width
 /// Lines on a card or beside it make many outlines of about the same place.
@@ -35,7 +37,8 @@ double distance(const platform::CGPoint& a, const platform::CGPoint& b) {
 }
 
 bool hasCardsShape(const Quad& quad) {
-  return quad.isConvex() && quad.taper() <= kMostTaper && quad.aspectError() <= kMostAspectError;
+  return quad.isConvex() && quad.taper() <= kMostTaper && quad.aspect() >= kLeastAspect &&
+         quad.aspect() <= kMostAspect;
 }
 
 /// At each pixel the derivatives of the channel that changes most, as two channels.
@@ -70,14 +73,6 @@ double apart(const Quad& a, const Quad& b) {
     return most;
   };
   return std::min(farthest(0), farthest(2)) / a.width();
-}
-
-bool contains(const Quad& quad, cv::Point2d point) {
-  for (std::size_t i = 0; i < 4; ++i) {
-    const cv::Point2d side = pointOf(quad.corners[(i + 1) % 4]) - pointOf(quad.corners[i]);
-    if (cross(side, point - pointOf(quad.corners[i])) < 0) return false;
-  }
-  return true;
 }
 
 }  // namespace
@@ -124,8 +119,8 @@ double OutlineRanking::printFit(const Quad& quad) const {
   double fitting = 0;
   double others = 0;
   for (const Segment& line : print_) {
-    const bool from = contains(quad, line.from);
-    const bool to = contains(quad, line.to);
+    const bool from = quad.contains({line.from.x, line.from.y});
+    const bool to = quad.contains({line.to.x, line.to.y});
     if (!from && !to) continue;
     const double sine = std::abs(cross(along / cv::norm(along), line.direction()));
     (from && to && sine < kMostPrintTilt ? fitting : others) += line.length();

@@ -8,6 +8,8 @@ namespace corvana::engine {
 
 /// An ID-1 card: 85.60 × 53.98 mm (ISO/IEC 7810).
 inline constexpr double kCardAspect = 85.60 / 53.98;
+/// A passport's page (ID-3): 125 × 88 mm; ID-2, 105 × 74 mm, has the same proportions.
+inline constexpr double kPageAspect = 125.0 / 88.0;
 
 /// A card's outline in a picture, in pixels: its corners from the top left clockwise, where the
 /// straight sides would meet (the card's own corners are rounded).
@@ -26,10 +28,17 @@ struct Quad {
   /// The smallest upright rectangle around it.
   platform::CGRect bounds() const;
   bool isConvex() const;
+  /// Whether a point lies inside, or on a side.
+  bool contains(const platform::CGPoint& point) const;
   /// By how many times the longer of two opposite sides exceeds the other, at most.
   double taper() const;
-  /// How far the proportions are from an ID-1 card's: of their ratio's logarithm, without sign.
-  double aspectError() const;
+  double aspect() const { return width() / height(); }
+  /// The proportions of documents, a card's or a page's, that it is nearer to.
+  double documentAspect() const;
+  /// How far its proportions are from these: of their ratio's logarithm, without sign.
+  double aspectErrorFrom(double aspect) const;
+  /// How far they are from those of the documents that it is nearest to.
+  double aspectError() const { return aspectErrorFrom(documentAspect()); }
 };
 
 /// The same outline with the card in it turned by 180°.

@@ -17,6 +17,10 @@ struct StillPicture {
 
 StillPicture stillPicture(const platform::PixelBufferRef& picture, TextBoxes& print);
 
+/// Whether there is any print inside the outline, as far as the still shows it: true where the
+/// outline is so small a part of it that print in it may not have been seen.
+bool mayHavePrint(const StillPicture& still, const Quad& outline);
+
 /// How closely a still is searched. A card that is a small part of it, or lies on printed paper,
 /// may only be found by a fine search, in which wood and cloth have more edges than a card.
 enum class Search { coarse, fine };

@@ -25,8 +25,8 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
     std::filesystem::path faceLandmarks;
     std::filesystem::path faceEmbedding;
     NetworkTextReader::Models text;
-    /// Folders of kinds of documents, as `DocumentAnalyzer::Setup` has them.
-    std::vector<std::filesystem::path> documents{};
+    /// As `DocumentAnalyzer::Setup` has them.
+    std::shared_ptr<const DocumentTables> documents{};
     /// Settles two-digit years.
     CalendarDate today{};
   };

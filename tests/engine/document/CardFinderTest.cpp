@@ -6,6 +6,7 @@
 
 #include "TestCards.h"
 #include "engine/document/CardFinder.h"
+#include "engine/document/CardLook.h"
 #include "engine/document/CardWarp.h"
 
 namespace corvana::tests {
@@ -61,6 +62,28 @@ TEST(CardFinder, SaysWhatIsWrongWithTheCardsPlace) {
   }
 }
 
+/// A page's proportions, and those of visas of 120 by 80 millimetres between it and a card.
+constexpr double kLongerAspects[] = {1.42, 1.5};
+
+TEST(CardFinder, FindsLargerSizesOfDocumentsAndTellsTheirPlace) {
+  const auto card = tests::drawCard(0, tests::holder(0), "person_b.jpg");
+  for (const double aspect : kLongerAspects) {
+    const cv::Mat page = tests::lengthened(card.front, aspect);
+    for (const Held& held :
+         {Held{}, {.roll = 6, .background = 1}, {.width = 520, .taper = 0.05, .background = 2}}) {
+      const auto shown = tests::hold(page, held);
+      const auto sighting = engine::findCard(*shown.picture, kGuide);
+      SCOPED_TRACE(testing::Message() << aspect << ", " << held.width << ", " << held.roll);
+      ASSERT_EQ(sighting.verdict, CardVerdict::found);
+      EXPECT_LT(worstCorner(*sighting.outline, shown.corners), 3.0);
+    }
+    const Held cutBelow{.y = 1280 - 0.42 * 560 / aspect, .width = 560, .background = 2};
+    EXPECT_EQ(engine::findCard(*tests::hold(page, cutBelow).picture, kGuide).verdict,
+              CardVerdict::alignRectangle)
+        << aspect;
+  }
+}
+
 TEST(CardFinder, SeesNoCardWhereThereIsNone) {
   const cv::Mat nothing(1080, 1712, CV_8UC4, cv::Scalar::all(0));
   for (int background = 0; background < 4; ++background) {
@@ -108,6 +131,21 @@ TEST(CardWarp, GivesACardAndAPageTheirOwnShape) {
   }
   const auto whole = engine::boundsInPicture({-0.5, -0.5, 1000, 704}, outlineOf(1000, 704));
   EXPECT_NEAR(whole.height, 704, 1e-3);
+}
+
+TEST(CardLook, TakesTheWholeOfEachSizeForThatOfWhichAnOutlineHoldsAPart) {
+  for (const double aspect : {1.586, 1.42}) {
+    const auto whole = outlineOf(900, 900 / aspect);
+    const auto notLow = outlineOf(900, 0.9 * 900 / aspect);
+    const auto notRight = outlineOf(0.9 * 900, 900 / aspect);
+    for (const auto& part : {notLow, notRight}) {
+      EXPECT_TRUE(engine::completes(whole, part)) << aspect;
+      EXPECT_FALSE(engine::completes(part, whole)) << aspect;
+    }
+    EXPECT_FALSE(engine::completes(outlineOf(900, 1.2 * 900 / aspect), whole)) << aspect;
+    EXPECT_FALSE(engine::completes(outlineOf(920, 920 / aspect), whole)) << "the same, " << aspect;
+    EXPECT_FALSE(engine::completes(outlineOf(910, 910 / 1.49), whole)) << "half a page, " << aspect;
+  }
 }
 
 }  // namespace

@@ -27,7 +27,8 @@ const Held kPoses[] = {{.roll = 2, .blur = 0.8},
                        {.width = 500, .roll = 10, .background = 1, .blur = 1.1, .noise = 6}};
 
 const auto kTextModels = engine::NetworkTextReader::Models::inFolder(ENGINE_RESOURCES);
-const std::string kDocuments = ENGINE_RESOURCES "/documents";
+const auto kDocuments = std::make_shared<const engine::DocumentTables>(
+    *engine::loadDocumentTables({ENGINE_RESOURCES "/documents"}));
 
 class DocumentAnalyzerTest : public testing::Test {
  protected:
@@ -56,7 +57,7 @@ class DocumentAnalyzerTest : public testing::Test {
 
   platform::Expected<DocumentAnalyzer> analyzer = DocumentAnalyzer::load(
       std::make_shared<engine::FaceDetector>(engine::FaceDetector::load(FACE_MODEL).value()),
-      {.text = kTextModels, .documents = {kDocuments}});
+      {.text = kTextModels, .documents = kDocuments});
 };
 
 TEST_F(DocumentAnalyzerTest, ReadsTheSameZoneFromEveryPicture) {
@@ -159,6 +160,28 @@ TEST_F(DocumentAnalyzerTest, MeasuresBlurGlareAndDarkness) {
   EXPECT_EQ(flawIn(view(0.2 * card.front + cv::Scalar(0, 0, 0, 204), {})), "tooDark");
 }
 
+TEST_F(DocumentAnalyzerTest, MeasuresTheSharpnessOfAPageAsThatOfACard) {
+  const auto card = tests::drawCard(0, tests::holder(0), "person_a.jpg");
+  const cv::Mat page = tests::lengthened(card.front, 1.42);
+  for (const double blur : {1.0, 2.5}) {
+    const auto ofCard = view(card.front, {.background = 2, .blur = blur});
+    const auto ofPage = view(page, {.background = 2, .blur = blur});
+    EXPECT_NEAR(ofPage.quality.sharpness, ofCard.quality.sharpness, 0.02 * ofCard.quality.sharpness)
+        << blur;
+  }
+}
+
+TEST_F(DocumentAnalyzerTest, ReadsLargerSizesThatFillTheirPicture) {
+  const auto card = tests::drawCard(0, tests::holder(2), "person_a.jpg");
+  for (const double aspect : {1.42, 1.5}) {
+    cv::Mat page;
+    cv::cvtColor(tests::lengthened(card.front, aspect), page, cv::COLOR_RGBA2RGB);
+    const auto reading = analyzer->analyzeStill(engine::pixelBufferFrom(page));
+    ASSERT_TRUE(reading) << aspect << ": " << reading.error().sentence;
+    EXPECT_NE(textOf(*reading).find("OKONKWO"), std::string::npos) << aspect;
+  }
+}
+
 TEST_F(DocumentAnalyzerTest, SeesFingersOverPrintThatItHasRead) {
   const auto card = tests::drawCard(0, tests::holder(0), "person_a.jpg");
   engine::PrintWatch watch;
@@ -170,6 +193,9 @@ TEST_F(DocumentAnalyzerTest, SeesFingersOverPrintThatItHasRead) {
   cv::Mat touched = card.front.clone();
   cv::ellipse(touched, {1000, 420}, {150, 300}, 10, 0, 360, {205, 160, 135, 255}, cv::FILLED);
   EXPECT_GT(watch.covered(*view(touched, moved).picture), 0.04);
+  cv::Mat other;  // as an outline that is a little wrong makes of shapes between card and page
+  cv::resize(engine::rgbMat(*view(card.front, moved).picture), other, {1000, 704});
+  EXPECT_LT(watch.covered(*engine::pixelBufferFrom(other)), 0.02);
   EXPECT_EQ(watch.covered(*view(card.back, moved).picture), 0) << "another side";
   EXPECT_EQ(watch.covered(*view(touched, moved).picture), 0) << "and so it is forgotten";
 }
@@ -180,13 +206,15 @@ TEST(DocumentAnalyzerLoad, NamesWhatIsMissing) {
   for (const auto& [setup, missing] :
        {std::pair<DocumentAnalyzer::Setup, const char*>({.text = broken}, "/nowhere.txt"),
         {{}, "install the program's models again"},
-        {{.text = kTextModels, .ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"},
-        {{.text = kTextModels, .documents = {"/nowhere"}}, "There is no folder \"/nowhere\""}}) {
+        {{.text = kTextModels, .ocrBFonts = {"/nowhere.otf"}}, "fonts-ocr-b"}}) {
     const auto loaded = DocumentAnalyzer::load(nullptr, setup);
     ASSERT_FALSE(loaded);
     const std::string message = loaded.error().sentence;
     EXPECT_NE(message.find(missing), std::string::npos) << message;
   }
+  const auto tables = engine::loadDocumentTables({"/nowhere"});
+  ASSERT_FALSE(tables);
+  EXPECT_NE(tables.error().sentence.find("There is no folder \"/nowhere\""), std::string::npos);
 }
 
 }  // namespace

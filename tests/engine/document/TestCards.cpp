@@ -87,6 +87,12 @@ CardSides drawCard(int design, const session::CardData& card, const std::string&
   return sides;
 }
 
+cv::Mat lengthened(const cv::Mat& side, double aspect) {
+  cv::Mat longer;
+  cv::resize(side, longer, {side.cols, cvRound(side.cols / aspect)}, 0, 0, cv::INTER_AREA);
+  return longer;
+}
+
 HeldPicture hold(const cv::Mat& side, const Held& held) {
   session::CardPose pose;
   pose.visible = true;

@@ -20,6 +20,8 @@ struct CardSides {
 /// Invented holders, 0 to 2, with names, numbers and dates of all sorts.
 session::CardData holder(int number);
 /// `design` 0 is the sample sessions' card; 1 differs in colours and places.
+/// A side brought to other proportions, such as a page's.
+cv::Mat lengthened(const cv::Mat& side, double aspect);
 CardSides drawCard(int design, const session::CardData& card, const std::string& portrait);
 
 /// How the card is held in a picture of 720×1280 pixels.

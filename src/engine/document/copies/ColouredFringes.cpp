@@ -22,29 +22,35 @@ constexpr double kFastest = 0.48;      ///< periods in a pixel
 constexpr double kSlowChanges = 12;    ///< pixels; the light's and the design's
 constexpr double kMostContrast = 0.4;  ///< of the ground; print beyond it is no pattern's
 
-/// The spectrum of one colour's changes about its local mean.
-cv::Mat spectrum(const cv::Mat& channel, const cv::Mat& window) {
-  cv::Mat tile;
-  channel.convertTo(tile, CV_32F);
+/// One colour's changes about its local mean, of which it is the share.
+cv::Mat changes(const cv::Mat& channel) {
+  cv::Mat picture;
+  channel.convertTo(picture, CV_32F);
   cv::Mat mean;
-  cv::GaussianBlur(tile, mean, {}, kSlowChanges);
-  tile = tile / (mean + 1) - 1;
-  cv::max(tile, -kMostContrast, tile);
-  cv::min(tile, kMostContrast, tile);
-  tile = tile.mul(window);
+  cv::GaussianBlur(picture, mean, {}, kSlowChanges);
+  picture = picture / (mean + 1) - 1;
+  cv::max(picture, -kMostContrast, picture);
+  cv::min(picture, kMostContrast, picture);
+  return picture;
+}
+
+struct Changes {
+  cv::Mat red;
+  cv::Mat blue;
+};
+
+cv::Mat spectrum(const cv::Mat& tile, const cv::Mat& window) {
   cv::Mat result;
-  cv::dft(tile, result, cv::DFT_COMPLEX_OUTPUT);
+  cv::dft(tile.mul(window), result, cv::DFT_COMPLEX_OUTPUT);
   return result;
 }
 
 /// For each frequency what red and blue share a quarter of a period apart. Where the pattern begins
 /// in the tile does not matter, so that the same pattern gives the same sign in every tile.
-cv::Mat outOfStep(const cv::Mat& tile, const cv::Mat& window) {
-  std::vector<cv::Mat> channels;
-  cv::split(tile, channels);
-  const cv::Mat red = spectrum(channels[0], window);
-  const cv::Mat blue = spectrum(channels[2], window);
-  cv::Mat result(tile.rows, tile.cols / 2 + 1, CV_32F);
+cv::Mat outOfStep(const Changes& card, const cv::Rect& tile, const cv::Mat& window) {
+  const cv::Mat red = spectrum(card.red(tile), window);
+  const cv::Mat blue = spectrum(card.blue(tile), window);
+  cv::Mat result(tile.height, tile.width / 2 + 1, CV_32F);
   for (int row = 0; row < result.rows; ++row) {
     for (int column = 0; column < result.cols; ++column) {
       const auto& r = red.at<cv::Vec2f>(row, column);
@@ -56,15 +62,16 @@ cv::Mat outOfStep(const cv::Mat& tile, const cv::Mat& window) {
 }
 
 /// Tiles that overlap by a half and cover the card.
-std::vector<cv::Mat> outOfStepInTiles(const cv::Mat& rgb, int side, const cv::Mat& window) {
-  const int columns = 2 * (rgb.cols / side) + 1;
-  const int rows = 2 * (rgb.rows / side) + 1;
+std::vector<cv::Mat> outOfStepInTiles(const Changes& card, int side, const cv::Mat& window) {
+  const cv::Size size = card.red.size();
+  const int columns = 2 * (size.width / side) + 1;
+  const int rows = 2 * (size.height / side) + 1;
   std::vector<cv::Mat> tiles;
   for (int row = 0; row < rows; ++row) {
     for (int column = 0; column < columns; ++column) {
-      const cv::Rect place((rgb.cols - side) * column / (columns - 1),
-                           (rgb.rows - side) * row / (rows - 1), side, side);
-      tiles.push_back(outOfStep(rgb(place), window));
+      const cv::Rect place((size.width - side) * column / (columns - 1),
+                           (size.height - side) * row / (rows - 1), side, side);
+      tiles.push_back(outOfStep(card, place, window));
     }
   }
   return tiles;
@@ -80,10 +87,10 @@ float common(std::vector<float>& values) {
   return std::max({positive, -negative, 0.0F});
 }
 
-double strongestPattern(const cv::Mat& rgb, int side) {
+double strongestPattern(const Changes& card, int side) {
   cv::Mat window;
   cv::createHanningWindow(window, {side, side}, CV_32F);
-  const auto tiles = outOfStepInTiles(rgb, side, window);
+  const auto tiles = outOfStepInTiles(card, side, window);
   std::vector<float> values(tiles.size());
   float strongest = 0;
   for (int row = 0; row < side; ++row) {
@@ -104,8 +111,11 @@ double colouredFringes(const cv::Mat& rgb) {
   cv::Mat half;
   cv::resize(rgb, half, {}, kReduction, kReduction, cv::INTER_AREA);
   if (std::min(half.rows, half.cols) < kLargeTile) return 0;
-  const double inLarge = strongestPattern(half, kLargeTile);
-  return inLarge > 0 ? std::sqrt(inLarge * strongestPattern(half, kSmallTile)) : 0;
+  std::vector<cv::Mat> channels;
+  cv::split(half, channels);
+  const Changes card{changes(channels[0]), changes(channels[2])};
+  const double inLarge = strongestPattern(card, kLargeTile);
+  return inLarge > 0 ? std::sqrt(inLarge * strongestPattern(card, kSmallTile)) : 0;
 }
 
 }  // namespace corvana::engine

@@ -7,7 +7,6 @@
 #include <opencv2/imgproc.hpp>
 
 #include "engine/document/copies/ColouredFringes.h"
-#include "engine/document/guidance/CardQuality.h"
 #include "engine/vision/MatViews.h"
 
 namespace corvana::engine {
@@ -80,13 +79,13 @@ cv::Mat shareOfGround(const cv::Mat& gray) {
   return share;
 }
 
-std::optional<double> blackOf(const platform::PixelBuffer& card) {
+std::optional<double> blackOf(const platform::PixelBuffer& card, double sharpness) {
   constexpr double kPrint = 0.6;  // of the ground's brightness
   constexpr std::size_t kEnough = 100;
   constexpr double kBlackest = 0.05;
   constexpr double kLeastSharpness = 0.05;
   // The blur's standard deviation, from the slope that it leaves an edge at half the size.
-  const double blur = 0.8 / std::max(printSharpness(card), kLeastSharpness);
+  const double blur = 0.8 / std::max(sharpness, kLeastSharpness);
   const double depth = std::max(1.5, 1.3 * blur);
   const cv::Mat share = withoutRim(shareOfGround(grayMat(card)));
   cv::Mat fromEdge;
@@ -110,9 +109,9 @@ float scoreOf(double figure, double suspect, double sure) {
 
 }  // namespace
 
-CopyFigures copyFigures(const platform::PixelBuffer& card) {
+CopyFigures copyFigures(const platform::PixelBuffer& card, double sharpness) {
   const cv::Mat rgb = withoutRim(rgbMat(card));
-  return {colourOf(rgb), colouredFringes(rgb), blackOf(card)};
+  return {colourOf(rgb), colouredFringes(rgb), blackOf(card, sharpness)};
 }
 
 corvana::RealnessScores realnessOf(const CopyFigures& figures, bool hasPhoto) {
@@ -130,8 +129,9 @@ float copyScore(const corvana::RealnessScores& scores) {
   return std::max(scores.photocopyScore, scores.screenScore);
 }
 
-void judgeRealness(const platform::PixelBuffer& card, corvana::DetectedData& data) {
-  data.realness = realnessOf(copyFigures(card), data.isPhotoPresent);
+void judgeRealness(const platform::PixelBuffer& card, double sharpness,
+                   corvana::DetectedData& data) {
+  data.realness = realnessOf(copyFigures(card, sharpness), data.isPhotoPresent);
   data.isReal = copyScore(*data.realness) < kSuspectCopy;
 }
 

@@ -20,8 +20,8 @@ struct CopyFigures {
   std::optional<double> black;
 };
 
-/// Measures a straightened card. Pure.
-CopyFigures copyFigures(const platform::PixelBuffer& card);
+/// Measures a straightened card, whose `printSharpness` is known. Pure.
+CopyFigures copyFigures(const platform::PixelBuffer& card, double sharpness);
 
 /// From here on a score makes a card suspect.
 inline constexpr float kSuspectCopy = 0.5F;
@@ -36,7 +36,8 @@ corvana::RealnessScores realnessOf(const CopyFigures& figures, bool hasPhoto);
 /// The greater one of the scores that speak for a copy.
 float copyScore(const corvana::RealnessScores& scores);
 
-/// Measures the straightened card and says in the data what came of it.
-void judgeRealness(const platform::PixelBuffer& card, corvana::DetectedData& data);
+/// Measures the straightened card as `copyFigures` and says in the data what came of it.
+void judgeRealness(const platform::PixelBuffer& card, double sharpness,
+                   corvana::DetectedData& data);
 
 }  // namespace corvana::engine

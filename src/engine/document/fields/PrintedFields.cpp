@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <optional>
 #include <set>
 #include <string>
@@ -40,6 +41,22 @@ bool isNorthAmerican(const std::vector<TextLine>& lines) {
   });
 }
 
+bool isLabelOf(const Line& line, FieldName name) {
+  return line.label && line.label->hasWords && line.label->name == name;
+}
+
+/// "Name" stands for the surname alone on some cards, and for the given names on those that say
+/// "Surname" above it: two surnames and no given names are one of each.
+void tellNamesApart(std::vector<Line>& lines) {
+  const auto isSurname = [](const Line& line) { return isLabelOf(line, FieldName::surname); };
+  const auto isGiven = [](const Line& line) { return isLabelOf(line, FieldName::givenNames); };
+  if (std::ranges::count_if(lines, isSurname) != 2 || std::ranges::any_of(lines, isGiven)) return;
+  const auto first = std::ranges::find_if(lines, isSurname);
+  const auto second = std::find_if(std::next(first), lines.end(), isSurname);
+  const bool isInOrder = first->print->box.midY() < second->print->box.midY();
+  (isInOrder ? second : first)->label->name = FieldName::givenNames;
+}
+
 std::vector<Line> labelledLines(const std::vector<TextLine>& lines, const FieldLabels& labels) {
   std::vector<Line> result;
   std::set<std::string> numbers;
@@ -50,6 +67,7 @@ std::vector<Line> labelledLines(const std::vector<TextLine>& lines, const FieldL
     const auto& label = result.back().label;
     if (label && !label->number.empty()) numbers.insert(label->number);
   }
+  tellNamesApart(result);
   if (numbers.size() >= kLeastNumbers) return result;
   for (Line& line : result) {
     // A house's number is no field's.
@@ -87,7 +105,10 @@ struct Pair {
 class Assembly {
  public:
   Assembly(std::vector<Line> lines, const ValueReader& read, bool isNorthAmerican)
-      : lines_(std::move(lines)), read_(read), isNorthAmerican_(isNorthAmerican) {}
+      : lines_(std::move(lines)), read_(read), isNorthAmerican_(isNorthAmerican) {
+    hasFive_ = std::ranges::any_of(
+        lines_, [](const Line& line) { return line.label && line.label->number == "5"; });
+  }
 
   std::vector<DocumentField> fields() {
     takeInline();
@@ -103,7 +124,10 @@ class Assembly {
 
  private:
   std::optional<FieldName> nameOf(const LabelledText& label) const {
-    return label.hasWords ? label.name : numberedField(label.number, isNorthAmerican_);
+    if (label.hasWords) return label.name;
+    const auto name = numberedField(label.number, isNorthAmerican_);
+    // A European licence has its own number under 5; Canadian ones in French have it under 4d.
+    return name || hasFive_ ? name : numberedField(label.number, true);
   }
 
   void take(FieldName name, const TextLine& text, std::string value) {
@@ -166,6 +190,7 @@ class Assembly {
   std::vector<Line> lines_;
   const ValueReader& read_;
   bool isNorthAmerican_;
+  bool hasFive_ = false;
   std::set<FieldName> names_;
   std::set<const TextLine*> used_;
   std::vector<DocumentField> fields_;

@@ -6,7 +6,6 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "engine/document/CardWarp.h"
 #include "engine/vision/MatViews.h"
 
 namespace corvana::engine {
@@ -34,6 +33,7 @@ std::optional<FlawFound> flawOf(const CardQuality& quality,
 }
 
 double printSharpness(const platform::PixelBuffer& card) {
+  constexpr double kMeasuredWidth = 500;
   constexpr int kMargin = 12;  // the card's own edges are no print
   constexpr double kNoiseFilter = 0.8;
   constexpr int kReach = 15;  // of a blurred edge, pixels
@@ -41,7 +41,8 @@ double printSharpness(const platform::PixelBuffer& card) {
   constexpr double kSteepest = 0.95;  // the edges proper among all that lies near them
   constexpr std::size_t kFewest = 200;
   cv::Mat half;
-  cv::resize(grayMat(card), half, cv::Size(kCardWidth / 2, kCardHeight / 2), 0, 0, cv::INTER_AREA);
+  const double reduction = kMeasuredWidth / card.width();  // the same both ways, or edges lean
+  cv::resize(grayMat(card), half, {}, reduction, reduction, cv::INTER_AREA);
   half = half(cv::Rect(kMargin, kMargin, half.cols - 2 * kMargin, half.rows - 2 * kMargin));
   half.convertTo(half, CV_32F);
   cv::GaussianBlur(half, half, {}, kNoiseFilter);

@@ -34,8 +34,8 @@ std::optional<FlawFound> flawOf(const CardQuality& quality,
                                 const corvana::IDCapture::Options& limits);
 
 /// How steep the edges of a straightened card's print are: the share of an edge's contrast that
-/// lies within one pixel of a card 500 pixels wide, 0 to about 0.4. Whether there is much print or
-/// little, bold or pale, makes little difference, and neither does noise.
+/// lies within one pixel of a card or page 500 pixels wide, 0 to about 0.4. Whether there is much
+/// print or little, bold or pale, makes little difference, and neither does noise.
 double printSharpness(const platform::PixelBuffer& card);
 
 /// Brightness of the lightest tenth of a picture, 0 to 1: paper and skin, whatever the rest is.

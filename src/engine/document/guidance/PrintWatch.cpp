@@ -65,6 +65,7 @@ double likeness(const cv::Mat& card, const cv::Mat& look, const cv::Rect& place)
 void PrintWatch::remember(const platform::PixelBuffer& card, const std::vector<TextLine>& lines) {
   pieces_.clear();
   const cv::Mat small = reduced(card);
+  size_ = small.size();
   for (const TextLine& line : lines) {
     if (line.text.empty()) continue;
     for (const cv::Rect& place : piecesOf(line.box, small.size())) {
@@ -76,7 +77,9 @@ void PrintWatch::remember(const platform::PixelBuffer& card, const std::vector<T
 
 double PrintWatch::covered(const platform::PixelBuffer& card) {
   if (pieces_.empty()) return 0;
-  const cv::Mat small = reduced(card);
+  cv::Mat small = reduced(card);
+  // What is about halfway between a card's shape and a page's may come as either.
+  if (small.size() != size_) cv::resize(small, small, size_, 0, 0, cv::INTER_AREA);
   double all = 0;
   double same = 0;
   double covered = 0;

@@ -28,6 +28,7 @@ class PrintWatch {
   };
 
   std::vector<Piece> pieces_;
+  cv::Size size_;  ///< of the reduced picture
 };
 
 }  // namespace corvana::engine

@@ -51,6 +51,12 @@ cv::Mat emphasised(const cv::Mat& rgb) {
 /// Of the card's sides, in a part of it that is looked at by itself.
 constexpr double kPart = 0.7;
 
+/// Where parts begin that cover a length together.
+std::vector<int> starts(int from, int length, int part) {
+  if (part == length) return {from};
+  return {from, from + length - part};
+}
+
 /// Whether the line may go on beyond the part of the card in which it was found.
 bool isCut(const platform::CGRect& line, const cv::Rect& part, cv::Size card) {
   constexpr double kRim = 8;
@@ -105,12 +111,15 @@ std::vector<TextLine> NetworkTextReader::find(const platform::PixelBuffer& card)
 }
 
 std::vector<TextLine> NetworkTextReader::readSmall(const platform::PixelBuffer& card,
+                                                   const platform::CGRect& area,
                                                    const std::vector<TextLine>& known) {
   const cv::Mat rgb = emphasised(rgbMat(card));
-  const cv::Size part(cvRound(kPart * rgb.cols), cvRound(kPart * rgb.rows));
+  const cv::Rect inside = pixelRect(area, rgb.size());
+  const cv::Size part(std::min(cvRound(kPart * rgb.cols), inside.width),
+                      std::min(cvRound(kPart * rgb.rows), inside.height));
   std::vector<TextLine> found;
-  for (const int left : {0, rgb.cols - part.width}) {
-    for (const int top : {0, rgb.rows - part.height}) {
+  for (const int left : starts(inside.x, inside.width, part.width)) {
+    for (const int top : starts(inside.y, inside.height, part.height)) {
       const cv::Rect place({left, top}, part);
       for (cv::RotatedRect& box : boxes_.find(rgb(place))) {
         box.center += cv::Point2f(place.tl());

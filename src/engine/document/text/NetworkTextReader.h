@@ -35,9 +35,10 @@ class NetworkTextReader final : public TextReader {
   TextBoxes& boxes() { return boxes_; }
   /// The places of lines, without their text: most of what reading costs, bar a few lines.
   std::vector<TextLine> find(const platform::PixelBuffer& card);
-  /// Reads lines that `read` overlooks because they are small or pale: the card is looked at in
-  /// parts and with more contrast, which costs four times as much. Without known lines.
-  std::vector<TextLine> readSmall(const platform::PixelBuffer& card,
+  /// Reads lines in an area of the card that `read` overlooks because they are small or pale: it is
+  /// looked at with more contrast and in up to four parts, each of which costs as much as `find`.
+  /// Without known lines.
+  std::vector<TextLine> readSmall(const platform::PixelBuffer& card, const platform::CGRect& area,
                                   const std::vector<TextLine>& known);
   /// Whether lines stand upright (1) or on their head (-1), in the mean by their length; 0 without
   /// lines.

@@ -6,6 +6,7 @@
 #include "TestCards.h"
 #include "engine/document/CardWarp.h"
 #include "engine/document/copies/CopyFigures.h"
+#include "engine/document/guidance/CardQuality.h"
 #include "engine/vision/MatViews.h"
 
 namespace corvana::tests {
@@ -25,7 +26,8 @@ platform::PixelBufferRef seen(const cv::Mat& side, const Held& held) {
 }
 
 corvana::RealnessScores scoresOf(const cv::Mat& side, const Held& held) {
-  return engine::realnessOf(engine::copyFigures(*seen(side, held)), true);
+  const auto card = seen(side, held);
+  return engine::realnessOf(engine::copyFigures(*card, engine::printSharpness(*card)), true);
 }
 
 /// As a machine without colour copies it.

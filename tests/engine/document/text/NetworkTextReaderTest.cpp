@@ -71,12 +71,15 @@ TEST(NetworkTextReader, ReadsPaleSmallPrintOnASecondLook) {
   const platform::CGRect place = label->box;
   // As if it had been overlooked.
   std::erase_if(known, [&](const TextLine& line) { return line.box == place; });
-  const auto small = reader.readSmall(*card, known);
+  const platform::CGRect whole{0, 0, double(card->width()), double(card->height())};
+  const auto small = reader.readSmall(*card, whole, known);
   const TextLine* found = lineWith(small, "expiry");
   ASSERT_NE(found, nullptr);
   EXPECT_NEAR(found->box.midX(), place.midX(), 8);
   EXPECT_NEAR(found->box.midY(), place.midY(), 5);
   EXPECT_EQ(lineWith(small, "OKONKWO"), nullptr) << "it is known";
+  const platform::CGRect above{0, 0, whole.width, place.minY() - 5};
+  EXPECT_EQ(lineWith(reader.readSmall(*card, above, known), "expiry"), nullptr);
 }
 
 TEST(TesseractReader, ReadsTheSameCardWithoutNetworks) {
