@@ -14,7 +14,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/recheck/ScratchFolder.h"
+#include "app/record/ScratchFolder.h"
 #include "app/run/Resources.h"
 #include "capture/FaceMatchDetector.h"
 #include "devices/film/FilmSettings.h"

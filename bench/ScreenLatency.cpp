@@ -36,8 +36,8 @@
 #include <unistd.h>
 
 #include "ProgramClock.h"
+#include "app/card/DocumentFolders.h"
 #include "app/commands/CaptureCommand.h"
-#include "app/run/DocumentFolders.h"
 #include "app/run/Resources.h"
 #include "capture/FaceMatchDetector.h"
 #include "devices/qtquick/PreviewItem.h"

@@ -1,6 +1,6 @@
 #include "InputFile.h"
-#include "app/run/Reference.h"
-#include "app/run/RunRecord.h"
+#include "app/card/Reference.h"
+#include "app/record/RunRecord.h"
 #include "app/seal/RecordCheck.h"
 #include "app/settings/AppearanceTable.h"
 #include "app/settings/OptionTable.h"

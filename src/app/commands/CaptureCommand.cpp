@@ -5,9 +5,9 @@
 #include <sstream>
 
 #include "app/commands/CaptureOptions.h"
+#include "app/record/RunRecord.h"
 #include "app/run/CaptureFlow.h"
 #include "app/run/Preflight.h"
-#include "app/run/RunRecord.h"
 
 namespace corvana::app {
 namespace {

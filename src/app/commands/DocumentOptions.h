@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "app/run/CalendarDay.h"
+#include "app/card/CalendarDay.h"
 
 namespace corvana::app {
 

@@ -2,9 +2,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/card/DocumentFolders.h"
 #include "app/commands/Commands.h"
 #include "app/commands/DocumentOptions.h"
-#include "app/run/DocumentFolders.h"
 #include "engine/document/fields/DocumentFields.h"
 
 namespace corvana::app {

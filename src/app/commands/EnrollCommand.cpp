@@ -1,11 +1,11 @@
 #include <iostream>
 #include <optional>
 
+#include "app/card/DocumentFolders.h"
+#include "app/card/DocumentHints.h"
+#include "app/card/Reference.h"
 #include "app/commands/Commands.h"
 #include "app/commands/DocumentOptions.h"
-#include "app/run/DocumentFolders.h"
-#include "app/run/DocumentHints.h"
-#include "app/run/Reference.h"
 #include "app/run/Resources.h"
 #include "devices/pictures/ImageFile.h"
 #include "engine/document/DocumentAnalyzer.h"

@@ -7,7 +7,7 @@
 #include "app/commands/DocumentOptions.h"
 #include "app/commands/TrustOptions.h"
 #include "app/recheck/RecheckOutput.h"
-#include "app/run/RunRecord.h"
+#include "app/record/RunRecord.h"
 #include "app/seal/SealLog.h"
 
 namespace corvana::app {

@@ -5,9 +5,9 @@
 
 #include "app/commands/Commands.h"
 #include "app/commands/TrustOptions.h"
+#include "app/record/Files.h"
 #include "app/report/ReportFile.h"
 #include "app/report/ReportPage.h"
-#include "app/run/Files.h"
 #include "app/run/Resources.h"
 
 namespace corvana::app {

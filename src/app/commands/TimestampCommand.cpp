@@ -5,7 +5,7 @@
 #include <string>
 
 #include "app/commands/Commands.h"
-#include "app/run/RunRecord.h"
+#include "app/record/RunRecord.h"
 #include "app/seal/StampService.h"
 #include "app/seal/Stamps.h"
 

@@ -9,7 +9,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "app/recheck/ScratchFolder.h"
+#include "app/record/ScratchFolder.h"
 #include "devices/film/FilmSettings.h"
 #include "devices/film/FilmWriter.h"
 #include "engine/document/text/NetworkTextReader.h"

@@ -1,6 +1,6 @@
 #include "app/privacy/Consent.h"
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 #include "app/seal/UtcTime.h"
 #include "engine/json/JsonObject.h"
 

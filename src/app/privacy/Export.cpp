@@ -4,8 +4,8 @@
 #include <QStandardPaths>
 #include <system_error>
 
-#include "app/run/EventLog.h"
-#include "app/run/RunRecord.h"
+#include "app/record/EventLog.h"
+#include "app/record/RunRecord.h"
 
 namespace corvana::app {
 namespace {

@@ -3,8 +3,8 @@
 #include <system_error>
 #include <vector>
 
-#include "app/run/JsonMembers.h"
-#include "app/run/RunRecord.h"
+#include "app/record/JsonMembers.h"
+#include "app/record/RunRecord.h"
 #include "app/seal/Sha256.h"
 
 namespace corvana::app {

@@ -5,10 +5,10 @@
 #include <cmath>
 #include <cstdio>
 
-#include "app/recheck/ScratchFolder.h"
-#include "app/run/BuildId.h"
+#include "app/record/BuildId.h"
+#include "app/record/EventLog.h"
+#include "app/record/ScratchFolder.h"
 #include "app/run/CaptureFlow.h"
-#include "app/run/EventLog.h"
 #include "app/run/Preflight.h"
 #include "app/seal/Sha256.h"
 #include "app/settings/OptionTable.h"

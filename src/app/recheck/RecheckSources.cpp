@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "app/card/Reference.h"
 #include "app/run/CaptureInputs.h"
-#include "app/run/Reference.h"
 #include "app/seal/Sha256.h"
 
 namespace corvana::app {

@@ -3,11 +3,11 @@
 #include <array>
 #include <tuple>
 
+#include "app/record/EventLog.h"
+#include "app/record/Files.h"
+#include "app/record/JsonMembers.h"
+#include "app/record/RecordFiles.h"
 #include "app/report/Evidence.h"
-#include "app/run/EventLog.h"
-#include "app/run/Files.h"
-#include "app/run/JsonMembers.h"
-#include "app/run/RecordFiles.h"
 #include "engine/selfie/Challenge.h"
 
 namespace corvana::app {

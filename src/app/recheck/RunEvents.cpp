@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <sstream>
 
-#include "app/run/Files.h"
-#include "app/run/JsonMembers.h"
+#include "app/record/Files.h"
+#include "app/record/JsonMembers.h"
 
 namespace corvana::app {
 namespace {

@@ -7,14 +7,14 @@
 #include <nlohmann/json.hpp>
 
 #include "app/recheck/RecordedRun.h"
+#include "app/record/EventLog.h"
+#include "app/record/Files.h"
+#include "app/record/JsonMembers.h"
+#include "app/record/RunRecord.h"
 #include "app/redact/Disclosures.h"
 #include "app/redact/RedactedEvidence.h"
 #include "app/redact/RedactedPicture.h"
 #include "app/report/Evidence.h"
-#include "app/run/EventLog.h"
-#include "app/run/Files.h"
-#include "app/run/JsonMembers.h"
-#include "app/run/RunRecord.h"
 #include "app/seal/RecordCheck.h"
 #include "app/seal/Sha256.h"
 #include "devices/pictures/ImageFile.h"

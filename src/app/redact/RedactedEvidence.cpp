@@ -2,10 +2,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/record/Files.h"
+#include "app/record/JsonMembers.h"
 #include "app/redact/RedactedPicture.h"
 #include "app/report/Evidence.h"
-#include "app/run/Files.h"
-#include "app/run/JsonMembers.h"
 #include "devices/pictures/ImageFile.h"
 
 namespace corvana::app {

@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 #include "devices/pictures/ImageFile.h"
 #include "engine/document/fields/DocumentFields.h"
 

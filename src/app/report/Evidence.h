@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/run/Reference.h"
+#include "app/card/Reference.h"
 #include "capture/TextMatching.h"
 #include "corvana/DetectedData.h"
 #include "corvana/Selfie.h"

@@ -4,10 +4,10 @@
 #include <cmath>
 #include <map>
 
+#include "app/record/RunRecord.h"
 #include "app/report/ReportCard.h"
 #include "app/report/ReportCourse.h"
 #include "app/report/ReportDecisions.h"
-#include "app/run/RunRecord.h"
 
 namespace corvana::app {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <kainjow/mustache.hpp>
 
+#include "app/record/Files.h"
 #include "app/report/PageHash.h"
 #include "app/report/ReportModel.h"
-#include "app/run/Files.h"
 
 namespace corvana::app {
 namespace {

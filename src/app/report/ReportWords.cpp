@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <system_error>
 
+#include "app/record/Files.h"
 #include "app/report/RunFolder.h"
-#include "app/run/Files.h"
 
 namespace corvana::app {
 namespace {

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <sstream>
 
+#include "app/record/EventLog.h"
+#include "app/record/Files.h"
+#include "app/record/RecordFiles.h"
 #include "app/report/Evidence.h"
-#include "app/run/EventLog.h"
-#include "app/run/Files.h"
-#include "app/run/RecordFiles.h"
 
 namespace corvana::app {
 namespace {

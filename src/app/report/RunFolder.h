@@ -8,7 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/run/JsonMembers.h"
+#include "app/record/JsonMembers.h"
 #include "app/seal/RecordCheck.h"
 
 namespace corvana::app {

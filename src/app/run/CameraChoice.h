@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 #include "devices/film/MediaSource.h"
 #include "devices/gstreamer/MediaElements.h"
 #include "devices/live/CameraMode.h"

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "app/card/CalendarDay.h"
 #include "app/privacy/RunTerms.h"
-#include "app/run/CalendarDay.h"
 #include "app/run/CallerLink.h"
 #include "app/run/CameraChoice.h"
 #include "app/run/FlowLoop.h"

@@ -5,12 +5,12 @@
 #include <optional>
 #include <string>
 
+#include "app/card/CardHints.h"
+#include "app/card/CardWatch.h"
+#include "app/record/AttemptLog.h"
+#include "app/record/EventLog.h"
 #include "app/report/EvidenceWatch.h"
-#include "app/run/AttemptLog.h"
-#include "app/run/CardHints.h"
-#include "app/run/CardWatch.h"
 #include "app/run/DrawnNumbers.h"
-#include "app/run/EventLog.h"
 #include "app/run/FlowEnd.h"
 #include "app/run/FlowWorld.h"
 #include "app/run/Preflight.h"

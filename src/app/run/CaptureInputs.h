@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
+#include "app/card/Reference.h"
+#include "app/record/Files.h"
 #include "app/run/CaptureArguments.h"
-#include "app/run/Files.h"
-#include "app/run/Reference.h"
 #include "app/seal/Keys.h"
 
 namespace corvana::app {

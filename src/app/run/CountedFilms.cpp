@@ -2,7 +2,7 @@
 
 #include <mutex>
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 
 namespace corvana::app {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "app/run/RunRecord.h"
+#include "app/record/RunRecord.h"
 
 namespace corvana::app {
 

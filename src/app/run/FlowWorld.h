@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "app/record/RunRecord.h"
 #include "app/run/FlowScreen.h"
-#include "app/run/RunRecord.h"
 #include "corvana/DetectedData.h"
 #include "devices/screen/DirectoryBundle.h"
 #include "devices/screen/ScreenHub.h"

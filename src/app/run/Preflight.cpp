@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include "app/card/DocumentFolders.h"
 #include "app/machine/MachineCheck.h"
 #include "app/privacy/Consent.h"
-#include "app/run/DocumentFolders.h"
 #include "corvana/SelfieCapture.h"
 #include "devices/loudspeaker/EspeakSynthesizer.h"
 #include "engine/recorder/LateFrameAnalyzer.h"

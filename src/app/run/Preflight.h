@@ -4,12 +4,12 @@
 
 #include <tl/expected.hpp>
 
+#include "app/record/RunIdentity.h"
 #include "app/run/CaptureArguments.h"
 #include "app/run/CaptureInputs.h"
 #include "app/run/ExitCode.h"
 #include "app/run/FlowScreen.h"
 #include "app/run/Resources.h"
-#include "app/run/RunIdentity.h"
 #include "devices/film/MediaSource.h"
 #include "engine/recorder/FrameAnalyzer.h"
 

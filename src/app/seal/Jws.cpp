@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 #include "app/seal/Base64Url.h"
 
 namespace corvana::app {

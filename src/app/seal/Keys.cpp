@@ -12,7 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 #include "app/seal/Base64Url.h"
 #include "app/seal/Sha256.h"
 

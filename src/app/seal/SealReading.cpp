@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 #include "app/seal/Jws.h"
 #include "app/seal/Sha256.h"
 

@@ -1,6 +1,6 @@
 #include "app/seal/Stamps.h"
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 
 namespace corvana::app {
 namespace {

@@ -11,7 +11,7 @@
 #include <openssl/ts.h>
 #include <openssl/x509.h>
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 #include "app/seal/Sha256.h"
 
 namespace corvana::app {

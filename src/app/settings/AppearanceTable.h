@@ -8,7 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 #include "app/run/Resources.h"
 
 namespace corvana::app {

@@ -6,7 +6,7 @@
 #include <map>
 #include <utility>
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 #include "app/settings/ColorTable.h"
 #include "corvana/CaptureSession.h"
 #include "corvana/Notifications.h"

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "app/recheck/RecheckSources.h"
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 #include "app/seal/Sha256.h"
 #include "support/Scratch.h"
 

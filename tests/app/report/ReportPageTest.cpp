@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "app/record/Files.h"
 #include "app/report/Evidence.h"
 #include "app/report/PageHash.h"
 #include "app/report/ReportCourse.h"
 #include "app/report/ReportFile.h"
 #include "app/report/ReportPage.h"
-#include "app/run/Files.h"
 #include "support/Scratch.h"
 
 namespace corvana::tests {

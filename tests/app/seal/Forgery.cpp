@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 #include "app/seal/Jws.h"
 #include "support/Scratch.h"
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 #include "app/seal/Forgery.h"
 #include "app/seal/RecordCheck.h"
 #include "app/seal/SmallRecord.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/run/RunRecord.h"
+#include "app/record/RunRecord.h"
 #include "app/seal/RecordCheck.h"
 #include "support/Scratch.h"
 

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "app/run/EventLog.h"
-#include "app/run/RunRecord.h"
+#include "app/record/EventLog.h"
+#include "app/record/RunRecord.h"
 #include "app/seal/RunSeal.h"
 #include "app/seal/Sha256.h"
 #include "devices/MediaTestSupport.h"

@@ -1,4 +1,4 @@
-#include "app/run/CardHints.h"
+#include "app/card/CardHints.h"
 
 #include "corvana/IDCapture.h"
 

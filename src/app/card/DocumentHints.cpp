@@ -1,4 +1,4 @@
-#include "app/run/DocumentHints.h"
+#include "app/card/DocumentHints.h"
 
 #include <algorithm>
 

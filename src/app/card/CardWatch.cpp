@@ -1,4 +1,4 @@
-#include "app/run/CardWatch.h"
+#include "app/card/CardWatch.h"
 
 #include <algorithm>
 #include <cmath>

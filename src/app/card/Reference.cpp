@@ -1,4 +1,4 @@
-#include "app/run/Reference.h"
+#include "app/card/Reference.h"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "app/run/EventLog.h"
+#include "app/record/EventLog.h"
 
 #include <cerrno>
 #include <cmath>

@@ -1,9 +1,9 @@
-#include "app/run/AttemptLog.h"
+#include "app/record/AttemptLog.h"
 
 #include <map>
 #include <utility>
 
-#include "app/run/EventLog.h"
+#include "app/record/EventLog.h"
 
 namespace corvana::app {
 namespace {

@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/run/RunRecord.h"
+#include "app/record/RunRecord.h"
 #include "corvana/Decision.h"
 #include "engine/recorder/RecorderObserver.h"
 #include "platform/foundation/RunLoop.h"

@@ -1,4 +1,4 @@
-#include "app/recheck/ScratchFolder.h"
+#include "app/record/ScratchFolder.h"
 
 #include <cstdlib>
 #include <string>

@@ -1,4 +1,4 @@
-#include "app/run/BuildId.h"
+#include "app/record/BuildId.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "app/run/RunIdentity.h"
+#include "app/record/RunIdentity.h"
 
 #include <array>
 

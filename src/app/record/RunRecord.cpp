@@ -1,9 +1,9 @@
-#include "app/run/RunRecord.h"
+#include "app/record/RunRecord.h"
 
 #include "app/privacy/Consent.h"
 #include "app/privacy/RunTerms.h"
-#include "app/run/BuildId.h"
-#include "app/run/EventLog.h"
+#include "app/record/BuildId.h"
+#include "app/record/EventLog.h"
 #include "app/seal/Jws.h"
 #include "app/seal/SealLog.h"
 #include "app/settings/OptionTable.h"

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "app/run/CalendarDay.h"
+#include "app/card/CalendarDay.h"
 #include "app/run/ExitCode.h"
 #include "app/run/Resources.h"
 #include "engine/document/kinds/DocumentTables.h"

@@ -1,4 +1,4 @@
-#include "app/run/CalendarDay.h"
+#include "app/card/CalendarDay.h"
 
 #include <ctime>
 

@@ -1,4 +1,4 @@
-#include "app/run/DocumentFolders.h"
+#include "app/card/DocumentFolders.h"
 
 #include <utility>
 

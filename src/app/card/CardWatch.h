@@ -3,8 +3,8 @@
 #include <optional>
 #include <vector>
 
-#include "app/run/DocumentHints.h"
-#include "app/run/EventLog.h"
+#include "app/card/DocumentHints.h"
+#include "app/record/EventLog.h"
 #include "engine/recorder/RecorderObserver.h"
 
 namespace corvana::app {

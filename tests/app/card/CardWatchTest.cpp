@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/run/CardWatch.h"
+#include "app/card/CardWatch.h"
 #include "platform/foundation/VirtualRunLoop.h"
 #include "support/Scratch.h"
 

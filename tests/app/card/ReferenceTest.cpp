@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/run/Reference.h"
+#include "app/card/Reference.h"
 #include "support/Scratch.h"
 
 namespace corvana::tests {

@@ -1,4 +1,4 @@
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 
 #include <array>
 #include <fstream>

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/run/AttemptLog.h"
+#include "app/record/AttemptLog.h"
 #include "platform/foundation/VirtualRunLoop.h"
 
 namespace corvana::tests {

@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/run/CalendarDay.h"
+#include "app/card/CalendarDay.h"
 #include "corvana/DetectedData.h"
 #include "engine/document/fields/FieldAgreement.h"
 

@@ -9,12 +9,12 @@
 #include <nlohmann/json.hpp>
 #include <tl/expected.hpp>
 
+#include "app/card/DocumentHints.h"
+#include "app/record/Files.h"
+#include "app/record/RecordFiles.h"
+#include "app/record/RunIdentity.h"
 #include "app/report/Evidence.h"
-#include "app/run/DocumentHints.h"
-#include "app/run/Files.h"
-#include "app/run/RecordFiles.h"
 #include "app/run/Resources.h"
-#include "app/run/RunIdentity.h"
 #include "app/seal/Keys.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "corvana/IDError.h"

@@ -1,6 +1,6 @@
-#include "app/run/RecordFiles.h"
+#include "app/record/RecordFiles.h"
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 
 namespace corvana::app {
 namespace {

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "app/run/Files.h"
+#include "app/record/Files.h"
 #include "corvana/DetectedData.h"
 
 namespace corvana::app {

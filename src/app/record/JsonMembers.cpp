@@ -1,4 +1,4 @@
-#include "app/run/JsonMembers.h"
+#include "app/record/JsonMembers.h"
 
 namespace corvana::app {
 
