@@ -58,6 +58,20 @@ double RepetitionWatch::stretch(std::size_t lag) const {
   return sum / kStretch;
 }
 
+/// A loop seldom begins again just when it is looked at: the newest pictures are laid between those
+/// of two lags, where they fit best. The mean squares of what lies between two pictures follow from
+/// theirs and from the difference of both.
+double RepetitionWatch::stretchBetween(std::size_t lag) const {
+  const double near = stretch(lag);
+  const double far = stretch(lag + 1);
+  double apart = 0;
+  for (std::size_t i = 0; i < kStretch; ++i)
+    apart += pictures_[i + lag].differences.front() / kStretch;
+  if (apart <= 0) return near;
+  const double share = std::clamp((near - far + apart) / (2 * apart), 0.0, 1.0);
+  return std::max(0.0, (1 - share) * near + share * far - share * (1 - share) * apart);
+}
+
 void RepetitionWatch::add(platform::TimePoint time, const platform::PixelBuffer& picture) {
   Picture next{time, valuesOf(picture), {}};
   if (!pictures_.empty() && pictures_.front().values.size() != next.values.size())
@@ -71,9 +85,9 @@ void RepetitionWatch::add(platform::TimePoint time, const platform::PixelBuffer&
   if (pictures_.size() <= kStretch) return;
   const double moved = movement();
   if (moved < kLeastMovement) return;
-  for (std::size_t lag = 2; lag + kStretch <= pictures_.size(); ++lag) {
+  for (std::size_t lag = 2; lag + kStretch < pictures_.size(); ++lag) {
     if (time - pictures_[lag].time < kShortestLoop) continue;
-    const double share = stretch(lag) / moved;
+    const double share = stretchBetween(lag) / moved;
     difference_ = std::min(difference_.value_or(share), share);
   }
 }

@@ -27,6 +27,7 @@ class RepetitionWatch {
   };
   double movement() const;
   double stretch(std::size_t lag) const;
+  double stretchBetween(std::size_t lag) const;
 
   std::deque<Picture> pictures_;  ///< the newest first
   std::optional<double> difference_;
