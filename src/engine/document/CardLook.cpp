@@ -66,20 +66,6 @@ bool completes(const Quad& whole, const Quad& part) {
          whole.aspectErrorFrom(shape) < part.aspectErrorFrom(shape) - kMostTiltedAway;
 }
 
-bool areTheSame(const Quad& a, const Quad& b) {
-  constexpr double kMeasuredAlike = 0.004;  // of the width
-  const auto farthest = [&](std::size_t turn) {
-    double most = 0;
-    for (std::size_t i = 0; i < 4; ++i) {
-      const auto& corner = a.corners[i];
-      const auto& other = b.corners[(i + turn) % 4];
-      most = std::max(most, std::hypot(corner.x - other.x, corner.y - other.y));
-    }
-    return most;
-  };
-  return std::min(farthest(0), farthest(2)) < kMeasuredAlike * a.width();
-}
-
 void CardLook::turn() {
   outline = upsideDown(outline);
   std::swap(card, turned);

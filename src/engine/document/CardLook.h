@@ -27,9 +27,6 @@ struct CardLook {
   bool isCertainlyACard() const;
 };
 
-/// Whether two outlines are the same but for what their measuring leaves open, either way up.
-bool areTheSame(const Quad& a, const Quad& b);
-
 /// Whether an outline may be that of the whole card of which another holds a part, since a dark
 /// band ends it or the ground is like its rim: it lies around the other, and is more of the shape
 /// that its own size of documents has.

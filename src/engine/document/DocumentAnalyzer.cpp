@@ -295,10 +295,11 @@ std::optional<CardReading> DocumentAnalyzer::readUpright(const CardLook& look) {
 
 platform::Expected<CardLook> DocumentAnalyzer::cardIn(const platform::PixelBufferRef& picture) {
   const StillPicture still = stillPicture(picture, text_.boxes());
+  constexpr double kMeasuredAlike = 0.004;       // of the width
   std::vector<std::pair<Quad, CardLook>> looks;  // both searches may find the same outline
   const auto look = [&](const Quad& outline) {
     const auto known = std::ranges::find_if(
-        looks, [&](const auto& earlier) { return areTheSame(earlier.first, outline); });
+        looks, [&](const auto& earlier) { return apart(earlier.first, outline) < kMeasuredAlike; });
     if (known != looks.end()) return known->second;
     CardLook seen;
     if (mayHavePrint(still, outline)) seen = lookAt(*still.picture, outline);

@@ -32,10 +32,6 @@ cv::Point2d pointOf(platform::CGPoint point) {
   return {point.x, point.y};
 }
 
-double distance(const platform::CGPoint& a, const platform::CGPoint& b) {
-  return std::hypot(a.x - b.x, a.y - b.y);
-}
-
 bool hasCardsShape(const Quad& quad) {
   return quad.isConvex() && quad.taper() <= kMostTaper && quad.aspect() >= kLeastAspect &&
          quad.aspect() <= kMostAspect;
@@ -62,17 +58,6 @@ cv::Mat derivatives(const cv::Mat& rgb) {
     strength.copyTo(strongest, stronger);
   }
   return result;
-}
-
-/// How far two outlines' corners are apart at most, in the width of one.
-double apart(const Quad& a, const Quad& b) {
-  const auto farthest = [&](std::size_t turn) {
-    double most = 0;
-    for (std::size_t i = 0; i < 4; ++i)
-      most = std::max(most, distance(a.corners[i], b.corners[(i + turn) % 4]));
-    return most;
-  };
-  return std::min(farthest(0), farthest(2)) / a.width();
 }
 
 }  // namespace

@@ -80,6 +80,19 @@ double Quad::aspectErrorFrom(double aspect) const {
   return std::abs(std::log(this->aspect() / aspect));
 }
 
+double apart(const Quad& a, const Quad& b) {
+  const auto farthest = [&](std::size_t turn) {
+    double most = 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+      const platform::CGPoint& corner = a.corners[i];
+      const platform::CGPoint& other = b.corners[(i + turn) % 4];
+      most = std::max(most, std::hypot(corner.x - other.x, corner.y - other.y));
+    }
+    return most;
+  };
+  return std::min(farthest(0), farthest(2)) / a.width();
+}
+
 Quad upsideDown(const Quad& quad) {
   return {{quad.corners[2], quad.corners[3], quad.corners[0], quad.corners[1]}};
 }

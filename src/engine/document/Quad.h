@@ -41,6 +41,10 @@ struct Quad {
   double aspectError() const { return aspectErrorFrom(documentAspect()); }
 };
 
+/// How far the corners of two outlines are apart at most, in the width of the first; the second may
+/// lie either way up.
+double apart(const Quad& a, const Quad& b);
+
 /// The same outline with the card in it turned by 180°.
 Quad upsideDown(const Quad& quad);
 
