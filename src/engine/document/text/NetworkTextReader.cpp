@@ -5,9 +5,9 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "engine/document/TextLines.h"
 #include "engine/document/text/LetterRepair.h"
 #include "engine/document/text/LineCrop.h"
+#include "engine/document/text/TextLines.h"
 #include "engine/vision/MatViews.h"
 
 namespace corvana::engine {

@@ -6,11 +6,11 @@
 
 #include "TestCards.h"
 #include "engine/document/CardTurn.h"
-#include "engine/document/CardWarp.h"
-#include "engine/document/SecondOpinion.h"
-#include "engine/document/TesseractReader.h"
+#include "engine/document/outline/CardWarp.h"
 #include "engine/document/text/LetterRepair.h"
 #include "engine/document/text/NetworkTextReader.h"
+#include "engine/document/text/SecondOpinion.h"
+#include "engine/document/text/TesseractReader.h"
 #include "engine/vision/MatViews.h"
 
 namespace corvana::tests {
