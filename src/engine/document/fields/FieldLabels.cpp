@@ -278,6 +278,10 @@ platform::Expected<FieldLabels> FieldLabels::load(
   return result;
 }
 
+bool FieldLabels::isLabel(const std::string& text) const {
+  return labels_.contains(lettersOf(text));
+}
+
 std::optional<LabelledText> FieldLabels::labelledText(const std::string& line) const {
   std::size_t end = 0;
   const std::string number = leadingNumber(line, end);

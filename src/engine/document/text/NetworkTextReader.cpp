@@ -30,6 +30,20 @@ TextLine lineIn(const cv::RotatedRect& box) {
   return line;
 }
 
+/// Where the words lie on the card that were read in the picture of a line.
+std::vector<WordReach> wordsOf(const LineReading& reading, const TextLine& line,
+                               const cv::Mat& picture) {
+  const double left = line.box.x - kHalo / 2;
+  const double scale = (line.box.width + kHalo) / picture.cols;
+  const auto place = [&](std::size_t answer) {
+    return left + scale * LineRecognizer::kPixelsPerAnswer * (double(answer) + 0.5);
+  };
+  std::vector<WordReach> words;
+  for (const auto& [first, last] : reading.words)
+    words.push_back({place(first), place(last)});
+  return words;
+}
+
 /// Pale print made black on a ground made white.
 cv::Mat emphasised(const cv::Mat& rgb) {
   constexpr int kReach = 21;      // of letters
@@ -161,6 +175,7 @@ std::vector<TextLine> NetworkTextReader::readAgain(const platform::PixelBuffer& 
   for (auto& [picture, line] : lines) {
     const LineReading reading = recognizer_.read(picture);
     line.text = repairedLetters(trimmed(reading.text));
+    line.words = wordsOf(reading, line, picture);
     line.confidence = reading.confidence;
     line.leastConfidence = reading.leastConfident;
     if (!line.text.empty() && line.confidence >= kLeastConfidence) read.push_back(line);

@@ -28,7 +28,10 @@ std::vector<TextLine> withSecondOpinion(const platform::PixelBuffer& card,
     if (line.leastConfidence >= kDoubtful) continue;
     const auto again = second.readAgain(card, {line});
     if (again.empty() || again.front().confidence < kSure) continue;
-    if (isTheSameText(line.text, again.front().text)) line = again.front();
+    if (!isTheSameText(line.text, again.front().text)) continue;
+    auto words = std::move(line.words);
+    line = again.front();
+    line.words = std::move(words);
   }
   return lines;
 }

@@ -8,6 +8,12 @@
 
 namespace corvana::engine {
 
+/// How far a word reaches across the card, in pixels.
+struct WordReach {
+  double from = 0;  ///< middle of its first letter
+  double to = 0;  ///< middle of its last letter
+};
+
 /// A line of print as a reader saw it, or the part of one that stands by itself.
 struct TextLine {
   std::string text;            ///< UTF-8, with accents
@@ -15,6 +21,8 @@ struct TextLine {
   double confidence = 0;       ///< 0 to 1
   double tilt = 0;             ///< degrees clockwise by which the box is turned about its middle
   double leastConfidence = 1;  ///< of its least sure letter
+  /// Of each word between blanks, in the order of the text; empty where the reader can't tell.
+  std::vector<WordReach> words{};
 };
 
 /// Reads the print of a straightened card. The same picture gives the same text. One thread at a
