@@ -45,7 +45,7 @@ void LivenessJudge::note(Fraud& fraud, double value, bool isSeen, platform::Time
 
 void LivenessJudge::look(const Look& look) {
   blink_.add(look.time, lidsOf(look.details));
-  relief_.add(look.details.mesh);
+  relief_.add(faceView(look.picture, look.details.mesh));
   passiveSum_ += look.passiveScore;
   ++passiveCount_;
 

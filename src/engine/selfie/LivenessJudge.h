@@ -31,7 +31,7 @@ class LivenessJudge {
   struct Limits {
     platform::Duration watchTime{};  ///< before a face is believed
     double blinkShare = 0;           ///< as `BlinkWatch` has it
-    double relief = 0;               ///< least `reliefMotion`
+    double relief = 0;               ///< least `reliefMotion` of life
     double repetition = 0;           ///< greatest difference of a film that begins again
     double edges = 0;                ///< most of `edgesAround` a living face
   };
