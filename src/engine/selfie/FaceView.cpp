@@ -1,5 +1,6 @@
 #include "engine/selfie/FaceView.h"
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -12,6 +13,8 @@ namespace {
 
 constexpr std::size_t kRightEyeCorner = 33;
 constexpr std::size_t kLeftEyeCorner = 263;
+constexpr std::size_t kRightEyeInnerCorner = 133;
+constexpr std::size_t kLeftEyeInnerCorner = 362;
 
 // In pixels of the view.
 constexpr int kSide = 224;
@@ -20,6 +23,10 @@ constexpr double kEyesFromTop = 80;
 constexpr int kPatch = 6;
 /// From where the other view's points have it.
 constexpr int kReach = 10;
+
+/// An eye from its middle to its corners and lids, and how far the network may have misplaced it.
+const cv::Size kHalfEye{13, 7};
+const cv::Size kEyeReach{4, 4};
 
 /// Of a patch and the place where it is found again: less is another thing, or hidden.
 constexpr double kLeastLikeness = 0.7;
@@ -38,9 +45,14 @@ cv::Matx23d transformOf(const FaceMesh& mesh) {
           -s, c, kEyesFromTop + s * middleX - c * middleY};
 }
 
+cv::Rect around(const SurfacePoint& point, cv::Size half) {
+  return {static_cast<int>(std::lround(point.x)) - half.width,
+          static_cast<int>(std::lround(point.y)) - half.height, 2 * half.width + 1,
+          2 * half.height + 1};
+}
+
 cv::Rect around(const SurfacePoint& point, int radius) {
-  return {static_cast<int>(std::lround(point.x)) - radius,
-          static_cast<int>(std::lround(point.y)) - radius, 2 * radius + 1, 2 * radius + 1};
+  return around(point, {radius, radius});
 }
 
 bool isInside(const cv::Rect& area) {
@@ -85,7 +97,30 @@ std::optional<SkinMotion> motionOf(const cv::Mat& from, const cv::Mat& to, std::
   return motion;
 }
 
+/// One where an eye is not whole within the view: nothing is known of it then.
+double eyeLikeness(const FaceView& a, const FaceView& b, std::size_t outer, std::size_t inner) {
+  const auto middle = [&](const FaceView& view) {
+    const SurfacePoint& o = view.mesh[outer];
+    const SurfacePoint& i = view.mesh[inner];
+    return SurfacePoint{(o.x + i.x) / 2, (o.y + i.y) / 2, 0};
+  };
+  const cv::Rect eye = around(middle(a), kHalfEye);
+  const cv::Rect search = around(middle(b), kHalfEye + kEyeReach);
+  if (!isInside(eye) || !isInside(search)) return 1;
+  cv::Mat likeness;
+  cv::matchTemplate(grayMat(*b.picture)(search), grayMat(*a.picture)(eye), likeness,
+                    cv::TM_CCOEFF_NORMED);
+  double most = 0;
+  cv::minMaxLoc(likeness, nullptr, &most);
+  return std::max(most, 0.0);
+}
+
 }  // namespace
+
+double eyesLikeness(const FaceView& a, const FaceView& b) {
+  return std::max(eyeLikeness(a, b, kRightEyeCorner, kRightEyeInnerCorner),
+                  eyeLikeness(a, b, kLeftEyeCorner, kLeftEyeInnerCorner));
+}
 
 FaceView faceView(const platform::PixelBuffer& picture, const FaceMesh& mesh) {
   const cv::Matx23d transform = transformOf(mesh);

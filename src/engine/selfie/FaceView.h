@@ -29,6 +29,9 @@ struct SkinMotion {
   double xx = 0, xy = 0, yy = 0;
 };
 
+/// How much the eyes of two views look alike, 0 to 1: that of the eye which has changed less.
+double eyesLikeness(const FaceView& a, const FaceView& b);
+
 /// Follows the skin around the points from one view to the other by what it looks like. The network
 /// that finds the points is asked for nothing but where they begin: it knows faces and sees a head
 /// turn where a sheet of paper is bent. Points that are not found again are left out.

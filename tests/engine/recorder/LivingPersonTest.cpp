@@ -203,7 +203,7 @@ class ActiveRecorderTest : private ActiveLiveness, public RecorderTest {
     if (told == words.turnRight) head.pose.yaw = -20;
     if (told == words.lookUp) head.pose.pitch = -14;
     if (told == words.comeNearer) head.width *= 1.3;
-    if (told == words.blinkTwice && ++looks_ % 5 < 2) head.lids = {0.3, 0.1, 0.1};
+    if (told == words.blinkTwice && ++looks_ % 5 < 2) head.lids = {0.3, 0.1, 0.1, 0.6};
   }
   static void stare(Observation& observation) {
     showFace(engine::LivenessVerdict::Kind::living, 3)(observation);

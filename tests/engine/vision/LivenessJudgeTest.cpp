@@ -140,18 +140,37 @@ constexpr LivenessJudge::Limits kLimits{.watchTime = std::chrono::seconds(3),
                                         .repetition = 0.8,
                                         .edges = 0.88};
 
+/// Paints closed lids over the eyes.
+void closeEyes(cv::Mat& picture, const FaceMesh& mesh) {
+  constexpr std::size_t kCheek = 50;
+  const cv::Vec3b skin = picture.at<cv::Vec3b>(static_cast<int>(mesh[kCheek].y),  //
+                                               static_cast<int>(mesh[kCheek].x));
+  for (const auto& [outer, inner] : {std::pair{33U, 133U}, std::pair{263U, 362U}}) {
+    const double x = (mesh[outer].x + mesh[inner].x) / 2, y = (mesh[outer].y + mesh[inner].y) / 2;
+    const double width = std::abs(mesh[outer].x - mesh[inner].x);
+    cv::ellipse(picture, cv::RotatedRect(cv::Point2d(x, y), cv::Size2d(width, width / 2), 0),
+                cv::Scalar(skin), -1);
+  }
+}
+
 /// Looks at a scene ten times a second.
 class Judging {
  public:
-  explicit Judging(char person) : photo_(tests::portrait(person)), details_(detailsOf(photo_)) {}
+  /// `isPrint`: what the network takes for lids is none, and nothing in the picture changes.
+  explicit Judging(char person, bool isPrint = false)
+      : photo_(tests::portrait(person)), details_(detailsOf(photo_)), isPrint_(isPrint) {}
 
   /// A scene that moves with `phase` and shows lids opened so far.
   LivenessVerdict look(double phase, double lids) {
-    const cv::Matx23d shift(1, 0, 20 * std::sin(phase), 0, 1, 14 * std::sin(1.7 * phase));
+    const double x = 20 * std::sin(phase), y = 14 * std::sin(1.7 * phase);
+    const cv::Matx23d shift(1, 0, x, 0, 1, y);
     cv::Mat moved;
     cv::warpAffine(photo_, moved, shift, photo_.size(), cv::INTER_LINEAR, cv::BORDER_REFLECT);
     FaceDetails details = details_;
     details.lidOpening *= lids;
+    for (SurfacePoint& point : details.mesh)
+      point = {point.x + x, point.y + y, point.z};
+    if (lids < 0.5 && !isPrint_) closeEyes(moved, details.mesh);
     for (const std::size_t lid : {160U, 158U, 387U, 385U})
       details.mesh[lid].y += (1 - lids) * 0.01 * details.mesh[152].y;
     now_ += platform::seconds(0.1);
@@ -170,6 +189,7 @@ class Judging {
  private:
   const cv::Mat photo_;
   const FaceDetails details_;
+  const bool isPrint_;
   LivenessJudge judge_{kLimits};
   platform::TimePoint now_{};
   double phase_ = 0;
@@ -192,6 +212,14 @@ TEST(LivenessJudge, BelievesABlinkAfterAWhileAndNoFaceThatNeverGaveASign) {
   EXPECT_EQ(verdict.kind, Kind::undecided);
   EXPECT_GE(verdict.watchedFor, platform::seconds(9.5));
   EXPECT_LT(verdict.score, 0.3F);
+}
+
+TEST(LivenessJudge, DoesNotBelieveEyesThatAreSeenNarrowerButLookAsTheyDid) {
+  for (const char person : {'a', 'b'}) {
+    const LivenessVerdict verdict = Judging(person, true).watch(60, 0.11);
+    EXPECT_EQ(verdict.kind, Kind::undecided) << person;
+    EXPECT_LT(verdict.score, 0.3F) << person;
+  }
 }
 
 TEST(LivenessJudge, DoesNotBelieveABlinkInAFilmThatBeginsAgain) {
@@ -240,6 +268,13 @@ TEST(PersonCompare, TellsTheSelfiesFaceFromAnothersAboutOnceASecondAndWhenItJump
       compare.look(platform::TimePoint{} + platform::seconds(9), *pixelBufferFrom(soft),
                    tests::detector().detect(*frame).at(0), {selfie, 0.42});
   EXPECT_FALSE(unclear.value().distance);
+  EXPECT_EQ(unclear->flaw.value().flaw, FaceFlaw::blurred);
+  EXPECT_LT(unclear->flaw->value, unclear->flaw->limit);
+  const auto dark = rgbMat(*frame) / 8;
+  const auto unlit =
+      compare.look(platform::TimePoint{} + platform::seconds(11), *pixelBufferFrom(cv::Mat(dark)),
+                   tests::detector().detect(*frame).at(0), {selfie, 0.42});
+  EXPECT_EQ(unlit.value().flaw.value().flaw, FaceFlaw::tooDark);
 }
 
 }  // namespace
