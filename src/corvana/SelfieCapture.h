@@ -59,8 +59,8 @@ struct SelfieCapture {
     double livenessAskSeconds = 2.5;
     /// Share of the eyes' usual height over width below which both count as closed.
     double livenessBlinkShare = 0.91;
-    /// Sine of the turn from which on a face's relief is seen to move against itself.
-    double livenessRelief = 0.05;
+    /// Sine of the turn that a face's relief must be sure to have made against itself.
+    double livenessRelief = 0.02;
     /// Difference to an earlier stretch of pictures, over that from one picture to the next, below
     /// which the stretch is the same one again.
     double livenessRepetition = 0.8;

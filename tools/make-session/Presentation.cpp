@@ -40,6 +40,7 @@ Presentation::Presentation(const PresentationScript& script, Random& random)
       bendAxis_(random.uniform(-0.35, 0.35)),
       pixelPitch_(random.uniform(0.92, 1.09)),
       flickerSpeed_(random.uniform(2.0, 12.0)) {
+  if (script_.bendAxis) bendAxis_ = *script_.bendAxis * CV_PI / 180.0;
   if (script_.kind != "print" && script_.kind != "screen") return;
   room_ = emptyRoom({kPictureWidth + 2 * kRoomMargin, kPictureHeight + 2 * kRoomMargin}, random);
 }
@@ -83,12 +84,12 @@ Presentation::Hold Presentation::holdAt(double seconds) const {
 
 cv::Point2d Presentation::seenAt(cv::Point2d onSheet, const Hold& hold) const {
   const cv::Point2d flat = script_.scale * (onSheet - middle());
-  // The sheet is rolled about an axis that is not quite upright: along it nothing changes.
+  // The sheet is rolled about an axis: along it nothing changes.
   const double ca = std::cos(bendAxis_), sa = std::sin(bendAxis_);
   double across = ca * flat.x + sa * flat.y;
   const double along = -sa * flat.x + ca * flat.y;
   double z = 0.0;
-  if (hold.bend > 1e-3) {
+  if (std::abs(hold.bend) > 1e-3) {
     const double radius = script_.scale * kPictureWidth / hold.bend;
     const double angle = std::clamp(across / radius, -1.4, 1.4);
     across = radius * std::sin(angle);

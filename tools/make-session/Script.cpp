@@ -42,7 +42,8 @@ void readPresentation(ScriptReader reader, PresentationScript& presentation) {
   reader.number("scale", presentation.scale, 0.5, 2.0);
   reader.number("crop", presentation.crop, 0.0, 0.3);
   reader.number("tilt", presentation.tilt, 0.0, 30.0);
-  reader.number("bend", presentation.bend, 0.0, 2.0);
+  reader.number("bend", presentation.bend, -2.0, 2.0);
+  reader.number("bendAxis", presentation.bendAxis, -90.0, 90.0);
   reader.flag("livingEyes", presentation.livingEyes);
   reader.number("loopFrom", presentation.loopFrom, 0.0, kLongestSession);
   reader.number("loopSeconds", presentation.loopSeconds, 0.2, kLongestSession);

@@ -35,12 +35,15 @@ struct PersonScript {
 /// What stands before the camera in the place of the living person.
 struct PresentationScript {
   std::string kind = "live";  ///< live, print, screen, still or loop
-  double scale = 1.0;       ///< of the print's or display's picture; from 1.3 on it fills the view
-  double crop = 0.0;        ///< share that is cut off each of the picture's sides
-  double tilt = 8.0;        ///< degrees by which a hand tilts print or display to each side
-  double bend = 0.0;        ///< of a print: radians from one side to the other, as it is flexed
-  bool livingEyes = false;  ///< eyes blink in the print
-  double loopFrom = 0.4;    ///< seconds
+  double scale = 1.0;  ///< of the print's or display's picture; from 1.3 on it fills the view
+  double crop = 0.0;   ///< share that is cut off each of the picture's sides
+  double tilt = 8.0;   ///< degrees by which a hand tilts print or display to each side
+  /// Of a print: radians from one side to the other, as it is flexed; below 0 its sides come
+  /// towards the camera.
+  double bend = 0.0;
+  std::optional<double> bendAxis;  ///< degrees from upright; near upright when left out
+  bool livingEyes = false;         ///< eyes blink in the print
+  double loopFrom = 0.4;           ///< seconds
   double loopSeconds = 2.0;
 };
 

@@ -143,7 +143,8 @@ class TaskEvent(Event):
 
 @dataclasses.dataclass(frozen=True)
 class HintEvent(Event):
-    """Why the card is not read: `tooDark`, `blurred`, `covered`, `copy`, or `none` when that is over."""
+    """Why the card is not read (`tooDark`, `blurred`, `covered`, `copy`) or the face not judged (`faceTooFar`,
+    `faceTooDark`, `faceHidden`, `faceTurnedAway`, `faceBlurred`, `faceOutOfSight`), or `none` when that is over."""
 
     name: str
     value: float | None = None

@@ -230,7 +230,8 @@ class ReportModel {
 
   std::string hintsTold() const {
     std::string told;
-    for (const char* name : {"tooDark", "blurred", "covered"}) {
+    for (const char* name : {"tooDark", "blurred", "covered", "faceTooFar", "faceTooDark",
+                             "faceHidden", "faceTurnedAway", "faceBlurred", "faceOutOfSight"}) {
       if (!course_.last("hint", name)) continue;
       told += (told.empty() ? "" : ", ") + words_.name("hint", name);
     }

@@ -80,12 +80,12 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
           seal_ ? seal_->events() : nullptr),
       card_(events_, rules_),
       reporter_(loop_, [this](const FlowEvent& event) { report(event); }),
-      cardHints_(card_,
+      hostHints_(card_,
                  [this](const std::string& words) {
                    reporter_.hinted(words);
                    screen_.hint(words);
                  }),
-      attempts_(loop_, cardHints_),
+      attempts_(loop_, hostHints_),
       evidence_(arguments.keepsEvidence
                     ? std::make_optional<EvidenceWatch>(attempts_, inputs_.reference, inputs_.text)
                     : std::nullopt),

@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 
-#include "app/card/CardHints.h"
 #include "app/card/CardWatch.h"
 #include "app/record/AttemptLog.h"
 #include "app/record/EventLog.h"
@@ -13,6 +12,7 @@
 #include "app/run/DrawnNumbers.h"
 #include "app/run/FlowEnd.h"
 #include "app/run/FlowWorld.h"
+#include "app/run/HostHints.h"
 #include "app/run/Preflight.h"
 #include "app/run/SourceMediaDevices.h"
 #include "app/seal/RunSeal.h"
@@ -88,7 +88,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   std::optional<CallerLink> caller_;  ///< where one follows the run
   CardWatch card_;
   devices::FlowReporter reporter_;
-  CardHints cardHints_;
+  HostHints hostHints_;
   AttemptLog attempts_;
   std::optional<EvidenceWatch> evidence_;  ///< where it is kept
   devices::HeadlessPerson person_;

@@ -145,9 +145,9 @@ std::vector<Row> selfieRows() {
           "sign of life: in a blink both eyes' height over width, as far as the network follows "
           "the lids, falls below this share of the usual"),
       row(SelfieCapture::options, &SelfieOptions::livenessRelief, "selfieCapture.livenessRelief",
-          "sine", 0.01, 1,
-          "sign of life: turn from which on the face's relief is seen to move as that of no flat "
-          "or bent picture"),
+          "sine", 0.005, 1,
+          "sign of life: turn that the face's relief is sure to have made, as that of no flat or "
+          "bent picture does"),
       row(SelfieCapture::options, &SelfieOptions::livenessRepetition,
           "selfieCapture.livenessRepetition", "ratio", 0, 10,
           "sign of fraud: pictures differ from earlier ones by less than this, over their "

@@ -89,7 +89,7 @@ void Recorder::enter(VideoCaptureMode mode) {
   lips_ = {};
   lipsNoted_ = false;
   sound_.take();
-  tell({});
+  tell({Kind::hint, kNoHint, {}});
   publishTask();
   startTimeOut();
   note({Kind::mode, nameOf(mode), {}});
@@ -148,7 +148,7 @@ void Recorder::reportEnd() {
 
 void Recorder::pause() {
   active_ = false;
-  tell({});
+  tell({Kind::hint, kNoHint, {}});
   if (timeOut_) timeOut_->invalidate();
   publishTask();
 }
@@ -238,8 +238,8 @@ void Recorder::observe(const Observation& observation) {
     for (const auto& state : document_.judge(*observation.document, now, IDCapture::options)) {
       if (mayReport(state)) report(state);
     }
-    tell(document_.hint());
   }
+  if (active_) tell(hintFor(observation));
 }
 
 void Recorder::judgeSelfie(const SelfieView& view) {
@@ -306,10 +306,13 @@ bool Recorder::mayReport(const IDCaptureState& state) const {
          person_.verdict(setup_.loop.now()) == PersonWatch::Verdict::same;
 }
 
+bool Recorder::isFadingIn() const {
+  return mode_ == VideoCaptureMode::readingText &&
+         setup_.loop.now() - modeStart_ < kQuietBeforeReading;
+}
+
 void Recorder::loseFace(const Observation& observation, const std::string& cause) {
-  const bool fadingIn = mode_ == VideoCaptureMode::readingText &&
-                        setup_.loop.now() - modeStart_ < kQuietBeforeReading;
-  if (fadingIn) return;
+  if (isFadingIn()) return;
   pause();
   mode_ = VideoCaptureMode::liveFaceLost;
   liveFaceInSight_ = false;
@@ -335,10 +338,25 @@ void Recorder::report(const IDCaptureState& state) {
   if (const auto delegate = delegate_.lock()) delegate->update(state);
 }
 
-void Recorder::tell(const std::optional<FlawFound>& hint) {
-  const auto flaw = hint ? std::optional(hint->flaw) : std::nullopt;
-  if (flaw == std::exchange(told_, flaw)) return;
-  note(eventOf(hint));
+/// Why the face of who was seen in the selfie is not known to be there, if they should be told.
+std::optional<FaceFlawFound> Recorder::faceFlaw(const Observation& observation) const {
+  if (mode_ == VideoCaptureMode::selfieCapture || isFadingIn()) return {};
+  const double lostFor = platform::inSeconds(observation.liveFaceLostFor);
+  const double limit = corvana::VideoCapture::options.liveFaceLostSeconds;
+  const bool isOutOfSight = !observation.liveFace && lostFor > limit / 2;
+  if (isOutOfSight) return FaceFlawFound{FaceFlaw::outOfSight, lostFor, limit};
+  return person_.flaw(setup_.loop.now());
+}
+
+RecorderEvent Recorder::hintFor(const Observation& observation) const {
+  // The card is what the person is busy with.
+  if (const auto& card = document_.hint()) return eventOf(*card);
+  if (const auto face = faceFlaw(observation)) return eventOf(*face);
+  return {Kind::hint, kNoHint, {}};
+}
+
+void Recorder::tell(const RecorderEvent& hint) {
+  if (std::exchange(told_, hint.name) != hint.name) note(hint);
 }
 
 void Recorder::postDebugData(const Observation& observation) {

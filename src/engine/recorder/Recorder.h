@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 
 #include "corvana/HostFactories.h"
 #include "corvana/VideoCapture.h"
@@ -80,6 +81,8 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   static constexpr platform::Duration kTimeOutRepetition = std::chrono::seconds(1);
 
  private:
+  static constexpr const char* kNoHint = "none";
+
   explicit Recorder(Setup setup) : setup_(std::move(setup)), sound_(setup_.film) {}
 
   bool filmIsBehind();
@@ -103,7 +106,10 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   bool mayReport(const corvana::IDCaptureState& state) const;
   void report(const corvana::SelfieCaptureState& state);
   void report(const corvana::IDCaptureState& state);
-  void tell(const std::optional<FlawFound>& hint);
+  bool isFadingIn() const;
+  std::optional<FaceFlawFound> faceFlaw(const Observation& observation) const;
+  RecorderEvent hintFor(const Observation& observation) const;
+  void tell(const RecorderEvent& hint);
   void postDebugData(const Observation& observation);
   void note(const RecorderEvent& event);
 
@@ -124,7 +130,7 @@ class Recorder final : public corvana::VideoCapture, public std::enable_shared_f
   bool lipsNoted_ = false;           ///< that a voice was heard while they rest
   platform::UIImageRef selfieFace_;  ///< of the selfie that succeeded last
   DocumentPhase document_;
-  std::optional<CardFlaw> told_;  ///< the hint that stands
+  std::string told_ = kNoHint;  ///< the hint that stands
   std::shared_ptr<platform::Timer> timeOut_;
 
   // Capture queue.

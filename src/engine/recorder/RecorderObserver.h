@@ -17,7 +17,7 @@ struct RecorderEvent {
     liveFace,  ///< "found" or "lost"
     mode,      ///< the new mode, by its name
     call,      ///< "stopVideoWriter", "retry", "typeMismatch"
-    hint,      ///< why a card is not read, for which there is no state; "none" when it is over
+    hint,      ///< why card or face cannot be judged, if no state says so; "none" when it is over
     liveness,  ///< what is known of the face: "undecided", "living", "spoof"; "asked" for a sign
     task,      ///< of the active mode, by its name: drawn, asked, done or missed
     film,      ///< "slowed" to so many pictures a second, or "atFullRate" again

@@ -49,6 +49,10 @@ Details detailsOf(const IDCaptureState& state) {
   return {};
 }
 
+RecorderEvent hintOf(const char* name, double value, double limit) {
+  return {RecorderEvent::Kind::hint, name, {{"value", value}, {"threshold", limit}}};
+}
+
 }  // namespace
 
 RecorderEvent eventOf(const SelfieCaptureState& state) {
@@ -59,11 +63,12 @@ RecorderEvent eventOf(const IDCaptureState& state) {
   return {RecorderEvent::Kind::state, corvana::nameOf(state), detailsOf(state)};
 }
 
-RecorderEvent eventOf(const std::optional<FlawFound>& hint) {
-  if (!hint) return {RecorderEvent::Kind::hint, "none", {}};
-  return {RecorderEvent::Kind::hint,
-          nameOf(hint->flaw),
-          {{"value", hint->value}, {"threshold", hint->limit}}};
+RecorderEvent eventOf(const FlawFound& hint) {
+  return hintOf(nameOf(hint.flaw), hint.value, hint.limit);
+}
+
+RecorderEvent eventOf(const FaceFlawFound& hint) {
+  return hintOf(nameOf(hint.flaw), hint.value, hint.limit);
 }
 
 }  // namespace corvana::engine

@@ -6,6 +6,7 @@
 #include "corvana/SelfieCapture.h"
 #include "engine/document/guidance/CardQuality.h"
 #include "engine/recorder/RecorderObserver.h"
+#include "engine/selfie/PersonCompare.h"
 
 namespace corvana::engine {
 
@@ -13,7 +14,8 @@ namespace corvana::engine {
 /// telling who the person is.
 RecorderEvent eventOf(const corvana::SelfieCaptureState& state);
 RecorderEvent eventOf(const corvana::IDCaptureState& state);
-/// A hint with what was measured and its limit; "none" when there is none any more.
-RecorderEvent eventOf(const std::optional<FlawFound>& hint);
+/// A hint with what was measured and its limit.
+RecorderEvent eventOf(const FlawFound& hint);
+RecorderEvent eventOf(const FaceFlawFound& hint);
 
 }  // namespace corvana::engine

@@ -134,7 +134,7 @@ SelfieView VisionFrameAnalyzer::lookForSelfie(const PixelBufferRef& picture,
     view.liveness = liveness_.add({observation.frameTime, *picture, judgement.face->box, *details,
                                    judgement.passiveLiveness});
     view.measures = {details->leftEyeOpen, details->rightEyeOpen, view.liveness->score};
-    view.head = HeadLook{details->pose, judgement.face->box.width, lidsOf(*details)};
+    view.head = HeadLook{details->pose, judgement.face->box.width, liveness_.lids()};
   }
   if (judgement.verdict == SelfieVerdict::good) {
     view.selfie = corvana::Selfie{std::make_shared<platform::UIImage>(picture), judgement.faceImage,

@@ -8,12 +8,15 @@
 
 namespace corvana::engine {
 
-/// Looks for a blink: both eyes close and open again. Pure; times come with the frames.
+/// Looks for a blink: both eyes close, look otherwise then, and open again. Pure; times come with
+/// the frames.
 class BlinkWatch {
  public:
   struct Lids {
     double opening = 0;                      ///< `FaceDetails::lidOpening`
     double rightAspect = 0, leftAspect = 0;  ///< `eyeAspectRatio` of each eye
+    /// `eyesLikeness` to a look a moment before, in which they may still have been open.
+    double likeness = 1;
   };
 
   /// `closedShare`: of the usual aspect ratio; eyes count as closed when both are below it.
@@ -28,7 +31,7 @@ class BlinkWatch {
 
  private:
   Lids usual() const;
-  bool looksClosed(double opening, double aspect);
+  bool looksClosed(double opening, double aspect, double likeness);
   void open(double aspect);
 
   double closedShare_;
@@ -40,6 +43,7 @@ class BlinkWatch {
   int blinks_ = 0;
 };
 
-BlinkWatch::Lids lidsOf(const FaceDetails& face);
+/// `likeness` as `Lids` has it.
+BlinkWatch::Lids lidsOf(const FaceDetails& face, double likeness);
 
 }  // namespace corvana::engine

@@ -10,7 +10,7 @@ constexpr double kFullScale = 32768;
 constexpr double kSilence = -120;  // dB
 /// Sound is measured in pieces of this length.
 constexpr platform::Duration kPiece = std::chrono::milliseconds(100);
-/// What is kept for the judgement: the noise of the room is the quietest of it.
+/// Sound that is kept for the judgement: the noise of the room is the quietest of it.
 constexpr platform::Duration kMemory = std::chrono::seconds(10);
 
 double decibels(const std::int16_t* samples, std::size_t count) {
@@ -69,7 +69,14 @@ void LipsWatch::judge() {
   }
   while (!sounds_.empty() && sounds_.back().time - sounds_.front().time > kMemory)
     sounds_.pop_front();
-  while (next_ > 0 && mouths_.back().time - mouths_.front().time > kMemory) {
+  forgetMouths();
+}
+
+/// The next look is compared with those within its reach.
+void LipsWatch::forgetMouths() {
+  while (next_ > 0) {
+    const platform::TimePoint next = mouths_[std::min(next_, mouths_.size() - 1)].time;
+    if (mouths_.front().time >= next - kReach) break;
     mouths_.pop_front();
     --next_;
   }

@@ -43,6 +43,7 @@ class LipsWatch {
     double decibels = 0;
   };
   void judge();
+  void forgetMouths();
   bool hearsVoice(platform::TimePoint time) const;
   bool movesAt(std::size_t index) const;
 

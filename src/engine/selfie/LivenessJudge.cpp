@@ -14,6 +14,8 @@ using Kind = LivenessVerdict::Kind;
 /// must see them.
 constexpr int kLooksPerEdges = 3;
 constexpr int kAgreeingEdges = 2;
+/// Looks back at which the eyes may still have been open when they are closed.
+constexpr std::size_t kLooksOfABlink = 3;
 
 constexpr double kPassiveWeight = 0.2;
 constexpr double kBlinkWeight = 0.4;
@@ -31,6 +33,7 @@ void LivenessJudge::startAnew(platform::TimePoint time) {
   since_ = time;
   blink_ = BlinkWatch(limits_.blinkShare);
   relief_ = {};
+  views_.clear();
   passiveSum_ = 0;
   passiveCount_ = 0;
 }
@@ -43,9 +46,16 @@ void LivenessJudge::note(Fraud& fraud, double value, bool isSeen, platform::Time
   fraud.sign.isSeen = stands;
 }
 
+void LivenessJudge::follow(const Look& look) {
+  views_.push_back(faceView(look.picture, look.details.mesh));
+  if (views_.size() > kLooksOfABlink + 1) views_.pop_front();
+  lids_ = lidsOf(look.details, eyesLikeness(views_.front(), views_.back()));
+  blink_.add(look.time, lids_);
+  relief_.add(views_.back());
+}
+
 void LivenessJudge::look(const Look& look) {
-  blink_.add(look.time, lidsOf(look.details));
-  relief_.add(look.details.mesh);
+  follow(look);
   passiveSum_ += look.passiveScore;
   ++passiveCount_;
 

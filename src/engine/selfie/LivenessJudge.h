@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <optional>
 
 #include "engine/selfie/BlinkWatch.h"
@@ -31,7 +32,7 @@ class LivenessJudge {
   struct Limits {
     platform::Duration watchTime{};  ///< before a face is believed
     double blinkShare = 0;           ///< as `BlinkWatch` has it
-    double relief = 0;               ///< least `reliefMotion`
+    double relief = 0;               ///< least `reliefMotion` of life
     double repetition = 0;           ///< greatest difference of a film that begins again
     double edges = 0;                ///< most of `edgesAround` a living face
   };
@@ -40,6 +41,8 @@ class LivenessJudge {
 
   /// Takes the next look at a face that is in place.
   LivenessVerdict add(const Look& look);
+  /// The lids in the last look.
+  const BlinkWatch::Lids& lids() const { return lids_; }
 
   /// How long a sign of fraud outlasts what showed it.
   static constexpr platform::Duration kFraudMemory = std::chrono::seconds(5);
@@ -54,6 +57,7 @@ class LivenessJudge {
 
   void startAnew(platform::TimePoint time);
   void look(const Look& look);
+  void follow(const Look& look);
   void note(Fraud& fraud, double value, bool isSeen, platform::TimePoint time);
   LivenessSign blinkSign() const;
   LivenessSign reliefSign() const;
@@ -63,6 +67,8 @@ class LivenessJudge {
   std::optional<platform::TimePoint> since_;
   std::optional<platform::TimePoint> last_;
   PlaceWatch place_;
+  std::deque<FaceView> views_;  ///< the last ones
+  BlinkWatch::Lids lids_;
   BlinkWatch blink_;
   ReliefWatch relief_;
   RepetitionWatch repetition_;

@@ -13,11 +13,26 @@
 
 namespace corvana::engine {
 
+/// Why a face cannot be judged.
+enum class FaceFlaw { tooFar, tooDark, hidden, turnedAway, blurred, outOfSight };
+
+/// "faceTooFar", "faceTooDark", "faceHidden", "faceTurnedAway", "faceBlurred", "faceOutOfSight".
+const char* nameOf(FaceFlaw flaw);
+
+/// What was measured, and the limit that it does not keep: width in pixels, mean luma, presence 0
+/// to 1, degrees, `sharpness`, or seconds.
+struct FaceFlawFound {
+  FaceFlaw flaw = FaceFlaw::hidden;
+  double value = 0;
+  double limit = 0;
+};
+
 /// One try to compare the live face with the selfie's.
 struct PersonCheck {
-  /// Of both faces' embeddings; absent when the live face could not be judged: turned away, blurred
-  /// or covered.
-  std::optional<double> distance;
+  /// Of both faces' embeddings; absent when the live face could not be judged.
+  std::optional<double> distance{};
+  /// Why it could not.
+  std::optional<FaceFlawFound> flaw{};
 };
 
 /// Compares the live face with the selfie's, about once a second and when it jumps. Costs one pass

@@ -5,89 +5,141 @@
 #include <cmath>
 #include <vector>
 
+#include <opencv2/core.hpp>
+
 namespace corvana::engine {
 namespace {
 
-// Points of the face that no expression moves much: nose, brow, temples, cheekbones, eye corners.
-constexpr std::array<std::size_t, 71> kRigidPoints{
-    1,   2,   4,   5,   195, 197, 6,   168, 9,   151, 10,  67,  297, 127, 356, 234, 454, 116,
-    345, 33,  133, 263, 362, 98,  327, 50,  280, 48,  278, 115, 344, 131, 360, 198, 420, 122,
-    351, 193, 417, 8,   108, 337, 69,  299, 109, 338, 21,  251, 162, 389, 123, 352, 117, 346,
-    101, 330, 36,  266, 142, 371, 126, 355, 47,  277, 114, 343, 188, 412, 174, 399, 94};
+/// Points of the face that no expression moves much: nose, brow, cheeks, eye corners. None lies at
+/// its outline, where what is seen beside the skin is the room.
+constexpr std::array<std::size_t, 59> kRigidPoints{
+    1,   2,   4,   5,   195, 197, 6,   168, 9,   151, 10,  67,  297, 33,  133,
+    263, 362, 98,  327, 50,  280, 48,  278, 115, 344, 131, 360, 198, 420, 122,
+    351, 193, 417, 8,   108, 337, 69,  299, 109, 338, 117, 346, 101, 330, 36,
+    266, 142, 371, 126, 355, 47,  277, 114, 343, 188, 412, 174, 399, 94};
 constexpr std::size_t kRightEyeCorner = 33;
 constexpr std::size_t kLeftEyeCorner = 263;
 
-/// So many frames must agree, so that one misplaced mesh is no evidence.
+/// So many frames must agree, so that one picture that was followed wrongly is no evidence.
 constexpr std::size_t kAgreeingFrames = 3;
+/// Fewer points say too little beside what has to be explained.
+constexpr std::size_t kFewestPoints = 30;
 
-using Column = std::array<double, kRigidPoints.size()>;
+constexpr int kOrder = 3;
+constexpr int kPolynomials = (kOrder + 1) * (kOrder + 2) / 2;
+/// Of one direction: the polynomials and, last, the depth.
+constexpr int kTerms = kPolynomials + 1;
+constexpr int kUnknowns = 2 * kTerms;
+using Equations = cv::Matx<double, 2, kUnknowns>;
+using Square = cv::Matx<double, kUnknowns, kUnknowns>;
+using Unknowns = cv::Matx<double, kUnknowns, 1>;
 
-double dot(const Column& a, const Column& b) {
-  double sum = 0;
-  for (std::size_t i = 0; i < a.size(); ++i)
-    sum += a[i] * b[i];
-  return sum;
-}
+/// Keeps the equations solvable where no texture tells of a direction.
+constexpr double kRidge = 1e-9;
+/// Solved so often, each time with less weight for what does not fit: a lid, a shine, a strand of
+/// hair. Beyond twice the median an error counts in proportion to its size, not to its square.
+constexpr int kRounds = 5;
+constexpr double kMostError = 2;
+constexpr double kDeviations = 2;
 
-/// Takes out of `column` what the direction of `unit` explains.
-void remove(Column& column, const Column& unit) {
-  const double part = dot(column, unit);
-  for (std::size_t i = 0; i < column.size(); ++i)
-    column[i] -= part * unit[i];
-}
+/// What one point must do, in distances between the eyes.
+struct Seen {
+  Equations equations;
+  cv::Vec2d motion;
+  cv::Matx22d worth;
+  double weight = 1;
 
-void removeAll(Column& column, const std::vector<Column>& basis) {
-  for (const Column& unit : basis)
-    remove(column, unit);
-}
-
-template <typename Coordinate>
-Column columnOf(Coordinate coordinate) {
-  Column column;
-  for (std::size_t i = 0; i < column.size(); ++i)
-    column[i] = coordinate(kRigidPoints[i]);
-  return column;
-}
-
-/// Square and of unit length: what polynomials of second order of the places can explain.
-std::vector<Column> polynomials(const FaceMesh& mesh, double unit) {
-  const SurfacePoint& right = mesh[kRightEyeCorner];
-  const SurfacePoint& left = mesh[kLeftEyeCorner];
-  const auto x = [&](std::size_t i) { return (mesh[i].x - (right.x + left.x) / 2) / unit; };
-  const auto y = [&](std::size_t i) { return (mesh[i].y - (right.y + left.y) / 2) / unit; };
-  std::vector<Column> basis;
-  for (Column column : {columnOf([](std::size_t) { return 1.0; }), columnOf(x), columnOf(y),
-                        columnOf([&](std::size_t i) { return x(i) * x(i); }),
-                        columnOf([&](std::size_t i) { return x(i) * y(i); }),
-                        columnOf([&](std::size_t i) { return y(i) * y(i); })}) {
-    removeAll(column, basis);
-    const double length = std::sqrt(dot(column, column));
-    for (double& value : column)
-      value /= std::max(length, 1e-9);
-    basis.push_back(column);
+  double error(const Unknowns& unknowns) const {
+    const cv::Matx21d wrong = cv::Matx21d(motion[0], motion[1]) - equations * unknowns;
+    return std::sqrt(std::max((wrong.t() * worth * wrong)(0, 0), 0.0));
   }
-  return basis;
+};
+
+struct Solution {
+  Unknowns unknowns;
+  Square inverse;
+};
+
+Equations equationsOf(const SurfacePoint& point, const SurfacePoint& origin) {
+  const double x = (point.x - origin.x) / FaceView::kEyes;
+  const double y = (point.y - origin.y) / FaceView::kEyes;
+  Equations equations = Equations::zeros();
+  int term = 0;
+  const auto set = [&](double value) {
+    equations(0, term) = equations(1, kTerms + term) = value;
+    ++term;
+  };
+  for (int order = 0; order <= kOrder; ++order)
+    for (int power = 0; power <= order; ++power)
+      set(std::pow(x, power) * std::pow(y, order - power));
+  set(point.z / FaceView::kEyes);
+  return equations;
+}
+
+std::vector<Seen> seenBetween(const FaceView& reference, const FaceView& face) {
+  const SurfacePoint& right = reference.mesh[kRightEyeCorner];
+  const SurfacePoint& left = reference.mesh[kLeftEyeCorner];
+  const SurfacePoint middle{(right.x + left.x) / 2, (right.y + left.y) / 2, 0};
+  std::vector<Seen> seen;
+  for (const SkinMotion& motion : skinMotions(reference, face, kRigidPoints)) {
+    seen.push_back({equationsOf(reference.mesh[motion.point], middle),
+                    cv::Vec2d(motion.x, motion.y) / FaceView::kEyes,
+                    {motion.xx, motion.xy, motion.xy, motion.yy}});
+  }
+  return seen;
+}
+
+Solution solve(const std::vector<Seen>& seen) {
+  Square squares = Square::eye() * kRidge;
+  Unknowns sums = Unknowns::zeros();
+  for (const Seen& point : seen) {
+    const auto weighted = point.equations.t() * (point.worth * point.weight);
+    squares += weighted * point.equations;
+    sums += weighted * cv::Matx21d(point.motion[0], point.motion[1]);
+  }
+  const Square inverse = squares.inv(cv::DECOMP_CHOLESKY);
+  return {inverse * sums, inverse};
+}
+
+/// The variance of an error, of the points as they are weighted now.
+double weigh(std::vector<Seen>& seen, const Unknowns& unknowns) {
+  std::vector<double> errors;
+  for (const Seen& point : seen)
+    errors.push_back(point.error(unknowns));
+  std::vector<double> sorted = errors;
+  const auto middle = sorted.begin() + static_cast<std::ptrdiff_t>(sorted.size() / 2);
+  std::ranges::nth_element(sorted, middle);
+  const double most = kMostError * std::max(*middle, 1e-6);
+  double weights = 0, squares = 0;
+  for (std::size_t i = 0; i < seen.size(); ++i) {
+    seen[i].weight = std::min(1.0, most / std::max(errors[i], 1e-9));
+    weights += seen[i].weight;
+    squares += seen[i].weight * errors[i] * errors[i];
+  }
+  return squares / std::max(2 * weights - kUnknowns, 1.0);
 }
 
 }  // namespace
 
-double reliefMotion(const FaceMesh& reference, const FaceMesh& face) {
-  const SurfacePoint& right = reference[kRightEyeCorner];
-  const SurfacePoint& left = reference[kLeftEyeCorner];
-  const double eyes = std::max(std::hypot(left.x - right.x, left.y - right.y), 1.0);
-  const std::vector<Column> explained = polynomials(reference, eyes);
-  Column depth = columnOf([&](std::size_t i) { return reference[i].z; });
-  removeAll(depth, explained);
-  const double relief = std::max(dot(depth, depth), 1e-9);
-  // What is left is square to the polynomials, so they need not be taken out of the movement.
-  const double alongX = dot(columnOf([&](std::size_t i) { return face[i].x; }), depth) / relief;
-  const double alongY = dot(columnOf([&](std::size_t i) { return face[i].y; }), depth) / relief;
-  return std::hypot(alongX, alongY);
+double reliefMotion(const FaceView& reference, const FaceView& face) {
+  std::vector<Seen> seen = seenBetween(reference, face);
+  if (seen.size() < kFewestPoints) return 0;
+  Solution solution{};
+  double variance = 0;
+  for (int round = 0; round < kRounds; ++round) {
+    solution = solve(seen);
+    variance = weigh(seen, solution.unknowns);
+  }
+  constexpr int kAlongX = kTerms - 1, kAlongY = kUnknowns - 1;
+  const double turn = std::hypot(solution.unknowns(kAlongX), solution.unknowns(kAlongY));
+  const double doubt = std::sqrt(variance * std::max(solution.inverse(kAlongX, kAlongX),  //
+                                                     solution.inverse(kAlongY, kAlongY)));
+  return std::max(turn - kDeviations * doubt, 0.0);
 }
 
-void ReliefWatch::add(const FaceMesh& mesh) {
-  if (!first_) first_ = mesh;
-  recent_.push_back(reliefMotion(*first_, mesh));
+void ReliefWatch::add(const FaceView& face) {
+  if (!first_) first_ = face;
+  recent_.push_back(reliefMotion(*first_, face));
   if (recent_.size() < kAgreeingFrames) return;
   if (recent_.size() > kAgreeingFrames) recent_.pop_front();
   greatest_ = std::max(greatest_, *std::ranges::min_element(recent_));

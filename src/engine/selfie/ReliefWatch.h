@@ -3,28 +3,29 @@
 #include <deque>
 #include <optional>
 
-#include "engine/vision/FaceLandmarks.h"
+#include "engine/selfie/FaceView.h"
 
 namespace corvana::engine {
 
 /// Looks for movement of a face's near parts against its far ones. Pure.
 class ReliefWatch {
  public:
-  void add(const FaceMesh& mesh);
+  void add(const FaceView& face);
   /// Greatest lasting `reliefMotion` against the first face.
   double greatest() const { return greatest_; }
 
  private:
-  std::optional<FaceMesh> first_;
+  std::optional<FaceView> first_;
   std::deque<double> recent_;
   double greatest_ = 0;
 };
 
-/// How far `face` is `reference` turned in depth, as the sine of the turn: the movement of the
-/// rigid parts (nose, brow, cheekbones, eye corners) along their depth, after everything was taken
-/// out that second-order polynomials of the place explain. These hold what any tilt of a flat
-/// picture does to it (a homography, as far as a face at arm's length can show its rest) and what
-/// bending the sheet does; the nose that stands out of a living face they do not hold.
-double reliefMotion(const FaceMesh& reference, const FaceMesh& face);
+/// How far `face` is `reference` turned in depth, at least: the sine of the turn less two standard
+/// deviations. It is the movement of the skin of the rigid parts (nose, brow, cheeks, eye corners)
+/// along their depth, beside whatever third-order polynomials of the place explain. These hold what
+/// tilting a picture does to it (a homography, as far as a face at arm's length can show its rest),
+/// and bending, turning and turning while bent, of a sheet that has no crease in the face. The nose
+/// that stands out of a living face they do not hold.
+double reliefMotion(const FaceView& reference, const FaceView& face);
 
 }  // namespace corvana::engine

@@ -108,6 +108,8 @@ struct FaultCase {
   std::string decision = {};
   /// The prompt that must be seen; empty: none.
   std::string prompt = {};
+  /// The hint that must be seen; empty: none.
+  std::string hint = {};
 };
 
 void PrintTo(const FaultCase& fault, std::ostream* out) {
@@ -136,6 +138,7 @@ TEST_P(FaultySession, LeadsToTheRetryScreenAndThenToCancellation) {
     EXPECT_TRUE(fault.decision.empty() || decision["passed"] == false) << decision;
   const auto isExpected = [&](const json& prompt) { return prompt["text"] == fault.prompt; };
   EXPECT_TRUE(fault.prompt.empty() || std::ranges::any_of(eventsOf(run, "prompt"), isExpected));
+  EXPECT_TRUE(fault.hint.empty() || !eventsOf(run, "hint", fault.hint).empty());
 }
 
 constexpr auto kUnreadable = "Your ID could not be read. Please try again";
@@ -147,7 +150,7 @@ INSTANTIATE_TEST_SUITE_P(
                     FaultCase{"wrong-back", kUnreadable, "document", "timedOut", "backMrz",
                               "This is not the same ID"},
                     FaultCase{"face-leaves", "Live Face Lost. Please try again", "document",
-                              "outOfSight"},
+                              "outOfSight", "", "", "faceOutOfSight"},
                     FaultCase{"silence", "Voice does not match text. Please try again", "reading",
                               "tooFewWords", "spokenWords"}),
     [](const auto& tested) {

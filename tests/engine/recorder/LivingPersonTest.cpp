@@ -91,6 +91,64 @@ TEST_F(RecorderTest, TakesNoCardAndNoReadingFromAFaceThatCannotBeJudged) {
   EXPECT_EQ(countHeard("liveFaceLost"), 1);
 }
 
+std::function<void(Observation&)> failToJudge(engine::FaceFlaw flaw) {
+  return [=](Observation& observation) {
+    showCard(corvana::DocumentSide::front)(observation);
+    observation.person = engine::PersonCheck{{}, engine::FaceFlawFound{flaw, 40, 30}};
+  };
+}
+
+TEST_F(RecorderTest, TellsWhyTheFaceCannotBeJudgedWhileThereIsTimeToMendIt) {
+  recorder->setMode(VideoCaptureMode::idCapture);
+  analyzer->fill = failToJudge(engine::FaceFlaw::turnedAway);
+  film(2.3);
+  EXPECT_EQ(hints, Names{}) << "a person may look at the card";
+  film(0.5);
+  EXPECT_EQ(hints, Names{"faceTurnedAway"});
+  analyzer->fill = failToJudge(engine::FaceFlaw::blurred);
+  film(0.1);
+  analyzer->fill = failToJudge(engine::FaceFlaw::turnedAway);
+  film(0.2);
+  EXPECT_EQ(hints, Names{"faceTurnedAway"}) << "a single look may err";
+  analyzer->fill = failToJudge(engine::FaceFlaw::hidden);
+  film(0.5);
+  EXPECT_EQ(hints, (Names{"faceTurnedAway", "faceHidden"}));
+  analyzer->fill = compareWith(0.2, corvana::DocumentSide::front);
+  film(0.2);
+  EXPECT_EQ(hints, (Names{"faceTurnedAway", "faceHidden", "none"}));
+  EXPECT_EQ(countHeard("liveFaceLost"), 0);
+}
+
+TEST_F(RecorderTest, TellsOfTheFaceWhileTheTextIsReadButNotWhileItFadesIn) {
+  recorder->setMode(VideoCaptureMode::idCapture);
+  analyzer->fill = failToJudge(engine::FaceFlaw::tooDark);
+  film(2.2);
+  recorder->setMode(VideoCaptureMode::readingText);
+  film(0.45);
+  EXPECT_EQ(hints, Names{}) << "2.5 s are over, but the text still fades in";
+  film(0.2);
+  EXPECT_EQ(hints, Names{"faceTooDark"});
+  film(2.5);
+  EXPECT_EQ(countHeard("liveFaceLost"), 1);
+  EXPECT_EQ(hints.back(), "none") << "no hint outlives the loss";
+}
+
+TEST_F(RecorderTest, TellsOfAFaceThatIsOutOfSightHalfWayToItsLossAndOfTheCardFirst) {
+  recorder->setMode(VideoCaptureMode::idCapture);
+  analyzer->fill = faceLostFor(900);
+  film(0.2);
+  EXPECT_EQ(hints, Names{});
+  analyzer->fill = faceLostFor(1100);
+  film(0.2);
+  EXPECT_EQ(hints, Names{"faceOutOfSight"});
+  analyzer->fill = [](Observation& observation) {
+    faceLostFor(1100)(observation);
+    observation.document.emplace().surroundings = 0.1;
+  };
+  film(0.6);
+  EXPECT_EQ(hints, (Names{"faceOutOfSight", "tooDark"}));
+}
+
 /// A tenth of a second of a voice, or of none.
 platform::CMSampleBufferRef sound(platform::TimePoint time, std::int16_t amplitude) {
   auto buffer = std::make_shared<platform::CMSampleBuffer>();
@@ -145,7 +203,7 @@ class ActiveRecorderTest : private ActiveLiveness, public RecorderTest {
     if (told == words.turnRight) head.pose.yaw = -20;
     if (told == words.lookUp) head.pose.pitch = -14;
     if (told == words.comeNearer) head.width *= 1.3;
-    if (told == words.blinkTwice && ++looks_ % 5 < 2) head.lids = {0.3, 0.1, 0.1};
+    if (told == words.blinkTwice && ++looks_ % 5 < 2) head.lids = {0.3, 0.1, 0.1, 0.6};
   }
   static void stare(Observation& observation) {
     showFace(engine::LivenessVerdict::Kind::living, 3)(observation);

@@ -29,7 +29,7 @@ class Head {
       note(judge_.look(now_ += platform::seconds(0.1),
                        HeadLook{{3 + pose.yaw, 12 + pose.pitch, 0},
                                 240 * pose.nearer,
-                                {pose.lids, 0.3 * pose.lids, 0.3 * pose.lids}}));
+                                {pose.lids, 0.3 * pose.lids, 0.3 * pose.lids, pose.lids}}));
     return *this;
   }
   Head& rest(double seconds) { return hold(seconds, {}); }

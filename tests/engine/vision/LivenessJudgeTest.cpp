@@ -21,14 +21,41 @@ FaceDetails detailsOf(const cv::Mat& rgb) {
   return tests::landmarks().locate(*picture, tests::detector().detect(*picture).at(0));
 }
 
-/// The mesh as a head turned about its upright axis.
-FaceMesh turned(FaceMesh mesh, double degrees) {
-  const double angle = degrees * std::acos(-1.0) / 180;
-  for (SurfacePoint& point : mesh) {
-    point = {point.x * std::cos(angle) + point.z * std::sin(angle), point.y,
-             point.z * std::cos(angle) - point.x * std::sin(angle)};
+double radians(double degrees) {
+  return degrees * std::acos(-1.0) / 180;
+}
+
+/// How far before its rim each part of the photographed head lies, spread smoothly between the
+/// points of the face.
+double nearness(const FaceMesh& mesh, double x, double y) {
+  double sum = 0, weights = 0;
+  for (const SurfacePoint& point : mesh) {
+    const double weight = 1 / std::pow(std::hypot(point.x - x, point.y - y) + 4, 4);
+    sum -= weight * point.z;
+    weights += weight;
   }
-  return mesh;
+  return sum / weights;
+}
+
+/// The photograph of a head that turned about its upright axis.
+cv::Mat turnedHead(const cv::Mat& photo, double degrees) {
+  const FaceMesh mesh = detailsOf(photo).mesh;
+  constexpr int kStep = 8;
+  cv::Mat shift(photo.rows / kStep, photo.cols / kStep, CV_32FC1);
+  for (int y = 0; y < shift.rows; ++y)
+    for (int x = 0; x < shift.cols; ++x)
+      shift.at<float>(y, x) = static_cast<float>(
+          std::sin(radians(degrees)) * nearness(mesh, (x + 0.5) * kStep, (y + 0.5) * kStep));
+  cv::resize(shift, shift, photo.size());
+  cv::Mat mapX(photo.size(), CV_32FC1), mapY(photo.size(), CV_32FC1);
+  for (int y = 0; y < photo.rows; ++y)
+    for (int x = 0; x < photo.cols; ++x) {
+      mapX.at<float>(y, x) = static_cast<float>(x) - shift.at<float>(y, x);
+      mapY.at<float>(y, x) = static_cast<float>(y);
+    }
+  cv::Mat turned;
+  cv::remap(photo, turned, mapX, mapY, cv::INTER_LINEAR, cv::BORDER_REPLICATE);
+  return turned;
 }
 
 /// The photograph as a flat print turned about its upright axis before a camera.
@@ -45,35 +72,52 @@ cv::Mat tiltedPrint(const cv::Mat& photo, float inset) {
   return tilted;
 }
 
-/// A print rolled about its upright axis, its middle nearest to the camera.
-cv::Mat bentPrint(const cv::Mat& photo, double radians) {
-  cv::Mat mapX(photo.size(), CV_32FC1);
-  cv::Mat mapY(photo.size(), CV_32FC1);
-  const double radius = photo.cols / radians;
-  for (int y = 0; y < photo.rows; ++y)
-    for (int x = 0; x < photo.cols; ++x) {
-      const double angle = std::asin((x - photo.cols / 2.0) / radius);
-      const double far = 1 + (1 - std::cos(angle)) * radius / (2.5 * photo.cols);
-      mapX.at<float>(y, x) = static_cast<float>(photo.cols / 2.0 + far * angle * radius);
-      mapY.at<float>(y, x) = static_cast<float>(photo.rows / 2.0 + far * (y - photo.rows / 2.0));
+/// A print that is rolled about its upright axis, by so much from side to side, and then turned:
+/// what rays from the camera meet of the cylinder.
+cv::Mat bentPrint(const cv::Mat& photo, double bend, double degrees) {
+  const double radius = photo.cols / bend, distance = 2.5 * photo.cols;
+  const double c = std::cos(radians(degrees)), s = std::sin(radians(degrees));
+  cv::Mat mapX(photo.size(), CV_32FC1), mapY(photo.size(), CV_32FC1);
+  for (int row = 0; row < photo.rows; ++row)
+    for (int column = 0; column < photo.cols; ++column) {
+      const double px = column - photo.cols / 2.0, py = row - photo.rows / 2.0;
+      const cv::Vec2d from(-s * distance, c * distance + radius);
+      const cv::Vec2d ray(c * px + s * distance, s * px - c * distance);
+      const double half = from.dot(ray);
+      const double root = half * half - ray.dot(ray) * (from.dot(from) - radius * radius);
+      const double t = (-half - std::sqrt(std::max(root, 0.0))) / ray.dot(ray);
+      const cv::Vec2d met = from + t * ray;
+      mapX.at<float>(row, column) =
+          static_cast<float>(photo.cols / 2.0 + radius * std::atan2(met[0], met[1]));
+      mapY.at<float>(row, column) = static_cast<float>(photo.rows / 2.0 + t * py);
     }
   cv::Mat bent;
   cv::remap(photo, bent, mapX, mapY, cv::INTER_LINEAR, cv::BORDER_REPLICATE);
   return bent;
 }
 
-TEST(Relief, MovesInATurningHeadAndHardlyInTiltedAndBentPrints) {
+FaceView viewOf(const cv::Mat& rgb) {
+  return faceView(*pixelBufferFrom(rgb), detailsOf(rgb).mesh);
+}
+
+TEST(Relief, MovesInATurningHeadAndNotInAPrintHoweverTiltedAndBent) {
   for (const char person : {'a', 'b'}) {
-    const FaceMesh flat = detailsOf(tests::portrait(person)).mesh;
-    for (const float inset : {0.1F, 0.2F, 0.3F}) {
-      const FaceMesh tilted = detailsOf(tiltedPrint(tests::portrait(person), inset)).mesh;
-      EXPECT_LT(reliefMotion(flat, tilted), 0.04) << person << inset;
+    const cv::Mat photo = tests::portrait(person);
+    const FaceView straight = viewOf(photo);
+    for (const float inset : {0.1F, 0.2F, 0.3F})
+      EXPECT_LT(reliefMotion(straight, viewOf(tiltedPrint(photo, inset))), 0.015)
+          << person << inset;
+    for (const double bend : {0.5, 1.0, 1.4}) {
+      EXPECT_LT(reliefMotion(straight, viewOf(bentPrint(photo, bend, 0))), 0.01) << person << bend;
+      // It is bent further while it is turned.
+      const FaceView before = viewOf(bentPrint(photo, 0.7 * bend, -8));
+      EXPECT_LT(reliefMotion(before, viewOf(bentPrint(photo, bend, 10))), 0.01) << person << bend;
     }
-    for (const double bend : {0.5, 1.0}) {
-      const FaceMesh bent = detailsOf(bentPrint(tests::portrait(person), bend)).mesh;
-      EXPECT_LT(reliefMotion(flat, bent), 0.04) << person << bend;
+    for (const double degrees : {-16, -12, -8, 8, 12, 16}) {
+      const double motion = reliefMotion(straight, viewOf(turnedHead(photo, degrees)));
+      EXPECT_GT(motion, 0.02) << person << degrees;
+      EXPECT_LT(motion, std::sin(radians(std::abs(degrees)))) << person << degrees;
     }
-    EXPECT_NEAR(reliefMotion(flat, turned(flat, 8)), std::sin(8 * std::acos(-1.0) / 180), 0.001);
   }
 }
 
@@ -92,22 +136,41 @@ TEST(Edges, EncloseADisplayButNeitherAPersonNorOneInADoor) {
 
 constexpr LivenessJudge::Limits kLimits{.watchTime = std::chrono::seconds(3),
                                         .blinkShare = 0.91,
-                                        .relief = 0.05,
+                                        .relief = 0.02,
                                         .repetition = 0.8,
                                         .edges = 0.88};
+
+/// Paints closed lids over the eyes.
+void closeEyes(cv::Mat& picture, const FaceMesh& mesh) {
+  constexpr std::size_t kCheek = 50;
+  const cv::Vec3b skin = picture.at<cv::Vec3b>(static_cast<int>(mesh[kCheek].y),  //
+                                               static_cast<int>(mesh[kCheek].x));
+  for (const auto& [outer, inner] : {std::pair{33U, 133U}, std::pair{263U, 362U}}) {
+    const double x = (mesh[outer].x + mesh[inner].x) / 2, y = (mesh[outer].y + mesh[inner].y) / 2;
+    const double width = std::abs(mesh[outer].x - mesh[inner].x);
+    cv::ellipse(picture, cv::RotatedRect(cv::Point2d(x, y), cv::Size2d(width, width / 2), 0),
+                cv::Scalar(skin), -1);
+  }
+}
 
 /// Looks at a scene ten times a second.
 class Judging {
  public:
-  explicit Judging(char person) : photo_(tests::portrait(person)), details_(detailsOf(photo_)) {}
+  /// `isPrint`: what the network takes for lids is none, and nothing in the picture changes.
+  explicit Judging(char person, bool isPrint = false)
+      : photo_(tests::portrait(person)), details_(detailsOf(photo_)), isPrint_(isPrint) {}
 
   /// A scene that moves with `phase` and shows lids opened so far.
   LivenessVerdict look(double phase, double lids) {
-    const cv::Matx23d shift(1, 0, 20 * std::sin(phase), 0, 1, 14 * std::sin(1.7 * phase));
+    const double x = 20 * std::sin(phase), y = 14 * std::sin(1.7 * phase);
+    const cv::Matx23d shift(1, 0, x, 0, 1, y);
     cv::Mat moved;
     cv::warpAffine(photo_, moved, shift, photo_.size(), cv::INTER_LINEAR, cv::BORDER_REFLECT);
     FaceDetails details = details_;
     details.lidOpening *= lids;
+    for (SurfacePoint& point : details.mesh)
+      point = {point.x + x, point.y + y, point.z};
+    if (lids < 0.5 && !isPrint_) closeEyes(moved, details.mesh);
     for (const std::size_t lid : {160U, 158U, 387U, 385U})
       details.mesh[lid].y += (1 - lids) * 0.01 * details.mesh[152].y;
     now_ += platform::seconds(0.1);
@@ -126,6 +189,7 @@ class Judging {
  private:
   const cv::Mat photo_;
   const FaceDetails details_;
+  const bool isPrint_;
   LivenessJudge judge_{kLimits};
   platform::TimePoint now_{};
   double phase_ = 0;
@@ -148,6 +212,14 @@ TEST(LivenessJudge, BelievesABlinkAfterAWhileAndNoFaceThatNeverGaveASign) {
   EXPECT_EQ(verdict.kind, Kind::undecided);
   EXPECT_GE(verdict.watchedFor, platform::seconds(9.5));
   EXPECT_LT(verdict.score, 0.3F);
+}
+
+TEST(LivenessJudge, DoesNotBelieveEyesThatAreSeenNarrowerButLookAsTheyDid) {
+  for (const char person : {'a', 'b'}) {
+    const LivenessVerdict verdict = Judging(person, true).watch(60, 0.11);
+    EXPECT_EQ(verdict.kind, Kind::undecided) << person;
+    EXPECT_LT(verdict.score, 0.3F) << person;
+  }
 }
 
 TEST(LivenessJudge, DoesNotBelieveABlinkInAFilmThatBeginsAgain) {
@@ -196,6 +268,13 @@ TEST(PersonCompare, TellsTheSelfiesFaceFromAnothersAboutOnceASecondAndWhenItJump
       compare.look(platform::TimePoint{} + platform::seconds(9), *pixelBufferFrom(soft),
                    tests::detector().detect(*frame).at(0), {selfie, 0.42});
   EXPECT_FALSE(unclear.value().distance);
+  EXPECT_EQ(unclear->flaw.value().flaw, FaceFlaw::blurred);
+  EXPECT_LT(unclear->flaw->value, unclear->flaw->limit);
+  const auto dark = rgbMat(*frame) / 8;
+  const auto unlit =
+      compare.look(platform::TimePoint{} + platform::seconds(11), *pixelBufferFrom(cv::Mat(dark)),
+                   tests::detector().detect(*frame).at(0), {selfie, 0.42});
+  EXPECT_EQ(unlit.value().flaw.value().flaw, FaceFlaw::tooDark);
 }
 
 }  // namespace

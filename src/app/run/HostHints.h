@@ -10,12 +10,12 @@ namespace corvana::app {
 
 /// Finds the words for the recorder's hints, in the language of the tables, and passes everything
 /// on. Main queue.
-class CardHints final : public engine::RecorderObserver {
+class HostHints final : public engine::RecorderObserver {
  public:
   /// Shows words; empty ones when none are to be seen any more.
   using Show = std::function<void(const std::string& words)>;
 
-  CardHints(engine::RecorderObserver& next, Show show) : next_(next), show_(std::move(show)) {}
+  HostHints(engine::RecorderObserver& next, Show show) : next_(next), show_(std::move(show)) {}
 
   void happened(const engine::RecorderEvent& event) override;
   void selfieTaken(const corvana::Selfie& selfie) override { next_.selfieTaken(selfie); }
