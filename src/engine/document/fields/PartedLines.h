@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include "engine/document/TextReader.h"
 #include "engine/document/fields/FieldLabels.h"
 #include "engine/document/fields/ValueReader.h"
+#include "engine/document/text/TextReader.h"
 
 namespace corvana::engine {
 
