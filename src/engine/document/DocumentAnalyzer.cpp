@@ -13,6 +13,7 @@
 #include "engine/document/TextLines.h"
 #include "engine/document/copies/CopyFigures.h"
 #include "engine/document/fields/DocumentFields.h"
+#include "engine/document/guidance/Glare.h"
 #include "engine/document/mrz/MrzPrint.h"
 #include "engine/vision/FaceCrop.h"
 #include "engine/vision/ImageOps.h"
