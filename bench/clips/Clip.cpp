@@ -29,6 +29,21 @@ cv::Point2d onCard(const CardPose& pose, cv::Point2d share) {
   return upper + share.y * (lower - upper);
 }
 
+/// The same card on white paper: its ground made as light as print gets.
+cv::Mat onWhite(const cv::Mat& side) {
+  constexpr double kPaper = 246;
+  std::vector<cv::Mat> channels;  // red, green, blue and what is cut off at the corners
+  cv::split(side, channels);
+  for (std::size_t i = 0; i < 3; ++i) {
+    cv::Mat values = channels[i].clone().reshape(1, 1);
+    cv::sort(values, values, cv::SORT_ASCENDING);
+    channels[i] *= kPaper / values.at<std::uint8_t>(values.cols * 7 / 10);
+  }
+  cv::Mat white;
+  cv::merge(channels, white);
+  return white;
+}
+
 bool isCard(const photos::Design& design) {
   return !design.unseen && !design.book && design.size().width < 90;
 }
@@ -71,7 +86,27 @@ Clip::Clip(const ClipMatter& matter, Cause cause, std::uint64_t seed)
   spot_ = {random_.uniform(0.15, 0.85), random_.uniform(0.2, 0.8)};
   spotSize_ = random_.uniform(0.11, 0.2);
   fingerTurn_ = random_.uniform(-35, 35) + (random_.uniform(0, 1) < 0.5 ? 0 : 90);
+  if (isWhite()) drawLightOnWhite();
   paintCard(matter);
+}
+
+void Clip::drawLightOnWhite() {
+  const bool isStrong = cause_ == Cause::strongLight;
+  gain_ = random_.uniform(0.7, 0.95);
+  if (isStrong) strength_ = random_.uniform(0.96, 1.12);
+  const double angle = random_.uniform(0, 2 * CV_PI);
+  slope_ = random_.uniform(0.0, 0.5) * cv::Point2d(std::cos(angle), std::sin(angle));
+}
+
+void Clip::lightUnevenly(cv::Mat& picture, double wrong) const {
+  const double share = cause_ == Cause::strongLight ? wrong : 1.0;
+  for (int row = 0; row < picture.rows; ++row) {
+    for (int column = 0; column < picture.cols; ++column) {
+      const double x = static_cast<double>(column) / picture.cols - 0.5;
+      const double y = static_cast<double>(row) / picture.rows - 0.75;  // where the card is held
+      picture.at<cv::Vec3f>(row, column) *= 1 + share * (slope_.x * x + slope_.y * y);
+    }
+  }
 }
 
 Clip::Place Clip::drawHeld() {
@@ -110,7 +145,8 @@ void Clip::paintCard(const ClipMatter& matter) {
              (print.y + 0.5 * print.height) / size.height};
   }
   auto artist = photos::SideArtist::create(design);
-  const cv::Mat side = artist.value().paint(shown, holder, holder, photo);
+  cv::Mat side = artist.value().paint(shown, holder, holder, photo);
+  if (isWhite()) side = onWhite(side);
   session::PersonScript script;
   person_ = std::make_unique<session::PersonView>(portrait, script);
   const cv::Scalar skin = person_->skinColour();
@@ -166,9 +202,12 @@ void Clip::layFinger(cv::Mat& picture, const CardPose& pose, double wrong) const
 }
 
 void Clip::expose(cv::Mat& picture, const CardPose& pose, double wrong) {
-  const double gain = cause_ == Cause::dark ? gain_ + wrong * (strength_ - gain_) : gain_;
+  const bool changes = cause_ == Cause::dark || cause_ == Cause::strongLight;
+  const double gain = changes ? gain_ + wrong * (strength_ - gain_) : gain_;
   picture.convertTo(picture, CV_32FC3, gain);
-  if (cause_ == Cause::glare && wrong > 0) shine(picture, pose, wrong);
+  if (isWhite()) lightUnevenly(picture, wrong);
+  const bool isGlare = cause_ == Cause::glare || cause_ == Cause::glareOnWhite;
+  if (isGlare && wrong > 0) shine(picture, pose, wrong);
   picture.convertTo(picture, CV_8UC3);
   if (cause_ == Cause::blur && wrong > 0.02)
     cv::GaussianBlur(picture, picture, {}, strength_ * wrong);

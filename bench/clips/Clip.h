@@ -14,11 +14,23 @@
 
 namespace corvana::bench {
 
-/// What goes wrong with a card that was held well.
-enum class Cause { tooNear, tooFar, partlyOutside, glare, blur, dark, finger };
+/// What goes wrong with a card that was held well; but for `strongLight`, in which the paper of a
+/// white card saturates in places and nothing is wrong.
+enum class Cause {
+  tooNear,
+  tooFar,
+  partlyOutside,
+  glare,
+  blur,
+  dark,
+  finger,
+  glareOnWhite,
+  strongLight
+};
 
-inline constexpr const char* kCauseNames[] = {"tooNear", "tooFar", "partlyOutside", "glare",
-                                              "blur",    "dark",   "finger"};
+inline constexpr const char* kCauseNames[] = {"tooNear", "tooFar",       "partlyOutside",
+                                              "glare",   "blur",         "dark",
+                                              "finger",  "glareOnWhite", "strongLight"};
 
 /// What clips are made of.
 struct ClipMatter {
@@ -55,6 +67,9 @@ class Clip {
   session::CardPose poseAt(double seconds, double wrong) const;
   void shine(cv::Mat& picture, const session::CardPose& pose, double wrong) const;
   void layFinger(cv::Mat& picture, const session::CardPose& pose, double wrong) const;
+  void drawLightOnWhite();
+  bool isWhite() const { return cause_ == Cause::glareOnWhite || cause_ == Cause::strongLight; }
+  void lightUnevenly(cv::Mat& picture, double wrong) const;
   void expose(cv::Mat& picture, const session::CardPose& pose, double wrong);
 
   Cause cause_;
@@ -63,6 +78,7 @@ class Clip {
   Place held_, wrong_;
   double roll_ = 0, lean_ = 0, noise_ = 0, gain_ = 1;
   double strength_ = 0;    ///< of blur (pixels) or darkness (gain)
+  cv::Point2d slope_;      ///< of uneven light: gain over the picture's width and height
   cv::Point2d spot_;       ///< of glare or a finger's tip, in shares of the card
   double spotSize_ = 0;    ///< in card widths
   double fingerTurn_ = 0;  ///< degrees

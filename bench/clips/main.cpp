@@ -1,15 +1,20 @@
-// Plays clips of cards that are suddenly held wrong to the recorder, in virtual time, and prints a
-// line of JSON for each: when the host told what was wrong, and what it told before.
+// Plays clips of cards that are suddenly held wrong to the recorder, in virtual or real time, and
+// prints a line of JSON for each: when the host told what was wrong, and what it told before.
 
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <map>
+#include <memory>
+#include <string_view>
 
 #include <nlohmann/json.hpp>
 
 #include "Clip.h"
+#include "ProgramClock.h"
 #include "corvana/StateNames.h"
+#include "devices/system/RealRunLoop.h"
 #include "engine/recorder/Recorder.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
 #include "engine/vision/MatViews.h"
@@ -39,6 +44,25 @@ struct NoFilms final : platform::AssetWriterFactory {
   }
 };
 
+/// Notes the processor time of the longest look: for so long at least no other begins.
+class TimedLooks final : public engine::FrameAnalyzer {
+ public:
+  explicit TimedLooks(std::shared_ptr<engine::FrameAnalyzer> analyzer)
+      : analyzer_(std::move(analyzer)) {}
+  engine::Observation analyze(const platform::CMSampleBufferRef& frame,
+                              const engine::AnalysisTask& task) override {
+    const double start = secondsOn(CLOCK_THREAD_CPUTIME_ID);
+    auto observation = analyzer_->analyze(frame, task);
+    longest_ = std::max(longest_.load(), secondsOn(CLOCK_THREAD_CPUTIME_ID) - start);
+    return observation;
+  }
+  double takeLongest() { return longest_.exchange(0); }
+
+ private:
+  std::shared_ptr<engine::FrameAnalyzer> analyzer_;
+  std::atomic<double> longest_ = 0;
+};
+
 struct Told {
   double time;
   std::string what;
@@ -46,13 +70,14 @@ struct Told {
 
 /// All that the host tells of the card.
 struct Ear final : engine::RecorderObserver {
-  explicit Ear(const platform::RunLoop& clock) : loop(clock) {}
+  Ear(const platform::RunLoop& clock, platform::TimePoint from) : loop(clock), start(from) {}
   void happened(const engine::RecorderEvent& event) override {
     using Kind = engine::RecorderEvent::Kind;
     if (event.kind != Kind::state && event.kind != Kind::hint) return;
-    told.push_back({platform::inSeconds(loop.now().time_since_epoch()), event.name});
+    told.push_back({platform::inSeconds(loop.now() - start), event.name});
   }
   const platform::RunLoop& loop;
+  platform::TimePoint start;
   std::vector<Told> told;
 };
 
@@ -62,14 +87,25 @@ const std::map<Cause, std::string> kWords{{Cause::tooNear, "idMoveAway"},
                                           {Cause::glare, "tooMuchGlare"},
                                           {Cause::blur, "blurred"},
                                           {Cause::dark, "tooDark"},
-                                          {Cause::finger, "covered"}};
+                                          {Cause::finger, "covered"},
+                                          {Cause::glareOnWhite, "tooMuchGlare"},
+                                          {Cause::strongLight, "nothing"}};
+
+/// A clip's pictures, made before they are played, with their times.
+std::vector<std::pair<double, platform::PixelBufferRef>> picturesOf(Clip& clip, double phase) {
+  std::vector<std::pair<double, platform::PixelBufferRef>> pictures;
+  for (double t = phase; t < clip.wrongAt() + kAfter; t += kFrameInterval)
+    pictures.emplace_back(t, engine::pixelBufferFrom(clip.picture(t)));
+  return pictures;
+}
 
 std::vector<Told> play(Clip& clip, const std::shared_ptr<engine::FrameAnalyzer>& analyzer,
-                       double phase) {
-  platform::VirtualRunLoop loop;
+                       double phase, platform::DrivenLoop& loop) {
+  const auto pictures = picturesOf(clip, phase);
   platform::NotificationCenter notifications;
   NoFilms films;
-  Ear ear(loop);
+  const platform::TimePoint start = loop.now();
+  Ear ear(loop, start);
   auto film =
       engine::Film::make(loop, films, {std::filesystem::temp_directory_path(), false, {}, {}, {}});
   platform::SeededRandom randomness(0);
@@ -85,16 +121,19 @@ std::vector<Told> play(Clip& clip, const std::shared_ptr<engine::FrameAnalyzer>&
                                           .screenSize = {360, 640},
                                           .observer = &ear});
   recorder->setMode(corvana::VideoCaptureMode::idCapture);
-  for (double t = phase; t < clip.wrongAt() + kAfter; t += kFrameInterval) {
-    loop.runUntil([] { return false; }, platform::TimePoint(platform::seconds(t)));
+  const auto wait = [&loop](platform::TimePoint until) {
+    loop.runUntil([] { return false; }, until);
+  };
+  for (const auto& [seconds, image] : pictures) {
+    wait(start + platform::seconds(seconds));
     auto frame = std::make_shared<platform::CMSampleBuffer>();
     frame->presentationTime = loop.now();
-    frame->image = engine::pixelBufferFrom(clip.picture(t));
+    frame->image = image;
     recorder->capturedVideo(frame);
   }
-  loop.advance(platform::seconds(kFrameInterval));
+  wait(loop.now() + platform::seconds(kFrameInterval));
   recorder.reset();
-  loop.advance(platform::seconds(kFrameInterval));
+  wait(loop.now() + platform::seconds(kFrameInterval));
   return ear.told;
 }
 
@@ -128,14 +167,20 @@ nlohmann::ordered_json account(const Clip& clip, Cause cause, std::uint64_t seed
       if (isComplaint) line["before"].push_back(one.what);
     } else if (one.what == wanted) {
       if (line["seconds"].is_null()) line["seconds"] = std::round(after * 1000) / 1000;
-    } else {
+    } else if (isComplaint) {
       line["after"].push_back(one.what);
     }
   }
   return line;
 }
 
-int run(int count, std::uint64_t seed, const std::string& only) {
+/// In real time the looks take as long as they take.
+std::unique_ptr<platform::DrivenLoop> makeLoop(bool inRealTime) {
+  if (inRealTime) return std::make_unique<devices::RealRunLoop>();
+  return std::make_unique<platform::VirtualRunLoop>();
+}
+
+int run(int count, std::uint64_t seed, const std::string& only, bool inRealTime) {
   auto matter = ClipMatter::read(CORVANA_PHOTO_DATA, CORVANA_PORTRAITS, CORVANA_ENGINE_RESOURCES);
   if (!matter) {
     std::cerr << "guidance-clips: " << matter.error() << '\n';
@@ -147,16 +192,22 @@ int run(int count, std::uint64_t seed, const std::string& only) {
     std::cerr << "guidance-clips: " << tables.error().sentence << '\n';
     return 3;
   }
+  const auto loop = makeLoop(inRealTime);
+  const auto readQueue =
+      inRealTime ? loop->makeSerialQueue("CardReader", platform::QualityOfService::utility)
+                 : nullptr;
   auto analyzer = engine::VisionFrameAnalyzer::load(
       {.faceDetector = models / "face_detection_short_range.tflite",
        .faceLandmarks = models / "face_landmark.tflite",
        .faceEmbedding = CORVANA_FACE_MODEL,
        .text = engine::NetworkTextReader::Models::inFolder(models),
-       .documents = std::make_shared<engine::DocumentTables>(std::move(*tables))});
+       .documents = std::make_shared<engine::DocumentTables>(std::move(*tables)),
+       .readQueue = readQueue});
   if (!analyzer) {
     std::cerr << "guidance-clips: " << analyzer.error().sentence << '\n';
     return 3;
   }
+  const auto looks = std::make_shared<TimedLooks>(*analyzer);
   int runs = 0;
   for (std::size_t cause = 0; cause < std::size(kCauseNames); ++cause) {
     if (!only.empty() && only != kCauseNames[cause]) continue;
@@ -165,9 +216,11 @@ int run(int count, std::uint64_t seed, const std::string& only) {
       Clip clip(*matter, static_cast<Cause>(cause), number);
       // Where the cause falls between two looks is chance.
       const double phase = 0.01 * static_cast<double>(number % 10);
-      forget(**analyzer);
-      const auto told = play(clip, *analyzer, phase);
-      std::cout << account(clip, static_cast<Cause>(cause), number, told).dump() << std::endl;
+      forget(*looks);
+      const auto told = play(clip, looks, phase, *loop);
+      auto line = account(clip, static_cast<Cause>(cause), number, told);
+      line["longestLook"] = std::round(looks->takeLongest() * 1000) / 1000;
+      std::cout << line.dump() << std::endl;
     }
   }
   return 0;
@@ -179,5 +232,6 @@ int run(int count, std::uint64_t seed, const std::string& only) {
 int main(int argc, char** argv) {
   const int count = argc > 1 ? std::atoi(argv[1]) : 20;
   const auto seed = static_cast<std::uint64_t>(argc > 2 ? std::atoll(argv[2]) : 1);
-  return corvana::bench::run(count, seed, argc > 3 ? argv[3] : "");
+  const bool inRealTime = argc > 4 && std::string_view(argv[4]) == "real";
+  return corvana::bench::run(count, seed, argc > 3 ? argv[3] : "", inRealTime);
 }

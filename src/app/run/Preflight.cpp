@@ -58,13 +58,14 @@ using Analyzer = std::shared_ptr<engine::FrameAnalyzer>;
 using Tables = std::shared_ptr<const engine::DocumentTables>;
 
 Expected<Analyzer> loadAnalyzer(const Resources& resources, const Tables& documents,
-                                const DocumentRules& rules) {
+                                const DocumentRules& rules,
+                                const std::shared_ptr<platform::DispatchQueue>& readQueue) {
   if (const auto lack = lacks({examineFaceModel(resources)}); !lack.empty()) {
     return platform::failure(lack);
   }
-  auto loaded = engine::VisionFrameAnalyzer::load({resources.faceDetector(),
-                                                   resources.faceLandmarks(), resources.faceModel(),
-                                                   resources.textReader(), documents, rules.today});
+  auto loaded = engine::VisionFrameAnalyzer::load(
+      {resources.faceDetector(), resources.faceLandmarks(), resources.faceModel(),
+       resources.textReader(), documents, rules.today, readQueue});
   if (!loaded) return tl::unexpected(loaded.error());
   return *loaded;
 }
@@ -72,8 +73,9 @@ Expected<Analyzer> loadAnalyzer(const Resources& resources, const Tables& docume
 /// A user does not wait for the models to see their picture; a replay has all the time it wants.
 Expected<Analyzer> startAnalyzer(const Resources& resources, const Tables& documents,
                                  const DocumentRules& rules, platform::RunLoop& loop) {
-  const auto load = [=] { return loadAnalyzer(resources, documents, rules); };
-  if (loop.isVirtual()) return load();
+  if (loop.isVirtual()) return loadAnalyzer(resources, documents, rules, nullptr);
+  const auto readQueue = loop.makeSerialQueue("CardReader", platform::QualityOfService::utility);
+  const auto load = [=] { return loadAnalyzer(resources, documents, rules, readQueue); };
   return engine::LateFrameAnalyzer::start(loop, load);
 }
 

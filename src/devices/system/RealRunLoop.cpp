@@ -18,8 +18,8 @@ using platform::TimePoint;
 
 namespace {
 
-/// As many as there are kinds of such work: looking and listening.
-constexpr int kUtilityWorkers = 2;
+/// As many as there are kinds of such work: looking, reading cards and listening.
+constexpr int kUtilityWorkers = 3;
 /// Lets encoders and the camera go first, and still leaves half a share of a core beside programs
 /// that never rest: with a niceness of ten, four of them made one look at a card last ten seconds.
 constexpr int kUtilityNiceness = 3;

@@ -8,6 +8,7 @@
 #include "engine/document/BarcodeReader.h"
 #include "engine/document/copies/CopyFigures.h"
 #include "engine/document/fields/DocumentFields.h"
+#include "engine/document/guidance/Glare.h"
 #include "engine/document/mrz/MrzPrint.h"
 #include "engine/document/outline/CardChoice.h"
 #include "engine/document/outline/CardWarp.h"

@@ -49,6 +49,11 @@ std::optional<MouthLook> mouthIn(const PixelBuffer& picture, const FaceDetails& 
   return mouthLook(picture, face.mesh);
 }
 
+platform::Expected<std::shared_ptr<FaceDetector>> loadFaces(const std::filesystem::path& model) {
+  return FaceDetector::load(model).map(
+      [](FaceDetector&& detector) { return std::make_shared<FaceDetector>(std::move(detector)); });
+}
+
 CGSize sizeOf(const PixelBuffer& picture) {
   return {static_cast<double>(picture.width()), static_cast<double>(picture.height())};
 }
@@ -67,28 +72,34 @@ CGRect guideInPicture(const CGRect& overlay, const CGSize& screen, const CGSize&
 
 VisionFrameAnalyzer::VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
                                          const std::shared_ptr<FaceLandmarks>& landmarks,
-                                         FaceEmbedder embedder, DocumentAnalyzer documents)
+                                         FaceEmbedder embedder,
+                                         std::shared_ptr<DocumentAnalyzer> documents,
+                                         std::shared_ptr<platform::DispatchQueue> readQueue)
     : detector_(std::move(detector)),
       landmarks_(landmarks),
       selfies_(detector_, landmarks),
       persons_(landmarks, std::move(embedder)),
-      documents_(std::move(documents)) {}
+      documents_(std::move(documents)),
+      reads_(documents_, std::move(readQueue)) {}
 
 platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> VisionFrameAnalyzer::load(
     const Models& models) {
-  auto detector = FaceDetector::load(models.faceDetector);
-  if (!detector) return tl::unexpected(detector.error());
+  auto faces = loadFaces(models.faceDetector);
+  if (!faces) return tl::unexpected(faces.error());
   auto landmarks = FaceLandmarks::load(models.faceLandmarks);
   if (!landmarks) return tl::unexpected(landmarks.error());
   auto embedder = FaceEmbedder::load(models.faceEmbedding);
   if (!embedder) return tl::unexpected(embedder.error());
-  auto faces = std::make_shared<FaceDetector>(std::move(*detector));
+  // Who reads on another thread needs a detector of its own.
+  const auto readersFaces = models.readQueue ? loadFaces(models.faceDetector) : faces;
+  if (!readersFaces) return tl::unexpected(readersFaces.error());
   auto documents = DocumentAnalyzer::load(
-      faces, {.text = models.text, .documents = models.documents, .today = models.today});
+      *readersFaces, {.text = models.text, .documents = models.documents, .today = models.today});
   if (!documents) return tl::unexpected(documents.error());
   return std::shared_ptr<VisionFrameAnalyzer>(new VisionFrameAnalyzer(
-      std::move(faces), std::make_shared<FaceLandmarks>(std::move(*landmarks)),
-      std::move(*embedder), std::move(*documents)));
+      *std::move(faces), std::make_shared<FaceLandmarks>(std::move(*landmarks)),
+      std::move(*embedder), std::make_shared<DocumentAnalyzer>(std::move(*documents)),
+      models.readQueue));
 }
 
 Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& frame,
@@ -99,6 +110,7 @@ Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& fram
     lastReading_.reset();
     lastOutline_.reset();
     memory_ = {};
+    reads_.drop();
     print_.forget();
   }
   const PixelBufferRef picture = analysisPicture(frame->image, task.captureMode);
@@ -189,7 +201,7 @@ void VisionFrameAnalyzer::watchPrint(const CardSighting& sighting, platform::Tim
 DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
                                                   const Observation& observation) {
   const AnalysisTask& task = observation.task;
-  const CardSighting sighting = documents_.find(
+  const CardSighting sighting = documents_->find(
       *picture, guideInPicture(task.idOverlayFrame, task.screenSize, observation.fullSize));
   DocumentView view;
   view.verdict = sighting.verdict;
@@ -198,22 +210,36 @@ DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
   watchPrint(sighting, observation.frameTime);
   const bool steady = isSteady(sighting);
   // Another card may have taken its place: what one was seen to hold must not be told of the other.
-  if (!steady) memory_ = {};
+  if (!steady) {
+    memory_ = {};
+    reads_.drop();
+  }
   if (sighting.verdict != CardVerdict::found || !steady) return view;
-  const CardView card = documents_.view(*picture, *sighting.outline);
+  const CardView card = documents_->view(*picture, *sighting.outline);
   view.quality = card.quality;
   view.quality->coveredPrint = print_.covered(*card.picture);
+  showReading(view);
   const bool due = !lastReading_ || observation.frameTime - *lastReading_ >= kReadInterval;
-  if (!due || flawOf(*view.quality, corvana::IDCapture::options)) return view;
-  lastReading_ = observation.frameTime;
-  CardReading reading = documents_.read(card, memory_);
+  if (due && !reads_.isBusy() && !flawOf(*view.quality, corvana::IDCapture::options)) {
+    lastReading_ = observation.frameTime;
+    reads_.start({card, *sighting.outline, memory_});
+    showReading(view);
+  }
+  return view;
+}
+
+void VisionFrameAnalyzer::showReading(DocumentView& view) {
+  auto read = reads_.take();
+  if (!read) return;
+  CardReads::Order& order = read->order;
+  CardReading& reading = read->reading;
+  memory_ = std::move(order.memory);
   // On a card that is held on its head the lines lie elsewhere than on its view.
-  if (!reading.isUpsideDown) print_.remember(*card.picture, reading.lines);
-  const Quad upright = reading.isUpsideDown ? upsideDown(*sighting.outline) : *sighting.outline;
+  if (!reading.isUpsideDown) print_.remember(*order.card.picture, reading.lines);
+  const Quad upright = reading.isUpsideDown ? upsideDown(order.outline) : order.outline;
   if (reading.faceBox) view.portrait = boundsInPicture(*reading.faceBox, upright);
   view.familyMatches = std::move(reading.familyMatches);
   view.reading = std::move(reading.data);
-  return view;
 }
 
 }  // namespace corvana::engine

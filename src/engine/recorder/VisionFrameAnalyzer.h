@@ -7,6 +7,7 @@
 
 #include "engine/document/DocumentAnalyzer.h"
 #include "engine/document/guidance/PrintWatch.h"
+#include "engine/recorder/CardReads.h"
 #include "engine/recorder/FrameAnalyzer.h"
 #include "engine/selfie/LivenessJudge.h"
 #include "engine/selfie/PersonCompare.h"
@@ -14,6 +15,7 @@
 #include "engine/vision/FaceDetector.h"
 #include "engine/vision/LiveFaceTracker.h"
 #include "platform/foundation/Fault.h"
+#include "platform/foundation/RunLoop.h"
 
 namespace corvana::engine {
 
@@ -29,6 +31,9 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
     std::shared_ptr<const DocumentTables> documents{};
     /// Settles two-digit years.
     CalendarDate today{};
+    /// On which cards are read, so that looks go on meanwhile; none in media time, where a card is
+    /// read within the look at it.
+    std::shared_ptr<platform::DispatchQueue> readQueue{};
   };
 
   /// Loads the models; the error is one sentence: a model, language data or a font is missing or
@@ -48,20 +53,24 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
  private:
   VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
                       const std::shared_ptr<FaceLandmarks>& landmarks, FaceEmbedder embedder,
-                      DocumentAnalyzer documents);
+                      std::shared_ptr<DocumentAnalyzer> documents,
+                      std::shared_ptr<platform::DispatchQueue> readQueue);
 
   SelfieView lookForSelfie(const platform::PixelBufferRef& picture, Observation& observation);
   void followLiveFace(const platform::PixelBuffer& picture, Observation& observation);
   DocumentView lookForDocument(const platform::PixelBufferRef& picture,
                                const Observation& observation);
   bool isSteady(const CardSighting& sighting);
+  /// Tells what was read meanwhile, if anything was, of the card that is still in its place.
+  void showReading(DocumentView& view);
   void watchPrint(const CardSighting& sighting, platform::TimePoint now);
 
   std::shared_ptr<FaceDetector> detector_;
   std::shared_ptr<FaceLandmarks> landmarks_;
   SelfieAnalyzer selfies_;
   PersonCompare persons_;
-  DocumentAnalyzer documents_;
+  std::shared_ptr<DocumentAnalyzer> documents_;
+  CardReads reads_;
 
   int run_ = -1;
   LivenessJudge liveness_{{}};  ///< of this run

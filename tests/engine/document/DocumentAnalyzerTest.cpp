@@ -160,6 +160,26 @@ TEST_F(DocumentAnalyzerTest, MeasuresBlurGlareAndDarkness) {
   EXPECT_EQ(flawIn(view(0.2 * card.front + cv::Scalar(0, 0, 0, 204), {})), "tooDark");
 }
 
+/// Paper in strong light saturates in places, as a patch of glare does; print is still seen on it.
+TEST_F(DocumentAnalyzerTest, TellsWhitePaperFromGlare) {
+  for (const bool isFront : {true, false}) {
+    const auto card = tests::drawCard(isFront ? 1 : 0, tests::holder(0), "person_a.jpg");
+    const cv::Mat& side = isFront ? card.front : card.back;
+    for (const double gain : {1.02, 1.05, 1.08}) {
+      for (const double fall : {0.0, 0.15}) {
+        cv::Mat lit;
+        side.convertTo(lit, CV_32FC4);
+        for (int column = 0; column < lit.cols; ++column)
+          lit.col(column) *= gain - fall * column / lit.cols;
+        lit.convertTo(lit, CV_8UC4);
+        cv::insertChannel(cv::Mat(lit.size(), CV_8U, cv::Scalar(255)), lit, 3);
+        EXPECT_EQ(flawIn(view(lit, {.noise = 1})), "none")
+            << (isFront ? "front" : "back") << " in light " << gain << " to " << gain - fall;
+      }
+    }
+  }
+}
+
 TEST_F(DocumentAnalyzerTest, MeasuresTheSharpnessOfAPageAsThatOfACard) {
   const auto card = tests::drawCard(0, tests::holder(0), "person_a.jpg");
   const cv::Mat page = tests::lengthened(card.front, 1.42);

@@ -147,13 +147,21 @@ Match labelIn(const Labels& labels, const std::string& letters, std::size_t lett
   return nearest;
 }
 
+/// Whether a label with one word more is the better one: the errors of a longer label may be a
+/// short name behind a shorter one.
+bool isBetter(const Match& longer, const Match& shorter) {
+  if (longer.label == nullptr || shorter.label == nullptr) return longer.label != nullptr;
+  const std::size_t least = shorter.label->first.size() + kLettersPerErrorInParts * longer.errors;
+  return longer.label->first.size() >= least;
+}
+
 /// The longest label that the words from `first` on begin with.
 Match longestLabel(const Labels& labels, const std::vector<Word>& words, std::size_t first) {
   Match match;
   std::string text;
   for (std::size_t count = 1; count <= kMostLabelWords && first + count <= words.size(); ++count) {
     text += words[first + count - 1].letters;
-    if (const Match found = labelIn(labels, text, kLettersPerError); found.label != nullptr)
+    if (const Match found = labelIn(labels, text, kLettersPerError); isBetter(found, match))
       match = {found.label, count, found.errors};
   }
   return match;

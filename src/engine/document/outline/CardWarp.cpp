@@ -10,11 +10,6 @@
 namespace corvana::engine {
 namespace {
 
-constexpr int kSaturated = 250;
-/// Glare fades: what lies around a patch is still bright. A printed white field ends at once.
-constexpr double kBrightRing = 205;
-constexpr double kWhiteCard = 0.5;
-
 /// What brings the card inside the outline to its straightened picture.
 cv::Mat toCard(const Quad& outline) {
   std::vector<cv::Point2f> from;
@@ -26,14 +21,6 @@ cv::Mat toCard(const Quad& outline) {
   const std::vector<cv::Point2f> to{
       {-0.5F, -0.5F}, {right, -0.5F}, {right, bottom}, {-0.5F, bottom}};
   return cv::getPerspectiveTransform(from, to);
-}
-
-cv::Mat saturatedPatches(const cv::Mat& rgb) {
-  cv::Mat mask;
-  cv::inRange(rgb, cv::Scalar::all(kSaturated), cv::Scalar::all(255), mask);
-  // Letters between white letters and specks are no patch.
-  cv::morphologyEx(mask, mask, cv::MORPH_OPEN, cv::Mat::ones(7, 7, CV_8U));
-  return mask;
 }
 
 }  // namespace
@@ -74,25 +61,6 @@ platform::CGRect boundsInPicture(const platform::CGRect& onCard, const Quad& out
     return platform::CGPoint{corner.x, corner.y};
   });
   return quad.bounds();
-}
-
-double glareFraction(const platform::PixelBuffer& card) {
-  const cv::Mat rgb = rgbMat(card);
-  const cv::Mat mask = saturatedPatches(rgb);
-  const double total = static_cast<double>(mask.total());
-  if (cv::countNonZero(mask) > kWhiteCard * total) return 0;
-  const cv::Mat gray = grayMat(card);
-  cv::Mat labels;
-  const int count = cv::connectedComponents(mask, labels);
-  double lost = 0;
-  for (int label = 1; label < count; ++label) {
-    const cv::Mat patch = labels == label;
-    cv::Mat around;
-    cv::dilate(patch, around, cv::Mat::ones(15, 15, CV_8U));
-    const double brightness = cv::mean(gray, around & ~patch)[0];
-    if (brightness >= kBrightRing) lost += cv::countNonZero(patch);
-  }
-  return lost / total;
 }
 
 }  // namespace corvana::engine

@@ -25,8 +25,4 @@ platform::PixelBufferRef onItsHead(const platform::PixelBuffer& card);
 /// The smallest upright rectangle of the picture around a rectangle of the straightened card.
 platform::CGRect boundsInPicture(const platform::CGRect& onCard, const Quad& outline);
 
-/// Share of the card lost in glare, 0 to 1: white patches that fade into what surrounds them. A
-/// card that is white itself has none.
-double glareFraction(const platform::PixelBuffer& card);
-
 }  // namespace corvana::engine

@@ -11,7 +11,7 @@ namespace corvana::engine {
 /// How far a word reaches across the card, in pixels.
 struct WordReach {
   double from = 0;  ///< middle of its first letter
-  double to = 0;  ///< middle of its last letter
+  double to = 0;    ///< middle of its last letter
 };
 
 /// A line of print as a reader saw it, or the part of one that stands by itself.

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/media/PixelBuffer.h"
+
+namespace corvana::engine {
+
+/// Share of a straightened card lost in glare, 0 to 1: white patches that fade into what surrounds
+/// them and hide print. There is none where print still stands on a light ground, or where that
+/// gets darker but slowly beyond its edge: it is paper in strong light. Glare on such paper is not
+/// told.
+double glareFraction(const platform::PixelBuffer& card);
+
+}  // namespace corvana::engine

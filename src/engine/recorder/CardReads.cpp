@@ -1,0 +1,47 @@
+#include "engine/recorder/CardReads.h"
+
+#include <utility>
+
+namespace corvana::engine {
+
+CardReads::CardReads(std::shared_ptr<DocumentAnalyzer> documents,
+                     std::shared_ptr<platform::DispatchQueue> queue)
+    : documents_(std::move(documents)), queue_(std::move(queue)) {}
+
+bool CardReads::isBusy() const {
+  const std::lock_guard lock(desk_->mutex);
+  return desk_->isBusy;
+}
+
+void CardReads::read(DocumentAnalyzer& documents, Desk& desk, Order order) {
+  CardReading reading = documents.read(order.card, order.memory);
+  const std::lock_guard lock(desk.mutex);
+  desk.isBusy = false;
+  if (desk.isWanted) desk.done = Result{std::move(order), std::move(reading)};
+}
+
+void CardReads::start(Order order) {
+  {
+    const std::lock_guard lock(desk_->mutex);
+    desk_->isBusy = true;
+    desk_->isWanted = true;
+    desk_->done.reset();
+  }
+  if (!queue_) return read(*documents_, *desk_, std::move(order));
+  queue_->async([documents = documents_, desk = desk_, order = std::move(order)] {
+    read(*documents, *desk, order);
+  });
+}
+
+std::optional<CardReads::Result> CardReads::take() {
+  const std::lock_guard lock(desk_->mutex);
+  return std::exchange(desk_->done, std::nullopt);
+}
+
+void CardReads::drop() {
+  const std::lock_guard lock(desk_->mutex);
+  desk_->isWanted = false;
+  desk_->done.reset();
+}
+
+}  // namespace corvana::engine
