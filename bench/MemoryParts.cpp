@@ -1,6 +1,6 @@
 // Which parts of the program hold how much memory. Each is made and used as a run does it, one
 // after the other, and stays; a JSON object names them and the megabytes by which the resident
-// memory grew. Usage: memory-parts PHOTO_WITH_A_FACE
+// memory grew. Usage: memory-parts PHOTO_WITH_A_FACE CARD
 
 #include <cmath>
 #include <cstdlib>
@@ -88,7 +88,7 @@ void record(platform::AssetWriter& film) {
   }
 }
 
-void measure(const char* photo) {
+void measure(const char* photo, const char* card) {
   nlohmann::ordered_json parts = {{"program and libraries", std::lround(residentMb())}};
   double before = residentMb();
   const auto note = [&](const char* part) {
@@ -97,6 +97,7 @@ void measure(const char* photo) {
   };
   const auto resources = app::findResources();
   const auto picture = need(devices::readImage(photo));
+  const auto print = need(devices::readImage(card));
   before = residentMb();
 
   Faces faces{need(engine::FaceDetector::load(resources.faceDetector())),
@@ -112,7 +113,7 @@ void measure(const char* photo) {
   note("matching faces");
 
   auto reader = need(engine::NetworkTextReader::load(resources.textReader()));
-  reader.read(*picture);
+  reader.read(*print);
   note("reading cards");
 
   platform::VirtualRunLoop loop;
@@ -135,12 +136,12 @@ void measure(const char* photo) {
 }  // namespace corvana
 
 int main(int count, char** arguments) {
-  if (count != 2) {
-    std::cerr << "usage: memory-parts PHOTO_WITH_A_FACE\n";
+  if (count != 3) {
+    std::cerr << "usage: memory-parts PHOTO_WITH_A_FACE CARD\n";
     return EXIT_FAILURE;
   }
   try {
-    corvana::measure(arguments[1]);
+    corvana::measure(arguments[1], arguments[2]);
   } catch (const std::exception& error) {
     std::cerr << "memory-parts: " << error.what() << ".\n";
     return EXIT_FAILURE;

@@ -7,7 +7,7 @@
 #include <iostream>
 #include <vector>
 
-#include "app/seal/Jws.h"
+#include "app/keys/Jws.h"
 #include "app/seal/RunSeal.h"
 #include "devices/recorded/EncodedReader.h"
 #include "platform/foundation/VirtualRunLoop.h"

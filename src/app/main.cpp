@@ -1,16 +1,26 @@
 #include <exception>
 #include <iostream>
+#include <string>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
 #include <malloc.h>
 
 #include "app/commands/CaptureCommand.h"
 #include "app/commands/Commands.h"
+#include "app/record/Files.h"
 #include "app/simulate/ScreensCommand.h"
 #include "app/simulate/SimulateCommand.h"
 
 namespace corvana::app {
 namespace {
+
+/// The parser says of a name that it does not know only that a command is missing.
+bool namesCommand(const CLI::App& program, int argc, char** argv) {
+  const std::string_view first = argc > 1 ? argv[1] : "-";
+  const auto isMeant = [&](const CLI::App* command) { return command->get_name() == first; };
+  return first.starts_with('-') || !program.get_subcommands(isMeant).empty();
+}
 
 int run(int argc, char** argv) {
   using app::ExitCode;
@@ -44,6 +54,11 @@ int run(int argc, char** argv) {
   app::addDoctorCommand(program, exitCode);
   app::addOptionsCommand(program, exitCode);
   app::addCommandsCommand(program, exitCode);
+  if (!namesCommand(program, argc, argv)) {
+    return static_cast<int>(
+        complain(std::cerr, ExitCode::wrongUse,
+                 "There is no command " + inQuotes(argv[1]) + "; `videoid --help` lists them."));
+  }
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

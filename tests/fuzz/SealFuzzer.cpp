@@ -1,9 +1,9 @@
 #include <string_view>
 
 #include "InputFile.h"
-#include "app/seal/Jws.h"
+#include "app/keys/Jws.h"
 #include "app/seal/SealReading.h"
-#include "app/seal/TimeStamp.h"
+#include "app/stamp/TimeStamp.h"
 
 /// Seals, their keys, the lines of a growing seal and answers of time stamp authorities.
 namespace corvana {

@@ -267,22 +267,60 @@ cv::Mat tartan(cv::Size size, double scale, Random& random) {
   return lit(picture, 1.0 + 0.08 * unevenness(size, 0.8 * scale, 0.8 * scale, random));
 }
 
+/// Cork: pressed crumbs of several browns, with dark pores.
+cv::Mat cork(cv::Size size, double scale, Random& random) {
+  static const std::vector<cv::Scalar> kColours = {
+      {196, 156, 108}, {172, 128, 84}, {212, 178, 134}, {150, 108, 72}};
+  cv::Mat picture(size, CV_8UC3, drawFrom(kColours, random));
+  const double crumbs = size.area() / (5.0 * scale * scale);
+  for (int i = 0; i < crumbs; ++i) {
+    const cv::Point2d at(random.uniform(0.0, size.width), random.uniform(0.0, size.height));
+    cv::Size2d reach(scale * random.uniform(0.5, 2.2), scale * random.uniform(0.4, 1.3));
+    const bool isPore = random.uniform(0.0, 1.0) < 0.06;
+    if (isPore) reach *= 0.6;
+    cv::ellipse(picture, cv::RotatedRect(at, reach, random.uniform(0, 180)),
+                isPore ? cv::Scalar(62, 42, 30) : drawFrom(kColours, random), cv::FILLED,
+                cv::LINE_AA);
+  }
+  return lit(picture, 1.0 + 0.05 * unevenness(size, 0.5 * scale, 0.5 * scale, random));
+}
+
+/// A mat of bamboo: round slats side by side, tied by threads across.
+cv::Mat bamboo(cv::Size size, double scale, Random& random) {
+  static const std::vector<cv::Scalar> kColours = {
+      {214, 190, 130}, {176, 140, 84}, {120, 88, 58}, {196, 198, 150}};
+  const double slat = random.uniform(2.5, 7.0) * scale;
+  const double tie = random.uniform(25.0, 60.0) * scale;
+  cv::Mat light = 1.0 + 0.05 * unevenness(size, 0.4 * scale, 12.0 * scale, random) +
+                  0.05 * unevenness(size, slat, 60.0 * scale, random);
+  for (int row = 0; row < size.height; ++row) {
+    const double across = 2.0 * std::fmod(row, slat) / slat - 1.0;
+    light.row(row) *= 0.45 + 0.55 * std::sqrt(1.0 - across * across);
+  }
+  for (double x = random.uniform(0.0, tie); x < size.width; x += tie) {
+    const cv::Rect2d thread(x, 0.0, 1.2 * scale, size.height);
+    light(cv::Rect(thread) & cv::Rect({}, size)) *= 0.5;
+  }
+  return coloured(light, drawFrom(kColours, random));
+}
+
 using Painter = cv::Mat (*)(cv::Size, double, Random&);
 
 const std::map<std::string, Painter>& painters() {
   static const std::map<std::string, Painter> kAll = {
       {"plain", plain},   {"wood", wood},         {"cloth", cloth},     {"stone", stone},
       {"tiles", tiles},   {"carpet", carpet},     {"stripes", stripes}, {"leather", leather},
-      {"marble", marble}, {"terrazzo", terrazzo}, {"tartan", tartan}};
+      {"marble", marble}, {"terrazzo", terrazzo}, {"tartan", tartan},   {"cork", cork},
+      {"bamboo", bamboo}};
   return kAll;
 }
 
 }  // namespace
 
 const std::vector<std::string>& groundNames() {
-  static const std::vector<std::string> kNames = {"plain",   "wood",   "print",    "cloth",
-                                                  "stone",   "tiles",  "carpet",   "stripes",
-                                                  "leather", "marble", "terrazzo", "tartan"};
+  static const std::vector<std::string> kNames = {
+      "plain",   "wood",    "print",  "cloth",    "stone",  "tiles", "carpet",
+      "stripes", "leather", "marble", "terrazzo", "tartan", "cork",  "bamboo"};
   return kNames;
 }
 

@@ -15,13 +15,11 @@
 #include "AamvaRecord.h"
 #include "Painting.h"
 #include "Pattern.h"
-#include "Random.h"
 
 namespace corvana::photos {
 namespace {
 
 using session::CardData;
-using session::Random;
 using session::Typeface;
 
 constexpr double kCornerRadius = 3.18;  // millimetres, as all below
@@ -44,20 +42,10 @@ void drawEmblem(cv::Mat& picture, const cv::Rect2d& place, const cv::Scalar& col
   session::drawEmblem(picture, centre, 0.5 * place.width, SideArtist::kPixelsPerMillimetre, colour);
 }
 
-/// Loops that lean to the right and flatten towards the end, as a hurried signature does.
 void drawSignature(cv::Mat& picture, const cv::Rect2d& place, const std::string& name) {
-  Random random(session::seedOf(name));
-  const double loops = random.uniform(5.0, 8.0);
-  const double phase = random.uniform(0.0, 6.28);
-  std::vector<cv::Point> points;
-  for (int i = 0; i <= 400; ++i) {
-    const double t = i / 400.0;
-    const double angle = 6.2832 * loops * t + phase;
-    const double height = (0.34 - 0.24 * t) * (0.7 + 0.3 * std::sin(5.0 * t + phase));
-    points.emplace_back(whole(place.x + place.width * (0.05 + 0.85 * t) + 0.9 * std::cos(angle)),
-                        whole(place.y + place.height * (0.55 - height * std::sin(angle))));
-  }
-  cv::polylines(picture, points, false, cv::Scalar(34, 44, 110), whole(0.22), cv::LINE_AA);
+  const cv::Point2d start(place.x + 0.05 * place.width, place.y + 0.55 * place.height);
+  session::drawSignature(picture, name, start, 0.85 * place.width, 0.18 * place.height,
+                         SideArtist::kPixelsPerMillimetre, cv::Scalar(34, 44, 110));
 }
 
 void drawPhoto(cv::Mat& picture, const cv::Rect& place, const cv::Mat& photo, bool grey) {

@@ -1,12 +1,10 @@
 #include <cstdio>
-#include <exception>
-#include <iostream>
 #include <map>
 #include <string>
 
-#include <CLI/CLI.hpp>
 #include <unistd.h>
 
+#include "CommandLine.h"
 #include "PhotoMaker.h"
 
 namespace corvana {
@@ -17,16 +15,22 @@ void showProgress(int done, int all) {
   std::fprintf(stderr, "\rcard %d of %d%s", done, all, done == all ? "\n" : "");
 }
 
-int makePhotos(int argc, char** argv) {
+struct Options {
   photos::Order order;
-  order.data = CORVANA_PHOTO_DATA;
-  order.portraits = CORVANA_PORTRAITS;
-  order.models = CORVANA_FACE_MODELS;
   std::string output;
-  CLI::App app(
-      "Makes photographs of fictitious identity documents, as a phone would take them, and "
-      "truth.json, which says what is on each. samples/README.md describes them.");
-  app.add_option("--output", output, "Folder for the pictures and truth.json")->required();
+};
+
+Options usualOptions() {
+  Options usual;
+  usual.order.data = CORVANA_PHOTO_DATA;
+  usual.order.portraits = CORVANA_PORTRAITS;
+  usual.order.models = CORVANA_FACE_MODELS;
+  return usual;
+}
+
+void addOptions(CLI::App& app, Options& options) {
+  photos::Order& order = options.order;
+  app.add_option("--output", options.output, "Folder for the pictures and truth.json")->required();
   app.add_option("--count", order.count, "Cards; each gives a picture of every side it has")
       ->check(CLI::Range(1, 9999))
       ->capture_default_str();
@@ -49,26 +53,20 @@ int makePhotos(int argc, char** argv) {
   app.add_option("--portraits", order.portraits, "Folder of portraits, one person each")
       ->capture_default_str();
   app.add_option("--models", order.models, "Folder of the face models")->capture_default_str();
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : 2;
-  }
-  if (const auto made = photos::makePhotos(order, output, showProgress); !made) {
-    std::cerr << "make-photos: " << made.error() << '\n';
-    return 1;
-  }
-  return 0;
 }
 
 }  // namespace
 }  // namespace corvana
 
 int main(int argc, char** argv) {
-  try {
-    return corvana::makePhotos(argc, argv);
-  } catch (const std::exception& error) {
-    std::cerr << "make-photos: an unexpected fault: " << error.what() << '\n';
-    return 1;
-  }
+  corvana::Options options = corvana::usualOptions();
+  return corvana::session::runTool(
+      {"make-photos",
+       "Makes photographs of fictitious identity documents, as a phone would take them, and "
+       "truth.json, which says what is on each. samples/README.md describes them.",
+       [&](CLI::App& app) { corvana::addOptions(app, options); },
+       [&] {
+         return corvana::photos::makePhotos(options.order, options.output, corvana::showProgress);
+       }},
+      argc, argv);
 }

@@ -4,14 +4,12 @@
 #include <cstdint>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include <opencv2/imgproc.hpp>
 
 #include "Guilloche.h"
 #include "Mrz.h"
 #include "Painting.h"
-#include "Random.h"
 
 namespace corvana::session {
 namespace {
@@ -46,22 +44,6 @@ cv::Size cardSize() {
 /// 1984-08-12 as 12.08.1984.
 std::string printedDate(const std::string& date) {
   return date.substr(8, 2) + "." + date.substr(5, 2) + "." + date.substr(0, 4);
-}
-
-/// Loops that lean to the right and flatten towards the end, as a hurried signature does.
-void drawSignature(cv::Mat& picture, const std::string& name, cv::Point2d start, double width) {
-  Random random(seedOf(name));
-  const double loops = random.uniform(5.0, 8.0);
-  const double phase = random.uniform(0.0, 6.28);
-  std::vector<cv::Point> points;
-  for (int i = 0; i <= 400; ++i) {
-    const double t = i / 400.0;
-    const double angle = 6.2832 * loops * t + phase;
-    const double height = (1.9 - 1.3 * t) * (0.7 + 0.3 * std::sin(5.0 * t + phase));
-    points.emplace_back(whole(start.x + width * t + 0.9 * std::cos(angle)),
-                        whole(start.y - 1.0 - height * std::sin(angle)));
-  }
-  cv::polylines(picture, points, false, kPen, whole(0.22), cv::LINE_AA);
 }
 
 void drawPhoto(cv::Mat& picture, const cv::Mat& photo) {
@@ -121,7 +103,8 @@ cv::Mat CardArtist::front(const CardData& card, const cv::Mat& photo) const {
   field(picture, "Date of expiry", printedDate(card.dateOfExpiry), {58.4, 37.4}, 23.0);
   cv::line(picture, {whole(33.4), whole(48.4)}, {whole(58.4), whole(48.4)}, kLabelInk, whole(0.12),
            cv::LINE_AA);
-  drawSignature(picture, card.surname + card.givenNames, {35.4, 47.6}, 19.0);
+  drawSignature(picture, card.surname + card.givenNames, {35.4, 46.6}, 19.0, 1.0,
+                kPixelsPerMillimetre, kPen);
   regular_.draw(picture, "Signature", {px(33.4), px(50.8)}, px(kLabelSize), kLabelInk);
   return withRoundedCorners(picture, whole(kCornerRadius));
 }

@@ -4,6 +4,8 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "Random.h"
+
 namespace corvana::session {
 namespace {
 
@@ -41,6 +43,25 @@ void drawEmblem(cv::Mat& picture, cv::Point2d centre, double radius, double pixe
   cv::circle(picture, {whole(centre.x), whole(centre.y)}, whole(radius), colour, whole(0.22),
              cv::LINE_AA);
   cv::fillPoly(picture, std::vector<std::vector<cv::Point>>{star}, colour, cv::LINE_AA);
+}
+
+void drawSignature(cv::Mat& picture, const std::string& name, cv::Point2d start, double width,
+                   double size, double pixelsPerMillimetre, const cv::Scalar& colour) {
+  const auto whole = [&](double millimetres) {
+    return static_cast<int>(std::lround(millimetres * pixelsPerMillimetre));
+  };
+  Random random(seedOf(name));
+  const double loops = random.uniform(5.0, 8.0);
+  const double phase = random.uniform(0.0, 6.28);
+  std::vector<cv::Point> points;
+  for (int i = 0; i <= 400; ++i) {
+    const double t = i / 400.0;
+    const double angle = 6.2832 * loops * t + phase;
+    const double height = size * (1.9 - 1.3 * t) * (0.7 + 0.3 * std::sin(5.0 * t + phase));
+    points.emplace_back(whole(start.x + width * t + 0.9 * std::cos(angle)),
+                        whole(start.y - height * std::sin(angle)));
+  }
+  cv::polylines(picture, points, false, colour, whole(0.22), cv::LINE_AA);
 }
 
 cv::Mat withRoundedCorners(const cv::Mat& picture, int r) {

@@ -18,6 +18,11 @@ void drawCurve(cv::Mat& picture, const std::vector<cv::Point2d>& points, const c
 void drawEmblem(cv::Mat& picture, cv::Point2d centre, double radius, double pixelsPerMillimetre,
                 const cv::Scalar& colour);
 
+/// Draws a name as a hurried hand signs it, from `start`, the left end of its middle line. Lengths
+/// are in millimetres; of size 1 the first loops are 3.8 mm high.
+void drawSignature(cv::Mat& picture, const std::string& name, cv::Point2d start, double width,
+                   double size, double pixelsPerMillimetre, const cv::Scalar& colour);
+
 /// A side of a card, cut out: its colours, and how much of it there is at each pixel. The radius is
 /// in pixels.
 cv::Mat withRoundedCorners(const cv::Mat& picture, int radius);

@@ -1,15 +1,13 @@
 #include <cstdio>
-#include <exception>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <optional>
 #include <string>
 #include <system_error>
 
-#include <CLI/CLI.hpp>
 #include <unistd.h>
 
+#include "CommandLine.h"
 #include "Script.h"
 #include "SessionCache.h"
 #include "SessionMaker.h"
@@ -70,36 +68,24 @@ session::Result<void> run(const Options& options) {
   return cache.deliver(*key, options.output);
 }
 
-int makeSession(int argc, char** argv) {
-  Options options;
-  CLI::App app(
-      "Makes a recorded session (a film of a person who shows a card and reads a text, and stills "
-      "of the card) from a script. samples/README.md describes the script.");
+void addOptions(CLI::App& app, Options& options) {
   app.add_option("SCRIPT", options.script, "The script, a JSON file")->required();
   app.add_option("--output", options.output, "Folder for the session's files")->required();
   app.add_option("--cache", options.cache, "Folder of sessions made before")->capture_default_str();
   app.add_option("--models", options.models, "Folder of the face models")->capture_default_str();
   app.add_option("--seed", options.seed, "In place of the script's seed");
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : 2;
-  }
-  if (const auto done = run(options); !done) {
-    std::cerr << "make-session: " << done.error() << '\n';
-    return 1;
-  }
-  return 0;
 }
 
 }  // namespace
 }  // namespace corvana
 
 int main(int argc, char** argv) {
-  try {
-    return corvana::makeSession(argc, argv);
-  } catch (const std::exception& error) {
-    std::cerr << "make-session: an unexpected fault: " << error.what() << '\n';
-    return 1;
-  }
+  corvana::Options options;
+  return corvana::session::runTool(
+      {"make-session",
+       "Makes a recorded session (a film of a person who shows a card and reads a text, and stills "
+       "of the card) from a script. samples/README.md describes the script.",
+       [&](CLI::App& app) { corvana::addOptions(app, options); },
+       [&] { return corvana::run(options); }},
+      argc, argv);
 }

@@ -241,8 +241,8 @@ Expected<Reference> loadReference(const fs::path& folder) {
   try {
     if (get<int>(*object, "formatVersion") != kFormatVersion) throw WrongShape{"formatVersion"};
     if (getOptional<std::string>(*object, "reader") != kReader) {
-      return platform::failure("The print in the reference \"" + path.string() +
-                               "\" was read by another reader than this program's, which reads it "
+      return platform::failure("The print in the reference " + inQuotes(path) +
+                               " was read by another reader than this program's, which reads it "
                                "differently: enroll the card again.");
     }
     Reference reference;
@@ -255,9 +255,9 @@ Expected<Reference> loadReference(const fs::path& folder) {
     reference.back = std::move(*back);
     return reference;
   } catch (const WrongShape& fault) {
-    return platform::failure("The reference \"" + path.string() +
-                             "\" has another shape than this program's: look at \"" + fault.key +
-                             "\", or enroll the card again.");
+    return platform::failure("The reference " + inQuotes(path) +
+                             " has another shape than this program's: look at " +
+                             inQuotes(fault.key) + ", or enroll the card again.");
   }
 }
 

@@ -6,6 +6,7 @@
 #include "app/card/Reference.h"
 #include "app/commands/Commands.h"
 #include "app/commands/DocumentOptions.h"
+#include "app/record/Files.h"
 #include "app/run/Resources.h"
 #include "devices/pictures/ImageFile.h"
 #include "engine/document/DocumentAnalyzer.h"
@@ -36,36 +37,36 @@ tl::expected<DetectedData, Refusal> readSide(engine::DocumentAnalyzer& documents
   if (!picture) return refuse(picture.error().sentence);
   auto reading = documents.analyzeStill(*picture);
   if (!reading) {
-    return refuse("\"" + path.string() + "\": " + reading.error().sentence);
+    return refuse(inQuotes(path) + ": " + reading.error().sentence);
   }
   DetectedData& data = reading->data;
   const bool isFront = expected == DocumentSide::front;
   const std::string side = isFront ? "front" : "back";
   if (data.side && *data.side != expected) {
-    return refuse("\"" + path.string() + "\" shows the other side of a card, not its " + side +
+    return refuse(inQuotes(path) + " shows the other side of a card, not its " + side +
                   "; swap the pictures.");
   }
   if (isFront && !data.faceImage) {
-    return refuse("No face large enough to be compared was found on \"" + path.string() +
-                  "\"; take a sharper picture, nearer to the card.");
+    return refuse("No face large enough to be compared was found on " + inQuotes(path) +
+                  "; take a sharper picture, nearer to the card.");
   }
   const bool empty = !data.ocrStrings || data.ocrStrings->empty();
   if (empty && !data.mrz) {
-    return refuse("Nothing could be read on \"" + path.string() +
-                  "\"; take a sharper picture without glare.");
+    return refuse("Nothing could be read on " + inQuotes(path) +
+                  "; take a sharper picture without glare.");
   }
   // Before the camera such a back is never taken for a complete one: the run could only time out.
   const bool lacksCode =
       (data.shouldHaveMrz && !data.mrz) || (data.shouldHaveBarcode && !data.barcode);
   if (isFront && lacksCode) {
     return refuse("The machine-readable zone or barcode that a " + *data.type +
-                  " has could not be read on \"" + path.string() +
-                  "\"; take a sharper picture of the whole card on a plain ground.");
+                  " has could not be read on " + inQuotes(path) +
+                  "; take a sharper picture of the whole card on a plain ground.");
   }
   if (!data.side || lacksCode) {
-    return refuse("Neither a machine-readable zone nor a barcode could be read on \"" +
-                  path.string() +
-                  "\"; take a sharper picture of the whole back on a plain ground, or leave out "
+    return refuse("Neither a machine-readable zone nor a barcode could be read on " +
+                  inQuotes(path) +
+                  "; take a sharper picture of the whole back on a plain ground, or leave out "
                   "--back for a card that has neither.");
   }
   return std::move(data);
@@ -147,7 +148,7 @@ tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
   const auto* kind = (*tables)->kinds.ofType(reference.front.type.value_or(""));
   if (kind && !kind->back) {
     return tl::unexpected(
-        Refusal{ExitCode::wrongUse, "\"" + arguments.front.string() + "\" shows a " + kind->stem +
+        Refusal{ExitCode::wrongUse, inQuotes(arguments.front) + " shows a " + kind->stem +
                                         ", which has no back; leave out --back."});
   }
   auto back = readSide(*documents, *arguments.back, DocumentSide::back);

@@ -8,6 +8,7 @@
 
 #include "app/commands/Commands.h"
 #include "app/faces/StillFaces.h"
+#include "app/record/Files.h"
 #include "app/run/CaptureInputs.h"
 #include "capture/FaceMatchDetector.h"
 #include "corvana/VideoCapture.h"
@@ -82,8 +83,7 @@ platform::Expected<std::vector<fs::path>> photographsIn(const fs::path& folder) 
   }
   std::ranges::sort(photographs);
   if (!photographs.empty()) return photographs;
-  return platform::failure("\"" + folder.string() +
-                           "\" is no folder with JPEG or PNG files: name one.");
+  return platform::failure(inQuotes(folder) + " is no folder with JPEG or PNG files: name one.");
 }
 
 ordered_json embeddingToJson(const engine::FaceEmbedding& embedding) {

@@ -2,7 +2,7 @@
 #include <memory>
 
 #include "app/commands/Commands.h"
-#include "app/seal/Keys.h"
+#include "app/keys/Keys.h"
 
 namespace corvana::app {
 namespace {

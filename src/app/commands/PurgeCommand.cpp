@@ -7,6 +7,7 @@
 
 #include "app/commands/Commands.h"
 #include "app/privacy/Purge.h"
+#include "app/record/Files.h"
 
 namespace corvana::app {
 namespace {
@@ -38,8 +39,8 @@ ExitCode tellDone(const std::vector<OverdueRun>& runs, const fs::path& receipt) 
   for (const OverdueRun& run : runs) {
     if (run.removed) continue;
     code = complain(std::cerr, ExitCode::flowError,
-                    "The run in \"" + run.folder.string() +
-                        "\" could not be removed whole: look at what is left in it, and at its "
+                    "The run in " + inQuotes(run.folder) +
+                        " could not be removed whole: look at what is left in it, and at its "
                         "rights.");
   }
   return code;

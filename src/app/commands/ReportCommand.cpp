@@ -6,6 +6,7 @@
 #include "app/commands/Commands.h"
 #include "app/commands/TrustOptions.h"
 #include "app/record/Files.h"
+#include "app/record/RecordFiles.h"
 #include "app/report/ReportFile.h"
 #include "app/report/ReportPage.h"
 #include "app/run/Resources.h"
@@ -36,8 +37,9 @@ ExitCode runReport(const ReportArguments& arguments) {
       RunFolder::read(arguments.folder, trust->keysOrNull(), trust->authoritiesOrNull());
   if (!run) return refuse(run.error());
   const fs::path output = arguments.output.value_or(arguments.folder / kReportFileName);
-  if (arguments.output) {
-    if (const auto free = checkNewReport(output); !free) return refuse(free.error());
+  if (output != arguments.folder / kReportFileName) {
+    const auto free = checkNewFile(arguments.folder, output, "--output");
+    if (!free) return refuse(free.error());
   }
   const std::string film = run->film ? addressOf(arguments.folder / *run->film, output) : "";
   const auto page = makeReportPage(*run, *words, trust->keys.has_value(), film, resources);

@@ -5,9 +5,10 @@
 #include <string>
 
 #include "app/commands/Commands.h"
+#include "app/record/Files.h"
 #include "app/record/RunRecord.h"
-#include "app/seal/StampService.h"
-#include "app/seal/Stamps.h"
+#include "app/stamp/StampService.h"
+#include "app/stamp/Stamps.h"
 
 namespace corvana::app {
 namespace {
@@ -30,8 +31,8 @@ ExitCode refuse(const std::string& sentence) {
 platform::Expected<std::string> readSeal(const fs::path& folder) {
   auto seal = readFile(folder / kResultSealName, kMostStampBytes);
   if (seal) return seal;
-  return platform::failure("\"" + folder.string() +
-                           "\" holds no seal to be stamped: name the folder of a run that was "
+  return platform::failure(inQuotes(folder) +
+                           " holds no seal to be stamped: name the folder of a run that was "
                            "recorded with --key.");
 }
 
@@ -45,8 +46,8 @@ platform::Expected<std::string> readAnswer(const std::string& source) {
 ExitCode writeRequest(const TimestampArguments& arguments, const std::string& seal) {
   std::error_code error;
   if (fs::exists(arguments.request, error)) {
-    return refuse("There is a file \"" + arguments.request.string() +
-                  "\" already: give its answer with --answer, or take it away.");
+    return refuse("There is a file " + inQuotes(arguments.request) +
+                  " already: give its answer with --answer, or take it away.");
   }
   const auto written = writeFile(arguments.request, makeStampRequest(seal));
   if (!written) return refuse(written.error().sentence);

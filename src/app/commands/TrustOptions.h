@@ -5,8 +5,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "app/seal/TimeStamp.h"
-#include "app/seal/TrustedKeys.h"
+#include "app/keys/TrustedKeys.h"
+#include "app/stamp/TimeStamp.h"
 
 namespace corvana::app {
 

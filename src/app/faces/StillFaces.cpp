@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string>
 
+#include "app/record/Files.h"
 #include "devices/pictures/ImageFile.h"
 #include "engine/selfie/SelfieAnalyzer.h"
 #include "engine/vision/FaceCrop.h"
@@ -42,7 +43,7 @@ Expected<StillFaces> StillFaces::load(const Resources& resources) {
 Expected<StillFace> StillFaces::read(const std::filesystem::path& photograph) {
   const auto picture = devices::readImage(photograph);
   if (!picture) return tl::unexpected(picture.error());
-  const std::string name = "\"" + photograph.string() + "\"";
+  const std::string name = inQuotes(photograph);
   const auto faces = detector_.detect(**picture);
   if (faces.empty()) {
     return failure("No face was found on " + name + ": give an upright picture of one person.");

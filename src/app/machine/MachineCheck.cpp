@@ -4,6 +4,7 @@
 #include <iterator>
 #include <system_error>
 
+#include "app/record/Files.h"
 #include "devices/film/FilmSettings.h"
 #include "devices/gstreamer/MediaElements.h"
 #include "engine/document/kinds/DocumentTables.h"
@@ -76,7 +77,7 @@ Finding diskSpace(const fs::path& folder, std::uintmax_t bytesNeeded) {
     existing = existing.parent_path();
   }
   const fs::space_info space = fs::space(existing, error);
-  const std::string place = "\"" + existing.string() + "\"";
+  const std::string place = inQuotes(existing);
   if (error) return {"disk space", false, place + " can't be looked at: " + error.message()};
   const bool enough = space.available >= bytesNeeded;
   return {"disk space", enough,

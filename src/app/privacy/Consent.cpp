@@ -1,7 +1,7 @@
 #include "app/privacy/Consent.h"
 
 #include "app/record/Files.h"
-#include "app/seal/UtcTime.h"
+#include "app/stamp/UtcTime.h"
 #include "engine/json/JsonObject.h"
 
 namespace corvana::app {
@@ -35,8 +35,8 @@ platform::Expected<std::string> readConsent(const std::filesystem::path& file) {
   try {
     check(*value);
   } catch (const engine::JsonFault& fault) {
-    return platform::failure("The consent record \"" + file.string() +
-                             "\" can't be used: " + fault.sentence + ".");
+    return platform::failure("The consent record " + inQuotes(file) +
+                             " can't be used: " + fault.sentence + ".");
   }
   return bytes;
 }

@@ -5,6 +5,8 @@
 #include <system_error>
 
 #include "app/record/EventLog.h"
+#include "app/record/Files.h"
+#include "app/record/RecordFiles.h"
 #include "app/record/RunRecord.h"
 
 namespace corvana::app {
@@ -55,12 +57,10 @@ tl::expected<void, Refusal> exportRun(const fs::path& folder, const std::string&
   if (!fs::is_regular_file(folder / EventLog::kFileName, error) &&
       !fs::is_regular_file(folder / kResultFileName, error)) {
     return refuse(ExitCode::wrongUse,
-                  "\"" + folder.string() + "\" holds no record. Name the folder of a run.");
+                  inQuotes(folder) + " holds no record. Name the folder of a run.");
   }
-  if (fs::exists(archive, error)) {
-    return refuse(ExitCode::wrongUse, "There is a file \"" + archive.string() +
-                                          "\" already: name a new one with --output.");
-  }
+  if (const auto free = checkNewFile(folder, archive, "--output"); !free)
+    return refuse(ExitCode::wrongUse, free.error().sentence);
   if (!isKey(recipient) && !fs::is_regular_file(recipient, error)) {
     return refuse(ExitCode::wrongUse,
                   "The recipient must be a public key that begins with age1 or ssh-, or a file of "
@@ -82,7 +82,7 @@ tl::expected<void, Refusal> exportRun(const fs::path& folder, const std::string&
   if (fault.empty() && !error) return {};
   const std::string why = fault.empty() ? error.message() : fault;
   fs::remove(draft, error);
-  return refuse(ExitCode::wrongUse, "The archive \"" + archive.string() + "\" could not be made (" +
+  return refuse(ExitCode::wrongUse, "The archive " + inQuotes(archive) + " could not be made (" +
                                         why + "): check recipient, folder and disk.");
 }
 

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <set>
 
+#include "app/keys/Jws.h"
 #include "app/privacy/Consent.h"
 #include "app/privacy/RunTerms.h"
 #include "app/record/EventLog.h"
@@ -12,9 +13,8 @@
 #include "app/record/RecordFiles.h"
 #include "app/report/Evidence.h"
 #include "app/report/ReportFile.h"
-#include "app/seal/Jws.h"
 #include "app/seal/SealLog.h"
-#include "app/seal/Stamps.h"
+#include "app/stamp/Stamps.h"
 
 namespace corvana::app {
 namespace {
@@ -107,7 +107,7 @@ platform::Expected<fs::path> chooseReceipt(const fs::path& folder, UtcTime now) 
     std::error_code error;
     if (!fs::exists(file, error)) return file;
   }
-  return platform::failure("The folder \"" + folder.string() + "\" is full of receipts of now.");
+  return platform::failure("The folder " + inQuotes(folder) + " is full of receipts of now.");
 }
 
 platform::Expected<void> writeSigned(const fs::path& file, const ordered_json& receipt,
@@ -131,8 +131,8 @@ platform::Expected<std::vector<OverdueRun>> findOverdue(const fs::path& folder,
     if (auto run = overdue(entry.path(), rules)) runs.push_back(std::move(*run));
   }
   if (error) {
-    return platform::failure("The folder \"" + folder.string() +
-                             "\" can't be read: " + error.message() + "; name a folder of runs.");
+    return platform::failure("The folder " + inQuotes(folder) +
+                             " can't be read: " + error.message() + "; name a folder of runs.");
   }
   std::ranges::sort(runs, {}, &OverdueRun::folder);
   return runs;

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "app/seal/Keys.h"
-#include "app/seal/UtcTime.h"
+#include "app/keys/Keys.h"
+#include "app/stamp/UtcTime.h"
 #include "engine/document/fields/CalendarDates.h"
 
 namespace corvana::app {

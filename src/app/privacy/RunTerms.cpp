@@ -3,9 +3,9 @@
 #include <system_error>
 #include <vector>
 
+#include "app/keys/Sha256.h"
 #include "app/record/JsonMembers.h"
 #include "app/record/RunRecord.h"
-#include "app/seal/Sha256.h"
 
 namespace corvana::app {
 

@@ -5,12 +5,12 @@
 #include <cmath>
 #include <cstdio>
 
+#include "app/keys/Sha256.h"
 #include "app/record/BuildId.h"
 #include "app/record/EventLog.h"
 #include "app/record/ScratchFolder.h"
 #include "app/run/CaptureFlow.h"
 #include "app/run/Preflight.h"
-#include "app/seal/Sha256.h"
 #include "app/settings/OptionTable.h"
 #include "devices/recorded/MediaProbe.h"
 

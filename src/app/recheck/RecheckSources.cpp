@@ -3,8 +3,9 @@
 #include <algorithm>
 
 #include "app/card/Reference.h"
+#include "app/keys/Sha256.h"
+#include "app/record/Files.h"
 #include "app/run/CaptureInputs.h"
-#include "app/seal/Sha256.h"
 
 namespace corvana::app {
 namespace {
@@ -42,8 +43,8 @@ Expected<fs::path> referenceFor(const RecordedRun& run, const RecheckSources& so
     if (sums && *sums == run.result.value("reference", nlohmann::json())) return reference;
   }
   if (all.size() == 1) return all.front();
-  return failure("None of the references is the one that \"" + run.folder.string() +
-                 "\" was recorded with.");
+  return failure("None of the references is the one that " + inQuotes(run.folder) +
+                 " was recorded with.");
 }
 
 Expected<std::string> textFor(const RecordedRun& run, const RecheckSources& sources) {
@@ -59,11 +60,11 @@ Expected<std::string> textFor(const RecordedRun& run, const RecheckSources& sour
     if (sha256Of(text) == run.sum("text")) return text;
   }
   if (all.size() == 1) return all.front();
-  return failure(all.empty() ? "\"" + run.folder.string() +
-                                   "\" does not hold the text that was to be read: give it with "
+  return failure(all.empty() ? inQuotes(run.folder) +
+                                   " does not hold the text that was to be read: give it with "
                                    "--text-file."
-                             : "None of the texts is the one that \"" + run.folder.string() +
-                                   "\" was recorded with.");
+                             : "None of the texts is the one that " + inQuotes(run.folder) +
+                                   " was recorded with.");
 }
 
 }  // namespace corvana::app

@@ -48,8 +48,8 @@ platform::Expected<RunEvents> readRunEvents(const std::filesystem::path& file) {
     ++number;
     auto event = eventOf(line);
     if (!event) {
-      return platform::failure("Line " + std::to_string(number) + " of \"" + file.string() +
-                               "\" is no event of a run.");
+      return platform::failure("Line " + std::to_string(number) + " of " + inQuotes(file) +
+                               " is no event of a run.");
     }
     if (isRetry(*event)) {
       ++events.earlierAttempts;
@@ -59,7 +59,7 @@ platform::Expected<RunEvents> readRunEvents(const std::filesystem::path& file) {
   }
   events.all.erase(events.all.begin(), std::ranges::find_if(events.all, isMode));
   if (!events.all.empty()) return events;
-  return platform::failure("\"" + file.string() + "\" tells of no identification that began.");
+  return platform::failure(inQuotes(file) + " tells of no identification that began.");
 }
 
 }  // namespace corvana::app

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "app/record/Files.h"
 #include "devices/film/FilmFault.h"
 
 namespace corvana::app {
@@ -17,7 +18,7 @@ using Kind = engine::RecorderEvent::Kind;
 platform::Fault writeFault(const std::filesystem::path& path, int error) {
   const platform::FaultCause cause = devices::fileFaultCause(error);
   const bool isFull = cause == platform::FaultCause::diskFull;
-  return {"The events can't be written to \"" + path.string() + "\" any more (" +
+  return {"The events can't be written to " + inQuotes(path) + " any more (" +
               std::strerror(error) +
               "): " + (isFull ? "free some space." : "check folder and disk."),
           cause};
@@ -91,8 +92,8 @@ void EventLog::add(const std::string& event, const ordered_json& fields) {
   // A file that was removed can be written, but nobody will find it.
   std::error_code error;
   if (std::filesystem::exists(path_, error)) return;
-  breakOff({"Files of the run in \"" + path_.parent_path().string() +
-                "\" were removed: start anew, and leave the folder alone until the end.",
+  breakOff({"Files of the run in " + inQuotes(path_.parent_path()) +
+                " were removed: start anew, and leave the folder alone until the end.",
             platform::FaultCause::folderLost});
 }
 

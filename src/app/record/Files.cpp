@@ -7,7 +7,7 @@
 
 #include <unistd.h>
 
-#include "app/seal/Sha256.h"
+#include "app/keys/Sha256.h"
 #include "devices/system/DiskSync.h"
 
 namespace corvana::app {
@@ -18,14 +18,10 @@ namespace fs = std::filesystem;
 constexpr auto kOwnerFile = fs::perms::owner_read | fs::perms::owner_write;
 constexpr auto kOwnerFolder = fs::perms::owner_all;
 
-std::string quoted(const fs::path& path) {
-  return "\"" + path.string() + "\"";
-}
-
 Expected<void> sync(const fs::path& path) {
   const std::error_code error = devices::syncToDisk(path);
   if (!error) return {};
-  return platform::failure(quoted(path) + " could not be put on the disk: " + error.message() +
+  return platform::failure(inQuotes(path) + " could not be put on the disk: " + error.message() +
                            "; check its folder and disk.");
 }
 
@@ -41,27 +37,27 @@ Expected<void> writeFile(const fs::path& path, const std::string& content) {
     file.flush();
     if (!file) {
       fs::remove(draft, error);
-      return platform::failure("The file " + quoted(path) +
+      return platform::failure("The file " + inQuotes(path) +
                                " could not be written; check the disk space.");
     }
   }
   fs::rename(draft, path, error);
   if (error)
-    return platform::failure("The file " + quoted(path) +
+    return platform::failure("The file " + inQuotes(path) +
                              " could not be written: " + error.message() + ".");
   return {};
 }
 
 Expected<std::string> sha256(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
-  if (!file) return platform::failure("There is no file " + quoted(path) + ".");
+  if (!file) return platform::failure("There is no file " + inQuotes(path) + ".");
   Sha256 sum;
   std::array<char, 1 << 16> buffer{};
   while (file) {
     file.read(buffer.data(), buffer.size());
     sum.add(buffer.data(), static_cast<std::size_t>(file.gcount()));
   }
-  if (file.bad()) return platform::failure("The file " + quoted(path) + " could not be read.");
+  if (file.bad()) return platform::failure("The file " + inQuotes(path) + " could not be read.");
   return sum.hexadecimal();
 }
 
@@ -91,14 +87,15 @@ Expected<void> checkEmptyFolder(const fs::path& path) {
   std::error_code error;
   if (!fs::exists(path, error)) return {};
   if (!fs::is_directory(path, error)) {
-    return platform::failure(quoted(path) + " is a file; name a folder for the output.");
+    return platform::failure(inQuotes(path) + " is a file; name a folder for the output.");
   }
   if (!fs::is_empty(path, error) || error) {
-    return platform::failure("The folder " + quoted(path) +
+    return platform::failure("The folder " + inQuotes(path) +
                              " is not empty; name a new one, so that nothing is overwritten.");
   }
   if (access(path.c_str(), W_OK | X_OK) != 0) {
-    return platform::failure("The folder " + quoted(path) + " is not writable; name another one.");
+    return platform::failure("The folder " + inQuotes(path) +
+                             " is not writable; name another one.");
   }
   return {};
 }
@@ -108,7 +105,7 @@ Expected<void> makeEmptyFolder(const fs::path& path) {
   std::error_code error;
   fs::create_directories(path, error);
   if (error) {
-    return platform::failure("The folder " + quoted(path) + " can't be made: " + error.message() +
+    return platform::failure("The folder " + inQuotes(path) + " can't be made: " + error.message() +
                              "; name another one.");
   }
   fs::permissions(path, kOwnerFolder, error);

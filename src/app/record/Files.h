@@ -9,6 +9,7 @@
 
 namespace corvana::app {
 
+using engine::inQuotes;
 using engine::parseJson;
 using engine::readFile;
 using platform::Expected;

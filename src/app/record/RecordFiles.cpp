@@ -23,6 +23,27 @@ std::optional<std::string> filmIn(const fs::path& folder) {
   return std::nullopt;
 }
 
+Expected<void> checkOutside(const fs::path& folder, const fs::path& output) {
+  std::error_code ignored;  // What does not exist yet has no links in its name.
+  const fs::path record = fs::weakly_canonical(folder, ignored);
+  const fs::path place = fs::weakly_canonical(fs::absolute(output, ignored), ignored);
+  const fs::path way = place.lexically_relative(record);
+  if (way.empty() || *way.begin() == "..") return {};
+  return platform::failure(inQuotes(output) + " lies within the record " + inQuotes(folder) +
+                           ", which would be spoilt by it: name a place outside.");
+}
+
+Expected<void> checkNewFile(const fs::path& folder, const fs::path& file,
+                            const std::string& option) {
+  std::error_code error;
+  if (fs::exists(file, error)) {
+    return platform::failure("There is a file " + inQuotes(file) +
+                             " already: name a new one with " + option +
+                             ", so that nothing is overwritten.");
+  }
+  return checkOutside(folder, file);
+}
+
 Expected<std::string> readResultBytes(const fs::path& folder) {
   return readFile(folder / kResultFileName, kMostResultBytes);
 }

@@ -25,6 +25,15 @@ std::string retriedFilmName(std::size_t attempt);
 /// The name of the film of the last attempt; absent where there is none.
 std::optional<std::string> filmIn(const std::filesystem::path& folder);
 
+/// Refuses what would spoil the record in `folder` by standing within it.
+platform::Expected<void> checkOutside(const std::filesystem::path& folder,
+                                      const std::filesystem::path& output);
+
+/// Refuses a file that stands already or would spoil the record in `folder`; `option` names
+/// another.
+platform::Expected<void> checkNewFile(const std::filesystem::path& folder,
+                                      const std::filesystem::path& file, const std::string& option);
+
 /// The bytes of result.json; the error is one sentence.
 platform::Expected<std::string> readResultBytes(const std::filesystem::path& folder);
 

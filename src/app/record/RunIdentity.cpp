@@ -6,7 +6,7 @@
 #include <sys/timex.h>
 #include <unistd.h>
 
-#include "app/seal/Hexadecimal.h"
+#include "app/keys/Hexadecimal.h"
 
 namespace corvana::app {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/seal/UtcTime.h"
+#include "app/stamp/UtcTime.h"
 
 namespace corvana::app {
 

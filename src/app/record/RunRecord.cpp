@@ -1,10 +1,10 @@
 #include "app/record/RunRecord.h"
 
+#include "app/keys/Jws.h"
 #include "app/privacy/Consent.h"
 #include "app/privacy/RunTerms.h"
 #include "app/record/BuildId.h"
 #include "app/record/EventLog.h"
-#include "app/seal/Jws.h"
 #include "app/seal/SealLog.h"
 #include "app/settings/OptionTable.h"
 #include "devices/pictures/ImageFile.h"

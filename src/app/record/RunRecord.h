@@ -10,12 +10,12 @@
 #include <tl/expected.hpp>
 
 #include "app/card/DocumentHints.h"
+#include "app/keys/Keys.h"
 #include "app/record/Files.h"
 #include "app/record/RecordFiles.h"
 #include "app/record/RunIdentity.h"
 #include "app/report/Evidence.h"
 #include "app/run/Resources.h"
-#include "app/seal/Keys.h"
 #include "capture/Corvana+VideoCapture.h"
 #include "corvana/IDError.h"
 #include "devices/film/MediaSource.h"

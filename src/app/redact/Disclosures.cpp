@@ -4,8 +4,8 @@
 
 #include <openssl/rand.h>
 
-#include "app/seal/Base64Url.h"
-#include "app/seal/Sha256.h"
+#include "app/keys/Base64Url.h"
+#include "app/keys/Sha256.h"
 #include "platform/foundation/Require.h"
 
 namespace corvana::app {

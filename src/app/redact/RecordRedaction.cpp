@@ -6,17 +6,18 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/keys/Sha256.h"
 #include "app/recheck/RecordedRun.h"
 #include "app/record/EventLog.h"
 #include "app/record/Files.h"
 #include "app/record/JsonMembers.h"
+#include "app/record/RecordFiles.h"
 #include "app/record/RunRecord.h"
 #include "app/redact/Disclosures.h"
 #include "app/redact/RedactedEvidence.h"
 #include "app/redact/RedactedPicture.h"
 #include "app/report/Evidence.h"
 #include "app/seal/RecordCheck.h"
-#include "app/seal/Sha256.h"
 #include "devices/pictures/ImageFile.h"
 
 namespace corvana::app {
@@ -33,25 +34,22 @@ tl::unexpected<Refusal> refuse(const platform::Fault& fault) {
   return tl::unexpected(Refusal{ExitCode::wrongUse, fault.sentence});
 }
 
-std::string quoted(const fs::path& path) {
-  return "\"" + path.string() + "\"";
-}
-
 /// Why no copy can be made of this record; empty when one can.
 std::string faultOf(const fs::path& folder, const RecordReport& report) {
   const auto broken = std::ranges::find(report.findings, false, &RecordFinding::holds);
   if (broken != report.findings.end()) {
-    return "The record " + quoted(folder) +
+    return "The record " + inQuotes(folder) +
            " does not hold, so no copy is made: " + broken->sentence;
   }
-  if (!report.result.is_object()) return quoted(folder) + " holds no result of a run.";
+  if (!report.result.is_object()) return inQuotes(folder) + " holds no result of a run.";
   if (report.result.contains("redaction")) {
-    return quoted(folder) + " is a redacted copy already: name the record that it was made of.";
+    return inQuotes(folder) + " is a redacted copy already: name the record that it was made of.";
   }
   if (report.result.contains("kept")) {
-    return "The files of " + quoted(folder) + " were removed on purpose: there is nothing to copy.";
+    return "The files of " + inQuotes(folder) +
+           " were removed on purpose: there is nothing to copy.";
   }
-  if (!filmIn(folder)) return quoted(folder) + " holds no film.";
+  if (!filmIn(folder)) return inQuotes(folder) + " holds no film.";
   return {};
 }
 
@@ -117,7 +115,7 @@ class RecordRedactor {
     fs::copy_file(wishes_.folder / EventLog::kFileName, wishes_.output / EventLog::kFileName,
                   error);
     if (!error) return {};
-    return failure("The events could not be copied to " + quoted(wishes_.output) + ": " +
+    return failure("The events could not be copied to " + inQuotes(wishes_.output) + ": " +
                    error.message() + ".");
   }
 
@@ -182,11 +180,9 @@ class RecordRedactor {
   RedactedPictures pictures_;
 };
 
-Expected<void> checkDisclosures(const fs::path& file) {
-  std::error_code error;
-  if (!fs::exists(file, error)) return {};
-  return failure("There is a file " + quoted(file) +
-                 " already: name a new one with --disclosures.");
+Expected<void> checkPlaces(const RecordRedaction& wishes) {
+  if (const auto outside = checkOutside(wishes.folder, wishes.output); !outside) return outside;
+  return checkNewFile(wishes.folder, wishes.disclosures, "--disclosures");
 }
 
 }  // namespace
@@ -196,7 +192,7 @@ tl::expected<RedactedPictures, Refusal> redactRecord(const RecordRedaction& wish
   const auto report = checkRecord(wishes.folder, wishes.keys, wishes.authorities);
   if (!report) return refuse(report.error());
   if (const auto fault = faultOf(wishes.folder, *report); !fault.empty()) return refuse({fault});
-  if (const auto free = checkDisclosures(wishes.disclosures); !free) return refuse(free.error());
+  if (const auto free = checkPlaces(wishes); !free) return refuse(free.error());
   auto heads = engine::HeadFinder::load(resources.faceDetector(), resources.textReader().boxes);
   if (!heads) return tl::unexpected(Refusal{ExitCode::machineLacks, heads.error().sentence});
   if (const auto made = makeEmptyFolder(wishes.output); !made) return refuse(made.error());

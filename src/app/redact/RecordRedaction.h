@@ -5,12 +5,12 @@
 
 #include <tl/expected.hpp>
 
+#include "app/keys/Keys.h"
+#include "app/keys/TrustedKeys.h"
 #include "app/redact/FilmRedaction.h"
 #include "app/run/ExitCode.h"
 #include "app/run/Resources.h"
-#include "app/seal/Keys.h"
-#include "app/seal/TimeStamp.h"
-#include "app/seal/TrustedKeys.h"
+#include "app/stamp/TimeStamp.h"
 
 namespace corvana::app {
 

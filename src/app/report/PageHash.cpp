@@ -2,7 +2,7 @@
 
 #include <openssl/evp.h>
 
-#include "app/seal/Sha256.h"
+#include "app/keys/Sha256.h"
 
 namespace corvana::app {
 

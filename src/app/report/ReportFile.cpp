@@ -13,13 +13,6 @@ constexpr std::string_view kPlain =
 
 }  // namespace
 
-platform::Expected<void> checkNewReport(const fs::path& file) {
-  std::error_code error;
-  if (!fs::exists(file, error)) return {};
-  return platform::failure("There is a file \"" + file.string() +
-                           "\" already: name a new one, so that nothing is overwritten.");
-}
-
 std::string addressOf(const fs::path& file, const fs::path& page) {
   const fs::path from = fs::absolute(page).lexically_normal().parent_path();
   const std::string path = fs::absolute(file).lexically_normal().lexically_relative(from).string();

@@ -3,15 +3,10 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/foundation/Fault.h"
-
 namespace corvana::app {
 
 /// The page in a run's own folder. It is made afterwards, so nothing binds it.
 inline constexpr const char* kReportFileName = "report.html";
-
-/// Refuses to replace a file.
-platform::Expected<void> checkNewReport(const std::filesystem::path& file);
 
 /// How a page at `page` names the file, from where it lies, with each letter of an address that
 /// could mean something else written out.

@@ -51,8 +51,8 @@ platform::Expected<ReportWords> ReportWords::load(const fs::path& folder,
     std::string known;
     for (const std::string& code : codes)
       known += (known.empty() ? "" : ", ") + code;
-    return platform::failure("There is no report in the language \"" + language +
-                             "\"; choose from " + known + ".");
+    return platform::failure("There is no report in the language " + inQuotes(language) +
+                             "; choose from " + known + ".");
   }
   const fs::path file = folder / (language + ".json");
   const auto text = readFile(file, kMostWordsBytes);

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/record/Files.h"
 #include "devices/live/DeviceCatalog.h"
 #include "devices/live/LiveFile.h"
 #include "devices/recorded/MediaFile.h"
@@ -28,8 +29,8 @@ bool isFile(const std::string& path) {
 
 /// Why a virtual device may not be used.
 tl::unexpected<platform::Fault> refusal(const std::string& name) {
-  return platform::failure("\"" + name +
-                           "\" is a virtual device, so its film proves nothing; give "
+  return platform::failure(inQuotes(name) +
+                           " is a virtual device, so its film proves nothing; give "
                            "--allow-virtual-camera if you only want to try.");
 }
 
@@ -42,8 +43,8 @@ Expected<DeviceInfo> chooseCamera(const std::string& id) {
         "with --camera FILE.");
   }
   if (const DeviceInfo* found = devices::findDevice(cameras, id)) return *found;
-  return platform::failure("There is no camera and no file \"" + id +
-                           "\"; `videoid devices` lists the cameras.");
+  return platform::failure("There is no camera and no file " + inQuotes(id) +
+                           "; `videoid devices` lists the cameras.");
 }
 
 Expected<std::optional<LiveSource>> chooseMicrophone(const CameraChoice& choice) {
@@ -54,8 +55,8 @@ Expected<std::optional<LiveSource>> chooseMicrophone(const CameraChoice& choice)
                                 : devices::findDevice(microphones, choice.microphone);
   if (!found && any) return std::nullopt;
   if (!found) {
-    return platform::failure("There is no microphone \"" + choice.microphone +
-                             "\"; `videoid devices` lists them, and none makes a silent film.");
+    return platform::failure("There is no microphone " + inQuotes(choice.microphone) +
+                             "; `videoid devices` lists them, and none makes a silent film.");
   }
   if (found->isVirtual && !choice.allowVirtual) return refusal(found->name);
   return devices::microphoneSource(*found);

@@ -3,8 +3,8 @@
 #include <iostream>
 #include <utility>
 
+#include "app/keys/Sha256.h"
 #include "app/run/CountedFilms.h"
-#include "app/seal/Sha256.h"
 #include "capture/ControllerFactories.h"
 #include "devices/system/SystemRandom.h"
 #include "engine/speech/PocketSphinxRecognizer.h"

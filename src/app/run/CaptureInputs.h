@@ -6,9 +6,9 @@
 #include <string>
 
 #include "app/card/Reference.h"
+#include "app/keys/Keys.h"
 #include "app/record/Files.h"
 #include "app/run/CaptureArguments.h"
-#include "app/seal/Keys.h"
 
 namespace corvana::app {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/seal/Sha256.h"
+#include "app/keys/Sha256.h"
 #include "platform/foundation/Time.h"
 
 namespace corvana::app {

@@ -5,6 +5,8 @@
 #include <optional>
 #include <utility>
 
+#include "app/keys/Jws.h"
+#include "app/keys/Sha256.h"
 #include "app/privacy/Consent.h"
 #include "app/privacy/RunTerms.h"
 #include "app/record/EventLog.h"
@@ -13,11 +15,9 @@
 #include "app/record/RecordFiles.h"
 #include "app/report/ReportFile.h"
 #include "app/seal/FilmComparison.h"
-#include "app/seal/Jws.h"
 #include "app/seal/SealLog.h"
 #include "app/seal/SealReading.h"
-#include "app/seal/Sha256.h"
-#include "app/seal/Stamps.h"
+#include "app/stamp/Stamps.h"
 
 namespace corvana::app {
 namespace {
@@ -34,10 +34,6 @@ std::string inSeconds(double seconds) {
   char text[32];
   std::snprintf(text, sizeof text, "%.1f s", seconds);
   return text;
-}
-
-std::string quoted(const std::string& name) {
-  return "\"" + name + "\"";
 }
 
 /// One check of one folder. Methods add to the report.
@@ -175,7 +171,7 @@ class RecordChecker {
   void checkFiles() {
     const json sums = result_.value("sha256", json());
     if (!sums.is_object() || sums.empty()) {
-      return fail(kResultFileName, quoted((folder_ / kResultFileName).string()) +
+      return fail(kResultFileName, inQuotes(folder_ / kResultFileName) +
                                        " names no hashes; it is not a run's result.");
     }
     for (const auto& [name, sum] : sums.items())
@@ -184,8 +180,8 @@ class RecordChecker {
 
   void checkFile(const std::string& name, const json& sum) {
     if (fs::path(name).filename() != name) {
-      return fail(kResultFileName, quoted((folder_ / kResultFileName).string()) +
-                                       " names a file outside its folder.");
+      return fail(kResultFileName,
+                  inQuotes(folder_ / kResultFileName) + " names a file outside its folder.");
     }
     known_.push_back(name);
     if (result_.value("kept", json()) == kKeptHashes && !isThere(name)) {
@@ -195,7 +191,7 @@ class RecordChecker {
     if (!actual) return fail(name, actual.error().sentence);
     if (sum.is_string() && sum.get<std::string>() == *actual) return add(name, "unchanged");
     fail(name,
-         quoted(name) + " is not the file that the run left: its SHA-256 is " + *actual + ".");
+         inQuotes(name) + " is not the file that the run left: its SHA-256 is " + *actual + ".");
   }
 
   /// The lines that hold; absent when the file can't be read at all.
@@ -253,17 +249,18 @@ class RecordChecker {
     known_.push_back(name);
     // Films of runs that were retried are removed, unless the caller wants them.
     if (!isThere(name)) {
-      if (isLast) fail(name, "There is no film " + quoted(name) + ".");
+      if (isLast) fail(name, "There is no film " + inQuotes(name) + ".");
       return {};
     }
     const FilmComparison compared = compareFilm(folder_ / name, chain);
     const std::string whole = inSeconds(compared.wholeTo);
     if (compared.differs) {
-      fail(name, quoted(name) + " is not the film that was sealed: it is whole to " + whole + ".");
+      fail(name,
+           inQuotes(name) + " is not the film that was sealed: it is whole to " + whole + ".");
     } else if (compared.isLonger) {
-      fail(name, quoted(name) + " goes on after the end that was sealed, " + whole + ".");
+      fail(name, inQuotes(name) + " goes on after the end that was sealed, " + whole + ".");
     } else if (compared.isCut && chain.ended) {
-      fail(name, quoted(name) + " was cut: it is whole to " + whole + ".");
+      fail(name, inQuotes(name) + " was cut: it is whole to " + whole + ".");
     } else {
       add(name, "as it was sealed while it was recorded, to " + whole);
     }
@@ -284,7 +281,7 @@ class RecordChecker {
                                      (*last)["sha256"].get<std::string>()) {
       return add(name, "its first " + std::to_string(bytes) + " bytes are as they were sealed");
     }
-    fail(name, quoted(name) + " is not the file that was sealed.");
+    fail(name, inQuotes(name) + " is not the file that was sealed.");
   }
 
   /// It was there before the first picture.
@@ -308,7 +305,7 @@ class RecordChecker {
     }
     std::ranges::sort(strangers);
     for (const std::string& name : strangers) {
-      fail(name, quoted(name) + " is no part of the record: take it out of the folder.");
+      fail(name, inQuotes(name) + " is no part of the record: take it out of the folder.");
     }
   }
 
@@ -336,13 +333,12 @@ Expected<RecordReport> checkRecord(const fs::path& folder, const TrustedKeys* ke
     return RecordChecker(folder, keys, authorities).checkEnded();
   }
   if (error == std::errc::permission_denied) {
-    return failure("The folder \"" + folder.string() + "\" can't be read: check its rights.");
+    return failure("The folder " + inQuotes(folder) + " can't be read: check its rights.");
   }
   if (fs::is_regular_file(folder / SealLog::kFileName, error)) {
     return RecordChecker(folder, keys, authorities).checkUnended();
   }
-  return failure("\"" + folder.string() + "\" holds no " + kResultFileName +
-                 ". Name the folder of a run.");
+  return failure(inQuotes(folder) + " holds no " + kResultFileName + ". Name the folder of a run.");
 }
 
 }  // namespace corvana::app

@@ -7,8 +7,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/seal/TimeStamp.h"
-#include "app/seal/TrustedKeys.h"
+#include "app/keys/TrustedKeys.h"
+#include "app/stamp/TimeStamp.h"
 
 namespace corvana::app {
 

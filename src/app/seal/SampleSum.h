@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/seal/Sha256.h"
+#include "app/keys/Sha256.h"
 #include "devices/film/FilmWitness.h"
 
 namespace corvana::app {

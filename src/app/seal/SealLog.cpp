@@ -5,8 +5,9 @@
 #include <system_error>
 #include <utility>
 
-#include "app/seal/Jws.h"
-#include "app/seal/Sha256.h"
+#include "app/keys/Jws.h"
+#include "app/keys/Sha256.h"
+#include "app/record/Files.h"
 #include "devices/film/FilmFault.h"
 #include "devices/system/DiskSync.h"
 
@@ -53,7 +54,7 @@ void SealLog::fail(int error) {
   std::filesystem::resize_file(path_, bytes_, ignored);
   const platform::FaultCause cause = devices::fileFaultCause(error);
   const platform::Fault fault{
-      "The seal can't be written to \"" + path_.string() + "\" any more (" + std::strerror(error) +
+      "The seal can't be written to " + inQuotes(path_) + " any more (" + std::strerror(error) +
           "): " +
           (cause == platform::FaultCause::diskFull ? "free some space." : "check folder and disk."),
       cause};

@@ -10,7 +10,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/seal/Keys.h"
+#include "app/keys/Keys.h"
 #include "platform/foundation/RunLoop.h"
 
 namespace corvana::app {

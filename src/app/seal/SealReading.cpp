@@ -2,9 +2,9 @@
 
 #include <utility>
 
+#include "app/keys/Jws.h"
+#include "app/keys/Sha256.h"
 #include "app/record/Files.h"
-#include "app/seal/Jws.h"
-#include "app/seal/Sha256.h"
 
 namespace corvana::app {
 namespace {

@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/seal/TrustedKeys.h"
+#include "app/keys/TrustedKeys.h"
 
 namespace corvana::app {
 

@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "app/record/Files.h"
 #include "app/settings/ColorTable.h"
 #include "corvana/VideoCapture.h"
 #include "devices/pictures/ImageFile.h"
@@ -264,7 +265,7 @@ Expected<void> applyAppearance(const fs::path& file, WindowLooks& looks) {
   if (!content) return tl::unexpected(content.error());
   const auto object = parseJson(*content, file.string());
   if (!object) return tl::unexpected(object.error());
-  const std::string name = "\"" + file.string() + "\"";
+  const std::string name = inQuotes(file);
   if (!object->is_object()) {
     return platform::failure(name + " must hold a JSON object of keys and values.");
   }
@@ -272,12 +273,12 @@ Expected<void> applyAppearance(const fs::path& file, WindowLooks& looks) {
   for (const auto& [key, value] : object->items()) {
     const auto row = std::ranges::find(rows, key, &Row::key);
     if (row == rows.end()) {
-      return platform::failure(name + " has an unknown key \"" + key +
-                               "\"; docs/screen.md lists those that there are.");
+      return platform::failure(name + " has an unknown key " + inQuotes(key) +
+                               "; docs/screen.md lists those that there are.");
     }
     if (!row->set(value, file.parent_path())) {
-      return platform::failure("In " + name + " the key \"" + key + "\" must be " + row->wanted +
-                               ".");
+      return platform::failure("In " + name + " the key " + inQuotes(key) + " must be " +
+                               row->wanted + ".");
     }
   }
   return {};
@@ -292,7 +293,7 @@ Expected<void> applyLooks(const LooksWishes& wishes, const Resources& resources,
     std::error_code error;
     const bool isName = wishes.language.find('/') == std::string::npos;
     if (!isName || !fs::is_regular_file(files.back(), error)) {
-      return platform::failure("There is no language \"" + wishes.language + "\"; choose " +
+      return platform::failure("There is no language " + inQuotes(wishes.language) + "; choose " +
                                listed(languagesIn(resources)) + ", or give texts with --theme.");
     }
   }

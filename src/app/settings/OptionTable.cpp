@@ -8,6 +8,7 @@
 #include <string>
 #include <type_traits>
 
+#include "app/record/Files.h"
 #include "corvana/CameraWatch.h"
 #include "corvana/IDCapture.h"
 #include "corvana/SelfieCapture.h"
@@ -285,9 +286,10 @@ platform::Expected<void> applyOptions(const json& object) {
     const Row* option = find(key);
     std::string problem;
     if (!option) {
-      problem = "There is no option \"" + key + "\"; `videoid options --print` lists them all.";
+      problem =
+          "There is no option " + inQuotes(key) + "; `videoid options --print` lists them all.";
     } else if (!option->set(value)) {
-      problem = "The option \"" + key + "\" must be " + rangeOf(*option) + ", not " +
+      problem = "The option " + inQuotes(key) + " must be " + rangeOf(*option) + ", not " +
                 value.dump(-1, ' ', true, json::error_handler_t::replace) + ".";
     }
     if (problem.empty()) continue;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <sstream>
 
+#include "app/record/Files.h"
 #include "app/run/FlowScreen.h"
 #include "app/settings/OptionTable.h"
 #include "app/simulate/SimulateScript.h"
@@ -64,8 +65,8 @@ struct Gallery {
       if (screen.savePicture(file)) {
         out << file.string() << '\n';
       } else {
-        saved = platform::failure("The picture \"" + file.string() +
-                                  "\" can't be written; name another folder.");
+        saved = platform::failure("The picture " + inQuotes(file) +
+                                  " can't be written; name another folder.");
       }
     };
     if (auto played = simulation.run(); !played) return tl::unexpected(played.error());

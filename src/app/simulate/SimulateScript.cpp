@@ -342,8 +342,8 @@ platform::Expected<SimulateScript> loadSimulateScript(const fs::path& path) {
   try {
     return Loader(path.parent_path()).load(*json);
   } catch (const engine::JsonFault& fault) {
-    return platform::failure("\"" + path.string() +
-                             "\" is no script of a simulation: " + fault.sentence + ".");
+    return platform::failure(inQuotes(path) + " is no script of a simulation: " + fault.sentence +
+                             ".");
   }
 }
 

@@ -6,14 +6,14 @@
 #include <utility>
 
 #include "engine/document/BarcodeReader.h"
-#include "engine/document/CardChoice.h"
-#include "engine/document/CardWarp.h"
-#include "engine/document/SecondOpinion.h"
-#include "engine/document/StillCards.h"
-#include "engine/document/TextLines.h"
 #include "engine/document/copies/CopyFigures.h"
 #include "engine/document/fields/DocumentFields.h"
 #include "engine/document/mrz/MrzPrint.h"
+#include "engine/document/outline/CardChoice.h"
+#include "engine/document/outline/CardWarp.h"
+#include "engine/document/outline/StillCards.h"
+#include "engine/document/text/SecondOpinion.h"
+#include "engine/document/text/TextLines.h"
 #include "engine/vision/FaceCrop.h"
 #include "engine/vision/ImageOps.h"
 

@@ -6,18 +6,18 @@
 #include <vector>
 
 #include "corvana/DetectedData.h"
-#include "engine/document/CardFinder.h"
-#include "engine/document/CardLook.h"
 #include "engine/document/CardTurn.h"
 #include "engine/document/DocumentClassifier.h"
-#include "engine/document/TesseractReader.h"
-#include "engine/document/TextReader.h"
 #include "engine/document/fields/CalendarDates.h"
 #include "engine/document/guidance/CardQuality.h"
 #include "engine/document/kinds/DocumentTables.h"
 #include "engine/document/mrz/MrzReader.h"
 #include "engine/document/mrz/MrzVotes.h"
+#include "engine/document/outline/CardFinder.h"
+#include "engine/document/outline/CardLook.h"
 #include "engine/document/text/NetworkTextReader.h"
+#include "engine/document/text/TesseractReader.h"
+#include "engine/document/text/TextReader.h"
 #include "engine/vision/FaceDetector.h"
 #include "platform/foundation/Fault.h"
 

@@ -12,24 +12,26 @@ using platform::Expected;
 
 constexpr int kDeepestJson = 64;
 
-std::string quoted(const fs::path& path) {
-  return "\"" + path.string() + "\"";
-}
-
 }  // namespace
+
+std::string inQuotes(const std::string& name) {
+  return nlohmann::json(name).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
 
 Expected<std::string> readFile(const fs::path& path, std::uint64_t maxBytes) {
   std::error_code error;
-  if (!fs::exists(path, error)) return platform::failure("There is no file " + quoted(path) + ".");
-  if (!fs::is_regular_file(path, error)) return platform::failure(quoted(path) + " is not a file.");
+  if (!fs::exists(path, error))
+    return platform::failure("There is no file " + inQuotes(path) + ".");
+  if (!fs::is_regular_file(path, error))
+    return platform::failure(inQuotes(path) + " is not a file.");
   if (fs::file_size(path, error) > maxBytes) {
-    return platform::failure("The file " + quoted(path) + " is larger than " +
+    return platform::failure("The file " + inQuotes(path) + " is larger than " +
                              std::to_string(maxBytes) + " bytes; give a smaller one.");
   }
   std::ifstream file(path, std::ios::binary);
   std::ostringstream content;
   content << file.rdbuf();
-  if (!file) return platform::failure("The file " + quoted(path) + " could not be read.");
+  if (!file) return platform::failure("The file " + inQuotes(path) + " could not be read.");
   return content.str();
 }
 
@@ -42,13 +44,13 @@ Expected<nlohmann::json> parseJson(const std::string& text, const std::string& n
   try {
     auto value = nlohmann::json::parse(text, callback);
     if (tooDeep)
-      return platform::failure("\"" + name + "\" is nested deeper than any file of this program.");
+      return platform::failure(inQuotes(name) + " is nested deeper than any file of this program.");
     return value;
   } catch (const nlohmann::json::parse_error& error) {
-    return platform::failure("\"" + name + "\" is not valid JSON: the fault is at byte " +
+    return platform::failure(inQuotes(name) + " is not valid JSON: the fault is at byte " +
                              std::to_string(error.byte) + ".");
   } catch (const nlohmann::json::exception&) {
-    return platform::failure("\"" + name + "\" holds a number that is too large.");
+    return platform::failure(inQuotes(name) + " holds a number that is too large.");
   }
 }
 

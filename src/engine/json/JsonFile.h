@@ -11,6 +11,9 @@
 /// Files that people write, of any bytes.
 namespace corvana::engine {
 
+/// A name or path as a sentence can have it: in quotes and on one line, whatever its bytes.
+std::string inQuotes(const std::string& name);
+
 /// Refuses folders, missing files and files of more than `maxBytes`.
 platform::Expected<std::string> readFile(const std::filesystem::path& path, std::uint64_t maxBytes);
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "corvana/SelfieCapture.h"
-#include "engine/document/CardWarp.h"
+#include "engine/document/outline/CardWarp.h"
 #include "engine/selfie/MouthLook.h"
 #include "engine/vision/ImageOps.h"
 #include "platform/foundation/Fault.h"

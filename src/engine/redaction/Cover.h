@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "engine/document/Quad.h"
+#include "engine/document/outline/Quad.h"
 #include "platform/geometry/Geometry.h"
 #include "platform/media/PixelBuffer.h"
 

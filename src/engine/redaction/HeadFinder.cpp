@@ -6,7 +6,7 @@
 
 #include <opencv2/core.hpp>
 
-#include "engine/document/CardFinder.h"
+#include "engine/document/outline/CardFinder.h"
 #include "engine/redaction/Cover.h"
 #include "engine/vision/ImageOps.h"
 #include "engine/vision/MatViews.h"

@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "engine/document/Quad.h"
+#include "engine/document/outline/Quad.h"
 #include "engine/document/text/TextBoxes.h"
 #include "engine/vision/FaceDetector.h"
 #include "engine/vision/LiveFaceTracker.h"

@@ -114,6 +114,8 @@ TEST_F(PrivacyTest, HandsARunOnToItsRecipientAlone) {
 
   const std::pair<Arguments, std::string> refused[] = {
       {{"export", sealed, "--to", recipient, "--output", archive}, "There is a file"},
+      {{"export", sealed, "--to", recipient, "--output", sealed / "x.age"},
+       "lies within"},
       {{"export", sealed, "--to", "age1nobody", "--output", scratch / "x"}, "could not be made"},
       {{"export", sealed, "--to", "--help", "--output", scratch / "x"}, "recipient"},
       {{"export", scratch.path(), "--to", recipient}, "Name the folder of a run"},

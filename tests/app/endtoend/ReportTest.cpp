@@ -60,6 +60,7 @@ TEST(Report, RefusesInOneSentenceWhatItCannotDo) {
       {{"report", scratch.path()}, "Name the folder of a run"},
       {{"report", run, "--language", "tlh"}, "choose from ar, de, en, es, fr"},
       {{"report", run, "--output", scratch / "there.html"}, "so that nothing is overwritten"},
+      {{"report", run, "--output", run / "page.html"}, "lies within the record"},
       {{"report", run, "--output", scratch / "no/page.html"}, "could not be written"},
       {{"report", run, "--key", scratch / "no.pem"}, "no.pem"},
   };

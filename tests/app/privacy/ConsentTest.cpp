@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "app/keys/Sha256.h"
 #include "app/privacy/Consent.h"
 #include "app/privacy/RunTerms.h"
-#include "app/seal/Sha256.h"
 #include "support/Scratch.h"
 
 namespace corvana::tests {

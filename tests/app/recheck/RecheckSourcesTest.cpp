@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
+#include "app/keys/Sha256.h"
 #include "app/recheck/RecheckSources.h"
 #include "app/record/Files.h"
-#include "app/seal/Sha256.h"
 #include "support/Scratch.h"
 
 namespace corvana::tests {

@@ -7,8 +7,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/keys/Jws.h"
 #include "app/record/Files.h"
-#include "app/seal/Jws.h"
 #include "support/Scratch.h"
 
 namespace corvana::tests {

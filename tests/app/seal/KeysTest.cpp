@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "app/seal/Base64Url.h"
-#include "app/seal/Jws.h"
-#include "app/seal/TrustedKeys.h"
+#include "app/keys/Base64Url.h"
+#include "app/keys/Jws.h"
+#include "app/keys/TrustedKeys.h"
 #include "support/Scratch.h"
 
 namespace corvana::tests {

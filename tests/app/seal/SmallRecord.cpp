@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "app/keys/Sha256.h"
 #include "app/record/EventLog.h"
 #include "app/record/RunRecord.h"
 #include "app/seal/RunSeal.h"
-#include "app/seal/Sha256.h"
 #include "devices/MediaTestSupport.h"
 
 namespace corvana::tests {

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "app/seal/Keys.h"
+#include "app/keys/Keys.h"
 
 namespace corvana::tests {
 

@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 
 #include "TestCards.h"
-#include "engine/document/CardFinder.h"
-#include "engine/document/CardLook.h"
-#include "engine/document/CardWarp.h"
+#include "engine/document/outline/CardFinder.h"
+#include "engine/document/outline/CardLook.h"
+#include "engine/document/outline/CardWarp.h"
 
 namespace corvana::tests {
 namespace {

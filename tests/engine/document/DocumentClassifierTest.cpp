@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/document/DocumentClassifier.h"
-#include "engine/document/TextLines.h"
+#include "engine/document/text/TextLines.h"
 #include "support/Scratch.h"
 
 namespace corvana::tests {

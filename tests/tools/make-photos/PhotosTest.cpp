@@ -69,8 +69,15 @@ TEST(Photos, OfNothingAreRefusedWithASentence) {
   EXPECT_NE(complaint([](auto& wanted) { wanted.designs = {"seaside"}; }).find("seaside"),
             std::string::npos);
   // What is set aside has to be asked for twice.
-  EXPECT_NE(complaint([](auto& wanted) { wanted.designs = {"cormorant"}; }).find("cormorant"),
-            std::string::npos);
+  fs::copy(PHOTO_DATA, scratch / "data", fs::copy_options::recursive);
+  auto aside = nlohmann::json::parse(bytesOf(scratch / "data/designs/linden.json"));
+  aside["unseen"] = true;
+  writeBytes(scratch / "data/designs/linden.json", aside.dump());
+  const auto askForIt = [&](auto& wanted) {
+    wanted.data = scratch / "data";
+    wanted.designs = {"linden"};
+  };
+  EXPECT_NE(complaint(askForIt).find("linden"), std::string::npos);
   EXPECT_NE(complaint([](auto& wanted) { wanted.grounds = {"water"}; }).find("water"),
             std::string::npos);
   EXPECT_NE(complaint([&](auto& wanted) { wanted.portraits = scratch.path(); }).find("--portraits"),

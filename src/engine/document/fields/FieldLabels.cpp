@@ -9,6 +9,7 @@
 #include "engine/document/fields/Transliteration.h"
 #include "engine/document/kinds/DataFolder.h"
 #include "engine/document/kinds/LabelFile.h"
+#include "engine/json/JsonFile.h"
 #include "engine/json/JsonObject.h"
 
 namespace corvana::engine {
@@ -243,9 +244,9 @@ std::optional<LabelledText> labelsBetweenStrokes(const Labels& labels, const std
 
 tl::unexpected<platform::Fault> differs(const FieldLabel& label, const std::filesystem::path& file,
                                         const std::filesystem::path& other) {
-  return platform::failure("The label " + JsonObject::quoted(label.text) + " in \"" +
-                           file.string() + "\" stands for another field in \"" + other.string() +
-                           "\"; leave it out of one of them.");
+  return platform::failure("The label " + JsonObject::quoted(label.text) + " in " + inQuotes(file) +
+                           " stands for another field in " + inQuotes(other) +
+                           "; leave it out of one of them.");
 }
 
 }  // namespace
@@ -275,6 +276,10 @@ platform::Expected<FieldLabels> FieldLabels::load(
     }
   }
   return result;
+}
+
+bool FieldLabels::isLabel(const std::string& text) const {
+  return labels_.contains(lettersOf(text));
 }
 
 std::optional<LabelledText> FieldLabels::labelledText(const std::string& line) const {

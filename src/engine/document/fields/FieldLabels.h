@@ -35,6 +35,8 @@ class FieldLabels {
   /// The labels at the line's beginning, in one language or several ("Name/Surname/Nom"), with or
   /// without a licence's number before them. Absent where the line begins with none.
   std::optional<LabelledText> labelledText(const std::string& line) const;
+  /// Whether the text is a label, to the letter.
+  bool isLabel(const std::string& text) const;
 
   /// How many labels there are in each language, by its code.
   const std::map<std::string, std::size_t>& languages() const { return languages_; }

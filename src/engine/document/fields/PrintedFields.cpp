@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 
+#include "engine/document/fields/PartedLines.h"
 #include "engine/document/fields/PlacedFields.h"
 #include "engine/document/fields/ValueReader.h"
 
@@ -203,8 +204,9 @@ std::vector<DocumentField> printedFields(const std::vector<TextLine>& lines,
                                          const std::vector<PlacedField>& places) {
   const bool isAmerican = isNorthAmerican(lines);
   const ValueReader read(today, isAmerican);
-  auto fields = Assembly(labelledLines(lines, labels), read, isAmerican).fields();
-  for (DocumentField& placed : placedFields(lines, places, labels, read)) {
+  const std::vector<TextLine> parted = partedLines(lines, labels, read);
+  auto fields = Assembly(labelledLines(parted, labels), read, isAmerican).fields();
+  for (DocumentField& placed : placedFields(parted, places, labels, read)) {
     const auto named = std::ranges::find(fields, placed.name, &DocumentField::name);
     if (named == fields.end()) fields.push_back(std::move(placed));
   }

@@ -3,10 +3,10 @@
 #include <vector>
 
 #include "corvana/DocumentField.h"
-#include "engine/document/TextReader.h"
 #include "engine/document/fields/CalendarDates.h"
 #include "engine/document/fields/FieldLabels.h"
 #include "engine/document/kinds/DocumentKind.h"
+#include "engine/document/text/TextReader.h"
 
 namespace corvana::engine {
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <system_error>
 
+#include "engine/json/JsonFile.h"
+
 namespace corvana::engine {
 
 namespace fs = std::filesystem;
@@ -16,13 +18,13 @@ platform::Expected<std::vector<fs::path>> dataFilesIn(const fs::path& folderOrFi
        entry.increment(error)) {
     if (entry->path().extension() == ".json") files.push_back(entry->path());
     if (files.size() > kMostFiles) {
-      return platform::failure("\"" + folderOrFile.string() +
-                               "\" holds more than 1000 files of data; name another folder.");
+      return platform::failure(inQuotes(folderOrFile) +
+                               " holds more than 1000 files of data; name another folder.");
     }
   }
   if (error) {
-    return platform::failure("There is no folder \"" + folderOrFile.string() +
-                             "\" that could be read: " + error.message() + ".");
+    return platform::failure("There is no folder " + inQuotes(folderOrFile) +
+                             " that could be read: " + error.message() + ".");
   }
   std::ranges::sort(files);
   return files;

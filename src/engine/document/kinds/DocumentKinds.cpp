@@ -6,6 +6,7 @@
 
 #include "engine/document/kinds/DataFolder.h"
 #include "engine/document/kinds/KindFile.h"
+#include "engine/json/JsonFile.h"
 #include "engine/json/JsonObject.h"
 
 namespace corvana::engine {
@@ -15,14 +16,10 @@ namespace fs = std::filesystem;
 using platform::Expected;
 using ByStem = std::map<std::string, DocumentKind>;
 
-std::string quoted(const fs::path& path) {
-  return "\"" + path.string() + "\"";
-}
-
 tl::unexpected<platform::Fault> clash(const DocumentKind& kind, const DocumentKind& other,
                                       const std::string& what) {
-  return platform::failure("The kind of document in " + quoted(kind.file) + " " + what + " " +
-                           quoted(other.file) + "; change one of them.");
+  return platform::failure("The kind of document in " + inQuotes(kind.file) + " " + what + " " +
+                           inQuotes(other.file) + "; change one of them.");
 }
 
 Expected<void> readFolder(const fs::path& folder, ByStem& kinds) {
@@ -91,7 +88,7 @@ Expected<DocumentKinds> DocumentKinds::load(const std::vector<fs::path>& folders
   }
   if (std::ranges::none_of(kinds.kinds_, &DocumentKind::isRemainder)) {
     return platform::failure("No kind of document in " +
-                             (folders.empty() ? "no folder" : quoted(folders.back())) +
+                             (folders.empty() ? "no folder" : inQuotes(folders.back())) +
                              " has isRemainder, so that a document that names itself by nothing "
                              "would have no type; give it to one.");
   }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "engine/document/kinds/DataFolder.h"
+#include "engine/json/JsonFile.h"
 
 namespace corvana::engine {
 namespace {
@@ -31,8 +32,8 @@ platform::Expected<void> find(const fs::path& place, Sources& sources) {
   if (hasLabels) sources.labels.push_back(place / kLabels);
   if (!files->empty()) sources.kinds.push_back(place);
   if (!files->empty() || hasLabels) return {};
-  return platform::failure("\"" + place.string() +
-                           "\" holds no kind of document, which is a file that ends in .json, and "
+  return platform::failure(inQuotes(place) +
+                           " holds no kind of document, which is a file that ends in .json, and "
                            "no folder of labels; name another folder.");
 }
 

@@ -249,8 +249,7 @@ platform::Expected<DocumentKind> readKindFile(const std::filesystem::path& path)
     kind.file = path;
     return kind;
   } catch (const JsonFault& fault) {
-    return platform::failure("\"" + path.string() + "\" is no kind of document: " + fault.sentence +
-                             ".");
+    return platform::failure(inQuotes(path) + " is no kind of document: " + fault.sentence + ".");
   }
 }
 

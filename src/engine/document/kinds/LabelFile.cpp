@@ -64,8 +64,7 @@ platform::Expected<LabelTable> readLabelFile(const std::filesystem::path& path) 
     table.file = path;
     return table;
   } catch (const JsonFault& fault) {
-    return platform::failure("\"" + path.string() + "\" is no table of labels: " + fault.sentence +
-                             ".");
+    return platform::failure(inQuotes(path) + " is no table of labels: " + fault.sentence + ".");
   }
 }
 

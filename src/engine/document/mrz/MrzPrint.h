@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include "engine/document/TextReader.h"
 #include "engine/document/mrz/MrzReader.h"
 #include "engine/document/mrz/MrzVotes.h"
+#include "engine/document/text/TextReader.h"
 
 namespace corvana::engine {
 

@@ -2,7 +2,7 @@
 
 #include <opencv2/core.hpp>
 
-#include "engine/document/TextReader.h"
+#include "engine/document/text/TextReader.h"
 
 namespace corvana::engine {
 

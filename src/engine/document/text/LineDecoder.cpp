@@ -27,6 +27,22 @@ bool isLetterWithMark(const std::string& letter) {
   return c > kLastOfAscii && u_isalpha(c) != 0;
 }
 
+/// Puts letters together to words.
+class Words {
+ public:
+  void add(const std::string& letter, std::size_t answer) {
+    const bool isBlank = letter == " ";
+    if (!isBlank && isAfterBlank_) found_.emplace_back(answer, answer);
+    if (!isBlank) found_.back().second = answer;
+    isAfterBlank_ = isBlank;
+  }
+  std::vector<std::pair<std::size_t, std::size_t>> found() && { return std::move(found_); }
+
+ private:
+  std::vector<std::pair<std::size_t, std::size_t>> found_;
+  bool isAfterBlank_ = true;
+};
+
 }  // namespace
 
 LineDecoder::LineDecoder(std::vector<std::string> letters) : letters_(std::move(letters)) {
@@ -88,23 +104,29 @@ LineReading LineDecoder::read(std::span<const float> answers) const {
 
   LineReading reading;
   std::vector<float> shares;
+  Words words;
+  const auto append = [&](std::size_t index, std::size_t at) {
+    reading.text += letters_[index - 1];
+    words.add(letters_[index - 1], at);
+  };
   float hidden = 1;
   for (std::size_t i = 0; i < count; ++i) {
     const std::size_t before = i == 0 ? 0 : path[i - 1].index;
     if (path[i].index != 0 && path[i].index != before) {
       // Connectionist temporal classification: what is repeated without a pause stands once.
       const Letter letter = rareInPlaceOf(path[i], answer(i));
-      reading.text += letters_[letter.index - 1];
+      append(letter.index, i);
       shares.push_back(letter.share);
     }
     const bool isLonely = i > 0 && i + 1 < count && before == 0 && path[i + 1].index == 0;
     if (path[i].index == 0 && isLonely && hidesALetter(answer(i))) {
       const Letter letter = likeliest(answer(i), false);
-      reading.text += letters_[letter.index - 1];
+      append(letter.index, i);
       hidden = std::min(hidden, letter.share);
     }
   }
   if (shares.empty()) return {};
+  reading.words = std::move(words).found();
   for (const float share : shares)
     reading.confidence += share / static_cast<double>(shares.size());
   reading.leastConfident = std::min(hidden, *std::ranges::min_element(shares));

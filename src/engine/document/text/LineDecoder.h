@@ -4,6 +4,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace corvana::engine {
@@ -13,6 +14,8 @@ struct LineReading {
   std::string text;           ///< UTF-8
   double confidence = 0;      ///< mean of the letters', 0 to 1
   double leastConfident = 0;  ///< the least of the letters', 0 to 1
+  /// The answers at which the first and the last letter of each word between blanks stand.
+  std::vector<std::pair<std::size_t, std::size_t>> words{};
 };
 
 /// Makes a text of what the network answers along a line. Pure.

@@ -14,8 +14,6 @@ namespace {
 /// The network sees lines in steps of this many pixels, and none narrower than three of them.
 constexpr int kWidthStep = 32;
 constexpr int kLeastWidth = 3 * kWidthStep;
-/// Pixels for one answer.
-constexpr int kStride = 8;
 /// So many widths are kept: fitting the network to one costs half as much as reading a line.
 constexpr std::size_t kNetworks = 4;
 
@@ -41,7 +39,7 @@ platform::Expected<LineRecognizer> LineRecognizer::load(const std::filesystem::p
                              " is missing: install the program's models again.");
   }
   LineDecoder decoder(std::move(letters));
-  const std::size_t values = decoder.classes() * kLeastWidth / kStride;
+  const std::size_t values = decoder.classes() * kLeastWidth / kPixelsPerAnswer;
   std::vector<Fitted> networks;
   while (networks.size() < kNetworks) {
     auto network = TfliteModel::load(model, {{1, kLineHeight, kLeastWidth, 3}, {values}, true},
@@ -68,7 +66,7 @@ LineReading LineRecognizer::read(const cv::Mat& line) {
   TfliteModel& network = networkFor(width);
   fillInput(network, line, {width, kLineHeight});
   network.run();
-  const auto answers = static_cast<std::size_t>(width / kStride);
+  const auto answers = static_cast<std::size_t>(width / kPixelsPerAnswer);
   return decoder_.read(network.output(0).subspan(0, answers * decoder_.classes()));
 }
 

@@ -22,6 +22,9 @@ class LineRecognizer {
   /// like width in a row are quicker: the network is fitted to each width.
   LineReading read(const cv::Mat& line);
 
+  /// How far apart the answers stand along the line.
+  static constexpr int kPixelsPerAnswer = 8;
+
  private:
   /// A network fitted to lines of one width.
   struct Fitted {

@@ -5,9 +5,9 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "engine/document/TextLines.h"
 #include "engine/document/text/LetterRepair.h"
 #include "engine/document/text/LineCrop.h"
+#include "engine/document/text/TextLines.h"
 #include "engine/vision/MatViews.h"
 
 namespace corvana::engine {
@@ -28,6 +28,20 @@ TextLine lineIn(const cv::RotatedRect& box) {
   line.box = {x - width / 2, y - height / 2, width, height};
   line.tilt = box.angle;
   return line;
+}
+
+/// Where the words lie on the card that were read in the picture of a line.
+std::vector<WordReach> wordsOf(const LineReading& reading, const TextLine& line,
+                               const cv::Mat& picture) {
+  const double left = line.box.x - kHalo / 2;
+  const double scale = (line.box.width + kHalo) / picture.cols;
+  const auto place = [&](std::size_t answer) {
+    return left + scale * LineRecognizer::kPixelsPerAnswer * (double(answer) + 0.5);
+  };
+  std::vector<WordReach> words;
+  for (const auto& [first, last] : reading.words)
+    words.push_back({place(first), place(last)});
+  return words;
 }
 
 /// Pale print made black on a ground made white.
@@ -161,6 +175,7 @@ std::vector<TextLine> NetworkTextReader::readAgain(const platform::PixelBuffer& 
   for (auto& [picture, line] : lines) {
     const LineReading reading = recognizer_.read(picture);
     line.text = repairedLetters(trimmed(reading.text));
+    line.words = wordsOf(reading, line, picture);
     line.confidence = reading.confidence;
     line.leastConfidence = reading.leastConfident;
     if (!line.text.empty() && line.confidence >= kLeastConfidence) read.push_back(line);

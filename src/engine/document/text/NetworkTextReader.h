@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "engine/document/TextReader.h"
 #include "engine/document/text/LineRecognizer.h"
 #include "engine/document/text/LineTurn.h"
 #include "engine/document/text/TextBoxes.h"
+#include "engine/document/text/TextReader.h"
 #include "platform/foundation/Fault.h"
 
 namespace corvana::engine {

@@ -4,9 +4,9 @@
 #include <opencv2/imgproc.hpp>
 
 #include "TestCards.h"
-#include "engine/document/CardWarp.h"
 #include "engine/document/copies/CopyFigures.h"
 #include "engine/document/guidance/CardQuality.h"
+#include "engine/document/outline/CardWarp.h"
 #include "engine/vision/MatViews.h"
 
 namespace corvana::tests {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
@@ -18,7 +19,14 @@ const engine::CalendarDate kToday{std::chrono::year(2026), std::chrono::month(3)
 
 /// Print at a place of the card; letters are half as wide as high.
 TextLine at(double x, double y, const std::string& text, double height = 24) {
-  return {text, {x, y, 0.5 * height * double(text.size()), height}, 0.95};
+  TextLine line{text, {x, y, 0.5 * height * double(text.size()), height}, 0.95};
+  const auto middle = [&](std::size_t letter) { return x + 0.5 * height * (double(letter) + 0.5); };
+  for (std::size_t first = 0; first < text.size();) {
+    const std::size_t end = std::min(text.find(' ', first), text.size());
+    line.words.push_back({middle(first), middle(end - 1)});
+    first = end + 1;
+  }
+  return line;
 }
 
 struct Case {
@@ -69,6 +77,34 @@ const Case kCases[] = {
      {at(300, 100, "Isem / Name", 14), at(300, 118, "ĊETTA"), at(300, 40, "Kunjom / Surname", 14),
       at(300, 58, "BUĦAĠIAR")},
      {{FieldName::surname, "BUĦAĠIAR"}, {FieldName::givenNames, "ĊETTA"}}},
+    {"two labels in one line, above values of their own",
+     {at(300, 100, "Uimhir an cheada / Permit number As feidhm / Valid until", 14),
+      at(300, 122, "LY3755276"), at(531, 122, "22-12-2029")},
+     {{FieldName::documentNumber, "LY3755276"}, {FieldName::expiryDate, "2029-12-22"}}},
+    {"surname and given names side by side, labels and values each in one line",
+     {at(300, 100, "Nom / Surname Given names", 14), at(300, 120, "LAURENT Y GIL ÉLODIE ZOÉ", 14)},
+     {{FieldName::surname, "LAURENT Y GIL"}, {FieldName::givenNames, "ÉLODIE ZOÉ"}}},
+    {"print below two labels of which it can't be told whose value it is",
+     {at(300, 100, "Nom / Surname", 14), at(440, 100, "Given names", 14),
+      at(300, 122, "LAURENTELODIE ZOEGIL"), at(300, 180, "Sex Date of birth", 14),
+      at(300, 202, "F"), at(330, 202, "1 MAY 1931")},
+     {{FieldName::sex, "F"}, {FieldName::birthDate, "1931-05-01"}}},
+    {"labels and values in one line",
+     {at(300, 100, "Surname ERIKSSON Given names ANNA MARIA"),
+      at(300, 150, "Sex: F Nationality: UTOPIAN Date of birth: 12.08.1984")},
+     {{FieldName::surname, "ERIKSSON"},
+      {FieldName::givenNames, "ANNA MARIA"},
+      {FieldName::sex, "F"},
+      {FieldName::nationality, "UTOPIAN"},
+      {FieldName::birthDate, "1984-08-12"}}},
+    {"names that are labels too, and labels of one field in two languages without a stroke",
+     {at(300, 100, "Given names MAX BORN"), at(300, 150, "Date of birth Geburtsdatum", 14),
+      at(300, 170, "11.12.1932"), at(300, 220, "Document number Date of issue", 14),
+      at(300, 240, "D23145890"), at(420, 240, "15.04.2022")},
+     {{FieldName::givenNames, "MAX BORN"},
+      {FieldName::birthDate, "1932-12-11"},
+      {FieldName::documentNumber, "D23145890"},
+      {FieldName::issueDate, "2022-04-15"}}},
     {"one that is for the surname alone",
      {at(300, 40, "Name", 14), at(300, 58, "MEIER"), at(300, 100, "Vornamen", 14),
       at(300, 118, "UTE")},

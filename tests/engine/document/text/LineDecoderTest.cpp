@@ -34,6 +34,9 @@ TEST(LineDecoder, DropsPausesAndRepetitions) {
   EXPECT_NEAR(reading.confidence, (0.9 + 0.7 + 1) / 3, 1e-6);
   EXPECT_NEAR(reading.leastConfident, 0.7, 1e-6);
   EXPECT_EQ(read({{}, {}}).text, "");
+  const auto words = read({{}, {{"N", 1}}, {}, {{"U", 1}}, {{" ", 1}}, {{" ", 1}}, {{"G", 1}}});
+  EXPECT_EQ(words.text, "NU G");
+  EXPECT_EQ(words.words, (std::vector<std::pair<std::size_t, std::size_t>>{{1, 3}, {6, 6}}));
 }
 
 struct DoubtCase {

@@ -6,11 +6,11 @@
 
 #include "TestCards.h"
 #include "engine/document/CardTurn.h"
-#include "engine/document/CardWarp.h"
-#include "engine/document/SecondOpinion.h"
-#include "engine/document/TesseractReader.h"
+#include "engine/document/outline/CardWarp.h"
 #include "engine/document/text/LetterRepair.h"
 #include "engine/document/text/NetworkTextReader.h"
+#include "engine/document/text/SecondOpinion.h"
+#include "engine/document/text/TesseractReader.h"
 #include "engine/vision/MatViews.h"
 
 namespace corvana::tests {
@@ -47,6 +47,22 @@ TEST(NetworkTextReader, ReadsWhatAndWhereAndAgain) {
   double darkest = 255;
   cv::minMaxLoc(name, &darkest);
   EXPECT_LT(darkest, 100) << "the box holds the print";
+
+  const TextLine* label = lineWith(lines, "Date of expiry");
+  ASSERT_NE(label, nullptr);
+  ASSERT_EQ(label->words.size(),
+            static_cast<std::size_t>(std::ranges::count(label->text, ' ')) + 1);
+  double end = label->box.minX();
+  for (const engine::WordReach& word : label->words) {
+    EXPECT_GT(word.from, end);
+    const cv::Rect gap(cv::Point2d(end, label->box.minY()),
+                       cv::Point2d(word.from, label->box.maxY()));
+    double palest = 0;
+    cv::minMaxLoc(engine::grayMat(*card)(gap), nullptr, &palest);
+    EXPECT_GT(palest, 150) << "the ground between words";
+    end = word.to;
+  }
+  EXPECT_LT(end, label->box.maxX());
 
   EXPECT_NE(lineWith(reader.readAgain(*card, {*surname}), "OKONKWO"), nullptr);
   EXPECT_EQ(lineWith(reader.readAgain(*front(0), {*surname}), "OKONKWO"), nullptr)

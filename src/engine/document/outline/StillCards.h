@@ -1,0 +1,36 @@
+#pragma once
+
+#include <vector>
+
+#include "engine/document/outline/Quad.h"
+#include "engine/document/text/TextBoxes.h"
+#include "platform/foundation/Fault.h"
+#include "platform/media/PixelBuffer.h"
+
+namespace corvana::engine {
+
+/// A still, made smaller where it has more pixels than a reading needs, and its lines of print.
+struct StillPicture {
+  platform::PixelBufferRef picture;
+  std::vector<cv::RotatedRect> print;
+};
+
+StillPicture stillPicture(const platform::PixelBufferRef& picture, TextBoxes& print);
+
+/// Whether there is any print inside the outline, as far as the still shows it: true where the
+/// outline is so small a part of it that print in it may not have been seen.
+bool mayHavePrint(const StillPicture& still, const Quad& outline);
+
+/// How closely a still is searched. A card that is a small part of it, or lies on printed paper,
+/// may only be found by a fine search, in which wood and cloth have more edges than a card.
+enum class Search { coarse, fine };
+
+/// What to say of a picture without a card.
+platform::Fault noCardSeen();
+
+/// Where the card may lie in a photo or scan: outlines of its shape, or the whole picture where
+/// that has a card's shape; the likeliest first, at any turn, at least one. Error: there is
+/// neither, or all are less than 320 pixels wide.
+platform::Expected<std::vector<Quad>> cardsInStill(const StillPicture& still, Search search);
+
+}  // namespace corvana::engine
