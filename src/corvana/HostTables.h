@@ -2,6 +2,7 @@
 
 #include <tuple>
 
+#include "corvana/CameraWatch.h"
 #include "corvana/IDCapture.h"
 #include "corvana/SelfieCapture.h"
 #include "corvana/VideoCapture.h"
@@ -15,7 +16,7 @@ inline auto hostTables() {
                   SelfieCapture::fonts, SelfieCapture::images, SelfieCapture::layout,
                   IDCapture::options, IDCapture::strings, IDCapture::colors, IDCapture::fonts,
                   IDCapture::images, IDCapture::layout, VideoCapture::options,
-                  VideoCapture::strings);
+                  VideoCapture::strings, CameraWatch::options);
 }
 
 /// What the tables hold, by value.

@@ -17,10 +17,13 @@ constexpr double kBreathsPerSecond = 0.27;
 constexpr double kLeaving = 0.9;  ///< seconds from in view to out of view
 
 // What a person does who is asked for it.
-constexpr double kTaskTurn = 17.0;     ///< degrees
-constexpr double kTaskLift = 15.0;     ///< degrees
-constexpr double kTaskNearer = 0.28;   ///< share by which all is seen larger
-constexpr double kTaskRise = 0.35;     ///< seconds from rest to there
+constexpr double kTaskTurn = 17.0;    ///< degrees
+constexpr double kTaskLift = 15.0;    ///< degrees
+constexpr double kTaskNearer = 0.28;  ///< share by which all is seen larger
+constexpr double kTaskRise = 0.35;    ///< seconds from rest to there
+/// Nobody does a thing twice alike: between these shares of what stands above.
+constexpr double kLeastOfTask = 0.8;
+constexpr double kMostOfTask = 1.25;
 constexpr double kSecondBlink = 0.55;  ///< seconds after the first
 
 }  // namespace
@@ -44,6 +47,8 @@ PersonMotion::PersonMotion(const Script& script, double length, Random& random)
     next += random.uniform(2.2, 4.6);
   }
   for (const TaskScript& task : person_.tasks) {
+    performances_.push_back({random.uniform(kLeastOfTask, kMostOfTask),
+                             kTaskRise * random.uniform(kLeastOfTask, kMostOfTask)});
     if (task.what != "blinkTwice") continue;
     blinks_.insert(blinks_.end(), {task.at, task.at + kSecondBlink});
   }
@@ -66,8 +71,10 @@ double PersonMotion::away(double seconds) const {
 }
 
 void PersonMotion::doTasks(double seconds, PersonPose& pose) const {
-  for (const TaskScript& task : person_.tasks) {
-    const double share = pulse(seconds, task.at, task.at + task.seconds, kTaskRise);
+  for (std::size_t i = 0; i < person_.tasks.size(); ++i) {
+    const TaskScript& task = person_.tasks[i];
+    const auto& [strength, rise] = performances_[i];
+    const double share = strength * pulse(seconds, task.at, task.at + task.seconds, rise);
     if (task.what == "turnLeft") pose.yaw += kTaskTurn * share;
     if (task.what == "turnRight") pose.yaw -= kTaskTurn * share;
     if (task.what == "lookUp") pose.pitch -= kTaskLift * share;

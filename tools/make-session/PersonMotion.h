@@ -38,6 +38,12 @@ class PersonMotion {
   double away(double seconds) const;
   void doTasks(double seconds, PersonPose& pose) const;
 
+  /// How a task is done.
+  struct Performance {
+    double strength = 1;  ///< share of what is usual
+    double rise = 0;      ///< seconds from rest to there
+  };
+
   TimeScript time_;
   PersonScript person_;
   std::optional<double> leavesAt_;
@@ -45,6 +51,7 @@ class PersonMotion {
   double turnDegrees_;
   Wobble yaw_, pitch_, roll_, swayX_, swayY_, handX_, handY_;
   std::vector<double> blinks_;
+  std::vector<Performance> performances_;  ///< of the person's tasks
 };
 
 }  // namespace corvana::session

@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include "app/record/Files.h"
+#include "corvana/CameraWatch.h"
 #include "corvana/IDCapture.h"
 #include "corvana/SelfieCapture.h"
 #include "corvana/VideoCapture.h"
@@ -17,6 +18,7 @@
 namespace corvana::app {
 namespace {
 
+using corvana::CameraWatch;
 using corvana::IDCapture;
 using corvana::SelfieCapture;
 using corvana::VideoCapture;
@@ -222,10 +224,29 @@ std::vector<Row> cardRows() {
   };
 }
 
+std::vector<Row> cameraRows() {
+  using CameraOptions = CameraWatch::Options;
+  return {
+      row(CameraWatch::options, &CameraOptions::regularMicroseconds,
+          "cameraWatch.regularMicroseconds", "microseconds", 0, 1000,
+          "sign of a stream that is fed in: the standard deviation of 150 intervals between "
+          "pictures is below this"),
+      row(CameraWatch::options, &CameraOptions::shortInterval, "cameraWatch.shortInterval", "share",
+          0, 1, "an interval below this share of the camera mode's is too short for a sensor"),
+      row(CameraWatch::options, &CameraOptions::mostShortIntervals,
+          "cameraWatch.mostShortIntervals", "share", 0, 1,
+          "sign of a stream that is fed in: more of 150 intervals than this are too short"),
+      row(CameraWatch::options, &CameraOptions::mostIdentical, "cameraWatch.mostIdentical", "share",
+          0, 1,
+          "sign of a stream that is fed in: more of 150 pictures than this are the same, to the "
+          "last bit, as one from half a second to a minute before"),
+  };
+}
+
 const std::vector<Row>& rows() {
   static const std::vector<Row> kAll = [] {
     std::vector<Row> all = videoRows();
-    for (const auto& some : {selfieRows(), cardRows()})
+    for (const auto& some : {selfieRows(), cardRows(), cameraRows()})
       all.insert(all.end(), some.begin(), some.end());
     return all;
   }();

@@ -40,10 +40,11 @@ void InjectionJudge::judgeTimes() {
   for (const Interval& interval : intervals_)
     squares += (interval.microseconds - mean) * (interval.microseconds - mean);
   const double deviation = std::sqrt(squares / static_cast<double>(intervals_.size()));
-  note("regularTimes", deviation, kRegular, deviation < kRegular);
+  note("regularTimes", deviation, limits_.regularMicroseconds,
+       deviation < limits_.regularMicroseconds);
   const double tooShort =
       shareOf(intervals_, [](const Interval& interval) { return interval.isTooShort; });
-  note("foreignTimes", tooShort, kMostTooShort, tooShort > kMostTooShort);
+  note("foreignTimes", tooShort, limits_.mostShortIntervals, tooShort > limits_.mostShortIntervals);
 }
 
 void InjectionJudge::judgePicture(const Picture& picture) {
@@ -59,13 +60,14 @@ void InjectionJudge::judgePicture(const Picture& picture) {
   if (identical_.size() > kIntervals) identical_.pop_front();
   if (identical_.size() < kIntervals) return;
   const double share = shareOf(identical_, [](bool isIdentical) { return isIdentical; });
-  note("identicalPictures", share, kMostIdentical, share > kMostIdentical);
+  note("identicalPictures", share, limits_.mostIdentical, share > limits_.mostIdentical);
 }
 
 void InjectionJudge::add(const Picture& picture) {
   if (last_) {
     const platform::Duration interval = picture.time - *last_;
-    const bool isTooShort = picture.interval && interval < kTooShort * *picture.interval;
+    const bool isTooShort =
+        picture.interval && interval < limits_.shortInterval * *picture.interval;
     intervals_.push_back({1e6 * platform::inSeconds(interval), isTooShort});
     if (intervals_.size() > kIntervals) intervals_.pop_front();
   }

@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "corvana/CameraWatch.h"
 #include "devices/film/MediaSource.h"
 #include "platform/foundation/Time.h"
 #include "platform/media/PixelBuffer.h"
@@ -28,21 +29,18 @@ class InjectionJudge {
     bool hasDetail = false;         ///< a covered lens shows the same black again and again
   };
 
+  using Limits = corvana::CameraWatch::Options;
+
+  explicit InjectionJudge(const Limits& limits = corvana::CameraWatch::options) : limits_(limits) {}
+
   void add(const Picture& picture);
   /// The signs that have been seen so far, each with the figure by which it was seen first.
   const std::vector<CameraSign>& signs() const { return signs_; }
 
   /// So many intervals are looked at together.
   static constexpr std::size_t kIntervals = 150;
-  /// Greatest standard deviation, in microseconds, of intervals that were computed. Drivers give
-  /// the time of an interrupt or of the sensor's own clock, which both stray by tens.
-  static constexpr double kRegular = 2;
-  /// An interval shorter than this share of the mode's is too short, and most that may be.
-  static constexpr double kTooShort = 0.6;
-  static constexpr double kMostTooShort = 0.05;
   /// Pictures at least so far apart have to differ; a slow sensor's may come twice in a row.
   static constexpr platform::Duration kApart = std::chrono::milliseconds(500);
-  static constexpr double kMostIdentical = 0.05;
   static constexpr platform::Duration kMemory = std::chrono::seconds(60);
 
  private:
@@ -50,6 +48,7 @@ class InjectionJudge {
   void judgePicture(const Picture& picture);
   void note(const char* name, double value, double limit, bool isSeen);
 
+  Limits limits_;
   std::optional<platform::Duration> last_;
   struct Interval {
     double microseconds = 0;

@@ -14,8 +14,9 @@ using platform::Duration;
 using Names = std::vector<std::string>;
 
 /// Twenty seconds of a stream of 30 pictures a second, as `change` makes it.
-Names signsOf(const std::function<void(int number, InjectionJudge::Picture& picture)>& change) {
-  InjectionJudge judge;
+Names signsOf(const std::function<void(int number, InjectionJudge::Picture& picture)>& change,
+              const InjectionJudge::Limits& limits = {}) {
+  InjectionJudge judge(limits);
   for (int number = 0; number < 600; ++number) {
     InjectionJudge::Picture picture{.time = Duration(33'333'333LL * number),
                                     .interval = Duration(33'333'333),
@@ -58,6 +59,18 @@ TEST(InjectionJudge, KnowsWhatNoSensorDoes) {
             }),
             Names{"identicalPictures"})
       << "a still";
+}
+
+TEST(InjectionJudge, ItsLimitsAreOptions) {
+  const auto keepTime = [](int, InjectionJudge::Picture&) {};
+  EXPECT_EQ(signsOf(keepTime, {.regularMicroseconds = 0}), Names{});
+  EXPECT_EQ(signsOf(keepTime, {.regularMicroseconds = 0, .shortInterval = 1.1}),
+            Names{"foreignTimes"});
+  const auto repeat = [](int number, InjectionJudge::Picture& picture) {
+    picture.fingerprint = static_cast<unsigned>(number % 60);
+  };
+  EXPECT_EQ(signsOf(repeat, {.regularMicroseconds = 0}), Names{"identicalPictures"});
+  EXPECT_EQ(signsOf(repeat, {.regularMicroseconds = 0, .mostIdentical = 1}), Names{});
 }
 
 TEST(InjectionJudge, ForgivesASensorInTheDark) {

@@ -92,6 +92,16 @@ TEST(Presentation, ShowsWhatAnImpostorHoldsInPlaceOfThePerson) {
   EXPECT_EQ(session::Presentation(script, random).shown(living).lids, 1);
   EXPECT_EQ(session::Presentation(script, random).shown(living).yaw, 0);
 
+  const cv::Mat flat = seen(script, 1);
+  const auto bent = [&script](double bend, double axis) {
+    script.bend = bend;
+    script.bendAxis = axis;
+    return seen(script, 1);
+  };
+  const cv::Mat away = bent(1, 0), towards = bent(-1, 0), lying = bent(1, 90);
+  for (const cv::Mat& other : {flat, towards, lying})
+    EXPECT_GT(cv::norm(away, other, cv::NORM_INF), 50);
+
   script.kind = "loop";
   const session::Presentation loop(script, random);
   EXPECT_DOUBLE_EQ(loop.momentShown(0.7), loop.momentShown(4.7));
