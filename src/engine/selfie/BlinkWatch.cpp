@@ -14,7 +14,7 @@ constexpr platform::Duration kLongestBlink = platform::seconds(0.8);
 /// contrast a blurred or dark picture loses, too, but then the eyes' form stays.
 constexpr double kHiddenShare = 0.7;
 /// A lid that comes down hides white and iris, and the eye looks otherwise, 0.5 to 0.75 alike. A
-/// print's eyes, which the network sees narrower where paper is tilted, stay alike to 0.97.
+/// print's eyes, which the network sees narrower where paper is tilted, stayed alike to 0.98.
 constexpr double kMostAlike = 0.85;
 /// Frames by which the usual opening is known, and by which it is remembered.
 constexpr std::size_t kFewestOpenings = 3;
