@@ -16,7 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 using nlohmann::json;
 using platform::Expected;
-using platform::failure;
 
 constexpr std::uint64_t kMostEvidenceBytes = 1 << 24;
 
@@ -42,18 +41,19 @@ Expected<void> checkResult(const json& result, const fs::path& folder) {
   const fs::path file = folder / kResultFileName;
   std::error_code error;
   if (!fs::exists(file, error)) {
-    return failure(inQuotes(folder) +
-                   " has no result that could be judged again: the run never ended.");
+    return platform::failure(inQuotes(folder) +
+                             " has no result that could be judged again: the run never ended.");
   }
   if (result.contains("redaction")) {
-    return failure(inQuotes(folder) +
-                   " is a redacted copy, whose film shows no card: judge the record that it "
-                   "was made of.");
+    return platform::failure(
+        inQuotes(folder) +
+        " is a redacted copy, whose film shows no card: judge the record that it "
+        "was made of.");
   }
   const bool isResult = memberIn(result, "options").is_object() &&
                         (result.contains("result") || result.contains("error"));
   if (isResult) return {};
-  return failure(inQuotes(file) + " is not the result of a run.");
+  return platform::failure(inQuotes(file) + " is not the result of a run.");
 }
 
 /// Where the record keeps what a reviewer has to see beside events and film.
@@ -107,7 +107,7 @@ Expected<RecordedRun> readRecordedRun(const fs::path& folder, const TrustedKeys*
     return tl::unexpected(checked.error());
   }
   const auto film = filmIn(folder);
-  if (!film) return failure(inQuotes(folder) + " holds no film.");
+  if (!film) return platform::failure(inQuotes(folder) + " holds no film.");
   auto events = readRunEvents(folder / EventLog::kFileName);
   if (!events) return tl::unexpected(events.error());
   const bool isTrusted = keys && report->holds();
