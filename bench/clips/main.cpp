@@ -13,13 +13,13 @@
 
 #include "Clip.h"
 #include "ProgramClock.h"
+#include "app/run/FlowLoop.h"
 #include "corvana/StateNames.h"
-#include "devices/system/RealRunLoop.h"
 #include "engine/recorder/Recorder.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
 #include "engine/vision/MatViews.h"
 #include "platform/foundation/RandomSource.h"
-#include "platform/foundation/VirtualRunLoop.h"
+#include "platform/foundation/RunLoop.h"
 
 namespace corvana::bench {
 namespace {
@@ -174,12 +174,6 @@ nlohmann::ordered_json account(const Clip& clip, Cause cause, std::uint64_t seed
   return line;
 }
 
-/// In real time the looks take as long as they take.
-std::unique_ptr<platform::DrivenLoop> makeLoop(bool inRealTime) {
-  if (inRealTime) return std::make_unique<devices::RealRunLoop>();
-  return std::make_unique<platform::VirtualRunLoop>();
-}
-
 int run(int count, std::uint64_t seed, const std::string& only, bool inRealTime) {
   auto matter = ClipMatter::read(CORVANA_PHOTO_DATA, CORVANA_PORTRAITS, CORVANA_ENGINE_RESOURCES);
   if (!matter) {
@@ -192,7 +186,8 @@ int run(int count, std::uint64_t seed, const std::string& only, bool inRealTime)
     std::cerr << "guidance-clips: " << tables.error().sentence << '\n';
     return 3;
   }
-  const auto loop = makeLoop(inRealTime);
+  // In real time the looks take as long as they take.
+  const auto loop = app::makeLoop(inRealTime ? app::TimeKind::real : app::TimeKind::media);
   const auto readQueue =
       inRealTime ? loop->makeSerialQueue("CardReader", platform::QualityOfService::utility)
                  : nullptr;

@@ -47,8 +47,7 @@ std::string shown(const std::string& word) {
   const bool isPlain = std::ranges::all_of(word, [](char letter) {
     return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '-' || letter == '_';
   });
-  return isPlain && !word.empty() && word.size() <= kLongest ? inQuotes(word) + ""
-                                                             : "without a name";
+  return isPlain && !word.empty() && word.size() <= kLongest ? inQuotes(word) : "without a name";
 }
 
 Expected<void> checkHeader(const json& header) {

@@ -11,11 +11,6 @@
 namespace corvana::engine {
 namespace {
 
-constexpr std::size_t kRightEyeCorner = 33;
-constexpr std::size_t kLeftEyeCorner = 263;
-constexpr std::size_t kRightEyeInnerCorner = 133;
-constexpr std::size_t kLeftEyeInnerCorner = 362;
-
 // In pixels of the view.
 constexpr int kSide = 224;
 constexpr double kEyesFromTop = 80;
@@ -35,8 +30,8 @@ constexpr double kLeastLikeness = 0.7;
 constexpr double kPlainSkin = 20;
 
 cv::Matx23d transformOf(const FaceMesh& mesh) {
-  const SurfacePoint& right = mesh[kRightEyeCorner];
-  const SurfacePoint& left = mesh[kLeftEyeCorner];
+  const SurfacePoint& right = mesh[kRightEyeOuterCorner];
+  const SurfacePoint& left = mesh[kLeftEyeOuterCorner];
   const double x = left.x - right.x, y = left.y - right.y;
   const double square = std::max(x * x + y * y, 1.0);
   const double c = FaceView::kEyes * x / square, s = FaceView::kEyes * y / square;
@@ -118,8 +113,8 @@ double eyeLikeness(const FaceView& a, const FaceView& b, std::size_t outer, std:
 }  // namespace
 
 double eyesLikeness(const FaceView& a, const FaceView& b) {
-  return std::max(eyeLikeness(a, b, kRightEyeCorner, kRightEyeInnerCorner),
-                  eyeLikeness(a, b, kLeftEyeCorner, kLeftEyeInnerCorner));
+  return std::max(eyeLikeness(a, b, kRightEyeOuterCorner, kRightEyeInnerCorner),
+                  eyeLikeness(a, b, kLeftEyeOuterCorner, kLeftEyeInnerCorner));
 }
 
 FaceView faceView(const platform::PixelBuffer& picture, const FaceMesh& mesh) {

@@ -10,8 +10,6 @@
 namespace corvana::engine {
 namespace {
 
-constexpr std::size_t kRightEyeCorner = 33;
-constexpr std::size_t kLeftEyeCorner = 263;
 constexpr std::size_t kUnderTheNose = 2;
 
 /// The plane of the face: the outer corners of the eyes at (0, 0) and (1, 0), the foot of the nose
@@ -24,10 +22,11 @@ constexpr int kOversampling = 2;
 
 cv::Mat faceToPicture(const FaceMesh& mesh) {
   cv::Point2f points[3];
-  std::ranges::transform(
-      std::array{kRightEyeCorner, kLeftEyeCorner, kUnderTheNose}, points, [&](std::size_t index) {
-        return cv::Point2f(static_cast<float>(mesh[index].x), static_cast<float>(mesh[index].y));
-      });
+  std::ranges::transform(std::array{kRightEyeOuterCorner, kLeftEyeOuterCorner, kUnderTheNose},
+                         points, [&](std::size_t index) {
+                           return cv::Point2f(static_cast<float>(mesh[index].x),
+                                              static_cast<float>(mesh[index].y));
+                         });
   return cv::getAffineTransform(kFoot, points);
 }
 

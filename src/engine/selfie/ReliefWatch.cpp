@@ -17,8 +17,6 @@ constexpr std::array<std::size_t, 59> kRigidPoints{
     263, 362, 98,  327, 50,  280, 48,  278, 115, 344, 131, 360, 198, 420, 122,
     351, 193, 417, 8,   108, 337, 69,  299, 109, 338, 117, 346, 101, 330, 36,
     266, 142, 371, 126, 355, 47,  277, 114, 343, 188, 412, 174, 399, 94};
-constexpr std::size_t kRightEyeCorner = 33;
-constexpr std::size_t kLeftEyeCorner = 263;
 
 /// So many frames must agree, so that one picture that was followed wrongly is no evidence.
 constexpr std::size_t kAgreeingFrames = 3;
@@ -77,8 +75,8 @@ Equations equationsOf(const SurfacePoint& point, const SurfacePoint& origin) {
 }
 
 std::vector<Seen> seenBetween(const FaceView& reference, const FaceView& face) {
-  const SurfacePoint& right = reference.mesh[kRightEyeCorner];
-  const SurfacePoint& left = reference.mesh[kLeftEyeCorner];
+  const SurfacePoint& right = reference.mesh[kRightEyeOuterCorner];
+  const SurfacePoint& left = reference.mesh[kLeftEyeOuterCorner];
   const SurfacePoint middle{(right.x + left.x) / 2, (right.y + left.y) / 2, 0};
   std::vector<Seen> seen;
   for (const SkinMotion& motion : skinMotions(reference, face, kRigidPoints)) {

@@ -20,8 +20,8 @@ struct EyePoints {
   std::size_t outerCorner, innerCorner;
   std::array<std::size_t, 2> upperLid, lowerLid;
 };
-constexpr EyePoints kRightEye{33, 133, {160, 158}, {144, 153}};
-constexpr EyePoints kLeftEye{263, 362, {387, 385}, {373, 380}};
+constexpr EyePoints kRightEye{kRightEyeOuterCorner, kRightEyeInnerCorner, {160, 158}, {144, 153}};
+constexpr EyePoints kLeftEye{kLeftEyeOuterCorner, kLeftEyeInnerCorner, {387, 385}, {373, 380}};
 constexpr std::size_t kForehead = 10;
 constexpr std::size_t kChin = 152;
 constexpr std::array<std::size_t, 20> kLips{61,  146, 91,  181, 84,  17, 314, 405, 321, 375,

@@ -23,6 +23,11 @@ struct SurfacePoint {
 
 inline constexpr std::size_t kFaceMeshPoints = 468;
 using FaceMesh = std::array<SurfacePoint, kFaceMeshPoints>;
+/// Where the corners of the person's eyes stand in the mesh.
+inline constexpr std::size_t kRightEyeOuterCorner = 33;
+inline constexpr std::size_t kRightEyeInnerCorner = 133;
+inline constexpr std::size_t kLeftEyeOuterCorner = 263;
+inline constexpr std::size_t kLeftEyeInnerCorner = 362;
 
 /// How the head is turned, in degrees; about zero when it faces the camera upright. Estimated from
 /// the network's depth: good for more or less, off by ten degrees in pitch from person to person.
