@@ -6,6 +6,8 @@ if(CORVANA_DISTRIBUTION)
   add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -fstack-protector-strong)
   add_compile_definitions(_FORTIFY_SOURCE=2)
   add_link_options(-Wl,-z,relro,-z,now)
+  # A search path to the build's own folder, though taken out at the installation, would leave its length in the layout.
+  set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 endif()
 
 # Macros of the libraries that these files call write the file's name into the program.
