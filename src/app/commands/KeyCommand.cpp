@@ -2,7 +2,7 @@
 #include <memory>
 
 #include "app/commands/Commands.h"
-#include "app/keys/Keys.h"
+#include "app/keys/SigningKey.h"
 
 namespace corvana::app {
 namespace {

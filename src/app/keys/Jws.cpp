@@ -16,8 +16,6 @@ using nlohmann::json;
 using platform::Expected;
 using platform::failure;
 
-constexpr const char* kAlgorithm = "EdDSA";
-
 struct Parts {
   std::string_view header;  ///< as it was signed
   std::string signature;
@@ -57,11 +55,6 @@ Expected<void> checkHeader(const json& header) {
                      "), which proves nothing");
     }
   }
-  const std::string algorithm = wordOf(header, "alg");
-  if (algorithm != kAlgorithm) {
-    return failure("is made with the algorithm " + shown(algorithm) +
-                   ", where the trusted keys are " + kAlgorithm + "'s");
-  }
   if (header.value("crit", json()) != json::array({"b64"}) ||
       header.value("b64", json()) != json(false)) {
     return failure("asks for what this program does not know (crit), or signs in another form");
@@ -71,13 +64,15 @@ Expected<void> checkHeader(const json& header) {
 
 }  // namespace
 
-std::string sealDetached(const SigningKey& key, std::string_view payload) {
-  const nlohmann::ordered_json header = {{"alg", kAlgorithm},
+Expected<std::string> sealDetached(const SigningKey& key, std::string_view payload) {
+  const nlohmann::ordered_json header = {{"alg", key.publicKey().kind().algorithm},
                                          {"kid", key.publicKey().id()},
                                          {"b64", false},
                                          {"crit", json::array({"b64"})}};
   const std::string encoded = toBase64Url(header.dump());
-  return encoded + ".." + toBase64Url(key.sign(signedBytes(encoded, payload)));
+  return key.sign(signedBytes(encoded, payload)).map([&](const std::string& signature) {
+    return encoded + ".." + toBase64Url(signature);
+  });
 }
 
 Expected<const TrustedKey*> verifyDetached(std::string_view seal, std::string_view payload,
@@ -90,6 +85,11 @@ Expected<const TrustedKey*> verifyDetached(std::string_view seal, std::string_vi
   const std::string id = wordOf(*header, "kid");
   const TrustedKey* key = trusted.find(id);
   if (!key) return failure("was made with the key " + shown(id) + ", which is not trusted");
+  const std::string algorithm = wordOf(*header, "alg");
+  if (algorithm != key->key.kind().algorithm) {
+    return failure("is made with the algorithm " + shown(algorithm) +
+                   ", where the trusted key's is " + key->key.kind().algorithm);
+  }
   if (key->key.verifies(signedBytes(parts->header, payload), parts->signature)) return key;
   return failure("does not fit what it seals: one of the two was changed");
 }

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/keys/Keys.h"
+#include "app/keys/PublicKey.h"
 #include "app/stamp/UtcTime.h"
 
 namespace corvana::app {

@@ -113,10 +113,11 @@ platform::Expected<fs::path> chooseReceipt(const fs::path& folder, UtcTime now) 
 platform::Expected<void> writeSigned(const fs::path& file, const ordered_json& receipt,
                                      const SigningKey& key) {
   const std::string bytes = receipt.dump(2) + "\n";
-  return writeFile(file, bytes).and_then([&] {
-    fs::path seal = file;
-    return writeFile(seal.replace_extension(".jws"), sealDetached(key, bytes));
-  });
+  return writeFile(file, bytes)
+      .and_then([&] { return sealDetached(key, bytes); })
+      .and_then([&](const std::string& seal) {
+        return writeFile(fs::path(file).replace_extension(".jws"), seal);
+      });
 }
 
 }  // namespace

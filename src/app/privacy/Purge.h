@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/keys/Keys.h"
+#include "app/keys/SigningKey.h"
 #include "app/stamp/UtcTime.h"
 #include "engine/document/fields/CalendarDates.h"
 

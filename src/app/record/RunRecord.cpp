@@ -128,7 +128,9 @@ Expected<void> writeSealedResult(const std::string& content, const std::optional
                                  const fs::path& folder) {
   auto written = writeFile(folder / kResultFileName, content);
   if (!written || !key) return written;
-  return writeFile(folder / kResultSealName, sealDetached(*key, content));
+  return sealDetached(*key, content).and_then([&](const std::string& seal) {
+    return writeFile(folder / kResultSealName, seal);
+  });
 }
 
 ordered_json cameraSignToJson(const devices::CameraSign& sign) {

@@ -10,7 +10,7 @@
 #include <tl/expected.hpp>
 
 #include "app/card/DocumentHints.h"
-#include "app/keys/Keys.h"
+#include "app/keys/SigningKey.h"
 #include "app/record/Files.h"
 #include "app/record/RecordFiles.h"
 #include "app/record/RunIdentity.h"

@@ -5,7 +5,7 @@
 
 #include <tl/expected.hpp>
 
-#include "app/keys/Keys.h"
+#include "app/keys/SigningKey.h"
 #include "app/keys/TrustedKeys.h"
 #include "app/redact/FilmRedaction.h"
 #include "app/run/ExitCode.h"

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "app/card/Reference.h"
-#include "app/keys/Keys.h"
+#include "app/keys/SigningKey.h"
 #include "app/record/Files.h"
 #include "app/run/CaptureArguments.h"
 

@@ -13,17 +13,14 @@
 
 namespace corvana::app {
 
-/// Seals one film while it is recorded: for each quarter of a second of it one line with the sums
-/// of its encoded samples and of the events so far.
+/// Seals one film while it is recorded: for each period of it one line with the sums of its encoded
+/// samples and of the events so far.
 class FilmSeal final : public devices::FilmWitness {
  public:
-  /// Of a recording that is killed this much is lost at most beside what its film loses, which is
-  /// more than half a second.
-  static constexpr platform::Duration kPeriod = std::chrono::milliseconds(250);
-
-  /// `head` is what the chain's first line says.
+  /// `head` is what the chain's first line says. Of a recording that is killed one period is lost
+  /// at most beside what its film loses, which is more than half a second.
   FilmSeal(std::shared_ptr<SealLog> log, std::shared_ptr<EventSums> events,
-           nlohmann::ordered_json head);
+           nlohmann::ordered_json head, platform::Duration period);
 
   void began(platform::TimePoint origin, bool hasSound) override;
   void saw(const devices::EncodedSample& sample) override;
@@ -44,6 +41,7 @@ class FilmSeal final : public devices::FilmWitness {
   const std::shared_ptr<SealLog> log_;
   const std::shared_ptr<EventSums> events_;
   const nlohmann::ordered_json head_;
+  const platform::Duration period_;
   std::mutex mutex_;
   platform::TimePoint origin_{};
   platform::Duration lastTime_{};  ///< of any sample

@@ -8,6 +8,9 @@ namespace corvana::app {
 namespace {
 
 constexpr int kFormatVersion = 1;
+constexpr platform::Duration kPeriod = std::chrono::milliseconds(250);
+/// A chip may take some tenths of a second for a signature, and the film waits for it.
+constexpr platform::Duration kPeriodOfChip = std::chrono::seconds(1);
 
 }  // namespace
 
@@ -22,7 +25,8 @@ devices::WitnessMaker RunSeal::witnesses() const {
                                    {"chain", ++chain},
                                    {"key", log->key().publicKey().id()}};
     head.update(session);
-    return std::make_shared<FilmSeal>(log, events, std::move(head));
+    const auto period = log->key().isInChip() ? kPeriodOfChip : kPeriod;
+    return std::make_shared<FilmSeal>(log, events, std::move(head), period);
   };
 }
 

@@ -37,28 +37,34 @@ void SealLog::add(const ordered_json& content) {
       {"previous", last_.empty() ? ordered_json() : ordered_json(sha256Of(last_))}};
   line.update(content);
   const std::string text = line.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
-  last_ = ordered_json{{"signature", sealDetached(key_, text)}}.dump();
+  const auto seal = sealDetached(key_, text);
+  if (!seal) return fail(seal.error());
+  last_ = ordered_json{{"signature", *seal}}.dump();
   // Both at once: a line without its signature is worth nothing.
   const std::string both = text + "\n" + last_ + "\n";
   errno = 0;
   file_ << both << std::flush;
-  if (!file_) return fail(errno == 0 ? EIO : errno);
+  if (!file_) return fail(fileFault(errno == 0 ? EIO : errno));
   bytes_ += both.size();
   syncSoon();
 }
 
-void SealLog::fail(int error) {
-  broken_ = true;
-  file_.close();
-  std::error_code ignored;  // The file may be gone altogether.
-  std::filesystem::resize_file(path_, bytes_, ignored);
+platform::Fault SealLog::fileFault(int error) const {
   const platform::FaultCause cause = devices::fileFaultCause(error);
-  const platform::Fault fault{
+  return {
       "The seal can't be written to " + inQuotes(path_) + " any more (" + std::strerror(error) +
           "): " +
           (cause == platform::FaultCause::diskFull ? "free some space." : "check folder and disk."),
       cause};
-  loop_.mainQueue().async([self = shared_from_this(), fault] { self->onFault_(fault); });
+}
+
+void SealLog::fail(platform::Fault fault) {
+  broken_ = true;
+  file_.close();
+  std::error_code ignored;  // The file may be gone altogether.
+  std::filesystem::resize_file(path_, bytes_, ignored);
+  loop_.mainQueue().async(
+      [self = shared_from_this(), fault = std::move(fault)] { self->onFault_(fault); });
 }
 
 void SealLog::syncSoon() {

@@ -10,14 +10,14 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/keys/Keys.h"
+#include "app/keys/SigningKey.h"
 #include "platform/foundation/RunLoop.h"
 
 namespace corvana::app {
 
 /// seal.jsonl, which only grows: lines of JSON, each with the hash of the line before it, and
-/// behind each the line with its signature. A line that can't be written is told, and is the end of
-/// the file. Any thread.
+/// behind each the line with its signature. A line that can't be signed or written is told, and is
+/// the end of the file. Any thread.
 class SealLog : public std::enable_shared_from_this<SealLog> {
  public:
   using OnFault = std::function<void(const platform::Fault&)>;
@@ -31,7 +31,8 @@ class SealLog : public std::enable_shared_from_this<SealLog> {
   void add(const nlohmann::ordered_json& content);
 
  private:
-  void fail(int error);
+  void fail(platform::Fault fault);
+  platform::Fault fileFault(int error) const;
   void syncSoon();
 
   platform::RunLoop& loop_;

@@ -16,5 +16,6 @@ with open(sealed_file, "rb") as file:
 token = jws.JWS()
 token.deserialize(seal)
 token.objects["payload"] = payload
-token.verify(key, alg="EdDSA")
+token.verify(key, alg={"OKP": "EdDSA", "EC": "ES256"}[key["kty"]])
+assert token.jose_header["kid"] == key.thumbprint()
 print(token.jose_header["kid"])

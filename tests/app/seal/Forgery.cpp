@@ -61,7 +61,7 @@ class Forger {
     std::string what = recomputeSums();
     const ScratchFolder scratch;
     const auto key = *app::SigningKey::create(scratch / "key");
-    writeBytes(record_ / "result.jws", app::sealDetached(key, bytesOf(record_ / "result.json")));
+    writeBytes(record_ / "result.jws", *app::sealDetached(key, bytesOf(record_ / "result.json")));
     return what;
   }
 

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "app/keys/Keys.h"
+#include "app/keys/SigningKey.h"
 
 namespace corvana::tests {
 
