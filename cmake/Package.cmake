@@ -49,7 +49,7 @@ if(TensorFlowLite_BUNDLED)
 endif()
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS "${runtime}")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_RECOMMENDS gstreamer1.0-espeak)
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS "apparmor, corvana-videoid-samples, tesseract-ocr-script-latn")
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS "apparmor, corvana-videoid-samples, tesseract-ocr-script-latn, tpm2-openssl")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_CONTROL_EXTRA 
     ${files}/conffiles ${files}/postinst ${files}/prerm ${files}/postrm)
 set(CPACK_DEBIAN_PROGRAM_DESCRIPTION "video identification: person, card and voice in one film
