@@ -41,10 +41,11 @@ PersonMotion::PersonMotion(const Script& script, double length, Random& random)
       swayY_(random, 0.10 * person_.quickness),
       handX_(random, 0.35 * person_.quickness),
       handY_(random, 0.40 * person_.quickness) {
+  const double often = person_.blinkEvery / PersonScript().blinkEvery;
   double next = random.uniform(0.9, 1.4);
   while (next < length) {
     if (next >= person_.noBlinkBefore) blinks_.push_back(next);
-    next += random.uniform(2.2, 4.6);
+    next += often * random.uniform(2.2, 4.6);
   }
   for (const TaskScript& task : person_.tasks) {
     performances_.push_back({random.uniform(kLeastOfTask, kMostOfTask),

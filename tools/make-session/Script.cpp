@@ -30,6 +30,7 @@ void readPerson(ScriptReader reader, const path& folder, PersonScript& person) {
   reader.number("turn", person.turn, 0.0, 3.0);
   reader.number("quickness", person.quickness, 0.2, 5.0);
   reader.number("noBlinkBefore", person.noBlinkBefore, 0.0, kLongestSession);
+  reader.number("blinkEvery", person.blinkEvery, 0.8, kLongestSession);
   reader.number("light", person.light, 0.1, 1.5);
   reader.flag("doorway", person.doorway);
   for (const ScriptReader& task : reader.objects("tasks"))

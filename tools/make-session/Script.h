@@ -27,6 +27,7 @@ struct PersonScript {
   double turn = 1.0;  ///< how far the head turns to the sides for the selfie, 1: 8 to 10 degrees
   double quickness = 1.0;      ///< of all unrest, as a multiple of a calm person's
   double noBlinkBefore = 0.0;  ///< seconds
+  double blinkEvery = 3.4;     ///< seconds, in the mean
   double light = 1.0;          ///< on the scene, 1: a well lit room; less light, more noise
   bool doorway = false;        ///< a door's frame stands behind the person
   std::vector<TaskScript> tasks;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <utility>
 
 namespace corvana::engine {
 namespace {
@@ -124,10 +125,9 @@ bool ChallengeJudge::isAtRest(const HeadLook& head) const {
 
 bool ChallengeJudge::doesAnother(const HeadLook& head) const {
   return std::ranges::any_of(kAllTasks, [&](LivenessTask other) {
-    // Whoever blinks means nothing by it. All else that would do another task is a miss: a film
-    // that does everything, in turn or at once, must not pass.
-    return other != task() && other != LivenessTask::blinkTwice &&
-           valueOf(other, head) >= limitOf(other);
+    // A film that does everything, in turn or at once, must not pass. A single blink means nothing,
+    // but a film that blinks twice before each of its movements would fit one draw in five.
+    return other != task() && valueOf(other, head) >= limitOf(other);
   });
 }
 
@@ -158,8 +158,9 @@ std::optional<TaskEvent> ChallengeJudge::learn(TimePoint time, const HeadLook& h
 
 void ChallengeJudge::countBlinks(TimePoint time, const HeadLook& head) {
   blink_.add(time, head.lids);
-  if (blink_.blinks() > blinksSeen_) blinks_.push_back(time);
-  blinksSeen_ = blink_.blinks();
+  const bool isNew = std::exchange(blinksSeen_, blink_.blinks()) != blink_.blinks();
+  // Whoever turns the head, or looks elsewhere, blinks without meaning it.
+  if (isNew && phase_ == Phase::asking && isAtRest(head)) blinks_.push_back(time);
 }
 
 std::optional<TaskEvent> ChallengeJudge::miss(TimePoint time) {

@@ -109,7 +109,7 @@ class ChallengeJudge {
   int looksAtRest_ = 0;
   BlinkWatch blink_;
   int blinksSeen_ = 0;
-  std::vector<platform::TimePoint> blinks_;  ///< since the task was asked for
+  std::vector<platform::TimePoint> blinks_;  ///< at rest, since the task was asked for
 };
 
 }  // namespace corvana::engine

@@ -119,14 +119,47 @@ TEST(Challenge, EachTaskHasItsTimeAndWhoIsReplacedMeanwhileStartsItAnew) {
   EXPECT_EQ(replaced.phase(), Phase::failed);
 }
 
-TEST(Challenge, SingleBlinksAreNotAPairAndMeanNothingInAnotherTask) {
+TEST(Challenge, SingleBlinksAreNotAPairAndAPairCountsAtRestOnly) {
   Head head({Task::blinkTwice, Task::turnLeft, Task::blinkTwice});
   head.rest(1).blink().rest(2).blink().rest(1);
   EXPECT_EQ(head.told(), "blinkTwice?");
   head.blink().rest(0.5);
   EXPECT_EQ(head.told(), "blinkTwice? blinkTwice+ turnLeft?") << "the last two belong together";
-  head.blink().blink().hold(0.4, {.yaw = 16});
-  EXPECT_EQ(head.told().substr(head.told().size() - 9), "turnLeft+");
+  head.blink().rest(0.5).hold(0.2, {.yaw = 8, .lids = 0.5}).hold(0.4, {.yaw = 9});
+  head.hold(0.4, {.yaw = 16});
+  EXPECT_EQ(head.told().substr(head.told().size() - 9), "turnLeft+") << "it blinked as it turned";
+
+  Head eager({Task::turnLeft, Task::blinkTwice, Task::turnLeft});
+  eager.rest(1).blink().blink().rest(0.5).hold(0.4, {.yaw = 16});
+  EXPECT_EQ(eager.told(), "turnLeft? turnLeft- turnLeft? turnLeft+") << "it did another task";
+}
+
+std::vector<Challenge> allDraws() {
+  constexpr Task kAll[] = {Task::turnLeft, Task::turnRight, Task::lookUp, Task::comeNearer,
+                           Task::blinkTwice};
+  std::vector<Challenge> draws;
+  for (const Task first : kAll)
+    for (const Task second : kAll)
+      for (const Task third : kAll)
+        if (first != second && second != third) draws.push_back({first, second, third});
+  return draws;
+}
+
+TEST(Challenge, NoFilmOfFourMovementsFitsMoreThanFourDrawsHoweverOftenItBlinks) {
+  for (const bool blinks : {false, true}) {
+    int fits = 0;
+    for (const Challenge& draw : allDraws()) {
+      Head film(draw);
+      film.rest(1);
+      for (const Head::Pose& movement :
+           {Head::Pose{.yaw = 16}, {.yaw = -16}, {.pitch = -12}, {.yaw = 16}}) {
+        if (blinks) film.blink().blink();
+        film.rest(0.5).hold(0.5, movement).rest(0.5);
+      }
+      fits += film.phase() == Phase::done ? 1 : 0;
+    }
+    EXPECT_EQ(fits, blinks ? 3 : 4);
+  }
 }
 
 TEST(Challenge, WaitsForAHeadThatIsHeldStill) {
@@ -143,6 +176,7 @@ TEST(Challenge, IsDrawnEvenlyAndNoTaskFollowsItself) {
   constexpr int kDraws = 8000;
   for (int i = 0; i < kDraws; ++i)
     ++drawn[drawChallenge(random)];
+  EXPECT_EQ(drawn.size(), allDraws().size());
   EXPECT_EQ(drawn.size(), 80U);
   for (const auto& [tasks, count] : drawn) {
     EXPECT_NE(tasks[0], tasks[1]);
