@@ -17,11 +17,21 @@ namespace corvana::engine {
 struct LabelledText {
   /// Absent for labels of no field of ours ("Height") and for the numbers of unknown ones.
   std::optional<corvana::FieldName> name;
+  /// The label alone does not tell surname from given names; `name` is the surname.
+  bool isOfEitherName = false;
   /// A number as on licences ("4b"); empty with a label in words only.
   std::string number;
   bool hasWords = false;
   /// What follows the labels, without blanks around it.
   std::string rest;
+};
+
+/// What a label stands for.
+struct LabelMeaning {
+  std::optional<corvana::FieldName> name;
+  bool isOfEitherName = false;
+
+  bool operator==(const LabelMeaning&) const = default;
 };
 
 /// The labels of all languages that there is a file of.
@@ -42,8 +52,8 @@ class FieldLabels {
   const std::map<std::string, std::size_t>& languages() const { return languages_; }
 
  private:
-  /// The fields of labels by their letters, capitals without marks and blanks.
-  std::map<std::string, std::optional<corvana::FieldName>> labels_;
+  /// By their letters, capitals without marks and blanks.
+  std::map<std::string, LabelMeaning> labels_;
   std::map<std::string, std::size_t> languages_;
 };
 

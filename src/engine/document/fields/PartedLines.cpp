@@ -6,7 +6,6 @@
 #include <iterator>
 #include <limits>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <utility>
 
@@ -21,11 +20,6 @@ constexpr double kAligned = 0.8;
 constexpr double kMostBelow = 1.2;
 
 using Tokens = std::vector<std::string>;
-
-Tokens tokensOf(const std::string& text) {
-  std::istringstream stream(text);
-  return {std::istream_iterator<std::string>(stream), {}};
-}
 
 std::string joined(const Tokens& tokens, std::size_t from, std::size_t to) {
   std::string text;
@@ -60,7 +54,7 @@ struct PlacedLine {
 };
 
 std::optional<PlacedLine> placed(const TextLine& line) {
-  Tokens tokens = tokensOf(line.text);
+  Tokens tokens = wordsBetweenBlanks(line.text);
   if (tokens.size() < 2 || tokens.size() != line.words.size()) return std::nullopt;
   return PlacedLine{line, std::move(tokens)};
 }
