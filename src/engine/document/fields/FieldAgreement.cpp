@@ -106,7 +106,8 @@ class PrintCheck {
       : print_(print), record_(record) {}
 
   FieldCheck operator()(const DocumentField& field) const {
-    FieldCheck check{field.name, field.source, FieldAgreement::unread, 0, std::nullopt};
+    const FieldCheck unread{field.name, field.source, FieldAgreement::unread, 0, false, {}};
+    FieldCheck check = unread;
     for (const DocumentField& printed : print_.fields) {
       if (printed.name != field.name || isOthers(printed)) continue;
       const FieldAgreement agreement = agreementOf(printed.value, field);
@@ -118,6 +119,10 @@ class PrintCheck {
       check.place = printed.place;
     }
     if (check.agreement != FieldAgreement::agrees && isSearched(field.name)) search(field, check);
+    if (check.agreement == FieldAgreement::conflicts && mayHold(field)) {
+      check = unread;
+      check.isDoubtful = true;
+    }
     return check;
   }
 
@@ -129,6 +134,12 @@ class PrintCheck {
              isDate(other.name) == isDate(printed.name) && isSearched(other.name) &&
              agreementOf(printed.value, other) == FieldAgreement::agrees;
     });
+  }
+
+  bool mayHold(const DocumentField& field) const {
+    return isSearched(field.name) &&
+           std::ranges::any_of(print_.doubtfulLines,
+                               [&](const std::string& line) { return holds(line, field); });
   }
 
   bool isTaken(const std::string& line, FieldName name) const {
@@ -216,6 +227,8 @@ std::vector<FieldCheck> checkSides(const std::vector<const DetectedData*>& sides
       // A zone's own lines are no print to set it against.
       if (line.find('<') == std::string::npos) print.lines.push_back(line);
     }
+    print.doubtfulLines.insert(print.doubtfulLines.end(), side->doubtfulStrings.begin(),
+                               side->doubtfulStrings.end());
   }
   return checkPrint(print, record);
 }

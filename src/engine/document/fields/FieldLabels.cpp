@@ -177,16 +177,14 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-/// Whether a stroke is at the place. Those of dates part nothing; in small print a stroke is read
-/// as a letter or digit, which stands by itself then and is no part of a date.
+/// Whether a stroke is at the place. Those of dates part nothing, nor does a digit in one.
 bool isStroke(const std::string& line, std::size_t at) {
-  constexpr std::string_view kLikeStrokes = "Il1!";
   const auto isAround = [&](const auto& holds) {
     return at > 0 && at + 1 < line.size() && holds(line[at - 1]) && holds(line[at + 1]);
   };
   if (line[at] == '/' || line[at] == '|') return !isAround(isDigit);
   const auto isBlank = [](char c) { return c == ' '; };
-  return kLikeStrokes.find(line[at]) != std::string_view::npos && isAround(isBlank) &&
+  return isLikeStroke(std::string_view(line).substr(at, 1)) && isAround(isBlank) &&
          std::none_of(line.begin() + static_cast<std::ptrdiff_t>(at) + 1, line.end(), isDigit);
 }
 
@@ -299,6 +297,10 @@ tl::unexpected<platform::Fault> differs(const FieldLabel& label, const std::file
 }
 
 }  // namespace
+
+bool isLikeStroke(std::string_view word) {
+  return word == "I" || word == "l" || word == "1" || word == "!";
+}
 
 std::optional<FieldName> numberedField(const std::string& number, bool isNorthAmerican) {
   const auto entry = std::ranges::find(kNumbers, number, &Numbered::number);

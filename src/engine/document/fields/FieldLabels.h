@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "corvana/DocumentField.h"
@@ -33,6 +34,10 @@ struct LabelMeaning {
 
   bool operator==(const LabelMeaning&) const = default;
 };
+
+/// Whether a word of small print may be a stroke between two languages: it is read as a letter or
+/// digit there.
+bool isLikeStroke(std::string_view word);
 
 /// The labels of all languages that there is a file of.
 class FieldLabels {

@@ -63,6 +63,14 @@ bool isStroke(char c) {
   return c == '/' || c == '|';
 }
 
+/// Strokes part the languages of one label; a lone one may be read as a letter.
+bool isAtStroke(const Tokens& tokens, std::size_t place) {
+  const std::string& before = tokens[place - 1];
+  const std::string& after = tokens[place];
+  return isStroke(after.front()) || isStroke(before.back()) || isLikeStroke(before) ||
+         isLikeStroke(after);
+}
+
 /// Whether a label has words on both sides of the place, so that nothing begins there.
 bool isWithinLabel(const Tokens& tokens, std::size_t place, const FieldLabels& labels) {
   for (std::size_t from = 0; from < place; ++from) {
@@ -77,9 +85,7 @@ enum class Beginning { nothing, label, labelAndValue };
 
 Beginning beginningAt(const Tokens& tokens, std::size_t place, const FieldLabels& labels,
                       const ValueReader& read) {
-  // Strokes part the languages of one label.
-  if (isStroke(tokens[place].front()) || isStroke(tokens[place - 1].back()))
-    return Beginning::nothing;
+  if (isAtStroke(tokens, place)) return Beginning::nothing;
   const auto before = labels.labelledText(joined(tokens, 0, place));
   const auto after = labels.labelledText(joined(tokens, place, tokens.size()));
   if (!before || !after || !before->hasWords || !after->hasWords || before->name == after->name)

@@ -86,7 +86,7 @@ const Case kCases[] = {
       at(300, 118, "MERCÈ")},
      {{FieldName::surname, "ÒDENA"}, {FieldName::givenNames, "MERCÈ"}}},
     {"a label of either name in one language and of the given names in the next",
-     {at(300, 40, "MONTCORTÈS"), at(300, 100, "Noms / Prénoms / Given names", 14),
+     {at(300, 40, "MONTCORTÈS"), at(300, 100, "Noms I Prénoms / Given names", 14),
       at(300, 118, "ÒSCAR")},
      {{FieldName::givenNames, "ÒSCAR"}}},
     {"two surnames, each with its label, and given names whose label was not read",
