@@ -47,6 +47,9 @@ struct FieldCheck {
   FieldSource against{};  ///< zone or code
   FieldAgreement agreement{};
   float confidence = 0;  ///< the lesser of both readings' ones; 0 where unread
+  /// The print differs, but the reader was unsure of the letters in which it does, so that nothing
+  /// can be said; only where unread.
+  bool isDoubtful = false;
   /// Of the print, in pixels of the straightened card.
   std::optional<platform::CGRect> place;
 };

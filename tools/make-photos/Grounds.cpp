@@ -304,6 +304,41 @@ cv::Mat bamboo(cv::Size size, double scale, Random& random) {
   return coloured(light, drawFrom(kColours, random));
 }
 
+/// Bricks in rows, each row set off against the next, with pale mortar between them.
+cv::Mat bricks(cv::Size size, double scale, Random& random) {
+  static const std::vector<cv::Scalar> kColours = {
+      {156, 84, 64}, {132, 70, 58}, {178, 106, 80}, {120, 96, 84}};
+  const cv::Size2d brick(random.uniform(30.0, 52.0) * scale, random.uniform(9.0, 15.0) * scale);
+  const double joint = random.uniform(0.8, 1.8) * scale;
+  cv::Mat picture(size, CV_8UC3, cv::Scalar(190, 184, 172));
+  for (double y = -brick.height; y < size.height; y += brick.height) {
+    for (double x = -random.uniform(0.3, 1.0) * brick.width; x < size.width; x += brick.width) {
+      const cv::Rect2d place(x, y, brick.width - joint, brick.height - joint);
+      cv::rectangle(picture, cv::Rect(place), drawFrom(kColours, random), cv::FILLED);
+    }
+  }
+  return lit(picture, 1.0 + 0.10 * unevenness(size, 0.6 * scale, 0.6 * scale, random));
+}
+
+/// Knitted wool: columns of loops that lean to one side and the other.
+cv::Mat knit(cv::Size size, double scale, Random& random) {
+  static const std::vector<cv::Scalar> kColours = {
+      {206, 196, 176}, {70, 88, 120}, {150, 60, 70}, {96, 110, 84}};
+  const double loop = random.uniform(2.4, 5.0) * scale;
+  cv::Mat light(size, CV_32FC1);
+  for (int row = 0; row < size.height; ++row) {
+    for (int column = 0; column < size.width; ++column) {
+      const double across = std::fmod(column, 2.0 * loop) / loop - 1.0;  // of two leaning stitches
+      const double along = std::fmod(row + 0.9 * loop * std::abs(across), loop) / loop;
+      const double rim = std::min(std::abs(across), 1.0 - std::abs(across));
+      light.at<float>(row, column) =
+          static_cast<float>(0.55 + 0.5 * std::sqrt(rim) + 0.25 * std::sin(CV_PI * along));
+    }
+  }
+  light += 0.06 * unevenness(size, 0.4 * scale, 0.8 * scale, random);
+  return coloured(light, drawFrom(kColours, random));
+}
+
 using Painter = cv::Mat (*)(cv::Size, double, Random&);
 
 const std::map<std::string, Painter>& painters() {
@@ -311,7 +346,7 @@ const std::map<std::string, Painter>& painters() {
       {"plain", plain},   {"wood", wood},         {"cloth", cloth},     {"stone", stone},
       {"tiles", tiles},   {"carpet", carpet},     {"stripes", stripes}, {"leather", leather},
       {"marble", marble}, {"terrazzo", terrazzo}, {"tartan", tartan},   {"cork", cork},
-      {"bamboo", bamboo}};
+      {"bamboo", bamboo}, {"bricks", bricks},     {"knit", knit}};
   return kAll;
 }
 
@@ -319,8 +354,8 @@ const std::map<std::string, Painter>& painters() {
 
 const std::vector<std::string>& groundNames() {
   static const std::vector<std::string> kNames = {
-      "plain",   "wood",    "print",  "cloth",    "stone",  "tiles", "carpet",
-      "stripes", "leather", "marble", "terrazzo", "tartan", "cork",  "bamboo"};
+      "plain",   "wood",   "print",    "cloth",  "stone", "tiles",  "carpet", "stripes",
+      "leather", "marble", "terrazzo", "tartan", "cork",  "bamboo", "bricks", "knit"};
   return kNames;
 }
 

@@ -11,6 +11,8 @@
 #include "devices/pictures/ImageFile.h"
 #include "engine/document/DocumentAnalyzer.h"
 #include "engine/document/copies/CopyFigures.h"
+#include "engine/document/fields/DocumentFields.h"
+#include "engine/document/fields/FieldAgreement.h"
 
 namespace corvana::app {
 namespace {
@@ -97,15 +99,28 @@ std::string sidesFault(const Reference& reference) {
          *reference.back->type + "; give both sides of the same card.";
 }
 
-/// What is amiss with the document; empty when nothing is.
-std::string documentFault(const Reference& reference, const DocumentRules& rules) {
+std::vector<const DetectedData*> sidesOf(const Reference& reference) {
   std::vector<const DetectedData*> sides{&reference.front};
   if (reference.back) sides.push_back(&*reference.back);
+  return sides;
+}
+
+/// What is amiss with the document; empty when nothing is.
+std::string documentFault(const Reference& reference, const DocumentRules& rules) {
   std::string all;
-  for (const DocumentHint& hint : hintsOf(sides, rules)) {
+  for (const DocumentHint& hint : hintsOf(sidesOf(reference), rules)) {
     if (hint.name != kSuspectCopy) all += (all.empty() ? "" : ", ") + describe(hint, rules);
   }
   return all;
+}
+
+void warnOfDoubtfulPrint(const Reference& reference) {
+  for (const corvana::FieldCheck& check : engine::checkSides(sidesOf(reference))) {
+    if (!check.isDoubtful) continue;
+    std::cerr << "WARNING: the " << engine::nameOf(check.name)
+              << " in print was not read for sure, and may be another than in the "
+              << engine::nameOf(check.against) << ".\n";
+  }
 }
 
 /// Of what the side looks like a copy, as part of a sentence.
@@ -182,6 +197,7 @@ ExitCode runEnroll(const EnrollArguments& arguments) {
     }
     std::cerr << "WARNING: " << fault << ".\n";
   }
+  warnOfDoubtfulPrint(*reference);
   auto saved = makeEmptyFolder(arguments.output).and_then([&] {
     return saveReference(*reference, arguments.output);
   });

@@ -91,6 +91,16 @@ platform::CGRect outsideZone(const CardReading& reading) {
   return area;
 }
 
+/// What lines of print may say as well; a zone's are no print.
+std::vector<std::string> doubtfulTexts(const std::vector<TextLine>& lines) {
+  std::vector<std::string> texts;
+  for (const TextLine& line : lines) {
+    if (line.text.find('<') == std::string::npos)
+      std::ranges::copy(line.others, std::back_inserter(texts));
+  }
+  return texts;
+}
+
 /// What was made of the print: sure letters count, doubtful ones less.
 double senseOf(const CardReading& reading) {
   double sense = 0;
@@ -237,18 +247,21 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
   if (!mrz.mrz) mrz.mrz = memory.votes.result();
   if (!mrz.mrz) mrz = mrz_.read(picture);
   features.mrz = mrz.mrz;
+  // A face takes a side for a front, few of which have a barcode.
+  const bool mayHaveCode = !face || documentKind(features, tables_->kinds).front.code;
+  if (!mrz.mrz && mayHaveCode) features.barcode = readBarcode(picture);
+  // A barcode's bars look like a zone's lines.
+  if (features.barcode) mrz.band.reset();
   features.hasMrzBand = mrz.band.has_value();
   reading.mrzBand = mrz.band;
   // A front's lines of print may look like a zone; only what was read or stands alone is one.
   if (mrz.band && (mrz.mrz || !face)) blanks.push_back(*mrz.band);
-  // A face takes a side for a front, few of which have a barcode.
-  const bool mayHaveCode = !face || documentKind(features, tables_->kinds).front.code;
-  if (!mrz.mrz && mayHaveCode) features.barcode = readBarcode(picture);
 
   reading.data.isPhotoPresent = face.has_value();
   reading.data.mrz = features.mrz;
   reading.data.barcode = features.barcode;
   reading.data.ocrStrings = textLines(reading.lines, blanks);
+  reading.data.doubtfulStrings = doubtfulTexts(reading.lines);
   reading.data.image = std::make_shared<platform::UIImage>(card);
   reading.familyMatches = familyMatches(features, tables_->kinds);
   classify(features, tables_->kinds, reading.data);
@@ -296,6 +309,15 @@ std::optional<CardReading> DocumentAnalyzer::readUpright(const CardLook& look) {
 
 platform::Expected<CardLook> DocumentAnalyzer::cardIn(const platform::PixelBufferRef& picture) {
   const StillPicture still = stillPicture(picture, text_.boxes());
+  auto card = cardAmongPrint(still);
+  if (card && card->isCertainlyACard()) return card;
+  auto closer = cardAmongPrint(lookedAtInParts(still, text_.boxes()));
+  const bool isBetter =
+      closer && (!card || closer->isCertainlyACard() || closer->content() > card->content());
+  return isBetter ? closer : card;
+}
+
+platform::Expected<CardLook> DocumentAnalyzer::cardAmongPrint(const StillPicture& still) {
   constexpr double kMeasuredAlike = 0.004;       // of the width
   std::vector<std::pair<Quad, CardLook>> looks;  // both searches may find the same outline
   const auto look = [&](const Quad& outline) {

@@ -15,6 +15,7 @@
 #include "engine/document/mrz/MrzVotes.h"
 #include "engine/document/outline/CardFinder.h"
 #include "engine/document/outline/CardLook.h"
+#include "engine/document/outline/StillCards.h"
 #include "engine/document/text/NetworkTextReader.h"
 #include "engine/document/text/TesseractReader.h"
 #include "engine/document/text/TextReader.h"
@@ -105,6 +106,7 @@ class DocumentAnalyzer {
                          CardMemory& memory);
   double faceScore(const platform::PixelBuffer& card);
   platform::Expected<CardLook> cardIn(const platform::PixelBufferRef& picture);
+  platform::Expected<CardLook> cardAmongPrint(const StillPicture& still);
   CardLook lookAt(const platform::PixelBuffer& picture, const Quad& outline);
   std::optional<CardReading> readUpright(const CardLook& look);
 

@@ -88,7 +88,8 @@ std::vector<DocumentField> documentFields(const corvana::DetectedData& side,
   if (side.barcode && side.barcode->contains(kBarcodeText)) {
     if (const auto record = parseAamva(side.barcode->at(kBarcodeText))) add(aamvaFields(*record));
   }
-  add(printedFields(print, labels, today, places));
+  const std::vector<DocumentField> record = fields;
+  add(printedFields(print, labels, today, places, record));
   return fields;
 }
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <numeric>
 #include <optional>
-#include <sstream>
 #include <utility>
 
 #include "engine/document/fields/EditDistance.h"
 #include "engine/document/fields/Transliteration.h"
-#include "engine/document/mrz/StateCodes.h"
+#include "engine/document/fields/ValueAgreement.h"
+#include "engine/document/fields/ValueReader.h"
 
 namespace corvana::engine {
 namespace {
@@ -31,137 +31,6 @@ constexpr std::size_t kLeastNearNumber = 6;
 constexpr std::size_t kLettersPerChange = 4;
 constexpr std::size_t kMostChangedDigits = 2;
 
-bool isName(FieldName name) {
-  return name == FieldName::surname || name == FieldName::givenNames;
-}
-bool isDate(FieldName name) {
-  return name == FieldName::birthDate || name == FieldName::issueDate ||
-         name == FieldName::expiryDate;
-}
-
-std::vector<std::string> words(const std::string& text) {
-  std::istringstream stream(text);
-  std::vector<std::string> all;
-  for (std::string word; stream >> word;)
-    all.push_back(std::move(word));
-  return all;
-}
-
-/// A number without blanks and signs, its letters as the digits they are taken for.
-std::string numberSkeleton(std::string_view text) {
-  constexpr std::string_view kLetters = "OQILZSGB";
-  constexpr std::string_view kDigits = "00112568";
-  std::string skeleton;
-  for (const char c : plainLetters(text)) {
-    const auto at = kLetters.find(c);
-    if (c != ' ') skeleton += at == std::string_view::npos ? c : kDigits[at];
-  }
-  return skeleton;
-}
-
-std::string skeletonOf(FieldName name, std::string_view text) {
-  return isName(name) ? letterSkeleton(text) : numberSkeleton(text);
-}
-
-/// Rare letters with marks are read as others: Č for Ğ. Such a letter agrees with any one.
-bool isLikeWhereMarked(std::string_view printed, const std::string& value) {
-  const std::string pattern = withoutMarkedLetters(printed);
-  const std::string plain = letterSkeleton(value);
-  return pattern.size() == plain.size() &&
-         std::equal(pattern.begin(), pattern.end(), plain.begin(),
-                    [](char p, char v) { return p == kMarkedLetter || p == v; });
-}
-
-/// The letters with those alike that a reader takes for each other: Þ, which zones write TH, for P,
-/// Œ and Æ for E.
-std::string misreadLetters(std::string_view text) {
-  std::string letters = zoneLetters(text);
-  std::erase(letters, ' ');
-  for (const auto& [written, taken] : {std::pair("TH", "P"), {"OE", "E"}, {"AE", "E"}}) {
-    for (auto at = letters.find(written); at != std::string::npos; at = letters.find(written, at))
-      letters.replace(at, 2, taken);
-  }
-  return letters;
-}
-
-bool isMisread(std::string_view printed, const std::string& value) {
-  return misreadLetters(printed) == misreadLetters(value);
-}
-
-bool isBeginning(const std::vector<std::string>& part, const std::vector<std::string>& whole) {
-  return !part.empty() && part.size() <= whole.size() &&
-         std::equal(part.begin(), part.end(), whole.begin());
-}
-
-std::vector<std::string> wordSkeletons(const std::string& names) {
-  std::vector<std::string> all = words(zoneLetters(names));
-  for (std::string& word : all)
-    word = letterSkeleton(word);
-  return all;
-}
-
-/// A side may leave out the last of several names or add a name of birth; two surnames may stand on
-/// two lines.
-bool doNamesAgree(const std::string& printed, const DocumentField& field) {
-  const std::string a = letterSkeleton(printed);
-  const std::string b = letterSkeleton(field.value);
-  if (a == b || isLikeWhereMarked(printed, field.value) ||
-      (field.isTruncated && !b.empty() && a.starts_with(b)))
-    return true;
-  const auto ofPrint = wordSkeletons(printed);
-  const auto ofField = wordSkeletons(field.value);
-  return isBeginning(ofPrint, ofField) || isBeginning(ofField, ofPrint);
-}
-
-/// A check digit behind the number may be printed with it.
-bool doNumbersAgree(const std::string& printed, const std::string& value) {
-  const std::string a = numberSkeleton(printed);
-  const std::string b = numberSkeleton(value);
-  return a == b || (b.size() >= kLeastNearNumber && a.size() == b.size() + 1 && a.starts_with(b));
-}
-
-/// What a nationality says in the language of its card is compared as far as it begins like the
-/// state's code; only another code is a conflict.
-FieldAgreement ofNationality(const std::string& printed, const std::string& code) {
-  const auto all = words(plainLetters(printed));
-  const auto isCode = [&](const std::string& word) { return word == code; };
-  if (std::ranges::any_of(all, isCode)) return FieldAgreement::agrees;
-  if (all.size() == 1 && all.front().size() > 3 && all.front().starts_with(code)) {
-    return FieldAgreement::agrees;
-  }
-  const bool isOtherCode =
-      all.size() == 1 && all.front().size() == 3 && code.size() == 3 && isMrzStateCode(all.front());
-  return isOtherCode ? FieldAgreement::conflicts : FieldAgreement::unread;
-}
-
-/// How a labelled value stands to the record's.
-FieldAgreement ofValue(const std::string& printed, const DocumentField& field) {
-  const auto orConflict = [](bool agrees) {
-    return agrees ? FieldAgreement::agrees : FieldAgreement::conflicts;
-  };
-  switch (field.name) {
-    case FieldName::surname:
-    case FieldName::givenNames:
-      if (doNamesAgree(printed, field)) return FieldAgreement::agrees;
-      return isMisread(printed, field.value) ? FieldAgreement::unread : FieldAgreement::conflicts;
-    case FieldName::documentNumber:
-      return orConflict(doNumbersAgree(printed, field.value));
-    case FieldName::birthDate:
-    case FieldName::issueDate:
-    case FieldName::expiryDate:
-      return orConflict(printed.starts_with(field.value) || field.value.starts_with(printed));
-    case FieldName::sex:
-      return orConflict(printed == field.value);
-    case FieldName::nationality:
-      return ofNationality(printed, field.value);
-    case FieldName::authority:
-    case FieldName::address:
-      break;
-  }
-  return letterSkeleton(printed) == letterSkeleton(field.value) ? FieldAgreement::agrees
-                                                                : FieldAgreement::unread;
-}
-
 /// The dates of a line, read either way where day and month could be exchanged.
 std::vector<std::string> datesNear(const std::string& line, const std::string& iso) {
   const auto around = calendarDate(iso);
@@ -175,7 +44,7 @@ std::vector<std::string> datesNear(const std::string& line, const std::string& i
 /// Calls back with each run of a line's words until one pleases.
 template <class Pleases>
 bool anyRun(const std::string& line, bool toTheEnd, const Pleases& pleases) {
-  const auto all = words(line);
+  const auto all = wordsBetweenBlanks(line);
   for (std::size_t first = 0; first < all.size(); ++first) {
     std::string run;
     for (std::size_t last = first; last < all.size(); ++last) {
@@ -215,7 +84,7 @@ bool nearlyHolds(const std::string& line, const DocumentField& field) {
   const std::string wanted = skeletonOf(field.name, field.value);
   if (field.name == FieldName::documentNumber) {
     return wanted.size() >= kLeastNearNumber && anyRun(line, false, [&](const std::string& run) {
-             return changedDigits(numberSkeleton(run), wanted) <= kMostChangedDigits;
+             return changedDigits(skeletonOf(field.name, run), wanted) <= kMostChangedDigits;
            });
   }
   return isName(field.name) && !field.isTruncated && wanted.size() >= kLeastNearName &&
@@ -237,10 +106,11 @@ class PrintCheck {
       : print_(print), record_(record) {}
 
   FieldCheck operator()(const DocumentField& field) const {
-    FieldCheck check{field.name, field.source, FieldAgreement::unread, 0, std::nullopt};
+    const FieldCheck unread{field.name, field.source, FieldAgreement::unread, 0, false, {}};
+    FieldCheck check = unread;
     for (const DocumentField& printed : print_.fields) {
       if (printed.name != field.name || isOthers(printed)) continue;
-      const FieldAgreement agreement = ofValue(printed.value, field);
+      const FieldAgreement agreement = agreementOf(printed.value, field);
       if (agreement == FieldAgreement::unread || check.agreement == FieldAgreement::agrees)
         continue;
       if (agreement == FieldAgreement::conflicts && printed.confidence < kClearPrint) continue;
@@ -249,6 +119,10 @@ class PrintCheck {
       check.place = printed.place;
     }
     if (check.agreement != FieldAgreement::agrees && isSearched(field.name)) search(field, check);
+    if (check.agreement == FieldAgreement::conflicts && mayHold(field)) {
+      check = unread;
+      check.isDoubtful = true;
+    }
     return check;
   }
 
@@ -258,8 +132,14 @@ class PrintCheck {
     return std::ranges::any_of(record_, [&](const DocumentField& other) {
       return other.name != printed.name && isName(other.name) == isName(printed.name) &&
              isDate(other.name) == isDate(printed.name) && isSearched(other.name) &&
-             ofValue(printed.value, other) == FieldAgreement::agrees;
+             agreementOf(printed.value, other) == FieldAgreement::agrees;
     });
+  }
+
+  bool mayHold(const DocumentField& field) const {
+    return isSearched(field.name) &&
+           std::ranges::any_of(print_.doubtfulLines,
+                               [&](const std::string& line) { return holds(line, field); });
   }
 
   bool isTaken(const std::string& line, FieldName name) const {
@@ -347,6 +227,8 @@ std::vector<FieldCheck> checkSides(const std::vector<const DetectedData*>& sides
       // A zone's own lines are no print to set it against.
       if (line.find('<') == std::string::npos) print.lines.push_back(line);
     }
+    print.doubtfulLines.insert(print.doubtfulLines.end(), side->doubtfulStrings.begin(),
+                               side->doubtfulStrings.end());
   }
   return checkPrint(print, record);
 }

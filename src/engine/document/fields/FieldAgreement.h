@@ -15,12 +15,15 @@ namespace corvana::engine {
 struct Print {
   std::vector<corvana::DocumentField> fields;
   std::vector<std::string> lines;
+  /// What lines may say as well, as far as their reader was unsure.
+  std::vector<std::string> doubtfulLines{};
 };
 
 /// Each field of a zone or code against the print. Accents and the ways to write them out do not
 /// count, nor what was cut for want of room, nor what readers take for one another in a number. A
 /// field without a label agrees with any line that holds its value and conflicts with one that
-/// nearly does; without either it is unread, as is print that is not clear. Authorities and
+/// nearly does; without either it is unread, as is print that is not clear, and a conflict that a
+/// doubtful line may take back, since the reader was unsure of its letters. Authorities and
 /// addresses, which are written in too many ways, never conflict.
 std::vector<corvana::FieldCheck> checkPrint(const Print& print,
                                             const std::vector<corvana::DocumentField>& record);

@@ -17,7 +17,7 @@ namespace {
 
 using corvana::FieldName;
 
-using Labels = std::map<std::string, std::optional<FieldName>>;
+using Labels = std::map<std::string, LabelMeaning>;
 
 /// Small print is misread now and then, and blanks get lost in it.
 constexpr std::size_t kLettersPerError = 7;
@@ -177,20 +177,35 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-/// What lies between the strokes of a line. Those of dates part nothing.
+/// Whether a stroke is at the place. Those of dates part nothing, nor does a digit in one.
+bool isStroke(const std::string& line, std::size_t at) {
+  const auto isAround = [&](const auto& holds) {
+    return at > 0 && at + 1 < line.size() && holds(line[at - 1]) && holds(line[at + 1]);
+  };
+  if (line[at] == '/' || line[at] == '|') return !isAround(isDigit);
+  const auto isBlank = [](char c) { return c == ' '; };
+  return isLikeStroke(std::string_view(line).substr(at, 1)) && isAround(isBlank) &&
+         std::none_of(line.begin() + static_cast<std::ptrdiff_t>(at) + 1, line.end(), isDigit);
+}
+
+/// What lies between the strokes of a line.
 std::vector<std::string> partsOf(const std::string& line) {
   std::vector<std::string> parts(1);
   for (std::size_t at = 0; at < line.size(); ++at) {
-    const bool isInNumber =
-        at > 0 && at + 1 < line.size() && isDigit(line[at - 1]) && isDigit(line[at + 1]);
-    const bool parted = (line[at] == '/' || line[at] == '|') && !isInNumber;
-    if (parted) {
+    if (isStroke(line, at)) {
       parts.emplace_back();
     } else {
       parts.back() += line[at];
     }
   }
   return parts;
+}
+
+/// Of several labels the first says what the field is, unless another knows it more exactly.
+void addMeaning(LabelledText& text, const LabelMeaning& meaning) {
+  if (text.name && !(text.isOfEitherName && meaning.name)) return;
+  text.name = meaning.name;
+  text.isOfEitherName = meaning.isOfEitherName;
 }
 
 /// The labels that a text begins with, in one language or several.
@@ -202,7 +217,7 @@ LabelledText labelsBefore(const Labels& labels, const std::string& text) {
   while (at < words.size()) {
     const Match match = longestLabel(labels, words, at);
     if (match.label == nullptr) break;
-    if (!result.name) result.name = match.label->second;
+    addMeaning(result, match.label->second);
     result.hasWords = true;
     at += match.words;
     end = words[at - 1].end;
@@ -212,17 +227,21 @@ LabelledText labelsBefore(const Labels& labels, const std::string& text) {
   return result;
 }
 
-/// The label for which most letters of one of the parts speak, and one of a field rather than none.
+/// The label for which most letters of one of the parts speak: one of a field rather than none,
+/// and one that may be either name's only if no other part says which.
 Match surestLabel(const Labels& labels, const std::vector<std::string>& parts) {
   constexpr double kOfNoField = 0.01;
+  constexpr double kOfEitherName = 1;
   Match surest;
-  double least = 1;
+  double least = 1 + kOfEitherName;
   for (const std::string& part : parts) {
     const Match match = wholeLabel(labels, part);
     if (match.label == nullptr) continue;
     const double errors = static_cast<double>(match.errors);
+    const LabelMeaning& meaning = match.label->second;
     const double share = errors / static_cast<double>(match.label->first.size()) +
-                         (match.label->second ? 0 : kOfNoField);
+                         (meaning.name ? 0 : kOfNoField) +
+                         (meaning.isOfEitherName ? kOfEitherName : 0);
     if (share >= least) continue;
     least = share;
     surest = match;
@@ -240,7 +259,8 @@ std::optional<LabelledText> labelsBetweenStrokes(const Labels& labels, const std
     const bool hasDigits = std::ranges::any_of(parts.back(), isDigit);
     const bool isValue =
         last.hasWords || (hasDigits && wholeLabel(labels, parts.back()).label == nullptr);
-    return LabelledText{surest.label->second, {}, true, isValue ? last.rest : std::string()};
+    const auto& [name, isOfEitherName] = surest.label->second;
+    return LabelledText{name, isOfEitherName, {}, true, isValue ? last.rest : std::string()};
   }
   if (last.hasWords) return last;
   LabelledText first = labelsBefore(labels, text);
@@ -248,6 +268,25 @@ std::optional<LabelledText> labelsBetweenStrokes(const Labels& labels, const std
   // What follows is another language's.
   if (std::ranges::none_of(first.rest, isDigit)) first.rest.clear();
   return first;
+}
+
+/// The label in several words with which a text ends: what stands before it is the same in a
+/// language that is not known, from which no stroke parts it.
+std::optional<LabelledText> labelAtEnd(const Labels& labels, const std::string& text) {
+  constexpr std::size_t kLeastWords = 2;
+  constexpr std::size_t kLeastLetters = 9;
+  if (std::ranges::any_of(text, isDigit)) return std::nullopt;
+  const std::vector<Word> words = wordsOf(text);
+  for (std::size_t first = 1; first + kLeastWords <= words.size(); ++first) {
+    std::string letters;
+    for (std::size_t i = first; i < words.size(); ++i)
+      letters += words[i].letters;
+    const Match match = labelIn(labels, letters, kLettersPerError);
+    if (match.label == nullptr || match.label->first.size() < kLeastLetters) continue;
+    const auto& [name, isOfEitherName] = match.label->second;
+    return LabelledText{name, isOfEitherName, {}, true, {}};
+  }
+  return std::nullopt;
 }
 
 tl::unexpected<platform::Fault> differs(const FieldLabel& label, const std::filesystem::path& file,
@@ -258,6 +297,10 @@ tl::unexpected<platform::Fault> differs(const FieldLabel& label, const std::file
 }
 
 }  // namespace
+
+bool isLikeStroke(std::string_view word) {
+  return word == "I" || word == "l" || word == "1" || word == "!";
+}
 
 std::optional<FieldName> numberedField(const std::string& number, bool isNorthAmerican) {
   const auto entry = std::ranges::find(kNumbers, number, &Numbered::number);
@@ -276,9 +319,10 @@ platform::Expected<FieldLabels> FieldLabels::load(
       const auto table = readLabelFile(file);
       if (!table) return tl::unexpected(table.error());
       for (const FieldLabel& label : table->labels) {
-        const auto [known, isNew] = result.labels_.emplace(label.letters, label.name);
+        const LabelMeaning meaning{label.name, label.isOfEitherName};
+        const auto [known, isNew] = result.labels_.emplace(label.letters, meaning);
         if (isNew) sources[label.letters] = file;
-        if (known->second != label.name) return differs(label, file, sources[label.letters]);
+        if (known->second != meaning) return differs(label, file, sources[label.letters]);
       }
       result.languages_[table->language] += table->labels.size();
     }
@@ -299,7 +343,7 @@ std::optional<LabelledText> FieldLabels::labelledText(const std::string& line) c
   const bool hasColon = text.find(':') != std::string::npos;
   if (parts.size() > 1 && !hasColon) result = labelsBetweenStrokes(labels_, text, parts);
   if (!result) result = labelsBefore(labels_, text);
-  if (!result->hasWords && number.empty()) return std::nullopt;
+  if (!result->hasWords && number.empty()) return labelAtEnd(labels_, text);
   if (result->hasWords && wholeLabel(labels_, result->rest).label != nullptr) result->rest.clear();
   result->number = number;
   return result;

@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "corvana/DocumentField.h"
@@ -17,12 +18,26 @@ namespace corvana::engine {
 struct LabelledText {
   /// Absent for labels of no field of ours ("Height") and for the numbers of unknown ones.
   std::optional<corvana::FieldName> name;
+  /// The label alone does not tell surname from given names; `name` is the surname.
+  bool isOfEitherName = false;
   /// A number as on licences ("4b"); empty with a label in words only.
   std::string number;
   bool hasWords = false;
   /// What follows the labels, without blanks around it.
   std::string rest;
 };
+
+/// What a label stands for.
+struct LabelMeaning {
+  std::optional<corvana::FieldName> name;
+  bool isOfEitherName = false;
+
+  bool operator==(const LabelMeaning&) const = default;
+};
+
+/// Whether a word of small print may be a stroke between two languages: it is read as a letter or
+/// digit there.
+bool isLikeStroke(std::string_view word);
 
 /// The labels of all languages that there is a file of.
 class FieldLabels {
@@ -42,8 +57,8 @@ class FieldLabels {
   const std::map<std::string, std::size_t>& languages() const { return languages_; }
 
  private:
-  /// The fields of labels by their letters, capitals without marks and blanks.
-  std::map<std::string, std::optional<corvana::FieldName>> labels_;
+  /// By their letters, capitals without marks and blanks.
+  std::map<std::string, LabelMeaning> labels_;
   std::map<std::string, std::size_t> languages_;
 };
 

@@ -6,7 +6,6 @@
 #include <iterator>
 #include <limits>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <utility>
 
@@ -21,11 +20,6 @@ constexpr double kAligned = 0.8;
 constexpr double kMostBelow = 1.2;
 
 using Tokens = std::vector<std::string>;
-
-Tokens tokensOf(const std::string& text) {
-  std::istringstream stream(text);
-  return {std::istream_iterator<std::string>(stream), {}};
-}
 
 std::string joined(const Tokens& tokens, std::size_t from, std::size_t to) {
   std::string text;
@@ -60,13 +54,21 @@ struct PlacedLine {
 };
 
 std::optional<PlacedLine> placed(const TextLine& line) {
-  Tokens tokens = tokensOf(line.text);
+  Tokens tokens = wordsBetweenBlanks(line.text);
   if (tokens.size() < 2 || tokens.size() != line.words.size()) return std::nullopt;
   return PlacedLine{line, std::move(tokens)};
 }
 
 bool isStroke(char c) {
   return c == '/' || c == '|';
+}
+
+/// Strokes part the languages of one label; a lone one may be read as a letter.
+bool isAtStroke(const Tokens& tokens, std::size_t place) {
+  const std::string& before = tokens[place - 1];
+  const std::string& after = tokens[place];
+  return isStroke(after.front()) || isStroke(before.back()) || isLikeStroke(before) ||
+         isLikeStroke(after);
 }
 
 /// Whether a label has words on both sides of the place, so that nothing begins there.
@@ -83,9 +85,7 @@ enum class Beginning { nothing, label, labelAndValue };
 
 Beginning beginningAt(const Tokens& tokens, std::size_t place, const FieldLabels& labels,
                       const ValueReader& read) {
-  // Strokes part the languages of one label.
-  if (isStroke(tokens[place].front()) || isStroke(tokens[place - 1].back()))
-    return Beginning::nothing;
+  if (isAtStroke(tokens, place)) return Beginning::nothing;
   const auto before = labels.labelledText(joined(tokens, 0, place));
   const auto after = labels.labelledText(joined(tokens, place, tokens.size()));
   if (!before || !after || !before->hasWords || !after->hasWords || before->name == after->name)

@@ -9,6 +9,7 @@
 
 #include "engine/document/fields/PartedLines.h"
 #include "engine/document/fields/PlacedFields.h"
+#include "engine/document/fields/SettledFields.h"
 #include "engine/document/fields/ValueReader.h"
 
 namespace corvana::engine {
@@ -43,19 +44,46 @@ bool isNorthAmerican(const std::vector<TextLine>& lines) {
 }
 
 bool isLabelOf(const Line& line, FieldName name) {
-  return line.label && line.label->hasWords && line.label->name == name;
+  return line.label && line.label->hasWords && !line.label->isOfEitherName &&
+         line.label->name == name;
 }
 
-/// "Name" stands for the surname alone on some cards, and for the given names on those that say
-/// "Surname" above it: two surnames and no given names are one of each.
+void decide(LabelledText& label, std::optional<FieldName> name) {
+  label.name = name;
+  label.isOfEitherName = false;
+}
+
+/// "Name" stands for the surname on cards that say "Given names" too, and for the given names on
+/// those that say "Surname". Two such labels are one of each, the upper one the surname's. One
+/// whose fellow was not read stays undecided.
 void tellNamesApart(std::vector<Line>& lines) {
-  const auto isSurname = [](const Line& line) { return isLabelOf(line, FieldName::surname); };
-  const auto isGiven = [](const Line& line) { return isLabelOf(line, FieldName::givenNames); };
-  if (std::ranges::count_if(lines, isSurname) != 2 || std::ranges::any_of(lines, isGiven)) return;
-  const auto first = std::ranges::find_if(lines, isSurname);
-  const auto second = std::find_if(std::next(first), lines.end(), isSurname);
-  const bool isInOrder = first->print->box.midY() < second->print->box.midY();
-  (isInOrder ? second : first)->label->name = FieldName::givenNames;
+  const auto has = [&](FieldName name) {
+    return std::ranges::any_of(lines, [name](const Line& line) { return isLabelOf(line, name); });
+  };
+  std::vector<Line*> either;
+  for (Line& line : lines) {
+    if (line.label && line.label->isOfEitherName) either.push_back(&line);
+  }
+  const bool hasSurname = has(FieldName::surname);
+  const bool hasGivenNames = has(FieldName::givenNames);
+  if (hasGivenNames) {
+    for (Line* line : either)
+      decide(*line->label, hasSurname ? std::nullopt : std::optional(FieldName::surname));
+  } else if (hasSurname && either.size() == 1) {
+    decide(*either.front()->label, FieldName::givenNames);
+  } else if (!hasSurname && either.size() == 2) {
+    std::ranges::sort(either, {}, [](const Line* line) { return line->print->box.midY(); });
+    decide(*either.front()->label, FieldName::surname);
+    decide(*either.back()->label, FieldName::givenNames);
+  }
+}
+
+/// On a licence its number says which name a label stands for.
+void tellNamesByNumber(std::vector<Line>& lines) {
+  for (Line& line : lines) {
+    if (!line.label || !line.label->isOfEitherName) continue;
+    if (const auto name = numberedField(line.label->number, false)) decide(*line.label, name);
+  }
 }
 
 std::vector<Line> labelledLines(const std::vector<TextLine>& lines, const FieldLabels& labels) {
@@ -68,11 +96,12 @@ std::vector<Line> labelledLines(const std::vector<TextLine>& lines, const FieldL
     const auto& label = result.back().label;
     if (label && !label->number.empty()) numbers.insert(label->number);
   }
+  const bool isLicence = numbers.size() >= kLeastNumbers;
+  if (isLicence) tellNamesByNumber(result);
   tellNamesApart(result);
-  if (numbers.size() >= kLeastNumbers) return result;
   for (Line& line : result) {
     // A house's number is no field's.
-    if (line.label && !line.label->hasWords) line.label.reset();
+    if (!isLicence && line.label && !line.label->hasWords) line.label.reset();
   }
   return result;
 }
@@ -99,8 +128,16 @@ std::optional<double> distance(const platform::CGRect& label, const platform::CG
 struct Pair {
   double distance;
   FieldName name;
+  bool isOfEitherName;
   const TextLine* text;
   std::string value;
+};
+
+/// What the labels name.
+struct Named {
+  std::vector<DocumentField> fields;
+  /// Under a label of which it can't be told for which name it stands.
+  std::optional<DocumentField> eitherName;
 };
 
 class Assembly {
@@ -111,16 +148,16 @@ class Assembly {
         lines_, [](const Line& line) { return line.label && line.label->number == "5"; });
   }
 
-  std::vector<DocumentField> fields() {
+  Named named() {
     takeInline();
     std::vector<Pair> found = pairs();
     std::ranges::stable_sort(found, {}, &Pair::distance);
     for (Pair& pair : found)
-      take(pair.name, *pair.text, std::move(pair.value));
-    for (DocumentField& field : fields_) {
+      take(std::move(pair));
+    for (DocumentField& field : named_.fields) {
       if (field.name == FieldName::address) addLinesBelow(field);
     }
-    return std::move(fields_);
+    return std::move(named_);
   }
 
  private:
@@ -131,14 +168,20 @@ class Assembly {
     return name || hasFive_ ? name : numberedField(label.number, true);
   }
 
-  void take(FieldName name, const TextLine& text, std::string value) {
-    if (!names_.insert(name).second) return;
-    if (!used_.insert(&text).second) {
-      names_.erase(name);
-      return;
+  void take(Pair pair) {
+    if (names_.contains(pair.name) || !used_.insert(pair.text).second) return;
+    names_.insert(pair.name);
+    DocumentField field{pair.name,
+                        std::move(pair.value),
+                        FieldSource::print,
+                        static_cast<float>(pair.text->confidence),
+                        false,
+                        pair.text->box};
+    if (pair.isOfEitherName) {
+      named_.eitherName = std::move(field);
+    } else {
+      named_.fields.push_back(std::move(field));
     }
-    fields_.push_back({name, std::move(value), FieldSource::print,
-                       static_cast<float>(text.confidence), false, text.box});
   }
 
   void takeInline() {
@@ -147,7 +190,7 @@ class Assembly {
       const auto name = nameOf(*line.label);
       if (!name) continue;
       if (auto value = read_(*name, line.label->rest)) {
-        take(*name, *line.print, *std::move(value));
+        take({0, *name, line.label->isOfEitherName, line.print, *std::move(value)});
       } else {
         // More of the label, in words that are not known.
         line.label->rest.clear();
@@ -165,7 +208,8 @@ class Assembly {
         const auto apart = distance(label.print->box, text.print->box);
         if (!apart) continue;
         if (auto value = read_(*name, text.print->text))
-          found.push_back({*apart, *name, text.print, *std::move(value)});
+          found.push_back(
+              {*apart, *name, label.label->isOfEitherName, text.print, *std::move(value)});
       }
     }
     return found;
@@ -194,18 +238,21 @@ class Assembly {
   bool hasFive_ = false;
   std::set<FieldName> names_;
   std::set<const TextLine*> used_;
-  std::vector<DocumentField> fields_;
+  Named named_;
 };
 
 }  // namespace
 
 std::vector<DocumentField> printedFields(const std::vector<TextLine>& lines,
                                          const FieldLabels& labels, const CalendarDate& today,
-                                         const std::vector<PlacedField>& places) {
+                                         const std::vector<PlacedField>& places,
+                                         const std::vector<DocumentField>& record) {
   const bool isAmerican = isNorthAmerican(lines);
   const ValueReader read(today, isAmerican);
   const std::vector<TextLine> parted = partedLines(lines, labels, read);
-  auto fields = Assembly(labelledLines(parted, labels), read, isAmerican).fields();
+  auto [fields, eitherName] = Assembly(labelledLines(parted, labels), read, isAmerican).named();
+  if (eitherName) addEitherName(*std::move(eitherName), record, fields);
+  settle(fields, record);
   for (DocumentField& placed : placedFields(parted, places, labels, read)) {
     const auto named = std::ranges::find(fields, placed.name, &DocumentField::name);
     if (named == fields.end()) fields.push_back(std::move(placed));

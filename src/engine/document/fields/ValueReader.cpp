@@ -1,6 +1,7 @@
 #include "engine/document/fields/ValueReader.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <sstream>
 #include <vector>
@@ -55,12 +56,13 @@ std::optional<std::string> wordsIn(const std::string& text) {
 
 }  // namespace
 
+std::vector<std::string> wordsBetweenBlanks(const std::string& text) {
+  std::istringstream stream(text);
+  return {std::istream_iterator<std::string>(stream), {}};
+}
+
 std::vector<std::string> plainWords(const std::string& text) {
-  std::istringstream stream(plainLetters(text));
-  std::vector<std::string> words;
-  for (std::string word; stream >> word;)
-    words.push_back(std::move(word));
-  return words;
+  return wordsBetweenBlanks(plainLetters(text));
 }
 
 std::optional<std::string> ValueReader::operator()(FieldName name, const std::string& text) const {

@@ -9,6 +9,9 @@
 
 namespace corvana::engine {
 
+/// What stands between the blanks of a text. Pure.
+std::vector<std::string> wordsBetweenBlanks(const std::string& text);
+
 /// The words of a text, in plain letters. Pure.
 std::vector<std::string> plainWords(const std::string& text);
 

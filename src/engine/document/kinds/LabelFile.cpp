@@ -17,12 +17,15 @@ constexpr std::uint64_t kLargestFile = 256 << 10;
 constexpr std::size_t kLongestLabel = 100;
 /// The key of labels of no field of ours.
 constexpr const char* kOther = "other";
+/// The key of labels of the surname on some cards and of the given names on others.
+constexpr const char* kEitherName = "eitherName";
 
 std::vector<FieldLabel> labelsOf(JsonObject& fields, const std::string& field) {
-  const auto name = fieldNamed(field);
+  const bool isOfEitherName = field == kEitherName;
+  const auto name = isOfEitherName ? corvana::FieldName::surname : fieldNamed(field);
   if (!name && field != kOther) {
-    fields.complain("",
-                    JsonObject::quoted(field) + " is no field of docs/fields.md, nor \"other\"");
+    fields.complain("", JsonObject::quoted(field) + " is no field of docs/fields.md, nor \"" +
+                            kEitherName + "\" or \"" + kOther + "\"");
   }
   std::vector<FieldLabel> labels;
   for (std::string& text : fields.texts(field)) {
@@ -31,7 +34,7 @@ std::vector<FieldLabel> labelsOf(JsonObject& fields, const std::string& field) {
     if (letters.empty() || letters.size() > kLongestLabel || blanks >= kMostLabelWords) {
       fields.complain(field, "a label must have one to five words in Latin letters");
     }
-    labels.push_back({name, std::move(text), std::move(letters)});
+    labels.push_back({name, isOfEitherName, std::move(text), std::move(letters)});
   }
   return labels;
 }

@@ -13,6 +13,9 @@ namespace corvana::engine {
 struct FieldLabel {
   /// Absent for labels of no field of ours, which are there so that they are not taken for values.
   std::optional<corvana::FieldName> name;
+  /// It stands for the surname on some cards and for the given names on others; `name` is the
+  /// surname.
+  bool isOfEitherName = false;
   std::string text;
   std::string letters;  ///< capitals of ASCII and digits, without blanks
 };

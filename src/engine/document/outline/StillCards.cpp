@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include <opencv2/core.hpp>
+
 #include "engine/document/outline/CardOutlines.h"
 #include "engine/vision/ImageOps.h"
 #include "engine/vision/MatViews.h"
@@ -34,6 +36,28 @@ StillPicture stillPicture(const platform::PixelBufferRef& picture, TextBoxes& pr
   StillPicture still{reduced(picture), {}};
   still.print = print.find(rgbMat(*still.picture));
   return still;
+}
+
+StillPicture lookedAtInParts(const StillPicture& still, TextBoxes& print) {
+  // About as large as the network sees, of its shape, and overlapping so that no line is cut.
+  constexpr double kPartOfStill = 0.42;
+  constexpr double kLeastPart = 704;
+  constexpr double kShape = 448.0 / 704;
+  constexpr double kStep = 0.8;
+  const cv::Mat rgb = rgbMat(*still.picture);
+  const int width = cvRound(std::max(kLeastPart, kPartOfStill * std::max(rgb.cols, rgb.rows)));
+  const int height = cvRound(kShape * width);
+  StillPicture result{still.picture, {}};
+  for (int top = 0; top < rgb.rows; top += cvRound(kStep * height)) {
+    for (int left = 0; left < rgb.cols; left += cvRound(kStep * width)) {
+      const cv::Rect part = cv::Rect(left, top, width, height) & cv::Rect({}, rgb.size());
+      for (cv::RotatedRect& line : print.find(rgb(part))) {
+        line.center += cv::Point2f(part.tl());
+        result.print.push_back(line);
+      }
+    }
+  }
+  return result;
 }
 
 bool mayHavePrint(const StillPicture& still, const Quad& outline) {

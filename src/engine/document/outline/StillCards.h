@@ -17,6 +17,11 @@ struct StillPicture {
 
 StillPicture stillPicture(const platform::PixelBufferRef& picture, TextBoxes& print);
 
+/// The same still with its print looked for part by part, as far as it has more pixels than the
+/// network that finds print can see at once: what is printed on a card that is a small part of it,
+/// or lies across it, shows only then. Costs as much as a dozen looks inside outlines.
+StillPicture lookedAtInParts(const StillPicture& still, TextBoxes& print);
+
 /// Whether there is any print inside the outline, as far as the still shows it: true where the
 /// outline is so small a part of it that print in it may not have been seen.
 bool mayHavePrint(const StillPicture& still, const Quad& outline);

@@ -20,6 +20,12 @@ constexpr float kThorn = 0.002F;
 /// Beside a C with a caron less than 0.0005 of a G with a breve, beside that G at least 0.002.
 constexpr float kBreve = 0.0015F;
 
+/// Where a letter of a name was misread the right one has 0.01 and more, beside digits that stand
+/// there truly any other has less than 0.0003.
+constexpr float kPossible = 0.005F;
+/// At the rims of letters pauses and the letters beside them have shares too.
+constexpr float kPossiblyLeftOut = 0.1F;
+
 constexpr UChar32 kLastOfAscii = 0x7F;
 
 bool isLetterWithMark(const std::string& letter) {
@@ -95,6 +101,32 @@ bool LineDecoder::hidesALetter(std::span<const float> pause) const {
   return marked >= kHiddenLetter;
 }
 
+LineDoubts LineDecoder::doubtsOf(std::span<const float> answers,
+                                 const std::vector<Letter>& path) const {
+  LineDoubts doubts;
+  const auto indexAt = [&](std::size_t i) { return i < path.size() ? path[i].index : 0; };
+  for (std::size_t i = 0; i < path.size(); ++i) {
+    const auto answer = answers.subspan(i * classes(), classes());
+    const std::size_t seen = path[i].index;
+    if (seen != 0) {
+      const bool goesOn = i > 0 && path[i - 1].index == seen;
+      if (!goesOn) doubts.add(letters_[seen - 1]);
+      const bool isAlone = !goesOn && indexAt(i + 1) != seen;
+      if (isAlone && answer[0] >= kPossiblyLeftOut) doubts.addOther({}, answer[0]);
+      for (std::size_t k = 1; k < classes(); ++k)
+        if (k != seen && answer[k] >= kPossible) doubts.addOther(letters_[k - 1], answer[k]);
+      continue;
+    }
+    const Letter hidden = likeliest(answer, false);
+    const bool isNeighbours =
+        hidden.index == indexAt(i + 1) || (i > 0 && hidden.index == path[i - 1].index);
+    if (hidden.share < kPossiblyLeftOut || isNeighbours) continue;
+    doubts.add({});
+    doubts.addOther(letters_[hidden.index - 1], hidden.share);
+  }
+  return doubts;
+}
+
 LineReading LineDecoder::read(std::span<const float> answers) const {
   const std::size_t count = answers.size() / classes();
   const auto answer = [&](std::size_t i) { return answers.subspan(i * classes(), classes()); };
@@ -127,6 +159,7 @@ LineReading LineDecoder::read(std::span<const float> answers) const {
   }
   if (shares.empty()) return {};
   reading.words = std::move(words).found();
+  reading.others = doubtsOf(answers, path).otherTexts();
   for (const float share : shares)
     reading.confidence += share / static_cast<double>(shares.size());
   reading.leastConfident = std::min(hidden, *std::ranges::min_element(shares));

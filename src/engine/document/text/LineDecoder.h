@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "engine/document/text/LineDoubts.h"
+
 namespace corvana::engine {
 
 /// The text of one line.
@@ -16,6 +18,9 @@ struct LineReading {
   double leastConfident = 0;  ///< the least of the letters', 0 to 1
   /// The answers at which the first and the last letter of each word between blanks stand.
   std::vector<std::pair<std::size_t, std::size_t>> words{};
+  /// What the line may say as well, as far as the network was unsure of letters; the likeliest
+  /// first.
+  std::vector<std::string> others{};
 };
 
 /// Makes a text of what the network answers along a line. Pure.
@@ -50,6 +55,7 @@ class LineDecoder {
   Letter likeliest(std::span<const float> answer, bool isPauseAllowed) const;
   Letter rareInPlaceOf(Letter seen, std::span<const float> answer) const;
   bool hidesALetter(std::span<const float> pause) const;
+  LineDoubts doubtsOf(std::span<const float> answers, const std::vector<Letter>& path) const;
 
   std::vector<std::string> letters_;
   std::vector<bool> isMarked_;

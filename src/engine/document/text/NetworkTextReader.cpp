@@ -175,6 +175,9 @@ std::vector<TextLine> NetworkTextReader::readAgain(const platform::PixelBuffer& 
   for (auto& [picture, line] : lines) {
     const LineReading reading = recognizer_.read(picture);
     line.text = repairedLetters(trimmed(reading.text));
+    line.others.clear();
+    for (const std::string& other : reading.others)
+      line.others.push_back(repairedLetters(trimmed(other)));
     line.words = wordsOf(reading, line, picture);
     line.confidence = reading.confidence;
     line.leastConfidence = reading.leastConfident;

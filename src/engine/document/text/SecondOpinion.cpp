@@ -30,8 +30,10 @@ std::vector<TextLine> withSecondOpinion(const platform::PixelBuffer& card,
     if (again.empty() || again.front().confidence < kSure) continue;
     if (!isTheSameText(line.text, again.front().text)) continue;
     auto words = std::move(line.words);
+    auto others = std::move(line.others);
     line = again.front();
     line.words = std::move(words);
+    line.others = std::move(others);
   }
   return lines;
 }

@@ -23,6 +23,8 @@ struct TextLine {
   double leastConfidence = 1;  ///< of its least sure letter
   /// Of each word between blanks, in the order of the text; empty where the reader can't tell.
   std::vector<WordReach> words{};
+  /// What it may say as well, as far as the reader was unsure of letters; the likeliest first.
+  std::vector<std::string> others{};
 };
 
 /// Reads the print of a straightened card. The same picture gives the same text. One thread at a

@@ -186,6 +186,52 @@ TEST(FieldAgreement, HonoursTruncationAndDoubt) {
   EXPECT_EQ(engine::checkPrint(print, {cut}).front().agreement, kUnread) << "too faint to accuse";
 }
 
+TEST(FieldAgreement, AccusesNobodyOfALetterThatTheReaderDoubts) {
+  struct Case {
+    const char* what;
+    FieldName name;
+    const char* recorded;
+    const char* printed;
+    std::vector<std::string> doubtful;
+    FieldAgreement agreement;
+  };
+  const Case cases[] = {
+      {"the recorded letter is possible",
+       FieldName::givenNames,
+       "IEUAN",
+       "leuan",
+       {"Ieuan"},
+       kUnread},
+      {"beside a label",
+       FieldName::documentNumber,
+       "U3950734K",
+       "U3950784K",
+       {"Nr U3950734K", "Nr U3950134K"},
+       kUnread},
+      {"a date", FieldName::birthDate, "1984-08-12", "1984-08-17", {"12.08.1984"}, kUnread},
+      {"the reader is sure", FieldName::givenNames, "IEUAN", "Euan", {}, kConflicts},
+      {"another letter is possible than the recorded one",
+       FieldName::documentNumber,
+       "U3950734K",
+       "U3950784K",
+       {"U3950784X", "U3950184K"},
+       kConflicts},
+      {"an agreement stays one", FieldName::givenNames, "IEUAN", "IEUAN", {"leuan"}, kAgrees}};
+  for (const Case& c : cases) {
+    for (const bool hasLabel : {true, false}) {
+      engine::Print print;
+      print.lines = {c.name == FieldName::birthDate ? "17.08.1984" : c.printed};
+      if (hasLabel) print.fields = {field(c.name, c.printed, FieldSource::print)};
+      print.doubtfulLines = c.doubtful;
+      const auto check =
+          engine::checkPrint(print, {field(c.name, c.recorded, FieldSource::zone)}).front();
+      EXPECT_EQ(check.agreement, c.agreement) << c.what << hasLabel;
+      EXPECT_EQ(check.isDoubtful, c.agreement == kUnread) << c.what << hasLabel;
+      EXPECT_FALSE(check.isDoubtful && check.place) << c.what;
+    }
+  }
+}
+
 TEST(FieldAgreement, TellsAnotherExpiryFromTheIssueOnItsDay) {
   const std::vector<DocumentField> record{
       field(FieldName::expiryDate, "2024-07-01", FieldSource::zone)};

@@ -77,6 +77,31 @@ const Case kCases[] = {
      {at(300, 100, "Isem / Name", 14), at(300, 118, "ĊETTA"), at(300, 40, "Kunjom / Surname", 14),
       at(300, 58, "BUĦAĠIAR")},
      {{FieldName::surname, "BUĦAĠIAR"}, {FieldName::givenNames, "ĊETTA"}}},
+    {"a label of either name, whose fellow was not read",
+     {at(300, 40, "MEIER"), at(300, 100, "Ainm / Name", 14), at(300, 118, "ĊETTA"),
+      at(300, 160, "Sex: F", 14)},
+     {{FieldName::sex, "F"}}},
+    {"two labels of either name, and one beside sure labels of both",
+     {at(300, 40, "Nom", 14), at(300, 58, "ÒDENA"), at(300, 100, "Noms", 14),
+      at(300, 118, "MERCÈ")},
+     {{FieldName::surname, "ÒDENA"}, {FieldName::givenNames, "MERCÈ"}}},
+    {"a label of either name in one language and of the given names in the next",
+     {at(300, 40, "MONTCORTÈS"), at(300, 100, "Noms I Prénoms / Given names", 14),
+      at(300, 118, "ÒSCAR")},
+     {{FieldName::givenNames, "ÒSCAR"}}},
+    {"two surnames, each with its label, and given names whose label was not read",
+     {at(300, 40, "Primer apellido", 14), at(300, 58, "NÚÑEZ"),
+      at(300, 100, "Segundo apellido", 14), at(300, 118, "CARREÑO"), at(300, 178, "MARÍA")},
+     {{FieldName::surname, "NÚÑEZ"}}},
+    {"strokes that were read as letters or not at all",
+     {at(300, 40, "Nimero I Numéro 1 Number", 14), at(300, 58, "L4012679"),
+      at(300, 100, "Data d'expecició l Date of issue", 14), at(300, 118, "26.11.2025"),
+      at(300, 160, "Valid fios al Date of expiry", 14), at(300, 178, "26.11.2030"),
+      at(300, 220, "Born 1 MAY 1931")},
+     {{FieldName::documentNumber, "L4012679"},
+      {FieldName::issueDate, "2025-11-26"},
+      {FieldName::expiryDate, "2030-11-26"},
+      {FieldName::birthDate, "1931-05-01"}}},
     {"two labels in one line, above values of their own",
      {at(300, 100, "Uimhir an cheada / Permit number As feidhm / Valid until", 14),
       at(300, 122, "LY3755276"), at(531, 122, "22-12-2029")},
@@ -112,6 +137,12 @@ const Case kCases[] = {
      {at(300, 40, "Name", 14), at(300, 58, "MEIER"), at(300, 100, "Vornamen", 14),
       at(300, 118, "UTE")},
      {{FieldName::surname, "MEIER"}, {FieldName::givenNames, "UTE"}}},
+    {"a licence whose numbers tell the names apart",
+     {at(300, 60, "PERMIS"), at(300, 100, "2 Nom: MERCÈ"), at(300, 140, "3. 12.08.64"),
+      at(300, 180, "4b. 25.07.26")},
+     {{FieldName::givenNames, "MERCÈ"},
+      {FieldName::birthDate, "1964-08-12"},
+      {FieldName::expiryDate, "2026-07-25"}}},
     {"a licence whose number stands under 4d and not under 5",
      {at(300, 40, "PERMIS DE CONDUIRE"), at(300, 100, "1 ÒDENA"), at(300, 140, "2 MERCÈ"),
       at(300, 180, "4d L9712-71662"), at(300, 220, "3 1982/10/10"), at(300, 260, "4b 2030/03/26"),
@@ -179,6 +210,40 @@ TEST(PrintedFields, AreFoundByTheirLabels) {
       EXPECT_EQ(field.source, corvana::FieldSource::print);
       EXPECT_TRUE(field.place);
     }
+    EXPECT_EQ(values, c.values) << c.what;
+  }
+}
+
+TEST(PrintedFields, ThatZoneOrCodeHaveForAnotherFieldAreThatOnes) {
+  const auto labels = engine::FieldLabels::load({ENGINE_RESOURCES "/documents/labels"});
+  ASSERT_TRUE(labels) << labels.error().sentence;
+  const auto recorded = [](FieldName name, const char* value) {
+    return corvana::DocumentField{name, value, corvana::FieldSource::zone, 1, false, std::nullopt};
+  };
+  const std::vector<corvana::DocumentField> record{
+      recorded(FieldName::surname, "ODENA"), recorded(FieldName::givenNames, "MERCE"),
+      recorded(FieldName::birthDate, "1982-10-10"), recorded(FieldName::expiryDate, "2030-03-26")};
+  const Case cases[] = {
+      {"a name under a label of either",
+       {at(300, 100, "Nom", 14), at(300, 118, "MERCÈ")},
+       {{FieldName::givenNames, "MERCÈ"}}},
+      {"a name of nobody in the record, under a label of either",
+       {at(300, 100, "Nom", 14), at(300, 118, "UTOPIA")},
+       {}},
+      {"values that stand nearer to their neighbour's label than to their own",
+       {at(300, 100, "Surname", 14), at(300, 118, "MERCÈ"), at(300, 200, "Date of issue", 14),
+        at(300, 218, "26.03.2030")},
+       {{FieldName::givenNames, "MERCÈ"}, {FieldName::expiryDate, "2030-03-26"}}},
+      {"what is printed otherwise than recorded stays where its label has it",
+       {at(300, 100, "Surname", 14), at(300, 118, "MEIER"), at(300, 200, "Date of birth", 14),
+        at(300, 218, "11.10.1982"), at(600, 200, "Date of issue", 14), at(600, 218, "26.03.2025")},
+       {{FieldName::surname, "MEIER"},
+        {FieldName::birthDate, "1982-10-11"},
+        {FieldName::issueDate, "2025-03-26"}}}};
+  for (const Case& c : cases) {
+    Values values;
+    for (const auto& field : engine::printedFields(c.lines, *labels, kToday, {}, record))
+      values[field.name] = field.value;
     EXPECT_EQ(values, c.values) << c.what;
   }
 }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <map>
 #include <string>
 #include <vector>
@@ -37,6 +38,24 @@ TEST(LineDecoder, DropsPausesAndRepetitions) {
   const auto words = read({{}, {{"N", 1}}, {}, {{"U", 1}}, {{" ", 1}}, {{" ", 1}}, {{"G", 1}}});
   EXPECT_EQ(words.text, "NU G");
   EXPECT_EQ(words.words, (std::vector<std::pair<std::size_t, std::size_t>>{{1, 3}, {6, 6}}));
+}
+
+TEST(LineDecoder, SaysWhatElseALineMaySay) {
+  using Texts = std::vector<std::string>;
+  const Answer n{{"N", 1.F}};
+  EXPECT_EQ(read({n, {}, {{"U", 0.998F}}}).others, Texts{}) << "sure letters";
+  EXPECT_EQ(read({n, {}, {{"U", 0.6F}, {"Y", 0.3F}, {"O", 0.004F}}}).others, Texts{"NY"});
+  EXPECT_EQ(read({n, {}, {{"U", 0.98F}}, {{"U", 0.9F}, {"Y", 0.1F}}}).others, Texts{"NY"})
+      << "a letter that is seen twice";
+  EXPECT_EQ(read({n, {}, {{"U", 0.7F}, {"Y", 0.3F}}, {{"G", 0.8F}, {"O", 0.2F}}}).others,
+            (Texts{"NYG", "NUO", "NYO"}));
+  EXPECT_EQ(read({n, {}, {{"U", 0.7F}}}).others, Texts{"N"}) << "a letter too many";
+  EXPECT_EQ(read({n, {}, {{"U", 0.4F}}, {}, n}).others, Texts{"NUN"}) << "one that is missing";
+  EXPECT_EQ(read({n, {{"N", 0.4F}}, {}, n}).others, Texts{}) << "the rim of a letter";
+  const Answer any{{"N", 0.5F}, {"G", 0.3F}, {"U", 0.15F}};
+  const Texts many = read({any, {}, any, {}, any, {}, any, {}, any}).others;
+  EXPECT_EQ(many.size(), engine::LineDoubts::kMostTexts);
+  EXPECT_EQ(std::ranges::count(many, "NNNNN"), 0);
 }
 
 struct DoubtCase {

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <vector>
+
+#include "corvana/DocumentField.h"
+
+/// What zone or code tell of values in print whose labels do not tell, or tell wrongly since a
+/// neighbour's label was not read. Pure.
+namespace corvana::engine {
+
+/// Adds a name under a label that may be the surname's or the given names', if the record has it
+/// for one of the two alone.
+void addEitherName(corvana::DocumentField name, const std::vector<corvana::DocumentField>& record,
+                   std::vector<corvana::DocumentField>& fields);
+
+/// Gives each value that the record has for another field of its sort to that field, in place of
+/// what that one had, unless it agrees with the record.
+void settle(std::vector<corvana::DocumentField>& fields,
+            const std::vector<corvana::DocumentField>& record);
+
+}  // namespace corvana::engine
