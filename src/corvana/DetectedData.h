@@ -45,8 +45,6 @@ struct DetectedData {
   std::optional<DocumentSide> side;
   /// Lines of printed text in reading order; absent when the side was not read.
   std::optional<std::vector<std::string>> ocrStrings;
-  /// What lines of print may say as well, as far as their reader was unsure of letters.
-  std::vector<std::string> doubtfulStrings;
   std::optional<MRZResult> mrz;
   std::optional<std::map<std::string, std::string>> barcode;
   /// The portrait on the card, cropped for the face matcher; null when none was found.
@@ -63,6 +61,8 @@ struct DetectedData {
   std::optional<RealnessScores> realness;
   /// What zone, code and print say of holder and document, each by itself; absent when not read.
   std::optional<std::vector<DocumentField>> fields;
+  /// What lines of print may say as well, as far as their reader was unsure of letters.
+  std::vector<std::string> doubtfulStrings;
 };
 
 /// Raw measurements of document analysis, for tuning.

@@ -6,6 +6,7 @@
 
 #include "app/commands/Commands.h"
 #include "app/record/Files.h"
+#include "app/record/RecordFiles.h"
 #include "app/record/RunRecord.h"
 #include "app/stamp/StampService.h"
 #include "app/stamp/Stamps.h"
@@ -49,7 +50,9 @@ ExitCode writeRequest(const TimestampArguments& arguments, const std::string& se
     return refuse("There is a file " + inQuotes(arguments.request) +
                   " already: give its answer with --answer, or take it away.");
   }
-  const auto written = writeFile(arguments.request, makeStampRequest(seal));
+  const auto written = checkOutside(arguments.folder, arguments.request).and_then([&] {
+    return writeFile(arguments.request, makeStampRequest(seal));
+  });
   if (!written) return refuse(written.error().sentence);
   std::cout << arguments.request.string()
             << ": send it to a time stamp authority (application/timestamp-query), then come "

@@ -43,6 +43,12 @@ Expected<DeviceInfo> chooseCamera(const std::string& id) {
         "with --camera FILE.");
   }
   if (const DeviceInfo* found = devices::findDevice(cameras, id)) return *found;
+  std::error_code error;
+  if (fs::is_directory(id, error)) {
+    return platform::failure(inQuotes(id) +
+                             " is a folder, and neither a camera nor a recorded video; name a file "
+                             "in it.");
+  }
   return platform::failure("There is no camera and no file " + inQuotes(id) +
                            "; `videoid devices` lists the cameras.");
 }

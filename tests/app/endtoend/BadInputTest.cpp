@@ -45,6 +45,7 @@ TEST(Commands, BadInputGetsOneSentenceAndExitCodeTwo) {
   } cases[] = {
       {"--camera", scratch / "none.mp4", "none.mp4"},
       {"--camera", SAMPLES "/README.md", "README.md"},
+      {"--camera", SAMPLES, "is a folder"},
       {"--text", " \t", "holds no word"},
       {"--text", std::string(9000, 'a'), "longer than 8000 bytes"},
       {"--text", "a\xff z", "not valid UTF-8"},

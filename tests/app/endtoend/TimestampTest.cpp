@@ -53,6 +53,9 @@ class Timestamp : public testing::Test {
 };
 
 TEST_F(Timestamp, ARecordIsStampedAndStampedAgainAndOutlivesItsKey) {
+  const ProgramRun within = stamp({"--request", run_ / "run.tsq"});
+  EXPECT_EQ(within.exitCode, 2);
+  EXPECT_NE(within.errors.find("lies within"), std::string::npos) << within.errors;
   for (const char* name : {"stamp-1.tsr", "stamp-2.tsr"}) {
     ASSERT_EQ(stamp().exitCode, 0);
     EXPECT_EQ(stamp().exitCode, 2) << "a request waits for its answer";
