@@ -103,8 +103,12 @@ void SelfiePhase::instruct(SelfieView& view) const {
     view.verdict = Verdict::issue;
     view.issue = wordsFor(challenge_->task());
   } else if (challenge_->phase() == ChallengeJudge::Phase::returning) {
-    view.verdict = challenge_->isTooNear() ? Verdict::moveAway : Verdict::issue;
-    view.issue = SelfieCapture::strings.lookStraight;
+    const auto way = challenge_->wayBack();
+    view.verdict = way == ChallengeJudge::WayBack::moveAway ? Verdict::moveAway : Verdict::issue;
+    // Whoever blinked is at rest already. What was asked for stays for this moment: other words
+    // would be gone before anybody could read them.
+    view.issue = way == ChallengeJudge::WayBack::none ? SelfieCapture::strings.blinkTwice
+                                                      : SelfieCapture::strings.lookStraight;
   }
 }
 

@@ -143,8 +143,8 @@ SelfieView VisionFrameAnalyzer::lookForSelfie(const PixelBufferRef& picture,
     tracker_.start(judgement.face->box, observation.frameTime);
   }
   if (const auto& details = judgement.details) {
-    view.liveness = liveness_.add({observation.frameTime, *picture, judgement.face->box, *details,
-                                   judgement.passiveLiveness});
+    view.liveness = liveness_.add({observation.frameTime, *judgement.gray, judgement.face->box,
+                                   *details, judgement.passiveLiveness});
     view.measures = {details->leftEyeOpen, details->rightEyeOpen, view.liveness->score};
     view.head = HeadLook{details->pose, judgement.face->box.width, liveness_.lids()};
   }

@@ -43,13 +43,16 @@ BlinkWatch::Lids BlinkWatch::usual() const {
   return {of(&Lids::opening), of(&Lids::rightAspect), of(&Lids::leftAspect)};
 }
 
-/// The network follows closing lids only part of the way, and trembles: two looks in a row count.
+/// The network follows closing lids only part of the way, late, and trembles: one look in which
+/// they are low counts when the eyes were low or looked otherwise in the look before.
 bool BlinkWatch::looksClosed(double opening, double aspect, double likeness) {
   const bool isLow = aspect < closedShare_;
-  const bool isLowAgain = std::exchange(wasLow_, isLow) && isLow;
+  const bool isUnlike = likeness < kMostAlike;
+  const bool wasLow = std::exchange(wasLow_, isLow);
+  const bool wasUnlike = std::exchange(wasUnlike_, isUnlike);
   // Eyes that stay closed look as they did a moment before.
-  const bool haveChanged = closedSince_ || likeness < kMostAlike;
-  return haveChanged && (isLowAgain || (isLow && opening < kHiddenShare));
+  const bool haveChanged = closedSince_ || isUnlike || wasUnlike;
+  return haveChanged && isLow && (wasLow || wasUnlike || opening < kHiddenShare);
 }
 
 void BlinkWatch::open(double aspect) {

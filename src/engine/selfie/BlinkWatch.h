@@ -38,7 +38,9 @@ class BlinkWatch {
   std::deque<Lids> recent_;
   std::optional<platform::TimePoint> closedSince_;
   double closedTo_ = 1;
-  bool wasLow_ = false;  ///< in the last look
+  // In the last look.
+  bool wasLow_ = false;
+  bool wasUnlike_ = false;
   double leastShare_ = 1;
   int blinks_ = 0;
 };

@@ -167,6 +167,7 @@ std::optional<TaskEvent> ChallengeJudge::miss(TimePoint time) {
   // After the last one only the way back is left to be missed.
   const TaskEvent missed = event(tasks_[std::min(index_, tasks_.size() - 1)], Step::missed);
   enter(++missed_ > kRepeats ? Phase::failed : Phase::returning, time);
+  wayBack_ = WayBack::lookStraight;
   return missed;
 }
 
@@ -180,15 +181,26 @@ std::optional<TaskEvent> ChallengeJudge::judge(TimePoint time, const HeadLook& h
     const TaskEvent done = event(task(), Step::done);
     ++index_;
     enter(Phase::returning, time);
+    wayBack_ = WayBack::none;
+    watchWayBack(head);
     return done;
   }
-  if (looksElsewhere_ >= kAgreeingLooks) return miss(time);
-  return {};
+  if (looksElsewhere_ < kAgreeingLooks) return {};
+  const auto missed = miss(time);
+  watchWayBack(head);
+  return missed;
+}
+
+void ChallengeJudge::watchWayBack(const HeadLook& head) {
+  if (isAtRest(head)) return;
+  const double nearer = valueOf(LivenessTask::comeNearer, head);
+  const bool isNear =
+      shareOfLimit(LivenessTask::comeNearer, nearer, limits_.nearerShare) >= kRestShare;
+  wayBack_ = isNear ? WayBack::moveAway : WayBack::lookStraight;
 }
 
 std::optional<TaskEvent> ChallengeJudge::comeBack(TimePoint time, const HeadLook& head) {
-  isTooNear_ = shareOfLimit(LivenessTask::comeNearer, head.width / rest_.width,
-                            limits_.nearerShare) >= kRestShare;
+  watchWayBack(head);
   looksAtRest_ = isAtRest(head) ? looksAtRest_ + 1 : 0;
   if (looksAtRest_ <= kAgreeingLooks) return {};
   const bool isLast = index_ == tasks_.size();

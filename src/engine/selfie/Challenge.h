@@ -61,6 +61,9 @@ class ChallengeJudge {
     failed,
   };
 
+  /// What a person has to do to come back to rest.
+  enum class WayBack { none, lookStraight, moveAway };
+
   ChallengeJudge(const Challenge& tasks, const Limits& limits);
 
   /// Takes the next look; absent when no head is seen.
@@ -72,8 +75,9 @@ class ChallengeJudge {
   const Challenge& tasks() const { return tasks_; }
   /// What is being asked for; only while `asking`.
   LivenessTask task() const { return tasks_.at(index_); }
-  /// Whether the person has to move away to come back to rest.
-  bool isTooNear() const { return isTooNear_; }
+  /// Only while `returning`. It stays as it was when the head has come to rest, and after a task
+  /// that was missed it is never none, so that people see that they are asked anew.
+  WayBack wayBack() const { return wayBack_; }
 
   /// How often a task may be missed in a run.
   static constexpr int kRepeats = 1;
@@ -84,6 +88,7 @@ class ChallengeJudge {
   double valueOf(LivenessTask task, const HeadLook& head) const;
   double limitOf(LivenessTask task) const;
   bool isAtRest(const HeadLook& head) const;
+  void watchWayBack(const HeadLook& head);
   bool doesAnother(const HeadLook& head) const;
   std::optional<TaskEvent> learn(platform::TimePoint time, const HeadLook& head);
   void countBlinks(platform::TimePoint time, const HeadLook& head);
@@ -101,7 +106,7 @@ class ChallengeJudge {
   int missed_ = 0;
   std::vector<HeadLook> first_;
   HeadLook rest_;
-  bool isTooNear_ = false;
+  WayBack wayBack_ = WayBack::none;
   double greatest_ = 0;  ///< of the task that is asked for
   // How many looks in a row agree.
   int looksDone_ = 0;

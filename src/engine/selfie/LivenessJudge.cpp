@@ -10,10 +10,11 @@ namespace {
 using SpeaksFor = LivenessSign::SpeaksFor;
 using Kind = LivenessVerdict::Kind;
 
-/// Edges stay where they are from look to look, so not each has to look for them, and two in a row
-/// must see them.
+/// So many looks in a row must see a sign of fraud: a person who does the same thing again is, for
+/// one look, as they were then.
+constexpr int kAgreeingLooks = 2;
+/// Edges stay where they are from look to look, so not each has to look for them.
 constexpr int kLooksPerEdges = 3;
-constexpr int kAgreeingEdges = 2;
 /// Looks back at which the eyes may still have been open when they are closed.
 constexpr std::size_t kLooksOfABlink = 3;
 
@@ -61,12 +62,15 @@ void LivenessJudge::look(const Look& look) {
 
   repetition_.add(look.time, look.picture);
   const auto difference = repetition_.difference();
-  note(repeated_, difference.value_or(0), difference && *difference < repeated_.sign.limit,
+  const bool isRepeated = difference && *difference < repeated_.sign.limit;
+  // Where nothing moves nothing is known.
+  if (difference) looksRepeated_ = isRepeated ? looksRepeated_ + 1 : 0;
+  note(repeated_, difference.value_or(0), isRepeated && looksRepeated_ >= kAgreeingLooks,
        look.time);
   if (looks_++ % kLooksPerEdges != 0) return;
   const double edges = edgesAround(look.picture, look.face);
   looksWithEdges_ = edges > edges_.sign.limit ? looksWithEdges_ + 1 : 0;
-  note(edges_, edges, looksWithEdges_ >= kAgreeingEdges, look.time);
+  note(edges_, edges, looksWithEdges_ >= kAgreeingLooks, look.time);
 }
 
 LivenessSign LivenessJudge::blinkSign() const {

@@ -22,7 +22,7 @@ class LivenessJudge {
  public:
   struct Look {
     platform::TimePoint time;
-    const platform::PixelBuffer& picture;
+    const platform::PixelBuffer& picture;  ///< of any format; a grey one is turned grey no more
     const platform::CGRect& face;
     const FaceDetails& details;
     /// What the single picture speaks for by itself, 0 to 1.
@@ -75,7 +75,8 @@ class LivenessJudge {
   Fraud repeated_;
   Fraud edges_;
   int looks_ = 0;
-  int looksWithEdges_ = 0;
+  int looksRepeated_ = 0;   ///< in a row
+  int looksWithEdges_ = 0;  ///< in a row
   double passiveSum_ = 0;
   int passiveCount_ = 0;
 };

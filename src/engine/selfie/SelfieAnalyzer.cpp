@@ -118,10 +118,11 @@ SelfieJudgement SelfieAnalyzer::analyze(const platform::PixelBufferRef& frame,
   const bool isInPlace = judgement.verdict == SelfieVerdict::good;
   if (!isInPlace && judgement.verdict != SelfieVerdict::moveAway) return judgement;
 
-  const Luma light = luma(*frame, face.box);
+  judgement.gray = grayPicture(frame);
+  const Luma light = luma(*judgement.gray, face.box);
   judgement.details = landmarks_->locate(*frame, face);
   judgement.brightness = light.mean;
-  judgement.sharpness = sharpness(*frame, face.box);
+  judgement.sharpness = sharpness(*judgement.gray, face.box);
   judgement.passiveLiveness =
       passiveLiveness(judgement.details->presence, judgement.sharpness, light.deviation);
   if (!isInPlace) return judgement;

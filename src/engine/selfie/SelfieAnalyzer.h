@@ -23,6 +23,8 @@ struct SelfieJudgement {
   std::optional<Face> face;
   /// Details of the main face once it is in place, so with `issue` and `good`, or too near.
   std::optional<FaceDetails> details;
+  /// The picture's luma, with `details`: for whoever measures it further.
+  platform::PixelBufferRef gray;
   double sharpness = 0;   ///< `engine::sharpness` of the face
   double brightness = 0;  ///< mean luma of the face, 0 to 255
   /// What this frame alone speaks for a live face, 0 to 1: weak, since a good picture of a picture

@@ -102,6 +102,11 @@ PixelBufferRef rgbPicture(const PixelBufferRef& picture) {
   return pixelBufferFrom(rgbMat(*picture));
 }
 
+PixelBufferRef grayPicture(const PixelBufferRef& picture) {
+  if (picture->format() == PixelFormat::gray8) return picture;
+  return pixelBufferFrom(grayMat(*picture));
+}
+
 PixelBufferRef cropped(const PixelBuffer& picture, const CGRect& rect) {
   const cv::Rect inside = pixelRect(rect, {picture.width(), picture.height()});
   if (inside.empty()) return nullptr;

@@ -10,6 +10,10 @@ namespace corvana::engine {
 /// The picture itself if it is rgb24, else converted (i420 as BT.601, limited range).
 platform::PixelBufferRef rgbPicture(const platform::PixelBufferRef& picture);
 
+/// The picture's luma, full range: itself if it is gray8. Whoever measures a picture more than once
+/// takes this first.
+platform::PixelBufferRef grayPicture(const platform::PixelBufferRef& picture);
+
 /// The part of the picture inside the rectangle, as rgb24; null when nothing of it lies inside.
 platform::PixelBufferRef cropped(const platform::PixelBuffer& picture,
                                  const platform::CGRect& rect);

@@ -45,7 +45,7 @@ class Head {
   }
 
   Phase phase() const { return judge_.phase(); }
-  bool isTooNear() const { return judge_.isTooNear(); }
+  ChallengeJudge::WayBack wayBack() const { return judge_.wayBack(); }
   const std::string& told() const { return told_; }
 
  private:
@@ -67,11 +67,30 @@ class Head {
 TEST(Challenge, IsDoneByWhoDoesEachTaskInItsTurnAndComesBackBetween) {
   Head head;
   head.rest(1).hold(0.8, {.yaw = 16}).rest(1).hold(0.6, {.nearer = 1.25});
-  head.hold(0.2, {.nearer = 1.12});
-  EXPECT_TRUE(head.isTooNear());
-  head.rest(1).blink().blink().rest(0.5);
+  head.hold(0.2, {.nearer = 1.12}).rest(1).blink().blink().rest(0.5);
   EXPECT_EQ(head.told(), "turnLeft? turnLeft+ comeNearer? comeNearer+ blinkTwice? blinkTwice+");
   EXPECT_EQ(head.phase(), Phase::done);
+}
+
+TEST(Challenge, TellsTheWayBackToRestAtOnceAndUntilThePersonIsThere) {
+  using Way = ChallengeJudge::WayBack;
+  Head head({Task::comeNearer, Task::turnLeft, Task::blinkTwice});
+  head.rest(1).hold(0.2, {.nearer = 1.3});
+  ASSERT_EQ(head.phase(), Phase::returning);
+  EXPECT_EQ(head.wayBack(), Way::moveAway) << "in the look that ends the task";
+  EXPECT_EQ(head.rest(0.2).wayBack(), Way::moveAway) << "no other words for a moment";
+  head.rest(0.5).hold(0.2, {.yaw = 16});
+  EXPECT_EQ(head.wayBack(), Way::lookStraight);
+  head.rest(0.5).blink().blink();
+  ASSERT_EQ(head.phase(), Phase::returning);
+  EXPECT_EQ(head.wayBack(), Way::none) << "who blinked is at rest";
+
+  Head mistaken({Task::turnLeft, Task::lookUp, Task::turnLeft});
+  mistaken.rest(1).blink().blink();
+  ASSERT_EQ(mistaken.phase(), Phase::returning);
+  EXPECT_EQ(mistaken.wayBack(), Way::lookStraight) << "it is asked anew";
+  Head tooNear({Task::turnLeft, Task::lookUp, Task::turnLeft});
+  EXPECT_EQ(tooNear.rest(1).hold(0.2, {.nearer = 1.3}).wayBack(), Way::moveAway);
 }
 
 TEST(Challenge, TakesNoTaskForAnotherAndMissesOneAtMostOnce) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -195,6 +196,29 @@ class Judging {
   double phase_ = 0;
 };
 
+TEST(BlinkWatch, CountsBothBlinksOfAPairThatTheNetworkHardlyFollowsAndNoneOfAPrint) {
+  struct Look {
+    double share, opening, likeness;
+  };
+  // Two blinks 0.55 s apart, as they were seen in a film of a face 264 pixels wide.
+  const Look looks[] = {{1.00, 1.02, 0.99}, {0.94, 1.07, 0.65}, {0.96, 1.13, 0.61},
+                        {0.88, 0.70, 0.92}, {1.01, 1.00, 0.55}, {1.00, 0.98, 0.50},
+                        {0.93, 0.81, 0.96}, {0.92, 1.05, 0.63}, {0.87, 0.87, 0.71},
+                        {1.02, 1.01, 0.98}, {1.00, 1.00, 0.49}, {1.00, 1.00, 0.59}};
+  for (const bool isPrint : {false, true}) {
+    BlinkWatch watch(0.91);
+    platform::TimePoint time{};
+    const auto add = [&](const Look& look) {
+      watch.add(time += platform::seconds(0.1),
+                {look.opening, 0.3 * look.share, 0.3 * look.share, isPrint ? 0.98 : look.likeness});
+    };
+    for (int i = 0; i < 10; ++i)
+      add({1, 1, 0.99});
+    std::ranges::for_each(looks, add);
+    EXPECT_EQ(watch.blinks(), isPrint ? 0 : 2);
+  }
+}
+
 TEST(LivenessJudge, BelievesABlinkAfterAWhileAndNoFaceThatNeverGaveASign) {
   Judging blinking('a');
   EXPECT_EQ(blinking.watch(25, 0.11).kind, Kind::undecided) << "too early";
@@ -239,6 +263,19 @@ TEST(LivenessJudge, DoesNotBelieveABlinkInAFilmThatBeginsAgain) {
     }
     EXPECT_EQ(kind, Kind::spoof) << period;
     EXPECT_EQ(evidence, "repetition") << period;
+  }
+}
+
+TEST(LivenessJudge, DoesNotTakeAMovementThatIsMadeTwiceForAFilmThatBeginsAgain) {
+  for (const int repeated : {4, 12}) {
+    Judging person('a');
+    bool isSpoof = false;
+    for (int i = 0; i < 45; ++i) {
+      const bool isAsBefore = i >= 25 && i < 25 + repeated;
+      const double phase = 0.11 * (isAsBefore ? i - 20 : i);
+      isSpoof = isSpoof || person.look(phase, 1).kind == Kind::spoof;
+    }
+    EXPECT_EQ(isSpoof, repeated == 12) << "looks alike: " << repeated;
   }
 }
 
