@@ -195,7 +195,8 @@ CardReading DocumentAnalyzer::readFirst(const platform::PixelBufferRef& card, Ca
   const auto turn = turnOf(*card, places);
   if (turn == CardTurn::upsideDown) return readTurned(memory);
   CardReading asItLies = understood(card, text_.readAgain(*card, places), memory);
-  if (turn || asItLies.data.mrz) return asItLies;
+  const bool isSure = turn && !isZoneOnItsHead(asItLies.lines);
+  if (isSure || asItLies.data.mrz) return asItLies;
   CardMemory otherMemory;
   CardReading other = readTurned(otherMemory);
   if (turnByReading(asItLies, other) != CardTurn::upsideDown) return asItLies;
@@ -299,7 +300,10 @@ std::optional<CardReading> DocumentAnalyzer::readUpright(const CardLook& look) {
   };
   const TurnSigns signs{.lines = text_.turnSign(*look.card, look.lines),
                         .face = faceSign(look.faceScore, look.faceScoreTurned)};
-  if (const auto turn = cardTurn(signs)) return readAs(*turn);
+  if (const auto turn = cardTurn(signs)) {
+    CardReading reading = readAs(*turn);
+    if (reading.data.mrz || !isZoneOnItsHead(reading.lines)) return reading;
+  }
   CardReading asItLies = readAs(CardTurn::upright);
   CardReading turned = readAs(CardTurn::upsideDown);
   const auto turn = turnByReading(asItLies, turned);

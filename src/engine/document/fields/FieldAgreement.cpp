@@ -68,7 +68,7 @@ bool holds(const std::string& line, const DocumentField& field) {
 }
 
 std::size_t changedDigits(const std::string& a, const std::string& b) {
-  if (a.size() != b.size()) return a.size();
+  if (a.size() != b.size()) return std::max(a.size(), b.size());
   return std::inner_product(a.begin(), a.end(), b.begin(), std::size_t{0}, std::plus<>(),
                             std::not_equal_to<>());
 }

@@ -228,10 +228,10 @@ LabelledText labelsBefore(const Labels& labels, const std::string& text) {
 }
 
 /// The label for which most letters of one of the parts speak: one of a field rather than none,
-/// and one that may be either name's only if no other part says which.
+/// and one that may be either name's only if no other part says clearly which.
 Match surestLabel(const Labels& labels, const std::vector<std::string>& parts) {
   constexpr double kOfNoField = 0.01;
-  constexpr double kOfEitherName = 1;
+  constexpr double kOfEitherName = 0.2;  // less than one letter of a short label that is misread
   Match surest;
   double least = 1 + kOfEitherName;
   for (const std::string& part : parts) {

@@ -38,4 +38,11 @@ std::vector<MrzPrint> mrzVotesOf(const std::vector<TextLine>& print) {
   return votes;
 }
 
+bool isZoneOnItsHead(const std::vector<TextLine>& lines) {
+  constexpr std::ptrdiff_t kLeastFillers = 5;
+  return std::ranges::any_of(lines, [](const TextLine& line) {
+    return std::ranges::count(line.text, '>') >= kLeastFillers;
+  });
+}
+
 }  // namespace corvana::engine

@@ -14,4 +14,7 @@ MrzReading mrzInPrint(const std::vector<TextLine>& print);
 /// The lines among the print that may be of a zone, each a vote for what stands there. Pure.
 std::vector<MrzPrint> mrzVotesOf(const std::vector<TextLine>& print);
 
+/// Whether the lines look like a zone that was read upside down, whose fillers point backwards.
+bool isZoneOnItsHead(const std::vector<TextLine>& lines);
+
 }  // namespace corvana::engine

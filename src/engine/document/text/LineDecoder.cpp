@@ -20,8 +20,8 @@ constexpr float kThorn = 0.002F;
 /// Beside a C with a caron less than 0.0005 of a G with a breve, beside that G at least 0.002.
 constexpr float kBreve = 0.0015F;
 
-/// Where a letter of a name was misread the right one has 0.01 and more, beside digits that stand
-/// there truly any other has less than 0.0003.
+/// Where a letter of a name was misread the right one has 0.01 and more; beside digits that were
+/// changed the ones before have less than 0.0003.
 constexpr float kPossible = 0.005F;
 /// At the rims of letters pauses and the letters beside them have shares too.
 constexpr float kPossiblyLeftOut = 0.1F;
@@ -101,30 +101,55 @@ bool LineDecoder::hidesALetter(std::span<const float> pause) const {
   return marked >= kHiddenLetter;
 }
 
-LineDoubts LineDecoder::doubtsOf(std::span<const float> answers,
-                                 const std::vector<Letter>& path) const {
+/// What may stand in place of a letter that the answer gives.
+void LineDecoder::addOthers(std::span<const float> answer, LineDoubts& doubts) const {
+  for (std::size_t k = 1; k < answer.size(); ++k)
+    if (answer[k] >= kPossible) doubts.addOther(letters_[k - 1], answer[k]);
+}
+
+/// What is known of a line on the way along it.
+struct LineDecoder::Draft {
+  std::string text;
+  Words words;
   LineDoubts doubts;
-  const auto indexAt = [&](std::size_t i) { return i < path.size() ? path[i].index : 0; };
-  for (std::size_t i = 0; i < path.size(); ++i) {
-    const auto answer = answers.subspan(i * classes(), classes());
-    const std::size_t seen = path[i].index;
-    if (seen != 0) {
-      const bool goesOn = i > 0 && path[i - 1].index == seen;
-      if (!goesOn) doubts.add(letters_[seen - 1]);
-      const bool isAlone = !goesOn && indexAt(i + 1) != seen;
-      if (isAlone && answer[0] >= kPossiblyLeftOut) doubts.addOther({}, answer[0]);
-      for (std::size_t k = 1; k < classes(); ++k)
-        if (k != seen && answer[k] >= kPossible) doubts.addOther(letters_[k - 1], answer[k]);
-      continue;
-    }
-    const Letter hidden = likeliest(answer, false);
-    const bool isNeighbours =
-        hidden.index == indexAt(i + 1) || (i > 0 && hidden.index == path[i - 1].index);
-    if (hidden.share < kPossiblyLeftOut || isNeighbours) continue;
-    doubts.add({});
-    doubts.addOther(letters_[hidden.index - 1], hidden.share);
+  std::vector<float> shares;  ///< of letters that the network itself gives
+  float leastHidden = 1;      ///< of those that it took for pauses
+
+  void append(const std::string& letter, std::size_t at) {
+    text += letter;
+    words.add(letter, at);
+    doubts.add(letter);
   }
-  return doubts;
+};
+
+void LineDecoder::readLetter(const Around& around, std::span<const float> answer,
+                             Draft& draft) const {
+  // Connectionist temporal classification: what is repeated without a pause stands once.
+  const bool isNew = around.seen.index != around.before;
+  if (isNew) {
+    const Letter letter = rareInPlaceOf(around.seen, answer);
+    draft.append(letters_[letter.index - 1], around.at);
+    draft.shares.push_back(letter.share);
+  }
+  addOthers(answer, draft.doubts);
+  const bool mayBeNone =
+      isNew && around.seen.index != around.after && answer[0] >= kPossiblyLeftOut;
+  if (mayBeNone) draft.doubts.addOther({}, answer[0]);
+}
+
+void LineDecoder::readPause(const Around& around, std::span<const float> answer,
+                            Draft& draft) const {
+  const Letter letter = likeliest(answer, false);
+  const bool isLonely = around.isWithin && around.before == 0 && around.after == 0;
+  const bool isNeighbours = letter.index == around.before || letter.index == around.after;
+  if (isLonely && hidesALetter(answer)) {
+    draft.append(letters_[letter.index - 1], around.at);
+    addOthers(answer, draft.doubts);
+    draft.leastHidden = std::min(draft.leastHidden, letter.share);
+  } else if (letter.share >= kPossiblyLeftOut && !isNeighbours) {
+    draft.doubts.add({});
+    draft.doubts.addOther(letters_[letter.index - 1], letter.share);
+  }
 }
 
 LineReading LineDecoder::read(std::span<const float> answers) const {
@@ -134,35 +159,26 @@ LineReading LineDecoder::read(std::span<const float> answers) const {
   for (std::size_t i = 0; i < count; ++i)
     path.push_back(likeliest(answer(i), true));
 
-  LineReading reading;
-  std::vector<float> shares;
-  Words words;
-  const auto append = [&](std::size_t index, std::size_t at) {
-    reading.text += letters_[index - 1];
-    words.add(letters_[index - 1], at);
-  };
-  float hidden = 1;
+  Draft draft;
   for (std::size_t i = 0; i < count; ++i) {
-    const std::size_t before = i == 0 ? 0 : path[i - 1].index;
-    if (path[i].index != 0 && path[i].index != before) {
-      // Connectionist temporal classification: what is repeated without a pause stands once.
-      const Letter letter = rareInPlaceOf(path[i], answer(i));
-      append(letter.index, i);
-      shares.push_back(letter.share);
-    }
-    const bool isLonely = i > 0 && i + 1 < count && before == 0 && path[i + 1].index == 0;
-    if (path[i].index == 0 && isLonely && hidesALetter(answer(i))) {
-      const Letter letter = likeliest(answer(i), false);
-      append(letter.index, i);
-      hidden = std::min(hidden, letter.share);
+    const Around around{.at = i,
+                        .before = i == 0 ? 0 : path[i - 1].index,
+                        .seen = path[i],
+                        .after = i + 1 == count ? 0 : path[i + 1].index,
+                        .isWithin = i > 0 && i + 1 < count};
+    if (path[i].index == 0) {
+      readPause(around, answer(i), draft);
+    } else {
+      readLetter(around, answer(i), draft);
     }
   }
-  if (shares.empty()) return {};
-  reading.words = std::move(words).found();
-  reading.others = doubtsOf(answers, path).otherTexts();
-  for (const float share : shares)
-    reading.confidence += share / static_cast<double>(shares.size());
-  reading.leastConfident = std::min(hidden, *std::ranges::min_element(shares));
+  if (draft.shares.empty()) return {};
+  LineReading reading{.text = std::move(draft.text),
+                      .words = std::move(draft.words).found(),
+                      .others = draft.doubts.otherTexts()};
+  for (const float share : draft.shares)
+    reading.confidence += share / static_cast<double>(draft.shares.size());
+  reading.leastConfident = std::min(draft.leastHidden, *std::ranges::min_element(draft.shares));
   return reading;
 }
 

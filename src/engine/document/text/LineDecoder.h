@@ -48,6 +48,15 @@ class LineDecoder {
     std::size_t index = 0;  ///< 0: a pause
     float share = 0;
   };
+  /// An answer among its neighbours.
+  struct Around {
+    std::size_t at = 0;
+    std::size_t before = 0;
+    Letter seen{};
+    std::size_t after = 0;
+    bool isWithin = false;  ///< neither the first answer nor the last
+  };
+  struct Draft;
 
   std::optional<std::size_t> indexOf(const std::string& letter) const;
   void addLookalike(const std::string& letter, const std::string& rare,
@@ -55,7 +64,9 @@ class LineDecoder {
   Letter likeliest(std::span<const float> answer, bool isPauseAllowed) const;
   Letter rareInPlaceOf(Letter seen, std::span<const float> answer) const;
   bool hidesALetter(std::span<const float> pause) const;
-  LineDoubts doubtsOf(std::span<const float> answers, const std::vector<Letter>& path) const;
+  void addOthers(std::span<const float> answer, LineDoubts& doubts) const;
+  void readLetter(const Around& around, std::span<const float> answer, Draft& draft) const;
+  void readPause(const Around& around, std::span<const float> answer, Draft& draft) const;
 
   std::vector<std::string> letters_;
   std::vector<bool> isMarked_;

@@ -232,6 +232,13 @@ TEST(FieldAgreement, AccusesNobodyOfALetterThatTheReaderDoubts) {
   }
 }
 
+TEST(FieldAgreement, TakesNoScrapOfALineForANumber) {
+  engine::Print print;
+  print.lines = {"Zenbakia / Número", "10 M K", "IRQ"};
+  const auto record = {field(FieldName::documentNumber, "U3950734K", FieldSource::zone)};
+  EXPECT_EQ(engine::checkPrint(print, record).front().agreement, kUnread);
+}
+
 TEST(FieldAgreement, TellsAnotherExpiryFromTheIssueOnItsDay) {
   const std::vector<DocumentField> record{
       field(FieldName::expiryDate, "2024-07-01", FieldSource::zone)};

@@ -52,6 +52,10 @@ TEST(LineDecoder, SaysWhatElseALineMaySay) {
   EXPECT_EQ(read({n, {}, {{"U", 0.7F}}}).others, Texts{"N"}) << "a letter too many";
   EXPECT_EQ(read({n, {}, {{"U", 0.4F}}, {}, n}).others, Texts{"NUN"}) << "one that is missing";
   EXPECT_EQ(read({n, {{"N", 0.4F}}, {}, n}).others, Texts{}) << "the rim of a letter";
+  EXPECT_EQ(read({n, {}, {{"Ě", 0.06F}, {"Ê", 0.02F}}, {}, n}).others, Texts{"NÊN"})
+      << "a hidden letter";
+  EXPECT_EQ(read({n, {}, {{"P", 0.97F}, {"Þ", 0.015F}, {"O", 0.01F}}}).others, (Texts{"NP", "NO"}))
+      << "a rare letter that was put right";
   const Answer any{{"N", 0.5F}, {"G", 0.3F}, {"U", 0.15F}};
   const Texts many = read({any, {}, any, {}, any, {}, any, {}, any}).others;
   EXPECT_EQ(many.size(), engine::LineDoubts::kMostTexts);
