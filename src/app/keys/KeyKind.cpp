@@ -40,10 +40,9 @@ std::string derFromJoined(std::string_view joined) {
   };
   const SignaturePtr signature(ECDSA_SIG_new(), ECDSA_SIG_free);
   ECDSA_SIG_set0(signature.get(), number(0), number(kKeyNumberBytes));
-  unsigned char* der = nullptr;
-  const int length = i2d_ECDSA_SIG(signature.get(), &der);
-  std::string bytes(reinterpret_cast<const char*>(der), static_cast<std::size_t>(length));
-  OPENSSL_free(der);
+  std::string bytes(static_cast<std::size_t>(i2d_ECDSA_SIG(signature.get(), nullptr)), '\0');
+  auto* place = reinterpret_cast<unsigned char*>(bytes.data());
+  i2d_ECDSA_SIG(signature.get(), &place);
   return bytes;
 }
 
