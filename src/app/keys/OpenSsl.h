@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string_view>
 
@@ -7,6 +8,9 @@
 #include <openssl/evp.h>
 
 namespace corvana::app {
+
+/// A larger file holds no key.
+inline constexpr std::uint64_t kMostKeyFileBytes = 1 << 16;
 
 using KeyPtr = std::shared_ptr<EVP_PKEY>;
 using BioPtr = std::unique_ptr<BIO, decltype(&BIO_free)>;

@@ -21,7 +21,6 @@ using nlohmann::ordered_json;
 using platform::Expected;
 using platform::failure;
 
-constexpr std::uint64_t kMostKeyFileBytes = 1 << 16;
 /// Before both coordinates of a point that is written out (SEC 1, 2.3.3).
 constexpr char kWholePoint = '\x04';
 

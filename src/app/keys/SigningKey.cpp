@@ -23,7 +23,6 @@ using platform::Expected;
 using platform::failure;
 using FilePtr = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-constexpr std::uint64_t kMostKeyFileBytes = 1 << 16;
 /// Of a signature of either kind as OpenSSL writes it: DER has up to eight bytes beside its
 /// numbers.
 constexpr std::size_t kMostSignatureBytes = kSignatureBytes + 8;

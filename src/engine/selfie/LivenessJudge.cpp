@@ -39,11 +39,14 @@ void LivenessJudge::startAnew(platform::TimePoint time) {
   passiveCount_ = 0;
 }
 
-void LivenessJudge::note(Fraud& fraud, double value, bool isSeen, platform::TimePoint time) {
+void LivenessJudge::note(Fraud& fraud, std::optional<double> value, bool isFraud,
+                         platform::TimePoint time) {
+  if (value) fraud.looks = isFraud ? fraud.looks + 1 : 0;
+  const bool isSeen = value && fraud.looks >= kAgreeingLooks;
   if (isSeen) fraud.seenAt = time;
   const bool stands = fraud.seenAt && time - *fraud.seenAt < kFraudMemory;
   // While it stands, the figure is the one that it stands for.
-  if (isSeen || !stands) fraud.sign.value = value;
+  if (isSeen || !stands) fraud.sign.value = value.value_or(0);
   fraud.sign.isSeen = stands;
 }
 
@@ -61,16 +64,12 @@ void LivenessJudge::look(const Look& look) {
   ++passiveCount_;
 
   repetition_.add(look.time, look.picture);
+  // Where nothing moves there is none.
   const auto difference = repetition_.difference();
-  const bool isRepeated = difference && *difference < repeated_.sign.limit;
-  // Where nothing moves nothing is known.
-  if (difference) looksRepeated_ = isRepeated ? looksRepeated_ + 1 : 0;
-  note(repeated_, difference.value_or(0), isRepeated && looksRepeated_ >= kAgreeingLooks,
-       look.time);
+  note(repeated_, difference, difference && *difference < repeated_.sign.limit, look.time);
   if (looks_++ % kLooksPerEdges != 0) return;
   const double edges = edgesAround(look.picture, look.face);
-  looksWithEdges_ = edges > edges_.sign.limit ? looksWithEdges_ + 1 : 0;
-  note(edges_, edges, looksWithEdges_ >= kAgreeingLooks, look.time);
+  note(edges_, edges, edges > edges_.sign.limit, look.time);
 }
 
 LivenessSign LivenessJudge::blinkSign() const {

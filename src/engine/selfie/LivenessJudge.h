@@ -53,12 +53,14 @@ class LivenessJudge {
   struct Fraud {
     LivenessSign sign;
     std::optional<platform::TimePoint> seenAt;
+    int looks = 0;  ///< in a row that speak for it
   };
 
   void startAnew(platform::TimePoint time);
   void look(const Look& look);
   void follow(const Look& look);
-  void note(Fraud& fraud, double value, bool isSeen, platform::TimePoint time);
+  /// Takes what a look measured, if it measured anything, and whether that speaks for the fraud.
+  void note(Fraud& fraud, std::optional<double> value, bool isFraud, platform::TimePoint time);
   LivenessSign blinkSign() const;
   LivenessSign reliefSign() const;
   float score() const;
@@ -75,8 +77,6 @@ class LivenessJudge {
   Fraud repeated_;
   Fraud edges_;
   int looks_ = 0;
-  int looksRepeated_ = 0;   ///< in a row
-  int looksWithEdges_ = 0;  ///< in a row
   double passiveSum_ = 0;
   int passiveCount_ = 0;
 };

@@ -88,8 +88,8 @@ std::vector<DocumentField> documentFields(const corvana::DetectedData& side,
   if (side.barcode && side.barcode->contains(kBarcodeText)) {
     if (const auto record = parseAamva(side.barcode->at(kBarcodeText))) add(aamvaFields(*record));
   }
-  const std::vector<DocumentField> record = fields;
-  add(printedFields(print, labels, today, places, record));
+  // What was added so far is the record.
+  add(printedFields(print, labels, today, places, fields));
   return fields;
 }
 

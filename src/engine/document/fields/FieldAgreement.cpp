@@ -24,9 +24,8 @@ using corvana::FieldSource;
 constexpr float kClearPrint = 0.8F;
 /// The confidence of a line that counts as sure.
 constexpr float kSureLine = 0.8F;
-/// Shorter values are found by chance.
+/// Shorter names are found by chance.
 constexpr std::size_t kLeastNearName = 4;
-constexpr std::size_t kLeastNearNumber = 6;
 /// One letter in so many may differ in a value that is nearly the same.
 constexpr std::size_t kLettersPerChange = 4;
 constexpr std::size_t kMostChangedDigits = 2;

@@ -1,7 +1,6 @@
 #include "engine/document/fields/ValueAgreement.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <utility>
 #include <vector>
 
@@ -15,9 +14,6 @@ namespace {
 using corvana::DocumentField;
 using corvana::FieldAgreement;
 using corvana::FieldName;
-
-/// Shorter numbers are found by chance.
-constexpr std::size_t kLeastNearNumber = 6;
 
 /// A number without blanks and signs, its letters as the digits they are taken for.
 std::string numberSkeleton(std::string_view text) {

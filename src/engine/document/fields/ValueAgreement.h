@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -7,6 +8,9 @@
 
 /// How a value in print stands to the same value in a zone or barcode. Pure.
 namespace corvana::engine {
+
+/// Letters of a number: one that is shorter is found nearly, or with more behind it, by chance.
+inline constexpr std::size_t kLeastNearNumber = 6;
 
 bool isName(corvana::FieldName name);
 bool isDate(corvana::FieldName name);
