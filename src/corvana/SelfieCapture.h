@@ -63,7 +63,7 @@ struct SelfieCapture {
     double livenessRelief = 0.02;
     /// Difference to an earlier stretch of pictures, over that from one picture to the next, below
     /// which the stretch is the same one again.
-    double livenessRepetition = 0.8;
+    double livenessRepetition = 0.7;
     /// Share of three straight edges around the face that must be seen for a print or display.
     double livenessEdges = 0.88;
     /// Share of the looks with a voice in which the lips rest, above which the voice is taken for

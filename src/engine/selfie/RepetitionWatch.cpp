@@ -51,25 +51,39 @@ double RepetitionWatch::movement() const {
   return sum / (kStretch - 1);
 }
 
-double RepetitionWatch::stretch(std::size_t lag) const {
-  double sum = 0;
-  for (std::size_t i = 0; i < kStretch; ++i)
-    sum += pictures_[i].differences[lag - 1];
-  return sum / kStretch;
+/// From the picture to its neighbours. The newest has one only.
+double RepetitionWatch::movementAt(std::size_t index) const {
+  const double before = pictures_[index].differences.front();
+  const double after = index == 0 ? before : pictures_[index - 1].differences.front();
+  return std::max(0.5 * (before + after), kLeastMovement);
 }
 
 /// A loop seldom begins again just when it is looked at: the newest pictures are laid between those
-/// of two lags, where they fit best. The mean squares of what lies between two pictures follow from
-/// theirs and from the difference of both.
-double RepetitionWatch::stretchBetween(std::size_t lag) const {
-  const double near = stretch(lag);
-  const double far = stretch(lag + 1);
-  double apart = 0;
-  for (std::size_t i = 0; i < kStretch; ++i)
-    apart += pictures_[i + lag].differences.front() / kStretch;
-  if (apart <= 0) return near;
-  const double share = std::clamp((near - far + apart) / (2 * apart), 0.0, 1.0);
-  return std::max(0.0, (1 - share) * near + share * far - share * (1 - share) * apart);
+/// of two lags, where they fit best, as a share of the way from the nearer lag to the farther.
+double RepetitionWatch::shareBetween(std::size_t lag) const {
+  double near = 0, far = 0, apart = 0;
+  for (std::size_t i = 0; i < kStretch; ++i) {
+    near += pictures_[i].differences[lag - 1];
+    far += pictures_[i].differences[lag];
+    apart += pictures_[i + lag].differences.front();
+  }
+  return apart <= 0 ? 0 : std::clamp((near - far + apart) / (2 * apart), 0.0, 1.0);
+}
+
+/// Each picture counts by its own movement: a film that begins again rests as it rested, where who
+/// comes nearer and goes back twice passes the same places, but sets out and arrives elsewhere. The
+/// mean squares of what lies between two pictures follow from theirs and from the difference of
+/// both.
+double RepetitionWatch::unlikeness(std::size_t lag) const {
+  const double share = shareBetween(lag);
+  double sum = 0;
+  for (std::size_t i = 0; i < kStretch; ++i) {
+    const double between = (1 - share) * pictures_[i].differences[lag - 1] +
+                           share * pictures_[i].differences[lag] -
+                           share * (1 - share) * pictures_[i + lag].differences.front();
+    sum += std::max(0.0, between) / movementAt(i);
+  }
+  return sum / kStretch;
 }
 
 void RepetitionWatch::add(platform::TimePoint time, const platform::PixelBuffer& picture) {
@@ -83,12 +97,11 @@ void RepetitionWatch::add(platform::TimePoint time, const platform::PixelBuffer&
 
   difference_.reset();
   if (pictures_.size() <= kStretch) return;
-  const double moved = movement();
-  if (moved < kLeastMovement) return;
+  if (movement() < kLeastMovement) return;
   for (std::size_t lag = 2; lag + kStretch < pictures_.size(); ++lag) {
     if (time - pictures_[lag].time < kShortestLoop) continue;
-    const double share = stretchBetween(lag) / moved;
-    difference_ = std::min(difference_.value_or(share), share);
+    const double found = unlikeness(lag);
+    difference_ = std::min(difference_.value_or(found), found);
   }
 }
 

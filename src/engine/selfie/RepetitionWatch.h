@@ -14,8 +14,8 @@ namespace corvana::engine {
 class RepetitionWatch {
  public:
   void add(platform::TimePoint time, const platform::PixelBuffer& picture);
-  /// Mean difference to the most similar earlier stretch, over that from one picture to the next;
-  /// absent before anything can be said.
+  /// Difference to the most similar earlier stretch, over that from one picture to the next, in
+  /// the mean of its pictures; absent before anything can be said.
   std::optional<double> difference() const { return difference_; }
 
  private:
@@ -26,8 +26,9 @@ class RepetitionWatch {
     std::vector<double> differences;
   };
   double movement() const;
-  double stretch(std::size_t lag) const;
-  double stretchBetween(std::size_t lag) const;
+  double movementAt(std::size_t index) const;
+  double shareBetween(std::size_t lag) const;
+  double unlikeness(std::size_t lag) const;
 
   std::deque<Picture> pictures_;  ///< the newest first
   std::optional<double> difference_;

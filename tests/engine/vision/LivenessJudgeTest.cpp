@@ -138,7 +138,7 @@ TEST(Edges, EncloseADisplayButNeitherAPersonNorOneInADoor) {
 constexpr LivenessJudge::Limits kLimits{.watchTime = std::chrono::seconds(3),
                                         .blinkShare = 0.91,
                                         .relief = 0.02,
-                                        .repetition = 0.8,
+                                        .repetition = 0.7,
                                         .edges = 0.88};
 
 /// Paints closed lids over the eyes.
@@ -161,9 +161,9 @@ class Judging {
   explicit Judging(char person, bool isPrint = false)
       : photo_(tests::portrait(person)), details_(detailsOf(photo_)), isPrint_(isPrint) {}
 
-  /// A scene that moves with `phase` and shows lids opened so far.
-  LivenessVerdict look(double phase, double lids) {
-    const double x = 20 * std::sin(phase), y = 14 * std::sin(1.7 * phase);
+  /// A scene that moves with `phase`, and aside by so many pixels, and shows lids opened so far.
+  LivenessVerdict look(double phase, double lids, double aside = 0) {
+    const double x = 20 * std::sin(phase) + aside, y = 14 * std::sin(1.7 * phase);
     const cv::Matx23d shift(1, 0, x, 0, 1, y);
     cv::Mat moved;
     cv::warpAffine(photo_, moved, shift, photo_.size(), cv::INTER_LINEAR, cv::BORDER_REFLECT);
@@ -276,6 +276,26 @@ TEST(LivenessJudge, DoesNotTakeAMovementThatIsMadeTwiceForAFilmThatBeginsAgain) 
       isSpoof = isSpoof || person.look(phase, 1).kind == Kind::spoof;
     }
     EXPECT_EQ(isSpoof, repeated == 12) << "looks alike: " << repeated;
+  }
+}
+
+/// From 0 to 1 within `rise`, and back within a second after it began; times in looks.
+double thereAndBack(double since, double rise) {
+  const auto smooth = [](double share) {
+    const double t = std::clamp(share, 0.0, 1.0);
+    return t * t * (3 - 2 * t);
+  };
+  return smooth(since / rise) * (1 - smooth((since - 10 + rise) / rise));
+}
+
+TEST(LivenessJudge, DoesNotTakeWhoMovesThereAndBackTwiceForAFilmThatBeginsAgain) {
+  for (const double strength : {1.15, 1.3}) {
+    Judging person('a');
+    for (int i = 0; i < 48; ++i) {
+      const double twice = thereAndBack(i - 8, 3.5) + strength * thereAndBack(i - 28.2, 4.3);
+      const double unrest = 3 * std::sin(0.23 * i) + 1.5 * std::sin(0.17 * i + 1);
+      EXPECT_NE(person.look(0.9 * twice, 1, unrest).kind, Kind::spoof) << strength << ", " << i;
+    }
   }
 }
 
