@@ -251,6 +251,46 @@ TEST(PrintedFields, ThatZoneOrCodeHaveForAnotherFieldAreThatOnes) {
   }
 }
 
+TEST(PrintedFields, WithoutALabelThatIsReadAreKnownByZoneOrCode) {
+  const auto labels = engine::FieldLabels::load({ENGINE_RESOURCES "/documents/labels"});
+  ASSERT_TRUE(labels) << labels.error().sentence;
+  const auto recorded = [](FieldName name, const char* value, bool isCut = false) {
+    return corvana::DocumentField{name, value, corvana::FieldSource::zone, 1, isCut, std::nullopt};
+  };
+  const std::vector<corvana::DocumentField> record{recorded(FieldName::surname, "MUELLER OE"),
+                                                   recorded(FieldName::givenNames, "ASE LI", true),
+                                                   recorded(FieldName::documentNumber, "D23145890"),
+                                                   recorded(FieldName::birthDate, "1982-10-10"),
+                                                   recorded(FieldName::expiryDate, "2030-03-26"),
+                                                   recorded(FieldName::authority, "UTO")};
+  const Case cases[] = {
+      {"alone in a line, with their marks, longer than there was room for",
+       {at(300, 40, "Zvxwq", 14), at(300, 58, "MÜLLER ØE"), at(300, 118, "ÅSE LINNÉA"),
+        at(300, 160, "D2314589O"), at(300, 200, "26.03.2030"), at(300, 240, "UTO")},
+       {{FieldName::surname, "MÜLLER ØE"},
+        {FieldName::givenNames, "ÅSE LINNÉA"},
+        {FieldName::documentNumber, "D2314589O"},
+        {FieldName::expiryDate, "2030-03-26"}}},
+      {"behind a label of no list",
+       {at(300, 40, "Zvxwq müller øe"), at(300, 100, "Zvxwq 10 OCT 1982")},
+       {{FieldName::surname, "müller øe"}, {FieldName::birthDate, "1982-10-10"}}},
+      {"a part of a name, another's name, and a zone's line are none",
+       {at(300, 40, "MÜLLER"), at(300, 80, "MÜLLER ØE ZENITH"), at(300, 120, "D23145891"),
+        at(300, 160, "MUELLER<OE<<ASE<LI")},
+       {}},
+      {"what a label names stays",
+       {at(300, 40, "Surname", 14), at(300, 58, "SCHULZ"), at(300, 140, "MÜLLER ØE")},
+       {{FieldName::surname, "SCHULZ"}}}};
+  for (const Case& c : cases) {
+    Values values;
+    for (const auto& field : engine::printedFields(c.lines, *labels, kToday, {}, record)) {
+      values[field.name] = field.value;
+      EXPECT_EQ(field.knownBy.has_value(), field.value != "SCHULZ") << field.value;
+    }
+    EXPECT_EQ(values, c.values) << c.what;
+  }
+}
+
 TEST(PrintedFields, AreTakenFromTheirPlacesWhereNoLabelNamesThem) {
   const auto labels = engine::FieldLabels::load({ENGINE_RESOURCES "/documents/labels"});
   ASSERT_TRUE(labels) << labels.error().sentence;
