@@ -172,7 +172,8 @@ std::optional<Face> DocumentAnalyzer::portrait(const platform::PixelBuffer& card
   return inPlace == faces.end() ? faces.front() : *inPlace;
 }
 
-std::vector<corvana::DocumentField> DocumentAnalyzer::fieldsOf(const CardReading& reading) const {
+std::vector<corvana::DocumentField> DocumentAnalyzer::fieldsOf(
+    const CardReading& reading, const std::vector<corvana::DocumentField>& otherRecord) const {
   const corvana::DetectedData& data = reading.data;
   std::vector<PlacedField> places;
   if (const auto* kind = data.type ? tables_->kinds.ofType(*data.type) : nullptr) {
@@ -181,7 +182,13 @@ std::vector<corvana::DocumentField> DocumentAnalyzer::fieldsOf(const CardReading
     for (PlacedField& field : places)
       field.place = inPixels(field.place, *kind, *data.image->pixels());
   }
-  return documentFields(data, reading.lines, tables_->labels, today_, places);
+  return documentFields(data, reading.lines, tables_->labels, today_, places, otherRecord);
+}
+
+void DocumentAnalyzer::settleByOtherSide(CardReading& side,
+                                         const corvana::DetectedData& other) const {
+  const auto record = recordOf(other);
+  if (!record.empty()) side.data.fields = fieldsOf(side, record);
 }
 
 std::optional<CardTurn> DocumentAnalyzer::turnOf(const platform::PixelBuffer& card,

@@ -94,12 +94,18 @@ class DocumentAnalyzer {
   /// can't be told which way up it lies.
   platform::Expected<CardReading> analyzeStill(const platform::PixelBufferRef& picture);
 
+  /// Knows print of the side by what zone or barcode of the card's other side say, where its own
+  /// labels were not read or do not tell the names apart.
+  void settleByOtherSide(CardReading& side, const corvana::DetectedData& other) const;
+
  private:
   DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz,
                    const Setup& setup);
   /// The face in the photo, which is looked for where the kind of document has it.
   std::optional<Face> portrait(const platform::PixelBuffer& card, const DocumentKind& kind);
-  std::vector<corvana::DocumentField> fieldsOf(const CardReading& reading) const;
+  std::vector<corvana::DocumentField> fieldsOf(
+      const CardReading& reading,
+      const std::vector<corvana::DocumentField>& otherRecord = {}) const;
   std::optional<CardTurn> turnOf(const platform::PixelBuffer& card,
                                  const std::vector<TextLine>& lines);
   CardReading readFirst(const platform::PixelBufferRef& card, CardMemory& memory);
