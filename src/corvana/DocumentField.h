@@ -35,6 +35,9 @@ struct DocumentField {
   bool isTruncated = false;
   /// In pixels of the straightened card; only of print.
   std::optional<platform::CGRect> place;
+  /// Of print that no label names clearly: what tells that it is this field, since it has the same
+  /// (zone or code). Such print bears the record's value out, but could not have contradicted it.
+  std::optional<FieldSource> knownBy{};
 
   bool operator==(const DocumentField&) const = default;
 };

@@ -1,13 +1,14 @@
 #include "Grounds.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
 #include <map>
 
 #include <opencv2/imgproc.hpp>
 
+#include "GroundLight.h"
+#include "OutdoorGrounds.h"
 #include "People.h"
 #include "Typeface.h"
 
@@ -16,40 +17,6 @@ namespace {
 
 using session::Random;
 using session::Typeface;
-
-/// Numbers around zero, alike over about `across` by `along` pixels, of standard deviation one.
-cv::Mat unevenness(cv::Size size, double across, double along, Random& random) {
-  const int stepX = std::max(1, static_cast<int>(along / 2.0));
-  const int stepY = std::max(1, static_cast<int>(across / 2.0));
-  cv::Mat coarse(size.height / stepY + 8, size.width / stepX + 8, CV_32FC1);
-  for (int row = 0; row < coarse.rows; ++row)
-    for (int column = 0; column < coarse.cols; ++column)
-      coarse.at<float>(row, column) = static_cast<float>(random.normal());
-  cv::Mat fine;
-  cv::resize(coarse, fine, size, 0, 0, cv::INTER_CUBIC);
-  return fine;
-}
-
-/// The colour lightened and darkened: each pixel is colour · light.
-cv::Mat coloured(const cv::Mat& light, const cv::Scalar& colour) {
-  std::array<cv::Mat, 3> channels;
-  for (int i = 0; i < 3; ++i)
-    light.convertTo(channels[static_cast<std::size_t>(i)], CV_8UC1, colour[i]);
-  cv::Mat picture;
-  cv::merge(channels.data(), 3, picture);
-  return picture;
-}
-
-/// The picture lightened and darkened.
-cv::Mat lit(const cv::Mat& picture, const cv::Mat& light) {
-  std::array<cv::Mat, 3> channels;
-  cv::split(picture, channels.data());
-  for (cv::Mat& channel : channels)
-    cv::multiply(channel, light, channel, 1.0, CV_8UC1);
-  cv::Mat result;
-  cv::merge(channels.data(), 3, result);
-  return result;
-}
 
 cv::Mat plain(cv::Size size, double scale, Random& random) {
   static const std::vector<cv::Scalar> kColours = {
@@ -304,22 +271,6 @@ cv::Mat bamboo(cv::Size size, double scale, Random& random) {
   return coloured(light, drawFrom(kColours, random));
 }
 
-/// Bricks in rows, each row set off against the next, with pale mortar between them.
-cv::Mat bricks(cv::Size size, double scale, Random& random) {
-  static const std::vector<cv::Scalar> kColours = {
-      {156, 84, 64}, {132, 70, 58}, {178, 106, 80}, {120, 96, 84}};
-  const cv::Size2d brick(random.uniform(30.0, 52.0) * scale, random.uniform(9.0, 15.0) * scale);
-  const double joint = random.uniform(0.8, 1.8) * scale;
-  cv::Mat picture(size, CV_8UC3, cv::Scalar(190, 184, 172));
-  for (double y = -brick.height; y < size.height; y += brick.height) {
-    for (double x = -random.uniform(0.3, 1.0) * brick.width; x < size.width; x += brick.width) {
-      const cv::Rect2d place(x, y, brick.width - joint, brick.height - joint);
-      cv::rectangle(picture, cv::Rect(place), drawFrom(kColours, random), cv::FILLED);
-    }
-  }
-  return lit(picture, 1.0 + 0.10 * unevenness(size, 0.6 * scale, 0.6 * scale, random));
-}
-
 /// Knitted wool: columns of loops that lean to one side and the other.
 cv::Mat knit(cv::Size size, double scale, Random& random) {
   static const std::vector<cv::Scalar> kColours = {
@@ -346,7 +297,8 @@ const std::map<std::string, Painter>& painters() {
       {"plain", plain},   {"wood", wood},         {"cloth", cloth},     {"stone", stone},
       {"tiles", tiles},   {"carpet", carpet},     {"stripes", stripes}, {"leather", leather},
       {"marble", marble}, {"terrazzo", terrazzo}, {"tartan", tartan},   {"cork", cork},
-      {"bamboo", bamboo}, {"bricks", bricks},     {"knit", knit}};
+      {"bamboo", bamboo}, {"bricks", bricks},     {"knit", knit},       {"grass", grass},
+      {"mosaic", mosaic}};
   return kAll;
 }
 
@@ -354,8 +306,8 @@ const std::map<std::string, Painter>& painters() {
 
 const std::vector<std::string>& groundNames() {
   static const std::vector<std::string> kNames = {
-      "plain",   "wood",   "print",    "cloth",  "stone", "tiles",  "carpet", "stripes",
-      "leather", "marble", "terrazzo", "tartan", "cork",  "bamboo", "bricks", "knit"};
+      "plain",  "wood",     "print",  "cloth", "stone",  "tiles",  "carpet", "stripes", "leather",
+      "marble", "terrazzo", "tartan", "cork",  "bamboo", "bricks", "knit",   "grass",   "mosaic"};
   return kNames;
 }
 

@@ -65,6 +65,7 @@ json fieldToJson(const corvana::DocumentField& field) {
                  {"source", engine::nameOf(field.source)},
                  {"confidence", field.confidence}};
   if (field.isTruncated) object["truncated"] = true;
+  if (field.knownBy) object["knownBy"] = engine::nameOf(*field.knownBy);
   if (field.place) {
     const platform::CGRect& box = *field.place;
     object["place"] = {box.x, box.y, box.width, box.height};
@@ -157,6 +158,11 @@ corvana::DocumentField fieldFromJson(const json& object) {
                                std::nullopt};
   if (const auto box = getOptional<std::array<double, 4>>(object, "place")) {
     field.place = platform::CGRect{(*box)[0], (*box)[1], (*box)[2], (*box)[3]};
+  }
+  if (const auto record = getOptional<std::string>(object, "knownBy")) {
+    field.knownBy = engine::fieldSourceNamed(*record);
+    if (!field.knownBy || *field.knownBy == corvana::FieldSource::print)
+      throw WrongShape{"knownBy"};
   }
   return field;
 }

@@ -1,6 +1,7 @@
 #include <iostream>
 #include <optional>
 
+#include "app/card/CardSides.h"
 #include "app/card/DocumentFolders.h"
 #include "app/card/DocumentHints.h"
 #include "app/card/Reference.h"
@@ -30,8 +31,8 @@ struct EnrollArguments {
   bool allowCopy = false;
 };
 
-tl::expected<DetectedData, Refusal> readSide(engine::DocumentAnalyzer& documents,
-                                             const fs::path& path, DocumentSide expected) {
+tl::expected<engine::CardReading, Refusal> readSide(engine::DocumentAnalyzer& documents,
+                                                    const fs::path& path, DocumentSide expected) {
   const auto refuse = [&](const std::string& sentence) {
     return tl::unexpected(Refusal{ExitCode::wrongUse, sentence});
   };
@@ -41,7 +42,7 @@ tl::expected<DetectedData, Refusal> readSide(engine::DocumentAnalyzer& documents
   if (!reading) {
     return refuse(inQuotes(path) + ": " + reading.error().sentence);
   }
-  DetectedData& data = reading->data;
+  const DetectedData& data = reading->data;
   const bool isFront = expected == DocumentSide::front;
   const std::string side = isFront ? "front" : "back";
   if (data.side && *data.side != expected) {
@@ -71,7 +72,7 @@ tl::expected<DetectedData, Refusal> readSide(engine::DocumentAnalyzer& documents
                   "; take a sharper picture of the whole back on a plain ground, or leave out "
                   "--back for a card that has neither.");
   }
-  return std::move(data);
+  return *std::move(reading);
 }
 
 void describe(const char* name, const DetectedData& data) {
@@ -82,27 +83,6 @@ void describe(const char* name, const DetectedData& data) {
   if (!data.ocrStrings) return;
   for (const std::string& line : *data.ocrStrings)
     std::cerr << "    " << line << '\n';
-}
-
-/// The kind of document that both sides must share, as "IDENTITY_CARD".
-std::string kindOf(const DetectedData& data) {
-  const std::string type = data.type.value_or("");
-  return type.substr(0, type.rfind('_'));
-}
-
-/// Why the sides make no reference; empty when they do. No flow accepts a card of two kinds, so
-/// that this can't be allowed.
-std::string sidesFault(const Reference& reference) {
-  if (!reference.back || !reference.front.type || !reference.back->type) return {};
-  if (kindOf(reference.front) == kindOf(*reference.back)) return {};
-  return "Front and back are not of one card: " + *reference.front.type + " and " +
-         *reference.back->type + "; give both sides of the same card.";
-}
-
-std::vector<const DetectedData*> sidesOf(const Reference& reference) {
-  std::vector<const DetectedData*> sides{&reference.front};
-  if (reference.back) sides.push_back(&*reference.back);
-  return sides;
 }
 
 /// What is amiss with the document; empty when nothing is.
@@ -141,6 +121,17 @@ std::string copyFault(const Reference& reference, float least) {
   return front + (front.empty() || back.empty() ? "" : ", ") + back;
 }
 
+tl::expected<engine::CardReading, Refusal> readBack(engine::DocumentAnalyzer& documents,
+                                                    const EnrollArguments& arguments,
+                                                    const engine::DocumentKind* kind) {
+  if (kind && !kind->back) {
+    return tl::unexpected(
+        Refusal{ExitCode::wrongUse, inQuotes(arguments.front) + " shows a " + kind->stem +
+                                        ", which has no back; leave out --back."});
+  }
+  return readSide(documents, *arguments.back, DocumentSide::back);
+}
+
 tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
                                                const DocumentRules& rules) {
   const Resources resources = findResources();
@@ -154,22 +145,19 @@ tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
   if (!documents) {
     return tl::unexpected(Refusal{ExitCode::machineLacks, documents.error().sentence});
   }
-  Reference reference;
   auto front = readSide(*documents, arguments.front, DocumentSide::front);
   if (!front) return tl::unexpected(front.error());
-  reference.front = std::move(*front);
-  describe("front", reference.front);
-  if (!arguments.back) return reference;
-  const auto* kind = (*tables)->kinds.ofType(reference.front.type.value_or(""));
-  if (kind && !kind->back) {
-    return tl::unexpected(
-        Refusal{ExitCode::wrongUse, inQuotes(arguments.front) + " shows a " + kind->stem +
-                                        ", which has no back; leave out --back."});
-  }
-  auto back = readSide(*documents, *arguments.back, DocumentSide::back);
+  describe("front", front->data);
+  if (!arguments.back) return Reference{std::move(front->data), std::nullopt};
+  const auto& kinds = (*tables)->kinds;
+  auto back = readBack(*documents, arguments, kinds.ofType(front->data.type.value_or("")));
   if (!back) return tl::unexpected(back.error());
-  reference.back = std::move(*back);
-  describe("back", *reference.back);
+  describe("back", back->data);
+  documents->settleByOtherSide(*front, back->data);
+  documents->settleByOtherSide(*back, front->data);
+  Reference reference{std::move(front->data), std::move(back->data)};
+  const auto fault = sidesFault(reference, kinds, arguments.front, *arguments.back);
+  if (!fault.empty()) return tl::unexpected(Refusal{ExitCode::wrongUse, fault});
   return reference;
 }
 
@@ -177,9 +165,6 @@ ExitCode runEnroll(const EnrollArguments& arguments) {
   const DocumentRules rules = documentRules(arguments.documents);
   const auto reference = readReference(arguments, rules);
   if (!reference) return complain(std::cerr, reference.error());
-  if (const auto fault = sidesFault(*reference); !fault.empty()) {
-    return complain(std::cerr, ExitCode::wrongUse, fault);
-  }
   const std::string sureCopy = copyFault(*reference, engine::kSureCopy);
   if (!sureCopy.empty() && !arguments.allowCopy) {
     return complain(std::cerr, ExitCode::wrongUse,

@@ -16,7 +16,9 @@ TEST(Reference, KeepsFieldsAndScoresOfBothSides) {
   reference.front.fields = {
       {FieldName::surname, "MÜLLER", FieldSource::print, 0.5F, false,
        platform::CGRect{390.25, 185, 195, 32}},
-      {FieldName::birthDate, "1984-04", FieldSource::print, 1.0F, false, std::nullopt}};
+      {FieldName::birthDate, "1984-04", FieldSource::print, 1.0F, false, std::nullopt},
+      {FieldName::givenNames, "ANNA", FieldSource::print, 0.5F, false,
+       platform::CGRect{390, 225, 195, 32}, FieldSource::zone}};
   reference.back.emplace();
   reference.back->fields = {
       {FieldName::givenNames, "ANNA MARIA ELI", FieldSource::zone, 0.9F, true, std::nullopt},
@@ -43,8 +45,8 @@ TEST(Reference, RefusesFieldsOfAnotherShape) {
   ASSERT_TRUE(app::saveReference(reference, scratch.path()));
   const auto good = *app::parseJson(*app::readFile(scratch / app::kReferenceFileName, 10000), "");
   const std::tuple<const char*, nlohmann::json> cases[] = {
-      {"name", "shoeSize"},      {"source", "rumour"}, {"value", 7},    {"value", nullptr},
-      {"confidence", "certain"}, {"place", {1, 2, 3}}, {"truncated", 1}};
+      {"name", "shoeSize"},      {"source", "rumour"}, {"value", 7},     {"value", nullptr},
+      {"confidence", "certain"}, {"place", {1, 2, 3}}, {"truncated", 1}, {"knownBy", "print"}};
   for (const auto& [key, value] : cases) {
     auto spoilt = good;
     spoilt["front"]["fields"][0][key] = value;

@@ -12,11 +12,11 @@ using nlohmann::json;
 
 const fs::path kStudent = STUDENT;
 
-/// Photographs of a student card, and truth.json about them.
-json photographs(const fs::path& folder) {
+/// Photographs of a card of the one design in a folder, and truth.json about them.
+json photographs(const fs::path& folder, const fs::path& designs) {
   const ScratchFolder data;
-  fs::copy(kStudent / "designs", data / "designs");
-  fs::copy(PEOPLE, data / "people.json");
+  fs::copy(designs, data / "designs");
+  fs::copy(fs::path(PHOTO_DATA) / "people.json", data / "people.json");
   const ProgramRun made =
       runProgram(MAKE_PHOTOS, {"--data", data.path(), "--count", "1", "--output", folder});
   EXPECT_EQ(made.exitCode, 0) << made.errors;
@@ -34,15 +34,19 @@ ProgramRun enroll(const fs::path& photos, const json& pictures, const fs::path& 
   return runVideoid(arguments);
 }
 
-std::string valueOf(const json& side, const std::string& name) {
+json fieldOf(const json& side, const std::string& name) {
   for (const json& field : side.at("fields"))
-    if (field.at("name") == name) return field.at("value");
-  return {};
+    if (field.at("name") == name) return field;
+  return {{"value", ""}};
+}
+
+std::string valueOf(const json& side, const std::string& name) {
+  return fieldOf(side, name).at("value");
 }
 
 TEST(Documents, AFileMakesAKindThatIsEnrolled) {
   const ScratchFolder scratch;
-  const json pictures = photographs(scratch / "photos");
+  const json pictures = photographs(scratch / "photos", kStudent / "designs");
   ASSERT_EQ(pictures.size(), 2U);
   const ProgramRun without = enroll(scratch / "photos", pictures, scratch / "unknown", {});
   EXPECT_EQ(without.exitCode, 2) << "nothing tells its back";
@@ -67,6 +71,38 @@ TEST(Documents, AFileMakesAKindThatIsEnrolled) {
   EXPECT_EQ(flow.exitCode, 2);
   EXPECT_NE(flow.errors.find("give the folder of --documents"), std::string::npos) << flow.errors;
   EXPECT_FALSE(fs::exists(scratch / "run"));
+}
+
+TEST(Documents, TheZoneOfTheBackTellsNamesOnTheFrontThatNoKnownLabelNames) {
+  const ScratchFolder scratch;
+  json permit = json::parse(bytesOf(fs::path(PHOTO_DATA) / "designs/permit.json"));
+  permit["languages"] = {"de"};
+  for (json& field : permit["front"]["fields"])
+    if (field["field"] == "surname" || field["field"] == "givenNames") field["label"] = "Zvxwqa";
+  fs::create_directories(scratch / "designs");
+  writeBytes(scratch / "designs/permit.json", permit.dump());
+  const json pictures = photographs(scratch / "photos", scratch / "designs");
+  const ProgramRun run = enroll(scratch / "photos", pictures, scratch / "card", {});
+  ASSERT_EQ(run.exitCode, 0) << run.errors;
+  const json front = json::parse(bytesOf(scratch / "card/reference.json")).at("front");
+  for (const auto& [name, knownBy] :
+       {std::pair("surname", "zone"), {"givenNames", "zone"}, {"documentNumber", ""}}) {
+    const json field = fieldOf(front, name);
+    EXPECT_EQ(field.at("value"), pictures.at(0).at("fields").at(name).at("printed")) << name;
+    EXPECT_EQ(field.at("source"), "print") << name;
+    EXPECT_EQ(field.value("knownBy", ""), knownBy) << name;
+  }
+
+  // The same card without its title: the back is a permit's still, by its zone.
+  permit["front"]["writings"] = json::array();
+  writeBytes(scratch / "designs/permit.json", permit.dump());
+  const json untitled = photographs(scratch / "untitled", scratch / "designs");
+  const ProgramRun refused = enroll(scratch / "untitled", untitled, scratch / "none", {});
+  EXPECT_EQ(refused.exitCode, 2);
+  EXPECT_NE(refused.errors.find("By its back the card is a RESIDENCE_PERMIT, but no name of such a "
+                                "document was read on"),
+            std::string::npos)
+      << refused.errors;
 }
 
 TEST(Documents, APassportsPageIsAFrontAndNoBack) {

@@ -76,10 +76,18 @@ std::vector<DocumentField> zoneFields(const corvana::MRZResult& zone, const Cale
   return fields;
 }
 
+std::vector<DocumentField> recordOf(const corvana::DetectedData& side) {
+  std::vector<DocumentField> record = side.fields.value_or(std::vector<DocumentField>());
+  std::erase_if(record,
+                [](const DocumentField& field) { return field.source == FieldSource::print; });
+  return record;
+}
+
 std::vector<DocumentField> documentFields(const corvana::DetectedData& side,
                                           const std::vector<TextLine>& print,
                                           const FieldLabels& labels, const CalendarDate& today,
-                                          const std::vector<PlacedField>& places) {
+                                          const std::vector<PlacedField>& places,
+                                          const std::vector<DocumentField>& otherRecord) {
   std::vector<DocumentField> fields;
   const auto add = [&](const std::vector<DocumentField>& more) {
     fields.insert(fields.end(), more.begin(), more.end());
@@ -88,8 +96,9 @@ std::vector<DocumentField> documentFields(const corvana::DetectedData& side,
   if (side.barcode && side.barcode->contains(kBarcodeText)) {
     if (const auto record = parseAamva(side.barcode->at(kBarcodeText))) add(aamvaFields(*record));
   }
-  // What was added so far is the record.
-  add(printedFields(print, labels, today, places, fields));
+  std::vector<DocumentField> record = fields;
+  record.insert(record.end(), otherRecord.begin(), otherRecord.end());
+  add(printedFields(print, labels, today, places, record));
   return fields;
 }
 

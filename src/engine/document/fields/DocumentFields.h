@@ -18,13 +18,17 @@ namespace corvana::engine {
 std::vector<corvana::DocumentField> zoneFields(const corvana::MRZResult& zone,
                                                const CalendarDate& today);
 
+/// Of what was read of a side: what zone and code say. Pure.
+std::vector<corvana::DocumentField> recordOf(const corvana::DetectedData& side);
+
 /// All that zone, code and print of one side say, each by itself; where the kind of document has
-/// fields is given in pixels of the print. Pure.
-std::vector<corvana::DocumentField> documentFields(const corvana::DetectedData& side,
-                                                   const std::vector<TextLine>& print,
-                                                   const FieldLabels& labels,
-                                                   const CalendarDate& today,
-                                                   const std::vector<PlacedField>& places = {});
+/// fields is given in pixels of the print. `otherRecord`, of the card's other side where it was
+/// read too, tells of this one's print as its own record does. Pure.
+std::vector<corvana::DocumentField> documentFields(
+    const corvana::DetectedData& side, const std::vector<TextLine>& print,
+    const FieldLabels& labels, const CalendarDate& today,
+    const std::vector<PlacedField>& places = {},
+    const std::vector<corvana::DocumentField>& otherRecord = {});
 
 /// The name of a field, of a source, of an agreement as reference.json and events have it, such as
 /// "givenNames".

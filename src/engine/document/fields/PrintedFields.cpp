@@ -257,6 +257,7 @@ std::vector<DocumentField> printedFields(const std::vector<TextLine>& lines,
     const auto named = std::ranges::find(fields, placed.name, &DocumentField::name);
     if (named == fields.end()) fields.push_back(std::move(placed));
   }
+  addUnlabelled(parted, read, record, fields);
   return fields;
 }
 

@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "engine/document/fields/Transliteration.h"
 #include "engine/document/fields/ValueAgreement.h"
 
 namespace corvana::engine {
@@ -18,42 +19,107 @@ bool areAlike(FieldName a, FieldName b) {
   return (isName(a) && isName(b)) || (isDate(a) && isDate(b));
 }
 
-bool hasValue(const Fields& record, FieldName name, const std::string& value) {
-  return std::ranges::any_of(record, [&](const DocumentField& field) {
+/// What the record has of this name and with this value; null where it has none.
+const DocumentField* entryOf(const Fields& record, FieldName name, const std::string& value) {
+  const auto entry = std::ranges::find_if(record, [&](const DocumentField& field) {
     return field.name == name && agreementOf(value, field) == corvana::FieldAgreement::agrees;
   });
+  return entry == record.end() ? nullptr : &*entry;
 }
 
 /// The one other field for which the record has a value that it has not for this one.
-std::optional<FieldName> otherName(const DocumentField& field, const Fields& record) {
-  if (hasValue(record, field.name, field.value)) return std::nullopt;
+const DocumentField* otherEntry(const DocumentField& field, const Fields& record) {
+  if (entryOf(record, field.name, field.value)) return nullptr;
   const auto other = std::ranges::find_if(record, [&](const DocumentField& recorded) {
     return recorded.name != field.name && areAlike(recorded.name, field.name) &&
-           hasValue(record, recorded.name, field.value);
+           entryOf(record, recorded.name, field.value);
   });
-  if (other == record.end()) return std::nullopt;
-  return other->name;
+  return other == record.end() ? nullptr : &*other;
+}
+
+bool isSearched(FieldName name) {
+  return isName(name) || isDate(name) || name == FieldName::documentNumber;
+}
+
+bool isPrinted(const Fields& fields, FieldName name) {
+  return std::ranges::find(fields, name, &DocumentField::name) != fields.end();
+}
+
+/// Whether a printed value is the record's whole one: without a label a part of it may be anything.
+bool isWhole(const std::string& printed, const DocumentField& recorded) {
+  if (isDate(recorded.name)) return printed == recorded.value;
+  if (!isName(recorded.name)) {
+    return agreementOf(printed, recorded) == corvana::FieldAgreement::agrees;
+  }
+  const std::string letters = letterSkeleton(printed);
+  const std::string wanted = letterSkeleton(recorded.value);
+  return letters == wanted || isLikeWhereMarked(printed, recorded.value) ||
+         (recorded.isTruncated && !wanted.empty() && letters.starts_with(wanted));
+}
+
+/// The record's value in a line: all of it, or what it ends with behind a label that is not known.
+/// Short names end many words' lines by chance.
+std::optional<std::string> valueIn(const std::string& line, const DocumentField& recorded,
+                                   const ValueReader& read) {
+  constexpr std::size_t kLeastLettersAtEnd = 4;
+  const bool mayEndIt = recorded.value.size() >= kLeastLettersAtEnd;
+  for (std::size_t at = 0; at != std::string::npos; at = line.find(' ', at)) {
+    at = line.find_first_not_of(' ', at);
+    if (at == std::string::npos || (at > 0 && !mayEndIt)) break;
+    auto value = read(recorded.name, line.substr(at));
+    if (value && isWhole(*value, recorded)) return value;
+  }
+  return std::nullopt;
+}
+
+/// A line that is another field's is not this one's too.
+bool isTaken(const TextLine& line, const Fields& fields) {
+  return std::ranges::any_of(fields,
+                             [&](const DocumentField& field) { return field.place == line.box; });
+}
+
+/// The record's value as the print has it.
+std::optional<DocumentField> inPrint(const DocumentField& recorded,
+                                     const std::vector<TextLine>& lines, const ValueReader& read,
+                                     const Fields& fields) {
+  for (const TextLine& line : lines) {
+    // A zone's own lines are no print.
+    if (line.text.find('<') != std::string::npos || isTaken(line, fields)) continue;
+    if (auto value = valueIn(line.text, recorded, read)) {
+      return DocumentField{recorded.name,
+                           *std::move(value),
+                           corvana::FieldSource::print,
+                           static_cast<float>(line.confidence),
+                           false,
+                           line.box,
+                           recorded.source};
+    }
+  }
+  return std::nullopt;
 }
 
 }  // namespace
 
 void addEitherName(DocumentField name, const Fields& record, Fields& fields) {
-  const bool isSurname = hasValue(record, FieldName::surname, name.value);
-  const bool isGivenNames = hasValue(record, FieldName::givenNames, name.value);
-  if (isSurname == isGivenNames) return;
-  name.name = isSurname ? FieldName::surname : FieldName::givenNames;
+  const auto* surname = entryOf(record, FieldName::surname, name.value);
+  const auto* givenNames = entryOf(record, FieldName::givenNames, name.value);
+  if ((surname == nullptr) == (givenNames == nullptr)) return;
+  const DocumentField& entry = surname ? *surname : *givenNames;
+  name.name = entry.name;
+  name.knownBy = entry.source;
   fields.push_back(std::move(name));
 }
 
 void settle(Fields& fields, const Fields& record) {
   Fields moved;
   for (auto field = fields.begin(); field != fields.end();) {
-    const auto name = otherName(*field, record);
-    if (!name) {
+    const auto* entry = otherEntry(*field, record);
+    if (!entry) {
       ++field;
       continue;
     }
-    field->name = *name;
+    field->name = entry->name;
+    field->knownBy = entry->source;
     moved.push_back(std::move(*field));
     field = fields.erase(field);
   }
@@ -61,9 +127,17 @@ void settle(Fields& fields, const Fields& record) {
     const auto own = std::ranges::find(fields, field.name, &DocumentField::name);
     if (own == fields.end()) {
       fields.push_back(std::move(field));
-    } else if (!hasValue(record, own->name, own->value)) {
+    } else if (!entryOf(record, own->name, own->value)) {
       *own = std::move(field);
     }
+  }
+}
+
+void addUnlabelled(const std::vector<TextLine>& lines, const ValueReader& read,
+                   const Fields& record, Fields& fields) {
+  for (const DocumentField& recorded : record) {
+    if (!isSearched(recorded.name) || isPrinted(fields, recorded.name)) continue;
+    if (auto field = inPrint(recorded, lines, read, fields)) fields.push_back(*std::move(field));
   }
 }
 

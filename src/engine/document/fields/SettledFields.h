@@ -3,9 +3,11 @@
 #include <vector>
 
 #include "corvana/DocumentField.h"
+#include "engine/document/fields/ValueReader.h"
+#include "engine/document/text/TextReader.h"
 
 /// What zone or code tell of values in print whose labels do not tell, or tell wrongly since a
-/// neighbour's label was not read. Pure.
+/// neighbour's label was not read. What they told is marked as known by them. Pure.
 namespace corvana::engine {
 
 /// Adds a name under a label that may be the surname's or the given names', if the record has it
@@ -17,5 +19,11 @@ void addEitherName(corvana::DocumentField name, const std::vector<corvana::Docum
 /// what that one had, unless it agrees with the record.
 void settle(std::vector<corvana::DocumentField>& fields,
             const std::vector<corvana::DocumentField>& record);
+
+/// Adds names, numbers and dates of the record that stand in print without a label that could be
+/// read: alone in a line, or at its end. Nothing that the fields have already is changed.
+void addUnlabelled(const std::vector<TextLine>& lines, const ValueReader& read,
+                   const std::vector<corvana::DocumentField>& record,
+                   std::vector<corvana::DocumentField>& fields);
 
 }  // namespace corvana::engine

@@ -74,11 +74,11 @@ const Case kCases[] = {
       {FieldName::expiryDate, "2031-07-17"},
       {FieldName::documentNumber, "VH5626077"}}},
     {"two labels of surnames and none of given names",
-     {at(300, 100, "Isem / Name", 14), at(300, 118, "ĊETTA"), at(300, 40, "Kunjom / Surname", 14),
+     {at(300, 100, "Igama / Name", 14), at(300, 118, "ĊETTA"), at(300, 40, "Ifani / Surname", 14),
       at(300, 58, "BUĦAĠIAR")},
      {{FieldName::surname, "BUĦAĠIAR"}, {FieldName::givenNames, "ĊETTA"}}},
     {"a label of either name, whose fellow was not read",
-     {at(300, 40, "MEIER"), at(300, 100, "Ainm / Name", 14), at(300, 118, "ĊETTA"),
+     {at(300, 40, "MEIER"), at(300, 100, "Igama / Name", 14), at(300, 118, "ĊETTA"),
       at(300, 160, "Sex: F", 14)},
      {{FieldName::sex, "F"}}},
     {"a label of either name beside a word that is nearly a label",
@@ -156,6 +156,25 @@ const Case kCases[] = {
       {FieldName::birthDate, "1982-10-10"},
       {FieldName::expiryDate, "2030-03-26"},
       {FieldName::sex, "F"}}},
+    {"labels in one language of a small state",
+     {at(300, 40, "Mbiemri", 14), at(300, 58, "HOXHALLARI"), at(300, 100, "Emri", 14),
+      at(300, 118, "DRITA"), at(300, 160, "Datëlindja", 14), at(300, 178, "12.08.1984"),
+      at(600, 40, "Data e lëshimit", 14), at(600, 58, "15.04.2022"),
+      at(600, 100, "Data e skadimit", 14), at(600, 118, "14.04.2032"),
+      at(600, 160, "Vendlindja", 14), at(600, 178, "SHKODËR")},
+     {{FieldName::surname, "HOXHALLARI"},
+      {FieldName::givenNames, "DRITA"},
+      {FieldName::birthDate, "1984-08-12"},
+      {FieldName::issueDate, "2022-04-15"},
+      {FieldName::expiryDate, "2032-04-14"}}},
+    {"labels in Irish, of which one may be either name",
+     {at(300, 40, "Sloinne", 14), at(300, 58, "DE BÚRCA"), at(300, 100, "Ainm", 14),
+      at(300, 118, "NIAMH"), at(600, 40, "Gnéas", 14), at(600, 58, "F"),
+      at(600, 100, "Dáta éaga", 14), at(600, 118, "14.04.2032")},
+     {{FieldName::surname, "DE BÚRCA"},
+      {FieldName::givenNames, "NIAMH"},
+      {FieldName::sex, "F"},
+      {FieldName::expiryDate, "2032-04-14"}}},
     {"values that hold a stroke or look like a label",
      {at(300, 40, "Name: MEIER/SCHMIDT"), at(300, 100, "Vornamen", 14), at(300, 120, "NOMA"),
       at(300, 160, "Born / Née le 01/02/1980", 14)},
@@ -247,6 +266,46 @@ TEST(PrintedFields, ThatZoneOrCodeHaveForAnotherFieldAreThatOnes) {
     Values values;
     for (const auto& field : engine::printedFields(c.lines, *labels, kToday, {}, record))
       values[field.name] = field.value;
+    EXPECT_EQ(values, c.values) << c.what;
+  }
+}
+
+TEST(PrintedFields, WithoutALabelThatIsReadAreKnownByZoneOrCode) {
+  const auto labels = engine::FieldLabels::load({ENGINE_RESOURCES "/documents/labels"});
+  ASSERT_TRUE(labels) << labels.error().sentence;
+  const auto recorded = [](FieldName name, const char* value, bool isCut = false) {
+    return corvana::DocumentField{name, value, corvana::FieldSource::zone, 1, isCut, std::nullopt};
+  };
+  const std::vector<corvana::DocumentField> record{recorded(FieldName::surname, "MUELLER OE"),
+                                                   recorded(FieldName::givenNames, "ASE LI", true),
+                                                   recorded(FieldName::documentNumber, "D23145890"),
+                                                   recorded(FieldName::birthDate, "1982-10-10"),
+                                                   recorded(FieldName::expiryDate, "2030-03-26"),
+                                                   recorded(FieldName::authority, "UTO")};
+  const Case cases[] = {
+      {"alone in a line, with their marks, longer than there was room for",
+       {at(300, 40, "Zvxwq", 14), at(300, 58, "MÜLLER ØE"), at(300, 118, "ÅSE LINNÉA"),
+        at(300, 160, "D2314589O"), at(300, 200, "26.03.2030"), at(300, 240, "UTO")},
+       {{FieldName::surname, "MÜLLER ØE"},
+        {FieldName::givenNames, "ÅSE LINNÉA"},
+        {FieldName::documentNumber, "D2314589O"},
+        {FieldName::expiryDate, "2030-03-26"}}},
+      {"behind a label of no list",
+       {at(300, 40, "Zvxwq müller øe"), at(300, 100, "Zvxwq 10 OCT 1982")},
+       {{FieldName::surname, "müller øe"}, {FieldName::birthDate, "1982-10-10"}}},
+      {"a part of a name, another's name, and a zone's line are none",
+       {at(300, 40, "MÜLLER"), at(300, 80, "MÜLLER ØE ZENITH"), at(300, 120, "D23145891"),
+        at(300, 160, "MUELLER<OE<<ASE<LI")},
+       {}},
+      {"what a label names stays",
+       {at(300, 40, "Surname", 14), at(300, 58, "SCHULZ"), at(300, 140, "MÜLLER ØE")},
+       {{FieldName::surname, "SCHULZ"}}}};
+  for (const Case& c : cases) {
+    Values values;
+    for (const auto& field : engine::printedFields(c.lines, *labels, kToday, {}, record)) {
+      values[field.name] = field.value;
+      EXPECT_EQ(field.knownBy.has_value(), field.value != "SCHULZ") << field.value;
+    }
     EXPECT_EQ(values, c.values) << c.what;
   }
 }
