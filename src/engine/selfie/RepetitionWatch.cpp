@@ -1,6 +1,7 @@
 #include "engine/selfie/RepetitionWatch.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include <opencv2/imgproc.hpp>
 
@@ -28,19 +29,24 @@ std::vector<float> valuesOf(const platform::PixelBuffer& picture) {
              0, 0, cv::INTER_AREA);
   cv::Mat values;
   small.convertTo(values, CV_32F);
-  // The exposure drifts; what is seen does not.
   values -= cv::mean(values);
   return {values.begin<float>(), values.end<float>()};
 }
 
-double meanSquare(const std::vector<float>& a, const std::vector<float>& b) {
+double product(const std::vector<float>& a, const std::vector<float>& b) {
   double sum = 0;
   for (std::size_t i = 0; i < a.size(); ++i)
-    sum += static_cast<double>((a[i] - b[i]) * (a[i] - b[i]));
+    sum += static_cast<double>(a[i] * b[i]);
   return sum / static_cast<double>(a.size());
 }
 
 }  // namespace
+
+/// Mean square of what is left when both are shown with the same contrast: the exposure drifts by
+/// one or two per cent, which between a bright and a dark place is more than a head at rest moves.
+double RepetitionWatch::difference(const Picture& a, const Picture& b) {
+  return std::max(0.0, 2 * (a.contrast * b.contrast - product(a.values, b.values)));
+}
 
 /// From look to look within the newest stretch. What led to it is left out: a head that comes back
 /// to rest from afar is not where it was by repeating itself.
@@ -87,11 +93,12 @@ double RepetitionWatch::unlikeness(std::size_t lag) const {
 }
 
 void RepetitionWatch::add(platform::TimePoint time, const platform::PixelBuffer& picture) {
-  Picture next{time, valuesOf(picture), {}};
+  Picture next{time, valuesOf(picture), 0, {}};
+  next.contrast = std::sqrt(product(next.values, next.values));
   if (!pictures_.empty() && pictures_.front().values.size() != next.values.size())
     pictures_.clear();
   for (const Picture& earlier : pictures_)
-    next.differences.push_back(meanSquare(next.values, earlier.values));
+    next.differences.push_back(difference(next, earlier));
   pictures_.push_front(std::move(next));
   if (pictures_.size() > kMostPictures) pictures_.pop_back();
 

@@ -21,10 +21,12 @@ class RepetitionWatch {
  private:
   struct Picture {
     platform::TimePoint time;
-    std::vector<float> values;
+    std::vector<float> values;  ///< about their mean
+    double contrast;            ///< root of their mean square
     /// Difference to the picture before it, by how many came between.
     std::vector<double> differences;
   };
+  static double difference(const Picture& a, const Picture& b);
   double movement() const;
   double movementAt(std::size_t index) const;
   double shareBetween(std::size_t lag) const;
