@@ -37,10 +37,6 @@ const DocumentField* otherEntry(const DocumentField& field, const Fields& record
   return other == record.end() ? nullptr : &*other;
 }
 
-bool isSearched(FieldName name) {
-  return isName(name) || isDate(name) || name == FieldName::documentNumber;
-}
-
 bool isPrinted(const Fields& fields, FieldName name) {
   return std::ranges::find(fields, name, &DocumentField::name) != fields.end();
 }
