@@ -34,6 +34,25 @@ void requireData(UErrorCode status) {
   platform::require(U_SUCCESS(status), "ICU has no data for the segmentation of text");
 }
 
+/// Whether no two code units are one character: the first mark that joins a letter is U+0300, and
+/// below it only a carriage return joins a line feed. Most texts are such, and making ICU's
+/// boundaries costs more than comparing a short one.
+bool isEachUnitACharacter(const icu::UnicodeString& text) {
+  constexpr char16_t kFirstThatJoins = 0x300;
+  for (int i = 0; i < text.length(); ++i) {
+    if (text[i] >= kFirstThatJoins || text[i] == u'\r') return false;
+  }
+  return true;
+}
+
+std::unique_ptr<icu::BreakIterator> characterBoundaries() {
+  UErrorCode status = U_ZERO_ERROR;
+  std::unique_ptr<icu::BreakIterator> boundaries(
+      icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
+  requireData(status);
+  return boundaries;
+}
+
 /// Splits texts into characters and numbers them: the same number for canonically equivalent ones,
 /// so that comparing them costs no more than comparing numbers.
 class Segmenter {
@@ -41,14 +60,20 @@ class Segmenter {
   Segmenter() {
     UErrorCode status = U_ZERO_ERROR;
     decomposition_ = icu::Normalizer2::getNFDInstance(status);
-    boundaries_.reset(icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
     requireData(status);
   }
 
   std::vector<Character> split(const std::string& utf8) {
     const icu::UnicodeString text = icu::UnicodeString::fromUTF8(utf8);
-    boundaries_->setText(text);
     std::vector<Character> result;
+    result.reserve(static_cast<std::size_t>(text.length()));
+    if (isEachUnitACharacter(text)) {
+      for (int i = 0; i < text.length(); ++i)
+        result.push_back({numberOf(text, i, i + 1), 1});
+      return result;
+    }
+    if (!boundaries_) boundaries_ = characterBoundaries();
+    boundaries_->setText(text);
     for (int start = 0, end = boundaries_->next(); end != icu::BreakIterator::DONE;
          start = end, end = boundaries_->next()) {
       result.push_back({numberOf(text, start, end), end - start});
@@ -69,8 +94,8 @@ class Segmenter {
   }
 
   const icu::Normalizer2* decomposition_ = nullptr;
-  std::unique_ptr<icu::BreakIterator> boundaries_;
-  std::map<icu::UnicodeString, int> others_;  ///< by their canonical decomposition
+  std::unique_ptr<icu::BreakIterator> boundaries_;  ///< made for the first text that needs them
+  std::map<icu::UnicodeString, int> others_;        ///< by their canonical decomposition
 };
 
 /// Pieces between spaces that are not empty. Other white space belongs to its piece.

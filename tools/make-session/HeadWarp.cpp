@@ -137,11 +137,11 @@ void HeadWarp::maps(const PersonPose& pose, cv::Point2f corner, cv::Mat& mapX,
       coarseY.at<float>(row, column) = source.y + corner.y;
     }
   const cv::Rect picture(kStep, kStep, kPictureWidth, kPictureHeight);
-  cv::Mat fine;
-  cv::resize(coarseX, fine, {}, kStep, kStep, cv::INTER_LINEAR);
-  mapX = fine(picture).clone();
-  cv::resize(coarseY, fine, {}, kStep, kStep, cv::INTER_LINEAR);
-  mapY = fine(picture).clone();
+  cv::Mat fineX, fineY;
+  cv::resize(coarseX, fineX, {}, kStep, kStep, cv::INTER_LINEAR);
+  cv::resize(coarseY, fineY, {}, kStep, kStep, cv::INTER_LINEAR);
+  mapX = fineX(picture);
+  mapY = fineY(picture);
 }
 
 }  // namespace corvana::session

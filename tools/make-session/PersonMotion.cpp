@@ -13,6 +13,7 @@ constexpr double kTurn = 6.283185307179586;
 constexpr double kBlinkClosing = 0.09;
 constexpr double kBlinkHeld = 0.08;
 constexpr double kBlinkOpening = 0.17;
+constexpr double kBlink = kBlinkClosing + kBlinkHeld + kBlinkOpening;
 constexpr double kBreathsPerSecond = 0.27;
 constexpr double kLeaving = 0.9;  ///< seconds from in view to out of view
 
@@ -42,26 +43,35 @@ PersonMotion::PersonMotion(const Script& script, double length, Random& random)
       handX_(random, 0.35 * person_.quickness),
       handY_(random, 0.40 * person_.quickness) {
   const double often = person_.blinkEvery / PersonScript().blinkEvery;
-  double next = random.uniform(0.9, 1.4);
+  // The blinks have numbers of their own: what comes after them is the same in a longer film.
+  Random ofBlinks = random;
+  double next = ofBlinks.uniform(0.9, 1.4);
   while (next < length) {
     if (next >= person_.noBlinkBefore) blinks_.push_back(next);
-    next += often * random.uniform(2.2, 4.6);
+    next += often * ofBlinks.uniform(2.2, 4.6);
   }
   for (const TaskScript& task : person_.tasks) {
     performances_.push_back({random.uniform(kLeastOfTask, kMostOfTask),
                              kTaskRise * random.uniform(kLeastOfTask, kMostOfTask)});
     if (task.what != "blinkTwice") continue;
+    dropBlinksBeside(task.at);
     blinks_.insert(blinks_.end(), {task.at, task.at + kSecondBlink});
   }
   std::ranges::sort(blinks_);
+}
+
+/// Lids that are closed on purpose do not close by themselves meanwhile.
+void PersonMotion::dropBlinksBeside(double pair) {
+  std::erase_if(blinks_, [pair](double blink) {
+    return blink > pair - kBlink && blink < pair + kSecondBlink + kBlink;
+  });
 }
 
 double PersonMotion::lids(double seconds) const {
   const auto blink = std::upper_bound(blinks_.begin(), blinks_.end(), seconds);
   if (blink == blinks_.begin()) return 0.0;
   const double since = seconds - *(blink - 1);
-  return ease(since, 0.0, kBlinkClosing) -
-         ease(since, kBlinkClosing + kBlinkHeld, kBlinkClosing + kBlinkHeld + kBlinkOpening);
+  return ease(since, 0.0, kBlinkClosing) - ease(since, kBlinkClosing + kBlinkHeld, kBlink);
 }
 
 double PersonMotion::away(double seconds) const {

@@ -21,6 +21,8 @@ struct PersonPose {
   double cameraX = 0.0;  ///< of the whole picture, in pixels
   double cameraY = 0.0;
   double nearness = 1.0;  ///< how much larger all is seen than at rest
+
+  bool operator==(const PersonPose&) const = default;
 };
 
 /// The person's motion through the session: looks around in the selfie phase, down at the card
@@ -34,6 +36,7 @@ class PersonMotion {
   const std::vector<double>& blinks() const { return blinks_; }
 
  private:
+  void dropBlinksBeside(double pair);
   double lids(double seconds) const;
   double away(double seconds) const;
   void doTasks(double seconds, PersonPose& pose) const;

@@ -68,9 +68,13 @@ cv::Scalar PersonView::cheekColour(const engine::FaceMesh& face) const {
 }
 
 void PersonView::draw(const PersonPose& pose, cv::Mat& picture) {
-  expression_.draw(rest_, canvas_, pose.lids, pose.mouth);
-  warp_.maps(pose, {kMarginX, kMarginY}, mapX_, mapY_);
-  cv::remap(canvas_, picture, mapX_, mapY_, cv::INTER_LINEAR, cv::BORDER_REPLICATE);
+  if (pose != drawn_) {
+    expression_.draw(rest_, canvas_, pose.lids, pose.mouth);
+    warp_.maps(pose, {kMarginX, kMarginY}, mapX_, mapY_);
+    cv::remap(canvas_, seen_, mapX_, mapY_, cv::INTER_LINEAR, cv::BORDER_REPLICATE);
+    drawn_ = pose;
+  }
+  seen_.copyTo(picture);
 }
 
 }  // namespace corvana::session

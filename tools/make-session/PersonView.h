@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include <opencv2/core.hpp>
 
 #include "Expression.h"
@@ -33,6 +35,8 @@ class PersonView {
   Expression expression_;
   cv::Scalar skin_;
   cv::Mat mapX_, mapY_;
+  std::optional<PersonPose> drawn_;  ///< whom `seen_` shows; a print's pose never changes
+  cv::Mat seen_;
 };
 
 }  // namespace corvana::session

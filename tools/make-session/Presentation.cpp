@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kStep = 16;  // pixels between the places that are computed
 constexpr int kInversionSteps = 8;
+constexpr double kExactly = 1e-3;  // pixels, a thirtieth of what the picture is looked up by
 constexpr double kCameraDistance = 1250.0;  // pixels, as an arm's length is to a face
 constexpr double kSway = 14.0;              // pixels
 constexpr double kHandShake = 3.0;          // of the camera
@@ -40,7 +41,7 @@ Presentation::Presentation(const PresentationScript& script, Random& random)
       bendAxis_(random.uniform(-0.35, 0.35)),
       pixelPitch_(random.uniform(0.92, 1.09)),
       flickerSpeed_(random.uniform(2.0, 12.0)) {
-  if (script_.bendAxis) bendAxis_ = *script_.bendAxis * CV_PI / 180.0;
+  if (script_.bendAxis) bendAxis_ = Turn(*script_.bendAxis * CV_PI / 180.0);
   if (script_.kind != "print" && script_.kind != "screen") return;
   room_ = emptyRoom({kPictureWidth + 2 * kRoomMargin, kPictureHeight + 2 * kRoomMargin}, random);
 }
@@ -74,9 +75,9 @@ void Presentation::shake(cv::Mat& picture) {
 
 Presentation::Hold Presentation::holdAt(double seconds) const {
   const double tilt = script_.tilt * CV_PI / 180.0;
-  return {.yaw = tilt * yaw_.at(seconds),
-          .pitch = 0.6 * tilt * pitch_.at(seconds),
-          .roll = 0.3 * tilt * roll_.at(seconds),
+  return {.yaw = Turn(tilt * yaw_.at(seconds)),
+          .pitch = Turn(0.6 * tilt * pitch_.at(seconds)),
+          .roll = Turn(0.3 * tilt * roll_.at(seconds)),
           .x = kSway * x_.at(seconds),
           .y = kSway * y_.at(seconds),
           .bend = script_.bend * (0.6 + 0.4 * bend_.at(seconds))};
@@ -85,7 +86,7 @@ Presentation::Hold Presentation::holdAt(double seconds) const {
 cv::Point2d Presentation::seenAt(cv::Point2d onSheet, const Hold& hold) const {
   const cv::Point2d flat = script_.scale * (onSheet - middle());
   // The sheet is rolled about an axis: along it nothing changes.
-  const double ca = std::cos(bendAxis_), sa = std::sin(bendAxis_);
+  const auto& [ca, sa] = bendAxis_;
   double across = ca * flat.x + sa * flat.y;
   const double along = -sa * flat.x + ca * flat.y;
   double z = 0.0;
@@ -96,9 +97,9 @@ cv::Point2d Presentation::seenAt(cv::Point2d onSheet, const Hold& hold) const {
     z = radius * (std::cos(angle) - 1.0);
   }
   const double x = ca * across - sa * along, y = sa * across + ca * along;
-  const double cy = std::cos(hold.yaw), sy = std::sin(hold.yaw);
-  const double cp = std::cos(hold.pitch), sp = std::sin(hold.pitch);
-  const double cr = std::cos(hold.roll), sr = std::sin(hold.roll);
+  const auto& [cy, sy] = hold.yaw;
+  const auto& [cp, sp] = hold.pitch;
+  const auto& [cr, sr] = hold.roll;
   const double x1 = cy * x + sy * z, z1 = -sy * x + cy * z;
   const double y2 = cp * y + sp * z1, z2 = -sp * y + cp * z1;
   const double far = kCameraDistance / (kCameraDistance - z2);
@@ -109,22 +110,26 @@ cv::Point2d Presentation::seenAt(cv::Point2d onSheet, const Hold& hold) const {
 void Presentation::mapSheet(const Hold& hold) {
   constexpr int kWide = kPictureWidth / kStep + 2;
   constexpr int kHigh = kPictureHeight / kStep + 2;
-  cv::Mat coarse(kHigh, kWide, CV_32FC2);
+  cv::Mat coarseX(kHigh, kWide, CV_32FC1);
+  cv::Mat coarseY(kHigh, kWide, CV_32FC1);
   for (int row = 0; row < kHigh; ++row)
     for (int column = 0; column < kWide; ++column) {
       const cv::Point2d seen((column - 0.5) * kStep - 0.5, (row - 0.5) * kStep - 0.5);
       cv::Point2d source = middle() + (seen - middle()) / script_.scale;
-      for (int i = 0; i < kInversionSteps; ++i)
-        source += (seen - seenAt(source, hold)) / script_.scale;
-      coarse.at<cv::Vec2f>(row, column) = {static_cast<float>(source.x),
-                                           static_cast<float>(source.y)};
+      cv::Point2d miss(1.0, 1.0);
+      for (int i = 0; i < kInversionSteps && cv::norm(miss) > kExactly; ++i) {
+        miss = (seen - seenAt(source, hold)) / script_.scale;
+        source += miss;
+      }
+      coarseX.at<float>(row, column) = static_cast<float>(source.x);
+      coarseY.at<float>(row, column) = static_cast<float>(source.y);
     }
-  cv::Mat fine;
-  cv::resize(coarse, fine, {}, kStep, kStep, cv::INTER_LINEAR);
-  cv::Mat planes[2];
-  cv::split(fine(cv::Rect(kStep, kStep, kPictureWidth, kPictureHeight)), planes);
-  mapX_ = planes[0];
-  mapY_ = planes[1];
+  const cv::Rect picture(kStep, kStep, kPictureWidth, kPictureHeight);
+  cv::Mat fineX, fineY;
+  cv::resize(coarseX, fineX, {}, kStep, kStep, cv::INTER_LINEAR);
+  cv::resize(coarseY, fineY, {}, kStep, kStep, cv::INTER_LINEAR);
+  mapX_ = fineX(picture);
+  mapY_ = fineY(picture);
 }
 
 void Presentation::showHeld(double seconds, cv::Mat& picture) {
@@ -132,22 +137,20 @@ void Presentation::showHeld(double seconds, cv::Mat& picture) {
   const cv::Rect2d sheet(script_.crop * kPictureWidth, script_.crop * kPictureHeight,
                          (1.0 - 2.0 * script_.crop) * kPictureWidth,
                          (1.0 - 2.0 * script_.crop) * kPictureHeight);
-  cv::Mat held;
-  cv::Mat share;
-  if (script_.kind == "print") {
-    printed(picture);
-    cv::remap(picture, held, mapX_, mapY_, cv::INTER_LINEAR, cv::BORDER_REPLICATE);
-    share = shareOfSheet(mapX_, mapY_, sheet);
-  } else {
-    cv::remap(picture, held, mapX_, mapY_, cv::INTER_LINEAR, cv::BORDER_REPLICATE);
-    litByDisplay(held, {mapX_, mapY_, pixelPitch_, 6.283185307179586 * flickerSpeed_ * seconds});
-    share = frameDisplay(held, mapX_, mapY_, sheet);
+  const bool isPrint = script_.kind == "print";
+  if (isPrint) printed(picture);
+  cv::remap(picture, held_, mapX_, mapY_, cv::INTER_LINEAR, cv::BORDER_REPLICATE);
+  const cv::Mat inside = depthInside(mapX_, mapY_, sheet);
+  if (!isPrint) {
+    litByDisplay(held_, {mapX_, mapY_, pixelPitch_, 6.283185307179586 * flickerSpeed_ * seconds});
+    frameDisplay(inside, held_);
   }
   const cv::Rect view(
       kRoomMargin + static_cast<int>(std::lround(kHandShake * cameraX_.at(seconds))),
       kRoomMargin + static_cast<int>(std::lround(kHandShake * cameraY_.at(seconds))), kPictureWidth,
       kPictureHeight);
-  lay(room_(view), held, share, picture);
+  lay(room_(view), inside, isPrint ? 0.0F : kBezel, held_);
+  cv::swap(held_, picture);
 }
 
 }  // namespace corvana::session

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 
 #include <opencv2/core.hpp>
 
@@ -25,11 +26,16 @@ class Presentation {
   void show(double seconds, cv::Mat& picture);
 
  private:
+  /// The cosine and sine of an angle, which every place on the sheet needs.
+  struct Turn {
+    explicit Turn(double radians) : c(std::cos(radians)), s(std::sin(radians)) {}
+    double c, s;
+  };
   /// How print or display is held at one moment.
   struct Hold {
-    double yaw, pitch, roll;  ///< radians
-    double x, y;              ///< of its middle from the picture's middle, pixels
-    double bend;              ///< radians from one side to the other
+    Turn yaw, pitch, roll;
+    double x, y;  ///< of its middle from the picture's middle, pixels
+    double bend;  ///< radians from one side to the other
   };
   Hold holdAt(double seconds) const;
   cv::Point2d seenAt(cv::Point2d onSheet, const Hold& hold) const;
@@ -40,11 +46,12 @@ class Presentation {
   PresentationScript script_;
   Random random_;
   Wobble yaw_, pitch_, roll_, x_, y_, bend_, cameraX_, cameraY_;
-  double bendAxis_;      ///< radians from upright
+  Turn bendAxis_;        ///< from upright
   double pixelPitch_;    ///< of the display's pixels, in those of the person's picture
   double flickerSpeed_;  ///< hertz, as the camera's frames see it
   cv::Mat room_;
   cv::Mat mapX_, mapY_;
+  cv::Mat held_;
 };
 
 }  // namespace corvana::session

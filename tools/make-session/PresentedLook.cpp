@@ -1,8 +1,11 @@
 #include "PresentedLook.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include <opencv2/imgproc.hpp>
 
@@ -13,16 +16,55 @@ constexpr double kPrintBlack = 34.0;  // of 255: ink on paper is never black
 constexpr double kPrintWhite = 228.0;
 constexpr double kDisplayBlack = 16.0;
 constexpr double kDisplayGamma = 0.88;
-constexpr double kBeat = 0.035;  // of the brightness
+constexpr float kBeat = 0.035F;  // of the brightness
 constexpr double kFlicker = 0.02;
-constexpr double kBands = 2.3;   // over the picture's height
-constexpr double kBezel = 26.0;  // pixels
-const cv::Scalar kBezelColour(22, 22, 24);
-constexpr double kReflection = 26.0;
+constexpr double kBands = 2.3;  // over the picture's height
+const cv::Vec3b kBezelColour(22, 22, 24);
+constexpr float kReflection = 26.0F;
+constexpr double kTurn = 6.283185307179586;
 
-/// How far inside the rectangle a place lies, pixels; negative outside.
-double inside(double x, double y, const cv::Rect2d& area) {
-  return std::min({x - area.x, area.br().x - x, y - area.y, area.br().y - y});
+/// Cosines of whole turns, finer than a film's steps of brightness show.
+class CosineOfTurns {
+ public:
+  CosineOfTurns() {
+    for (std::size_t i = 0; i < kSteps; ++i)
+      values_[i] = static_cast<float>(std::cos(kTurn * static_cast<double>(i) / kSteps));
+  }
+  float at(float turns) const {
+    return values_[static_cast<std::size_t>(static_cast<int>(turns * kSteps)) % kSteps];
+  }
+
+ private:
+  static constexpr std::size_t kSteps = 1024;
+  std::array<float, kSteps> values_{};
+};
+
+/// How far the reflection of a lamp reaches, from its middle at `middle` of `size`.
+std::vector<float> reflected(int size, double middle, double reach) {
+  std::vector<float> shares;
+  for (int place = 0; place < size; ++place) {
+    const double distance = (place - middle * size) / (reach * size);
+    shares.push_back(static_cast<float>(std::exp(-distance * distance)));
+  }
+  return shares;
+}
+
+/// Shows of the picture what lies inside or at most `margin` outside, and `instead` beyond.
+template <class Colour>
+void hide(const cv::Mat& inside, float margin, cv::Mat& picture, Colour instead) {
+  for (int row = 0; row < picture.rows; ++row) {
+    const auto* depths = inside.ptr<float>(row);
+    auto* pixels = picture.ptr<cv::Vec3b>(row);
+    for (int column = 0; column < picture.cols; ++column) {
+      const double part = depths[column] + margin + 0.5F;
+      if (part >= 1.0) continue;
+      const cv::Vec3b other = instead(row, column);
+      pixels[column] =
+          part <= 0.0
+              ? other
+              : cv::Vec3b(cv::Vec3d(pixels[column]) * part + cv::Vec3d(other) * (1.0 - part));
+    }
+  }
 }
 
 cv::Mat displayTones() {
@@ -58,62 +100,57 @@ void printed(cv::Mat& picture) {
   picture.convertTo(picture, -1, (kPrintWhite - kPrintBlack) / 255.0, kPrintBlack);
 }
 
-cv::Mat shareOfSheet(const cv::Mat& mapX, const cv::Mat& mapY, const cv::Rect2d& sheet) {
-  cv::Mat share(mapX.size(), CV_32FC1);
-  for (int row = 0; row < share.rows; ++row)
-    for (int column = 0; column < share.cols; ++column)
-      share.at<float>(row, column) = static_cast<float>(std::clamp(
-          inside(mapX.at<float>(row, column), mapY.at<float>(row, column), sheet) + 0.5, 0.0, 1.0));
-  return share;
+cv::Mat depthInside(const cv::Mat& mapX, const cv::Mat& mapY, const cv::Rect2d& sheet) {
+  const auto left = static_cast<float>(sheet.x), right = static_cast<float>(sheet.br().x);
+  const auto top = static_cast<float>(sheet.y), bottom = static_cast<float>(sheet.br().y);
+  cv::Mat inside(mapX.size(), CV_32FC1);
+  for (int row = 0; row < inside.rows; ++row) {
+    const auto* x = mapX.ptr<float>(row);
+    const auto* y = mapY.ptr<float>(row);
+    auto* depths = inside.ptr<float>(row);
+    for (int column = 0; column < inside.cols; ++column) {
+      const float across = std::min(x[column] - left, right - x[column]);
+      const float down = std::min(y[column] - top, bottom - y[column]);
+      depths[column] = std::min(across, down);
+    }
+  }
+  return inside;
 }
 
 void litByDisplay(cv::Mat& picture, const Display& display) {
   static const cv::Mat kTones = displayTones();
   cv::LUT(picture, kTones, picture);
-  constexpr double kTurn = 6.283185307179586;
+  static const CosineOfTurns kCosine;
+  const std::vector<float> shineAcross = reflected(picture.cols, 0.72, 0.25);
+  const std::vector<float> shineDown = reflected(picture.rows, 0.2, 0.14);
+  const auto density = static_cast<float>(1.0 / display.pixelPitch);
   for (int row = 0; row < picture.rows; ++row) {
-    const double band = kFlicker * std::sin(display.flicker + kTurn * kBands * row / picture.rows);
+    const double wave = std::sin(display.flicker + kTurn * kBands * row / picture.rows);
+    const auto band = static_cast<float>(1.0 + kFlicker * wave);
+    const float shine = kReflection * shineDown[static_cast<std::size_t>(row)];
+    const auto* x = display.mapX.ptr<float>(row);
+    const auto* y = display.mapY.ptr<float>(row);
+    auto* pixels = picture.ptr<cv::Vec3b>(row);
     for (int column = 0; column < picture.cols; ++column) {
-      // The grid of the display's pixels, seen through the grid of the camera's.
-      const double beatX =
-          std::cos(kTurn * (display.mapX.at<float>(row, column) / display.pixelPitch - column));
-      const double beatY =
-          std::cos(kTurn * (display.mapY.at<float>(row, column) / display.pixelPitch - row));
-      const double light = (1.0 + kBeat * (beatX + beatY)) * (1.0 + band);
-      const double x = (column - 0.72 * picture.cols) / (0.25 * picture.cols);
-      const double y = (row - 0.2 * picture.rows) / (0.14 * picture.rows);
-      const double shine = kReflection * std::exp(-(x * x + y * y));
-      cv::Vec3b& pixel = picture.at<cv::Vec3b>(row, column);
+      // The grid of the display's pixels, seen through the grid of the camera's, whose steps are
+      // whole turns.
+      const float beat = kCosine.at(x[column] * density) + kCosine.at(y[column] * density);
+      const float light = (1.0F + kBeat * beat) * band;
+      const float added = shine * shineAcross[static_cast<std::size_t>(column)];
       for (int channel = 0; channel < 3; ++channel)
-        pixel[channel] = cv::saturate_cast<std::uint8_t>(pixel[channel] * light + shine);
+        pixels[column][channel] = cv::saturate_cast<std::uint8_t>(
+            static_cast<float>(pixels[column][channel]) * light + added);
     }
   }
 }
 
-cv::Mat frameDisplay(cv::Mat& picture, const cv::Mat& mapX, const cv::Mat& mapY,
-                     const cv::Rect2d& screen) {
-  const cv::Mat lit = shareOfSheet(mapX, mapY, screen);
-  const cv::Mat bezel(picture.size(), CV_8UC3, kBezelColour);
-  const cv::Mat shown = picture.clone();
-  lay(bezel, shown, lit, picture);
-  const cv::Rect2d device(screen.x - kBezel, screen.y - kBezel, screen.width + 2 * kBezel,
-                          screen.height + 2 * kBezel);
-  return shareOfSheet(mapX, mapY, device);
+void frameDisplay(const cv::Mat& inside, cv::Mat& picture) {
+  hide(inside, 0.0F, picture, [](int, int) { return kBezelColour; });
 }
 
-void lay(const cv::Mat& below, const cv::Mat& above, const cv::Mat& share, cv::Mat& picture) {
-  cv::Mat result = above.clone();
-  for (int row = 0; row < result.rows; ++row) {
-    const auto* parts = share.ptr<float>(row);
-    for (int column = 0; column < result.cols; ++column) {
-      const double part = parts[column];
-      if (part >= 1.0) continue;
-      cv::Vec3b& pixel = result.at<cv::Vec3b>(row, column);
-      pixel = cv::Vec3b(cv::Vec3d(pixel) * part +
-                        cv::Vec3d(below.at<cv::Vec3b>(row, column)) * (1.0 - part));
-    }
-  }
-  picture = result;
+void lay(const cv::Mat& below, const cv::Mat& inside, float margin, cv::Mat& picture) {
+  hide(inside, margin, picture,
+       [&](int row, int column) { return below.at<cv::Vec3b>(row, column); });
 }
 
 }  // namespace corvana::session

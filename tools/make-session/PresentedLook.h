@@ -14,8 +14,8 @@ cv::Mat emptyRoom(cv::Size size, Random& random);
 /// Gives the picture the lesser range of a print's colours.
 void printed(cv::Mat& picture);
 
-/// The part of each pixel that lies on the sheet, 0 to 1.
-cv::Mat shareOfSheet(const cv::Mat& mapX, const cv::Mat& mapY, const cv::Rect2d& sheet);
+/// How far inside the sheet each pixel lies, in the map's pixels; negative outside.
+cv::Mat depthInside(const cv::Mat& mapX, const cv::Mat& mapY, const cv::Rect2d& sheet);
 
 struct Display {
   const cv::Mat& mapX;
@@ -28,12 +28,13 @@ struct Display {
 /// its pixels with the camera's, dark bands that wander, a reflection.
 void litByDisplay(cv::Mat& picture, const Display& display);
 
-/// Draws the display's dark frame around `screen`, and says which part of each pixel lies on the
-/// device.
-cv::Mat frameDisplay(cv::Mat& picture, const cv::Mat& mapX, const cv::Mat& mapY,
-                     const cv::Rect2d& screen);
+/// Width of the dark frame around a display, pixels.
+inline constexpr float kBezel = 26.0F;
 
-/// Lays `above` over `below` by `share`.
-void lay(const cv::Mat& below, const cv::Mat& above, const cv::Mat& share, cv::Mat& picture);
+/// Draws the dark frame in place of what does not lie inside the display.
+void frameDisplay(const cv::Mat& inside, cv::Mat& picture);
+
+/// Shows `below` in place of what lies more than `margin` outside.
+void lay(const cv::Mat& below, const cv::Mat& inside, float margin, cv::Mat& picture);
 
 }  // namespace corvana::session

@@ -131,6 +131,7 @@ void readFaults(ScriptReader reader, const path& folder, const CardData& card,
 Script readScript(ScriptReader reader, const path& folder) {
   Script script;
   reader.seed("seed", script.seed);
+  reader.flag("stills", script.stills);
   reader.text("text", script.text, kLongestText);
   readPerson(reader.object("person"), folder, script.person);
   readPresentation(reader.object("presentation"), script.presentation);

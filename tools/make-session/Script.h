@@ -113,6 +113,7 @@ struct FaultScript {
 /// All that a recorded session is made from.
 struct Script {
   std::uint64_t seed = 1;
+  bool stills = true;  ///< the card is photographed as well
   std::string text;
   PersonScript person;
   PresentationScript presentation;

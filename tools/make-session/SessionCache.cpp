@@ -16,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Raised with every change to what the same script makes.
-constexpr const char* kToolVersion = "make-session 3";
+constexpr const char* kToolVersion = "make-session 4";
 
 class Digest {
  public:
@@ -49,12 +49,18 @@ Result<void> bring(const fs::path& from, const fs::path& to) {
 
 }  // namespace
 
+std::vector<std::string> sessionFiles(bool stills) {
+  std::vector<std::string> files = {"session.mp4", "text.txt", "session.json"};
+  if (stills) files.insert(files.end(), {"front.png", "back.png"});
+  return files;
+}
+
 fs::path SessionCache::usualPlace() {
   return fs::path(g_get_user_cache_dir()) / "corvana" / "sessions";
 }
 
 bool SessionCache::has(const std::string& key) const {
-  return std::all_of(kSessionFiles.begin(), kSessionFiles.end(), [&](const std::string& name) {
+  return std::all_of(files_.begin(), files_.end(), [&](const std::string& name) {
     std::error_code ignored;
     return fs::is_regular_file(root_ / key / name, ignored);
   });
@@ -94,7 +100,7 @@ Result<void> SessionCache::deliver(const std::string& key, const fs::path& folde
   if (error)
     return fault("The folder " + folder.string() + " cannot be made (" + error.message() +
                  "): choose another with --output.");
-  for (const std::string& name : kSessionFiles)
+  for (const std::string& name : files_)
     if (auto brought = bring(root_ / key / name, folder / name); !brought) return brought;
   return {};
 }

@@ -8,14 +8,15 @@
 
 namespace corvana::session {
 
-/// The files of a session.
-inline const std::vector<std::string> kSessionFiles = {"session.mp4", "front.png", "back.png",
-                                                       "text.txt", "session.json"};
+/// The files of a session, with or without the card's photographs.
+std::vector<std::string> sessionFiles(bool stills);
 
 /// Finished sessions, found again by what they were made from.
 class SessionCache {
  public:
-  explicit SessionCache(std::filesystem::path root) : root_(std::move(root)) {}
+  /// files: what a session is made of.
+  SessionCache(std::filesystem::path root, std::vector<std::string> files)
+      : root_(std::move(root)), files_(std::move(files)) {}
 
   /// $XDG_CACHE_HOME/corvana/sessions, or the same below ~/.cache.
   static std::filesystem::path usualPlace();
@@ -30,6 +31,7 @@ class SessionCache {
 
  private:
   std::filesystem::path root_;
+  std::vector<std::string> files_;
 };
 
 /// SHA-256 over the tool's version, the seed, the script and the bytes of all files, in this order.

@@ -64,7 +64,7 @@ class Maker {
 
  private:
   Result<Sides> sides(const CardData& front, const CardData& back);
-  Result<Sides> filmedSides();
+  Result<std::unique_ptr<CardView>> filmedCard(double length, const cv::Scalar& skin);
   Result<void> writeStills(const fs::path& folder);
   Result<Sound> makeSound();
   Result<void> writeFilm(const fs::path& file, const Sound& sound, const Progress& progress);
@@ -101,9 +101,13 @@ Result<Sides> Maker::sides(const CardData& front, const CardData& back) {
                artist_.back(back)};
 }
 
-Result<Sides> Maker::filmedSides() {
+/// Null when the film ends before the card comes.
+Result<std::unique_ptr<CardView>> Maker::filmedCard(double length, const cv::Scalar& skin) {
+  if (script_.time.frontAt >= length) return nullptr;
   const CardData& front = script_.faults.wrongCard ? *script_.faults.wrongCard : script_.card;
-  return sides(front, script_.faults.wrongBack ? *script_.faults.wrongBack : front);
+  auto drawn = sides(front, script_.faults.wrongBack ? *script_.faults.wrongBack : front);
+  if (!drawn) return fault(drawn.error());
+  return std::make_unique<CardView>(drawn->front, drawn->back, script_.cardPlace.width, skin);
 }
 
 Result<void> Maker::writeStills(const fs::path& folder) {
@@ -153,23 +157,22 @@ Result<void> Maker::writeFilm(const fs::path& file, const Sound& sound, const Pr
   const bool stranger = !script_.faults.wrongPerson.empty();
   auto person = portraits_.read(stranger ? script_.faults.wrongPerson : script_.person.portrait);
   if (!person) return fault(person.error());
-  auto card = filmedSides();
-  if (!card) return fault(card.error());
   auto encoder = FilmEncoder::create(file, sound.samples);
   if (!encoder) return fault(encoder.error());
 
   Random personNumbers = stream(script_, Stream::person);
   Random cardNumbers = stream(script_, Stream::card);
   Random grainNumbers = stream(script_, Stream::grain);
-  const PersonMotion personMotion(script_, length(sound.speechSeconds), personNumbers);
+  const double whole = length(sound.speechSeconds);
+  const PersonMotion personMotion(script_, whole, personNumbers);
   const CardMotion cardMotion(script_, cardNumbers);
   PersonView personView(*person, script_.person);
   auto changed = changedPerson();
   if (!changed) return fault(changed.error());
   Random presentationNumbers = stream(script_, Stream::presentation);
   Presentation presentation(script_.presentation, presentationNumbers);
-  const CardView cardView(card->front, card->back, script_.cardPlace.width,
-                          personView.skinColour());
+  auto card = filmedCard(whole, personView.skinColour());
+  if (!card) return fault(card.error());
   Grain grain(script_.person.light, grainNumbers);
   blinks_ = personMotion.blinks();
 
@@ -182,7 +185,7 @@ Result<void> Maker::writeFilm(const fs::path& file, const Sound& sound, const Pr
     const double moment = presentation.momentShown(seconds);
     view.draw(presentation.shown(personMotion.at(moment, sound.mouth[frame])), picture);
     presentation.show(seconds, picture);
-    cardView.draw(cardMotion.at(seconds), picture);
+    if (*card) (*card)->draw(cardMotion.at(seconds), picture);
     cv::cvtColor(picture, planes, cv::COLOR_RGB2YUV_I420);
     grain.add(planes.rowRange(0, kPictureHeight), seconds);
     encoder->add(planes);
@@ -240,7 +243,8 @@ nlohmann::json Maker::account(const Sound& sound) const {
 Result<void> Maker::make(const fs::path& folder, const Progress& progress) {
   auto sound = makeSound();
   if (!sound) return fault(sound.error());
-  if (auto stills = writeStills(folder); !stills) return stills;
+  if (script_.stills)
+    if (auto stills = writeStills(folder); !stills) return stills;
   if (auto film = writeFilm(folder / "session.mp4", *sound, progress); !film) return film;
   if (auto text = writeText(folder / "text.txt", script_.text + "\n"); !text) return text;
   return writeText(folder / "session.json", account(*sound).dump(2) + "\n");

@@ -62,7 +62,7 @@ session::Result<void> run(const Options& options) {
   auto key = session::sessionKey(*text, script->seed, files);
   if (!key) return session::fault(key.error());
 
-  const session::SessionCache cache(options.cache);
+  const session::SessionCache cache(options.cache, session::sessionFiles(script->stills));
   if (!cache.has(*key))
     if (auto made = makeInto(cache, *key, *script, options.models); !made) return made;
   return cache.deliver(*key, options.output);

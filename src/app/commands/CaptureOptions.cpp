@@ -26,7 +26,8 @@ void addCameraOptions(CLI::App& command, CameraChoice& choice) {
         }
         choice.mode = *mode;
       },
-      "asked of a live camera (default 1280x720@30); the nearest that it offers is taken");
+      "asked of a live camera, as 1920x1080@30; the nearest that it offers is taken (default: "
+      "1280x720@30, or what this machine is fast enough for)");
   const std::map<std::string, CameraTurn> turns{{"0", CameraTurn::none},
                                                 {"90", CameraTurn::right},
                                                 {"180", CameraTurn::around},

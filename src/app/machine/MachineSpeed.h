@@ -13,8 +13,4 @@ namespace corvana::app {
 /// slow one is the option that asks less of the machine. The error says what could not be tried.
 platform::Expected<std::vector<Finding>> measureMachine(const Resources& resources);
 
-/// What to ask of a live camera on a machine that encodes so many pixels a second, in the form of
-/// `--camera-mode`. Half of that speed is left to the looks at faces and cards.
-const char* cameraModeFor(double pixelsPerSecond);
-
 }  // namespace corvana::app

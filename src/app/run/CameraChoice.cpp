@@ -100,9 +100,10 @@ Expected<LiveDevices::Setup> chooseDevices(const CameraChoice& choice) {
   if (camera->isVirtual && !choice.allowVirtual) return refusal(camera->name);
   auto microphone = chooseMicrophone(choice);
   if (!microphone) return tl::unexpected(microphone.error());
-  return LiveDevices::Setup{.camera = devices::cameraSource(*camera, choice.mode),
-                            .turn = choice.turn,
-                            .microphone = std::move(*microphone)};
+  return LiveDevices::Setup{
+      .camera = devices::cameraSource(*camera, choice.mode.value_or(devices::CameraMode{})),
+      .turn = choice.turn,
+      .microphone = std::move(*microphone)};
 }
 
 std::shared_ptr<devices::MediaSource> asSource(std::shared_ptr<devices::MediaSource> media) {
@@ -124,6 +125,10 @@ Expected<MediaOpener> chooseRecording(const CameraChoice& choice, devices::Video
 
 bool CameraChoice::isRecording() const {
   return isFile(camera);
+}
+
+bool CameraChoice::isDevice() const {
+  return !isRecording() && !playedFile(*this);
 }
 
 Expected<MediaOpener> chooseMedia(const CameraChoice& choice, devices::VideoCodecChoice codec) {

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "app/record/Files.h"
@@ -15,9 +16,9 @@ namespace corvana::app {
 
 /// Which camera and microphone a run is to use.
 struct CameraChoice {
-  std::string camera = "default";      ///< id, `default`, or the path of a recording
-  std::string microphone = "default";  ///< id, `default` or `none`
-  devices::CameraMode mode;
+  std::string camera = "default";           ///< id, `default`, or the path of a recording
+  std::string microphone = "default";       ///< id, `default` or `none`
+  std::optional<devices::CameraMode> mode;  ///< asked of a live camera; absent: the usual one
   devices::CameraTurn turn = devices::CameraTurn::none;
   bool allowVirtual = false;  ///< a film from a virtual camera proves nothing
   /// A camera that shows signs of a stream that software feeds in ends the run.
@@ -25,6 +26,8 @@ struct CameraChoice {
 
   /// A recorded file stands in for both. False: they are live, so time is real.
   bool isRecording() const;
+  /// Whether a device is to take the pictures, which can be asked for a mode.
+  bool isDevice() const;
 };
 
 /// Opens what was chosen, and waits for its first samples. The error is one sentence.

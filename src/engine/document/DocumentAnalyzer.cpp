@@ -23,6 +23,10 @@ namespace {
 
 /// Of the lines known from an earlier picture so many are read again on the same card.
 constexpr double kLeastShareReadAgain = 0.8;
+/// So often in a row sure print that has not changed is taken as read.
+constexpr int kMostRepeats = 2;
+/// A line all of whose letters are this sure would be read alike again.
+constexpr double kSureLetter = 0.9;
 
 /// The photo around a face that measures from brow to chin: as on passports, where the head takes
 /// about half the width and two thirds of the height.
@@ -99,6 +103,10 @@ std::vector<std::string> doubtfulTexts(const std::vector<TextLine>& lines) {
       std::ranges::copy(line.others, std::back_inserter(texts));
   }
   return texts;
+}
+
+bool isSurelyRead(const TextLine& line) {
+  return line.leastConfidence >= kSureLetter;
 }
 
 /// What was made of the print: sure letters count, doubtful ones less.
@@ -211,9 +219,23 @@ CardReading DocumentAnalyzer::readFirst(const platform::PixelBufferRef& card, Ca
   return other;
 }
 
-CardReading DocumentAnalyzer::readAgain(const platform::PixelBufferRef& card, CardMemory& memory) {
-  const auto upright = memory.isUpsideDown ? onItsHead(*card) : card;
-  auto lines = text_.readAgain(*upright, memory.lines);
+std::vector<TextLine> DocumentAnalyzer::linesAgain(const platform::PixelBuffer& upright,
+                                                   bool isAsRead, CardMemory& memory) {
+  const bool mayRepeat = isAsRead && !memory.hasOpenZone && memory.repeats < kMostRepeats;
+  memory.repeats = mayRepeat ? memory.repeats + 1 : 0;
+  if (!mayRepeat) return text_.readAgain(upright, memory.lines);
+  std::vector<TextLine> lines = memory.lines;
+  const auto doubtful = std::ranges::partition(lines, isSurelyRead);
+  auto read = text_.readAgain(upright, {doubtful.begin(), doubtful.end()});
+  lines.erase(doubtful.begin(), doubtful.end());
+  std::ranges::move(read, std::back_inserter(lines));
+  std::ranges::stable_sort(lines, {}, [](const TextLine& line) { return line.box.midY(); });
+  return lines;
+}
+
+CardReading DocumentAnalyzer::readAgain(const CardView& card, CardMemory& memory) {
+  const auto upright = memory.isUpsideDown ? onItsHead(*card.picture) : card.picture;
+  auto lines = linesAgain(*upright, card.isAsRead, memory);
   const bool isTheSame = static_cast<double>(lines.size()) >=
                          kLeastShareReadAgain * static_cast<double>(memory.lines.size());
   return understood(upright, isTheSame ? std::move(lines) : text_.read(*upright), memory);
@@ -221,7 +243,7 @@ CardReading DocumentAnalyzer::readAgain(const platform::PixelBufferRef& card, Ca
 
 CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
   CardReading reading =
-      memory.lines.empty() ? readFirst(card.picture, memory) : readAgain(card.picture, memory);
+      memory.lines.empty() ? readFirst(card.picture, memory) : readAgain(card, memory);
   reading.isUpsideDown = memory.isUpsideDown;
   judgeRealness(*card.picture, card.quality.sharpness, reading.data);
   return reading;
@@ -235,7 +257,7 @@ CardReading DocumentAnalyzer::read(const CardView& card) {
 CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
                                          std::vector<TextLine> lines, CardMemory& memory) {
   memory.lines = std::move(lines);
-  memory.votes.add(mrzVotesOf(memory.lines));
+  if (memory.repeats == 0) memory.votes.add(mrzVotesOf(memory.lines));
   const platform::PixelBuffer& picture = *card;
   CardReading reading;
   DocumentFeatures features;
@@ -262,6 +284,7 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
   if (features.barcode) mrz.band.reset();
   features.hasMrzBand = mrz.band.has_value();
   reading.mrzBand = mrz.band;
+  memory.hasOpenZone = features.hasMrzBand && !features.mrz;
   // A front's lines of print may look like a zone; only what was read or stands alone is one.
   if (mrz.band && (mrz.mrz || !face)) blanks.push_back(*mrz.band);
 

@@ -28,6 +28,8 @@ namespace corvana::engine {
 struct CardView {
   platform::PixelBufferRef picture;
   CardQuality quality;  ///< but for what covers print, which one picture can't tell
+  /// Whether its print looks as it did when the lines in the card's memory were read.
+  bool isAsRead = false;
 };
 
 /// What earlier pictures told of a card that has been held still since.
@@ -35,6 +37,8 @@ struct CardMemory {
   bool isUpsideDown = false;    ///< the outline's upper side is the card's lower one
   std::vector<TextLine> lines;  ///< all print, as last read
   MrzVotes votes;               ///< of its machine-readable zone
+  bool hasOpenZone = false;     ///< one that was seen and not read yet
+  int repeats = 0;              ///< how often in a row sure lines were taken as read
 };
 
 struct CardReading {
@@ -79,7 +83,8 @@ class DocumentAnalyzer {
   /// Reads a card. Where the print of the same card in the same place is known from an earlier
   /// picture, it is not looked for again, unless it can no longer be read there; a zone that no
   /// picture shows whole is put together from several. What is seen now goes into the memory. A
-  /// card that clearly lies on its head is turned.
+  /// card that clearly lies on its head is turned. Lines that were read surely and still look as
+  /// they did are taken as read, but for every third time.
   CardReading read(const CardView& card, CardMemory& memory);
   /// Reads a card that was not seen before.
   CardReading read(const CardView& card);
@@ -104,7 +109,9 @@ class DocumentAnalyzer {
   std::optional<CardTurn> turnOf(const platform::PixelBuffer& card,
                                  const std::vector<TextLine>& lines);
   CardReading readFirst(const platform::PixelBufferRef& card, CardMemory& memory);
-  CardReading readAgain(const platform::PixelBufferRef& card, CardMemory& memory);
+  CardReading readAgain(const CardView& card, CardMemory& memory);
+  std::vector<TextLine> linesAgain(const platform::PixelBuffer& upright, bool isAsRead,
+                                   CardMemory& memory);
   void askSecondReader(CardReading& reading) const;
   void addSmallLabels(CardReading& reading);
   /// What an upright card tells whose lines were read; they go into the memory.

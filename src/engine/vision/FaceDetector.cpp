@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 #include <opencv2/imgproc.hpp>
@@ -25,6 +26,9 @@ constexpr float kSureScore = 0.75F;
 
 /// The second look's face is the first's if they overlap this much; a neighbour is not.
 constexpr double kSameFaceOverlap = 0.3;
+
+/// Crops that overlap this much show a face alike: it has moved by a tenth of its width at most.
+constexpr double kSameCropOverlap = 0.9;
 
 /// Smaller squares per shorter side of the picture: a face of an eighth of it then fills a fifth of
 /// the square, which the network still sees.
@@ -57,6 +61,11 @@ cv::Rect squareAround(const platform::CGRect& box, double side) {
   const int pixels = std::max(1, static_cast<int>(std::lround(side)));
   return {static_cast<int>(std::lround(box.midX() - side / 2)),
           static_cast<int>(std::lround(box.midY() - side / 2)), pixels, pixels};
+}
+
+bool areAlike(const cv::Rect& a, const cv::Rect& b) {
+  const double shared = (a & b).area();
+  return shared >= kSameCropOverlap * (a.area() + b.area() - shared);
 }
 
 bool isOnPicture(const Face& face, cv::Size picture) {
@@ -103,12 +112,18 @@ class Looker {
   cv::Mat half_;
 };
 
-/// The faces again, each seen through a crop around it.
-std::vector<Face> secondLook(Looker& looker, const std::vector<Face>& found) {
+/// The faces again, each seen through a crop around it. The crop that all were seen through, if
+/// there is one, may do.
+std::vector<Face> secondLook(Looker& looker, const std::vector<Face>& found,
+                             const std::optional<cv::Rect>& seenThrough) {
   std::vector<Face> faces;
   for (const Face& first : found) {
-    const std::vector<Face> seen =
-        looker.look(squareAround(first.box, kSecondLookScale * first.size()));
+    const cv::Rect crop = squareAround(first.box, kSecondLookScale * first.size());
+    if (seenThrough && areAlike(crop, *seenThrough) && first.score >= kLeastSecondScore) {
+      faces.push_back(first);
+      continue;
+    }
+    const std::vector<Face> seen = looker.look(crop);
     const auto closest = std::ranges::max_element(
         seen, {}, [&](const Face& face) { return overlap(face.box, first.box); });
     if (closest != seen.end() && overlap(closest->box, first.box) > kSameFaceOverlap) {
@@ -121,9 +136,10 @@ std::vector<Face> secondLook(Looker& looker, const std::vector<Face>& found) {
 }
 
 /// What is left of the faces after the second look, the largest first.
-std::vector<Face> settled(Looker& looker, std::vector<Face> found) {
+std::vector<Face> settled(Looker& looker, std::vector<Face> found,
+                          const std::optional<cv::Rect>& seenThrough = {}) {
   std::vector<Face> faces =
-      blazeface::merged(secondLook(looker, blazeface::merged(std::move(found))));
+      blazeface::merged(secondLook(looker, blazeface::merged(std::move(found)), seenThrough));
   std::erase_if(faces, [&](const Face& face) { return !isOnPicture(face, looker.size()); });
   std::ranges::stable_sort(faces, std::ranges::greater{}, &Face::size);
   return faces;
@@ -157,8 +173,8 @@ std::vector<Face> FaceDetector::detect(const platform::PixelBuffer& picture, Sea
 std::vector<Face> FaceDetector::detectNear(const platform::PixelBuffer& picture,
                                            const platform::CGRect& box) {
   Looker looker(model_, rgbMat(picture));
-  const double side = kSecondLookScale * std::max(box.width, box.height);
-  return settled(looker, looker.look(squareAround(box, side)));
+  const cv::Rect crop = squareAround(box, kSecondLookScale * std::max(box.width, box.height));
+  return settled(looker, looker.look(crop), crop);
 }
 
 }  // namespace corvana::engine

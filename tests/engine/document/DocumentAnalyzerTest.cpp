@@ -206,18 +206,41 @@ TEST_F(DocumentAnalyzerTest, SeesFingersOverPrintThatItHasRead) {
   const auto card = tests::drawCard(0, tests::holder(0), "person_a.jpg");
   engine::PrintWatch watch;
   const auto seen = view(card.front, {.noise = 2});
-  EXPECT_EQ(watch.covered(*seen.picture), 0) << "nothing is known yet";
+  EXPECT_EQ(watch.look(*seen.picture).covered, 0) << "nothing is known yet";
   watch.remember(*seen.picture, analyzer->read(seen).lines);
   const Held moved{.x = 352, .y = 1006, .width = 590, .roll = 1.5, .noise = 5};
-  EXPECT_LT(watch.covered(*view(card.front, moved).picture), 0.02);
+  EXPECT_LT(watch.look(*view(card.front, moved).picture).covered, 0.02);
   cv::Mat touched = card.front.clone();
   cv::ellipse(touched, {1000, 420}, {150, 300}, 10, 0, 360, {205, 160, 135, 255}, cv::FILLED);
-  EXPECT_GT(watch.covered(*view(touched, moved).picture), 0.04);
+  EXPECT_GT(watch.look(*view(touched, moved).picture).covered, 0.04);
   cv::Mat other;  // as an outline that is a little wrong makes of shapes between card and page
   cv::resize(engine::rgbMat(*view(card.front, moved).picture), other, {1000, 704});
-  EXPECT_LT(watch.covered(*engine::pixelBufferFrom(other)), 0.02);
-  EXPECT_EQ(watch.covered(*view(card.back, moved).picture), 0) << "another side";
-  EXPECT_EQ(watch.covered(*view(touched, moved).picture), 0) << "and so it is forgotten";
+  EXPECT_LT(watch.look(*engine::pixelBufferFrom(other)).covered, 0.02);
+  EXPECT_EQ(watch.look(*view(card.back, moved).picture).covered, 0) << "another side";
+  EXPECT_EQ(watch.look(*view(touched, moved).picture).covered, 0) << "and so it is forgotten";
+}
+
+TEST_F(DocumentAnalyzerTest, TakesSurePrintAsReadWhileItLooksTheSameTwiceInARow) {
+  const auto card = tests::drawCard(0, tests::holder(0), "person_a.jpg");
+  auto altered = tests::holder(0);
+  altered.documentNumber.replace(altered.documentNumber.find('3'), 1, "8");
+  const Held moved{.x = 362, .y = 1002, .width = 594, .roll = 1.8, .noise = 5};
+  engine::CardView seen = view(card.front, {.roll = 1});
+  engine::CardMemory memory;
+  engine::PrintWatch watch;
+  watch.remember(*seen.picture, analyzer->read(seen, memory).lines);
+  EXPECT_GT(watch.look(*view(card.front, moved).picture).leastAlike, 0.96);
+  engine::CardView other = view(tests::drawCard(0, altered, "person_a.jpg").front, moved);
+  EXPECT_LT(watch.look(*other.picture).leastAlike, 0.96) << "one digit is another";
+
+  // What is claimed here is wrong: only so can a reading be told from what was taken as read.
+  other.isAsRead = true;
+  for (const char* number : {"D23145890", "D23145890", "D28145890", "D28145890"})
+    EXPECT_NE(textOf(analyzer->read(other, memory)).find(number), std::string::npos) << number;
+  memory.hasOpenZone = true;
+  EXPECT_NE(textOf(analyzer->read(view(card.front, moved), memory)).find("D23145890"),
+            std::string::npos)
+      << "a zone that is not read yet is looked at each time";
 }
 
 TEST(DocumentAnalyzerLoad, NamesWhatIsMissing) {

@@ -1,10 +1,16 @@
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "PersonMotion.h"
 #include "Picture.h"
 #include "Presentation.h"
+#include "PresentedLook.h"
 #include "Script.h"
 #include "SessionCache.h"
 #include "SessionMaker.h"
@@ -18,12 +24,11 @@ using tests::bytesOf;
 using tests::writeBytes;
 
 /// A third of a second in which the card is on its way in.
-fs::path make(const fs::path& folder, std::uint64_t seed) {
-  auto script = session::parseScript(
-      R"({"text": "hello", "person": {"portrait": "portraits/person_a.jpg"},
+fs::path make(const fs::path& folder, const std::string& key) {
+  const auto script = session::parseScript(
+      "{" + key + R"(, "text": "hello", "person": {"portrait": "portraits/person_a.jpg"},
           "time": {"front": 0, "length": 0.34}, "faults": {"silence": true}})",
       SAMPLES);
-  script->seed = seed;
   fs::create_directories(folder);
   const auto made = session::makeSession(*script, FACE_MODELS, folder, [](auto, auto) {});
   EXPECT_TRUE(made) << made.error();
@@ -32,14 +37,23 @@ fs::path make(const fs::path& folder, std::uint64_t seed) {
 
 TEST(Session, IsTheSameForTheSameSeedOnly) {
   const tests::ScratchFolder scratch;
-  const fs::path first = make(scratch / "first", 1);
-  const fs::path again = make(scratch / "again", 1);
-  const fs::path other = make(scratch / "other", 2);
-  for (const std::string& name : session::kSessionFiles) {
+  const fs::path first = make(scratch / "first", R"("seed": 1)");
+  const fs::path again = make(scratch / "again", R"("seed": 1)");
+  const fs::path other = make(scratch / "other", R"("seed": 2)");
+  for (const std::string& name : session::sessionFiles(true)) {
     EXPECT_EQ(bytesOf(first / name), bytesOf(again / name)) << name;
     const bool seeded = name != "text.txt";
     EXPECT_EQ(bytesOf(first / name) != bytesOf(other / name), seeded) << name;
   }
+}
+
+TEST(Session, IsTheSameFilmWithoutTheCardsPhotographs) {
+  const tests::ScratchFolder scratch;
+  const fs::path with = make(scratch / "with", R"("stills": true)");
+  const fs::path without = make(scratch / "without", R"("stills": false)");
+  EXPECT_EQ(bytesOf(with / "session.mp4"), bytesOf(without / "session.mp4"));
+  EXPECT_TRUE(fs::exists(with / "front.png"));
+  EXPECT_FALSE(fs::exists(without / "front.png"));
 }
 
 TEST(Session, IsKeptUnderWhatItWasMadeFrom) {
@@ -53,10 +67,11 @@ TEST(Session, IsKeptUnderWhatItWasMadeFrom) {
   writeBytes(file, "two");
   EXPECT_NE(*key, *session::sessionKey("script", 1, {file}));
 
-  const session::SessionCache cache(scratch / "cache");
+  const std::vector<std::string> files = session::sessionFiles(true);
+  const session::SessionCache cache(scratch / "cache", files);
   const auto work = cache.workFolder(*key);
   ASSERT_TRUE(work);
-  for (const std::string& name : session::kSessionFiles) {
+  for (const std::string& name : files) {
     EXPECT_FALSE(cache.has(*key));
     writeBytes(*work / name, name);
   }
@@ -74,6 +89,55 @@ cv::Mat seen(session::PresentationScript script, double seconds) {
   picture.colRange(0, picture.cols / 2).setTo(cv::Scalar(200, 200, 200));
   presentation.show(seconds, picture);
   return picture;
+}
+
+TEST(PersonMotion, BlinksAsAskedAndNotByItselfMeanwhile) {
+  session::Script script;
+  script.person.blinkEvery = 0.8;
+  script.person.tasks = {{.what = "blinkTwice", .at = 3.0}};
+  session::Random random(7);
+  const std::vector<double> blinks = session::PersonMotion(script, 8, random).blinks();
+  const auto between = [&blinks](double from, double to) {
+    return std::ranges::count_if(blinks, [=](double at) { return at >= from && at < to; });
+  };
+  EXPECT_EQ(between(2.7, 3.8), 2);
+  EXPECT_GT(between(0, 2.7) + between(3.8, 8), 4);
+}
+
+TEST(PersonMotion, BeginsAlikeInALongerFilm) {
+  session::Script script;
+  script.person.tasks = {{.what = "turnLeft", .at = 2.0}};
+  const auto yaw = [&script](double length) {
+    session::Random random(7);
+    return session::PersonMotion(script, length, random).at(2.6, 0).yaw;
+  };
+  EXPECT_GT(yaw(4), 10);
+  EXPECT_EQ(yaw(4), yaw(40));
+}
+
+TEST(Presentation, LightsADisplayByTheBeatOfItsGrid) {
+  constexpr double kTurn = 6.283185307179586;
+  cv::Mat mapX(90, 160, CV_32FC1), mapY(90, 160, CV_32FC1);
+  for (int row = 0; row < mapX.rows; ++row)
+    for (int column = 0; column < mapX.cols; ++column) {
+      mapX.at<float>(row, column) = static_cast<float>(1.1 * column - 3.0);
+      mapY.at<float>(row, column) = static_cast<float>(row - 7.3);
+    }
+  cv::Mat picture(90, 160, CV_8UC3, {128, 128, 128});
+  session::litByDisplay(picture, {mapX, mapY, 1.04, 0.5});
+  const double tone = 16 + (250 - 16) * 0.96 * std::pow(128 / 255.0, 0.88);
+  double most = 0;
+  for (int row = 0; row < picture.rows; ++row)
+    for (int column = 0; column < picture.cols; ++column) {
+      const double beat = std::cos(kTurn * (mapX.at<float>(row, column) / 1.04 - column)) +
+                          std::cos(kTurn * (mapY.at<float>(row, column) / 1.04 - row));
+      const double band = 1.0 + 0.02 * std::sin(0.5 + kTurn * 2.3 * row / picture.rows);
+      const double x = column / 40.0 - 2.88, y = row / 12.6 - 0.2 / 0.14;
+      const double shine = 26 * std::exp(-(x * x + y * y));
+      const double light = std::min(255.0, std::round(tone) * (1.0 + 0.035 * beat) * band + shine);
+      most = std::max(most, std::abs(picture.at<cv::Vec3b>(row, column)[0] - light));
+    }
+  EXPECT_LT(most, 0.6);
 }
 
 TEST(Presentation, ShowsWhatAnImpostorHoldsInPlaceOfThePerson) {

@@ -13,7 +13,7 @@ struct CardQuality {
   double sharpness = 1;     ///< `printSharpness`
   double glare = 0;         ///< `glareFraction`
   double brightness = 1;    ///< `brightnessOf` the card
-  double coveredPrint = 0;  ///< `PrintWatch::covered`
+  double coveredPrint = 0;  ///< `PrintLook::covered`
 };
 
 /// Why a card is not read although it is in its place.

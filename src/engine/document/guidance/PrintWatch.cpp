@@ -75,25 +75,27 @@ void PrintWatch::remember(const platform::PixelBuffer& card, const std::vector<T
   }
 }
 
-double PrintWatch::covered(const platform::PixelBuffer& card) {
-  if (pieces_.empty()) return 0;
+PrintLook PrintWatch::look(const platform::PixelBuffer& card) {
+  if (pieces_.empty()) return {};
   cv::Mat small = reduced(card);
   // What is about halfway between a card's shape and a page's may come as either.
   if (small.size() != size_) cv::resize(small, small, size_, 0, 0, cv::INTER_AREA);
   double all = 0;
   double same = 0;
   double covered = 0;
+  double leastAlike = 1;
   for (const Piece& piece : pieces_) {
     const double area = piece.place.area();
     all += area;
     const double alike = likeness(small, piece.look, piece.place);
+    leastAlike = std::min(leastAlike, alike);
     if (alike >= kSameLook) same += area;
     const bool isBare = detailOf(small(piece.place)) < kMostDetailLeft * piece.detail;
     if (alike < kOtherLook && isBare) covered += area;
   }
-  if (same >= kLeastSame * all) return covered / all;
+  if (same >= kLeastSame * all) return {covered / all, leastAlike};
   forget();
-  return 0;
+  return {};
 }
 
 }  // namespace corvana::engine

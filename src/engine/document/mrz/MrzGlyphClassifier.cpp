@@ -40,8 +40,7 @@ int rowOfPair(std::size_t i, std::size_t j) {
 
 }  // namespace
 
-platform::Expected<MrzGlyphClassifier> MrzGlyphClassifier::train(
-    const std::vector<std::filesystem::path>& fonts) {
+platform::Expected<FontFace> ocrBFont(const std::vector<std::filesystem::path>& fonts) {
   const auto found = std::find_if(fonts.begin(), fonts.end(), [](const auto& file) {
     std::error_code error;
     return std::filesystem::is_regular_file(file, error);
@@ -51,10 +50,11 @@ platform::Expected<MrzGlyphClassifier> MrzGlyphClassifier::train(
         "The OCR-B font, from which reading machine-readable zones is learned, was not found: "
         "install the package fonts-ocr-b.");
   }
-  auto font = FontFace::load(*found);
-  if (!font) return tl::unexpected(font.error());
+  return FontFace::load(*found);
+}
 
-  const auto machine = trained(drawGlyphSamples(*font));
+MrzGlyphClassifier MrzGlyphClassifier::train(FontFace& font) {
+  const auto machine = trained(drawGlyphSamples(font));
   const cv::Mat vectors = machine->getSupportVectors();
   MrzGlyphClassifier classifier;
   classifier.weights_.create(kPairs, vectors.cols, CV_32F);

@@ -6,6 +6,7 @@
 
 #include <opencv2/core.hpp>
 
+#include "engine/document/mrz/FontFace.h"
 #include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
@@ -29,9 +30,8 @@ class MrzGlyphClassifier {
     float margin = 0;
   };
 
-  /// Trains the classifier on the first of the fonts that exists. Error: none does.
-  static platform::Expected<MrzGlyphClassifier> train(
-      const std::vector<std::filesystem::path>& fonts);
+  /// Trains the classifier on an OCR-B font.
+  static MrzGlyphClassifier train(FontFace& font);
 
   /// One row per cell: `kCellWidth * kCellHeight` grey values (CV_32F), dark letters on light.
   /// Answers, for each cell, the likeliest of the letters that are allowed there.
@@ -48,6 +48,9 @@ class MrzGlyphClassifier {
   cv::Mat weights_;
   cv::Mat offsets_;
 };
+
+/// The first of the fonts that exists. Error: none does, or it is broken.
+platform::Expected<FontFace> ocrBFont(const std::vector<std::filesystem::path>& fonts);
 
 /// Where Debian's package fonts-ocr-b puts the font.
 std::vector<std::filesystem::path> defaultOcrBFonts();

@@ -150,11 +150,15 @@ platform::CGRect rectOf(const cv::Rect& rect) {
 }  // namespace
 
 platform::Expected<MrzReader> MrzReader::load(const std::vector<std::filesystem::path>& fonts) {
-  return Classifier::train(fonts).map(
-      [](Classifier classifier) { return MrzReader(std::move(classifier)); });
+  return ocrBFont(fonts).map([](FontFace&& font) { return MrzReader(std::move(font)); });
 }
 
-MrzReading MrzReader::read(const platform::PixelBuffer& card) const {
+const MrzGlyphClassifier& MrzReader::classifier() {
+  if (!classifier_) classifier_ = Classifier::train(font_);
+  return *classifier_;
+}
+
+MrzReading MrzReader::read(const platform::PixelBuffer& card) {
   const cv::Mat gray = grayMat(card);
   const cv::Mat ink = inkOf(gray);
   MrzReading reading;
@@ -170,7 +174,7 @@ MrzReading MrzReader::read(const platform::PixelBuffer& card) const {
   cv::GaussianBlur(smooth, smooth, cv::Size(), 0.8);
   float leastClearName = 0;
   for (std::size_t line = 0; line < kMrzLines; ++line) {
-    LineReading best = LineReader(classifier_, smooth, *band, *grid, line).readBest();
+    LineReading best = LineReader(classifier(), smooth, *band, *grid, line).readBest();
     reading.lines.push_back(std::move(best.letters));
     leastClearName = best.leastClear;
   }

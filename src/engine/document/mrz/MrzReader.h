@@ -24,20 +24,23 @@ struct MrzReading {
 };
 
 /// Reads the machine-readable zone (TD1, three lines of thirty OCR-B letters) of a straightened
-/// card. Immutable once made.
+/// card. Movable; one thread at a time.
 class MrzReader {
  public:
-  /// Learns the letters from the first of the fonts that exists (0.2 s). Error: none does.
+  /// Letters are learned from the first of the fonts that exists, when the first zone is seen that
+  /// has to be read (0.2 s). Error: none exists, or it is broken.
   static platform::Expected<MrzReader> load(
       const std::vector<std::filesystem::path>& fonts = defaultOcrBFonts());
 
   /// Reads the zone of a card, which must be upright and about 1000 pixels wide.
-  MrzReading read(const platform::PixelBuffer& card) const;
+  MrzReading read(const platform::PixelBuffer& card);
 
  private:
-  explicit MrzReader(MrzGlyphClassifier classifier) : classifier_(std::move(classifier)) {}
+  explicit MrzReader(FontFace font) : font_(std::move(font)) {}
+  const MrzGlyphClassifier& classifier();
 
-  MrzGlyphClassifier classifier_;
+  FontFace font_;
+  std::optional<MrzGlyphClassifier> classifier_;  ///< most zones are read as print, without it
 };
 
 }  // namespace corvana::engine

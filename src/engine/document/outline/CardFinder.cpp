@@ -123,27 +123,43 @@ class OutlineSearch {
   }
 
  private:
+  using LinePair = std::pair<std::size_t, std::size_t>;
+
   template <typename Visit>
   void forEachOutline(const std::vector<EdgeLine>& across, const std::vector<EdgeLine>& down,
                       Visit visit) const {
     const double minWidth = kSmallestOfGuide * guide_.width;
     const auto columns = pairs(down, false, minWidth);
+    const auto corners = meetings(across, down);
     for (const auto& [top, bottom] : pairs(across, true, minWidth / kCardAspect)) {
       for (const auto& [left, right] : columns) {
-        const Quad quad{{pointOf(meeting(top, left)), pointOf(meeting(top, right)),
-                         pointOf(meeting(bottom, right)), pointOf(meeting(bottom, left))}};
+        const Quad quad{{corners[top][left], corners[top][right], corners[bottom][right],
+                         corners[bottom][left]}};
         if (quad.isConvex()) visit(quad);
       }
     }
   }
 
-  /// Each line with each that lies at least so far below (or right of) it.
-  std::vector<std::pair<EdgeLine, EdgeLine>> pairs(const std::vector<EdgeLine>& lines, bool across,
-                                                   double leastGap) const {
-    std::vector<std::pair<EdgeLine, EdgeLine>> result;
-    for (const EdgeLine& first : lines) {
-      for (const EdgeLine& second : lines) {
-        if (gapAt(second, first, across) >= leastGap) result.emplace_back(first, second);
+  /// Where each line across meets each line down.
+  static std::vector<std::vector<platform::CGPoint>> meetings(const std::vector<EdgeLine>& across,
+                                                              const std::vector<EdgeLine>& down) {
+    std::vector<std::vector<platform::CGPoint>> points;
+    for (const EdgeLine& line : across) {
+      auto& along = points.emplace_back();
+      for (const EdgeLine& other : down)
+        along.push_back(pointOf(meeting(line, other)));
+    }
+    return points;
+  }
+
+  /// The indices of each line with each that lies at least so far below (or right of) it.
+  std::vector<LinePair> pairs(const std::vector<EdgeLine>& lines, bool across,
+                              double leastGap) const {
+    std::vector<LinePair> result;
+    for (std::size_t first = 0; first < lines.size(); ++first) {
+      for (std::size_t second = 0; second < lines.size(); ++second) {
+        if (gapAt(lines[second], lines[first], across) >= leastGap)
+          result.emplace_back(first, second);
       }
     }
     return result;

@@ -63,13 +63,15 @@ cv::Mat accumulate(const cv::Mat& edges, const cv::Mat& along, const cv::Mat& at
     sine[static_cast<std::size_t>(a)] = static_cast<float>(std::sin(angleOf(a)));
   }
   const auto vote = [&](int u, int v, double normal) {
-    const double tilt = std::remainder(normal, std::numbers::pi);
-    const int nearest = static_cast<int>(std::lround(tilt / kAngleStep)) + kAngles / 2;
+    // Lines have no direction: a gradient's and its opposite are the same.
+    const double turned = normal > 0 ? normal - std::numbers::pi : normal + std::numbers::pi;
+    const double tilt = std::abs(normal) <= std::numbers::pi / 2 ? normal : turned;
+    const int nearest = cvRound(tilt / kAngleStep) + kAngles / 2;
     const int last = std::min(kAngles - 1, nearest + kVoteSpread);
     for (int a = std::max(0, nearest - kVoteSpread); a <= last; ++a) {
       const auto i = static_cast<std::size_t>(a);
-      const int offset = static_cast<int>(
-          std::lround(static_cast<float>(v) * cosine[i] - static_cast<float>(u) * sine[i]));
+      const int offset =
+          cvRound(static_cast<float>(v) * cosine[i] - static_cast<float>(u) * sine[i]);
       const int column = offset + margin;
       if (column >= 0 && column < votes.cols) votes.at<float>(a, column) += 1;
     }

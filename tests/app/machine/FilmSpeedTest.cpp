@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "app/machine/MachineSpeed.h"
+#include "app/machine/FilmSpeed.h"
 
 namespace corvana::tests {
 namespace {
 
-TEST(MachineSpeed, ASlowerMachineIsToldToAskLessOfItsCamera) {
+TEST(FilmSpeed, ASlowerMachineIsToldToAskLessOfItsCamera) {
   const double pixels = 1280.0 * 720;
   const struct {
     double pixelsPerSecond;
@@ -16,7 +16,7 @@ TEST(MachineSpeed, ASlowerMachineIsToldToAskLessOfItsCamera) {
                {18 * pixels, "640x480@15"},
                {0, "640x480@15"}};
   for (const auto& [pixelsPerSecond, mode] : cases) {
-    EXPECT_STREQ(app::cameraModeFor(pixelsPerSecond), mode) << pixelsPerSecond;
+    EXPECT_EQ(nameOf(app::cameraModeFor(pixelsPerSecond)), mode) << pixelsPerSecond;
   }
 }
 
