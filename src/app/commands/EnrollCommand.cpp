@@ -14,6 +14,7 @@
 #include "engine/document/copies/CopyFigures.h"
 #include "engine/document/fields/DocumentFields.h"
 #include "engine/document/fields/FieldAgreement.h"
+#include "engine/document/fields/ValueAgreement.h"
 
 namespace corvana::app {
 namespace {
@@ -94,12 +95,19 @@ std::string documentFault(const Reference& reference, const DocumentRules& rules
   return all;
 }
 
-void warnOfDoubtfulPrint(const Reference& reference) {
+/// A value that was printed otherwise under a label that is not known looks like one that could not
+/// be read.
+void warnOfUnreadPrint(const Reference& reference) {
   for (const corvana::FieldCheck& check : engine::checkSides(sidesOf(reference))) {
-    if (!check.isDoubtful) continue;
-    std::cerr << "WARNING: the " << engine::nameOf(check.name)
-              << " in print was not read for sure, and may be another than in the "
-              << engine::nameOf(check.against) << ".\n";
+    const std::string name = engine::nameOf(check.name);
+    const std::string against = engine::nameOf(check.against);
+    if (check.isDoubtful) {
+      std::cerr << "WARNING: the " << name << " in print was not read for sure, and may be another "
+                << "than in the " << against << ".\n";
+    } else if (check.agreement == corvana::FieldAgreement::unread &&
+               engine::isSearched(check.name)) {
+      std::cerr << "WARNING: the " << name << " in the " << against << " was not found in print.\n";
+    }
   }
 }
 
@@ -182,7 +190,7 @@ ExitCode runEnroll(const EnrollArguments& arguments) {
     }
     std::cerr << "WARNING: " << fault << ".\n";
   }
-  warnOfDoubtfulPrint(*reference);
+  warnOfUnreadPrint(*reference);
   auto saved = makeEmptyFolder(arguments.output).and_then([&] {
     return saveReference(*reference, arguments.output);
   });

@@ -34,8 +34,10 @@ cv::Mat changes(const cv::Mat& channel) {
   return picture;
 }
 
+/// In the order in which a display's points have their colours side by side.
 struct Changes {
   cv::Mat red;
+  cv::Mat green;
   cv::Mat blue;
 };
 
@@ -45,17 +47,25 @@ cv::Mat spectrum(const cv::Mat& tile, const cv::Mat& window) {
   return result;
 }
 
-/// For each frequency what red and blue share a quarter of a period apart. Where the pattern begins
-/// in the tile does not matter, so that the same pattern gives the same sign in every tile.
+/// What two colours share a quarter of a period apart.
+float quarterApart(const cv::Vec2f& a, const cv::Vec2f& b) {
+  return a[1] * b[0] - a[0] * b[1];
+}
+
+/// For each frequency how far green follows red, and blue green. Red and blue alone would not do:
+/// two steps may be half a period, after which they are a quarter apart nowhere. Where the pattern
+/// begins in the tile does not matter, so that the same pattern gives the same sign in every tile.
 cv::Mat outOfStep(const Changes& card, const cv::Rect& tile, const cv::Mat& window) {
   const cv::Mat red = spectrum(card.red(tile), window);
+  const cv::Mat green = spectrum(card.green(tile), window);
   const cv::Mat blue = spectrum(card.blue(tile), window);
   cv::Mat result(tile.height, tile.width / 2 + 1, CV_32F);
   for (int row = 0; row < result.rows; ++row) {
     for (int column = 0; column < result.cols; ++column) {
-      const auto& r = red.at<cv::Vec2f>(row, column);
-      const auto& b = blue.at<cv::Vec2f>(row, column);
-      result.at<float>(row, column) = r[1] * b[0] - r[0] * b[1];
+      const auto& g = green.at<cv::Vec2f>(row, column);
+      result.at<float>(row, column) = (quarterApart(red.at<cv::Vec2f>(row, column), g) +
+                                       quarterApart(g, blue.at<cv::Vec2f>(row, column))) /
+                                      2;
     }
   }
   return result;
@@ -113,7 +123,7 @@ double colouredFringes(const cv::Mat& rgb) {
   if (std::min(half.rows, half.cols) < kLargeTile) return 0;
   std::vector<cv::Mat> channels;
   cv::split(half, channels);
-  const Changes card{changes(channels[0]), changes(channels[2])};
+  const Changes card{changes(channels[0]), changes(channels[1]), changes(channels[2])};
   const double inLarge = strongestPattern(card, kLargeTile);
   return inLarge > 0 ? std::sqrt(inLarge * strongestPattern(card, kSmallTile)) : 0;
 }

@@ -94,10 +94,6 @@ bool nearlyHolds(const std::string& line, const DocumentField& field) {
          });
 }
 
-bool isSearched(FieldName name) {
-  return isName(name) || isDate(name) || name == FieldName::documentNumber;
-}
-
 /// Sets one field of a record against the print.
 class PrintCheck {
  public:

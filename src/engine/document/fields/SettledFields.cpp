@@ -37,10 +37,6 @@ const DocumentField* otherEntry(const DocumentField& field, const Fields& record
   return other == record.end() ? nullptr : &*other;
 }
 
-bool isSearched(FieldName name) {
-  return isName(name) || isDate(name) || name == FieldName::documentNumber;
-}
-
 bool isPrinted(const Fields& fields, FieldName name) {
   return std::ranges::find(fields, name, &DocumentField::name) != fields.end();
 }
@@ -58,7 +54,7 @@ bool isWhole(const std::string& printed, const DocumentField& recorded) {
 }
 
 /// The record's value in a line: all of it, or what it ends with behind a label that is not known.
-/// Short names end many words' lines by chance.
+/// A short value may end a line by chance.
 std::optional<std::string> valueIn(const std::string& line, const DocumentField& recorded,
                                    const ValueReader& read) {
   constexpr std::size_t kLeastLettersAtEnd = 4;

@@ -96,6 +96,10 @@ bool isDate(FieldName name) {
          name == FieldName::expiryDate;
 }
 
+bool isSearched(FieldName name) {
+  return isName(name) || isDate(name) || name == FieldName::documentNumber;
+}
+
 std::string skeletonOf(FieldName name, std::string_view text) {
   return isName(name) ? letterSkeleton(text) : numberSkeleton(text);
 }

@@ -14,6 +14,8 @@ inline constexpr std::size_t kLeastNearNumber = 6;
 
 bool isName(corvana::FieldName name);
 bool isDate(corvana::FieldName name);
+/// Whether such a value can be found in print without its label: names, dates and the number.
+bool isSearched(corvana::FieldName name);
 
 /// What is left of a value when neither marks, signs and blanks count nor what readers take for one
 /// another in a number.

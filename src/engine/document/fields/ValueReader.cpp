@@ -15,6 +15,8 @@ using corvana::FieldName;
 
 constexpr std::size_t kLeastNumberLength = 5;
 constexpr std::size_t kMostNumberLength = 20;
+/// Numbers begin with letters now and then, but longer words are the label's.
+constexpr std::size_t kMostLettersOfANumber = 5;
 
 std::size_t digitCount(const std::string& text) {
   return static_cast<std::size_t>(
@@ -40,8 +42,10 @@ std::optional<std::string> sexIn(const std::string& text) {
 std::optional<std::string> numberIn(const std::string& text) {
   std::string number;
   for (const std::string& word : plainWords(text)) {
-    if (number.size() >= kLeastNumberLength && digitCount(word) == 0) break;
-    number += word;
+    const bool hasDigits = digitCount(word) > 0;
+    if (number.size() >= kLeastNumberLength && !hasDigits) break;
+    const bool isOfLabel = number.empty() && !hasDigits && word.size() > kMostLettersOfANumber;
+    if (!isOfLabel) number += word;
   }
   const bool isNumber = number.size() >= kLeastNumberLength && number.size() <= kMostNumberLength &&
                         digitCount(number) >= 2;

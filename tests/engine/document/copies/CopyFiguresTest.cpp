@@ -1,9 +1,11 @@
 #include <array>
+#include <cmath>
 
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
 
 #include "TestCards.h"
+#include "engine/document/copies/ColouredFringes.h"
 #include "engine/document/copies/CopyFigures.h"
 #include "engine/document/guidance/CardQuality.h"
 #include "engine/document/outline/CardWarp.h"
@@ -94,6 +96,30 @@ TEST(CopyFigures, KnowTheBandsOfADisplay) {
     const Held held{.width = 640, .background = 2, .blur = 0.8};
     EXPECT_GE(scoresOf(display, held).screenScore, engine::kSureCopy) << points;
   }
+}
+
+/// Faint bands on noise, each colour's by so many radians behind the one before it.
+cv::Mat banded(double step) {
+  cv::Mat picture(630, 1000, CV_8UC3);
+  cv::RNG random(7);
+  for (int row = 0; row < picture.rows; ++row) {
+    for (int column = 0; column < picture.cols; ++column) {
+      for (int colour = 0; colour < 3; ++colour) {
+        const double band = std::cos(0.11 * column + 0.04 * row + step * colour);
+        picture.at<cv::Vec3b>(row, column)[colour] =
+            cv::saturate_cast<std::uint8_t>(170 + 5 * band + random.gaussian(3));
+      }
+    }
+  }
+  return picture;
+}
+
+TEST(CopyFigures, KnowBandsWhateverTheStepFromColourToColour) {
+  constexpr double kLeastOfADisplay = 0.01;
+  // A quarter of a period: red and blue are half a period apart.
+  for (const double step : {0.6, 0.5 * CV_PI, -2.0 / 3.0 * CV_PI})
+    EXPECT_GT(engine::colouredFringes(banded(step)), kLeastOfADisplay) << step;
+  EXPECT_LT(engine::colouredFringes(banded(0)), 0.2 * kLeastOfADisplay) << "a printed pattern";
 }
 
 TEST(CopyFigures, PaleBlackMakesACardSuspectAtMost) {
