@@ -238,7 +238,11 @@ CardReading DocumentAnalyzer::readAgain(const CardView& card, CardMemory& memory
   auto lines = linesAgain(*upright, card.isAsRead, memory);
   const bool isTheSame = static_cast<double>(lines.size()) >=
                          kLeastShareReadAgain * static_cast<double>(memory.lines.size());
-  return understood(upright, isTheSame ? std::move(lines) : text_.read(*upright), memory);
+  if (!isTheSame) {
+    memory.repeats = 0;
+    lines = text_.read(*upright);
+  }
+  return understood(upright, std::move(lines), memory);
 }
 
 CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
