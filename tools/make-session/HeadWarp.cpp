@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include <opencv2/imgproc.hpp>
-
 #include "Ease.h"
+#include "FineMap.h"
 #include "Picture.h"
 
 namespace corvana::session {
@@ -136,12 +135,8 @@ void HeadWarp::maps(const PersonPose& pose, cv::Point2f corner, cv::Mat& mapX,
       coarseX.at<float>(row, column) = source.x + corner.x;
       coarseY.at<float>(row, column) = source.y + corner.y;
     }
-  const cv::Rect picture(kStep, kStep, kPictureWidth, kPictureHeight);
-  cv::Mat fineX, fineY;
-  cv::resize(coarseX, fineX, {}, kStep, kStep, cv::INTER_LINEAR);
-  cv::resize(coarseY, fineY, {}, kStep, kStep, cv::INTER_LINEAR);
-  mapX = fineX(picture);
-  mapY = fineY(picture);
+  mapX = fineMap(coarseX, kStep);
+  mapY = fineMap(coarseY, kStep);
 }
 
 }  // namespace corvana::session

@@ -5,6 +5,7 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "FineMap.h"
 #include "Picture.h"
 #include "PresentedLook.h"
 
@@ -124,12 +125,8 @@ void Presentation::mapSheet(const Hold& hold) {
       coarseX.at<float>(row, column) = static_cast<float>(source.x);
       coarseY.at<float>(row, column) = static_cast<float>(source.y);
     }
-  const cv::Rect picture(kStep, kStep, kPictureWidth, kPictureHeight);
-  cv::Mat fineX, fineY;
-  cv::resize(coarseX, fineX, {}, kStep, kStep, cv::INTER_LINEAR);
-  cv::resize(coarseY, fineY, {}, kStep, kStep, cv::INTER_LINEAR);
-  mapX_ = fineX(picture);
-  mapY_ = fineY(picture);
+  mapX_ = fineMap(coarseX, kStep);
+  mapY_ = fineMap(coarseY, kStep);
 }
 
 void Presentation::showHeld(double seconds, cv::Mat& picture) {
