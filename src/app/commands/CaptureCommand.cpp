@@ -5,7 +5,6 @@
 #include <sstream>
 
 #include "app/commands/CaptureOptions.h"
-#include "app/machine/FilmSpeed.h"
 #include "app/record/RunRecord.h"
 #include "app/run/CaptureFlow.h"
 #include "app/run/Preflight.h"
@@ -74,18 +73,6 @@ void chooseScreen(CaptureArguments& arguments) {
   arguments.screen = windowIsPossible() ? ScreenKind::window : ScreenKind::headless;
 }
 
-/// What the machine has time for at this moment; whoever names a mode gets that.
-void chooseCameraMode(CaptureArguments& arguments) {
-  if (arguments.source.mode || !arguments.source.isDevice()) return;
-  const auto speed = filmSpeed();
-  if (!speed) return;
-  arguments.source.mode = cameraModeFor(*speed);
-  const std::string chosen = devices::nameOf(*arguments.source.mode);
-  if (chosen == devices::nameOf(devices::CameraMode{})) return;
-  std::cerr << "This machine is too slow or too busy for the usual film: the camera is asked for "
-            << chosen << "; --camera-mode asks for another." << std::endl;
-}
-
 /// Whoever says how a person behaves wants that person, not one before the window.
 void choosePerson(const CLI::App& command, CaptureArguments& arguments) {
   const bool told = command.count("--on-retry") + command.count("--max-retries") +
@@ -113,7 +100,6 @@ void addCaptureCommand(CLI::App& app, ExitCode& exitCode) {
   command.callback([arguments, &command, &exitCode] {
     chooseScreen(*arguments);
     choosePerson(command, *arguments);
-    chooseCameraMode(*arguments);
     exitCode = runCapture(*arguments);
   });
 }

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "app/record/ScratchFolder.h"
-#include "devices/film/FilmSettings.h"
 #include "devices/film/FilmWriter.h"
 #include "platform/foundation/VirtualRunLoop.h"
 
@@ -58,11 +57,11 @@ platform::PixelBufferRef movingStripes(int number) {
   return std::make_shared<PixelBuffer>(kFilmWidth, kFilmHeight, kFormat, std::move(bytes));
 }
 
-Expected<double> filmSpeed() {
+Expected<double> filmSpeed(devices::VideoCodecChoice choice) {
   using Clock = std::chrono::steady_clock;
   const auto folder = ScratchFolder::make();
   if (!folder) return tl::unexpected(folder.error());
-  const auto codecs = devices::realTimeVideoCodecs(devices::VideoCodecChoice::automatic);
+  const auto codecs = devices::realTimeVideoCodecs(choice);
   if (codecs.empty()) return platform::failure("No encoder of films is installed.");
   platform::VirtualRunLoop loop;
   const auto film = devices::FilmWriterFactory(loop).make(

@@ -95,7 +95,7 @@ Expected<double> readingSeconds(const Resources& resources) {
 }  // namespace
 
 Expected<std::vector<Finding>> measureMachine(const Resources& resources) {
-  const auto film = filmSpeed();
+  const auto film = filmSpeed(devices::VideoCodecChoice::automatic);
   if (!film) return tl::unexpected(film.error());
   const auto search = faceSearchSeconds(resources);
   if (!search) return tl::unexpected(search.error());

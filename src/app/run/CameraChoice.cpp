@@ -1,10 +1,12 @@
 #include "app/run/CameraChoice.h"
 
 #include <filesystem>
+#include <iostream>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "app/machine/FilmSpeed.h"
 #include "app/record/Files.h"
 #include "devices/live/DeviceCatalog.h"
 #include "devices/live/LiveFile.h"
@@ -93,17 +95,32 @@ Expected<LiveDevices::Setup> chooseFile(const CameraChoice& choice, const std::s
   return setup;
 }
 
-Expected<LiveDevices::Setup> chooseDevices(const CameraChoice& choice) {
+/// What the machine has time for at this moment; whoever names a mode gets that.
+devices::CameraMode chooseMode(const CameraChoice& choice, devices::VideoCodecChoice codec) {
+  if (choice.mode) return *choice.mode;
+  const devices::CameraMode usual;
+  const auto speed = filmSpeed(codec);
+  if (!speed) return usual;
+  const devices::CameraMode mode = cameraModeFor(*speed);
+  const std::string name = devices::nameOf(mode);
+  if (name != devices::nameOf(usual)) {
+    std::cerr << "This machine is too slow or too busy for the usual film: the camera is asked for "
+              << name << "; --camera-mode asks for another." << std::endl;
+  }
+  return mode;
+}
+
+Expected<LiveDevices::Setup> chooseDevices(const CameraChoice& choice,
+                                           devices::VideoCodecChoice codec) {
   if (const auto path = playedFile(choice)) return chooseFile(choice, *path);
   const auto camera = chooseCamera(choice.camera);
   if (!camera) return tl::unexpected(camera.error());
   if (camera->isVirtual && !choice.allowVirtual) return refusal(camera->name);
   auto microphone = chooseMicrophone(choice);
   if (!microphone) return tl::unexpected(microphone.error());
-  return LiveDevices::Setup{
-      .camera = devices::cameraSource(*camera, choice.mode.value_or(devices::CameraMode{})),
-      .turn = choice.turn,
-      .microphone = std::move(*microphone)};
+  return LiveDevices::Setup{.camera = devices::cameraSource(*camera, chooseMode(choice, codec)),
+                            .turn = choice.turn,
+                            .microphone = std::move(*microphone)};
 }
 
 std::shared_ptr<devices::MediaSource> asSource(std::shared_ptr<devices::MediaSource> media) {
@@ -127,13 +144,9 @@ bool CameraChoice::isRecording() const {
   return isFile(camera);
 }
 
-bool CameraChoice::isDevice() const {
-  return !isRecording() && !playedFile(*this);
-}
-
 Expected<MediaOpener> chooseMedia(const CameraChoice& choice, devices::VideoCodecChoice codec) {
   if (choice.isRecording()) return chooseRecording(choice, codec);
-  auto setup = chooseDevices(choice);
+  auto setup = chooseDevices(choice, codec);
   if (!setup) return tl::unexpected(setup.error());
   setup->codecChoice = codec;
   return [setup = std::move(*setup)](platform::RunLoop& loop) {
