@@ -1,11 +1,11 @@
 #include "engine/document/DocumentAnalyzer.h"
 
 #include <algorithm>
-#include <cmath>
 #include <iterator>
 #include <utility>
 
 #include "engine/document/BarcodeReader.h"
+#include "engine/document/CardPortrait.h"
 #include "engine/document/copies/CopyFigures.h"
 #include "engine/document/fields/DocumentFields.h"
 #include "engine/document/guidance/Glare.h"
@@ -15,8 +15,6 @@
 #include "engine/document/outline/StillCards.h"
 #include "engine/document/text/SecondOpinion.h"
 #include "engine/document/text/TextLines.h"
-#include "engine/vision/FaceCrop.h"
-#include "engine/vision/ImageOps.h"
 
 namespace corvana::engine {
 namespace {
@@ -27,44 +25,6 @@ constexpr double kLeastShareReadAgain = 0.8;
 constexpr int kMostRepeats = 2;
 /// A line all of whose letters are this sure would be read alike again.
 constexpr double kSureLetter = 0.9;
-
-/// The photo around a face that measures from brow to chin: as on passports, where the head takes
-/// about half the width and two thirds of the height.
-platform::CGRect photoAround(const platform::CGRect& face) {
-  const double side = std::max(face.width, face.height);
-  return {face.midX() - 0.95 * side, face.midY() - 1.25 * side, 1.9 * side, 2.4 * side};
-}
-
-Face scaled(const Face& face, double factor) {
-  Face result = face;
-  result.box = {face.box.x * factor, face.box.y * factor, face.box.width * factor,
-                face.box.height * factor};
-  for (auto& point : result.keypoints) {
-    point = {point.x * factor, point.y * factor};
-  }
-  return result;
-}
-
-/// The face for the matcher. A photo printed small is scaled up first: the matcher refuses faces by
-/// their pixels, of which a straightened card has more than the camera saw anyway.
-platform::UIImageRef faceImageOf(const platform::PixelBuffer& card, const Face& face) {
-  constexpr double kLeastPrintedWidth = 48;
-  if (face.box.width >= kLeastFaceWidth) return cropFace(card, face);
-  if (face.box.width < kLeastPrintedWidth) return nullptr;
-  const double factor = 1.05 * kLeastFaceWidth / face.box.width;
-  const auto larger = resized(card, static_cast<int>(std::lround(card.width() * factor)),
-                              static_cast<int>(std::lround(card.height() * factor)));
-  return cropFace(*larger, scaled(face, factor));
-}
-
-/// The detector also finds faces that lie on their side or their head.
-bool isUpright(const Face& face) {
-  const auto& right = face.keypoints[Face::rightEye];
-  const auto& left = face.keypoints[Face::leftEye];
-  const auto& mouth = face.keypoints[Face::mouth];
-  const double across = left.x - right.x;
-  return across > std::abs(left.y - right.y) && mouth.y > (left.y + right.y) / 2;
-}
 
 /// A place in millimetres on the picture of the straightened document.
 platform::CGRect inPixels(const platform::CGRect& place, const DocumentKind& kind,
