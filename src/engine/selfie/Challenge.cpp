@@ -137,6 +137,7 @@ void ChallengeJudge::enter(Phase phase, TimePoint time) {
   greatest_ = 0;
   looksDone_ = looksElsewhere_ = looksAtRest_ = 0;
   blinks_.clear();
+  askedInBlink_ = blink_.isClosed();
 }
 
 TaskEvent ChallengeJudge::event(LivenessTask task, Step step) const {
@@ -159,8 +160,11 @@ std::optional<TaskEvent> ChallengeJudge::learn(TimePoint time, const HeadLook& h
 void ChallengeJudge::countBlinks(TimePoint time, const HeadLook& head) {
   blink_.add(time, head.lids);
   const bool isNew = std::exchange(blinksSeen_, blink_.blinks()) != blink_.blinks();
-  // Whoever turns the head, or looks elsewhere, blinks without meaning it.
-  if (isNew && phase_ == Phase::asking && isAtRest(head)) blinks_.push_back(time);
+  // Whoever turns the head, or looks elsewhere, blinks without meaning it; and lids that were down
+  // when the task was asked for are no answer to it.
+  const bool isAnswer = phase_ == Phase::asking && isAtRest(head) && !askedInBlink_;
+  if (isNew && isAnswer) blinks_.push_back(time);
+  if (!blink_.isClosed()) askedInBlink_ = false;
 }
 
 std::optional<TaskEvent> ChallengeJudge::miss(TimePoint time) {

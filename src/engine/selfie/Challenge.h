@@ -114,6 +114,7 @@ class ChallengeJudge {
   int looksAtRest_ = 0;
   BlinkWatch blink_;
   int blinksSeen_ = 0;
+  bool askedInBlink_ = false;                ///< which is not over yet
   std::vector<platform::TimePoint> blinks_;  ///< at rest, since the task was asked for
 };
 

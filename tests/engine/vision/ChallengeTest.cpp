@@ -151,6 +151,13 @@ TEST(Challenge, SingleBlinksAreNotAPairAndAPairCountsAtRestOnly) {
   Head eager({Task::turnLeft, Task::blinkTwice, Task::turnLeft});
   eager.rest(1).blink().blink().rest(0.5).hold(0.4, {.yaw = 16});
   EXPECT_EQ(eager.told(), "turnLeft? turnLeft- turnLeft? turnLeft+") << "it did another task";
+
+  Head asked({Task::blinkTwice, Task::turnLeft, Task::blinkTwice});
+  asked.rest(1).blink().blink().hold(0.2, {.lids = 0.5}).rest(0.3);
+  ASSERT_EQ(asked.told(), "blinkTwice? blinkTwice+ turnLeft?");
+  asked.blink().rest(0.5);
+  EXPECT_EQ(asked.told(), "blinkTwice? blinkTwice+ turnLeft?")
+      << "the lids were down when it was asked for: that blink belongs to no pair";
 }
 
 std::vector<Challenge> allDraws() {
