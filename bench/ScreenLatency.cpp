@@ -45,6 +45,7 @@
 #include "devices/scripted/PatternFaces.h"
 #include "devices/system/TerminalSystem.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
+#include "platform/foundation/VirtualRunLoop.h"
 
 namespace corvana {
 namespace {
@@ -221,11 +222,15 @@ void measureLoading() {
   const auto before = Clock::now();
   const auto tables = app::loadDocuments(resources, {});
   if (!tables) return;
-  const auto loaded = engine::VisionFrameAnalyzer::load({.faceDetector = resources.faceDetector(),
-                                                         .faceLandmarks = resources.faceLandmarks(),
-                                                         .faceEmbedding = resources.faceModel(),
-                                                         .text = resources.textReader(),
-                                                         .documents = *tables});
+  platform::VirtualRunLoop loop;
+  const auto loaded = engine::VisionFrameAnalyzer::load(
+      {.faceDetector = resources.faceDetector(),
+       .faceLandmarks = resources.faceLandmarks(),
+       .faceEmbedding = resources.faceModel(),
+       .text = resources.textReader(),
+       .documents = *tables,
+       .readQueue = loop.makeWorkQueue("CardReader", platform::QualityOfService::utility,
+                                       engine::VisionFrameAnalyzer::kUsualReading)});
   std::printf("what reads faces and cards is loaded in %.0f ms, on a worker\n",
               loaded ? milliseconds(Clock::now() - before) : 0);
 }

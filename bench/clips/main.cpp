@@ -188,9 +188,8 @@ int run(int count, std::uint64_t seed, const std::string& only, bool inRealTime)
   }
   // In real time the looks take as long as they take.
   const auto loop = app::makeLoop(inRealTime ? app::TimeKind::real : app::TimeKind::media);
-  const auto readQueue =
-      inRealTime ? loop->makeSerialQueue("CardReader", platform::QualityOfService::utility)
-                 : nullptr;
+  const auto readQueue = loop->makeWorkQueue("CardReader", platform::QualityOfService::utility,
+                                             engine::VisionFrameAnalyzer::kUsualReading);
   auto analyzer = engine::VisionFrameAnalyzer::load(
       {.faceDetector = models / "face_detection_short_range.tflite",
        .faceLandmarks = models / "face_landmark.tflite",

@@ -59,7 +59,7 @@ using Tables = std::shared_ptr<const engine::DocumentTables>;
 
 Expected<Analyzer> loadAnalyzer(const Resources& resources, const Tables& documents,
                                 const DocumentRules& rules,
-                                const std::shared_ptr<platform::DispatchQueue>& readQueue) {
+                                const std::shared_ptr<platform::WorkQueue>& readQueue) {
   if (const auto lack = lacks({examineFaceModel(resources)}); !lack.empty()) {
     return platform::failure(lack);
   }
@@ -73,8 +73,9 @@ Expected<Analyzer> loadAnalyzer(const Resources& resources, const Tables& docume
 /// A user does not wait for the models to see their picture; a replay has all the time it wants.
 Expected<Analyzer> startAnalyzer(const Resources& resources, const Tables& documents,
                                  const DocumentRules& rules, platform::RunLoop& loop) {
-  if (loop.isVirtual()) return loadAnalyzer(resources, documents, rules, nullptr);
-  const auto readQueue = loop.makeSerialQueue("CardReader", platform::QualityOfService::utility);
+  const auto readQueue = loop.makeWorkQueue("CardReader", platform::QualityOfService::utility,
+                                            engine::VisionFrameAnalyzer::kUsualReading);
+  if (loop.isVirtual()) return loadAnalyzer(resources, documents, rules, readQueue);
   const auto load = [=] { return loadAnalyzer(resources, documents, rules, readQueue); };
   return engine::LateFrameAnalyzer::start(loop, load);
 }

@@ -5,19 +5,12 @@
 namespace corvana::engine {
 
 CardReads::CardReads(std::shared_ptr<DocumentAnalyzer> documents,
-                     std::shared_ptr<platform::DispatchQueue> queue)
+                     std::shared_ptr<platform::WorkQueue> queue)
     : documents_(std::move(documents)), queue_(std::move(queue)) {}
 
 bool CardReads::isBusy() const {
   const std::lock_guard lock(desk_->mutex);
   return desk_->isBusy;
-}
-
-void CardReads::read(DocumentAnalyzer& documents, Desk& desk, Order order) {
-  CardReading reading = documents.read(order.card, order.memory);
-  const std::lock_guard lock(desk.mutex);
-  desk.isBusy = false;
-  if (desk.isWanted) desk.done = Result{std::move(order), std::move(reading)};
 }
 
 void CardReads::start(Order order) {
@@ -27,9 +20,14 @@ void CardReads::start(Order order) {
     desk_->isWanted = true;
     desk_->done.reset();
   }
-  if (!queue_) return read(*documents_, *desk_, std::move(order));
   queue_->async([documents = documents_, desk = desk_, order = std::move(order)] {
-    read(*documents, *desk, order);
+    Result result{order, {}};
+    result.reading = documents->read(result.order.card, result.order.memory);
+    return [desk, result = std::move(result)] {
+      const std::lock_guard lock(desk->mutex);
+      desk->isBusy = false;
+      if (desk->isWanted) desk->done = result;
+    };
   });
 }
 

@@ -24,10 +24,9 @@ class CardReads {
     CardReading reading;
   };
 
-  /// Reads on the queue; without one before `start` returns, as time must not pass in media time.
-  /// The analyzer's reader is nobody else's.
+  /// Reads on the queue. The analyzer's reader is nobody else's.
   CardReads(std::shared_ptr<DocumentAnalyzer> documents,
-            std::shared_ptr<platform::DispatchQueue> queue);
+            std::shared_ptr<platform::WorkQueue> queue);
 
   bool isBusy() const;
   /// Begins to read; only when not busy.
@@ -38,17 +37,15 @@ class CardReads {
   void drop();
 
  private:
-  /// What looks and readings share.
+  /// What looks and the outcomes of readings share.
   struct Desk {
     std::mutex mutex;
     bool isBusy = false;
     bool isWanted = false;
     std::optional<Result> done;
   };
-  static void read(DocumentAnalyzer& documents, Desk& desk, Order order);
-
   std::shared_ptr<DocumentAnalyzer> documents_;
-  std::shared_ptr<platform::DispatchQueue> queue_;
+  std::shared_ptr<platform::WorkQueue> queue_;
   std::shared_ptr<Desk> desk_ = std::make_shared<Desk>();
 };
 

@@ -79,7 +79,7 @@ VisionFrameAnalyzer::VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
                                          const std::shared_ptr<FaceLandmarks>& landmarks,
                                          FaceEmbedder embedder,
                                          std::shared_ptr<DocumentAnalyzer> documents,
-                                         std::shared_ptr<platform::DispatchQueue> readQueue)
+                                         std::shared_ptr<platform::WorkQueue> readQueue)
     : detector_(std::move(detector)),
       landmarks_(landmarks),
       selfies_(detector_, landmarks),
@@ -96,7 +96,7 @@ platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> VisionFrameAnalyzer::lo
   auto embedder = FaceEmbedder::load(models.faceEmbedding);
   if (!embedder) return tl::unexpected(embedder.error());
   // Who reads on another thread needs a detector of its own.
-  const auto readersFaces = models.readQueue ? loadFaces(models.faceDetector) : faces;
+  const auto readersFaces = loadFaces(models.faceDetector);
   if (!readersFaces) return tl::unexpected(readersFaces.error());
   auto documents = DocumentAnalyzer::load(
       *readersFaces, {.text = models.text, .documents = models.documents, .today = models.today});
@@ -230,7 +230,6 @@ DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
   if (due && !reads_.isBusy() && !flawOf(*view.quality, corvana::IDCapture::options)) {
     lastReading_ = observation.frameTime;
     reads_.start({card, *sighting.outline, memory_});
-    showReading(view);
   }
   return view;
 }

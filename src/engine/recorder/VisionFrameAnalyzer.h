@@ -31,9 +31,8 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
     std::shared_ptr<const DocumentTables> documents{};
     /// Settles two-digit years.
     CalendarDate today{};
-    /// On which cards are read, so that looks go on meanwhile; none in media time, where a card is
-    /// read within the look at it.
-    std::shared_ptr<platform::DispatchQueue> readQueue{};
+    /// On which cards are read, while looks go on.
+    std::shared_ptr<platform::WorkQueue> readQueue{};
   };
 
   /// Loads the models; the error is one sentence: a model, language data or a font is missing or
@@ -42,6 +41,8 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
 
   Observation analyze(const platform::CMSampleBufferRef& frame, const AnalysisTask& task) override;
 
+  /// How long a full reading takes beside the looks, for `Models::readQueue`.
+  static constexpr platform::Duration kUsualReading = std::chrono::milliseconds(300);
   /// Least time between two readings of a card: one costs as much as ten looks.
   static constexpr platform::Duration kReadInterval = std::chrono::milliseconds(500);
   /// How far, as a part of its width, a card may move from one look to the next and still be read:
@@ -54,7 +55,7 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
   VisionFrameAnalyzer(std::shared_ptr<FaceDetector> detector,
                       const std::shared_ptr<FaceLandmarks>& landmarks, FaceEmbedder embedder,
                       std::shared_ptr<DocumentAnalyzer> documents,
-                      std::shared_ptr<platform::DispatchQueue> readQueue);
+                      std::shared_ptr<platform::WorkQueue> readQueue);
 
   SelfieView lookForSelfie(const platform::PixelBufferRef& picture, Observation& observation);
   void followLiveFace(const platform::PixelBuffer& picture, Observation& observation);

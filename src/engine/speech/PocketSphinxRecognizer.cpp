@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "engine/speech/MonoResampler.h"
 #include "engine/speech/SpeechModel.h"
@@ -18,6 +19,10 @@ constexpr std::uint64_t kStopped = 0;
 /// Sound that may wait to be heard: far more than the building of a model takes. Beyond it the
 /// machine is too slow for speech, and memory counts more.
 constexpr platform::Duration kMostWaiting = std::chrono::seconds(60);
+
+/// What a chunk of sound takes at most where nothing else is to be done: 0.15 s at an utterance's
+/// end, a hundredth of a second else.
+constexpr platform::Duration kUsualHearing = std::chrono::milliseconds(200);
 
 platform::Duration soundLength(const platform::CMSampleBuffer& buffer) {
   if (buffer.sampleRate < 1 || buffer.channels < 1) return {};
@@ -50,15 +55,11 @@ class PocketSphinxRecognizer::Listener {
   std::uint64_t run_ = kStopped;
 };
 
-/// The serial queue's side; the two atomics are shared with the main and the audio queue.
+/// The work queue's side; the two atomics are shared with the main and the audio queue.
 class PocketSphinxRecognizer::Worker {
  public:
-  Worker(platform::RunLoop& loop, SpeechModelPaths paths, std::string text,
-         std::shared_ptr<Listener> listener)
-      : loop_(loop),
-        paths_(std::move(paths)),
-        text_(std::move(text)),
-        listener_(std::move(listener)) {}
+  Worker(SpeechModelPaths paths, std::string text, std::shared_ptr<Listener> listener)
+      : paths_(std::move(paths)), text_(std::move(text)), listener_(std::move(listener)) {}
 
   std::uint64_t run() const { return run_; }
   void setRun(std::uint64_t run) { run_ = run; }
@@ -70,41 +71,44 @@ class PocketSphinxRecognizer::Worker {
     return true;
   }
 
-  void begin(std::uint64_t run) {
+  platform::Block begin(std::uint64_t run) {
     transcriber_.reset();
-    if (run != run_) return;
-    build(run);
+    if (run != run_) return {};
+    platform::Block complaint = build(run);
     resampler_.reset();
     if (model_) transcriber_.emplace(*model_);
+    return complaint;
   }
 
   void end() { transcriber_.reset(); }
 
-  void hear(std::uint64_t run, const platform::CMSampleBuffer& buffer) {
+  platform::Block hear(std::uint64_t run, const platform::CMSampleBuffer& buffer) {
     waiting_ -= soundLength(buffer).count();
-    if (run != run_ || !transcriber_) return;
+    if (run != run_ || !transcriber_) return {};
+    std::vector<platform::SFSpeechRecognitionResult> results;
     transcriber_->append(resampler_.convert(buffer),
-                         [&](const auto& result) { send(run, result); });
+                         [&](const auto& result) { results.push_back(result); });
+    if (results.empty()) return {};
+    return [listener = listener_, run, results = std::move(results)] {
+      for (const auto& result : results)
+        listener->deliver(run, result);
+    };
   }
 
  private:
-  void build(std::uint64_t run) {
-    if (std::exchange(built_, true)) return;
+  /// Tells why the model cannot be built, once.
+  platform::Block build(std::uint64_t run) {
+    if (std::exchange(built_, true)) return {};
     auto model = SpeechModel::load(paths_, text_);
     if (model) {
       model_ = std::move(*model);
-    } else {
-      send(run, corvana::IDError(model.error()));
+      return {};
     }
+    return [listener = listener_, run, error = corvana::IDError(model.error())] {
+      listener->deliver(run, error);
+    };
   }
 
-  template <class Message>
-  void send(std::uint64_t run, const Message& message) {
-    loop_.mainQueue().async(
-        [listener = listener_, run, message] { listener->deliver(run, message); });
-  }
-
-  platform::RunLoop& loop_;
   const SpeechModelPaths paths_;
   const std::string text_;
   const std::shared_ptr<Listener> listener_;
@@ -120,9 +124,10 @@ class PocketSphinxRecognizer::Worker {
 PocketSphinxRecognizer::PocketSphinxRecognizer(platform::RunLoop& loop, SpeechModelPaths paths,
                                                std::string text)
     : paths_(std::move(paths)),
-      queue_(loop.makeSerialQueue("SpeechRecognizerQueue", platform::QualityOfService::utility)),
+      queue_(loop.makeWorkQueue("SpeechRecognizerQueue", platform::QualityOfService::utility,
+                                kUsualHearing)),
       listener_(std::make_shared<Listener>(loop)),
-      worker_(std::make_shared<Worker>(loop, paths_, std::move(text), listener_)) {}
+      worker_(std::make_shared<Worker>(paths_, std::move(text), listener_)) {}
 
 PocketSphinxRecognizer::~PocketSphinxRecognizer() {
   stop();
@@ -141,19 +146,22 @@ void PocketSphinxRecognizer::start() {
   const std::uint64_t run = ++lastRun_;
   listener_->setRun(run);
   worker_->setRun(run);
-  queue_->async([worker = worker_, run] { worker->begin(run); });
+  queue_->async([worker = worker_, run] { return worker->begin(run); });
 }
 
 void PocketSphinxRecognizer::stop() {
   listener_->setRun(kStopped);
   worker_->setRun(kStopped);
-  queue_->async([worker = worker_] { worker->end(); });
+  queue_->async([worker = worker_] {
+    worker->end();
+    return platform::Block();
+  });
 }
 
 void PocketSphinxRecognizer::append(const platform::CMSampleBufferRef& sampleBuffer) {
   const std::uint64_t run = worker_->run();
   if (run == kStopped || !sampleBuffer || !worker_->reserve(soundLength(*sampleBuffer))) return;
-  queue_->async([worker = worker_, run, sampleBuffer] { worker->hear(run, *sampleBuffer); });
+  queue_->async([worker = worker_, run, sampleBuffer] { return worker->hear(run, *sampleBuffer); });
 }
 
 }  // namespace corvana::engine

@@ -31,7 +31,7 @@ class PocketSphinxRecognizer final : public corvana::SpeechRecognizer {
   class Worker;
 
   const SpeechModelPaths paths_;
-  const std::shared_ptr<platform::DispatchQueue> queue_;
+  const std::shared_ptr<platform::WorkQueue> queue_;
   const std::shared_ptr<Listener> listener_;
   const std::shared_ptr<Worker> worker_;
   std::uint64_t lastRun_ = 0;

@@ -27,6 +27,19 @@ class DispatchQueue {
 /// work that the user waits for.
 enum class QualityOfService { unspecified, userInteractive, userInitiated, utility, background };
 
+/// What takes long and touches nothing that others change meanwhile. It returns what is to be done
+/// with what came of it; an empty block where that is nothing.
+using Work = std::function<Block()>;
+
+/// A serial queue of work that goes on beside the main queue.
+class WorkQueue {
+ public:
+  virtual ~WorkQueue() = default;
+  /// Works in posting order, one at a time, and posts each outcome to the main queue. Any thread;
+  /// in virtual time the loop's.
+  virtual void async(Work work) = 0;
+};
+
 /// A timer on the main queue, and for it only. It holds its block until it is invalidated (also by
 /// the block itself) or, one-shot, has fired. Letting go of the handle does not stop it.
 class Timer {
@@ -55,6 +68,10 @@ class RunLoop {
   /// any more. What may yield to the recording of a film says so by `qos`.
   virtual std::shared_ptr<DispatchQueue> makeSerialQueue(
       const std::string& label, QualityOfService qos = QualityOfService::unspecified) = 0;
+  /// Main queue only; never null. `usual` is how long such work takes on a machine that keeps up:
+  /// in virtual time each outcome comes so long after its work was posted, whatever it took.
+  virtual std::shared_ptr<WorkQueue> makeWorkQueue(const std::string& label, QualityOfService qos,
+                                                   Duration usual);
   /// Main queue only; fires first after one interval. A one-shot timer is invalid once its block
   /// has begun.
   virtual std::shared_ptr<Timer> scheduledTimer(Duration interval, bool repeats, Block block) = 0;

@@ -1,6 +1,7 @@
 #include "platform/foundation/VirtualRunLoop.h"
 
 #include <algorithm>
+#include <future>
 #include <utility>
 
 namespace corvana::platform {
@@ -18,14 +19,40 @@ class VirtualRunLoop::Queue final : public DispatchQueue {
   VirtualRunLoop& loop_;
 };
 
+/// The outcome is an event like any other: when it comes does not tell how long the work took.
+class VirtualRunLoop::DelayedWork final : public WorkQueue {
+ public:
+  DelayedWork(VirtualRunLoop& loop, Duration delay, std::shared_ptr<DispatchQueue> workers)
+      : loop_(loop), delay_(delay), workers_(std::move(workers)) {}
+
+  void async(Work work) override {
+    const auto task = std::make_shared<std::packaged_task<Block()>>(std::move(work));
+    const auto outcome = std::make_shared<std::future<Block>>(task->get_future());
+    if (workers_) {
+      workers_->async([task] { (*task)(); });
+    } else {
+      (*task)();
+    }
+    loop_.post(loop_.now_ + delay_, EventClass::task, [outcome] {
+      if (const Block block = outcome->get()) block();
+    });
+  }
+
+ private:
+  VirtualRunLoop& loop_;
+  Duration delay_;
+  std::shared_ptr<DispatchQueue> workers_;
+};
+
 namespace {
 
 constexpr std::uint64_t kMostSteps = 50'000'000;
 
 }  // namespace
 
-VirtualRunLoop::VirtualRunLoop()
-    : timers_(
+VirtualRunLoop::VirtualRunLoop(std::unique_ptr<DrivenLoop> workers)
+    : workers_(std::move(workers)),
+      timers_(
           [this] { return now_; },
           [this](TimePoint due, Block block) { post(due, EventClass::task, std::move(block)); }),
       queue_(std::make_shared<Queue>(*this)) {}
@@ -36,6 +63,7 @@ VirtualRunLoop::~VirtualRunLoop() {
 
 void VirtualRunLoop::shutDown() {
   timers_.invalidateAll();
+  if (workers_) workers_->shutDown();
   // A block may own the last handle to something that posts while it is destroyed.
   while (!events_.empty())
     std::exchange(events_, {}).clear();
@@ -52,6 +80,14 @@ DispatchQueue& VirtualRunLoop::globalQueue(QualityOfService) {
 std::shared_ptr<DispatchQueue> VirtualRunLoop::makeSerialQueue(const std::string&,
                                                                QualityOfService) {
   return queue_;
+}
+
+/// Nobody uses the loop's thread while it waits for an outcome: no work yields to another.
+std::shared_ptr<WorkQueue> VirtualRunLoop::makeWorkQueue(const std::string& label, QualityOfService,
+                                                         Duration usual) {
+  return std::make_shared<DelayedWork>(
+      *this, usual,
+      workers_ ? workers_->makeSerialQueue(label, QualityOfService::unspecified) : nullptr);
 }
 
 std::shared_ptr<Timer> VirtualRunLoop::scheduledTimer(Duration interval, bool repeats,

@@ -14,6 +14,7 @@
 
 #include "devices/system/RealRunLoop.h"
 #include "devices/system/TerminationSignals.h"
+#include "platform/foundation/VirtualRunLoop.h"
 
 namespace corvana::tests {
 namespace {
@@ -22,6 +23,7 @@ using devices::RealRunLoop;
 using platform::EventClass;
 using platform::QualityOfService;
 using platform::seconds;
+using platform::VirtualRunLoop;
 
 // Only orders and ends are asked for, never durations: a slow machine must not fail.
 constexpr platform::TimePoint kFarAway = platform::TimePoint::max();
@@ -188,6 +190,46 @@ TEST(RealRunLoop, AnOwnerLetGoOnAWorkerIsDestroyedOnMain) {
   });
   loop.runUntil([&] { return destroyedOn != std::thread::id(); }, kFarAway);
   EXPECT_EQ(destroyedOn, std::this_thread::get_id());
+}
+
+/// What came of work, when, as the loop told it.
+std::vector<std::pair<int, double>> outcomesOf(platform::DrivenLoop& loop) {
+  std::vector<std::pair<int, double>> outcomes;
+  const auto first = loop.makeWorkQueue("first", QualityOfService::utility, seconds(0.1));
+  const auto second = loop.makeWorkQueue("second", QualityOfService::utility, seconds(0.25));
+  const auto here = std::this_thread::get_id();
+  for (int i = 0; i < 4; ++i) {
+    loop.mainQueue().asyncAfter(seconds(0.05 * i), [&, i] {
+      (i % 2 == 0 ? first : second)->async([&, i] {
+        return [&, i] {
+          EXPECT_EQ(std::this_thread::get_id(), here);
+          outcomes.emplace_back(i, platform::inSeconds(loop.now().time_since_epoch()));
+        };
+      });
+    });
+  }
+  first->async([] { return platform::Block(); });
+  loop.runUntil([&] { return outcomes.size() == 4; }, kFarAway);
+  return outcomes;
+}
+
+TEST(WorkQueues, TellOutcomesOnTheMainQueueAtFixedTimesInVirtualTimeWhoeverWorks) {
+  VirtualRunLoop alone;
+  VirtualRunLoop withWorkers(std::make_unique<RealRunLoop>());
+  const std::vector<std::pair<int, double>> expected{{0, 0.1}, {2, 0.2}, {1, 0.3}, {3, 0.4}};
+  EXPECT_EQ(outcomesOf(alone), expected);
+  EXPECT_EQ(outcomesOf(withWorkers), expected);
+  RealRunLoop real;
+  EXPECT_EQ(outcomesOf(real).size(), 4U) << "in any order";
+}
+
+TEST(WorkQueues, MayStillBeGivenWorkWhenTheLoopHasEnded) {
+  VirtualRunLoop loop(std::make_unique<RealRunLoop>());
+  const auto queue = loop.makeWorkQueue("test", QualityOfService::utility, seconds(0.1));
+  const auto mustNotBeTold = [] { return platform::Block([] { FAIL(); }); };
+  queue->async(mustNotBeTold);
+  loop.shutDown();
+  queue->async(mustNotBeTold);
 }
 
 }  // namespace
