@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "capture/ImageStandardization.h"
 #include "platform/foundation/Fault.h"
 
 namespace corvana::capture {
@@ -26,28 +27,6 @@ std::vector<float> unitLength(const std::vector<double>& embedding) {
   for (const double value : embedding)
     result.push_back(static_cast<float>(value) / norm);
   return result;
-}
-
-struct Sums {
-  std::uint64_t values = 0;
-  std::uint64_t squares = 0;
-};
-
-/// Exact, in narrow numbers as long as they hold the squares: those are added several at a time.
-Sums sumsOf(std::span<const std::uint8_t> data) {
-  constexpr std::size_t kBlock = 32768;
-  Sums sums;
-  for (std::size_t start = 0; start < data.size(); start += kBlock) {
-    std::uint32_t values = 0;
-    std::uint32_t squares = 0;
-    for (const std::uint32_t byte : data.subspan(start, std::min(kBlock, data.size() - start))) {
-      values += byte;
-      squares += byte * byte;
-    }
-    sums.values += values;
-    sums.squares += squares;
-  }
-  return sums;
 }
 
 platform::Expected<void> fillInput(inference::Interpreter& interpreter,
@@ -112,17 +91,14 @@ std::optional<std::vector<float>> FaceMatchDetector::preprocess(
     std::span<const std::uint8_t> data) {
   if (data.empty()) return {};
   const auto count = static_cast<double>(data.size());
-  const Sums sums = sumsOf(data);
+  const ByteSums sums = sumsOf(data);
   const double mean = static_cast<double>(sums.values) / count;
   // Whole numbers up to here, so that nothing is lost between two large ones.
   const auto spread = static_cast<double>(data.size() * sums.squares - sums.values * sums.values);
   const double deviation = std::sqrt(spread) / count;
   const auto divisor = static_cast<float>(std::max(deviation, 1 / std::sqrt(count)));
-  const auto offset = static_cast<float>(mean);
   std::vector<float> result(data.size());
-  std::ranges::transform(data, result.begin(), [=](std::uint8_t byte) {
-    return (static_cast<float>(byte) - offset) / divisor;
-  });
+  standardize(data, static_cast<float>(mean), divisor, result);
   return result;
 }
 

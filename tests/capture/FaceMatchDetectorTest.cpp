@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <random>
 
 #include <gtest/gtest.h>
 #include <tensorflow/lite/c/c_api.h>
@@ -196,6 +198,33 @@ TEST_F(FaceMatching, WhitensEachPictureAsAWhole) {
   EXPECT_EQ(Probe::preprocess({15, 11, 13, 4, 195}),
             (std::vector<float>{-0.441774935F, -0.495980442F, -0.468877703F, -0.590840101F,
                                 1.99747312F}));
+}
+
+TEST_F(FaceMatching, WhitensAPictureOfAnyLengthToTheLastDigit) {
+  std::minstd_rand random(1);
+  // Around the widths of vectors, and of what narrow sums hold; all but the last byte at its most.
+  for (const std::size_t size : {3U, 15U, 16U, 31U, 67U, 32768U, 32769U, 76800U, 100003U}) {
+    std::vector<std::uint8_t> bright(size, 255);
+    bright.back() = 0;
+    std::vector<std::uint8_t> noise(size);
+    std::ranges::generate(noise, [&] { return static_cast<std::uint8_t>(random()); });
+    for (const auto& bytes : {bright, noise}) {
+      double values = 0;
+      double squares = 0;
+      for (const double byte : bytes) {
+        values += byte;
+        squares += byte * byte;
+      }
+      const auto count = static_cast<double>(size);
+      const auto mean = static_cast<float>(values / count);
+      const auto deviation = static_cast<float>(
+          std::max(std::sqrt(count * squares - values * values) / count, 1 / std::sqrt(count)));
+      const auto whitened = Probe::preprocess(bytes);
+      ASSERT_EQ(whitened->size(), size);
+      for (std::size_t i = 0; i < size; ++i)
+        ASSERT_EQ((*whitened)[i], (static_cast<float>(bytes[i]) - mean) / deviation) << size;
+    }
+  }
 }
 
 TEST_F(FaceMatching, MeasuresUnitLengthEmbeddings) {
