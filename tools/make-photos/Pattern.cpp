@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <vector>
 
 #include <opencv2/imgproc.hpp>
@@ -14,7 +15,7 @@ namespace {
 
 using session::Random;
 
-constexpr double kTurn = 6.283185307179586;
+constexpr double kTurn = 2 * std::numbers::pi;
 
 cv::Mat gradient(const std::vector<cv::Scalar>& colours, cv::Size size) {
   cv::Mat picture(size, CV_8UC3);

@@ -1,6 +1,7 @@
 #include "Guilloche.h"
 
 #include <cmath>
+#include <numbers>
 #include <vector>
 
 #include <opencv2/imgproc.hpp>
@@ -12,7 +13,7 @@
 namespace corvana::session {
 namespace {
 
-constexpr double kTurn = 6.283185307179586;
+constexpr double kTurn = 2 * std::numbers::pi;
 
 const cv::Vec3d kLeft(226, 238, 247);
 const cv::Vec3d kMiddle(240, 243, 232);

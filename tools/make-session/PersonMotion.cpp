@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "Ease.h"
 #include "Picture.h"
@@ -9,7 +10,7 @@
 namespace corvana::session {
 namespace {
 
-constexpr double kTurn = 6.283185307179586;
+constexpr double kTurn = 2 * std::numbers::pi;
 constexpr double kBlinkClosing = 0.09;
 constexpr double kBlinkHeld = 0.08;
 constexpr double kBlinkOpening = 0.17;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include <opencv2/imgproc.hpp>
 
@@ -139,7 +140,8 @@ void Presentation::showHeld(double seconds, cv::Mat& picture) {
   cv::remap(picture, held_, mapX_, mapY_, cv::INTER_LINEAR, cv::BORDER_REPLICATE);
   const cv::Mat inside = depthInside(mapX_, mapY_, sheet);
   if (!isPrint) {
-    litByDisplay(held_, {mapX_, mapY_, pixelPitch_, 6.283185307179586 * flickerSpeed_ * seconds});
+    litByDisplay(held_,
+                 {mapX_, mapY_, pixelPitch_, 2 * std::numbers::pi * flickerSpeed_ * seconds});
     frameDisplay(inside, held_);
   }
   const cv::Rect view(

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <numbers>
 #include <vector>
 
 #include <opencv2/imgproc.hpp>
@@ -21,7 +22,7 @@ constexpr double kFlicker = 0.02;
 constexpr double kBands = 2.3;  // over the picture's height
 const cv::Vec3b kBezelColour(22, 22, 24);
 constexpr float kReflection = 26.0F;
-constexpr double kTurn = 6.283185307179586;
+constexpr double kTurn = 2 * std::numbers::pi;
 
 /// Cosines of whole turns, finer than a film's steps of brightness show.
 class CosineOfTurns {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <numbers>
 #include <random>
 
 namespace corvana::session {
@@ -54,7 +55,7 @@ class Wobble {
 
  private:
   static constexpr std::size_t kTerms = 4;
-  static constexpr double kTurn = 6.283185307179586;
+  static constexpr double kTurn = 2 * std::numbers::pi;
   static constexpr std::array<double, kTerms> kWeights = {0.45, 0.28, 0.17, 0.10};
   std::array<double, kTerms> frequencies_{};
   std::array<double, kTerms> phases_{};

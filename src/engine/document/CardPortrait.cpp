@@ -7,20 +7,6 @@
 #include "engine/vision/ImageOps.h"
 
 namespace corvana::engine {
-namespace {
-
-Face scaled(const Face& face, double factor) {
-  Face result = face;
-  result.box = {face.box.x * factor, face.box.y * factor, face.box.width * factor,
-                face.box.height * factor};
-  for (auto& point : result.keypoints) {
-    point = {point.x * factor, point.y * factor};
-  }
-  return result;
-}
-
-}  // namespace
-
 platform::CGRect photoAround(const platform::CGRect& face) {
   const double side = std::max(face.width, face.height);
   return {face.midX() - 0.95 * side, face.midY() - 1.25 * side, 1.9 * side, 2.4 * side};

@@ -8,6 +8,14 @@
 
 namespace corvana::engine {
 
+Face scaled(Face face, double factor) {
+  face.box = {face.box.x * factor, face.box.y * factor, face.box.width * factor,
+              face.box.height * factor};
+  for (platform::CGPoint& point : face.keypoints)
+    point = {point.x * factor, point.y * factor};
+  return face;
+}
+
 double overlap(const platform::CGRect& a, const platform::CGRect& b) {
   const double width = std::min(a.maxX(), b.maxX()) - std::max(a.minX(), b.minX());
   const double height = std::min(a.maxY(), b.maxY()) - std::max(a.minY(), b.minY());

@@ -23,6 +23,9 @@ struct Face {
   double size() const { return std::max(box.width, box.height); }
 };
 
+/// The face in a picture that is `factor` times as large.
+Face scaled(Face face, double factor);
+
 /// Area shared by both rectangles over the area covered by either, 0 to 1.
 double overlap(const platform::CGRect& a, const platform::CGRect& b);
 

@@ -63,25 +63,9 @@ cv::Rect squareAround(const platform::CGRect& box, double side) {
           static_cast<int>(std::lround(box.midY() - side / 2)), pixels, pixels};
 }
 
-bool areAlike(const cv::Rect& a, const cv::Rect& b) {
-  const double shared = (a & b).area();
-  return shared >= kSameCropOverlap * (a.area() + b.area() - shared);
-}
-
 bool isOnPicture(const Face& face, cv::Size picture) {
   return face.box.midX() >= 0 && face.box.midX() < picture.width && face.box.midY() >= 0 &&
          face.box.midY() < picture.height;
-}
-
-platform::CGPoint twice(const platform::CGPoint& point) {
-  return {2 * point.x, 2 * point.y};
-}
-
-Face twice(Face face) {
-  face.box = {2 * face.box.x, 2 * face.box.y, 2 * face.box.width, 2 * face.box.height};
-  for (platform::CGPoint& point : face.keypoints)
-    point = twice(point);
-  return face;
 }
 
 /// The picture and its half, from which wide windows are taken: shrinking them costs as much as the
@@ -100,7 +84,7 @@ class Looker {
     const cv::Rect halved(window.x / 2, window.y / 2, window.width / 2, window.height / 2);
     std::vector<Face> faces = blazeface::look(model_, half_, halved);
     for (Face& face : faces)
-      face = twice(face);
+      face = scaled(face, 2);
     return faces;
   }
 
@@ -119,7 +103,8 @@ std::vector<Face> secondLook(Looker& looker, const std::vector<Face>& found,
   std::vector<Face> faces;
   for (const Face& first : found) {
     const cv::Rect crop = squareAround(first.box, kSecondLookScale * first.size());
-    if (seenThrough && areAlike(crop, *seenThrough) && first.score >= kLeastSecondScore) {
+    if (seenThrough && first.score >= kLeastSecondScore &&
+        overlap(rectOf(crop), rectOf(*seenThrough)) >= kSameCropOverlap) {
       faces.push_back(first);
       continue;
     }

@@ -85,6 +85,10 @@ PixelBufferRef pixelBufferFrom(const cv::Mat& mat) {
       mat.cols, mat.rows, gray ? PixelFormat::gray8 : PixelFormat::rgb24, std::move(bytes));
 }
 
+CGRect rectOf(const cv::Rect& rect) {
+  return {double(rect.x), double(rect.y), double(rect.width), double(rect.height)};
+}
+
 cv::Rect pixelRect(const CGRect& rect, cv::Size picture) {
   const auto inside = [](double value, int limit) {
     return value > 0 ? static_cast<int>(std::min(value, static_cast<double>(limit))) : 0;

@@ -23,4 +23,6 @@ platform::PixelBufferRef pixelBufferFrom(const cv::Mat& mat);
 /// The rectangle rounded outwards to whole pixels and cut at the picture's edges; may be empty.
 cv::Rect pixelRect(const platform::CGRect& rect, cv::Size picture);
 
+platform::CGRect rectOf(const cv::Rect& rect);
+
 }  // namespace corvana::engine

@@ -143,10 +143,6 @@ class LineReader {
   const std::vector<std::string_view> alphabets_;
 };
 
-platform::CGRect rectOf(const cv::Rect& rect) {
-  return {double(rect.x), double(rect.y), double(rect.width), double(rect.height)};
-}
-
 }  // namespace
 
 platform::Expected<MrzReader> MrzReader::load(const std::vector<std::filesystem::path>& fonts) {
