@@ -69,13 +69,14 @@ FaceMatchDetector::FaceMatchDetector(const platform::Bundle& bundle, platform::C
 }
 
 platform::Expected<void> FaceMatchDetector::load(const std::filesystem::path& model) {
-  if (auto first = load(model, interpreter1_); !first) return first;
-  return load(model, interpreter2_);
+  const auto first =
+      take(Interpreter::load(model, kThreadCount, inference::Runtime::plain), interpreter1_);
+  if (!first) return first;
+  return take(interpreter1_->another(kThreadCount), interpreter2_);
 }
 
-platform::Expected<void> FaceMatchDetector::load(const std::filesystem::path& model,
+platform::Expected<void> FaceMatchDetector::take(platform::Expected<Interpreter> loaded,
                                                  std::optional<Interpreter>& interpreter) {
-  auto loaded = Interpreter::load(model, kThreadCount, inference::Runtime::plain);
   if (!loaded) return platform::failure("The face model " + loaded.error().sentence);
   interpreter = std::move(*loaded);
   if (interpreter->allocateTensors()) return {};

@@ -41,7 +41,7 @@ class FaceMatchDetector {
   using Bytes = std::vector<std::uint8_t>;
   using Embedding = std::vector<double>;
   platform::Expected<void> load(const std::filesystem::path& model);
-  static platform::Expected<void> load(const std::filesystem::path& model,
+  static platform::Expected<void> take(platform::Expected<Interpreter> loaded,
                                        std::optional<Interpreter>& interpreter);
   std::optional<Bytes> scaled(const platform::UIImageRef& image) const;
   static std::optional<std::vector<float>> preprocess(std::span<const std::uint8_t> data);
@@ -50,7 +50,8 @@ class FaceMatchDetector {
   static float distance(const Embedding& a, const Embedding& b);
 
   platform::Console& console_;
-  // Each picture of a comparison has an interpreter, and so tensors, of its own.
+  // Each picture of a comparison has an interpreter, and so tensors, of its own; the weights they
+  // share.
   std::optional<Interpreter> interpreter1_;
   std::optional<Interpreter> interpreter2_;
   corvana::MetalBilinearScaler scaler_;

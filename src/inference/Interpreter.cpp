@@ -1,9 +1,13 @@
 #include "inference/Interpreter.h"
 
 #include <cstdarg>
+#include <string>
+#include <utility>
 
 #include <tensorflow/lite/c/c_api.h>
 #include <tensorflow/lite/delegates/xnnpack/xnnpack_delegate.h>
+
+#include "inference/MappedFile.h"
 
 // The C API can't set what the library logs by itself, and the headers published with it lack this
 // declaration of its own "logger.h". Weak: a library without the function logs as it likes.
@@ -49,6 +53,24 @@ TfLiteInterpreter* makeInterpreter(const TfLiteModel* model, int threads,
 
 }  // namespace
 
+/// What all interpreters of a file share; the model points into the bytes.
+struct Interpreter::Network {
+  explicit Network(const std::filesystem::path& path)
+      : name(path.filename().string()),
+        file(path),
+        model(file.bytes().empty()
+                  ? nullptr
+                  : TfLiteModelCreateWithErrorReporter(file.bytes().data(), file.bytes().size(),
+                                                       discardMessage, nullptr)) {}
+  ~Network() { TfLiteModelDelete(model); }
+  Network(const Network&) = delete;
+  Network& operator=(const Network&) = delete;
+
+  const std::string name;
+  const MappedFile file;
+  TfLiteModel* const model;  ///< null when the file holds none
+};
+
 bool Tensor::isFloat() const {
   return TfLiteTensorType(tensor_) == kTfLiteFloat32;
 }
@@ -72,21 +94,26 @@ void* Tensor::data() const {
 platform::Expected<Interpreter> Interpreter::load(const std::filesystem::path& file, int threads,
                                                   Runtime runtime) {
   logOnlyWhatIsWrong();
-  Interpreter loaded;
-  loaded.model_.reset(
-      TfLiteModelCreateFromFileWithErrorReporter(file.c_str(), discardMessage, nullptr));
-  const std::string name = file.filename().string();
-  if (!loaded.model_) {
-    return platform::failure(name + " is not a TensorFlow Lite model.",
-                             platform::FaultCause::notAModel);
-  }
-  if (runtime == Runtime::xnnpack) loaded.delegate_.reset(TfLiteXNNPackDelegateCreate(nullptr));
-  loaded.interpreter_.reset(makeInterpreter(loaded.model_.get(), threads, loaded.delegate_.get()));
-  if (!loaded.interpreter_) {
-    return platform::failure(name + " needs what this TensorFlow Lite does not offer.",
-                             platform::FaultCause::modelNotSupported);
-  }
-  return loaded;
+  auto network = std::make_shared<const Network>(file);
+  if (network->model) return make(std::move(network), threads, runtime);
+  return platform::failure(network->name + " is not a TensorFlow Lite model.",
+                           platform::FaultCause::notAModel);
+}
+
+platform::Expected<Interpreter> Interpreter::another(int threads) const {
+  return make(network_, threads, runtime_);
+}
+
+platform::Expected<Interpreter> Interpreter::make(std::shared_ptr<const Network> network,
+                                                  int threads, Runtime runtime) {
+  Interpreter made;
+  made.network_ = std::move(network);
+  made.runtime_ = runtime;
+  if (runtime == Runtime::xnnpack) made.delegate_.reset(TfLiteXNNPackDelegateCreate(nullptr));
+  made.interpreter_.reset(makeInterpreter(made.network_->model, threads, made.delegate_.get()));
+  if (made.interpreter_) return made;
+  return platform::failure(made.network_->name + " needs what this TensorFlow Lite does not offer.",
+                           platform::FaultCause::modelNotSupported);
 }
 
 bool Interpreter::resizeInput(int index, const std::vector<int>& shape) {
@@ -127,8 +154,8 @@ bool Interpreter::invoke() {
   return TfLiteInterpreterInvoke(interpreter_.get()) == kTfLiteOk;
 }
 
-void Interpreter::Delete::operator()(TfLiteModel* model) const {
-  TfLiteModelDelete(model);
+void Interpreter::letGoOfFile() const {
+  network_->file.letGo();
 }
 
 void Interpreter::Delete::operator()(TfLiteDelegate* delegate) const {

@@ -12,7 +12,6 @@
 
 struct TfLiteDelegate;
 struct TfLiteInterpreter;
-struct TfLiteModel;
 struct TfLiteTensor;
 
 namespace corvana::inference {
@@ -46,6 +45,9 @@ class Interpreter {
   /// `threads` is how many the library may compute with. Error: `notAModel` or `modelNotSupported`.
   static platform::Expected<Interpreter> load(const std::filesystem::path& file, int threads,
                                               Runtime runtime);
+  /// One more of the same network and runtime, which shares the file's weights. Error: as of
+  /// `load`.
+  platform::Expected<Interpreter> another(int threads) const;
 
   /// Gives an input another shape; false when the network does not allow it. The tensors have to be
   /// allocated anew.
@@ -61,20 +63,26 @@ class Interpreter {
   bool copyToInput(int index, std::span<const std::uint8_t> bytes);
   /// Computes the outputs; false when that fails.
   bool invoke();
+  /// Takes the file's weights out of memory until they are used again: a delegate has packed copies
+  /// of its own.
+  void letGoOfFile() const;
 
  private:
+  struct Network;
   struct Delete {
-    void operator()(TfLiteModel* model) const;
     void operator()(TfLiteDelegate* delegate) const;
     void operator()(TfLiteInterpreter* interpreter) const;
   };
 
   Interpreter() = default;
+  static platform::Expected<Interpreter> make(std::shared_ptr<const Network> network, int threads,
+                                              Runtime runtime);
 
   // The interpreter uses the two above it and must go first.
-  std::unique_ptr<TfLiteModel, Delete> model_;
+  std::shared_ptr<const Network> network_;
   std::unique_ptr<TfLiteDelegate, Delete> delegate_;
   std::unique_ptr<TfLiteInterpreter, Delete> interpreter_;
+  Runtime runtime_ = Runtime::plain;
   bool isAllocated_ = false;
 };
 

@@ -133,8 +133,11 @@ Expected<MediaOpener> chooseRecording(const CameraChoice& choice, devices::Video
         "A recorded video brings its own sound; leave --microphone out, or play the video as a "
         "live camera with --camera virtual:FILE.");
   }
-  return [path = choice.camera, codec](platform::RunLoop& loop) {
-    return devices::MediaFile::open(loop, path, codec).map(asSource);
+  auto look = devices::MediaProbe::start(choice.camera);
+  if (!look) return tl::unexpected(look.error());
+  const std::shared_ptr<devices::MediaProbe> begun = std::move(*look);
+  return [begun, codec](platform::RunLoop& loop) {
+    return devices::MediaFile::open(loop, *begun, codec).map(asSource);
   };
 }
 

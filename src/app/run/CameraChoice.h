@@ -29,12 +29,13 @@ struct CameraChoice {
   bool isRecording() const;
 };
 
-/// Opens what was chosen, and waits for its first samples. The error is one sentence.
+/// Opens what was chosen, and waits for its first samples; once. The error is one sentence.
 using MediaOpener =
     std::function<Expected<std::shared_ptr<devices::MediaSource>>(platform::RunLoop& loop)>;
 
 /// Looks for both devices, without opening them, and says on standard error when the machine is too
-/// slow for the usual film. The error is one sentence, the user's to mend.
+/// slow for the usual film. A recording begins to be looked into meanwhile. The error is one
+/// sentence, the user's to mend.
 Expected<MediaOpener> chooseMedia(const CameraChoice& choice, devices::VideoCodecChoice codec);
 
 }  // namespace corvana::app

@@ -122,6 +122,11 @@ Expected<std::string> readText(const fs::path& file) {
 
 Expected<CaptureInputs> checkInputs(const CaptureArguments& arguments) {
   CaptureInputs inputs;
+  // The media library looks into a recording while the rest is read. A live camera is asked last:
+  // how much the machine has time for is measured for it.
+  const bool isRecording = arguments.source.isRecording();
+  Expected<MediaOpener> media;
+  if (isRecording) media = chooseMedia(arguments.source, arguments.videoCodec);
   if (auto set = setOptions(arguments.options); !set) return tl::unexpected(set.error());
   auto text = checkText(arguments);
   if (!text) return tl::unexpected(text.error());
@@ -142,7 +147,7 @@ Expected<CaptureInputs> checkInputs(const CaptureArguments& arguments) {
   auto key = loadKey(arguments.key);
   if (!key) return tl::unexpected(key.error());
   inputs.key = std::move(*key);
-  auto media = chooseMedia(arguments.source, arguments.videoCodec);
+  if (!isRecording) media = chooseMedia(arguments.source, arguments.videoCodec);
   if (!media) return tl::unexpected(media.error());
   inputs.openMedia = std::move(*media);
   auto folder = chooseFolder(arguments.output);

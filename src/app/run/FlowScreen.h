@@ -61,7 +61,7 @@ std::unique_ptr<FlowScreen> makeHeadlessScreen(platform::RunLoop& loop);
 
 /// The event loop behind windows. One at a time in a program.
 std::unique_ptr<platform::DrivenLoop> makeWindowLoop();
-/// A window, shown at once; needs the event loop of windows.
+/// A window, shown with the first screen in it; needs the event loop of windows.
 std::unique_ptr<FlowScreen> makeWindowScreen(platform::RunLoop& loop, const WindowWishes& wishes,
                                              const Resources& resources);
 /// A window in virtual time, seen only in the pictures that are saved of it; `backdrop` is a

@@ -181,6 +181,9 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   prepared.stage.loop = makeLoopFor(arguments);
   platform::RunLoop& loop = *prepared.stage.loop;
   prepared.identity = identify(arguments.sessionId, arguments.subject, loop.isVirtual());
+  // Not shown yet, and made while the media library goes on with what it began.
+  prepared.stage.screen =
+      makeScreenFor(arguments, withSpokenTasks(*wishes), prepared.resources, loop);
   auto media = prepared.inputs.openMedia(loop);
   if (!media) return refuse(ExitCode::wrongUse, media.error().sentence);
   prepared.media = *media;
@@ -197,8 +200,6 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   if (auto kept = keepConsent(prepared.inputs); !kept) {
     return refuse(ExitCode::machineLacks, kept.error().sentence);
   }
-  prepared.stage.screen =
-      makeScreenFor(arguments, withSpokenTasks(*wishes), prepared.resources, loop);
   return prepared;
 }
 

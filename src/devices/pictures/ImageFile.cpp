@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <optional>
 #include <vector>
 
@@ -31,11 +30,13 @@ platform::Expected<std::string> readFile(const std::filesystem::path& path) {
     return platform::failure("There is no file " + name + ".");
   if (!std::filesystem::is_regular_file(path, error))
     return platform::failure(name + " is not a file.");
-  if (std::filesystem::file_size(path, error) > kMostFileBytes) {
+  const auto size = std::filesystem::file_size(path, error);
+  if (size > kMostFileBytes) {
     return platform::failure(name + " is too large for a picture: scale it down.");
   }
+  std::string bytes(size, '\0');
   std::ifstream file(path, std::ios::binary);
-  std::string bytes{std::istreambuf_iterator<char>(file), {}};
+  file.read(bytes.data(), static_cast<std::streamsize>(size));
   if (!file) return platform::failure(name + " can't be read: check its rights.");
   return bytes;
 }

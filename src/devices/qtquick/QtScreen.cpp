@@ -65,7 +65,7 @@ QtScreen::QtScreen(platform::RunLoop& loop, const Setup& setup)
   engine_.addImageProvider(QString::fromLatin1(ScreenImages::kScheme), images_);
   engine_.addImportPath(QString::fromStdString(setup.storyboards.string()));
   engine_.rootContext()->setContextProperty(QStringLiteral("screen"), &settings_);
-  if (made_) showMade();
+  if (made_) dressMade();
   flash_ = loadPart("Flash", {{QStringLiteral("z"), kAboveAll}});
   flash_->setParentItem(window_->contentItem());
 }
@@ -79,20 +79,20 @@ platform::CGSize QtScreen::comfortableSize() {
   return {std::floor(fitting.width()), std::floor(fitting.height())};
 }
 
-void QtScreen::showMade() {
+void QtScreen::dressMade() {
   window_->setColor(Qt::black);
   window_->setTitle(QStringLiteral("Corvana Video ID"));
-  if (setup_.fullScreen) {
-    window_->resize(QGuiApplication::primaryScreen()->size());
-    window_->showFullScreen();
-  } else {
-    // The recorder is told once where oval and frame are.
-    const QSize size = QSizeF(setup_.size.width, setup_.size.height).toSize();
-    window_->setMinimumSize(size);
-    window_->setMaximumSize(size);
-    window_->resize(size);
-    window_->show();
-  }
+  if (setup_.fullScreen) return window_->resize(QGuiApplication::primaryScreen()->size());
+  // The recorder is told once where oval and frame are.
+  const QSize size = QSizeF(setup_.size.width, setup_.size.height).toSize();
+  window_->setMinimumSize(size);
+  window_->setMaximumSize(size);
+  window_->resize(size);
+}
+
+void QtScreen::showMade() {
+  if (window_->isVisible()) return;
+  setup_.fullScreen ? window_->showFullScreen() : window_->show();
 }
 
 platform::CGSize QtScreen::size() const {
@@ -175,6 +175,7 @@ void QtScreen::announce(QQuickItem& item) {
 }
 
 void QtScreen::raise(QQuickItem& item) {
+  if (made_) showMade();
   if (!stack_.empty()) stack_.back()->setEnabled(false);
   stack_.push_back(&item);
   item.setParentItem(window_->contentItem());

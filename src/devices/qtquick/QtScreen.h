@@ -20,7 +20,8 @@
 
 namespace corvana::devices {
 
-/// A window that shows a flow by the storyboards of a folder of QML modules. Add it to the
+/// A window that shows a flow by the storyboards of a folder of QML modules, from the first screen
+/// on that is presented. Add it to the
 /// `ScreenHub`, give it to the environment as its animations, and its feed to the camera. Needs a
 /// `QGuiApplication` and outlives the run loop's work. Main queue.
 class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
@@ -81,6 +82,7 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
 
   std::filesystem::path sceneFile(const std::string& storyboard,
                                   const std::string& identifier) const;
+  void dressMade();
   void showMade();
   std::unique_ptr<QQuickItem> loadPart(const std::string& name, QVariantMap properties);
   QtScene* sceneOf(platform::UIViewController& controller) const;

@@ -13,7 +13,16 @@ MediaFile::~MediaFile() = default;
 platform::Expected<std::shared_ptr<MediaFile>> MediaFile::open(platform::RunLoop& loop,
                                                                const std::filesystem::path& path,
                                                                VideoCodecChoice codecChoice) {
-  const auto info = probe(path);
+  const auto look = MediaProbe::start(path);
+  if (!look) return tl::unexpected(look.error());
+  return open(loop, **look, codecChoice);
+}
+
+platform::Expected<std::shared_ptr<MediaFile>> MediaFile::open(platform::RunLoop& loop,
+                                                               MediaProbe& look,
+                                                               VideoCodecChoice codecChoice) {
+  const std::filesystem::path& path = look.path();
+  const auto info = look.finish();
   if (!info) return tl::unexpected(info.error());
   auto video = VideoReader::open(path, *info);
   if (!video) return tl::unexpected(video.error());

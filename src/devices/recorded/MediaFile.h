@@ -31,6 +31,10 @@ class MediaFile final : public MediaSource, public std::enable_shared_from_this<
   static platform::Expected<std::shared_ptr<MediaFile>> open(
       platform::RunLoop& loop, const std::filesystem::path& path,
       VideoCodecChoice codecChoice = VideoCodecChoice::automatic);
+  /// The same for a file that is being looked into; ends the look.
+  static platform::Expected<std::shared_ptr<MediaFile>> open(platform::RunLoop& loop,
+                                                             MediaProbe& look,
+                                                             VideoCodecChoice codecChoice);
   ~MediaFile() override;
 
   const MediaInfo& info() const { return info_; }

@@ -81,18 +81,38 @@ platform::Expected<MediaInfo> readPicture(const std::string& name, GstSample* sa
 
 }  // namespace
 
-platform::Expected<MediaInfo> probe(const std::filesystem::path& path) {
+/// The pipeline goes first: what it has found is written until then.
+struct MediaProbe::Look {
+  explicit Look(StreamReader reader) : stream(std::move(reader)) {}
+
   Streams streams;
+  StreamReader stream;
+};
+
+MediaProbe::MediaProbe(std::filesystem::path path, std::unique_ptr<Look> look)
+    : path_(std::move(path)), look_(std::move(look)) {}
+
+MediaProbe::~MediaProbe() = default;
+
+platform::Expected<std::unique_ptr<MediaProbe>> MediaProbe::start(
+    const std::filesystem::path& path) {
   auto stream = openStream(path, "video_0", "videoconvert");
   if (!stream) return tl::unexpected(stream.error());
-  streams.sink = stream->element("sink");
-  GstElement* demuxer = stream->element("demuxer");
-  g_signal_connect(demuxer, "pad-added", G_CALLBACK(&Streams::onPad), &streams);
-  g_signal_connect(demuxer, "no-more-pads", G_CALLBACK(&Streams::onAllPads), &streams);
-  stream->start();
+  auto look = std::make_unique<Look>(std::move(*stream));
+  look->streams.sink = look->stream.element("sink");
+  GstElement* demuxer = look->stream.element("demuxer");
+  g_signal_connect(demuxer, "pad-added", G_CALLBACK(&Streams::onPad), &look->streams);
+  g_signal_connect(demuxer, "no-more-pads", G_CALLBACK(&Streams::onAllPads), &look->streams);
+  look->stream.start();
+  return std::unique_ptr<MediaProbe>(new MediaProbe(path, std::move(look)));
+}
 
-  const std::string name = path.string();
-  const auto sample = stream->pull();
+platform::Expected<MediaInfo> MediaProbe::finish() {
+  // Nobody needs decoders and pictures any longer than this.
+  const std::unique_ptr<Look> look = std::move(look_);
+  const std::string name = path_.string();
+  const Streams& streams = look->streams;
+  const auto sample = look->stream.pull();
   if (streams.isComplete && !streams.hasVideo) {
     return platform::failure(name +
                              (streams.hasAudio ? " holds sound but no picture." : " is empty."));
@@ -104,10 +124,16 @@ platform::Expected<MediaInfo> probe(const std::filesystem::path& path) {
   if (isTurned(streams.sink)) std::swap(info->width, info->height);
   info->hasAudio = streams.hasAudio;
   gint64 duration = 0;
+  GstElement* demuxer = look->stream.element("demuxer");
   if (gst_element_query_duration(demuxer, GST_FORMAT_TIME, &duration) && duration > 0) {
     info->duration = platform::Duration(duration);
   }
   return info;
+}
+
+platform::Expected<MediaInfo> probe(const std::filesystem::path& path) {
+  return MediaProbe::start(path).and_then(
+      [](const std::unique_ptr<MediaProbe>& look) { return look->finish(); });
 }
 
 }  // namespace corvana::devices

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "platform/foundation/Fault.h"
@@ -21,9 +22,30 @@ struct MediaInfo {
 constexpr int kMostPictureSize = 4096;
 constexpr int kLeastPictureSize = 16;
 
-/// Looks into a video file. Blocks for as long as it takes to decode a first picture, half a minute
-/// at most. The error is one sentence: no such file, not a video, no picture in it, too large,
-/// damaged, or no decoder installed (with the Debian package that brings it). Any thread.
+/// A look into a video file. Between its start and its end the media library goes on by itself:
+/// most of the time goes into loading its decoders. Whoever does not care for the end just drops
+/// it. One thread at a time.
+class MediaProbe {
+ public:
+  /// Returns at once. The error is one sentence: no such file, or not a video.
+  static platform::Expected<std::unique_ptr<MediaProbe>> start(const std::filesystem::path& path);
+  ~MediaProbe();
+
+  const std::filesystem::path& path() const { return path_; }
+  /// Once. Blocks for as long as it takes to decode a first picture, half a minute at most. The
+  /// error is one sentence: no picture in it, too large, damaged, or no decoder installed (with the
+  /// Debian package that brings it).
+  platform::Expected<MediaInfo> finish();
+
+ private:
+  struct Look;
+  MediaProbe(std::filesystem::path path, std::unique_ptr<Look> look);
+
+  std::filesystem::path path_;
+  std::unique_ptr<Look> look_;
+};
+
+/// Start and end in one. Any thread.
 platform::Expected<MediaInfo> probe(const std::filesystem::path& path);
 
 }  // namespace corvana::devices

@@ -71,6 +71,7 @@ platform::Expected<TfliteModel> TfliteModel::load(const std::filesystem::path& f
   TfliteModel loaded(std::move(*made));
   std::ranges::fill(loaded.input(), 0.0F);
   if (!loaded.interpreter_.invoke()) return cannotBeRun(file);
+  if (runtime == inference::Runtime::xnnpack) loaded.interpreter_.letGoOfFile();
   return loaded;
 }
 

@@ -390,6 +390,8 @@ TEST_F(Screen, AControllerOfAnotherKindIsNotShownAndStopsNothing) {
 
 TEST_F(Screen, WantsToBeClosedOnlyByTheProgram) {
   open();
+  EXPECT_FALSE(screen->window().isVisible()) << "there is nothing to be seen yet";
+  enter();
   int wishes = 0;
   screen->onClose = [&] { ++wishes; };
   screen->window().close();

@@ -51,6 +51,16 @@ TEST_F(MediaFileTest, deliversPicturesAndSoundAtTheirTimes) {
   EXPECT_NEAR(static_cast<double>(loud - played.samples.begin()), 2 * kSampleRate, 1200);
 }
 
+TEST_F(MediaFileTest, looksWhileItsCallerDoesOtherThings) {
+  auto look = MediaProbe::start(clip).value();
+  const auto unwanted = MediaProbe::start(clip).value();
+  EXPECT_FALSE(MediaProbe::start(folder / "none.mp4"));
+  const auto file = MediaFile::open(loop, *look, VideoCodecChoice::automatic).value();
+  look.reset();
+  EXPECT_EQ(file->info().width, 320);
+  EXPECT_TRUE(file->microphone());
+}
+
 TEST_F(MediaFileTest, goesOnAtThePresentPlaceLikeALiveDevice) {
   loop.advance(std::chrono::seconds(7));
   const auto file = MediaFile::open(loop, clip).value();
