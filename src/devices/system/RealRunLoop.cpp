@@ -122,7 +122,7 @@ BlockTimeline& RealRunLoop::workersFor(QualityOfService qos) {
 void RealRunLoop::startThread(BlockTimeline& timeline, int niceness) {
   threads_.emplace_back([&timeline, niceness] {
     // The kernel takes a thread for a process here. Without leave for it all stays as it was.
-    if (niceness != 0) setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), niceness);
+    if (niceness != 0) setpriority(PRIO_PROCESS, 0, getpriority(PRIO_PROCESS, 0) + niceness);
     while (!timeline.isClosed()) {
       if (const Block block = timeline.take(TimePoint::max())) block();
     }
