@@ -71,8 +71,11 @@ class Project:
             (self.build / suite).chmod(0o755)
         (self.root / "tools").mkdir()
         shutil.copy(TOOL, self.root / "tools/test")
-        for command in (["init", "--quiet"], ["add", "--all"]):
-            subprocess.run(["git", *command], cwd=self.root, check=True)
+        self.git("init", "--quiet")
+        self.git("add", "--all")
+
+    def git(self, *words):
+        subprocess.run(["git", *words], cwd=self.root, check=True)
 
     def begin(self, *options):
         self.ran.write_text("")
@@ -117,6 +120,7 @@ CHANGES = {
     "a library": (appends("../library.so"), ALL),
     "a model": (appends("model.bin"), ALL),
     "a new file": (appends("sample.json"), ALL),
+    "a new file that git is told of": (lambda project: project.git("add", "--all"), SCRIPTS),
     "a file that can be run": (lambda project: (project.root / "model.bin").chmod(0o755), ALL),
     "a model that is gone": (lambda project: (project.root / "model.bin").unlink(), ALL),
     "a package": (appends("../dpkg/status"), ALL),
