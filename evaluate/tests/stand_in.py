@@ -1,4 +1,4 @@
-#!/usr/bin/python3
+#!/usr/bin/python3 -IS
 """Stands in for videoid: the film's text says what comes of it, with a value for each comparison of faces.
 
 A film is JSON: {"faces": [0.3, 0.5], "dies": false}. Each showing leaves a line in the file that SHOWN names.
