@@ -1,9 +1,20 @@
+#include <ostream>
+
 #include <gtest/gtest.h>
 
 #include "app/keys/Base64Url.h"
 #include "app/keys/Jws.h"
 #include "app/keys/TrustedKeys.h"
 #include "support/Scratch.h"
+
+namespace corvana::app {
+
+/// GoogleTest would print the address, another one in each run, as part of a test's name.
+void PrintTo(const KeyKind* kind, std::ostream* out) {
+  *out << kind->algorithm;
+}
+
+}  // namespace corvana::app
 
 namespace corvana::tests {
 namespace {
