@@ -229,8 +229,7 @@ void measureLoading() {
        .faceEmbedding = resources.faceModel(),
        .text = resources.textReader(),
        .documents = *tables,
-       .readQueue = loop.makeWorkQueue("CardReader", platform::QualityOfService::utility,
-                                       engine::VisionFrameAnalyzer::kUsualReading)});
+       .readQueue = engine::VisionFrameAnalyzer::makeReadQueue(loop)});
   std::printf("what reads faces and cards is loaded in %.0f ms, on a worker\n",
               loaded ? milliseconds(Clock::now() - before) : 0);
 }

@@ -188,15 +188,13 @@ int run(int count, std::uint64_t seed, const std::string& only, bool inRealTime)
   }
   // In real time the looks take as long as they take.
   const auto loop = app::makeLoop(inRealTime ? app::TimeKind::real : app::TimeKind::media);
-  const auto readQueue = loop->makeWorkQueue("CardReader", platform::QualityOfService::utility,
-                                             engine::VisionFrameAnalyzer::kUsualReading);
   auto analyzer = engine::VisionFrameAnalyzer::load(
       {.faceDetector = models / "face_detection_short_range.tflite",
        .faceLandmarks = models / "face_landmark.tflite",
        .faceEmbedding = CORVANA_FACE_MODEL,
        .text = engine::NetworkTextReader::Models::inFolder(models),
        .documents = std::make_shared<engine::DocumentTables>(std::move(*tables)),
-       .readQueue = readQueue});
+       .readQueue = engine::VisionFrameAnalyzer::makeReadQueue(*loop)});
   if (!analyzer) {
     std::cerr << "guidance-clips: " << analyzer.error().sentence << '\n';
     return 3;

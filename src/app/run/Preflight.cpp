@@ -73,8 +73,7 @@ Expected<Analyzer> loadAnalyzer(const Resources& resources, const Tables& docume
 /// A user does not wait for the models to see their picture; a replay has all the time it wants.
 Expected<Analyzer> startAnalyzer(const Resources& resources, const Tables& documents,
                                  const DocumentRules& rules, platform::RunLoop& loop) {
-  const auto readQueue = loop.makeWorkQueue("CardReader", platform::QualityOfService::utility,
-                                            engine::VisionFrameAnalyzer::kUsualReading);
+  const auto readQueue = engine::VisionFrameAnalyzer::makeReadQueue(loop);
   if (loop.isVirtual()) return loadAnalyzer(resources, documents, rules, readQueue);
   const auto load = [=] { return loadAnalyzer(resources, documents, rules, readQueue); };
   return engine::LateFrameAnalyzer::start(loop, load);

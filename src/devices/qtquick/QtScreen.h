@@ -21,9 +21,9 @@
 namespace corvana::devices {
 
 /// A window that shows a flow by the storyboards of a folder of QML modules, from the first screen
-/// on that is presented. Add it to the
-/// `ScreenHub`, give it to the environment as its animations, and its feed to the camera. Needs a
-/// `QGuiApplication` and outlives the run loop's work. Main queue.
+/// on that is presented. Add it to the `ScreenHub`, give it to the environment as its animations,
+/// and its feed to the camera. Needs a `QGuiApplication` and outlives the run loop's work. Main
+/// queue.
 class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
  public:
   struct Setup {

@@ -7,6 +7,7 @@
 #include "engine/vision/ImageOps.h"
 
 namespace corvana::engine {
+
 platform::CGRect photoAround(const platform::CGRect& face) {
   const double side = std::max(face.width, face.height);
   return {face.midX() - 0.95 * side, face.midY() - 1.25 * side, 1.9 * side, 2.4 * side};

@@ -107,6 +107,10 @@ platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> VisionFrameAnalyzer::lo
       models.readQueue));
 }
 
+std::shared_ptr<platform::WorkQueue> VisionFrameAnalyzer::makeReadQueue(platform::RunLoop& loop) {
+  return loop.makeWorkQueue("CardReader", platform::QualityOfService::utility, kUsualReading);
+}
+
 Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& frame,
                                          const AnalysisTask& task) {
   if (task.run != std::exchange(run_, task.run)) {

@@ -31,17 +31,19 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
     std::shared_ptr<const DocumentTables> documents{};
     /// Settles two-digit years.
     CalendarDate today{};
-    /// On which cards are read, while looks go on.
+    /// Of `makeReadQueue`.
     std::shared_ptr<platform::WorkQueue> readQueue{};
   };
 
   /// Loads the models; the error is one sentence: a model, language data or a font is missing or
   /// broken.
   static platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> load(const Models& models);
+  /// On which cards are read, while looks go on. Main queue.
+  static std::shared_ptr<platform::WorkQueue> makeReadQueue(platform::RunLoop& loop);
 
   Observation analyze(const platform::CMSampleBufferRef& frame, const AnalysisTask& task) override;
 
-  /// How long a full reading takes beside the looks, for `Models::readQueue`.
+  /// How long a full reading takes beside the looks.
   static constexpr platform::Duration kUsualReading = std::chrono::milliseconds(300);
   /// Least time between two readings of a card: one costs as much as ten looks.
   static constexpr platform::Duration kReadInterval = std::chrono::milliseconds(500);

@@ -19,8 +19,7 @@ class CardReadingTest : public testing::Test {
                     .text = engine::NetworkTextReader::Models::inFolder(models),
                     .documents = std::make_shared<engine::DocumentTables>(
                         *engine::loadDocumentTables({models / "documents"})),
-                    .readQueue = loop.makeWorkQueue("CardReader",
-                                                    platform::QualityOfService::utility, kReading)})
+                    .readQueue = engine::VisionFrameAnalyzer::makeReadQueue(loop)})
                    .value();
   }
   engine::DocumentView look(double x) {
@@ -33,9 +32,7 @@ class CardReadingTest : public testing::Test {
     task.screenSize = {360, 640};
     return analyzer->analyze(frame, task).document.value();
   }
-  void finishReading() { loop.advance(kReading); }
-
-  static constexpr platform::Duration kReading = std::chrono::milliseconds(300);
+  void finishReading() { loop.advance(engine::VisionFrameAnalyzer::kUsualReading); }
 
   const CardSides card = drawCard(0, holder(0), "person_a.jpg");
   platform::VirtualRunLoop loop;
