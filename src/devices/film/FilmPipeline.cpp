@@ -26,6 +26,10 @@ namespace {
 constexpr auto kAnswerLimit = std::chrono::seconds(60);
 /// A fragment plays once all of it is written: half of the second that a film may lose.
 constexpr int kFragmentMilliseconds = 500;
+/// The muxer takes no picture before it has its sound, which may come this much later: an encoder
+/// that waited meanwhile would keep the caller from handing over the sound.
+constexpr const char* kUntilItsSound =
+    "queue max-size-buffers=0 max-size-bytes=0 max-size-time=1000000000 ! ";  // in nanoseconds
 
 std::string replaced(std::string text, const std::string& mark, int value) {
   for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark)) {
@@ -121,7 +125,7 @@ std::string FilmPipeline::launchLine(const FilmFormat& format) {
       " ! fdsink name=file sync=false async=false appsrc name=video" + source +
       "videoconvert ! videoscale add-borders=true ! " + pictures + encoder.element + " " +
       settings + " ! " + format.profileCaps + " ! " +
-      (encoder.parser.empty() ? "" : encoder.parser + " ! ") + "mux.video_0";
+      (encoder.parser.empty() ? "" : encoder.parser + " ! ") + kUntilItsSound + "mux.video_0";
   if (!format.hasAudio) return line;
   return line + " appsrc name=audio" + source + "audioconvert ! " + format.audioEncoder.element +
          " bitrate=" + std::to_string(format.audioBitRate) + " ! mux.audio_0";

@@ -87,6 +87,25 @@ TEST_F(FilmWriterTest, keepsPictureAndSoundInStepWhenSoundIsLateOrHasGaps) {
   EXPECT_NEAR(static_cast<double>(firstLoud(played.samples)), 5 * kSampleRate + 7, 48);
 }
 
+TEST_F(FilmWriterTest, takesPicturesHoweverFastWhileTheirSoundIsAwaited) {
+  constexpr int kPerSecond = 240;
+  const auto film = open();
+  platform::Duration heard{};
+  for (int index = 0; index < 2 * kPerSecond; ++index) {
+    auto picture = *frame(index);
+    picture.presentationTime = platform::TimePoint(index * seconds(1) / kPerSecond);
+    picture.duration = seconds(1) / kPerSecond;
+    ASSERT_TRUE(film->appendVideo(std::make_shared<platform::CMSampleBuffer>(picture)))
+        << film->fault()->sentence;
+    for (; heard + kBuffer <= picture.presentationTime.time_since_epoch(); heard += kBuffer) {
+      if (heard > seconds(1) / 2 && heard < seconds(3) / 2) continue;
+      ASSERT_TRUE(film->appendAudio(sound(heard, 8000)));
+    }
+  }
+  ASSERT_TRUE(film->finish());
+  EXPECT_EQ(play(path).pictures.size(), 2u * kPerSecond);
+}
+
 TEST_F(FilmWriterTest, playsWhateverBeginningAKillOrAPowerLossLeaves) {
   const auto film = open();
   const auto neverHeard = [](platform::Duration) { return std::optional<int>(); };
