@@ -20,13 +20,13 @@ void CardReads::start(Order order) {
     desk_->isWanted = true;
     desk_->done.reset();
   }
-  queue_->async([documents = documents_, desk = desk_, order = std::move(order)] {
-    Result result{order, {}};
-    result.reading = documents->read(result.order.card, result.order.memory);
-    return [desk, result = std::move(result)] {
+  const auto result = std::make_shared<Result>(Result{std::move(order), {}});
+  queue_->async([documents = documents_, desk = desk_, result] {
+    result->reading = documents->read(result->order.card, result->order.memory);
+    return [desk, result] {
       const std::lock_guard lock(desk->mutex);
       desk->isBusy = false;
-      if (desk->isWanted) desk->done = result;
+      if (desk->isWanted) desk->done = std::move(*result);
     };
   });
 }
