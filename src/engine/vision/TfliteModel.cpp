@@ -75,6 +75,14 @@ platform::Expected<TfliteModel> TfliteModel::load(const std::filesystem::path& f
   return loaded;
 }
 
+TfliteModel TfliteModel::another() const {
+  auto made = interpreter_.another(kThreads);
+  platform::require(
+      made && made->resizeInput(0, interpreter_.input(0)->shape()) && made->allocateTensors(),
+      "TfliteModel: a network that was loaded can't be made once more");
+  return TfliteModel(std::move(*made));
+}
+
 void TfliteModel::resizeInput(const std::vector<int>& shape) {
   platform::require(interpreter_.resizeInput(0, shape) && interpreter_.allocateTensors(),
                     "TfliteModel: the network does not take an input of this shape");

@@ -29,6 +29,9 @@ class TfliteModel {
   static platform::Expected<TfliteModel> load(const std::filesystem::path& file,
                                               const Shapes& shapes, inference::Runtime runtime);
 
+  /// One more of the same network, in the shapes it has now; they share the file's bytes.
+  TfliteModel another() const;
+
   /// Gives a free input another shape that the network is made for.
   void resizeInput(const std::vector<int>& shape);
   /// Where the next input is written: as many values as the input's shape has, row by row.

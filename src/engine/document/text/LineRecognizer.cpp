@@ -40,13 +40,13 @@ platform::Expected<LineRecognizer> LineRecognizer::load(const std::filesystem::p
   }
   LineDecoder decoder(std::move(letters));
   const std::size_t values = decoder.classes() * kLeastWidth / kPixelsPerAnswer;
+  auto network = TfliteModel::load(model, {{1, kLineHeight, kLeastWidth, 3}, {values}, true},
+                                   inference::Runtime::xnnpack);
+  if (!network) return tl::unexpected(network.error());
   std::vector<Fitted> networks;
-  while (networks.size() < kNetworks) {
-    auto network = TfliteModel::load(model, {{1, kLineHeight, kLeastWidth, 3}, {values}, true},
-                                     inference::Runtime::xnnpack);
-    if (!network) return tl::unexpected(network.error());
-    networks.push_back({std::move(*network), kLeastWidth, 0});
-  }
+  networks.push_back({std::move(*network), kLeastWidth, 0});
+  while (networks.size() < kNetworks)
+    networks.push_back({networks.front().model.another(), kLeastWidth, 0});
   return LineRecognizer(std::move(networks), std::move(decoder));
 }
 
