@@ -189,7 +189,7 @@ std::vector<TextLine> DocumentAnalyzer::linesAgain(const platform::PixelBuffer& 
   auto read = text_.readAgain(upright, {doubtful.begin(), doubtful.end()});
   lines.erase(doubtful.begin(), doubtful.end());
   std::ranges::move(read, std::back_inserter(lines));
-  std::ranges::stable_sort(lines, {}, [](const TextLine& line) { return line.box.midY(); });
+  sortFromTop(lines);
   return lines;
 }
 

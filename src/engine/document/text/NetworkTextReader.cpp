@@ -183,7 +183,7 @@ std::vector<TextLine> NetworkTextReader::readAgain(const platform::PixelBuffer& 
     line.leastConfidence = reading.leastConfident;
     if (!line.text.empty() && line.confidence >= kLeastConfidence) read.push_back(line);
   }
-  std::ranges::stable_sort(read, {}, [](const TextLine& line) { return line.box.midY(); });
+  sortFromTop(read);
   return read;
 }
 

@@ -138,6 +138,10 @@ bool isSure(const TextLine& word) {
          word.confidence >= (letters <= 2 ? kLeastConfidenceOfPairs : kLeastConfidence);
 }
 
+void sortFromTop(std::vector<TextLine>& lines) {
+  std::ranges::stable_sort(lines, {}, [](const TextLine& line) { return line.box.midY(); });
+}
+
 std::vector<std::string> textLines(const std::vector<TextLine>& found,
                                    const std::vector<platform::CGRect>& blanks) {
   std::vector<const TextLine*> kept = worthKeeping(found, blanks);

@@ -19,6 +19,9 @@ std::size_t characterCount(const std::string& text);
 /// Whether the text would be read again: other text differs from picture to picture. Pure.
 bool isSure(const TextLine& text);
 
+/// Puts lines in the order in which they stand below one another.
+void sortFromTop(std::vector<TextLine>& lines);
+
 /// The print worth keeping (what is sure and in the size of the holder's data), in lines from top
 /// to bottom and from left to right; without lone letters and the punctuation around lines, so that
 /// two pictures of one card agree. Nothing is kept of what lies inside the `blanks` (photo,
