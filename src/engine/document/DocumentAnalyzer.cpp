@@ -9,6 +9,7 @@
 #include "engine/document/copies/CopyFigures.h"
 #include "engine/document/fields/DocumentFields.h"
 #include "engine/document/guidance/Glare.h"
+#include "engine/document/mrz/MrzLayout.h"
 #include "engine/document/mrz/MrzPrint.h"
 #include "engine/document/outline/CardChoice.h"
 #include "engine/document/outline/CardWarp.h"
@@ -55,12 +56,11 @@ platform::CGRect outsideZone(const CardReading& reading) {
   return area;
 }
 
-/// What lines of print may say as well; a zone's are no print.
+/// What lines of print may say as well.
 std::vector<std::string> doubtfulTexts(const std::vector<TextLine>& lines) {
   std::vector<std::string> texts;
   for (const TextLine& line : lines) {
-    if (line.text.find('<') == std::string::npos)
-      std::ranges::copy(line.others, std::back_inserter(texts));
+    if (!isZoneLine(line.text)) std::ranges::copy(line.others, std::back_inserter(texts));
   }
   return texts;
 }

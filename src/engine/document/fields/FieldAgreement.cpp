@@ -9,6 +9,7 @@
 #include "engine/document/fields/Transliteration.h"
 #include "engine/document/fields/ValueAgreement.h"
 #include "engine/document/fields/ValueReader.h"
+#include "engine/document/mrz/MrzLayout.h"
 
 namespace corvana::engine {
 namespace {
@@ -219,8 +220,7 @@ std::vector<FieldCheck> checkSides(const std::vector<const DetectedData*>& sides
     for (const DocumentField& field : side->fields.value_or(std::vector<DocumentField>()))
       (field.source == FieldSource::print ? print.fields : record).push_back(field);
     for (const std::string& line : side->ocrStrings.value_or(std::vector<std::string>())) {
-      // A zone's own lines are no print to set it against.
-      if (line.find('<') == std::string::npos) print.lines.push_back(line);
+      if (!isZoneLine(line)) print.lines.push_back(line);
     }
     print.doubtfulLines.insert(print.doubtfulLines.end(), side->doubtfulStrings.begin(),
                                side->doubtfulStrings.end());

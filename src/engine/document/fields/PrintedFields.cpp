@@ -11,6 +11,7 @@
 #include "engine/document/fields/PlacedFields.h"
 #include "engine/document/fields/SettledFields.h"
 #include "engine/document/fields/ValueReader.h"
+#include "engine/document/mrz/MrzLayout.h"
 
 namespace corvana::engine {
 namespace {
@@ -90,8 +91,7 @@ std::vector<Line> labelledLines(const std::vector<TextLine>& lines, const FieldL
   std::vector<Line> result;
   std::set<std::string> numbers;
   for (const TextLine& line : lines) {
-    // A zone's fillers are no print.
-    if (line.text.find('<') != std::string::npos) continue;
+    if (isZoneLine(line.text)) continue;
     result.push_back({&line, labels.labelledText(line.text)});
     const auto& label = result.back().label;
     if (label && !label->number.empty()) numbers.insert(label->number);

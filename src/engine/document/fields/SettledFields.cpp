@@ -6,6 +6,7 @@
 
 #include "engine/document/fields/Transliteration.h"
 #include "engine/document/fields/ValueAgreement.h"
+#include "engine/document/mrz/MrzLayout.h"
 
 namespace corvana::engine {
 namespace {
@@ -79,8 +80,7 @@ std::optional<DocumentField> inPrint(const DocumentField& recorded,
                                      const std::vector<TextLine>& lines, const ValueReader& read,
                                      const Fields& fields) {
   for (const TextLine& line : lines) {
-    // A zone's own lines are no print.
-    if (line.text.find('<') != std::string::npos || isTaken(line, fields)) continue;
+    if (isZoneLine(line.text) || isTaken(line, fields)) continue;
     if (auto value = valueIn(line.text, recorded, read)) {
       return DocumentField{recorded.name,
                            *std::move(value),

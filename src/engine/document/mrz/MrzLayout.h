@@ -12,6 +12,11 @@ namespace corvana::engine {
 
 inline constexpr char kMrzFiller = '<';
 
+/// Whether a line that was read is a zone's, which is no print: nothing else has fillers.
+inline bool isZoneLine(std::string_view line) {
+  return line.find(kMrzFiller) != std::string_view::npos;
+}
+
 /// A stretch of one line.
 struct MrzSpan {
   std::size_t line;
