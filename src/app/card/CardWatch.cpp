@@ -63,7 +63,7 @@ std::vector<const corvana::DetectedData*> CardWatch::sides() const {
 }
 
 std::vector<DocumentHint> CardWatch::hints() const {
-  return hintsOf(sides(), rules_);
+  return hintsOf(sides(), engine::checkSides(sides()), rules_);
 }
 
 }  // namespace corvana::app

@@ -24,9 +24,10 @@ std::vector<DocumentField> allFields(const std::vector<const DetectedData*>& sid
 }  // namespace
 
 std::vector<DocumentHint> hintsOf(const std::vector<const DetectedData*>& sides,
+                                  const std::vector<corvana::FieldCheck>& checks,
                                   const DocumentRules& rules) {
   std::vector<DocumentHint> hints;
-  for (const corvana::FieldCheck& check : engine::checkSides(sides)) {
+  for (const corvana::FieldCheck& check : checks) {
     if (check.agreement == FieldAgreement::conflicts) hints.push_back({kConflict, check});
   }
   for (const auto finding : engine::checkDates(allFields(sides), rules.today, rules.leastAge)) {

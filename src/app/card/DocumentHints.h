@@ -26,8 +26,10 @@ struct DocumentHint {
 /// Not of the card: while the text was read a voice was heard and the lips rested.
 inline constexpr const char* kVoiceWithoutLips = "voiceWithoutLips";
 
-/// What is to be said of a card by its sides that were read, conflicts first.
+/// What is to be said of a card by its sides that were read and their `engine::checkSides`,
+/// conflicts first.
 std::vector<DocumentHint> hintsOf(const std::vector<const corvana::DetectedData*>& sides,
+                                  const std::vector<corvana::FieldCheck>& checks,
                                   const DocumentRules& rules);
 
 /// {"name": "conflict", "field": "surname", "source": "zone"}, {"name": "expired"}

@@ -22,6 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 using corvana::DetectedData;
 using corvana::DocumentSide;
+using Checks = std::vector<corvana::FieldCheck>;
 
 struct EnrollArguments {
   fs::path front;
@@ -87,9 +88,10 @@ void describe(const char* name, const DetectedData& data) {
 }
 
 /// What is amiss with the document; empty when nothing is.
-std::string documentFault(const Reference& reference, const DocumentRules& rules) {
+std::string documentFault(const Reference& reference, const Checks& checks,
+                          const DocumentRules& rules) {
   std::string all;
-  for (const DocumentHint& hint : hintsOf(sidesOf(reference), rules)) {
+  for (const DocumentHint& hint : hintsOf(sidesOf(reference), checks, rules)) {
     if (hint.name != kSuspectCopy) all += (all.empty() ? "" : ", ") + describe(hint, rules);
   }
   return all;
@@ -97,8 +99,8 @@ std::string documentFault(const Reference& reference, const DocumentRules& rules
 
 /// A value that was printed otherwise under a label that is not known looks like one that could not
 /// be read.
-void warnOfUnreadPrint(const Reference& reference) {
-  for (const corvana::FieldCheck& check : engine::checkSides(sidesOf(reference))) {
+void warnOfUnreadPrint(const Checks& checks) {
+  for (const corvana::FieldCheck& check : checks) {
     const std::string name = engine::nameOf(check.name);
     const std::string against = engine::nameOf(check.against);
     if (check.isDoubtful) {
@@ -182,7 +184,8 @@ ExitCode runEnroll(const EnrollArguments& arguments) {
   if (const auto suspect = copyFault(*reference, engine::kSuspectCopy); !suspect.empty()) {
     std::cerr << "WARNING: " << suspect << ".\n";
   }
-  if (const auto fault = documentFault(*reference, rules); !fault.empty()) {
+  const Checks checks = engine::checkSides(sidesOf(*reference));
+  if (const auto fault = documentFault(*reference, checks, rules); !fault.empty()) {
     if (!arguments.allowConflict) {
       return complain(std::cerr, ExitCode::wrongUse,
                       "The card was not enrolled: " + fault +
@@ -190,7 +193,7 @@ ExitCode runEnroll(const EnrollArguments& arguments) {
     }
     std::cerr << "WARNING: " << fault << ".\n";
   }
-  warnOfUnreadPrint(*reference);
+  warnOfUnreadPrint(checks);
   auto saved = makeEmptyFolder(arguments.output).and_then([&] {
     return saveReference(*reference, arguments.output);
   });
