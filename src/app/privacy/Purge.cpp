@@ -29,12 +29,9 @@ bool isFile(const fs::path& path) {
   return fs::symlink_status(path, error).type() == fs::file_type::regular;
 }
 
-std::optional<nlohmann::json> resultOf(const fs::path& folder) {
-  const auto bytes = readResultBytes(folder);
-  if (!bytes) return std::nullopt;
-  const auto result = parseResult(*bytes, folder);
-  if (!result) return std::nullopt;
-  return *result;
+Expected<nlohmann::json> resultOf(const fs::path& folder) {
+  return readResultBytes(folder).and_then(
+      [&](const std::string& bytes) { return parseResult(bytes, folder); });
 }
 
 /// Nothing was written into the folder for so long.
