@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 #include <malloc.h>
 
+#include "app/StandardStreams.h"
 #include "app/commands/CaptureCommand.h"
 #include "app/commands/Commands.h"
 #include "app/record/Files.h"
@@ -22,8 +23,7 @@ bool namesCommand(const CLI::App& program, int argc, char** argv) {
   return first.starts_with('-') || !program.get_subcommands(isMeant).empty();
 }
 
-int run(int argc, char** argv) {
-  using app::ExitCode;
+ExitCode run(int argc, char** argv) {
   ExitCode exitCode = ExitCode::result;
   CLI::App program(
       "Proves in one continuous video that a person and an identity card belong together.\n"
@@ -55,16 +55,15 @@ int run(int argc, char** argv) {
   app::addOptionsCommand(program, exitCode);
   app::addCommandsCommand(program, exitCode);
   if (!namesCommand(program, argc, argv)) {
-    return static_cast<int>(
-        complain(std::cerr, ExitCode::wrongUse,
-                 "There is no command " + inQuotes(argv[1]) + "; `videoid --help` lists them."));
+    return complain(std::cerr, ExitCode::wrongUse,
+                    "There is no command " + inQuotes(argv[1]) + "; `videoid --help` lists them.");
   }
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return program.exit(error) == 0 ? 0 : static_cast<int>(ExitCode::wrongUse);
+    return program.exit(error) == 0 ? ExitCode::result : ExitCode::wrongUse;
   }
-  return static_cast<int>(exitCode);
+  return exitCode;
 }
 
 /// Every film starts and ends a dozen threads. Were each to allocate from an arena of its own, what
@@ -78,12 +77,13 @@ void shareOneArena() {
 }  // namespace corvana::app
 
 int main(int argc, char** argv) {
-  corvana::app::shareOneArena();
+  namespace app = corvana::app;
+  app::keepStandardStreams();
+  app::shareOneArena();
   try {
-    return corvana::app::run(argc, argv);
+    return static_cast<int>(app::finishPrinting(app::run(argc, argv)));
   } catch (const std::exception& error) {
-    return static_cast<int>(
-        corvana::app::complain(std::cerr, corvana::app::ExitCode::machineLacks,
-                               std::string("an unexpected fault: ") + error.what()));
+    return static_cast<int>(app::complain(std::cerr, app::ExitCode::machineLacks,
+                                          std::string("an unexpected fault: ") + error.what()));
   }
 }
