@@ -1,6 +1,7 @@
 #include "app/record/Files.h"
 
 #include <array>
+#include <cerrno>
 #include <fstream>
 #include <sstream>
 #include <system_error>
@@ -9,6 +10,7 @@
 
 #include "app/keys/Sha256.h"
 #include "devices/system/DiskSync.h"
+#include "engine/json/FileFault.h"
 
 namespace corvana::app {
 namespace {
@@ -25,32 +27,35 @@ Expected<void> sync(const fs::path& path) {
                            "; check its folder and disk.");
 }
 
+std::error_code lastError() {
+  return {errno, std::generic_category()};
+}
+
+std::error_code writeAsIs(const fs::path& path, const std::string& content) {
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  if (!file) return lastError();
+  std::error_code ignored;  // A file system without permissions is no reason to stop.
+  fs::permissions(path, kOwnerFile, ignored);
+  file << content;
+  return file.flush() ? std::error_code() : lastError();
+}
+
 }  // namespace
 
 Expected<void> writeFile(const fs::path& path, const std::string& content) {
   const fs::path draft = path.string() + ".new";
-  std::error_code error;
-  {
-    std::ofstream file(draft, std::ios::binary | std::ios::trunc);
-    fs::permissions(draft, kOwnerFile, error);
-    file << content;
-    file.flush();
-    if (!file) {
-      fs::remove(draft, error);
-      return platform::failure("The file " + inQuotes(path) +
-                               " could not be written; check the disk space.");
-    }
-  }
-  fs::rename(draft, path, error);
-  if (error)
-    return platform::failure("The file " + inQuotes(path) +
-                             " could not be written: " + error.message() + ".");
-  return {};
+  std::error_code error = writeAsIs(draft, content);
+  if (!error) fs::rename(draft, path, error);
+  if (!error) return {};
+  std::error_code ignored;  // What was begun may not be there.
+  fs::remove(draft, ignored);
+  return platform::failure("The file " + inQuotes(path) + " could not be written (" +
+                           error.message() + "): check its folder and disk.");
 }
 
 Expected<std::string> sha256(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
-  if (!file) return platform::failure("There is no file " + inQuotes(path) + ".");
+  if (!file) return engine::unreadable(path, lastError());
   Sha256 sum;
   std::array<char, 1 << 16> buffer{};
   while (file) {
@@ -103,9 +108,14 @@ Expected<void> checkEmptyFolder(const fs::path& path) {
 Expected<void> makeEmptyFolder(const fs::path& path) {
   if (auto checked = checkEmptyFolder(path); !checked) return checked;
   std::error_code error;
-  fs::create_directories(path, error);
+  const bool stood = fs::exists(path, error);
+  const bool isNew = fs::create_directories(path, error);
   if (error) {
     return platform::failure("The folder " + inQuotes(path) + " can't be made: " + error.message() +
+                             "; name another one.");
+  }
+  if (!stood && !isNew) {
+    return platform::failure("Another run has just taken the folder " + inQuotes(path) +
                              "; name another one.");
   }
   fs::permissions(path, kOwnerFolder, error);

@@ -1,8 +1,11 @@
 #include "engine/json/JsonFile.h"
 
+#include <cerrno>
 #include <fstream>
 #include <sstream>
 #include <system_error>
+
+#include "engine/json/FileFault.h"
 
 namespace corvana::engine {
 namespace {
@@ -20,10 +23,9 @@ std::string inQuotes(const std::string& name) {
 
 Expected<std::string> readFile(const fs::path& path, std::uint64_t maxBytes) {
   std::error_code error;
-  if (!fs::exists(path, error))
-    return platform::failure("There is no file " + inQuotes(path) + ".");
-  if (!fs::is_regular_file(path, error))
-    return platform::failure(inQuotes(path) + " is not a file.");
+  const fs::file_status status = fs::status(path, error);
+  if (error) return unreadable(path, error);
+  if (!fs::is_regular_file(status)) return platform::failure(inQuotes(path) + " is not a file.");
   if (fs::file_size(path, error) > maxBytes) {
     return platform::failure("The file " + inQuotes(path) + " is larger than " +
                              std::to_string(maxBytes) + " bytes; give a smaller one.");
@@ -31,7 +33,7 @@ Expected<std::string> readFile(const fs::path& path, std::uint64_t maxBytes) {
   std::ifstream file(path, std::ios::binary);
   std::ostringstream content;
   content << file.rdbuf();
-  if (!file) return platform::failure("The file " + inQuotes(path) + " could not be read.");
+  if (!file) return unreadable(path, {errno, std::generic_category()});
   return content.str();
 }
 

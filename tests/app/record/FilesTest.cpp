@@ -1,0 +1,42 @@
+#include <gtest/gtest.h>
+
+#include "app/record/Files.h"
+#include "support/Scratch.h"
+
+namespace corvana::tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(Files, SayWhatTheSystemHasAgainstThem) {
+  const ScratchFolder scratch;
+  const fs::path missing = scratch / "missing";
+  const fs::path loop = scratch / "loop";
+  fs::create_symlink("loop", loop);
+  const struct {
+    platform::Expected<std::string> outcome;
+    const char* sentence;
+  } cases[] = {{app::readFile(missing, 10), "There is no file"},
+               {app::sha256(missing), "There is no file"},
+               {app::readFile(loop, 10), "can't be read (Too many levels of symbolic links)"},
+               {app::sha256(loop), "can't be read (Too many levels of symbolic links)"},
+               {app::writeFile(missing / "new", "x").map([] { return std::string(); }),
+                "could not be written (No such file or directory)"},
+               {app::writeFile("/dev/full/new", "x").map([] { return std::string(); }),
+                "could not be written (Not a directory)"}};
+  for (const auto& [outcome, sentence] : cases) {
+    ASSERT_FALSE(outcome) << sentence;
+    EXPECT_NE(outcome.error().sentence.find(sentence), std::string::npos)
+        << outcome.error().sentence;
+  }
+}
+
+TEST(Files, LeaveNoDraftWhereTheyCannotBePut) {
+  const ScratchFolder scratch;
+  fs::create_directories(scratch / "place/within");
+  EXPECT_FALSE(app::writeFile(scratch / "place", "x"));
+  EXPECT_FALSE(fs::exists(scratch / "place.new"));
+}
+
+}  // namespace
+}  // namespace corvana::tests
