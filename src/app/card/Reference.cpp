@@ -221,6 +221,14 @@ Expected<DetectedData> sideFromJson(const json& object, const fs::path& folder) 
   return data;
 }
 
+/// No card is like one whose sides are swapped, and no person like one without a photo.
+void checkSides(const Reference& reference) {
+  const bool isSwapped = reference.front.side == DocumentSide::back ||
+                         (reference.back && reference.back->side == DocumentSide::front);
+  if (isSwapped) throw WrongShape{"side"};
+  if (!reference.front.faceImage) throw WrongShape{"faceImage"};
+}
+
 }  // namespace
 
 Expected<void> saveReference(const Reference& reference, const fs::path& folder) {
@@ -255,10 +263,12 @@ Expected<Reference> loadReference(const fs::path& folder) {
     auto front = sideFromJson(get<json>(*object, "front"), folder);
     if (!front) return tl::unexpected(front.error());
     reference.front = std::move(*front);
-    if (!object->contains("back")) return reference;
-    auto back = sideFromJson((*object)["back"], folder);
-    if (!back) return tl::unexpected(back.error());
-    reference.back = std::move(*back);
+    if (object->contains("back")) {
+      auto back = sideFromJson((*object)["back"], folder);
+      if (!back) return tl::unexpected(back.error());
+      reference.back = std::move(*back);
+    }
+    checkSides(reference);
     return reference;
   } catch (const WrongShape& fault) {
     return platform::failure("The reference " + inQuotes(path) +

@@ -9,6 +9,17 @@
 namespace corvana::app {
 namespace {
 
+/// The parser's own ranges take "nan" for a number within.
+auto within(int least, int most) {
+  return [least, most](const std::string& text) {
+    double number = 0;
+    const bool isWithin =
+        CLI::detail::lexical_cast(text, number) && number >= least && number <= most;
+    if (isWithin) return std::string();
+    return "give a number from " + std::to_string(least) + " to " + std::to_string(most);
+  };
+}
+
 void addCameraOptions(CLI::App& command, CameraChoice& choice) {
   using devices::CameraTurn;
   command.add_option("--camera", choice.camera,
@@ -126,7 +137,8 @@ void addHabits(CLI::App& command, CaptureArguments& arguments) {
       [&arguments](const std::string& value) {
         if (value == "never") return arguments.habits.doneAfter.reset();
         double seconds = -1;
-        if (!CLI::detail::lexical_cast(value, seconds) || seconds < 0 || seconds > 3600) {
+        const bool isNumber = CLI::detail::lexical_cast(value, seconds);
+        if (!isNumber || !(seconds >= 0 && seconds <= 3600)) {
           throw CLI::ValidationError("--done", "give seconds from 0 to 3600, or never");
         }
         arguments.habits.doneAfter = platform::seconds(seconds);
@@ -160,7 +172,7 @@ void addCaller(CLI::App& command, CaptureArguments& arguments) {
   command
       .add_option("--caller-pictures", arguments.caller.picturesPerSecond,
                   "pictures of the window a second that the caller gets (default 0)")
-      ->check(CLI::Range(0.0, 30.0).description(""));
+      ->check(within(0, 30));
 }
 
 void addPrivacy(CLI::App& command, CaptureArguments& arguments) {
@@ -223,7 +235,7 @@ void addCaptureOptions(CLI::App& command, CaptureArguments& arguments) {
           "--max-duration", arguments.maxDurationSeconds,
           "seconds after which the flow is ended (default 600); the disk must have room for a "
           "film of that length, three times")
-      ->check(CLI::Range(1.0, 7200.0).description(""));
+      ->check(within(1, 7200));
   command.add_option(
       "--challenge-seed", arguments.challengeSeed,
       "whole number from which the tasks of selfieCapture.liveness active are drawn, "

@@ -172,6 +172,8 @@ tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
 }
 
 ExitCode runEnroll(const EnrollArguments& arguments) {
+  if (const auto free = checkEmptyFolder(arguments.output); !free)
+    return complain(std::cerr, ExitCode::wrongUse, free.error().sentence);
   const DocumentRules rules = documentRules(arguments.documents);
   const auto reference = readReference(arguments, rules);
   if (!reference) return complain(std::cerr, reference.error());

@@ -25,12 +25,20 @@ bool isUtf8(const std::string& text) {
   return back == text;
 }
 
-bool hasLetter(const std::string& text) {
+bool hasAny(const std::string& text, bool (*is)(UChar32)) {
   const auto unicode = icu::UnicodeString::fromUTF8(text);
   for (int i = 0; i < unicode.length(); i = unicode.moveIndex32(i, 1)) {
-    if (u_isalnum(unicode.char32At(i))) return true;
+    if (is(unicode.char32At(i))) return true;
   }
   return false;
+}
+
+bool isLetter(UChar32 character) {
+  return u_isalnum(character) != 0;
+}
+
+bool isControl(UChar32 character) {
+  return u_charType(character) == U_CONTROL_CHAR && u_isspace(character) == 0;
 }
 
 void dropLastBreaks(std::string& text) {
@@ -50,7 +58,10 @@ Expected<std::string> checkText(const CaptureArguments& arguments) {
     return platform::failure("The text is longer than 8000 bytes; give a shorter one.");
   }
   if (!isUtf8(text)) return platform::failure("The text is not valid UTF-8; save it so.");
-  if (!hasLetter(text)) {
+  if (hasAny(text, isControl)) {
+    return platform::failure("The text holds a control character; save it as plain text.");
+  }
+  if (!hasAny(text, isLetter)) {
     return platform::failure("The text holds no word to read aloud; give a sentence.");
   }
   return text;
@@ -115,7 +126,9 @@ Expected<ordered_json> sumsOfReference(const fs::path& folder) {
 }
 
 Expected<std::string> readText(const fs::path& file) {
+  constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";  // that some editors begin with
   auto text = readFile(file, kMostTextBytes);
+  if (text && text->starts_with(kByteOrderMark)) text->erase(0, kByteOrderMark.size());
   if (text) dropLastBreaks(*text);
   return text;
 }

@@ -2,6 +2,9 @@
 
 #include <cerrno>
 #include <fstream>
+#include <map>
+#include <optional>
+#include <set>
 #include <sstream>
 #include <system_error>
 
@@ -38,15 +41,27 @@ Expected<std::string> readFile(const fs::path& path, std::uint64_t maxBytes) {
 }
 
 Expected<nlohmann::json> parseJson(const std::string& text, const std::string& name) {
+  using Event = nlohmann::json::parse_event_t;
   bool tooDeep = false;
-  const auto callback = [&](int depth, nlohmann::json::parse_event_t, nlohmann::json&) {
+  std::optional<std::string> twice;
+  std::map<int, std::set<std::string>> keys;  // of the object that is open at each depth
+  const auto callback = [&](int depth, Event event, const nlohmann::json& parsed) {
     tooDeep = tooDeep || depth > kDeepestJson;
+    if (event == Event::object_start) keys[depth + 1].clear();
+    if (event == Event::key) {
+      const auto& key = parsed.get_ref<const std::string&>();
+      if (!keys[depth].insert(key).second) twice = key;
+    }
     return !tooDeep;
   };
   try {
     auto value = nlohmann::json::parse(text, callback);
     if (tooDeep)
       return platform::failure(inQuotes(name) + " is nested deeper than any file of this program.");
+    if (twice) {
+      return platform::failure(inQuotes(name) + " names " + inQuotes(*twice) +
+                               " twice in one object; leave one of them.");
+    }
     return value;
   } catch (const nlohmann::json::parse_error& error) {
     return platform::failure(inQuotes(name) + " is not valid JSON: the fault is at byte " +

@@ -17,7 +17,7 @@ std::string inQuotes(const std::string& name);
 /// Refuses folders, missing files and files of more than `maxBytes`.
 platform::Expected<std::string> readFile(const std::filesystem::path& path, std::uint64_t maxBytes);
 
-/// Parses JSON text; refuses what is nested deeper than 64 levels.
+/// Parses JSON text; refuses what is nested deeper than 64 levels, and keys named twice.
 platform::Expected<nlohmann::json> parseJson(const std::string& text, const std::string& name);
 
 }  // namespace corvana::engine

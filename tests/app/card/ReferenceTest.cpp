@@ -10,9 +10,17 @@ using corvana::DocumentField;
 using corvana::FieldName;
 using corvana::FieldSource;
 
+app::Reference withPhoto() {
+  app::Reference reference;
+  reference.front.faceImage =
+      std::make_shared<platform::UIImage>(std::make_shared<platform::PixelBuffer>(
+          1, 1, platform::PixelFormat::rgb24, std::vector<std::uint8_t>(3)));
+  return reference;
+}
+
 TEST(Reference, KeepsFieldsAndScoresOfBothSides) {
   const ScratchFolder scratch;
-  app::Reference reference;
+  app::Reference reference = withPhoto();
   reference.front.fields = {
       {FieldName::surname, "MÜLLER", FieldSource::print, 0.5F, false,
        platform::CGRect{390.25, 185, 195, 32}},
@@ -39,7 +47,7 @@ TEST(Reference, KeepsFieldsAndScoresOfBothSides) {
 
 TEST(Reference, RefusesFieldsOfAnotherShape) {
   const ScratchFolder scratch;
-  app::Reference reference;
+  app::Reference reference = withPhoto();
   reference.front.fields = {
       {FieldName::sex, "F", FieldSource::zone, 0.5F, false, platform::CGRect{1, 2, 3, 4}}};
   ASSERT_TRUE(app::saveReference(reference, scratch.path()));
@@ -55,6 +63,30 @@ TEST(Reference, RefusesFieldsOfAnotherShape) {
     ASSERT_FALSE(loaded) << key;
     EXPECT_NE(loaded.error().sentence.find("\"" + std::string(key) + "\""), std::string::npos)
         << loaded.error().sentence;
+  }
+}
+
+TEST(Reference, RefusesSidesThatAreSwappedAndAFrontWithoutAPhoto) {
+  using corvana::DocumentSide;
+  const struct {
+    std::optional<DocumentSide> front, back;
+    bool hasPhoto;
+    const char* fault;
+  } cases[] = {{DocumentSide::front, DocumentSide::back, true, nullptr},
+               {std::nullopt, std::nullopt, true, nullptr},
+               {DocumentSide::back, DocumentSide::front, true, "side"},
+               {DocumentSide::front, DocumentSide::front, true, "side"},
+               {DocumentSide::front, DocumentSide::back, false, "faceImage"}};
+  for (const auto& c : cases) {
+    const ScratchFolder scratch;
+    app::Reference reference = c.hasPhoto ? withPhoto() : app::Reference();
+    reference.front.side = c.front;
+    reference.back.emplace().side = c.back;
+    ASSERT_TRUE(app::saveReference(reference, scratch.path()));
+    const auto loaded = app::loadReference(scratch.path());
+    const std::string said = loaded ? "" : loaded.error().sentence;
+    EXPECT_EQ(loaded.has_value(), c.fault == nullptr) << said;
+    EXPECT_NE(said.find(c.fault ? c.fault : ""), std::string::npos) << said;
   }
 }
 

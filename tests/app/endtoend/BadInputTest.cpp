@@ -11,8 +11,8 @@ namespace {
 namespace fs = std::filesystem;
 using nlohmann::json;
 
-/// A reference that reads well, with a picture of that name or without any.
-std::string reference(const std::string& picture = {},
+/// A reference that reads well, with a photo of that name or without any.
+std::string reference(const std::string& picture = "face.jpg",
                       const std::string& reader = "PP-OCRv6 small Latin, 2") {
   json side{{"isPhotoPresent", !picture.empty()},
             {"shouldHavePhoto", !picture.empty()},
@@ -24,6 +24,8 @@ std::string reference(const std::string& picture = {},
 
 fs::path plainReference(const ScratchFolder& scratch) {
   fs::create_directories(scratch / "reference");
+  fs::copy_file(SAMPLES "/portraits/person_a.jpg", scratch / "reference/face.jpg",
+                fs::copy_options::skip_existing);
   writeBytes(scratch / "reference/reference.json", reference());
   return scratch / "reference";
 }
@@ -49,13 +51,17 @@ TEST(Commands, BadInputGetsOneSentenceAndExitCodeTwo) {
       {"--text", " \t", "holds no word"},
       {"--text", std::string(9000, 'a'), "longer than 8000 bytes"},
       {"--text", "a\xff z", "not valid UTF-8"},
+      {"--text", "a\x1b[2J z", "control character"},
       {"--reference", scratch / "nowhere", "videoid enroll"},
       {"reference/reference.json", "[1, 2]", "another shape"},
       {"reference/reference.json", "{\"front\": ", "not valid JSON"},
       {"reference/reference.json", reference("../a.png"), "faceImage"},
       {"reference/reference.json", reference("a.png"), "Enroll the card again"},
-      {"reference/reference.json", reference({}, "another, 1"), "enroll the card again"},
+      {"reference/reference.json", reference({}), "faceImage"},
+      {"reference/reference.json", reference("face.jpg", "another, 1"), "enroll the card again"},
       {"options.json", R"({"videoCapture.speed": 3})", "no option \"videoCapture.speed\""},
+      {"options.json", R"({"selfieCapture.liveness": "active", "selfieCapture.liveness": "none"})",
+       "names \"selfieCapture.liveness\" twice"},
       {"options.json", R"({"videoCapture.readTextCountdownSeconds": -4})",
        "a whole number from 0.0 to 600.0, not -4"},
       {"--language", "xx", "no language \"xx\""},
@@ -133,6 +139,12 @@ TEST(Commands, ADiskWithoutRoomIsTheMachinesLack) {
   EXPECT_NE(run.errors.find("0 MiB are free at \"/proc\""), std::string::npos) << run.errors;
 }
 
+TEST(Commands, WhatCannotBePrintedIsNoSuccess) {
+  const ProgramRun run = runProgram("sh", {"-c", "\"$0\" options --print >/dev/full", VIDEOID});
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_NE(run.errors.find("Standard output can't be written"), std::string::npos) << run.errors;
+}
+
 TEST(Commands, WrongUseIsExitCodeTwo) {
   for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
                                                     {"capture"},
@@ -143,6 +155,11 @@ TEST(Commands, WrongUseIsExitCodeTwo) {
                                                     {"verify", "nowhere"},
                                                     {"enroll", "--front", "none.png"}}) {
     EXPECT_EQ(runVideoid(arguments).exitCode, 2);
+  }
+  for (const std::string option : {"--done", "--max-duration", "--caller-pictures"}) {
+    const ProgramRun run = runVideoid({"capture", "--reference", "here", option, "nan"});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_NE(run.errors.find(option + ": give "), std::string::npos) << run.errors;
   }
   EXPECT_NE(runVideoid({"fly"}).errors.find("There is no command \"fly\""), std::string::npos);
   for (const char* command :
