@@ -35,44 +35,41 @@ struct EnrollArguments {
 
 tl::expected<engine::CardReading, Refusal> readSide(engine::DocumentAnalyzer& documents,
                                                     const fs::path& path, DocumentSide expected) {
-  const auto refuse = [&](const std::string& sentence) {
-    return tl::unexpected(Refusal{ExitCode::wrongUse, sentence});
-  };
   const auto picture = devices::readImage(path);
-  if (!picture) return refuse(picture.error().sentence);
+  if (!picture) return wrongUse(picture.error());
   auto reading = documents.analyzeStill(*picture);
   if (!reading) {
-    return refuse(inQuotes(path) + ": " + reading.error().sentence);
+    return wrongUse(inQuotes(path) + ": " + reading.error().sentence);
   }
   const DetectedData& data = reading->data;
   const bool isFront = expected == DocumentSide::front;
   const std::string side = isFront ? "front" : "back";
   if (data.side && *data.side != expected) {
-    return refuse(inQuotes(path) + " shows the other side of a card, not its " + side +
-                  "; swap the pictures.");
+    return wrongUse(inQuotes(path) + " shows the other side of a card, not its " + side +
+                    "; swap the pictures.");
   }
   if (isFront && !data.faceImage) {
-    return refuse("No face large enough to be compared was found on " + inQuotes(path) +
-                  "; take a sharper picture, nearer to the card.");
+    return wrongUse("No face large enough to be compared was found on " + inQuotes(path) +
+                    "; take a sharper picture, nearer to the card.");
   }
   const bool empty = !data.ocrStrings || data.ocrStrings->empty();
   if (empty && !data.mrz) {
-    return refuse("Nothing could be read on " + inQuotes(path) +
-                  "; take a sharper picture without glare.");
+    return wrongUse("Nothing could be read on " + inQuotes(path) +
+                    "; take a sharper picture without glare.");
   }
   // Before the camera such a back is never taken for a complete one: the run could only time out.
   const bool lacksCode =
       (data.shouldHaveMrz && !data.mrz) || (data.shouldHaveBarcode && !data.barcode);
   if (isFront && lacksCode) {
-    return refuse("The machine-readable zone or barcode that a " + *data.type +
-                  " has could not be read on " + inQuotes(path) +
-                  "; take a sharper picture of the whole card on a plain ground.");
+    return wrongUse("The machine-readable zone or barcode that a " + *data.type +
+                    " has could not be read on " + inQuotes(path) +
+                    "; take a sharper picture of the whole card on a plain ground.");
   }
   if (!data.side || lacksCode) {
-    return refuse("Neither a machine-readable zone nor a barcode could be read on " +
-                  inQuotes(path) +
-                  "; take a sharper picture of the whole back on a plain ground, or leave out "
-                  "--back for a card that has neither.");
+    return wrongUse("Neither a machine-readable zone nor a barcode could be read on " +
+                    inQuotes(path) +
+                    "; take a sharper picture of the whole back on a plain ground, or leave out "
+                    "--back for a card that has neither.");
   }
   return *std::move(reading);
 }
@@ -167,7 +164,7 @@ tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
   documents->settleByOtherSide(*back, front->data);
   Reference reference{std::move(front->data), std::move(back->data)};
   const auto fault = sidesFault(reference, kinds, arguments.front, *arguments.back);
-  if (!fault.empty()) return tl::unexpected(Refusal{ExitCode::wrongUse, fault});
+  if (!fault.empty()) return wrongUse(fault);
   return reference;
 }
 
@@ -179,9 +176,8 @@ ExitCode runEnroll(const EnrollArguments& arguments) {
   if (!reference) return complain(std::cerr, reference.error());
   const std::string sureCopy = copyFault(*reference, engine::kSureCopy);
   if (!sureCopy.empty() && !arguments.allowCopy) {
-    return complain(std::cerr, ExitCode::wrongUse,
-                    "The card was not enrolled: " + sureCopy +
-                        ". Photograph the card itself, or give --allow-copy to enroll the copy.");
+    return refuse("The card was not enrolled: " + sureCopy +
+                  ". Photograph the card itself, or give --allow-copy to enroll the copy.");
   }
   if (const auto suspect = copyFault(*reference, engine::kSuspectCopy); !suspect.empty()) {
     std::cerr << "WARNING: " << suspect << ".\n";
@@ -189,9 +185,8 @@ ExitCode runEnroll(const EnrollArguments& arguments) {
   const Checks checks = engine::checkSides(sidesOf(*reference));
   if (const auto fault = documentFault(*reference, checks, rules); !fault.empty()) {
     if (!arguments.allowConflict) {
-      return complain(std::cerr, ExitCode::wrongUse,
-                      "The card was not enrolled: " + fault +
-                          ". Look at it, and give --allow-conflict to enroll it nevertheless.");
+      return refuse("The card was not enrolled: " + fault +
+                    ". Look at it, and give --allow-conflict to enroll it nevertheless.");
     }
     std::cerr << "WARNING: " << fault << ".\n";
   }
@@ -199,7 +194,7 @@ ExitCode runEnroll(const EnrollArguments& arguments) {
   auto saved = makeEmptyFolder(arguments.output).and_then([&] {
     return saveReference(*reference, arguments.output);
   });
-  if (!saved) return complain(std::cerr, ExitCode::wrongUse, saved.error().sentence);
+  if (!saved) return refuse(saved.error());
   std::cout << nlohmann::ordered_json{{"reference", fs::absolute(arguments.output).string()}}.dump()
             << '\n';
   return ExitCode::result;

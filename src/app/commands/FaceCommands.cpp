@@ -32,10 +32,6 @@ struct CompareArguments {
   std::optional<fs::path> options;
 };
 
-ExitCode refuse(const platform::Fault& fault, ExitCode code = ExitCode::wrongUse) {
-  return complain(std::cerr, code, fault.sentence);
-}
-
 /// By the module's own comparison, so that the distance is the one that a flow would decide by.
 std::optional<capture::FaceMatchResult> match(const Resources& resources, const StillFace& first,
                                               const StillFace& second, float limit) {
@@ -48,7 +44,7 @@ ExitCode runCompare(const CompareArguments& arguments) {
   if (const auto set = setOptions(arguments.options); !set) return refuse(set.error());
   const Resources resources = findResources();
   auto faces = StillFaces::load(resources);
-  if (!faces) return refuse(faces.error(), ExitCode::machineLacks);
+  if (!faces) return complain(std::cerr, ExitCode::machineLacks, faces.error().sentence);
   const auto first = faces->read(arguments.first);
   if (!first) return refuse(first.error());
   const auto second = faces->read(arguments.second);
@@ -113,9 +109,9 @@ ExitCode runEmbed(const fs::path& folder) {
   if (!photographs) return refuse(photographs.error());
   const Resources resources = findResources();
   auto faces = StillFaces::load(resources);
-  if (!faces) return refuse(faces.error(), ExitCode::machineLacks);
+  if (!faces) return complain(std::cerr, ExitCode::machineLacks, faces.error().sentence);
   auto embedder = engine::FaceEmbedder::load(resources.faceModel());
-  if (!embedder) return refuse(embedder.error(), ExitCode::machineLacks);
+  if (!embedder) return complain(std::cerr, ExitCode::machineLacks, embedder.error().sentence);
   bool all = true;
   for (const fs::path& photograph : *photographs) {
     const ordered_json line = embedOne(photograph, *faces, *embedder);

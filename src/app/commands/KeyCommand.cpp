@@ -14,7 +14,7 @@ void print(const PublicKey& key, bool asPem) {
 }
 
 ExitCode show(const platform::Expected<SigningKey>& key, bool asPem) {
-  if (!key) return complain(std::cerr, ExitCode::wrongUse, key.error().sentence);
+  if (!key) return refuse(key.error());
   print(key->publicKey(), asPem);
   return ExitCode::result;
 }

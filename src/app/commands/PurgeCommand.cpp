@@ -22,10 +22,6 @@ struct PurgeArguments {
   bool dryRun = false;
 };
 
-ExitCode refuse(const std::string& sentence) {
-  return complain(std::cerr, ExitCode::wrongUse, sentence);
-}
-
 ExitCode tellOnly(const std::vector<OverdueRun>& runs) {
   for (const OverdueRun& run : runs)
     std::cout << run.folder.string() << '\n';
@@ -51,17 +47,17 @@ ExitCode runPurge(const PurgeArguments& arguments) {
   const PurgeRules rules{arguments.date.value_or(std::chrono::floor<std::chrono::days>(now)),
                          arguments.unendedDays};
   auto runs = findOverdue(arguments.folder, rules);
-  if (!runs) return refuse(runs.error().sentence);
+  if (!runs) return refuse(runs.error());
   if (arguments.dryRun) return tellOnly(*runs);
   if (!arguments.key) return refuse("Give the key that signs the receipt with --key.");
   const auto key = SigningKey::load(*arguments.key);
-  if (!key) return refuse(key.error().sentence);
+  if (!key) return refuse(key.error());
   if (runs->empty()) {
     std::cout << "no run is over\n";
     return ExitCode::result;
   }
   const auto receipt = purge(arguments.folder, *runs, rules, *key, now);
-  if (!receipt) return refuse(receipt.error().sentence);
+  if (!receipt) return refuse(receipt.error());
   return tellDone(*runs, *receipt);
 }
 

@@ -45,7 +45,7 @@ std::vector<fs::path> runsIn(const fs::path& folder) {
 tl::expected<RecheckReport, Refusal> recheckOne(const fs::path& folder, const Trust& trust,
                                                 const RecheckSources& sources) {
   const auto run = readRecordedRun(folder, trust.keysOrNull(), trust.authoritiesOrNull());
-  if (!run) return tl::unexpected(Refusal{ExitCode::wrongUse, run.error().sentence});
+  if (!run) return wrongUse(run.error());
   return recheck(*run, sources);
 }
 
@@ -69,7 +69,7 @@ ExitCode graver(ExitCode one, ExitCode other) {
 
 ExitCode runRecheck(const RecheckArguments& arguments) {
   const auto trust = loadTrust(arguments.trust);
-  if (!trust) return complain(std::cerr, ExitCode::wrongUse, trust.error().sentence);
+  if (!trust) return refuse(trust.error());
   std::vector<fs::path> runs;
   for (const fs::path& folder : arguments.runs) {
     for (fs::path& run : runsIn(folder))

@@ -20,10 +20,6 @@ struct RedactArguments {
   TrustChoice trust;
 };
 
-ExitCode refuse(const platform::Fault& fault) {
-  return complain(std::cerr, ExitCode::wrongUse, fault.sentence);
-}
-
 /// Beside the copy, which they are no part of.
 fs::path usualDisclosures(const fs::path& output) {
   return fs::absolute(output / "").lexically_normal().parent_path().string() + ".disclosures.json";

@@ -23,10 +23,6 @@ struct ReportArguments {
   TrustChoice trust;
 };
 
-ExitCode refuse(const platform::Fault& fault) {
-  return complain(std::cerr, ExitCode::wrongUse, fault.sentence);
-}
-
 ExitCode runReport(const ReportArguments& arguments) {
   const fs::path resources = findResources().report;
   const auto words = ReportWords::load(resources / "languages", arguments.language);

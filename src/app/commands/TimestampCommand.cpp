@@ -25,10 +25,6 @@ struct TimestampArguments {
   std::optional<fs::path> authorities;
 };
 
-ExitCode refuse(const std::string& sentence) {
-  return complain(std::cerr, ExitCode::wrongUse, sentence);
-}
-
 platform::Expected<std::string> readSeal(const fs::path& folder) {
   auto seal = readFile(folder / kResultSealName, kMostStampBytes);
   if (seal) return seal;
@@ -53,7 +49,7 @@ ExitCode writeRequest(const TimestampArguments& arguments, const std::string& se
   const auto written = checkOutside(arguments.folder, arguments.request).and_then([&] {
     return writeFile(arguments.request, makeStampRequest(seal));
   });
-  if (!written) return refuse(written.error().sentence);
+  if (!written) return refuse(written.error());
   std::cout << arguments.request.string()
             << ": send it to a time stamp authority (application/timestamp-query), then come "
                "again with --answer\n";
@@ -65,7 +61,7 @@ ExitCode keepStamp(const TimestampArguments& arguments, const std::string& seal,
   std::optional<StampAuthorities> trusted;
   if (arguments.authorities) {
     auto loaded = StampAuthorities::load(*arguments.authorities);
-    if (!loaded) return refuse(loaded.error().sentence);
+    if (!loaded) return refuse(loaded.error());
     trusted = std::move(*loaded);
   }
   const auto time = checkStamp(answer, request, seal, trusted ? &*trusted : nullptr);
@@ -74,7 +70,7 @@ ExitCode keepStamp(const TimestampArguments& arguments, const std::string& seal,
                     "The answer " + time.error().sentence + "; the record stays as it is.");
   }
   const auto stamp = addStamp(arguments.folder, request, answer);
-  if (!stamp) return refuse(stamp.error().sentence);
+  if (!stamp) return refuse(stamp.error());
   std::cout << stamp->answer << ": the seal was there at " << formatUtc(*time)
             << (trusted ? ", says a trusted authority\n" : ", says its authority\n");
   return ExitCode::result;
@@ -82,9 +78,9 @@ ExitCode keepStamp(const TimestampArguments& arguments, const std::string& seal,
 
 ExitCode takeAnswer(const TimestampArguments& arguments, const std::string& seal) {
   const auto request = readFile(arguments.request, kMostStampBytes);
-  if (!request) return refuse(request.error().sentence);
+  if (!request) return refuse(request.error());
   const auto answer = readAnswer(*arguments.answer);
-  if (!answer) return refuse(answer.error().sentence);
+  if (!answer) return refuse(answer.error());
   const ExitCode code = keepStamp(arguments, seal, *request, *answer);
   std::error_code ignored;  // It lies in the record now.
   if (code == ExitCode::result) fs::remove(arguments.request, ignored);
@@ -95,13 +91,13 @@ ExitCode fetchStamp(const TimestampArguments& arguments, const std::string& seal
   const std::string request = makeStampRequest(seal);
   const auto answer =
       askAuthority(*arguments.address, request, std::chrono::seconds(arguments.waitSeconds));
-  if (!answer) return refuse(answer.error().sentence);
+  if (!answer) return refuse(answer.error());
   return keepStamp(arguments, seal, request, *answer);
 }
 
 ExitCode runTimestamp(TimestampArguments arguments) {
   const auto seal = readSeal(arguments.folder);
-  if (!seal) return refuse(seal.error().sentence);
+  if (!seal) return refuse(seal.error());
   if (arguments.address) return fetchStamp(arguments, *seal);
   if (arguments.request.empty()) {
     // Beside the record: it is no part of it until it has an answer.

@@ -17,10 +17,10 @@ struct VerifyArguments {
 
 ExitCode runVerify(const VerifyArguments& arguments) {
   const auto trust = loadTrust(arguments.trust);
-  if (!trust) return complain(std::cerr, ExitCode::wrongUse, trust.error().sentence);
+  if (!trust) return refuse(trust.error());
   const auto report =
       checkRecord(arguments.folder, trust->keysOrNull(), trust->authoritiesOrNull());
-  if (!report) return complain(std::cerr, ExitCode::wrongUse, report.error().sentence);
+  if (!report) return refuse(report.error());
   for (const RecordFinding& finding : report->findings) {
     if (finding.holds) {
       std::cout << finding.part << ": " << finding.sentence << '\n';

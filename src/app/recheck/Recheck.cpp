@@ -25,10 +25,6 @@ constexpr double kMostSecondsAfterFilm = 60;
 /// More than a film's last pictures are long.
 constexpr double kSameLength = 0.5;
 
-tl::unexpected<Refusal> refuse(const platform::Fault& fault) {
-  return tl::unexpected(Refusal{ExitCode::wrongUse, fault.sentence});
-}
-
 std::string inSeconds(double seconds) {
   std::array<char, 32> text{};
   std::snprintf(text.data(), text.size(), "%.1f s", seconds);
@@ -52,7 +48,7 @@ class Rechecker {
 
   tl::expected<RecheckReport, Refusal> recheck() {
     const auto film = devices::probe(run_.film);
-    if (!film) return refuse(film.error());
+    if (!film) return wrongUse(film.error());
     report_.folder = run_.folder;
     report_.isTrusted = run_.isTrusted;
     report_.filmSeconds = platform::inSeconds(film->duration);
@@ -102,10 +98,10 @@ class Rechecker {
 
   tl::expected<SecondFlow, Refusal> runFlow() {
     const auto scratch = ScratchFolder::make();
-    if (!scratch) return refuse(scratch.error());
-    if (const auto set = applyRecordedOptions(); !set) return refuse(set.error());
+    if (!scratch) return wrongUse(scratch.error());
+    if (const auto set = applyRecordedOptions(); !set) return wrongUse(set.error());
     const auto given = arguments(scratch->path());
-    if (!given) return refuse(given.error());
+    if (!given) return wrongUse(given.error());
     auto prepared = prepareCapture(*given);
     if (!prepared) return tl::unexpected(prepared.error());
     CaptureFlow flow(*given, *prepared, nullptr);
@@ -114,12 +110,12 @@ class Rechecker {
       return tl::unexpected(Refusal{ExitCode::machineLacks, fault->sentence});
     }
     if (flow.wasInterrupted()) {
-      return tl::unexpected(Refusal{ExitCode::wrongUse, "The recheck was interrupted."});
+      return wrongUse("The recheck was interrupted.");
     }
     auto events = readRunEvents(scratch->path() / EventLog::kFileName);
     const auto models = sumsOf(prepared->resources.models());
-    if (!events) return refuse(events.error());
-    if (!models) return refuse(models.error());
+    if (!events) return wrongUse(events.error());
+    if (!models) return wrongUse(models.error());
     return SecondFlow{record.outcome, std::move(*events), record.reference,
                       record.text,    record.documents,   *models};
   }

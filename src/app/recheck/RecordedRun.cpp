@@ -57,7 +57,7 @@ Expected<void> checkResult(const json& result, const fs::path& folder) {
 }
 
 /// Where the record keeps what a reviewer has to see beside events and film.
-std::optional<std::string> readText(const fs::path& folder) {
+std::optional<std::string> keptText(const fs::path& folder) {
   const auto content = readFile(folder / kEvidenceFileName, kMostEvidenceBytes);
   if (!content) return std::nullopt;
   const auto object = parseJson(*content, "");
@@ -117,7 +117,7 @@ Expected<RecordedRun> readRecordedRun(const fs::path& folder, const TrustedKeys*
                      .events = std::move(*events),
                      .report = std::move(*report),
                      .isTrusted = isTrusted,
-                     .text = readText(folder)};
+                     .text = keptText(folder)};
 }
 
 }  // namespace corvana::app

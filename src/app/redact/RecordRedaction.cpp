@@ -30,10 +30,6 @@ using platform::failure;
 
 constexpr std::uint64_t kMostSealBytes = 1 << 12;
 
-tl::unexpected<Refusal> refuse(const platform::Fault& fault) {
-  return tl::unexpected(Refusal{ExitCode::wrongUse, fault.sentence});
-}
-
 /// Why no copy can be made of this record; empty when one can.
 std::string faultOf(const fs::path& folder, const RecordReport& report) {
   const auto broken = std::ranges::find(report.findings, false, &RecordFinding::holds);
@@ -190,18 +186,18 @@ Expected<void> checkPlaces(const RecordRedaction& wishes) {
 tl::expected<RedactedPictures, Refusal> redactRecord(const RecordRedaction& wishes,
                                                      const Resources& resources) {
   const auto report = checkRecord(wishes.folder, wishes.keys, wishes.authorities);
-  if (!report) return refuse(report.error());
-  if (const auto fault = faultOf(wishes.folder, *report); !fault.empty()) return refuse({fault});
-  if (const auto free = checkPlaces(wishes); !free) return refuse(free.error());
+  if (!report) return wrongUse(report.error());
+  if (const auto fault = faultOf(wishes.folder, *report); !fault.empty()) return wrongUse({fault});
+  if (const auto free = checkPlaces(wishes); !free) return wrongUse(free.error());
   auto heads = engine::HeadFinder::load(resources.faceDetector(), resources.textReader().boxes);
   if (!heads) return tl::unexpected(Refusal{ExitCode::machineLacks, heads.error().sentence});
-  if (const auto made = makeEmptyFolder(wishes.output); !made) return refuse(made.error());
+  if (const auto made = makeEmptyFolder(wishes.output); !made) return wrongUse(made.error());
   auto pictures = RecordRedactor(wishes, *report, *heads).redact();
   if (pictures) return *pictures;
   std::error_code ignored;  // What it can't remove, its owner can.
   fs::remove_all(wishes.output, ignored);
   fs::remove(wishes.disclosures, ignored);
-  return refuse(pictures.error());
+  return wrongUse(pictures.error());
 }
 
 }  // namespace corvana::app

@@ -1,8 +1,12 @@
 #pragma once
 
-#include <ostream>
+#include <iostream>
 #include <string>
 #include <string_view>
+
+#include <tl/expected.hpp>
+
+#include "platform/foundation/Fault.h"
 
 namespace corvana::app {
 
@@ -20,10 +24,27 @@ struct Refusal {
   std::string sentence;
 };
 
+inline tl::unexpected<Refusal> wrongUse(const std::string& sentence) {
+  return tl::unexpected(Refusal{ExitCode::wrongUse, sentence});
+}
+
+inline tl::unexpected<Refusal> wrongUse(const platform::Fault& fault) {
+  return wrongUse(fault.sentence);
+}
+
 /// Tells the user what is wrong, as one line of the program's; returns `code`.
 inline ExitCode complain(std::ostream& err, ExitCode code, std::string_view sentence) {
   err << "videoid: " << sentence << '\n';
   return code;
+}
+
+/// Tells the user on standard error what is wrong with what was asked.
+inline ExitCode refuse(std::string_view sentence) {
+  return complain(std::cerr, ExitCode::wrongUse, sentence);
+}
+
+inline ExitCode refuse(const platform::Fault& fault) {
+  return refuse(fault.sentence);
 }
 
 inline ExitCode complain(std::ostream& err, const Refusal& refusal) {
