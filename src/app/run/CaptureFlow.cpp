@@ -85,7 +85,8 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
                    reporter_.hinted(words);
                    screen_.hint(words);
                  }),
-      attempts_(loop_, hostHints_),
+      debugFigures_(hostHints_, [this](const std::string& lines) { screen_.figures(lines); }),
+      attempts_(loop_, debugFigures_),
       evidence_(arguments.keepsEvidence
                     ? std::make_optional<EvidenceWatch>(attempts_, inputs_.reference, inputs_.text)
                     : std::nullopt),

@@ -9,6 +9,7 @@
 #include "app/record/AttemptLog.h"
 #include "app/record/EventLog.h"
 #include "app/report/EvidenceWatch.h"
+#include "app/run/DebugFigures.h"
 #include "app/run/DrawnNumbers.h"
 #include "app/run/FlowEnd.h"
 #include "app/run/FlowWorld.h"
@@ -89,6 +90,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   CardWatch card_;
   devices::FlowReporter reporter_;
   HostHints hostHints_;
+  DebugFigures debugFigures_;
   AttemptLog attempts_;
   std::optional<EvidenceWatch> evidence_;  ///< where it is kept
   devices::HeadlessPerson person_;

@@ -33,6 +33,8 @@ class FlowScreen {
   virtual void play(platform::SystemSoundID) {}
   /// Shows words of the host's own, outside all views; empty: none any more.
   virtual void hint(const std::string& /*words*/) {}
+  /// Shows what the host measured, line by line, for who looks for faults; empty: nothing any more.
+  virtual void figures(const std::string& /*lines*/) {}
   /// `onClose` is told when the user wants to be rid of the screen; may be null.
   virtual void setOnClose(const std::function<void()>& /*onClose*/) {}
   using PixelUse = std::function<void(int width, int height, const unsigned char* pixels)>;

@@ -67,6 +67,7 @@ class WindowScreen final : public FlowScreen {
     screen_.hint(words);
     if (hints_) hints_->hint(words);
   }
+  void figures(const std::string& lines) override { screen_.figures(lines); }
   void setOnClose(const std::function<void()>& onClose) override {
     // A block of the main queue makes the loop ask whether the flow is over.
     screen_.onClose = [this, onClose] {

@@ -159,12 +159,19 @@ void QtScreen::flash() {
 }
 
 void QtScreen::hint(const std::string& words) {
-  hint_.reset();
-  if (words.empty()) return;
-  hint_ = loadPart("Hint", {{QStringLiteral("text"), QString::fromStdString(words)},
-                            {QStringLiteral("z"), kAboveAll}});
-  hint_->setParentItem(window_->contentItem());
-  announce(*hint_);
+  hint_ = words.empty() ? nullptr : loadWords("Hint", words);
+  if (hint_) announce(*hint_);
+}
+
+void QtScreen::figures(const std::string& lines) {
+  figures_ = lines.empty() ? nullptr : loadWords("Figures", lines);
+}
+
+std::unique_ptr<QQuickItem> QtScreen::loadWords(const std::string& name, const std::string& words) {
+  auto part = loadPart(name, {{QStringLiteral("text"), QString::fromStdString(words)},
+                              {QStringLiteral("z"), kAboveAll}});
+  part->setParentItem(window_->contentItem());
+  return part;
 }
 
 void QtScreen::announce(QQuickItem& item) {

@@ -69,6 +69,8 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
   void flash();
   /// Shows words of the host's own above everything, and has them announced; empty: none any more.
   void hint(const std::string& words);
+  /// Shows lines of figures above everything, in place of those before; empty: none any more.
+  void figures(const std::string& lines);
 
   void willPresent(platform::UIViewController& controller) override;
   void willDismiss(platform::UIViewController& controller) override;
@@ -85,6 +87,7 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
   void dressMade();
   void showMade();
   std::unique_ptr<QQuickItem> loadPart(const std::string& name, QVariantMap properties);
+  std::unique_ptr<QQuickItem> loadWords(const std::string& name, const std::string& words);
   QtScene* sceneOf(platform::UIViewController& controller) const;
   QQuickItem* itemOf(platform::UIViewController& controller) const;
   void presentAlert(platform::UIAlertController& alert);
@@ -104,6 +107,7 @@ class QtScreen final : public ScreenListener, public platform::AnimationPlayer {
   QQuickWindow* window_;
   std::unique_ptr<QQuickItem> flash_;
   std::unique_ptr<QQuickItem> hint_;
+  std::unique_ptr<QQuickItem> figures_;
   std::map<platform::UIViewController*, std::unique_ptr<QQuickItem>> alerts_;
   std::vector<QQuickItem*> stack_;  ///< lowest first; only the last takes touches and keys
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);

@@ -101,6 +101,22 @@ TEST_F(Screen, ShowsAHintOfTheHostAboveAllViewsUntilItIsTakenBack) {
   EXPECT_EQ(screen->window().contentItem()->childItems().size(), 1) << "but for the flash";
 }
 
+TEST_F(Screen, ShowsFiguresOfTheHostInPlaceOfThoseBeforeAndAnnouncesNone) {
+  open();
+  enter();
+  std::vector<std::string> said;
+  screen->onAnnounce = [&](const std::string& words) { said.push_back(words); };
+  const QImage without = screen->picture();
+  screen->figures("relief: value 0.031, threshold 0.02, seen\nblink: value 0.97, threshold 0.91");
+  const QImage both = screen->picture();
+  EXPECT_NE(both, without);
+  screen->figures("relief: value 0.031");
+  EXPECT_NE(screen->picture(), both);
+  screen->figures("");
+  EXPECT_EQ(screen->picture(), without);
+  EXPECT_TRUE(said.empty());
+}
+
 TEST_F(Screen, CloseCancelsInEveryPhaseByTouchAndByKeys) {
   const std::pair<const char*, std::function<void()>> phases[] = {
       {"selfie", [] {}},
