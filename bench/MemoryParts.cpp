@@ -1,6 +1,6 @@
 // Which parts of the program hold how much memory. Each is made and used as a run does it, one
 // after the other, and stays; a JSON object names them and the megabytes by which the resident
-// memory grew. Usage: memory-parts PHOTO_WITH_A_FACE CARD
+// memory grew. Usage: memory-parts PHOTO_WITH_A_FACE FRONT BACK
 
 #include <cmath>
 #include <cstdlib>
@@ -14,6 +14,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/card/DocumentFolders.h"
 #include "app/record/ScratchFolder.h"
 #include "app/run/Resources.h"
 #include "capture/FaceMatchDetector.h"
@@ -23,7 +24,7 @@
 #include "devices/screen/DirectoryBundle.h"
 #include "devices/scripted/PatternFaces.h"
 #include "devices/system/TerminalSystem.h"
-#include "engine/document/text/NetworkTextReader.h"
+#include "engine/document/DocumentAnalyzer.h"
 #include "engine/speech/PocketSphinxRecognizer.h"
 #include "engine/vision/FaceCrop.h"
 #include "engine/vision/FaceDetector.h"
@@ -44,20 +45,20 @@ double residentMb() {
   throw std::runtime_error("the kernel does not say how much memory is resident");
 }
 
-template <class Value>
-Value need(platform::Expected<Value> made) {
+template <class Value, class Fault>
+Value need(tl::expected<Value, Fault> made) {
   if (!made) throw std::runtime_error(made.error().sentence);
   return std::move(*made);
 }
 
 /// What looks at faces, and the face that it found.
 struct Faces {
-  engine::FaceDetector detector;
+  std::shared_ptr<engine::FaceDetector> detector;
   engine::FaceLandmarks landmarks;
   engine::FaceEmbedder embedder;
 
   void lookAt(const platform::PixelBuffer& photo) {
-    const auto found = detector.detect(photo);
+    const auto found = detector->detect(photo);
     if (found.empty()) throw std::runtime_error("there is no face in the photograph");
     landmarks.locate(photo, found.front());
     embedder.embed(*engine::cropFace(photo, found.front())->pixels());
@@ -88,7 +89,7 @@ void record(platform::AssetWriter& film) {
   }
 }
 
-void measure(const char* photo, const char* card) {
+void measure(const char* photo, const char* front, const char* back) {
   nlohmann::ordered_json parts = {{"program and libraries", std::lround(residentMb())}};
   double before = residentMb();
   const auto note = [&](const char* part) {
@@ -97,10 +98,13 @@ void measure(const char* photo, const char* card) {
   };
   const auto resources = app::findResources();
   const auto picture = need(devices::readImage(photo));
-  const auto print = need(devices::readImage(card));
+  const platform::PixelBufferRef sides[] = {need(devices::readImage(front)),
+                                            need(devices::readImage(back))};
+  const auto documents = need(app::loadDocuments(resources, {}));
   before = residentMb();
 
-  Faces faces{need(engine::FaceDetector::load(resources.faceDetector())),
+  Faces faces{std::make_shared<engine::FaceDetector>(
+                  need(engine::FaceDetector::load(resources.faceDetector()))),
               need(engine::FaceLandmarks::load(resources.faceLandmarks())),
               need(engine::FaceEmbedder::load(resources.faceModel()))};
   faces.lookAt(*picture);
@@ -112,8 +116,10 @@ void measure(const char* photo, const char* card) {
   matcher.faceMatch(devices::patternFace(0), devices::patternFace(1), 1);
   note("matching faces");
 
-  auto reader = need(engine::NetworkTextReader::load(resources.textReader()));
-  reader.read(*print);
+  auto reader = need(engine::DocumentAnalyzer::load(
+      faces.detector, {.text = resources.textReader(), .documents = documents}));
+  for (const auto& side : sides)
+    need(reader.analyzeStill(side));
   note("reading cards");
 
   platform::VirtualRunLoop loop;
@@ -136,12 +142,12 @@ void measure(const char* photo, const char* card) {
 }  // namespace corvana
 
 int main(int count, char** arguments) {
-  if (count != 3) {
-    std::cerr << "usage: memory-parts PHOTO_WITH_A_FACE CARD\n";
+  if (count != 4) {
+    std::cerr << "usage: memory-parts PHOTO_WITH_A_FACE FRONT BACK\n";
     return EXIT_FAILURE;
   }
   try {
-    corvana::measure(arguments[1], arguments[2]);
+    corvana::measure(arguments[1], arguments[2], arguments[3]);
   } catch (const std::exception& error) {
     std::cerr << "memory-parts: " << error.what() << ".\n";
     return EXIT_FAILURE;
