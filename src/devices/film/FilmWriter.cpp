@@ -17,9 +17,8 @@ namespace {
 
 /// Three seconds at the usual rate.
 constexpr int kFramesWaitingRealTime = 90;
-/// The caller waits anyway: no more than what keeps the encoder busy, and what comes before sound
-/// that is half a second late, for which the muxer waits.
-constexpr int kFramesWaitingVirtual = 16;
+/// The caller waits anyway: no more than what keeps the encoder busy between two looks.
+constexpr int kFramesWaitingVirtual = 6;
 constexpr std::int64_t kSamplesPerAacFrame = 1024;
 /// The muxer writes a fragment every half second: what it has written waits no longer for the disk.
 constexpr platform::Duration kSyncPeriod = std::chrono::milliseconds(250);
