@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 namespace corvana::engine {
 namespace {
@@ -114,7 +115,7 @@ void SelfiePhase::instruct(SelfieView& view) const {
 
 /// Makes an issue of a fit face that gives no sign of life, or one of fraud.
 void SelfiePhase::demandLife(SelfieView& view) {
-  asks_ = false;
+  const bool wasAsking = std::exchange(asks_, false);
   if (view.verdict != Verdict::good || isBelieved(view)) return;
   const LivenessVerdict& liveness = *view.liveness;
   const auto& advice = SelfieCapture::strings;
@@ -122,7 +123,9 @@ void SelfiePhase::demandLife(SelfieView& view) {
   if (liveness.kind == LivenessVerdict::Kind::spoof) {
     view.verdict = Verdict::issue;
     view.issue = advice.showYourself;
-  } else if (hasDoneTasks() && liveness.watchedFor >= patience && !showsLife(liveness)) {
+  } else if (hasDoneTasks() && liveness.watchedFor >= patience && !showsLife(liveness) &&
+             (wasAsking || !liveness.isBeginning)) {
+    // What is asked for while a sign begins would be gone before anybody could read it.
     asks_ = true;
     const bool isFirstsTurn = (liveness.watchedFor - patience) / kAskInterval % 2 == 0;
     view.verdict = Verdict::issue;

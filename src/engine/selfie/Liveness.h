@@ -28,6 +28,8 @@ struct LivenessVerdict {
   /// How long the same face has been watched without a break.
   platform::Duration watchedFor{};
   std::vector<LivenessSign> signs;
+  /// The last look may be the beginning of a sign of life: lids that are down, relief in one look.
+  bool isBeginning = false;
   /// 0 (nothing speaks for life) to 1 (all of it, in good pictures).
   float score = 0;
 };

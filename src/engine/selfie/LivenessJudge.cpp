@@ -98,6 +98,7 @@ LivenessVerdict LivenessJudge::add(const Look& seen) {
   LivenessVerdict verdict;
   verdict.watchedFor = seen.time - *since_;
   verdict.signs = {blinkSign(), reliefSign(), repeated_.sign, edges_.sign};
+  verdict.isBeginning = blink_.isClosed() || relief_.last() > limits_.relief;
   verdict.score = score();
   const auto sign = [&](SpeaksFor whom) {
     return std::ranges::find_if(verdict.signs, [whom](const LivenessSign& candidate) {

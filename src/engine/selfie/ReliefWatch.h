@@ -13,6 +13,8 @@ class ReliefWatch {
   void add(const FaceView& face);
   /// Greatest lasting `reliefMotion` against the first face.
   double greatest() const { return greatest_; }
+  /// The last face's alone, which may not last.
+  double last() const { return recent_.empty() ? 0 : recent_.back(); }
 
  private:
   std::optional<FaceView> first_;

@@ -36,6 +36,22 @@ TEST_F(RecorderTest, HoldsTheSelfieBackUntilTheFaceIsBelievedAliveAndAsksForSign
   EXPECT_EQ(noted, (Names{"asked", "blink", "spoof", "blink", "living"}));
 }
 
+TEST_F(RecorderTest, AsksForNoSignOfLifeWhileOneBeginsNorTakesBackForItWhatItAsked) {
+  const auto undecided = showFace(engine::LivenessVerdict::Kind::undecided, 2.6);
+  const auto beginning = [&](Observation& observation) {
+    undecided(observation);
+    observation.selfie->liveness->isBeginning = true;
+  };
+  analyzer->fill = beginning;
+  film(0.5);
+  EXPECT_EQ(heard, Names{"capturingFace"});
+  analyzer->fill = undecided;
+  film(0.3);
+  analyzer->fill = beginning;
+  film(0.3);
+  EXPECT_EQ(heard, (Names{"capturingFace", "detectedIssue"}));
+}
+
 TEST_F(RecorderTest, WithoutLivenessNobodyHasToShowIt) {
   corvana::SelfieCapture::options.liveness = corvana::SelfieCapture::Liveness::off;
   analyzer->fill = showFace(engine::LivenessVerdict::Kind::spoof, 0);

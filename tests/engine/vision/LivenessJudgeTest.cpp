@@ -239,6 +239,10 @@ TEST(LivenessJudge, BelievesABlinkAfterAWhileAndNoFaceThatNeverGaveASign) {
   EXPECT_EQ(verdict.kind, Kind::undecided);
   EXPECT_GE(verdict.watchedFor, platform::seconds(9.5));
   EXPECT_LT(verdict.score, 0.3F);
+  EXPECT_FALSE(verdict.isBeginning);
+  const LivenessVerdict lidsDown = staring.look(11, 0.3);
+  EXPECT_TRUE(lidsDown.isBeginning) << "it may become a blink";
+  EXPECT_EQ(lidsDown.kind, Kind::undecided);
 }
 
 TEST(LivenessJudge, DoesNotBelieveEyesThatAreSeenNarrowerButLookAsTheyDid) {
