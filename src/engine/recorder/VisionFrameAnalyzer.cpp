@@ -115,6 +115,7 @@ Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& fram
                                          const AnalysisTask& task) {
   if (task.run != std::exchange(run_, task.run)) {
     liveness_ = LivenessJudge(livenessLimits());
+    lastSelfie_ = SelfieVerdict::noFace;
     tracker_.stop();
     lastReading_.reset();
     lastOutline_.reset();
@@ -142,7 +143,9 @@ SelfieView VisionFrameAnalyzer::lookForSelfie(const PixelBufferRef& picture,
                                               Observation& observation) {
   const AnalysisTask& task = observation.task;
   const SelfieJudgement judgement = selfies_.analyze(
-      picture, guideInPicture(task.selfieOverlayFrame, task.screenSize, observation.fullSize));
+      picture, guideInPicture(task.selfieOverlayFrame, task.screenSize, observation.fullSize),
+      lastSelfie_);
+  lastSelfie_ = judgement.verdict;
   SelfieView view;
   view.verdict = judgement.verdict;
   view.issue = judgement.issueMessage;

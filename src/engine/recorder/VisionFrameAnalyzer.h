@@ -77,6 +77,7 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
 
   int run_ = -1;
   LivenessJudge liveness_{{}};  ///< of this run
+  SelfieVerdict lastSelfie_ = SelfieVerdict::noFace;
   LiveFaceTracker tracker_;
   std::optional<platform::TimePoint> lastReading_;
   std::optional<Quad> lastOutline_;

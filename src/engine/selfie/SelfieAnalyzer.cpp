@@ -50,13 +50,17 @@ bool showsSeveralPeople(std::span<const Face> faces) {
 }
 
 /// `good` when the face is where it belongs.
-SelfieVerdict placeOf(const Face& face, const PixelBuffer& frame, const CGRect& oval) {
+SelfieVerdict placeOf(const Face& face, const PixelBuffer& frame, const CGRect& oval,
+                      SelfieVerdict before) {
   if (oval.isEmpty()) return SelfieVerdict::alignFace;
+  const auto share = [before](SelfieVerdict told) { return before == told ? kClearly : 0; };
   const double part = face.box.width / oval.width;
-  if (part < kLeastFaceOfGuide || face.box.width < kLeastFaceWidth)
-    return SelfieVerdict::moveCloser;
-  if (part > kMostFaceOfGuide) return SelfieVerdict::moveAway;
-  if (offCentre(face.box, oval) > kMostOffCentre || visiblePart(face.box, frame) < kLeastVisible) {
+  const double least = std::max(kLeastFaceOfGuide, kLeastFaceWidth / oval.width);
+  if (part < least * (1 + share(SelfieVerdict::moveCloser))) return SelfieVerdict::moveCloser;
+  if (part > kMostFaceOfGuide * (1 - share(SelfieVerdict::moveAway)))
+    return SelfieVerdict::moveAway;
+  const double mostOff = kMostOffCentre * (1 - share(SelfieVerdict::alignFace));
+  if (offCentre(face.box, oval) > mostOff || visiblePart(face.box, frame) < kLeastVisible) {
     return SelfieVerdict::alignFace;
   }
   return SelfieVerdict::good;
@@ -105,7 +109,7 @@ SelfieAnalyzer::SelfieAnalyzer(std::shared_ptr<FaceDetector> detector,
 }
 
 SelfieJudgement SelfieAnalyzer::analyze(const platform::PixelBufferRef& frame,
-                                        const CGRect& guideInFrame) {
+                                        const CGRect& guideInFrame, SelfieVerdict before) {
   SelfieJudgement judgement;
   const std::vector<Face> faces = detector_->detect(*frame);
   if (faces.empty()) return judgement;
@@ -113,7 +117,7 @@ SelfieJudgement SelfieAnalyzer::analyze(const platform::PixelBufferRef& frame,
   const Face& face = faces.front();
   judgement.face = face;
   judgement.verdict = showsSeveralPeople(faces) ? SelfieVerdict::multipleFaces
-                                                : placeOf(face, *frame, guideInFrame);
+                                                : placeOf(face, *frame, guideInFrame, before);
   // A face that comes nearer than it should is followed all the same.
   const bool isInPlace = judgement.verdict == SelfieVerdict::good;
   if (!isInPlace && judgement.verdict != SelfieVerdict::moveAway) return judgement;

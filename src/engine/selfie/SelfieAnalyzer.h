@@ -44,6 +44,9 @@ inline constexpr double kMostFaceOfGuide = 1.30;
 inline constexpr double kMostOffCentre = 0.7;
 /// Part of the face box that must lie inside the picture.
 inline constexpr double kLeastVisible = 0.9;
+/// By this share more, a face that was out of place is clearly in it: what the detector measures
+/// trembles by some hundredths, and at a bare limit the words would come and go with each look.
+inline constexpr double kClearly = 0.05;
 /// A second face counts as another person from this part of the main face's size on: not a photo on
 /// a card, not a picture on the wall.
 inline constexpr double kOtherPersonSize = 0.4;
@@ -55,9 +58,11 @@ class SelfieAnalyzer {
   SelfieAnalyzer(std::shared_ptr<FaceDetector> detector, std::shared_ptr<FaceLandmarks> landmarks);
 
   /// Judges a frame; `guideInFrame` is the oval's frame in pixels of the picture. An empty one has
-  /// no inside: every face is out of place then.
+  /// no inside: every face is out of place then. Whose face was out of place `before` has to bring
+  /// it into place clearly.
   SelfieJudgement analyze(const platform::PixelBufferRef& frame,
-                          const platform::CGRect& guideInFrame);
+                          const platform::CGRect& guideInFrame,
+                          SelfieVerdict before = SelfieVerdict::noFace);
 
  private:
   std::shared_ptr<FaceDetector> detector_;

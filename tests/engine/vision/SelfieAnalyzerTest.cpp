@@ -50,6 +50,29 @@ TEST(SelfieAnalyzer, TellsWhereTheFaceShouldGo) {
   EXPECT_EQ(analyzer().analyze(cases[8].frame, {}).verdict, alignFace);
 }
 
+TEST(SelfieAnalyzer, LetsWhoWasToldToMoveGoOnUntilTheFaceIsClearlyInPlace) {
+  using enum SelfieVerdict;
+  struct Case {
+    SelfieVerdict told;
+    tests::Placed from, step;  ///< towards the place
+  };
+  const Case cases[] = {{moveCloser, {'a', 360, 540, 170}, {'a', 0, 0, 3}},
+                        {moveAway, {'a', 360, 540, 600}, {'a', 0, 0, -8}},
+                        {alignFace, {'a', 360, 820, 320}, {'a', 0, -4, 0}}};
+  for (const auto& [told, from, step] : cases) {
+    int between = 0;
+    auto [person, x, y, width] = from;
+    for (auto before = told; before == told;) {
+      x += step.x, y += step.y, width += step.faceWidth;
+      const auto frame = tests::cameraFrame({{person, x, y, width}});
+      before = analyzer().analyze(frame, kOval, told).verdict;
+      between += before == told && analyzer().analyze(frame, kOval).verdict == good;
+    }
+    EXPECT_GE(between, 2) << static_cast<int>(told);
+    EXPECT_LE(between, 8) << static_cast<int>(told);
+  }
+}
+
 TEST(SelfieAnalyzer, RefusesPicturesTheMatcherCannotUse) {
   const auto good = tests::cameraFrame({{'b', 360, 540, 320}});
   cv::Mat dark;
