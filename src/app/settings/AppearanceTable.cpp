@@ -23,7 +23,7 @@ constexpr std::uint64_t kLargestFile = 1 << 18;
 /// The tables speak it by themselves.
 const char* const kOwnLanguage = "en";
 
-struct Row {
+struct LookRow {
   std::string key;
   std::string wanted;  ///< "a colour as \"#1B5E9E\""
   /// False when the value is not what is wanted.
@@ -79,14 +79,14 @@ bool setText(std::string& target, const json& value) {
   return true;
 }
 
-Row textRow(std::string key, std::string& text) {
+LookRow textRow(std::string key, std::string& text) {
   return {std::move(key), "a text",
           [&text](const json& v, const fs::path&) { return setText(text, v); }};
 }
 
 /// Colours, fonts, pictures and places that both captures have.
 template <class Capture>
-void addLooks(const std::string& capture, std::vector<Row>& rows) {
+void addLooks(const std::string& capture, std::vector<LookRow>& rows) {
   using corvana::Fonts;
   for (const auto& [name, field] : kColorKeys) {
     rows.push_back({capture + ".colors." + name, "a colour as \"#1B5E9E\"",
@@ -115,7 +115,7 @@ void addLooks(const std::string& capture, std::vector<Row>& rows) {
                   }});
 }
 
-void addSilhouettes(std::vector<Row>& rows) {
+void addSilhouettes(std::vector<LookRow>& rows) {
   using Images = IDCapture::Images;
   const std::pair<const char*, platform::UIImageRef Images::*> images[] = {
       {"frontSilhouetteImage", &Images::frontSilhouetteImage},
@@ -197,7 +197,7 @@ std::vector<TextEntry> textsOf() {
   return texts;
 }
 
-void addWindow(WindowLooks& looks, std::vector<Row>& rows) {
+void addWindow(WindowLooks& looks, std::vector<LookRow>& rows) {
   rows.push_back(
       {"screen.textScale", "a number from 0.8 to 2", [&looks](const json& value, const fs::path&) {
          if (!value.is_number()) return false;
@@ -217,8 +217,8 @@ void addWindow(WindowLooks& looks, std::vector<Row>& rows) {
   }
 }
 
-std::vector<Row> rowsFor(WindowLooks& looks) {
-  std::vector<Row> rows;
+std::vector<LookRow> rowsFor(WindowLooks& looks) {
+  std::vector<LookRow> rows;
   addLooks<SelfieCapture>("selfieCapture", rows);
   addLooks<IDCapture>("idCapture", rows);
   addSilhouettes(rows);
@@ -269,9 +269,9 @@ Expected<void> applyAppearance(const fs::path& file, WindowLooks& looks) {
   if (!object->is_object()) {
     return platform::failure(name + " must hold a JSON object of keys and values.");
   }
-  const std::vector<Row> rows = rowsFor(looks);
+  const std::vector<LookRow> rows = rowsFor(looks);
   for (const auto& [key, value] : object->items()) {
-    const auto row = std::ranges::find(rows, key, &Row::key);
+    const auto row = std::ranges::find(rows, key, &LookRow::key);
     if (row == rows.end()) {
       return platform::failure(name + " has an unknown key " + inQuotes(key) +
                                "; docs/screen.md lists those that there are.");
