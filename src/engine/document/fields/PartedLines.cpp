@@ -149,7 +149,8 @@ std::vector<TextLine> partedLabels(const TextLine& line, const std::vector<TextL
   return parts;
 }
 
-/// Where the labels of fields begin that stand side by side right above a line, from the left.
+/// Where the labels of fields begin that stand side by side right above a line, from the left. What
+/// a label says in one language may stand above what it says in another.
 std::vector<double> labelsAbove(const platform::CGRect& text, const std::vector<TextLine>& lines,
                                 const FieldLabels& labels) {
   std::vector<double> beginnings;
@@ -162,6 +163,9 @@ std::vector<double> labelsAbove(const platform::CGRect& text, const std::vector<
       beginnings.push_back(line.box.minX());
   }
   std::ranges::sort(beginnings);
+  const auto isOneColumn = [&](double a, double b) { return b - a <= kAligned * text.height; };
+  const auto [from, to] = std::ranges::unique(beginnings, isOneColumn);
+  beginnings.erase(from, to);
   return beginnings;
 }
 
