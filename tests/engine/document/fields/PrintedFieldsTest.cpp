@@ -326,6 +326,38 @@ TEST(PrintedFields, WithoutALabelThatIsReadAreKnownByZoneOrCode) {
   }
 }
 
+TEST(PrintedFields, OfTheSurnameStandAboveTheGivenNamesWhereNoLabelNamesThem) {
+  const auto labels = engine::FieldLabels::load({ENGINE_RESOURCES "/documents/labels"});
+  ASSERT_TRUE(labels) << labels.error().sentence;
+  const auto recorded = [](FieldName name, const char* value) {
+    return corvana::DocumentField{name, value, corvana::FieldSource::zone, 1, false, std::nullopt};
+  };
+  const std::vector<corvana::DocumentField> record{recorded(FieldName::surname, "OKONKWO EZE"),
+                                                   recorded(FieldName::givenNames, "ADAEZE")};
+  const TextLine given = at(300, 178, "ADAEZE");
+  const TextLine label = at(300, 160, "Zvxwq hjk", 14);
+  const Values another{{FieldName::surname, "MEIER"}, {FieldName::givenNames, "ADAEZE"}};
+  const Values none{{FieldName::givenNames, "ADAEZE"}};
+  const Case cases[] = {
+      {"another surname", {at(300, 58, "UTOPIA"), at(305, 130, "MEIER"), label, given}, another},
+      {"below a number", {at(300, 80, "D23145890"), at(300, 130, "MEIER"), given}, another},
+      {"of other print", {at(300, 140, "MEIER", 14), given}, none},
+      {"in small letters", {at(300, 130, "Meier"), given}, none},
+      {"beside the column", {at(330, 130, "MEIER"), given}, none},
+      {"too far above", {at(300, 90, "MEIER"), given}, none},
+      {"a surname in two lines", {at(300, 94, "OKONKWO"), at(300, 130, "EZE"), given}, none},
+      {"a label", {at(300, 130, "SURNAME"), given}, none},
+      {"given names behind something else",
+       {at(300, 130, "MEIER"), at(300, 178, "Zvxwq ADAEZE")},
+       none}};
+  for (const Case& c : cases) {
+    Values values;
+    for (const auto& field : engine::printedFields(c.lines, *labels, kToday, {}, record))
+      values[field.name] = field.value;
+    EXPECT_EQ(values, c.values) << c.what;
+  }
+}
+
 TEST(PrintedFields, AreTakenFromTheirPlacesWhereNoLabelNamesThem) {
   const auto labels = engine::FieldLabels::load({ENGINE_RESOURCES "/documents/labels"});
   ASSERT_TRUE(labels) << labels.error().sentence;
