@@ -11,6 +11,7 @@
 #include "engine/document/guidance/Glare.h"
 #include "engine/document/mrz/MrzLayout.h"
 #include "engine/document/mrz/MrzPrint.h"
+#include "engine/document/mrz/MrzRepair.h"
 #include "engine/document/outline/CardChoice.h"
 #include "engine/document/outline/CardWarp.h"
 #include "engine/document/outline/StillCards.h"
@@ -239,7 +240,10 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
   }
   MrzReading mrz = mrzInPrint(reading.lines);
   if (!mrz.mrz) mrz.mrz = memory.votes.result();
-  if (!mrz.mrz) mrz = mrz_.read(picture);
+  if (!mrz.mrz) {
+    features.glimpsedMrz = glimpsedMrz(mrz.lines);
+    mrz = mrz_.read(picture);
+  }
   features.mrz = mrz.mrz;
   // A face takes a side for a front, few of which have a barcode.
   const bool mayHaveCode = !face || documentKind(features, tables_->kinds).front.code;
@@ -248,7 +252,7 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
   if (features.barcode) mrz.band.reset();
   features.hasMrzBand = mrz.band.has_value();
   reading.mrzBand = mrz.band;
-  memory.hasOpenZone = features.hasMrzBand && !features.mrz;
+  memory.hasOpenZone = (features.hasMrzBand || features.glimpsedMrz) && !features.mrz;
   // A front's lines of print may look like a zone; only what was read or stands alone is one.
   if (mrz.band && (mrz.mrz || !face)) blanks.push_back(*mrz.band);
 

@@ -84,6 +84,14 @@ const DocumentKind* kindByZone(const corvana::MRZResult& zone, bool hasFace,
   return best;
 }
 
+/// What could not be read may still be of a format that only one kind has beside its photo: taken
+/// for another kind the side would lack nothing.
+const DocumentKind* kindByGlimpse(const corvana::MRZResult& zone, const DocumentKinds& kinds) {
+  constexpr bool kHasFace = true;
+  const DocumentKind* kind = kindByZone(zone, kHasFace, kinds);
+  return kind && kind->zoneFormat && kind->front.zone ? kind : nullptr;
+}
+
 const DocumentKind* kindByCode(const std::map<std::string, std::string>& barcode,
                                const DocumentKinds& kinds) {
   const auto holdsOneOf = [&](const std::vector<std::string>& elements) {
@@ -98,6 +106,9 @@ const DocumentKind* kindByRecord(const DocumentFeatures& features, const Documen
   const DocumentKind* kind = nullptr;
   if (features.mrz) kind = kindByZone(*features.mrz, features.hasFace, kinds);
   if (!kind && features.barcode) kind = kindByCode(*features.barcode, kinds);
+  if (!kind && !features.mrz && features.glimpsedMrz && features.hasFace) {
+    kind = kindByGlimpse(*features.glimpsedMrz, kinds);
+  }
   return kind;
 }
 

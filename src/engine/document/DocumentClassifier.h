@@ -15,6 +15,8 @@ namespace corvana::engine {
 struct DocumentFeatures {
   std::vector<std::string> lines{};
   std::optional<corvana::MRZResult> mrz{};
+  /// Of a zone that is there but could not be read, as glimpsedMrz() tells.
+  std::optional<corvana::MRZResult> glimpsedMrz{};
   /// Rows that look like a machine-readable zone, read or not.
   bool hasMrzBand = false;
   std::optional<std::map<std::string, std::string>> barcode{};
@@ -22,10 +24,12 @@ struct DocumentFeatures {
 };
 
 /// Names the document and the side, and what such a side should carry: fills `type`, `side` and the
-/// `should` flags of the data. A zone or barcode marks a back, unless the kind has it beside the
-/// photo; a face marks a front. With neither, only the backs of kinds that have no mark are known,
-/// by the kind's name; else side and type stay absent. Front and back of one card come into the
-/// same kind: what names none is the remainder, an identity card. Pure.
+/// `should` flags of the data. A zone that was only glimpsed beside the photo makes the document
+/// one of a kind that has such a zone there, which it then should have. A zone or barcode marks a
+/// back, unless the kind has it beside the photo; a face marks a front. With neither, only the
+/// backs of kinds that have no mark are known, by the kind's name; else side and type stay absent.
+/// Front and back of one card come into the same kind: what names none is the remainder, an
+/// identity card. Pure.
 void classify(const DocumentFeatures& features, const DocumentKinds& kinds,
               corvana::DetectedData& data);
 

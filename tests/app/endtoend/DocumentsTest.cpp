@@ -133,6 +133,22 @@ TEST(Documents, APassportsPageIsAFrontAndNoBack) {
             std::string::npos)
       << both.errors;
   EXPECT_FALSE(fs::exists(scratch / "both"));
+
+  // A thumb on the zone's last letters: without its zone a page is not taken for an identity card.
+  const json& corners = pictures.at(0).at("corners");
+  const auto near = [&](std::size_t axis) {  // of the lower right corner, a little inwards
+    const auto corner = [&](std::size_t which) { return corners.at(which).at(axis).get<double>(); };
+    const double along = 0.07 * (corner(3) - corner(2));
+    return std::to_string(int(corner(2) + along + 0.12 * (corner(1) - corner(2))) - 30);
+  };
+  const fs::path touched = scratch / "touched.png";
+  const std::string thumb = "drawbox=x=" + near(0) + ":y=" + near(1) + ":w=60:h=60:c=tan:t=fill";
+  ASSERT_EQ(runProgram("ffmpeg", {"-v", "error", "-i", photo, "-vf", thumb, touched}).exitCode, 0);
+  const ProgramRun unread = runVideoid({"enroll", "--front", touched, "--output", scratch / "no"});
+  EXPECT_EQ(unread.exitCode, 2);
+  EXPECT_NE(unread.errors.find("barcode that a PASSPORT_PAGE_FRONT has could not be read"),
+            std::string::npos)
+      << unread.errors;
 }
 
 TEST(Documents, AreListedAndChecked) {

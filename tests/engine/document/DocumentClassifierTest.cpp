@@ -83,6 +83,26 @@ TEST(DocumentClassifier, TellsKindsAndSidesByTheirZones) {
   }
 }
 
+TEST(DocumentClassifier, AsksForAZoneThatWasOnlyGlimpsedBesideThePhoto) {
+  const struct {
+    corvana::MRZResult zone;
+    bool hasFace;
+    const char* type;
+    bool shouldHaveMrz;
+  } cases[] = {
+      {mrz("P", 2, 44), true, "PASSPORT_PAGE_FRONT", true},
+      {mrz("I", 2, 36), true, "TD2_CARD_FRONT", true},
+      {mrz("I", 3, 30), true, "IDENTITY_CARD_FRONT", false},
+      {mrz("P", 2, 44), false, "none", false},
+  };
+  for (const auto& c : cases) {
+    corvana::DetectedData data;
+    engine::classify({.glimpsedMrz = c.zone, .hasFace = c.hasFace}, kinds(), data);
+    EXPECT_EQ(data.type.value_or("none"), c.type) << c.zone.documentCode;
+    EXPECT_EQ(data.shouldHaveMrz, c.shouldHaveMrz) << c.type;
+  }
+}
+
 TEST(DocumentClassifier, TellsABareBackByItsKindsName) {
   const ScratchFolder scratch;
   writeBytes(scratch / "kind.json",

@@ -107,6 +107,24 @@ TEST(MrzRepair, RefusesWhatItCannotBeSureOf) {
     EXPECT_EQ(readOf(c.print), c.reason) << c.what;
 }
 
+TEST(MrzRepair, GlimpsesZonesThatItCannotRead) {
+  const Lines page{"P<UTOGROSS<MUELLER<<KAETHE<<<<<<<<<<<<<<<<<<",
+                   "27174525<2UT09201110F2711209<<<<<<<<<<<<<<<4"};  // the first 2 is a Z
+  ASSERT_FALSE(engine::readMrz(page));
+  const auto glimpsed = engine::glimpsedMrz(page);
+  ASSERT_TRUE(glimpsed);
+  EXPECT_EQ(glimpsed->documentCode, "P");
+  ASSERT_EQ(glimpsed->lines.size(), 2U);
+  EXPECT_EQ(glimpsed->lines.back().substr(10, 3), "UTO");
+  const Lines others[] = {
+      {page[0]},
+      {page[1], page[0]},
+      // A national layout of the same size, with the given names in line two.
+      {"IDUTOBERTHIER<<<<<<<<<<<<<<<<<<<<<<<", "9409923102854CORINNE<<<<<<<6512068F4"}};
+  for (const Lines& lines : others)
+    EXPECT_FALSE(engine::glimpsedMrz(lines)) << lines.front();
+}
+
 /// Deals out misreadings; equal everywhere, unlike the distributions of the standard library.
 class Dice {
  public:

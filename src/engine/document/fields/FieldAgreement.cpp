@@ -73,13 +73,20 @@ std::size_t changedDigits(const std::string& a, const std::string& b) {
                             std::not_equal_to<>());
 }
 
+std::string yearOf(const std::string& iso) {
+  return iso.substr(0, 4);
+}
+
+bool isNearDate(const std::string& date, const DocumentField& field) {
+  return changedDigits(date, field.value) <= kMostChangedDigits;
+}
+
 /// Whether a line holds a value that is nearly, but not quite, this one.
 bool nearlyHolds(const std::string& line, const DocumentField& field) {
   if (field.name == FieldName::birthDate) {
     // Only births are unlike all other dates: a document expires on the day it was issued.
-    return std::ranges::any_of(datesNear(line, field.value), [&](const std::string& date) {
-      return changedDigits(date, field.value) <= kMostChangedDigits;
-    });
+    return std::ranges::any_of(datesNear(line, field.value),
+                               [&](const std::string& date) { return isNearDate(date, field); });
   }
   const std::string wanted = skeletonOf(field.name, field.value);
   if (field.name == FieldName::documentNumber) {
@@ -145,13 +152,32 @@ class PrintCheck {
   }
 
   /// A document expires on the day of the year on which it was issued, so that a date near its
-  /// expiry is another expiry only where it stands after the issue.
+  /// expiry is another expiry only where it can't be the issue: after the expiry, or in another
+  /// year than the issue, which is the first such date where no label names it.
   bool holdsOtherExpiry(const std::string& line, const DocumentField& field) const {
-    const auto issue = std::ranges::find(print_.fields, FieldName::issueDate, &DocumentField::name);
-    if (field.name != FieldName::expiryDate || issue == print_.fields.end()) return false;
+    if (field.name != FieldName::expiryDate) return false;
+    const std::string issue = issueBefore(field);
+    // Exchanging day and month leaves the year.
+    const auto isNoIssue = [&](const std::string& date) {
+      return date > field.value || (!issue.empty() && yearOf(date) != yearOf(issue));
+    };
     return std::ranges::any_of(datesNear(line, field.value), [&](const std::string& date) {
-      return date > issue->value && changedDigits(date, field.value) <= kMostChangedDigits;
+      return isNearDate(date, field) && isNoIssue(date);
     });
+  }
+
+  /// Empty where no print may be the issue of what expires then.
+  std::string issueBefore(const DocumentField& expiry) const {
+    const auto named = std::ranges::find(print_.fields, FieldName::issueDate, &DocumentField::name);
+    if (named != print_.fields.end()) return named->value;
+    std::string first;
+    for (const std::string& line : print_.lines) {
+      if (isTaken(line, expiry.name)) continue;
+      for (const std::string& date : datesNear(line, expiry.value)) {
+        if (isNearDate(date, expiry) && (first.empty() || date < first)) first = date;
+      }
+    }
+    return first;
   }
 
   void search(const DocumentField& field, FieldCheck& check) const {

@@ -71,11 +71,24 @@ bool isAtStroke(const Tokens& tokens, std::size_t place) {
          isLikeStroke(after);
 }
 
+/// The words from one place to another, without what strokes part from them in the outer ones: of
+/// "Datum narození/Date" the first two words.
+std::string betweenStrokes(const Tokens& tokens, std::size_t from, std::size_t to) {
+  constexpr const char* kStrokes = "/|";
+  Tokens inner(tokens.begin() + static_cast<std::ptrdiff_t>(from),
+               tokens.begin() + static_cast<std::ptrdiff_t>(to));
+  inner.front().erase(0, inner.front().find_last_of(kStrokes) + 1);
+  inner.back().resize(std::min(inner.back().find_first_of(kStrokes), inner.back().size()));
+  return joined(inner, 0, inner.size());
+}
+
 /// Whether a label has words on both sides of the place, so that nothing begins there.
 bool isWithinLabel(const Tokens& tokens, std::size_t place, const FieldLabels& labels) {
   for (std::size_t from = 0; from < place; ++from) {
-    for (std::size_t to = place + 1; to <= tokens.size() && to - from <= kMostLabelWords; ++to)
+    for (std::size_t to = place + 1; to <= tokens.size() && to - from <= kMostLabelWords; ++to) {
       if (labels.isLabel(joined(tokens, from, to))) return true;
+      if (labels.isLabel(betweenStrokes(tokens, from, to))) return true;
+    }
   }
   return false;
 }
@@ -149,7 +162,8 @@ std::vector<TextLine> partedLabels(const TextLine& line, const std::vector<TextL
   return parts;
 }
 
-/// Where the labels of fields begin that stand side by side right above a line, from the left.
+/// Where the labels of fields begin that stand side by side right above a line, from the left. What
+/// a label says in one language may stand above what it says in another.
 std::vector<double> labelsAbove(const platform::CGRect& text, const std::vector<TextLine>& lines,
                                 const FieldLabels& labels) {
   std::vector<double> beginnings;
@@ -162,6 +176,9 @@ std::vector<double> labelsAbove(const platform::CGRect& text, const std::vector<
       beginnings.push_back(line.box.minX());
   }
   std::ranges::sort(beginnings);
+  const auto isOneColumn = [&](double a, double b) { return b - a <= kAligned * text.height; };
+  const auto [from, to] = std::ranges::unique(beginnings, isOneColumn);
+  beginnings.erase(from, to);
   return beginnings;
 }
 

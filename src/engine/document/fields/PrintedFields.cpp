@@ -258,6 +258,7 @@ std::vector<DocumentField> printedFields(const std::vector<TextLine>& lines,
     if (named == fields.end()) fields.push_back(std::move(placed));
   }
   addUnlabelled(parted, read, record, fields);
+  addSurnameAbove(parted, labels, read, record, fields);
   return fields;
 }
 

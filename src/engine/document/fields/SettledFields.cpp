@@ -1,6 +1,7 @@
 #include "engine/document/fields/SettledFields.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 #include <utility>
 
@@ -94,6 +95,46 @@ std::optional<DocumentField> inPrint(const DocumentField& recorded,
   return std::nullopt;
 }
 
+bool hasSmallLetters(const std::string& text) {
+  return std::ranges::any_of(text, [](char c) { return c >= 'a' && c <= 'z'; });
+}
+
+/// Values of one column are of one print and begin at one edge; labels between them are smaller.
+bool areInOneColumn(const TextLine& a, const TextLine& b) {
+  constexpr double kSameHeight = 0.7;  // marks make a line higher
+  constexpr double kSameEdge = 0.5;    // of the height
+  const auto [low, high] = std::minmax(a.box.height, b.box.height);
+  return low > kSameHeight * high && std::abs(a.box.minX() - b.box.minX()) < kSameEdge * high &&
+         hasSmallLetters(a.text) == hasSmallLetters(b.text);
+}
+
+/// The words that stand next above a value, in its column; null where none do.
+const TextLine* wordsAbove(const TextLine& value, const std::vector<const TextLine*>& words) {
+  constexpr double kMostAbove = 2.0;   // of the height, with a label between
+  constexpr double kMostShared = 0.5;  // of the height
+  const TextLine* next = nullptr;
+  for (const TextLine* line : words) {
+    const double gap = value.box.minY() - line->box.maxY();
+    const bool isNear =
+        gap > -kMostShared * value.box.height && gap < kMostAbove * value.box.height;
+    if (line == &value || !isNear || !areInOneColumn(*line, value)) continue;
+    if (!next || line->box.maxY() > next->box.maxY()) next = line;
+  }
+  return next;
+}
+
+/// Lines that no label begins and that may be a name as a whole.
+std::vector<const TextLine*> unlabelledWords(const std::vector<TextLine>& lines,
+                                             const FieldLabels& labels, const ValueReader& read) {
+  std::vector<const TextLine*> words;
+  for (const TextLine& line : lines) {
+    const bool mayBeName = line.text.find('<') == std::string::npos &&
+                           read(FieldName::surname, line.text) && !labels.labelledText(line.text);
+    if (mayBeName) words.push_back(&line);
+  }
+  return words;
+}
+
 }  // namespace
 
 void addEitherName(DocumentField name, const Fields& record, Fields& fields) {
@@ -127,6 +168,23 @@ void settle(Fields& fields, const Fields& record) {
       *own = std::move(field);
     }
   }
+}
+
+void addSurnameAbove(const std::vector<TextLine>& lines, const FieldLabels& labels,
+                     const ValueReader& read, const Fields& record, Fields& fields) {
+  if (isPrinted(fields, FieldName::surname) || !isPrinted(record, FieldName::surname)) return;
+  const auto given = std::ranges::find(fields, FieldName::givenNames, &DocumentField::name);
+  if (given == fields.end() || !entryOf(record, given->name, given->value)) return;
+  const auto words = unlabelledWords(lines, labels, read);
+  const auto isGiven = [&](const TextLine* line) {
+    return line->box == given->place && line->text == given->value;
+  };
+  const auto givenLine = std::ranges::find_if(words, isGiven);
+  const auto* surname = givenLine == words.end() ? nullptr : wordsAbove(**givenLine, words);
+  // Of two values above the given names either may be the surname, or a part of it.
+  if (!surname || isTaken(*surname, fields) || wordsAbove(*surname, words)) return;
+  fields.push_back({FieldName::surname, surname->text, corvana::FieldSource::print,
+                    static_cast<float>(surname->confidence), false, surname->box});
 }
 
 void addUnlabelled(const std::vector<TextLine>& lines, const ValueReader& read,

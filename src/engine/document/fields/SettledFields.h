@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "corvana/DocumentField.h"
+#include "engine/document/fields/FieldLabels.h"
 #include "engine/document/fields/ValueReader.h"
 #include "engine/document/text/TextReader.h"
 
@@ -25,5 +26,12 @@ void settle(std::vector<corvana::DocumentField>& fields,
 void addUnlabelled(const std::vector<TextLine>& lines, const ValueReader& read,
                    const std::vector<corvana::DocumentField>& record,
                    std::vector<corvana::DocumentField>& fields);
+
+/// Adds the surname that the record has otherwise, under a label that could not be read: the words
+/// next above the given names that the record has too, of the same print. Every document has the
+/// surname before the given names. Nothing is added where two such values stand above each other.
+void addSurnameAbove(const std::vector<TextLine>& lines, const FieldLabels& labels,
+                     const ValueReader& read, const std::vector<corvana::DocumentField>& record,
+                     std::vector<corvana::DocumentField>& fields);
 
 }  // namespace corvana::engine

@@ -153,13 +153,17 @@ bool areNamesParted(std::string_view field) {
   return names.find("<<", gap + 1) == std::string_view::npos;
 }
 
+bool isIssuerKnown(const MrzCandidate& zone) {
+  return isMrzStateCode(mrzField(zone.lines, kMrzIssuingState));
+}
+
+bool isNationalityKnown(const MrzCandidate& zone) {
+  return isMrzStateCode(mrzField(zone.lines, zone.layout->nationality));
+}
+
 std::optional<std::string> doubt(const MrzCandidate& zone) {
-  if (!isMrzStateCode(mrzField(zone.lines, kMrzIssuingState))) {
-    return "the issuing state is not known";
-  }
-  if (!isMrzStateCode(mrzField(zone.lines, zone.layout->nationality))) {
-    return "the nationality is not known";
-  }
+  if (!isIssuerKnown(zone)) return "the issuing state is not known";
+  if (!isNationalityKnown(zone)) return "the nationality is not known";
   if (!areNamesParted(mrzField(zone.lines, zone.layout->names))) {
     return "the names are not clearly parted";
   }
@@ -287,6 +291,18 @@ platform::Expected<corvana::MRZResult> readMrz(const std::vector<std::string>& l
     zones = changedOnce(zones);
   }
   return platform::failure(std::move(reason));
+}
+
+std::optional<corvana::MRZResult> glimpsedMrz(const std::vector<std::string>& lines) {
+  for (const MrzCandidate& zone : mrzCandidates(lines)) {
+    if (!isIssuerKnown(zone) || !isNationalityKnown(zone)) continue;
+    corvana::MRZResult glimpsed;
+    glimpsed.lines = zone.lines;
+    glimpsed.documentCode = mrzField(zone.lines, kMrzDocumentCode);
+    std::erase(glimpsed.documentCode, kMrzFiller);
+    return glimpsed;
+  }
+  return std::nullopt;
 }
 
 }  // namespace corvana::engine

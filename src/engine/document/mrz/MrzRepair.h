@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,5 +34,9 @@ std::vector<MrzCandidate> mrzCandidates(const std::vector<std::string>& lines);
 /// with as few changes makes them hold. States must be known ones, and names parted as they are in
 /// a zone. The error is a reason in a few words.
 platform::Expected<corvana::MRZResult> readMrz(const std::vector<std::string>& lines);
+
+/// What lines that can't be read as a zone show of one: those of a format's lengths, with known
+/// states in both their places. Only lines and document code are filled, and either may be misread.
+std::optional<corvana::MRZResult> glimpsedMrz(const std::vector<std::string>& lines);
 
 }  // namespace corvana::engine

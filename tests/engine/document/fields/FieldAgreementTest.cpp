@@ -240,14 +240,35 @@ TEST(FieldAgreement, TakesNoScrapOfALineForANumber) {
 }
 
 TEST(FieldAgreement, TellsAnotherExpiryFromTheIssueOnItsDay) {
+  struct Case {
+    const char* what;
+    std::optional<std::string> labelledIssue;
+    std::vector<std::string> lines;
+    FieldAgreement agreement;
+  };
+  const Case cases[] = {
+      {"the issue alone", "2014-07-01", {"01.07.2014"}, kUnread},
+      {"another year than the issue's", "2014-07-01", {"01.07.2014", "01.07.2022"}, kConflicts},
+      {"a year before the issue's", "2014-07-01", {"01.07.2014", "01.07.2004"}, kConflicts},
+      {"no label, the issue alone", {}, {"01.07.2014"}, kUnread},
+      {"no label, two years of which the later is none of an issue",
+       {},
+       {"01.07.2014", "01.07.2022"},
+       kConflicts},
+      {"no label, both in one line", {}, {"01.07.2014 - 01.07.2022"}, kConflicts},
+      {"no label, after the expiry", {}, {"01.07.2029"}, kConflicts},
+      {"the expiry is there too", {}, {"01.07.2014", "01.07.2029", "01.07.2024"}, kAgrees},
+      {"an issue on whose day and month it can't be told", "2014-01-07", {"07.01.2014"}, kUnread},
+      {"far from the expiry", {}, {"01.07.2014", "23.11.2029"}, kUnread}};
   const std::vector<DocumentField> record{
       field(FieldName::expiryDate, "2024-07-01", FieldSource::zone)};
-  engine::Print print;
-  print.fields = {field(FieldName::issueDate, "2014-07-01", FieldSource::print)};
-  print.lines = {"01.07.2014"};
-  EXPECT_EQ(engine::checkPrint(print, record).front().agreement, kUnread);
-  print.lines = {"01.07.2014", "01.07.2022"};
-  EXPECT_EQ(engine::checkPrint(print, record).front().agreement, kConflicts);
+  for (const Case& c : cases) {
+    engine::Print print;
+    print.lines = c.lines;
+    if (c.labelledIssue)
+      print.fields = {field(FieldName::issueDate, *c.labelledIssue, FieldSource::print)};
+    EXPECT_EQ(engine::checkPrint(print, record).front().agreement, c.agreement) << c.what;
+  }
 }
 
 TEST(FieldAgreement, ComparesAFrontWithTheRecordOfItsBack) {

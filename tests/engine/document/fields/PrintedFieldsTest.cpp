@@ -117,6 +117,23 @@ const Case kCases[] = {
       at(300, 122, "LAURENTELODIE ZOEGIL"), at(300, 180, "Sex Date of birth", 14),
       at(300, 202, "F"), at(330, 202, "1 MAY 1931")},
      {{FieldName::sex, "F"}, {FieldName::birthDate, "1931-05-01"}}},
+    {"labels of several words with a stroke and no blanks between them",
+     {at(300, 100, "Příjmení/Surname", 14), at(300, 118, "ČÁPEK"),
+      at(300, 160, "Jméno/Given names", 14), at(300, 178, "JIŘÍ ONDŘEJ"),
+      at(300, 220, "Datum narození/Date of birth", 14), at(300, 238, "12 08 1984")},
+     {{FieldName::surname, "ČÁPEK"},
+      {FieldName::givenNames, "JIŘÍ ONDŘEJ"},
+      {FieldName::birthDate, "1984-08-12"}}},
+    {"labels in one language above those in another, in two columns",
+     {at(300, 100, "Familienname", 14), at(302, 116, "Surname", 12), at(300, 132, "VON DER HÖHE"),
+      at(300, 170, "Vornamen", 14), at(301, 186, "Given names", 12), at(300, 202, "ANNA SOPHIE"),
+      at(300, 240, "Geburtsdatum", 14), at(700, 240, "Gültig bis", 14),
+      at(303, 256, "Date of birth", 12), at(702, 256, "Date of expiry", 12),
+      at(300, 272, "12 08 1984"), at(700, 272, "30 06 2031")},
+     {{FieldName::surname, "VON DER HÖHE"},
+      {FieldName::givenNames, "ANNA SOPHIE"},
+      {FieldName::birthDate, "1984-08-12"},
+      {FieldName::expiryDate, "2031-06-30"}}},
     {"short words of names behind a label that has a longer twin",
      {at(300, 100, "Efternavn Le Goñvel"), at(300, 150, "Fornavne Á Lei")},
      {{FieldName::surname, "Le Goñvel"}, {FieldName::givenNames, "Á Lei"}}},
@@ -312,6 +329,38 @@ TEST(PrintedFields, WithoutALabelThatIsReadAreKnownByZoneOrCode) {
       values[field.name] = field.value;
       EXPECT_EQ(field.knownBy.has_value(), field.value != "SCHULZ") << field.value;
     }
+    EXPECT_EQ(values, c.values) << c.what;
+  }
+}
+
+TEST(PrintedFields, OfTheSurnameStandAboveTheGivenNamesWhereNoLabelNamesThem) {
+  const auto labels = engine::FieldLabels::load({ENGINE_RESOURCES "/documents/labels"});
+  ASSERT_TRUE(labels) << labels.error().sentence;
+  const auto recorded = [](FieldName name, const char* value) {
+    return corvana::DocumentField{name, value, corvana::FieldSource::zone, 1, false, std::nullopt};
+  };
+  const std::vector<corvana::DocumentField> record{recorded(FieldName::surname, "OKONKWO EZE"),
+                                                   recorded(FieldName::givenNames, "ADAEZE")};
+  const TextLine given = at(300, 178, "ADAEZE");
+  const TextLine label = at(300, 160, "Zvxwq hjk", 14);
+  const Values another{{FieldName::surname, "MEIER"}, {FieldName::givenNames, "ADAEZE"}};
+  const Values none{{FieldName::givenNames, "ADAEZE"}};
+  const Case cases[] = {
+      {"another surname", {at(300, 58, "UTOPIA"), at(305, 130, "MEIER"), label, given}, another},
+      {"below a number", {at(300, 80, "D23145890"), at(300, 130, "MEIER"), given}, another},
+      {"of other print", {at(300, 140, "MEIER", 14), given}, none},
+      {"in small letters", {at(300, 130, "Meier"), given}, none},
+      {"beside the column", {at(330, 130, "MEIER"), given}, none},
+      {"too far above", {at(300, 90, "MEIER"), given}, none},
+      {"a surname in two lines", {at(300, 94, "OKONKWO"), at(300, 130, "EZE"), given}, none},
+      {"a label", {at(300, 130, "SURNAME"), given}, none},
+      {"given names behind something else",
+       {at(300, 130, "MEIER"), at(300, 178, "Zvxwq ADAEZE")},
+       none}};
+  for (const Case& c : cases) {
+    Values values;
+    for (const auto& field : engine::printedFields(c.lines, *labels, kToday, {}, record))
+      values[field.name] = field.value;
     EXPECT_EQ(values, c.values) << c.what;
   }
 }
