@@ -125,7 +125,7 @@ class Rechecker {
       if (!finding.holds) report_.contradictions.push_back(finding.sentence);
     }
     if (!run_.isTrusted) {
-      report_.notes.push_back("No key vouches for the record: its events are untrusted.");
+      report_.notes.emplace_back("No key vouches for the record: its events are untrusted.");
     }
     const json recording = run_.result.value("recording", json());
     if (!recording.is_object() || !recording.value("seconds", json()).is_number()) return;
@@ -137,20 +137,20 @@ class Rechecker {
 
   void compareInputs(const SecondFlow& flow) {
     if (flow.referenceSums != run_.result.value("reference", json())) {
-      report_.contradictions.push_back("The reference is not the one that the record names.");
+      report_.contradictions.emplace_back("The reference is not the one that the record names.");
     }
     if (flow.textSum != run_.sum("text")) {
-      report_.contradictions.push_back("The text is not the one that the record names.");
+      report_.contradictions.emplace_back("The text is not the one that the record names.");
     }
     if (flow.documentsSum != run_.sum("documents")) {
-      report_.notes.push_back("Other kinds of documents are known than then.");
+      report_.notes.emplace_back("Other kinds of documents are known than then.");
     }
     if (flow.modelSums != run_.result.value("models", json())) {
-      report_.notes.push_back("The models are others than then.");
+      report_.notes.emplace_back("The models are others than then.");
     }
     const json program = run_.result.value("program", json());
     if (!program.is_object() || program.value("build", json()) != json(buildId())) {
-      report_.notes.push_back("Another build of the program recorded it.");
+      report_.notes.emplace_back("Another build of the program recorded it.");
     }
     noteOptions();
   }
@@ -194,14 +194,14 @@ class Rechecker {
 
   void noteWhatNoFilmShows() {
     auto& missing = report_.notRechecked;
-    missing.push_back("camera and microphone that took the film, clock, session and subject");
-    missing.push_back("the selfie's file, beyond its sum");
+    missing.emplace_back("camera and microphone that took the film, clock, session and subject");
+    missing.emplace_back("the selfie's file, beyond its sum");
     if (run_.events.earlierAttempts > 0) {
       missing.push_back(std::to_string(run_.events.earlierAttempts) +
                         " earlier attempts, which this film does not show");
     }
     if (report_.recordedEnding.empty()) {
-      missing.push_back("how the run ended: not by anything that its film shows");
+      missing.emplace_back("how the run ended: not by anything that its film shows");
     }
   }
 

@@ -177,7 +177,7 @@ class RecordRedactor {
 };
 
 Expected<void> checkPlaces(const RecordRedaction& wishes) {
-  if (const auto outside = checkOutside(wishes.folder, wishes.output); !outside) return outside;
+  if (auto outside = checkOutside(wishes.folder, wishes.output); !outside) return outside;
   return checkNewFile(wishes.folder, wishes.disclosures, "--disclosures");
 }
 
