@@ -155,7 +155,7 @@ bool removeRecord(const fs::path& folder) {
 
 platform::Expected<fs::path> purge(const fs::path& folder, std::vector<OverdueRun>& runs,
                                    const PurgeRules& rules, const SigningKey& key, UtcTime now) {
-  const auto file = chooseReceipt(folder, now);
+  auto file = chooseReceipt(folder, now);
   if (!file) return file;
   if (const auto begun = writeSigned(*file, receiptOf(runs, rules, key, now, false), key); !begun) {
     return tl::unexpected(begun.error());

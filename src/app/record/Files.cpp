@@ -81,7 +81,7 @@ Expected<nlohmann::ordered_json> sumsOf(const std::vector<fs::path>& files) {
 Expected<std::string> sumOver(const std::vector<fs::path>& files) {
   Sha256 all;
   for (const fs::path& file : files) {
-    const auto sum = sha256(file);
+    auto sum = sha256(file);
     if (!sum) return sum;
     all.add(file.filename().string() + " " + *sum + "\n");
   }
