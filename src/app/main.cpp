@@ -55,8 +55,7 @@ ExitCode run(int argc, char** argv) {
   app::addOptionsCommand(program, exitCode);
   app::addCommandsCommand(program, exitCode);
   if (!namesCommand(program, argc, argv)) {
-    return complain(std::cerr, ExitCode::wrongUse,
-                    "There is no command " + inQuotes(argv[1]) + "; `videoid --help` lists them.");
+    return refuse("There is no command " + inQuotes(argv[1]) + "; `videoid --help` lists them.");
   }
   try {
     program.parse(argc, argv);

@@ -132,9 +132,8 @@ tl::expected<engine::CardReading, Refusal> readBack(engine::DocumentAnalyzer& do
                                                     const EnrollArguments& arguments,
                                                     const engine::DocumentKind* kind) {
   if (kind && !kind->back) {
-    return tl::unexpected(
-        Refusal{ExitCode::wrongUse, inQuotes(arguments.front) + " shows a " + kind->stem +
-                                        ", which has no back; leave out --back."});
+    return wrongUse(inQuotes(arguments.front) + " shows a " + kind->stem +
+                    ", which has no back; leave out --back.");
   }
   return readSide(documents, *arguments.back, DocumentSide::back);
 }
@@ -169,8 +168,7 @@ tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
 }
 
 ExitCode runEnroll(const EnrollArguments& arguments) {
-  if (const auto free = checkEmptyFolder(arguments.output); !free)
-    return complain(std::cerr, ExitCode::wrongUse, free.error().sentence);
+  if (const auto free = checkEmptyFolder(arguments.output); !free) return refuse(free.error());
   const DocumentRules rules = documentRules(arguments.documents);
   const auto reference = readReference(arguments, rules);
   if (!reference) return complain(std::cerr, reference.error());

@@ -1,7 +1,6 @@
 #include "app/record/Files.h"
 
 #include <array>
-#include <cerrno>
 #include <fstream>
 #include <sstream>
 #include <system_error>
@@ -27,17 +26,13 @@ Expected<void> sync(const fs::path& path) {
                            "; check its folder and disk.");
 }
 
-std::error_code lastError() {
-  return {errno, std::generic_category()};
-}
-
 std::error_code writeAsIs(const fs::path& path, const std::string& content) {
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  if (!file) return lastError();
+  if (!file) return engine::lastError();
   std::error_code ignored;  // A file system without permissions is no reason to stop.
   fs::permissions(path, kOwnerFile, ignored);
   file << content;
-  return file.flush() ? std::error_code() : lastError();
+  return file.flush() ? std::error_code() : engine::lastError();
 }
 
 }  // namespace
@@ -55,7 +50,7 @@ Expected<void> writeFile(const fs::path& path, const std::string& content) {
 
 Expected<std::string> sha256(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
-  if (!file) return engine::unreadable(path, lastError());
+  if (!file) return engine::unreadable(path, engine::lastError());
   Sha256 sum;
   std::array<char, 1 << 16> buffer{};
   while (file) {

@@ -187,7 +187,7 @@ tl::expected<RedactedPictures, Refusal> redactRecord(const RecordRedaction& wish
                                                      const Resources& resources) {
   const auto report = checkRecord(wishes.folder, wishes.keys, wishes.authorities);
   if (!report) return wrongUse(report.error());
-  if (const auto fault = faultOf(wishes.folder, *report); !fault.empty()) return wrongUse({fault});
+  if (const auto fault = faultOf(wishes.folder, *report); !fault.empty()) return wrongUse(fault);
   if (const auto free = checkPlaces(wishes); !free) return wrongUse(free.error());
   auto heads = engine::HeadFinder::load(resources.faceDetector(), resources.textReader().boxes);
   if (!heads) return tl::unexpected(Refusal{ExitCode::machineLacks, heads.error().sentence});

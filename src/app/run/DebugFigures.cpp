@@ -13,7 +13,7 @@ namespace {
 using engine::RecorderEvent;
 using Kind = RecorderEvent::Kind;
 
-/// A figure with three digits; nothing for a flag, whose name says enough.
+/// A figure with three digits; of a flag its name alone, with "not" where it is down.
 std::string wordOf(const RecorderEvent::Detail& detail) {
   const auto& [name, value] = detail;
   if (const auto* number = std::get_if<double>(&value)) {

@@ -1,8 +1,14 @@
 #include "engine/json/FileFault.h"
 
+#include <cerrno>
+
 #include "engine/json/JsonFile.h"
 
 namespace corvana::engine {
+
+std::error_code lastError() {
+  return {errno, std::generic_category()};
+}
 
 tl::unexpected<platform::Fault> unreadable(const std::filesystem::path& path,
                                            const std::error_code& error) {

@@ -1,6 +1,5 @@
 #include "engine/json/JsonFile.h"
 
-#include <cerrno>
 #include <fstream>
 #include <map>
 #include <optional>
@@ -36,7 +35,7 @@ Expected<std::string> readFile(const fs::path& path, std::uint64_t maxBytes) {
   std::ifstream file(path, std::ios::binary);
   std::ostringstream content;
   content << file.rdbuf();
-  if (!file) return unreadable(path, {errno, std::generic_category()});
+  if (!file) return unreadable(path, lastError());
   return content.str();
 }
 

@@ -156,10 +156,11 @@ class PrintCheck {
   /// year than the issue, which is the first such date where no label names it.
   bool holdsOtherExpiry(const std::string& line, const DocumentField& field) const {
     if (field.name != FieldName::expiryDate) return false;
-    const std::string issue = issueBefore(field);
-    // Exchanging day and month leaves the year.
     const auto isNoIssue = [&](const std::string& date) {
-      return date > field.value || (!issue.empty() && yearOf(date) != yearOf(issue));
+      if (date > field.value) return true;
+      const std::string issue = issueBefore(field);
+      // Exchanging day and month leaves the year.
+      return !issue.empty() && yearOf(date) != yearOf(issue);
     };
     return std::ranges::any_of(datesNear(line, field.value), [&](const std::string& date) {
       return isNearDate(date, field) && isNoIssue(date);

@@ -128,8 +128,8 @@ std::vector<const TextLine*> unlabelledWords(const std::vector<TextLine>& lines,
                                              const FieldLabels& labels, const ValueReader& read) {
   std::vector<const TextLine*> words;
   for (const TextLine& line : lines) {
-    const bool mayBeName = line.text.find('<') == std::string::npos &&
-                           read(FieldName::surname, line.text) && !labels.labelledText(line.text);
+    const bool mayBeName = !isZoneLine(line.text) && read(FieldName::surname, line.text) &&
+                           !labels.labelledText(line.text);
     if (mayBeName) words.push_back(&line);
   }
   return words;
