@@ -9,8 +9,7 @@ namespace {
 
 using session::Random;
 
-constexpr double kThumbWidth = 17.0;    // millimetres
-constexpr double kDeepestThumb = 11.0;  // what it covers of the card, from the edge
+constexpr double kDeepestThumb = 11.0;  // millimetres, what it covers of the card, from the edge
 constexpr double kLeastThumb = 2.5;
 
 bool chance(Random& random, double share) {

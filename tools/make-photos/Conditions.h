@@ -18,6 +18,8 @@ struct Glare {
   double strength = 0.0;  ///< 1: white in its middle whatever lies under it
 };
 
+inline constexpr double kThumbWidth = 17.0;  ///< millimetres
+
 /// A thumb over the card's edge.
 struct ThumbPlace {
   cv::Point2d tip;     ///< millimetres on the card

@@ -6,20 +6,21 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "Angles.h"
 #include "Ease.h"
 
 namespace corvana::photos {
 namespace {
 
 using session::ease;
+using session::kDegree;
 using session::Random;
 
 constexpr int kCoarse = 8;  // light changes slowly: an eighth of the pixels tells it
-constexpr double kRadian = CV_PI / 180.0;
 constexpr int kNoiseTile = 512;
 
 double along(cv::Point2d point, double degrees) {
-  return point.x * std::cos(degrees * kRadian) + point.y * std::sin(degrees * kRadian);
+  return point.x * std::cos(degrees * kDegree) + point.y * std::sin(degrees * kDegree);
 }
 
 /// Light at a point given from the middle in widths of the photograph.
@@ -62,8 +63,8 @@ cv::Mat smear(double length, double degrees) {
   constexpr int kSteps = 64;
   for (int i = 0; i < kSteps; ++i) {
     const double t = length * ((i + 0.5) / kSteps - 0.5);
-    const double x = half + t * std::cos(degrees * kRadian);
-    const double y = half + t * std::sin(degrees * kRadian);
+    const double x = half + t * std::cos(degrees * kDegree);
+    const double y = half + t * std::sin(degrees * kDegree);
     const int left = static_cast<int>(x), top = static_cast<int>(y);
     for (int dy = 0; dy < 2; ++dy)
       for (int dx = 0; dx < 2; ++dx)

@@ -2,20 +2,19 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 #include <vector>
 
 #include <opencv2/imgproc.hpp>
 
+#include "Angles.h"
 #include "Painting.h"
 #include "Random.h"
 
 namespace corvana::photos {
 namespace {
 
+using session::kFullTurn;
 using session::Random;
-
-constexpr double kTurn = 2 * std::numbers::pi;
 
 cv::Mat gradient(const std::vector<cv::Scalar>& colours, cv::Size size) {
   cv::Mat picture(size, CV_8UC3);
@@ -31,15 +30,16 @@ cv::Mat gradient(const std::vector<cv::Scalar>& colours, cv::Size size) {
 }
 
 void drawWaves(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
-  const double phase = random.uniform(0.0, kTurn);
+  const double phase = random.uniform(0.0, kFullTurn);
   const double turns = random.uniform(1.5, 4.0);
   for (double line = -0.2; line < 1.2; line += 0.019) {
     std::vector<cv::Point2d> points;
     for (int x = -8; x <= picture.cols + 8; x += 8) {
       const double share = static_cast<double>(x) / picture.cols;
       points.emplace_back(
-          x, picture.rows * (line + 0.05 * std::sin(kTurn * turns * share + phase + 2.0 * line) +
-                             0.01 * std::sin(kTurn * turns * 5.0 * share + 8.0 * line)));
+          x,
+          picture.rows * (line + 0.05 * std::sin(kFullTurn * turns * share + phase + 2.0 * line) +
+                          0.01 * std::sin(kFullTurn * turns * 5.0 * share + 8.0 * line)));
     }
     session::drawCurve(picture, points, colour);
   }
@@ -54,7 +54,7 @@ void drawRosettes(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
     for (double ring = 0.3; ring <= 1.0; ring += 0.06) {
       std::vector<cv::Point2d> points;
       for (int step = 0; step <= 540; ++step) {
-        const double angle = kTurn * step / 540.0;
+        const double angle = kFullTurn * step / 540.0;
         const double r = radius * ring * (1.0 + 0.18 * std::sin(leaves * angle + 8.0 * ring));
         points.emplace_back(centre.x + r * std::cos(angle), centre.y + r * std::sin(angle));
       }
@@ -77,10 +77,10 @@ void drawMesh(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
 void drawRays(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
   const cv::Point2d centre(picture.cols * random.uniform(-0.1, 1.1), picture.rows * 1.15);
   const double far = 1.4 * picture.cols;
-  for (double angle = 0.0; angle < kTurn / 2.0; angle += kTurn / 420.0) {
+  for (double angle = 0.0; angle < kFullTurn / 2.0; angle += kFullTurn / 420.0) {
     std::vector<cv::Point2d> points;
     for (double r = 0.02 * far; r < far; r += 0.01 * far) {
-      const double bent = angle + 0.03 * std::sin(kTurn * 5.0 * r / far);
+      const double bent = angle + 0.03 * std::sin(kFullTurn * 5.0 * r / far);
       points.emplace_back(centre.x + r * std::cos(bent), centre.y - r * std::sin(bent));
     }
     session::drawCurve(picture, points, colour);
@@ -94,7 +94,7 @@ void drawScales(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
   for (double y = -radius; y < picture.rows + radius; y += 0.5 * radius, ++row) {
     for (double x = row % 2 == 0 ? 0.0 : radius; x < picture.cols + radius; x += 2.0 * radius) {
       std::vector<cv::Point2d> points;
-      for (double angle = 0.0; angle <= 0.5 * kTurn; angle += kTurn / 40.0)
+      for (double angle = 0.0; angle <= 0.5 * kFullTurn; angle += kFullTurn / 40.0)
         points.emplace_back(x + radius * std::cos(angle), y + radius * std::sin(angle));
       session::drawCurve(picture, points, colour);
     }

@@ -19,7 +19,6 @@ using session::Random;
 
 constexpr double kOversampling = 1.15;  // so that a tilted card stays sharp
 constexpr double kFinestGround = 10.0;  // pixels a millimetre
-constexpr double kThumbWidth = 17.0;    // millimetres
 
 session::Result<cv::Mat> layGround(const View& view, const Conditions& conditions, Random& random) {
   const View::Spread spread = view.spread(conditions.groundTurn);

@@ -5,10 +5,13 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include "Angles.h"
+
 namespace corvana::photos {
 namespace {
 
-constexpr double kRadian = CV_PI / 180.0;
+using session::kDegree;
+
 constexpr double kLeastMargin = 3.0;  // pixels between what is whole and the frame
 
 /// A JPEG encoder fills its last blocks up with whatever there is, which differs each time.
@@ -18,14 +21,14 @@ int wholeBlocks(double length) {
 }
 
 cv::Point2d turned(cv::Point2d point, double degrees) {
-  const double c = std::cos(degrees * kRadian), s = std::sin(degrees * kRadian);
+  const double c = std::cos(degrees * kDegree), s = std::sin(degrees * kDegree);
   return {c * point.x - s * point.y, s * point.x + c * point.y};
 }
 
 /// The plane leaned away by `degrees` about an axis in it.
 cv::Matx33d leaning(double degrees, double direction) {
-  const double x = std::cos(direction * kRadian), y = std::sin(direction * kRadian);
-  const double c = std::cos(degrees * kRadian), s = std::sin(degrees * kRadian);
+  const double x = std::cos(direction * kDegree), y = std::sin(direction * kDegree);
+  const double c = std::cos(degrees * kDegree), s = std::sin(degrees * kDegree);
   return {c + x * x * (1 - c),
           x * y * (1 - c),
           y * s,  //

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "Angles.h"
 #include "CardArtist.h"
 #include "Ease.h"
 #include "Picture.h"
@@ -14,7 +15,6 @@ constexpr double kComing = 1.2;          // seconds from out of view to in place
 constexpr double kFocalLength = 1900.0;  // pixels; the card is held at this distance
 constexpr double kGripInside = 0.040;    // of the card's height covered by the thumb's tip
 constexpr double kGripAside = 0.05;      // of the card's width from its middle
-constexpr double kRadian = CV_PI / 180.0;
 
 }  // namespace
 
@@ -57,10 +57,10 @@ CardPose CardMotion::at(double seconds) const {
   pose.back = turn > 0.5;
   // The side that faces the camera is turned by less than a right angle.
   const double yaw =
-      ((pose.back ? turn - 1.0 : turn) * 180.0 + restTiltY_ + 1.2 * tiltY_.at(seconds)) * kRadian;
-  const double pitch = (restTiltX_ + 1.2 * tiltX_.at(seconds) - 14.0 * gone) * kRadian;
+      ((pose.back ? turn - 1.0 : turn) * 180.0 + restTiltY_ + 1.2 * tiltY_.at(seconds)) * kDegree;
+  const double pitch = (restTiltX_ + 1.2 * tiltX_.at(seconds) - 14.0 * gone) * kDegree;
   pose.roll = restRoll_ + 0.8 * roll_.at(seconds) + 10.0 * gone;
-  const double cr = std::cos(pose.roll * kRadian), sr = std::sin(pose.roll * kRadian);
+  const double cr = std::cos(pose.roll * kDegree), sr = std::sin(pose.roll * kDegree);
   const cv::Point2d middle = centre(seconds);
   const auto seen = [&](double x, double y) {
     const double depth = x * std::sin(yaw) - y * std::sin(pitch);

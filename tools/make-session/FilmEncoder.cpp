@@ -16,7 +16,7 @@ namespace {
 
 using devices::GstPtr;
 
-constexpr GstClockTime kPatience = 120 * GST_SECOND;
+constexpr GstClockTime kEncodePatience = 120 * GST_SECOND;
 
 /// One thread: with more, the same pictures need not become the same bytes.
 std::string launchLine(const std::string& audioEncoder) {
@@ -97,8 +97,9 @@ void FilmEncoder::add(const cv::Mat& picture) {
 Result<void> FilmEncoder::finish() {
   gst_app_src_end_of_stream(state_->source("video"));
   const GstPtr<GstBus> bus(gst_element_get_bus(state_->pipeline.get()));
-  const GstPtr<GstMessage> message(gst_bus_timed_pop_filtered(
-      bus.get(), kPatience, static_cast<GstMessageType>(GST_MESSAGE_ERROR | GST_MESSAGE_EOS)));
+  const GstPtr<GstMessage> message(
+      gst_bus_timed_pop_filtered(bus.get(), kEncodePatience,
+                                 static_cast<GstMessageType>(GST_MESSAGE_ERROR | GST_MESSAGE_EOS)));
   const bool complete = message && GST_MESSAGE_TYPE(message.get()) == GST_MESSAGE_EOS;
   state_->pipeline.reset();
   if (!complete || !devices::setDates(state_->file, {}))

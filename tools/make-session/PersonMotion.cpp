@@ -2,15 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
+#include "Angles.h"
 #include "Ease.h"
 #include "Picture.h"
 
 namespace corvana::session {
 namespace {
 
-constexpr double kTurn = 2 * std::numbers::pi;
 constexpr double kBlinkClosing = 0.09;
 constexpr double kBlinkHeld = 0.08;
 constexpr double kBlinkOpening = 0.17;
@@ -107,7 +106,7 @@ PersonPose PersonMotion::at(double seconds, double mouth) const {
   pose.roll = unrest * 1.6 * roll_.at(seconds);
   pose.swayX = unrest * 0.030 * swayX_.at(seconds);
   pose.swayY = unrest * 0.020 * swayY_.at(seconds);
-  pose.breath = std::sin(kTurn * kBreathsPerSecond * seconds);
+  pose.breath = std::sin(kFullTurn * kBreathsPerSecond * seconds);
   pose.lids = lids(seconds);
   pose.mouth = mouth;
   doTasks(seconds, pose);

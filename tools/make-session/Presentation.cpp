@@ -13,12 +13,12 @@
 namespace corvana::session {
 namespace {
 
-constexpr int kStep = 16;  // pixels between the places that are computed
-constexpr int kInversionSteps = 8;
-constexpr double kExactly = 1e-3;  // pixels, a thirtieth of what the picture is looked up by
-constexpr double kCameraDistance = 1250.0;  // pixels, as an arm's length is to a face
-constexpr double kSway = 14.0;              // pixels
-constexpr double kHandShake = 3.0;          // of the camera
+constexpr int kGridStep = 16;  // pixels between the places that are computed
+constexpr int kRefinements = 8;
+constexpr double kExactly = 1e-3;       // pixels, a thirtieth of what the picture is looked up by
+constexpr double kArmsLength = 1250.0;  // pixels, as an arm's length is to a face
+constexpr double kSway = 14.0;          // pixels
+constexpr double kHandShake = 3.0;      // of the camera
 constexpr int kRoomMargin = 40;
 constexpr double kJitter = 1.5;       // pixels
 constexpr double kZoomJitter = 4e-3;  // share
@@ -104,30 +104,30 @@ cv::Point2d Presentation::seenAt(cv::Point2d onSheet, const Hold& hold) const {
   const auto& [cr, sr] = hold.roll;
   const double x1 = cy * x + sy * z, z1 = -sy * x + cy * z;
   const double y2 = cp * y + sp * z1, z2 = -sp * y + cp * z1;
-  const double far = kCameraDistance / (kCameraDistance - z2);
+  const double far = kArmsLength / (kArmsLength - z2);
   return middle() +
          cv::Point2d(far * (cr * x1 - sr * y2) + hold.x, far * (sr * x1 + cr * y2) + hold.y);
 }
 
 void Presentation::mapSheet(const Hold& hold) {
-  constexpr int kWide = kPictureWidth / kStep + 2;
-  constexpr int kHigh = kPictureHeight / kStep + 2;
+  constexpr int kWide = kPictureWidth / kGridStep + 2;
+  constexpr int kHigh = kPictureHeight / kGridStep + 2;
   cv::Mat coarseX(kHigh, kWide, CV_32FC1);
   cv::Mat coarseY(kHigh, kWide, CV_32FC1);
   for (int row = 0; row < kHigh; ++row)
     for (int column = 0; column < kWide; ++column) {
-      const cv::Point2d seen((column - 0.5) * kStep - 0.5, (row - 0.5) * kStep - 0.5);
+      const cv::Point2d seen((column - 0.5) * kGridStep - 0.5, (row - 0.5) * kGridStep - 0.5);
       cv::Point2d source = middle() + (seen - middle()) / script_.scale;
       cv::Point2d miss(1.0, 1.0);
-      for (int i = 0; i < kInversionSteps && cv::norm(miss) > kExactly; ++i) {
+      for (int i = 0; i < kRefinements && cv::norm(miss) > kExactly; ++i) {
         miss = (seen - seenAt(source, hold)) / script_.scale;
         source += miss;
       }
       coarseX.at<float>(row, column) = static_cast<float>(source.x);
       coarseY.at<float>(row, column) = static_cast<float>(source.y);
     }
-  mapX_ = fineMap(coarseX, kStep);
-  mapY_ = fineMap(coarseY, kStep);
+  mapX_ = fineMap(coarseX, kGridStep);
+  mapY_ = fineMap(coarseY, kGridStep);
 }
 
 void Presentation::showHeld(double seconds, cv::Mat& picture) {

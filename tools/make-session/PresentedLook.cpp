@@ -5,10 +5,11 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <numbers>
 #include <vector>
 
 #include <opencv2/imgproc.hpp>
+
+#include "Angles.h"
 
 namespace corvana::session {
 namespace {
@@ -22,14 +23,13 @@ constexpr double kFlicker = 0.02;
 constexpr double kBands = 2.3;  // over the picture's height
 const cv::Vec3b kBezelColour(22, 22, 24);
 constexpr float kReflection = 26.0F;
-constexpr double kTurn = 2 * std::numbers::pi;
 
 /// Cosines of whole turns, finer than a film's steps of brightness show.
 class CosineOfTurns {
  public:
   CosineOfTurns() {
     for (std::size_t i = 0; i < kSteps; ++i)
-      values_[i] = static_cast<float>(std::cos(kTurn * static_cast<double>(i) / kSteps));
+      values_[i] = static_cast<float>(std::cos(kFullTurn * static_cast<double>(i) / kSteps));
   }
   float at(float turns) const {
     return values_[static_cast<std::size_t>(static_cast<int>(turns * kSteps)) % kSteps];
@@ -126,7 +126,7 @@ void litByDisplay(cv::Mat& picture, const Display& display) {
   const std::vector<float> shineDown = reflected(picture.rows, 0.2, 0.14);
   const auto density = static_cast<float>(1.0 / display.pixelPitch);
   for (int row = 0; row < picture.rows; ++row) {
-    const double wave = std::sin(display.flicker + kTurn * kBands * row / picture.rows);
+    const double wave = std::sin(display.flicker + kFullTurn * kBands * row / picture.rows);
     const auto band = static_cast<float>(1.0 + kFlicker * wave);
     const float shine = kReflection * shineDown[static_cast<std::size_t>(row)];
     const auto* x = display.mapX.ptr<float>(row);

@@ -4,8 +4,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <numbers>
 #include <random>
+
+#include "Angles.h"
 
 namespace corvana::session {
 
@@ -42,20 +43,19 @@ class Wobble {
     for (std::size_t i = 0; i < kTerms; ++i) {
       frequencies_[i] =
           frequency * (1.0 + 0.73 * static_cast<double>(i)) * random.uniform(0.9, 1.1);
-      phases_[i] = random.uniform(0.0, kTurn);
+      phases_[i] = random.uniform(0.0, kFullTurn);
     }
   }
 
   double at(double seconds) const {
     double sum = 0.0;
     for (std::size_t i = 0; i < kTerms; ++i)
-      sum += kWeights[i] * std::sin(kTurn * frequencies_[i] * seconds + phases_[i]);
+      sum += kWeights[i] * std::sin(kFullTurn * frequencies_[i] * seconds + phases_[i]);
     return sum;
   }
 
  private:
   static constexpr std::size_t kTerms = 4;
-  static constexpr double kTurn = 2 * std::numbers::pi;
   static constexpr std::array<double, kTerms> kWeights = {0.45, 0.28, 0.17, 0.10};
   std::array<double, kTerms> frequencies_{};
   std::array<double, kTerms> phases_{};

@@ -35,7 +35,7 @@ namespace fs = std::filesystem;
 constexpr double kAfterCountdown = 6.0;  // the film outlasts the reading, so it never cuts it short
 constexpr double kAfterSpeech = 4.0;
 constexpr double kAfterCard = 2.0;
-constexpr int kPhotoWidth = 520;
+constexpr int kPhotoPixels = 520;
 
 /// Every thing that moves has numbers of its own, so that a change to one leaves the others alone.
 enum class Stream : std::uint64_t { person = 1, card, grain, room, stills, presentation };
@@ -97,7 +97,7 @@ Result<void> writePicture(const fs::path& file, const cv::Mat& picture) {
 Result<Sides> Maker::sides(const CardData& front, const CardData& back) {
   auto holder = portraits_.read(front.photo);
   if (!holder) return fault(holder.error());
-  return Sides{artist_.front(front, passportPhoto(*holder, CardArtist::kPhotoAspect, kPhotoWidth)),
+  return Sides{artist_.front(front, passportPhoto(*holder, CardArtist::kPhotoAspect, kPhotoPixels)),
                artist_.back(back)};
 }
 

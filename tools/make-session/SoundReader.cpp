@@ -11,7 +11,7 @@ namespace {
 
 using devices::GstPtr;
 
-constexpr GstClockTime kPatience = 20 * GST_SECOND;
+constexpr GstClockTime kReadPatience = 20 * GST_SECOND;
 
 /// The pipeline's own words on what went wrong; empty when nothing did.
 std::string complaintOf(const GstPtr<GstElement>& pipeline) {
@@ -42,7 +42,7 @@ Result<std::vector<float>> readSound(const std::filesystem::path& file, int rate
   gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
   GstAppSink* sink = GST_APP_SINK(devices::child(pipeline, "sink"));
   std::vector<float> sound;
-  while (const GstPtr<GstSample> sample{gst_app_sink_try_pull_sample(sink, kPatience)})
+  while (const GstPtr<GstSample> sample{gst_app_sink_try_pull_sample(sink, kReadPatience)})
     append(*sample, sound);
   const std::string complaint = complaintOf(pipeline);
   if (!sound.empty() && complaint.empty()) return sound;

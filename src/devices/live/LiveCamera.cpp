@@ -9,9 +9,9 @@ namespace corvana::devices {
 namespace {
 
 /// A tenth of a second at the usual rate.
-constexpr std::size_t kMostWaiting = 4;
+constexpr std::size_t kMostPictures = 4;
 
-const char* const kConversion =
+const char* const kPictureConversion =
     "videoconvert name=head n-threads=2 ! videoflip video-direction=%d ! videoscale "
     "add-borders=true ! "
     "videoconvert n-threads=2 ! capsfilter name=size "
@@ -22,7 +22,7 @@ std::string conversion(CameraTurn turn) {
   if (turn == CameraTurn::right) direction = "90r";
   if (turn == CameraTurn::around) direction = "180";
   if (turn == CameraTurn::left) direction = "90l";
-  std::string line = kConversion;
+  std::string line = kPictureConversion;
   return line.replace(line.find("%d"), 2, direction);
 }
 
@@ -50,7 +50,7 @@ LiveCamera::LiveCamera(platform::RunLoop& loop, LiveSource source, CameraTurn tu
   setup.kind = "camera";
   setup.source = std::move(source);
   setup.line = conversion(turn);
-  setup.mostWaiting = kMostWaiting;
+  setup.mostWaiting = kMostPictures;
   setup.setUp = [this](GstElement* pipeline) { setUp(pipeline); };
   setup.convert = [this](GstSample* sample) { return convert(sample); };
   stream_ = std::make_shared<LiveStream>(loop, std::move(setup));

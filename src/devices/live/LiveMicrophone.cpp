@@ -10,11 +10,11 @@ namespace {
 
 constexpr int kSampleRate = 48000;
 /// One second.
-constexpr std::size_t kMostWaiting = 50;
+constexpr std::size_t kMostBlocks = 50;
 
 /// The last element counts samples, so that the buffers follow each other without a seam; it
 /// follows the device's clock again when they differ for a while.
-const char* const kConversion =
+const char* const kSoundConversion =
     "audioconvert ! audioresample ! audio/x-raw,format=S16LE,rate=48000,channels=1 ! "
     "audiobuffersplit output-buffer-duration=1/50 alignment-threshold=20000000";
 
@@ -24,8 +24,8 @@ LiveMicrophone::LiveMicrophone(platform::RunLoop& loop, LiveSource source) : nam
   LiveStream::Setup setup;
   setup.kind = "microphone";
   setup.source = std::move(source);
-  setup.line = kConversion;
-  setup.mostWaiting = kMostWaiting;
+  setup.line = kSoundConversion;
+  setup.mostWaiting = kMostBlocks;
   setup.convert = [this](GstSample* sample) { return convert(sample); };
   stream_ = std::make_shared<LiveStream>(loop, std::move(setup));
 }

@@ -15,8 +15,6 @@ namespace {
 using engine::CardVerdict;
 using tests::Held;
 
-constexpr platform::CGRect kGuide{50, 804, 620, 391};
-
 double worstCorner(const engine::Quad& outline, const std::array<cv::Point2f, 4>& truth) {
   double worst = 0;
   for (std::size_t i = 0; i < 4; ++i) {

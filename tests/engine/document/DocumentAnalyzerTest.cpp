@@ -20,7 +20,6 @@ using corvana::DocumentSide;
 using engine::DocumentAnalyzer;
 using tests::Held;
 
-constexpr platform::CGRect kGuide{50, 804, 620, 391};
 const Held kPoses[] = {{.roll = 2, .blur = 0.8},
                        {.y = 1010, .width = 540, .roll = -7, .taper = 0.03},
                        {.width = 620, .taper = -0.04, .background = 1, .noise = 5},

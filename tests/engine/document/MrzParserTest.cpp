@@ -3,21 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include "SpecimenZones.h"
 #include "engine/document/mrz/MrzParser.h"
 
 namespace corvana::tests {
 namespace {
 
 using engine::parseMrz;
-
-// The specimens of ICAO Doc 9303, parts 5, 6 and 4.
-const std::vector<std::string> kTd1{"I<UTOD231458907<<<<<<<<<<<<<<<",  //
-                                    "7408122F1204159UTO<<<<<<<<<<<6",  //
-                                    "ERIKSSON<<ANNA<MARIA<<<<<<<<<<"};
-const std::vector<std::string> kTd2{"I<UTOERIKSSON<<ANNA<MARIA<<<<<<<<<<<",
-                                    "D231458907UTO7408122F1204159<<<<<<<6"};
-const std::vector<std::string> kTd3{"P<UTOERIKSSON<<ANNA<MARIA<<<<<<<<<<<<<<<<<<<",
-                                    "L898902C36UTO7408122F1204159ZE184226B<<<<<10"};
 
 std::string digitOf(const std::string& field) {
   return std::to_string(engine::mrzCheckDigit(field));

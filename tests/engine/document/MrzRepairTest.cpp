@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "SpecimenZones.h"
 #include "engine/document/mrz/MrzParser.h"
 #include "engine/document/mrz/MrzRepair.h"
 #include "engine/document/mrz/MrzVotes.h"
@@ -13,13 +14,6 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-const Lines kTd1{"I<UTOD231458907<<<<<<<<<<<<<<<",  //
-                 "7408122F1204159UTO<<<<<<<<<<<6",  //
-                 "ERIKSSON<<ANNA<MARIA<<<<<<<<<<"};
-const Lines kTd2{"I<UTOERIKSSON<<ANNA<MARIA<<<<<<<<<<<",  //
-                 "D231458907UTO7408122F1204159<<<<<<<6"};
-const Lines kTd3{"P<UTOERIKSSON<<ANNA<MARIA<<<<<<<<<<<<<<<<<<<",
-                 "L898902C36UTO7408122F1204159ZE184226B<<<<<10"};
 const Lines kGerman{"IDD<<T220001293<<<<<<<<<<<<<<<",  //
                     "6408125<2010315D<<<<<<<<<<<<<4",  //
                     "MUSTERMANN<<ERIKA<<<<<<<<<<<<<"};

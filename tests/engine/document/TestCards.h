@@ -6,10 +6,14 @@
 #include <opencv2/core.hpp>
 
 #include "Script.h"
+#include "platform/geometry/Geometry.h"
 #include "platform/media/PixelBuffer.h"
 
 /// Fictitious cards of several designs, and pictures of them as a hand holds them before a person.
 namespace corvana::tests {
+
+/// Where the screen asks for the card, pixels of a picture.
+inline constexpr platform::CGRect kGuide{50, 804, 620, 391};
 
 /// Sides drawn flat, RGBA, transparent outside the rounded corners.
 struct CardSides {

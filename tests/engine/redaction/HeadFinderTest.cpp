@@ -14,7 +14,7 @@ using platform::TimePoint;
 using std::chrono::milliseconds;
 
 const tests::Placed kPerson{'a', 360, 500, 300};
-constexpr platform::CGRect kFace{210, 350, 300, 300};
+constexpr platform::CGRect kShownFace{210, 350, 300, 300};
 /// Inside the head's ellipse, where the mouth is.
 constexpr platform::CGPoint kOnTheChin{360, 610};
 
@@ -52,7 +52,7 @@ TEST(HeadFinder, ShowsAFaceAndCoversPrintInFrontOfIt) {
   const auto plain = tests::cameraFrame({kPerson});
   const auto face = finder().faceIn(*plain);
   ASSERT_TRUE(face);
-  EXPECT_GT(overlap(*face, kFace), 0.8);
+  EXPECT_GT(overlap(*face, kShownFace), 0.8);
   const auto shown = shownPartsAt({finder().lookAt(*plain, *face)}, 0);
   EXPECT_TRUE(isShown(plain, shown, {360, 470}));
   EXPECT_TRUE(isShown(plain, shown, kOnTheChin));
@@ -76,7 +76,7 @@ TEST(HeadFinder, FollowsTheLiveFaceAndNeverAPhotoThatTakesItsPlace) {
   finder().begin(std::nullopt, now);
   const auto first = next(both);
   ASSERT_TRUE(first.face);
-  EXPECT_GT(overlap(*first.face, kFace), 0.8);
+  EXPECT_GT(overlap(*first.face, kShownFace), 0.8);
   EXPECT_FALSE(first.isCrowded);
   EXPECT_TRUE(next(photoOnTheFace).isCrowded);
   EXPECT_FALSE(next(photoAlone).face);
@@ -85,7 +85,7 @@ TEST(HeadFinder, FollowsTheLiveFaceAndNeverAPhotoThatTakesItsPlace) {
 
   finder().begin(std::nullopt, now);
   EXPECT_FALSE(next(photoAlone).face) << "no live face is so small";
-  finder().begin(kFace, now);
+  finder().begin(kShownFace, now);
   EXPECT_TRUE(next(both).face);
 }
 

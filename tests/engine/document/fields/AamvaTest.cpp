@@ -19,7 +19,7 @@ Values valuesOf(const engine::AamvaRecord& record) {
   return values;
 }
 
-struct Case {
+struct Barcode {
   const char* what;
   std::string text;
   int version;
@@ -27,7 +27,7 @@ struct Case {
 };
 
 // Invented persons in the manner of each issuer and version.
-const Case kCases[] = {
+const Barcode kBarcodes[] = {
     {"version 1 with the full name in one element and dates from the year down",
      "@\n\x1e\rAAMVA6360250101DL00290150DLDAQ12 345 678\nDAAMARTIN,GEORGE,ALAN,JR\n"
      "DAG12 CANAL ST\nDAIERIE\nDAJPA\nDAK165010000  \nDBA20030317\nDBB19520317\nDBCM\n"
@@ -115,7 +115,7 @@ const Case kCases[] = {
 };
 
 TEST(Aamva, ReadsRecordsOfAllVersionsAndManners) {
-  for (const Case& c : kCases) {
+  for (const Barcode& c : kBarcodes) {
     const auto record = engine::parseAamva(c.text);
     ASSERT_TRUE(record) << c.what << ": " << record.error().sentence;
     EXPECT_EQ(record->version, c.version) << c.what;

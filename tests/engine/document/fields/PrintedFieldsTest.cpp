@@ -29,13 +29,13 @@ TextLine at(double x, double y, const std::string& text, double height = 24) {
   return line;
 }
 
-struct Case {
+struct PrintedCard {
   const char* what;
   std::vector<TextLine> lines;
   Values values;
 };
 
-const Case kCases[] = {
+const PrintedCard kPrintedCards[] = {
     {"labels above values, in two languages, in columns",
      {at(300, 40, "BUNDESREPUBLIK DEUTSCHLAND"), at(300, 100, "Name/Surname/Nom", 14),
       at(300, 118, "MÜLLER"), at(300, 160, "Vornamen/Given names/Prénoms", 14),
@@ -248,7 +248,7 @@ const Case kCases[] = {
 TEST(PrintedFields, AreFoundByTheirLabels) {
   const auto labels = engine::FieldLabels::load({ENGINE_RESOURCES "/documents/labels"});
   ASSERT_TRUE(labels) << labels.error().sentence;
-  for (const Case& c : kCases) {
+  for (const PrintedCard& c : kPrintedCards) {
     Values values;
     for (const auto& field : engine::printedFields(c.lines, *labels, kToday)) {
       values[field.name] = field.value;
@@ -268,7 +268,7 @@ TEST(PrintedFields, ThatZoneOrCodeHaveForAnotherFieldAreThatOnes) {
   const std::vector<corvana::DocumentField> record{
       recorded(FieldName::surname, "ODENA"), recorded(FieldName::givenNames, "MERCE"),
       recorded(FieldName::birthDate, "1982-10-10"), recorded(FieldName::expiryDate, "2030-03-26")};
-  const Case cases[] = {
+  const PrintedCard cases[] = {
       {"a name under a label of either",
        {at(300, 100, "Nom", 14), at(300, 118, "MERCÈ")},
        {{FieldName::givenNames, "MERCÈ"}}},
@@ -285,7 +285,7 @@ TEST(PrintedFields, ThatZoneOrCodeHaveForAnotherFieldAreThatOnes) {
        {{FieldName::surname, "MEIER"},
         {FieldName::birthDate, "1982-10-11"},
         {FieldName::issueDate, "2025-03-26"}}}};
-  for (const Case& c : cases) {
+  for (const PrintedCard& c : cases) {
     Values values;
     for (const auto& field : engine::printedFields(c.lines, *labels, kToday, {}, record))
       values[field.name] = field.value;
@@ -305,7 +305,7 @@ TEST(PrintedFields, WithoutALabelThatIsReadAreKnownByZoneOrCode) {
                                                    recorded(FieldName::birthDate, "1982-10-10"),
                                                    recorded(FieldName::expiryDate, "2030-03-26"),
                                                    recorded(FieldName::authority, "UTO")};
-  const Case cases[] = {
+  const PrintedCard cases[] = {
       {"alone in a line, with their marks, longer than there was room for",
        {at(300, 40, "Zvxwq", 14), at(300, 58, "MÜLLER ØE"), at(300, 118, "ÅSE LINNÉA"),
         at(300, 160, "D2314589O"), at(300, 200, "26.03.2030"), at(300, 240, "UTO")},
@@ -323,7 +323,7 @@ TEST(PrintedFields, WithoutALabelThatIsReadAreKnownByZoneOrCode) {
       {"what a label names stays",
        {at(300, 40, "Surname", 14), at(300, 58, "SCHULZ"), at(300, 140, "MÜLLER ØE")},
        {{FieldName::surname, "SCHULZ"}}}};
-  for (const Case& c : cases) {
+  for (const PrintedCard& c : cases) {
     Values values;
     for (const auto& field : engine::printedFields(c.lines, *labels, kToday, {}, record)) {
       values[field.name] = field.value;
@@ -345,7 +345,7 @@ TEST(PrintedFields, OfTheSurnameStandAboveTheGivenNamesWhereNoLabelNamesThem) {
   const TextLine label = at(300, 160, "Zvxwq hjk", 14);
   const Values another{{FieldName::surname, "MEIER"}, {FieldName::givenNames, "ADAEZE"}};
   const Values none{{FieldName::givenNames, "ADAEZE"}};
-  const Case cases[] = {
+  const PrintedCard cases[] = {
       {"another surname", {at(300, 58, "UTOPIA"), at(305, 130, "MEIER"), label, given}, another},
       {"below a number", {at(300, 80, "D23145890"), at(300, 130, "MEIER"), given}, another},
       {"of other print", {at(300, 140, "MEIER", 14), given}, none},
@@ -357,7 +357,7 @@ TEST(PrintedFields, OfTheSurnameStandAboveTheGivenNamesWhereNoLabelNamesThem) {
       {"given names behind something else",
        {at(300, 130, "MEIER"), at(300, 178, "Zvxwq ADAEZE")},
        none}};
-  for (const Case& c : cases) {
+  for (const PrintedCard& c : cases) {
     Values values;
     for (const auto& field : engine::printedFields(c.lines, *labels, kToday, {}, record))
       values[field.name] = field.value;
