@@ -23,8 +23,8 @@ int pixels(double length) {
 void sew(cv::Mat& picture, double x, double scale, Random& random) {
   static const std::vector<cv::Scalar> kThreads = {{204, 140, 62}, {222, 206, 170}, {60, 70, 96}};
   const cv::Scalar thread = drawFrom(kThreads, random);
-  cv::Mat fold = picture(cv::Rect2d(x, 0.0, 1.4 * scale, picture.rows) &
-                         cv::Rect2d(0.0, 0.0, picture.cols, picture.rows));
+  cv::Mat fold = picture(cv::Rect(cv::Rect2d(x, 0.0, 1.4 * scale, picture.rows)) &
+                         cv::Rect({}, picture.size()));
   fold *= 0.62;
   for (const double beside : {3.0 * scale, 9.0 * scale})
     for (double y = 0.0; y < picture.rows; y += 3.4 * scale)
@@ -123,7 +123,7 @@ cv::Mat cardboard(cv::Size size, double scale, Random& random) {
   cv::Mat light = 1.0 + 0.03 * unevenness(size, 0.7 * scale, 0.7 * scale, random) +
                   0.04 * unevenness(size, 50.0 * scale, 30.0 * scale, random);
   for (int row = 0; row < size.height; ++row)
-    light.row(row) += 0.055 * std::sin(2.0 * CV_PI * row / flute);
+    light.row(row) += cv::Scalar(0.055 * std::sin(2.0 * CV_PI * row / flute));
   const int fold = static_cast<int>(random.uniform(0.1, 0.9) * size.width);
   const cv::Rect frame({}, size);
   light(cv::Rect(fold, 0, pixels(1.6 * scale), size.height) & frame) *= 0.72;

@@ -23,15 +23,13 @@ int stroke(const cv::Rect2d& place, double share) {
   return std::max(1, static_cast<int>(share * place.width));
 }
 
-/// Upright bars below a plain head, in a rim that ends in a point.
+/// Upright bars below a plain head, in a rim that is round below.
 void drawShield(cv::Mat& picture, const cv::Rect2d& place, const cv::Scalar& colour) {
+  const cv::Point2d middle = middleOf(place);
   Points rim = {place.tl(), cv::Point2d(place.br().x, place.y)};
-  for (double down = 0.0; down <= 1.0; down += 0.05)
-    rim.emplace_back(middleOf(place).x + 0.5 * place.width * std::sqrt(1.0 - down * down),
-                     place.y + place.height * (0.4 + 0.6 * down));
-  for (double down = 1.0; down >= 0.0; down -= 0.05)
-    rim.emplace_back(middleOf(place).x - 0.5 * place.width * std::sqrt(1.0 - down * down),
-                     place.y + place.height * (0.4 + 0.6 * down));
+  for (double angle = 0.0; angle <= CV_PI; angle += CV_PI / 40.0)
+    rim.emplace_back(cv::Point2d(middle.x + 0.5 * place.width * std::cos(angle),
+                                 place.y + place.height * (0.4 + 0.6 * std::sin(angle))));
   cv::Mat inside(picture.size(), CV_8UC1, cv::Scalar(0));
   cv::fillPoly(inside, rim, cv::Scalar(255));
   cv::Mat bars(picture.size(), CV_8UC1, cv::Scalar(0));

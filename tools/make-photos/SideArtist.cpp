@@ -208,7 +208,10 @@ cv::Mat SideArtist::paint(const SideDesign& side, const CardData& print, const C
   if (side.chip) drawChip(picture, whole(*side.chip));
   for (Writing writing : side.writings) {
     writing.text = replaced(writing.text, "{documentNumber}", print.documentNumber);
-    writing.upward ? writeUpward(picture, writing) : write(picture, writing);
+    if (writing.upward)
+      writeUpward(picture, writing);
+    else
+      write(picture, writing);
   }
   if (side.photo) drawPhoto(picture, whole(*side.photo), photo, design_.greyPhoto);
   if (side.ghost) drawGhost(picture, whole(*side.ghost), photo);

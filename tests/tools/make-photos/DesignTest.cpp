@@ -62,7 +62,7 @@ TEST(Designs, WriteTheCardsNumberUpwardAtItsEdge) {
   ASSERT_TRUE(artist) << artist.error();
   const auto painted = [&](const std::string& number, bool upward) {
     SideDesign side;
-    photos::Writing writing{"No. {documentNumber}", {40.0, 40.0}, 5.0, 30.0, "left", {}};
+    photos::Writing writing{"No. {documentNumber}", {40.0, 40.0}, 4.0, 40.0, "left", {}};
     writing.upward = upward;
     side.writings = {writing};
     session::CardData card;
