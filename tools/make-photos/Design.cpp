@@ -63,7 +63,8 @@ Writing writing(const json& value, const cv::Scalar& ink) {
           value.at("size").get<double>(),
           value.at("room").get<double>(),
           value.value("align", "left"),
-          value.contains("colour") ? colour(value.at("colour")) : ink};
+          value.contains("colour") ? colour(value.at("colour")) : ink,
+          value.value("upward", false)};
 }
 
 FieldPlace field(const json& value) {
@@ -83,6 +84,7 @@ SideDesign side(const json& value, const cv::Scalar& ink) {
   side.ghost = optionalBox(value, "ghost");
   side.signature = optionalBox(value, "signature");
   side.emblem = optionalBox(value, "emblem");
+  side.chip = optionalBox(value, "chip");
   side.code = optionalBox(value, "code");
   side.zone = value.value("zone", false);
   return side;
@@ -97,6 +99,7 @@ void readLooks(const json& value, Design& design) {
   design.valueSize = value.at("valueSize").get<double>();
   design.labels = value.at("labels") == "before" ? LabelPlace::before : LabelPlace::above;
   design.pattern = value.at("pattern").get<std::string>();
+  design.emblem = value.value("emblem", design.emblem);
   const json& inks = value.at("colours");
   design.groundColours = colours(inks.at("ground"));
   design.patternColours = colours(inks.at("pattern"));

@@ -24,12 +24,13 @@ struct FontName {
 
 /// Words that are the same on every card of a design. `align` is left, middle or right of `at`.
 struct Writing {
-  std::string text;
+  std::string text;  ///< {documentNumber} in it stands for the card's own
   cv::Point2d at;
   double size = 3.0;
   double room = 40.0;
   std::string align = "left";
   cv::Scalar colour;
+  bool upward = false;  ///< a quarter turn to the left, read from the lower end
 };
 
 /// One datum of the holder: its label, where it stands and how wide it may become.
@@ -55,6 +56,7 @@ struct SideDesign {
   std::optional<cv::Rect2d> ghost;  ///< the photo once more, small and pale
   std::optional<cv::Rect2d> signature;
   std::optional<cv::Rect2d> emblem;
+  std::optional<cv::Rect2d> chip;
   std::optional<cv::Rect2d> code;  ///< PDF417
   bool zone = false;
 };
@@ -83,7 +85,8 @@ struct Design {
   FontName labelFont, valueFont, titleFont;
   double labelSize = 2.0, valueSize = 3.3;
   LabelPlace labels = LabelPlace::above;
-  std::string pattern;  ///< waves, rosettes, mesh, scales or rays
+  std::string pattern;          ///< waves, rosettes, mesh, scales, rays, honeycomb, ripples, braid
+  std::string emblem = "star";  ///< or shield, ring, sprig
   std::vector<cv::Scalar> groundColours, patternColours;
   cv::Scalar ink, labelInk;
   SideDesign front;

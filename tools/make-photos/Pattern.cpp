@@ -101,6 +101,56 @@ void drawScales(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
   }
 }
 
+/// Hexagons that share their sides: of each its upper corner and the two sides that leave it, and
+/// the side down from there.
+void drawHoneycomb(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
+  const double side = picture.rows * random.uniform(0.022, 0.034);
+  const double half = 0.5 * std::sqrt(3.0) * side;
+  int row = 0;
+  for (double y = -side; y < picture.rows + side; y += 1.5 * side, ++row)
+    for (double x = row % 2 == 0 ? 0.0 : half; x < picture.cols + half; x += 2.0 * half)
+      session::drawCurve(picture,
+                         {{x - half, y + 0.5 * side},
+                          {x, y},
+                          {x + half, y + 0.5 * side},
+                          {x + half, y + 1.5 * side}},
+                         colour);
+}
+
+/// Rings around a point beside the card, as a stone makes them in water.
+void drawRipples(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
+  const cv::Point2d centre(picture.cols * random.uniform(-0.2, 1.2),
+                           picture.rows * random.uniform(-0.3, 1.3));
+  const double step = picture.rows * random.uniform(0.016, 0.024);
+  const double lobes = std::floor(random.uniform(9.0, 17.0));
+  for (double radius = step; radius < 1.5 * picture.cols; radius += step) {
+    std::vector<cv::Point2d> points;
+    for (int i = 0; i <= 720; ++i) {
+      const double angle = kTurn * i / 720.0;
+      const double r = radius + 0.8 * step * std::sin(lobes * angle + 0.12 * radius / step);
+      points.emplace_back(centre.x + r * std::cos(angle), centre.y + r * std::sin(angle));
+    }
+    session::drawCurve(picture, points, colour);
+  }
+}
+
+/// Strands that cross each other in bands from side to side.
+void drawBraid(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
+  const double band = picture.rows * random.uniform(0.14, 0.22);
+  const double turns = random.uniform(4.0, 8.0);
+  for (double middle = random.uniform(-0.5, 0.5) * band; middle < picture.rows + band;
+       middle += 0.9 * band) {
+    for (double strand = 0.0; strand < 1.0; strand += 1.0 / 9.0) {
+      std::vector<cv::Point2d> points;
+      for (int x = -8; x <= picture.cols + 8; x += 8) {
+        const double along = kTurn * (turns * x / picture.cols + strand);
+        points.emplace_back(x, middle + 0.5 * band * std::sin(along) * std::cos(0.37 * along));
+      }
+      session::drawCurve(picture, points, colour);
+    }
+  }
+}
+
 }  // namespace
 
 cv::Mat printedGround(const Design& design, cv::Size size, std::uint64_t seed) {
@@ -112,6 +162,9 @@ cv::Mat printedGround(const Design& design, cv::Size size, std::uint64_t seed) {
     if (design.pattern == "mesh") drawMesh(picture, random, colour);
     if (design.pattern == "scales") drawScales(picture, random, colour);
     if (design.pattern == "rays") drawRays(picture, random, colour);
+    if (design.pattern == "honeycomb") drawHoneycomb(picture, random, colour);
+    if (design.pattern == "ripples") drawRipples(picture, random, colour);
+    if (design.pattern == "braid") drawBraid(picture, random, colour);
   }
   return picture;
 }

@@ -13,6 +13,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "AamvaRecord.h"
+#include "Ornaments.h"
 #include "Painting.h"
 #include "Pattern.h"
 
@@ -37,7 +38,9 @@ cv::Rect whole(const cv::Rect2d& box) {
   return {whole(box.x), whole(box.y), whole(box.width), whole(box.height)};
 }
 
-void drawEmblem(cv::Mat& picture, const cv::Rect2d& place, const cv::Scalar& colour) {
+void drawEmblem(cv::Mat& picture, const cv::Rect2d& place, const std::string& shape,
+                const cv::Scalar& colour) {
+  if (shape != "star") return drawShape(picture, whole(place), shape, colour);
   const cv::Point2d centre(place.x + 0.5 * place.width, place.y + 0.5 * place.height);
   session::drawEmblem(picture, centre, 0.5 * place.width, SideArtist::kPixelsPerMillimetre, colour);
 }
@@ -150,6 +153,14 @@ void SideArtist::write(cv::Mat& picture, const Writing& writing) const {
   title_.draw(picture, writing.text, {left, px(writing.at.y)}, size, writing.colour);
 }
 
+void SideArtist::writeUpward(cv::Mat& picture, Writing writing) const {
+  writing.at = {design_.size().height - writing.at.y, writing.at.x};
+  cv::Mat turned;
+  cv::rotate(picture, turned, cv::ROTATE_90_CLOCKWISE);
+  write(turned, writing);
+  cv::rotate(turned, picture, cv::ROTATE_90_COUNTERCLOCKWISE);
+}
+
 void SideArtist::field(cv::Mat& picture, const FieldPlace& place, const std::string& value) const {
   const double full = px(place.size > 0 ? place.size : design_.valueSize);
   cv::Point2d at(px(place.at.x), px(place.at.y));
@@ -192,9 +203,16 @@ cv::Mat SideArtist::paint(const SideDesign& side, const CardData& print, const C
   for (const ColourBand& band : side.bands)
     cv::rectangle(picture, whole(band.place), band.colour, cv::FILLED);
   const cv::Scalar pale(236, 238, 246);
-  if (side.emblem) drawEmblem(picture, *side.emblem, side.bands.empty() ? design_.labelInk : pale);
-  for (const Writing& writing : side.writings)
-    write(picture, writing);
+  if (side.emblem)
+    drawEmblem(picture, *side.emblem, design_.emblem, side.bands.empty() ? design_.labelInk : pale);
+  if (side.chip) drawChip(picture, whole(*side.chip));
+  for (Writing writing : side.writings) {
+    writing.text = replaced(writing.text, "{documentNumber}", print.documentNumber);
+    if (writing.upward)
+      writeUpward(picture, writing);
+    else
+      write(picture, writing);
+  }
   if (side.photo) drawPhoto(picture, whole(*side.photo), photo, design_.greyPhoto);
   if (side.ghost) drawGhost(picture, whole(*side.ghost), photo);
   if (side.signature) drawSignature(picture, *side.signature, print.surname + print.givenNames);

@@ -36,6 +36,7 @@ class SideArtist {
   SideArtist(const Design& design, session::Typeface label, session::Typeface value,
              session::Typeface title, session::Typeface machine);
   void write(cv::Mat& picture, const Writing& writing) const;
+  void writeUpward(cv::Mat& picture, Writing writing) const;
   void field(cv::Mat& picture, const FieldPlace& place, const std::string& value) const;
   void zone(cv::Mat& picture, const session::CardData& card) const;
 

@@ -16,11 +16,12 @@ constexpr std::size_t kTd3Length = 44;
 constexpr std::size_t kNumberLength = 9;
 
 /// What the standard recommends where taking the mark away is not enough.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 28> kSpellings = {{
+constexpr std::array<std::pair<std::string_view, std::string_view>, 31> kSpellings = {{
     {"Ä", "AE"}, {"ä", "AE"}, {"Å", "AA"}, {"å", "AA"}, {"Æ", "AE"}, {"æ", "AE"}, {"Ð", "D"},
     {"ð", "D"},  {"Đ", "D"},  {"đ", "D"},  {"Ħ", "H"},  {"ħ", "H"},  {"İ", "I"},  {"ı", "I"},
     {"Ł", "L"},  {"ł", "L"},  {"Ö", "OE"}, {"ö", "OE"}, {"Ø", "OE"}, {"ø", "OE"}, {"Œ", "OE"},
     {"œ", "OE"}, {"Ü", "UE"}, {"ü", "UE"}, {"ẞ", "SS"}, {"ß", "SS"}, {"Þ", "TH"}, {"þ", "TH"},
+    {"Ə", "E"},  {"ə", "E"},  {"ʻ", "'"},
 }};
 
 std::string spelled(std::string text) {

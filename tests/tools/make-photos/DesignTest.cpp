@@ -29,7 +29,7 @@ const Design& designNamed(const std::string& name) {
 TEST(Designs, KeepTheirFieldsOnTheCardAndApart) {
   EXPECT_EQ(std::count_if(designs().begin(), designs().end(),
                           [](const Design& design) { return design.unseen; }),
-            2);
+            4);
   for (const Design& design : designs()) {
     const cv::Rect2d card({0.0, 0.0}, design.size());
     for (const SideDesign* side : {&design.front, design.back ? &*design.back : nullptr}) {
@@ -43,6 +43,44 @@ TEST(Designs, KeepTheirFieldsOnTheCardAndApart) {
       }
     }
   }
+}
+
+/// Where two pictures differ, in millimetres.
+cv::Rect2d difference(const cv::Mat& one, const cv::Mat& other) {
+  cv::Mat channels;
+  cv::absdiff(one, other, channels);
+  cv::Mat grey;
+  cv::cvtColor(channels, grey, cv::COLOR_RGBA2GRAY);
+  const cv::Rect pixels = cv::boundingRect(grey > 0);
+  const double scale = photos::SideArtist::kPixelsPerMillimetre;
+  return {pixels.x / scale, pixels.y / scale, pixels.width / scale, pixels.height / scale};
+}
+
+TEST(Designs, WriteTheCardsNumberUpwardAtItsEdge) {
+  const Design& design = designNamed("linden");
+  const auto artist = photos::SideArtist::create(design);
+  ASSERT_TRUE(artist) << artist.error();
+  const auto painted = [&](const std::string& number, bool upward) {
+    SideDesign side;
+    photos::Writing writing{"No. {documentNumber}", {40.0, 40.0}, 4.0, 40.0, "left", {}};
+    writing.upward = upward;
+    side.writings = {writing};
+    session::CardData card;
+    card.documentNumber = number;
+    return artist->paint(side, card, card, {});
+  };
+  const cv::Mat bare = artist->paint({}, {}, {}, {});
+  const cv::Rect2d level = difference(bare, painted("X1234567", false));
+  const cv::Rect2d upward = difference(bare, painted("X1234567", true));
+  // As long and as high, from the same point, turned to the left about it.
+  EXPECT_NEAR(upward.height, level.width, 0.2);
+  EXPECT_NEAR(upward.width, level.height, 0.2);
+  EXPECT_NEAR(40.0 - upward.br().y, level.x - 40.0, 0.2);
+  EXPECT_NEAR(40.0 - upward.x, 40.0 - level.y, 0.2);
+  // Only the number differs, which is above the word before it.
+  const cv::Rect2d number = difference(painted("X1234567", true), painted("Y7654321", true));
+  EXPECT_LT(number.br().y, upward.br().y - 5.0);
+  EXPECT_NEAR(number.y, upward.y, 1.0);
 }
 
 TEST(Designs, ThatLackSomethingAreNamed) {

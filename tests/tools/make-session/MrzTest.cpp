@@ -16,6 +16,7 @@ TEST(Mrz, WritesWithTheLettersThatTheZoneHasAndCarriesALongNumberOn) {
   EXPECT_EQ(nameLine("Núñez-O'Brien", "José María"), "NUNEZ<OBRIEN<<JOSE<MARIA<<<<<<");
   EXPECT_EQ(nameLine("Å", ""), "AA<<<<<<<<<<<<<<<<<<<<<<<<<<<<");
   EXPECT_EQ(nameLine("Müller-Żółkiewski", "Şükrü Ærø"), "MUELLER<ZOLKIEWSKI<<SUEKRUE<AE");
+  EXPECT_EQ(nameLine("Gʻofurov", "Şəbnəm Ọlá"), "GOFUROV<<SEBNEM<OLA<<<<<<<<<<<");
   EXPECT_EQ(nameLine("PAPANDROPOULOS", "JONATHON ALEXANDER"), "PAPANDROPOULOS<<JONATHON<ALEXA");
   card.sex = "X";
   EXPECT_EQ(session::mrzLines(card)[1], "8408129<3204153UTO<<<<<<<<<<<6");
