@@ -126,7 +126,7 @@ void drawRipples(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
   for (double radius = step; radius < 1.5 * picture.cols; radius += step) {
     std::vector<cv::Point2d> points;
     for (int i = 0; i <= 720; ++i) {
-      const double angle = kTurn * i / 720.0;
+      const double angle = kFullTurn * i / 720.0;
       const double r = radius + 0.8 * step * std::sin(lobes * angle + 0.12 * radius / step);
       points.emplace_back(centre.x + r * std::cos(angle), centre.y + r * std::sin(angle));
     }
@@ -143,7 +143,7 @@ void drawBraid(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
     for (double strand = 0.0; strand < 1.0; strand += 1.0 / 9.0) {
       std::vector<cv::Point2d> points;
       for (int x = -8; x <= picture.cols + 8; x += 8) {
-        const double along = kTurn * (turns * x / picture.cols + strand);
+        const double along = kFullTurn * (turns * x / picture.cols + strand);
         points.emplace_back(x, middle + 0.5 * band * std::sin(along) * std::cos(0.37 * along));
       }
       session::drawCurve(picture, points, colour);
