@@ -70,9 +70,9 @@ cv::Mat denim(cv::Size size, double scale, Random& random) {
       {46, 64, 106}, {84, 112, 156}, {34, 38, 50}, {132, 154, 180}};
   const cv::Scalar dye = drawFrom(kDyes, random);
   const double thread = random.uniform(0.45, 0.8) * scale;
-  const cv::Mat worn = 0.11 * unevenness(size, 45.0 * scale, 20.0 * scale, random) +
-                       0.10 * unevenness(size, 3.0 * thread, 30.0 * scale, random);
-  const cv::Mat slubs = 0.07 * unevenness(size, 12.0 * thread, 1.2 * thread, random);
+  const cv::Mat worn = 0.06 * unevenness(size, 45.0 * scale, 20.0 * scale, random) +
+                       0.04 * unevenness(size, 3.0 * thread, 30.0 * scale, random);
+  const cv::Mat slubs = 0.04 * unevenness(size, 12.0 * thread, 1.2 * thread, random);
   cv::Mat white(size, CV_32FC1);
   for (int row = 0; row < size.height; ++row)
     for (int column = 0; column < size.width; ++column) {
