@@ -1,6 +1,5 @@
 #include "devices/gstreamer/GstPicture.h"
 
-#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -63,15 +62,14 @@ platform::PixelBufferRef copyPicture(GstSample* sample, platform::PixelFormat fo
   }
   const int width = GST_VIDEO_INFO_WIDTH(&info);
   const int height = GST_VIDEO_INFO_HEIGHT(&info);
-  std::vector<std::uint8_t> bytes(platform::PixelBuffer::byteCount(width, height, format));
-  std::uint8_t* out = bytes.data();
+  std::vector<std::uint8_t> bytes;
+  bytes.reserve(platform::PixelBuffer::byteCount(width, height, format));
   for (guint plane = 0; plane < GST_VIDEO_FRAME_N_PLANES(&frame); ++plane) {
     const auto* row = static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&frame, plane));
     const auto rowBytes = static_cast<std::size_t>(GST_VIDEO_FRAME_COMP_WIDTH(&frame, plane) *
                                                    GST_VIDEO_FRAME_COMP_PSTRIDE(&frame, plane));
     for (int y = 0; y < GST_VIDEO_FRAME_COMP_HEIGHT(&frame, plane); ++y) {
-      std::memcpy(out, row, rowBytes);
-      out += rowBytes;
+      bytes.insert(bytes.end(), row, row + rowBytes);
       row += GST_VIDEO_FRAME_PLANE_STRIDE(&frame, plane);
     }
   }

@@ -41,19 +41,21 @@ struct Streams {
   }
 };
 
-bool isTurned(GstElement* sink) {
+GstVideoOrientationMethod orientationOf(GstElement* sink) {
   const GstPtr<GstPad> pad(gst_element_get_static_pad(sink, "sink"));
-  bool turned = false;
+  GstVideoOrientationMethod orientation = GST_VIDEO_ORIENTATION_IDENTITY;
   for (guint index = 0;; ++index) {
     const GstPtr<GstEvent> event(gst_pad_get_sticky_event(pad.get(), GST_EVENT_TAG, index));
-    if (!event) return turned;
+    if (!event) return orientation;
     GstTagList* tags = nullptr;
     gst_event_parse_tag(event.get(), &tags);
-    GstVideoOrientationMethod method = GST_VIDEO_ORIENTATION_IDENTITY;
-    if (!gst_video_orientation_from_tag(tags, &method)) continue;
-    turned = method == GST_VIDEO_ORIENTATION_90R || method == GST_VIDEO_ORIENTATION_90L ||
-             method == GST_VIDEO_ORIENTATION_UL_LR || method == GST_VIDEO_ORIENTATION_UR_LL;
+    gst_video_orientation_from_tag(tags, &orientation);
   }
+}
+
+bool swapsSides(GstVideoOrientationMethod orientation) {
+  return orientation == GST_VIDEO_ORIENTATION_90R || orientation == GST_VIDEO_ORIENTATION_90L ||
+         orientation == GST_VIDEO_ORIENTATION_UL_LR || orientation == GST_VIDEO_ORIENTATION_UR_LL;
 }
 
 platform::Expected<MediaInfo> readPicture(const std::string& name, GstSample* sample) {
@@ -121,7 +123,9 @@ platform::Expected<MediaInfo> MediaProbe::finish() {
   if (!*sample) return platform::failure(name + " holds no picture: record it again.");
   auto info = readPicture(name, sample->get());
   if (!info) return info;
-  if (isTurned(streams.sink)) std::swap(info->width, info->height);
+  const GstVideoOrientationMethod orientation = orientationOf(streams.sink);
+  info->isUpright = orientation == GST_VIDEO_ORIENTATION_IDENTITY;
+  if (swapsSides(orientation)) std::swap(info->width, info->height);
   info->hasAudio = streams.hasAudio;
   gint64 duration = 0;
   GstElement* demuxer = look->stream.element("demuxer");

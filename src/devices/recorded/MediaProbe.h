@@ -16,6 +16,7 @@ struct MediaInfo {
   double frameRate = 0;  ///< nominal frames a second
   platform::Duration duration{};
   bool hasAudio = false;
+  bool isUpright = true;  ///< its pictures are to be shown as they are stored
 };
 
 /// Pictures up to this many pixels wide and high are read and filmed, and no smaller ones.

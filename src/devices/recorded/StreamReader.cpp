@@ -26,15 +26,18 @@ constexpr platform::Duration kShortestGap = std::chrono::milliseconds(3);
 constexpr std::int64_t kSoundJump = AudioReader::kSampleRate / 25;
 
 const char* const kPictureConversion =
-    "videoconvert n-threads=2 ! videoflip video-direction=auto ! videoscale add-borders=false ! "
+    "videoconvert n-threads=2 ! %o videoscale add-borders=false ! "
     "videoconvert n-threads=2 ! "
     "video/x-raw,format=I420,colorimetry=bt601,pixel-aspect-ratio=1/1,width=%w,height=%h";
 const char* const kSoundConversion =
     "audioconvert dithering=none ! audioresample ! "
     "audioconvert dithering=none ! audio/x-raw,format=S16LE,rate=48000,channels=1";
 
-void replace(std::string& text, const std::string& mark, int value) {
-  text.replace(text.find(mark), mark.size(), std::to_string(value));
+/// It copies upright pictures too.
+const char* const kTurn = "videoflip video-direction=auto !";
+
+void replace(std::string& text, const std::string& mark, const std::string& value) {
+  text.replace(text.find(mark), mark.size(), value);
 }
 
 }  // namespace
@@ -112,8 +115,9 @@ VideoReader::VideoReader(const std::filesystem::path& path, const MediaInfo& inf
 platform::Expected<std::unique_ptr<VideoReader>> VideoReader::open(
     const std::filesystem::path& path, const MediaInfo& info) {
   std::string conversion = kPictureConversion;
-  replace(conversion, "%w", info.width);
-  replace(conversion, "%h", info.height);
+  replace(conversion, "%o", info.isUpright ? "" : kTurn);
+  replace(conversion, "%w", std::to_string(info.width));
+  replace(conversion, "%h", std::to_string(info.height));
   auto reader = openStream(path, "video_0", conversion);
   if (!reader) return tl::unexpected(reader.error());
   reader->start();

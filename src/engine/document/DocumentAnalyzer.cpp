@@ -23,8 +23,8 @@ namespace {
 
 /// Of the lines known from an earlier picture so many are read again on the same card.
 constexpr double kLeastShareReadAgain = 0.8;
-/// So often in a row sure print that has not changed is taken as read.
-constexpr int kMostRepeats = 2;
+/// So often in a row settled print that has not changed is taken as read.
+constexpr int kMostRepeats = 4;
 /// A line all of whose letters are this sure would be read alike again.
 constexpr double kSureLetter = 0.9;
 
@@ -66,8 +66,23 @@ std::vector<std::string> doubtfulTexts(const std::vector<TextLine>& lines) {
   return texts;
 }
 
-bool isSurelyRead(const TextLine& line) {
-  return line.leastConfidence >= kSureLetter;
+bool hasText(const std::vector<TextLine>& lines, const std::string& text) {
+  return std::ranges::find(lines, text, &TextLine::text) != lines.end();
+}
+
+/// Whether the line would be read alike again.
+bool isSettled(const TextLine& line, const CardMemory& memory) {
+  return line.leastConfidence >= kSureLetter ||
+         std::ranges::find(memory.confirmed, line.text) != memory.confirmed.end();
+}
+
+/// Of the same print, read twice.
+std::vector<std::string> readAlike(const std::vector<TextLine>& before,
+                                   const std::vector<TextLine>& now) {
+  std::vector<std::string> alike;
+  for (const TextLine& line : now)
+    if (hasText(before, line.text)) alike.push_back(line.text);
+  return alike;
 }
 
 /// What was made of the print: sure letters count, doubtful ones less.
@@ -184,13 +199,16 @@ std::vector<TextLine> DocumentAnalyzer::linesAgain(const platform::PixelBuffer& 
                                                    bool isAsRead, CardMemory& memory) {
   const bool mayRepeat = isAsRead && !memory.hasOpenZone && memory.repeats < kMostRepeats;
   memory.repeats = mayRepeat ? memory.repeats + 1 : 0;
-  if (!mayRepeat) return text_.readAgain(upright, memory.lines);
-  std::vector<TextLine> lines = memory.lines;
-  const auto doubtful = std::ranges::partition(lines, isSurelyRead);
-  auto read = text_.readAgain(upright, {doubtful.begin(), doubtful.end()});
-  lines.erase(doubtful.begin(), doubtful.end());
+  std::vector<TextLine> lines;
+  if (mayRepeat) lines = memory.lines;
+  const auto open =
+      std::ranges::partition(lines, [&](const TextLine& line) { return isSettled(line, memory); });
+  auto read =
+      text_.readAgain(upright, mayRepeat ? std::vector(open.begin(), open.end()) : memory.lines);
+  lines.erase(open.begin(), open.end());
   std::ranges::move(read, std::back_inserter(lines));
   sortFromTop(lines);
+  memory.confirmed = readAlike(memory.lines, lines);
   return lines;
 }
 
@@ -201,6 +219,7 @@ CardReading DocumentAnalyzer::readAgain(const CardView& card, CardMemory& memory
                          kLeastShareReadAgain * static_cast<double>(memory.lines.size());
   if (!isTheSame) {
     memory.repeats = 0;
+    memory.confirmed.clear();
     lines = text_.read(*upright);
   }
   return understood(upright, std::move(lines), memory);
@@ -210,7 +229,11 @@ CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
   CardReading reading =
       memory.lines.empty() ? readFirst(card.picture, memory) : readAgain(card, memory);
   reading.isUpsideDown = memory.isUpsideDown;
-  judgeRealness(*card.picture, card.quality.sharpness, reading.data);
+  if (memory.repeats == 0 || !memory.realness) {
+    memory.realness =
+        realnessOf(copyFigures(*card.picture, card.quality.sharpness), reading.data.isPhotoPresent);
+  }
+  judgeRealness(*memory.realness, reading.data);
   return reading;
 }
 
@@ -359,7 +382,8 @@ platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
   addSmallLabels(*reading);
   askSecondReader(*reading);
   const platform::PixelBuffer& card = *reading->data.image->pixels();
-  judgeRealness(card, printSharpness(card), reading->data);
+  judgeRealness(realnessOf(copyFigures(card, printSharpness(card)), reading->data.isPhotoPresent),
+                reading->data);
   return *std::move(reading);
 }
 

@@ -34,11 +34,13 @@ struct CardView {
 
 /// What earlier pictures told of a card that has been held still since.
 struct CardMemory {
-  bool isUpsideDown = false;    ///< the outline's upper side is the card's lower one
-  std::vector<TextLine> lines;  ///< all print, as last read
-  MrzVotes votes;               ///< of its machine-readable zone
-  bool hasOpenZone = false;     ///< one that was seen and not read yet
-  int repeats = 0;              ///< how often in a row sure lines were taken as read
+  bool isUpsideDown = false;           ///< the outline's upper side is the card's lower one
+  std::vector<TextLine> lines;         ///< all print, as last read
+  MrzVotes votes;                      ///< of its machine-readable zone
+  bool hasOpenZone = false;            ///< one that was seen and not read yet
+  int repeats = 0;                     ///< how often in a row settled lines were taken as read
+  std::vector<std::string> confirmed;  ///< lines that two readings in a row had alike
+  std::optional<corvana::RealnessScores> realness;  ///< as last measured
 };
 
 struct CardReading {
@@ -83,8 +85,9 @@ class DocumentAnalyzer {
   /// Reads a card. Where the print of the same card in the same place is known from an earlier
   /// picture, it is not looked for again, unless it can no longer be read there; a zone that no
   /// picture shows whole is put together from several. What is seen now goes into the memory. A
-  /// card that clearly lies on its head is turned. Lines that were read surely and still look as
-  /// they did are taken as read, but for every third time.
+  /// card that clearly lies on its head is turned. Lines that were read surely, or twice alike, and
+  /// still look as they did are taken as read, but for every fifth time, and so is what tells
+  /// copies.
   CardReading read(const CardView& card, CardMemory& memory);
   /// Reads a card that was not seen before.
   CardReading read(const CardView& card);

@@ -28,18 +28,26 @@ cv::Mat sharedPlane(const PixelBuffer& picture, int type) {
           const_cast<std::uint8_t*>(picture.plane(0))};  // NOLINT
 }
 
-cv::Mat rgbFromI420(const PixelBuffer& picture) {
+/// All planes below one another, as OpenCV wants them: of even width and height.
+cv::Mat evenPlanes(const PixelBuffer& picture) {
   const int evenWidth = (picture.width() + 1) / 2 * 2;
   const int evenHeight = (picture.height() + 1) / 2 * 2;
-  cv::Mat planes(evenHeight * 3 / 2, evenWidth, CV_8UC1);
+  const int rows = evenHeight * 3 / 2;
+  if (evenWidth == picture.width() && evenHeight == picture.height())
+    return {rows, evenWidth, CV_8UC1, const_cast<std::uint8_t*>(picture.plane(0))};  // NOLINT
+  cv::Mat planes(rows, evenWidth, CV_8UC1);
   // The chroma planes are rounded up already: only the luma of an odd size has to grow.
   cv::copyMakeBorder(sharedPlane(picture, CV_8UC1), planes.rowRange(0, evenHeight), 0,
                      evenHeight - picture.height(), 0, evenWidth - picture.width(),
                      cv::BORDER_REPLICATE);
   std::copy(picture.plane(1), picture.bytes().data() + picture.bytes().size(),
             planes.ptr(evenHeight));
+  return planes;
+}
+
+cv::Mat rgbFromI420(const PixelBuffer& picture) {
   cv::Mat rgb;
-  cv::cvtColor(planes, rgb, cv::COLOR_YUV2RGB_I420);
+  cv::cvtColor(evenPlanes(picture), rgb, cv::COLOR_YUV2RGB_I420);
   return rgb(cv::Rect(0, 0, picture.width(), picture.height()));
 }
 

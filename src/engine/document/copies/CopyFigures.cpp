@@ -129,10 +129,9 @@ float copyScore(const corvana::RealnessScores& scores) {
   return std::max(scores.photocopyScore, scores.screenScore);
 }
 
-void judgeRealness(const platform::PixelBuffer& card, double sharpness,
-                   corvana::DetectedData& data) {
-  data.realness = realnessOf(copyFigures(card, sharpness), data.isPhotoPresent);
-  data.isReal = copyScore(*data.realness) < kSuspectCopy;
+void judgeRealness(const corvana::RealnessScores& scores, corvana::DetectedData& data) {
+  data.realness = scores;
+  data.isReal = copyScore(scores) < kSuspectCopy;
 }
 
 }  // namespace corvana::engine

@@ -36,8 +36,7 @@ corvana::RealnessScores realnessOf(const CopyFigures& figures, bool hasPhoto);
 /// The greater one of the scores that speak for a copy.
 float copyScore(const corvana::RealnessScores& scores);
 
-/// Measures the straightened card as `copyFigures` and says in the data what came of it.
-void judgeRealness(const platform::PixelBuffer& card, double sharpness,
-                   corvana::DetectedData& data);
+/// Says in the data what the scores tell.
+void judgeRealness(const corvana::RealnessScores& scores, corvana::DetectedData& data);
 
 }  // namespace corvana::engine
