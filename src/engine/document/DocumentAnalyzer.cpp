@@ -15,6 +15,7 @@
 #include "engine/document/outline/CardChoice.h"
 #include "engine/document/outline/CardWarp.h"
 #include "engine/document/outline/StillCards.h"
+#include "engine/document/outline/ZoneBelow.h"
 #include "engine/document/text/SecondOpinion.h"
 #include "engine/document/text/TextLines.h"
 
@@ -332,8 +333,7 @@ std::optional<CardReading> DocumentAnalyzer::readUpright(const CardLook& look) {
   return *turn == CardTurn::upright ? std::move(asItLies) : std::move(turned);
 }
 
-platform::Expected<CardLook> DocumentAnalyzer::cardIn(const platform::PixelBufferRef& picture) {
-  const StillPicture still = stillPicture(picture, text_.boxes());
+platform::Expected<CardLook> DocumentAnalyzer::cardIn(const StillPicture& still) {
   auto card = cardAmongPrint(still);
   if (card && card->isCertainlyACard()) return card;
   auto closer = cardAmongPrint(lookedAtInParts(still, text_.boxes()));
@@ -371,7 +371,8 @@ platform::Expected<CardLook> DocumentAnalyzer::cardAmongPrint(const StillPicture
 
 platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
     const platform::PixelBufferRef& picture) {
-  const auto look = cardIn(picture);
+  const StillPicture still = stillPicture(picture, text_.boxes());
+  const auto look = cardIn(still);
   if (!look) return tl::unexpected(look.error());
   auto reading = readUpright(*look);
   if (!reading) {
@@ -379,12 +380,38 @@ platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
         "It can't be told which way up the card in the picture lies: take a sharper photo, from "
         "nearer and without glare.");
   }
+  if (const auto whole = withZoneBelow(*still.picture, *look, *reading)) {
+    reading = readUpright(lookAt(*still.picture, *whole));
+    // It must not be taken for a document that has none.
+    if (!reading || !(reading->data.mrz || reading->data.shouldHaveMrz)) {
+      return platform::failure(
+          "The machine-readable zone of the document in the picture could not be read: take a "
+          "sharper photo, from nearer, on a plain ground of another colour.");
+    }
+  }
   addSmallLabels(*reading);
   askSecondReader(*reading);
   const platform::PixelBuffer& card = *reading->data.image->pixels();
   judgeRealness(realnessOf(copyFigures(card, printSharpness(card)), reading->data.isPhotoPresent),
                 reading->data);
   return *std::move(reading);
+}
+
+std::optional<Quad> DocumentAnalyzer::withZoneBelow(const platform::PixelBuffer& picture,
+                                                    const CardLook& look,
+                                                    const CardReading& reading) {
+  if (reading.data.mrz || reading.data.barcode) return std::nullopt;
+  const bool isTurned = reading.data.image->pixels() != look.card;
+  const Quad outline = isTurned ? upsideDown(look.outline) : look.outline;
+  ZoneBelow below(straightenedHeight(outline));
+  const auto around = straightened(picture, quadInPicture(below.around(), outline));
+  below.wasSeen(around->height());
+  auto lines = text_.find(*around);
+  std::erase_if(lines, [&](const TextLine& line) { return !below.mayBeOfZone(line); });
+  lines = text_.readAgain(*around, lines);
+  std::erase_if(lines, [](const TextLine& line) { return !isZoneLine(line.text); });
+  if (lines.size() < ZoneBelow::kFewestLines) return std::nullopt;
+  return quadInPicture(below.document(lines), outline);
 }
 
 /// Only labels: what else is small must not get into the text that pictures are compared by.

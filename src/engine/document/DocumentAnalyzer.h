@@ -117,11 +117,14 @@ class DocumentAnalyzer {
                                    CardMemory& memory);
   void askSecondReader(CardReading& reading) const;
   void addSmallLabels(CardReading& reading);
+  /// The outline of the whole document, where that of the look ends above a zone.
+  std::optional<Quad> withZoneBelow(const platform::PixelBuffer& picture, const CardLook& look,
+                                    const CardReading& reading);
   /// What an upright card tells whose lines were read; they go into the memory.
   CardReading understood(const platform::PixelBufferRef& card, std::vector<TextLine> lines,
                          CardMemory& memory);
   double faceScore(const platform::PixelBuffer& card);
-  platform::Expected<CardLook> cardIn(const platform::PixelBufferRef& picture);
+  platform::Expected<CardLook> cardIn(const StillPicture& still);
   platform::Expected<CardLook> cardAmongPrint(const StillPicture& still);
   CardLook lookAt(const platform::PixelBuffer& picture, const Quad& outline);
   std::optional<CardReading> readUpright(const CardLook& look);

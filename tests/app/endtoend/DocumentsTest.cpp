@@ -111,6 +111,29 @@ TEST(Documents, TheZoneOfTheBackTellsNamesOnTheFrontThatNoKnownLabelNames) {
       << refused.errors;
 }
 
+TEST(Documents, APageWhoseZoneStandsOnABandOfItsOwnIsTakenWithIt) {
+  const ScratchFolder scratch;
+  // The outline ends at that band. In the first photograph the zone can be read, in the other not.
+  for (const auto& [seed, exitCode] : {std::pair("27", 0), {"16", 2}}) {
+    const fs::path folder = scratch / seed;
+    const ProgramRun made = runProgram(MAKE_PHOTOS, {"--unseen", "--designs", "hornbeam", "--count",
+                                                     "1", "--seed", seed, "--output", folder});
+    ASSERT_EQ(made.exitCode, 0) << made.errors;
+    const json pictures = json::parse(bytesOf(folder / "truth.json")).at("pictures");
+    const ProgramRun run = enroll(folder, pictures, folder / "page", {});
+    ASSERT_EQ(run.exitCode, exitCode) << run.errors;
+    if (exitCode != 0) {
+      EXPECT_NE(run.errors.find("zone of the document in the picture could not be read"),
+                std::string::npos)
+          << run.errors;
+      continue;
+    }
+    const json front = json::parse(bytesOf(folder / "page/reference.json")).at("front");
+    EXPECT_EQ(front.at("type"), "PASSPORT_PAGE_FRONT");
+    EXPECT_EQ(front.at("mrz").at("lines"), pictures.at(0).at("zone"));
+  }
+}
+
 TEST(Documents, APassportsPageIsAFrontAndNoBack) {
   const ScratchFolder scratch;
   const ProgramRun made =

@@ -27,15 +27,20 @@ std::string numberSkeleton(std::string_view text) {
   return skeleton;
 }
 
+void replaceAll(std::string& text, std::string_view written, std::string_view taken) {
+  for (auto at = text.find(written); at != std::string::npos; at = text.find(written, at))
+    text.replace(at, written.size(), taken);
+}
+
 /// The letters with those alike that a reader takes for each other: Þ, which zones write TH, for P,
-/// Œ and Æ for E.
+/// Œ and Æ for E, and where a dot stands below them Ọ for Q and Ị for an exclamation mark.
 std::string misreadLetters(std::string_view text) {
-  std::string letters = zoneLetters(text);
+  std::string dotted(text);
+  replaceAll(dotted, "!", "I");
+  std::string letters = zoneLetters(dotted);
   std::erase(letters, ' ');
-  for (const auto& [written, taken] : {std::pair("TH", "P"), {"OE", "E"}, {"AE", "E"}}) {
-    for (auto at = letters.find(written); at != std::string::npos; at = letters.find(written, at))
-      letters.replace(at, 2, taken);
-  }
+  for (const auto& [written, taken] : {std::pair("TH", "P"), {"OE", "E"}, {"AE", "E"}, {"Q", "O"}})
+    replaceAll(letters, written, taken);
   return letters;
 }
 

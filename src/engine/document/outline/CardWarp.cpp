@@ -48,7 +48,7 @@ platform::PixelBufferRef onItsHead(const platform::PixelBuffer& card) {
   return pixelBufferFrom(turned);
 }
 
-platform::CGRect boundsInPicture(const platform::CGRect& onCard, const Quad& outline) {
+Quad quadInPicture(const platform::CGRect& onCard, const Quad& outline) {
   const auto point = [](double x, double y) {
     return cv::Point2f(static_cast<float>(x), static_cast<float>(y));
   };
@@ -60,7 +60,11 @@ platform::CGRect boundsInPicture(const platform::CGRect& onCard, const Quad& out
   std::ranges::transform(corners, quad.corners.begin(), [](const auto& corner) {
     return platform::CGPoint{corner.x, corner.y};
   });
-  return quad.bounds();
+  return quad;
+}
+
+platform::CGRect boundsInPicture(const platform::CGRect& onCard, const Quad& outline) {
+  return quadInPicture(onCard, outline).bounds();
 }
 
 }  // namespace corvana::engine

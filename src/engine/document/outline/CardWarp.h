@@ -22,6 +22,9 @@ platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, cons
 /// A straightened card turned by half a turn.
 platform::PixelBufferRef onItsHead(const platform::PixelBuffer& card);
 
+/// Where a rectangle of the straightened card, or of what lies around it, lies in the picture.
+Quad quadInPicture(const platform::CGRect& onCard, const Quad& outline);
+
 /// The smallest upright rectangle of the picture around a rectangle of the straightened card.
 platform::CGRect boundsInPicture(const platform::CGRect& onCard, const Quad& outline);
 

@@ -90,6 +90,7 @@ const AgreementCase kAgreementCases[] = {
     {"rare letters taken for others", FieldName::surname, "GUEMUESOGLU", "GÜMÜşOČLU", {}, kAgrees},
     {"the same without a label", FieldName::surname, "CAGLAYAN", {}, {"1 ÇAČLAYAN"}, kAgrees},
     {"a thorn taken for a P", FieldName::givenNames, "THORDIS", "PÓRDÍS", {"PÓRDÍS"}, kUnread},
+    {"letters with a dot below", FieldName::surname, "EZEANIMGBAFO", "EZEAN!MGBAFQ", {}, kUnread},
     {"a ligature taken for an E", FieldName::surname, "DUBOEUF", {}, {"DUBEUF"}, kUnread},
     {"a letter that is no thorn", FieldName::givenNames, "TORDIS", "PÓRDÍS", {}, kConflicts},
     {"hyphens", FieldName::surname, "SMITH JONES", "Smith-Jones", {}, kAgrees},
