@@ -328,14 +328,10 @@ bool RecordReport::holds() const {
 
 Expected<RecordReport> checkRecord(const fs::path& folder, const TrustedKeys* keys,
                                    const StampAuthorities* authorities) {
-  std::error_code error;
-  if (fs::is_regular_file(folder / kResultFileName, error)) {
-    return RecordChecker(folder, keys, authorities).checkEnded();
-  }
-  if (error == std::errc::permission_denied) {
-    return failure("The folder " + inQuotes(folder) + " can't be read: check its rights.");
-  }
-  if (fs::is_regular_file(folder / SealLog::kFileName, error)) {
+  const auto hasEnded = hasFile(folder, kResultFileName);
+  if (!hasEnded) return tl::unexpected(hasEnded.error());
+  if (*hasEnded) return RecordChecker(folder, keys, authorities).checkEnded();
+  if (hasFile(folder, SealLog::kFileName).value_or(false)) {
     return RecordChecker(folder, keys, authorities).checkUnended();
   }
   return failure(inQuotes(folder) + " holds no " + kResultFileName + ". Name the folder of a run.");
