@@ -57,7 +57,7 @@ Expected<std::string> sha256(const fs::path& path) {
     file.read(buffer.data(), buffer.size());
     sum.add(buffer.data(), static_cast<std::size_t>(file.gcount()));
   }
-  if (file.bad()) return platform::failure("The file " + inQuotes(path) + " could not be read.");
+  if (file.bad()) return engine::unreadable(path, engine::lastError());
   return sum.hexadecimal();
 }
 

@@ -119,8 +119,12 @@ class RecordRedactor {
     auto record = sha256(wishes_.folder / kResultFileName);
     if (!record) return tl::unexpected(record.error());
     ordered_json object = {{"record", *record}};
-    const auto seal = readFile(wishes_.folder / kResultSealName, kMostSealBytes);
-    object["seal"] = seal ? ordered_json(sha256Of(*seal)) : ordered_json();
+    object["seal"] = nullptr;
+    if (hasFile(wishes_.folder, kResultSealName).value_or(false)) {
+      const auto seal = readFile(wishes_.folder / kResultSealName, kMostSealBytes);
+      if (!seal) return tl::unexpected(seal.error());
+      object["seal"] = sha256Of(*seal);
+    }
     object["sealedBy"] = report_.sealer ? ordered_json(*report_.sealer) : ordered_json();
     object["sound"] = wishes_.isSilent ? "removed" : "kept";
     object["face"] = wishes_.coversFace ? "covered" : "shown";

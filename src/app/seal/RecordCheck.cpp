@@ -130,7 +130,8 @@ class RecordChecker {
     const auto request = readFile(folder_ / stamp.request, kMostStampBytes);
     const auto answer = readFile(folder_ / stamp.answer, kMostStampBytes);
     const auto seal = readFile(folder_ / kResultSealName, kMostSealBytes);
-    if (!request || !answer || !seal) return failure("can't be checked: a file of it is missing");
+    if (!request || !answer || !seal)
+      return failure("can't be checked: a file of it is missing or can't be read");
     return checkStamp(*answer, *request, *seal, authorities_);
   }
 

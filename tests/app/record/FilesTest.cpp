@@ -13,10 +13,15 @@ TEST(Files, SayWhatTheSystemHasAgainstThem) {
   const fs::path missing = scratch / "missing";
   const fs::path loop = scratch / "loop";
   fs::create_symlink("loop", loop);
+  // It opens, and its first page is never there.
+  const fs::path broken = "/proc/self/mem";
   const struct {
     platform::Expected<std::string> outcome;
     const char* sentence;
   } cases[] = {{app::readFile(missing, 10), "There is no file"},
+               {app::readFile(scratch.path(), 10), "is not a file"},
+               {app::readFile(broken, 10), "can't be read (Input/output error)"},
+               {app::sha256(broken), "can't be read (Input/output error)"},
                {app::sha256(missing), "There is no file"},
                {app::readFile(loop, 10), "can't be read (Too many levels of symbolic links)"},
                {app::sha256(loop), "can't be read (Too many levels of symbolic links)"},
