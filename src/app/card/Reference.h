@@ -17,7 +17,7 @@ struct Reference {
 
 inline constexpr const char* kReferenceFileName = "reference.json";
 
-/// Writes a reference into an empty folder.
+/// Writes a reference into a folder that was taken for it.
 Expected<void> saveReference(const Reference& reference, const std::filesystem::path& folder);
 
 /// Refuses other shapes, other versions, print read by another reader, missing pictures, and names

@@ -189,7 +189,7 @@ ExitCode runEnroll(const EnrollArguments& arguments) {
     std::cerr << "WARNING: " << fault << ".\n";
   }
   warnOfUnreadPrint(checks);
-  auto saved = makeEmptyFolder(arguments.output).and_then([&] {
+  auto saved = takeFolder(arguments.output, kReferenceFileName).and_then([&] {
     return saveReference(*reference, arguments.output);
   });
   if (!saved) return refuse(saved.error());

@@ -1,3 +1,5 @@
+#include <future>
+
 #include <gtest/gtest.h>
 
 #include "app/record/Files.h"
@@ -33,6 +35,31 @@ TEST(Files, SayWhatTheSystemHasAgainstThem) {
     ASSERT_FALSE(outcome) << sentence;
     EXPECT_NE(outcome.error().sentence.find(sentence), std::string::npos)
         << outcome.error().sentence;
+  }
+}
+
+TEST(Files, OfSeveralThatTakeAFolderAtTheSameTimeOneGetsIt) {
+  const ScratchFolder scratch;
+  fs::create_directories(scratch / "empty");
+  for (const char* name : {"empty", "new/one"}) {
+    std::vector<std::future<platform::Expected<void>>> tries;
+    for (int i = 0; i < 8; ++i) {
+      tries.push_back(std::async(std::launch::async, [&] {
+        return app::takeFolder(scratch.path() / name, "first.json");
+      }));
+    }
+    int taken = 0;
+    for (auto& each : tries) {
+      const auto outcome = each.get();
+      if (outcome) {
+        ++taken;
+      } else {
+        EXPECT_NE(outcome.error().sentence.find("name a"), std::string::npos)
+            << outcome.error().sentence;
+      }
+    }
+    EXPECT_EQ(taken, 1) << name;
+    EXPECT_TRUE(fs::exists(scratch.path() / name / "first.json"));
   }
 }
 
