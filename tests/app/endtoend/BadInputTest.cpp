@@ -96,6 +96,15 @@ TEST(Commands, BadInputGetsOneSentenceAndExitCodeTwo) {
   }
 }
 
+TEST(Commands, ATakenFolderIsToldBeforeTheCardIsRead) {
+  const ScratchFolder scratch;
+  writeBytes(scratch / "unreadable.png", "");
+  const ProgramRun run =
+      runVideoid({"enroll", "--front", scratch / "unreadable.png", "--output", scratch.path()});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_NE(run.errors.find("is not empty"), std::string::npos) << run.errors;
+}
+
 TEST(Commands, AMissingModelIsTheMachinesLack) {
   const ScratchFolder scratch;
   fs::create_directories(scratch / "capture");
