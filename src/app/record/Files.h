@@ -12,6 +12,7 @@ namespace corvana::app {
 using engine::inQuotes;
 using engine::parseJson;
 using engine::readFile;
+using engine::readFileOrPipe;
 using platform::Expected;
 
 /// Replaces the file as a whole, or not at all; readable by its owner only.

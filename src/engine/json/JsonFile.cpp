@@ -45,8 +45,14 @@ Expected<std::string> readFile(const fs::path& path, std::uint64_t maxBytes) {
   std::error_code error;
   const fs::file_status status = fs::status(path, error);
   if (error) return unreadable(path, error);
-  if (!fs::is_regular_file(status)) return platform::failure(inQuotes(path) + " is not a file.");
-  return readStream(path, maxBytes);
+  if (fs::is_regular_file(status)) return readStream(path, maxBytes);
+  return platform::failure(inQuotes(path) + " is not a file but a folder, pipe or device: name " +
+                           "a file.");
+}
+
+Expected<std::string> readFileOrPipe(const fs::path& path, std::uint64_t maxBytes) {
+  std::error_code error;
+  return fs::is_fifo(path, error) ? readStream(path, maxBytes) : readFile(path, maxBytes);
 }
 
 Expected<nlohmann::json> parseJson(const std::string& text, const std::string& name) {
