@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <optional>
 
+#include <nlohmann/json.hpp>
+
 #include "app/record/Files.h"
 #include "corvana/DetectedData.h"
 
@@ -13,6 +15,8 @@ namespace corvana::app {
 struct Reference {
   corvana::DetectedData front;
   std::optional<corvana::DetectedData> back;
+  /// What its enrolment warned of, as `hintsToJson` has it; null where that was not kept.
+  nlohmann::ordered_json hints = nullptr;
 };
 
 inline constexpr const char* kReferenceFileName = "reference.json";
