@@ -38,7 +38,8 @@ platform::Expected<std::string> readSeal(const fs::path& folder) {
 platform::Expected<std::string> readAnswer(const std::string& source) {
   if (source != "-") return readFile(source, kMostStampBytes);
   std::string answer(std::istreambuf_iterator<char>(std::cin), {});
-  if (std::ferror(stdin) != 0) return platform::failure("Standard input can't be read.");
+  if (std::ferror(stdin) != 0)
+    return platform::failure("Standard input can't be read: name the answer's file.");
   if (answer.size() <= kMostStampBytes) return answer;
   return platform::failure("The answer on standard input is too long for a time stamp.");
 }

@@ -154,6 +154,17 @@ TEST(Commands, WhatCannotBePrintedIsNoSuccess) {
   EXPECT_NE(run.errors.find("Standard output can't be written"), std::string::npos) << run.errors;
 }
 
+TEST(Commands, StandardInputThatBreaksOffIsNoShortAnswer) {
+  const ScratchFolder scratch;
+  writeBytes(scratch / "result.jws", "a seal");
+  writeBytes(scratch / "request", "a request");
+  const ProgramRun run =
+      runProgram("sh", {"-c", "\"$0\" timestamp \"$1\" --request \"$1/request\" --answer - <\"$1\"",
+                        VIDEOID, scratch.path()});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_NE(run.errors.find("Standard input can't be read"), std::string::npos) << run.errors;
+}
+
 TEST(Commands, WrongUseIsExitCodeTwo) {
   for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
                                                     {"capture"},
