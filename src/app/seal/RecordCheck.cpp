@@ -294,7 +294,7 @@ class RecordChecker {
   /// What somebody put beside a record could be taken for a part of it.
   void checkStrangers() {
     if (isThere(kReportFileName)) {
-      known_.push_back(kReportFileName);
+      known_.emplace_back(kReportFileName);
       add(kReportFileName,
           "made afterwards, and nothing vouches for it: make your own with `videoid report`");
     }

@@ -43,6 +43,7 @@ TEST(Files, OfSeveralThatTakeAFolderAtTheSameTimeOneGetsIt) {
   fs::create_directories(scratch / "empty");
   for (const char* name : {"empty", "new/one"}) {
     std::vector<std::future<platform::Expected<void>>> tries;
+    tries.reserve(8);
     for (int i = 0; i < 8; ++i) {
       tries.push_back(std::async(std::launch::async, [&] {
         return app::takeFolder(scratch.path() / name, "first.json");

@@ -134,7 +134,7 @@ TEST_F(ReportPageTest, AllowsItsOwnScriptAndStyleAndNothingElse) {
   const std::string shown = page();
   const std::string policy = between(shown, "Content-Security-Policy\" content=\"", "\"");
   EXPECT_TRUE(policy.starts_with("default-src &apos;none&apos;;")) << policy;
-  const auto quoted = [](std::string hash) {
+  const auto quoted = [](const std::string& hash) {
     return std::regex_replace(hash, std::regex("'"), "&apos;");
   };
   const std::string style = between(shown, "<style>", "</style>");
