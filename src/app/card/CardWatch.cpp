@@ -32,13 +32,11 @@ ordered_json fieldsOf(const corvana::FieldCheck& check) {
 }  // namespace
 
 void CardWatch::happened(const engine::RecorderEvent& event) {
+  if (event.kind != engine::RecorderEvent::Kind::call || event.name != "retry") return;
   // The next run reads the card anew.
-  if (event.kind == engine::RecorderEvent::Kind::call && event.name == "retry") {
-    front_.reset();
-    back_.reset();
-    told_.clear();
-  }
-  events_.happened(event);
+  front_.reset();
+  back_.reset();
+  told_.clear();
 }
 
 void CardWatch::cardRead(const corvana::DetectedData& side) {

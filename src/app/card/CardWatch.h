@@ -10,7 +10,7 @@
 namespace corvana::app {
 
 /// Sets the live card's print against its zone or code whenever a side was read, and tells the log
-/// what became of each field; passes everything else on to it. Main queue.
+/// what became of each field. Main queue.
 class CardWatch final : public engine::RecorderObserver {
  public:
   CardWatch(EventLog& events, const DocumentRules& rules) : events_(events), rules_(rules) {}

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "engine/document/fields/DocumentFields.h"
+#include "engine/document/fields/ValueAgreement.h"
 
 namespace corvana::app {
 namespace {
@@ -39,6 +40,18 @@ std::vector<DocumentHint> hintsOf(const std::vector<const DetectedData*>& sides,
   return hints;
 }
 
+std::vector<DocumentHint> unreadHintsOf(const std::vector<corvana::FieldCheck>& checks) {
+  std::vector<DocumentHint> hints;
+  for (const corvana::FieldCheck& check : checks) {
+    if (check.isDoubtful) {
+      hints.push_back({kDoubtful, check});
+    } else if (check.agreement == FieldAgreement::unread && engine::isSearched(check.name)) {
+      hints.push_back({kUnread, check});
+    }
+  }
+  return hints;
+}
+
 nlohmann::ordered_json hintsToJson(const std::vector<DocumentHint>& hints) {
   auto list = nlohmann::ordered_json::array();
   for (const DocumentHint& hint : hints) {
@@ -54,8 +67,13 @@ nlohmann::ordered_json hintsToJson(const std::vector<DocumentHint>& hints) {
 
 std::string describe(const DocumentHint& hint, const DocumentRules& rules) {
   if (hint.check) {
-    return std::string("the ") + engine::nameOf(hint.check->name) +
-           " in print conflicts with the one in the " + engine::nameOf(hint.check->against);
+    const std::string name = std::string("the ") + engine::nameOf(hint.check->name);
+    const std::string against = std::string("the ") + engine::nameOf(hint.check->against);
+    if (hint.name == kDoubtful) {
+      return name + " in print was not read for sure, and may be another than in " + against;
+    }
+    if (hint.name == kUnread) return name + " in " + against + " was not found in print";
+    return name + " in print conflicts with the one in " + against;
   }
   if (hint.name == kSuspectCopy) return "the card looks like a copy";
   if (hint.name == kVoiceWithoutLips) return "a voice was heard while the lips rested";

@@ -15,11 +15,16 @@ namespace corvana::app {
 /// The hint that a side looks like a copy.
 inline constexpr const char* kSuspectCopy = "suspectCopy";
 
+/// The hint that print may say another thing than zone or code: the reader was not sure of it.
+inline constexpr const char* kDoubtful = "doubtful";
+/// The hint that a value of zone or code was looked for in print and not found.
+inline constexpr const char* kUnread = "unread";
+
 /// Something about a document that a reviewer should know: never a value.
 struct DocumentHint {
-  std::string
-      name;  ///< "conflict", or a finding about its dates such as "expired", or `kSuspectCopy`
-  /// Of a conflict: the field of the print, and what it was set against.
+  /// "conflict", a finding about its dates such as "expired", or one of the names above
+  std::string name;
+  /// Of what is said of a field: that in print, and what it was set against.
   std::optional<corvana::FieldCheck> check;
 };
 
@@ -31,6 +36,10 @@ inline constexpr const char* kVoiceWithoutLips = "voiceWithoutLips";
 std::vector<DocumentHint> hintsOf(const std::vector<const corvana::DetectedData*>& sides,
                                   const std::vector<corvana::FieldCheck>& checks,
                                   const DocumentRules& rules);
+
+/// What an enrolment adds to these: a value that was printed otherwise under a label that is not
+/// known looks like one that could not be read.
+std::vector<DocumentHint> unreadHintsOf(const std::vector<corvana::FieldCheck>& checks);
 
 /// {"name": "conflict", "field": "surname", "source": "zone"}, {"name": "expired"}
 nlohmann::ordered_json hintsToJson(const std::vector<DocumentHint>& hints);

@@ -221,6 +221,20 @@ Expected<DetectedData> sideFromJson(const json& object, const fs::path& folder) 
   return data;
 }
 
+/// Names of hints, fields and sources, of this program or a later one.
+nlohmann::ordered_json hintsFromJson(const json& object) {
+  if (!object.contains("hints")) return nullptr;
+  auto hints = nlohmann::ordered_json::array();
+  for (const json& hint : get<std::vector<json>>(object, "hints")) {
+    nlohmann::ordered_json names{{"name", get<std::string>(hint, "name")}};
+    for (const char* key : {"field", "source"}) {
+      if (const auto name = getOptional<std::string>(hint, key)) names[key] = *name;
+    }
+    hints.push_back(std::move(names));
+  }
+  return hints;
+}
+
 /// No card is like one whose sides are swapped, and no person like one without a photo.
 void checkSides(const Reference& reference) {
   const bool isSwapped = reference.front.side == DocumentSide::back ||
@@ -241,6 +255,7 @@ Expected<void> saveReference(const Reference& reference, const fs::path& folder)
     if (!back) return tl::unexpected(back.error());
     object["back"] = std::move(*back);
   }
+  if (!reference.hints.is_null()) object["hints"] = reference.hints;
   return writeFile(folder / kReferenceFileName, object.dump(2) + "\n");
 }
 
@@ -268,6 +283,7 @@ Expected<Reference> loadReference(const fs::path& folder) {
       if (!back) return tl::unexpected(back.error());
       reference.back = std::move(*back);
     }
+    reference.hints = hintsFromJson(*object);
     checkSides(reference);
     return reference;
   } catch (const WrongShape& fault) {

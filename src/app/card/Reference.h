@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <optional>
 
+#include <nlohmann/json.hpp>
+
 #include "app/record/Files.h"
 #include "corvana/DetectedData.h"
 
@@ -13,11 +15,13 @@ namespace corvana::app {
 struct Reference {
   corvana::DetectedData front;
   std::optional<corvana::DetectedData> back;
+  /// What its enrolment warned of, as `hintsToJson` has it; null where that was not kept.
+  nlohmann::ordered_json hints = nullptr;
 };
 
 inline constexpr const char* kReferenceFileName = "reference.json";
 
-/// Writes a reference into an empty folder.
+/// Writes a reference into a folder that was taken for it.
 Expected<void> saveReference(const Reference& reference, const std::filesystem::path& folder);
 
 /// Refuses other shapes, other versions, print read by another reader, missing pictures, and names

@@ -60,8 +60,10 @@ ExitCode finish(const RunRecord& record, const CaptureArguments& arguments,
   std::cout << written.content.dump(2) << std::endl;
   if (record.outcome) return ExitCode::result;
   const corvana::IDError& fault = record.outcome.error();
-  // What keeps result.json away has often ended the run as well.
-  if (!removed && written.fault && platform::canTryAgain(fault.cause())) {
+  // What keeps result.json away has often ended the run as well: a full disk, a chip that no longer
+  // answers.
+  const bool isNew = written.fault && written.fault->sentence != fault.localizedDescription();
+  if (!removed && isNew && platform::canTryAgain(fault.cause())) {
     complain(std::cerr, ExitCode::flowError, written.fault->sentence);
   }
   return complain(std::cerr, ExitCode::flowError, fault.localizedDescription());

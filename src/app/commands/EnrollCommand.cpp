@@ -12,9 +12,7 @@
 #include "devices/pictures/ImageFile.h"
 #include "engine/document/DocumentAnalyzer.h"
 #include "engine/document/copies/CopyFigures.h"
-#include "engine/document/fields/DocumentFields.h"
 #include "engine/document/fields/FieldAgreement.h"
-#include "engine/document/fields/ValueAgreement.h"
 
 namespace corvana::app {
 namespace {
@@ -94,22 +92,6 @@ std::string documentFault(const Reference& reference, const Checks& checks,
   return all;
 }
 
-/// A value that was printed otherwise under a label that is not known looks like one that could not
-/// be read.
-void warnOfUnreadPrint(const Checks& checks) {
-  for (const corvana::FieldCheck& check : checks) {
-    const std::string name = engine::nameOf(check.name);
-    const std::string against = engine::nameOf(check.against);
-    if (check.isDoubtful) {
-      std::cerr << "WARNING: the " << name << " in print was not read for sure, and may be another "
-                << "than in the " << against << ".\n";
-    } else if (check.agreement == corvana::FieldAgreement::unread &&
-               engine::isSearched(check.name)) {
-      std::cerr << "WARNING: the " << name << " in the " << against << " was not found in print.\n";
-    }
-  }
-}
-
 /// Of what the side looks like a copy, as part of a sentence.
 std::string copyIn(const corvana::RealnessScores& scores) {
   return scores.screenScore > scores.photocopyScore ? "a picture of the card on a display"
@@ -170,7 +152,7 @@ tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
 ExitCode runEnroll(const EnrollArguments& arguments) {
   if (const auto free = checkEmptyFolder(arguments.output); !free) return refuse(free.error());
   const DocumentRules rules = documentRules(arguments.documents);
-  const auto reference = readReference(arguments, rules);
+  auto reference = readReference(arguments, rules);
   if (!reference) return complain(std::cerr, reference.error());
   const std::string sureCopy = copyFault(*reference, engine::kSureCopy);
   if (!sureCopy.empty() && !arguments.allowCopy) {
@@ -188,8 +170,13 @@ ExitCode runEnroll(const EnrollArguments& arguments) {
     }
     std::cerr << "WARNING: " << fault << ".\n";
   }
-  warnOfUnreadPrint(checks);
-  auto saved = makeEmptyFolder(arguments.output).and_then([&] {
+  auto hints = hintsOf(sidesOf(*reference), checks, rules);
+  for (DocumentHint& hint : unreadHintsOf(checks)) {
+    std::cerr << "WARNING: " << describe(hint, rules) << ".\n";
+    hints.push_back(std::move(hint));
+  }
+  reference->hints = hintsToJson(hints);
+  auto saved = takeFolder(arguments.output, kReferenceFileName).and_then([&] {
     return saveReference(*reference, arguments.output);
   });
   if (!saved) return refuse(saved.error());

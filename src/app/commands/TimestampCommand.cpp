@@ -1,3 +1,4 @@
+#include <cstdio>
 #include <iostream>
 #include <iterator>
 #include <memory>
@@ -26,8 +27,9 @@ struct TimestampArguments {
 };
 
 platform::Expected<std::string> readSeal(const fs::path& folder) {
-  auto seal = readFile(folder / kResultSealName, kMostStampBytes);
-  if (seal) return seal;
+  const auto isThere = hasFile(folder, kResultSealName);
+  if (!isThere) return tl::unexpected(isThere.error());
+  if (*isThere) return readFile(folder / kResultSealName, kMostStampBytes);
   return platform::failure(inQuotes(folder) +
                            " holds no seal to be stamped: name the folder of a run that was "
                            "recorded with --key.");
@@ -36,6 +38,8 @@ platform::Expected<std::string> readSeal(const fs::path& folder) {
 platform::Expected<std::string> readAnswer(const std::string& source) {
   if (source != "-") return readFile(source, kMostStampBytes);
   std::string answer(std::istreambuf_iterator<char>(std::cin), {});
+  if (std::ferror(stdin) != 0)
+    return platform::failure("Standard input can't be read: name the answer's file.");
   if (answer.size() <= kMostStampBytes) return answer;
   return platform::failure("The answer on standard input is too long for a time stamp.");
 }

@@ -121,7 +121,7 @@ Expected<PublicKey> PublicKey::check(KeyPtr key, const std::string& name) {
 }
 
 Expected<PublicKey> PublicKey::load(const std::filesystem::path& file) {
-  const auto text = readFile(file, kMostKeyFileBytes);
+  const auto text = readFileOrPipe(file, kMostKeyFileBytes);
   if (!text) return tl::unexpected(text.error());
   if (!text->starts_with("{")) {
     return publicFromPem(*text, file.string()).and_then([&](const KeyPtr& key) {

@@ -30,9 +30,10 @@ constexpr std::size_t kMostSignatureBytes = kSignatureBytes + 8;
 /// Others than the owner could sign with such a file.
 Expected<void> checkRights(const fs::path& file) {
   std::error_code error;
-  const fs::perms rights = fs::status(file, error).permissions();
+  const fs::file_status status = fs::status(file, error);
   const fs::perms others = fs::perms::group_all | fs::perms::others_all;
-  if (error || (rights & others) == fs::perms::none) return {};
+  const bool isHidden = (status.permissions() & others) == fs::perms::none;
+  if (error || fs::is_directory(status) || isHidden) return {};
   return failure("The private key " + inQuotes(file) +
                  " can be read by others: take their rights away (chmod 600), or make a new key "
                  "where they have read it.");
@@ -58,11 +59,11 @@ Expected<void> writePrivateKey(const KeyPtr& key, const fs::path& file) {
 
 Expected<std::string> readPrivateFile(const fs::path& file) {
   std::error_code error;
-  if (!fs::is_regular_file(file, error)) {
+  if (!fs::exists(file, error) && !error) {
     return failure("There is no private key " + inQuotes(file) +
                    ": make one with `videoid key new`.");
   }
-  return checkRights(file).and_then([&] { return readFile(file, kMostKeyFileBytes); });
+  return checkRights(file).and_then([&] { return readFileOrPipe(file, kMostKeyFileBytes); });
 }
 
 }  // namespace

@@ -70,7 +70,7 @@ Expected<TrustedKeys> TrustedKeys::ofKey(const std::filesystem::path& file) {
 }
 
 Expected<TrustedKeys> TrustedKeys::ofSet(const std::filesystem::path& file) {
-  const auto text = readFile(file, kMostSetBytes);
+  const auto text = readFileOrPipe(file, kMostSetBytes);
   if (!text) return tl::unexpected(text.error());
   const auto set = parseJson(*text, file.string());
   if (!set) return tl::unexpected(set.error());

@@ -30,6 +30,15 @@ std::string firstLine(const QByteArray& text) {
   return text.split('\n').front().toStdString();
 }
 
+platform::Expected<void> checkHoldsRecord(const fs::path& folder) {
+  for (const char* name : {EventLog::kFileName, kResultFileName}) {
+    const auto isThere = hasFile(folder, name);
+    if (!isThere) return tl::unexpected(isThere.error());
+    if (*isThere) return {};
+  }
+  return platform::failure(inQuotes(folder) + " holds no record. Name the folder of a run.");
+}
+
 /// Why the archive could not be made; empty when it was.
 std::string pack(const fs::path& folder, const QStringList& recipients, const fs::path& archive) {
   QProcess tar, age;
@@ -53,14 +62,11 @@ std::string pack(const fs::path& folder, const QStringList& recipients, const fs
 
 tl::expected<void, Refusal> exportRun(const fs::path& folder, const std::string& recipient,
                                       const fs::path& archive) {
-  std::error_code error;
-  if (!fs::is_regular_file(folder / EventLog::kFileName, error) &&
-      !fs::is_regular_file(folder / kResultFileName, error)) {
-    return refuse(ExitCode::wrongUse,
-                  inQuotes(folder) + " holds no record. Name the folder of a run.");
-  }
+  if (const auto held = checkHoldsRecord(folder); !held)
+    return refuse(ExitCode::wrongUse, held.error().sentence);
   if (const auto free = checkNewFile(folder, archive, "--output"); !free)
     return refuse(ExitCode::wrongUse, free.error().sentence);
+  std::error_code error;
   if (!isKey(recipient) && !fs::is_regular_file(recipient, error)) {
     return refuse(ExitCode::wrongUse,
                   "The recipient must be a public key that begins with age1 or ssh-, or a file of "

@@ -107,7 +107,6 @@ void AttemptLog::happened(const RecorderEvent& event) {
     case Kind::film:
       break;
   }
-  next_.happened(event);
 }
 
 void AttemptLog::decided(const corvana::Decision& decision) {

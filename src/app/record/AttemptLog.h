@@ -15,15 +15,12 @@
 namespace corvana::app {
 
 /// Keeps account of the parts of a flow that ended: each selfie, each showing of the card, each
-/// reading, how it ended and what was measured meanwhile. Passes everything on. Main queue.
+/// reading, how it ended and what was measured meanwhile. Main queue.
 class AttemptLog final : public engine::RecorderObserver {
  public:
-  AttemptLog(const platform::RunLoop& loop, engine::RecorderObserver& next)
-      : loop_(loop), start_(loop.now()), next_(next) {}
+  explicit AttemptLog(const platform::RunLoop& loop) : loop_(loop), start_(loop.now()) {}
 
   void happened(const engine::RecorderEvent& event) override;
-  void selfieTaken(const corvana::Selfie& selfie) override { next_.selfieTaken(selfie); }
-  void cardRead(const corvana::DetectedData& side) override { next_.cardRead(side); }
   void decided(const corvana::Decision& decision);
   /// The flow ended; what was still under way ended with it.
   void finish(const Outcome& outcome);
@@ -50,7 +47,6 @@ class AttemptLog final : public engine::RecorderObserver {
 
   const platform::RunLoop& loop_;
   const platform::TimePoint start_;
-  engine::RecorderObserver& next_;
   int run_ = 1;
   bool lipsWereAtRest_ = false;
   std::optional<Attempt> open_;

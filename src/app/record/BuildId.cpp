@@ -35,6 +35,7 @@ int readProgram(dl_phdr_info* info, std::size_t, void* id) {
   for (int i = 0; i < info->dlpi_phnum; ++i) {
     const auto& header = info->dlpi_phdr[i];
     if (header.p_type != PT_NOTE) continue;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the loader tells addresses as numbers
     const auto* notes = reinterpret_cast<const unsigned char*>(info->dlpi_addr + header.p_vaddr);
     auto& found = *static_cast<std::string*>(id);
     if (found.empty()) found = idAmong(notes, header.p_memsz);

@@ -5,6 +5,7 @@
 #include <sstream>
 #include <system_error>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "app/keys/Sha256.h"
@@ -35,6 +36,19 @@ std::error_code writeAsIs(const fs::path& path, const std::string& content) {
   return file.flush() ? std::error_code() : engine::lastError();
 }
 
+/// Refuses a file that is there, even if it came to be a moment ago.
+Expected<void> makeNewFile(const fs::path& path) {
+  const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (file >= 0 && ::close(file) == 0) return {};
+  const std::error_code error = engine::lastError();
+  if (error == std::errc::file_exists) {
+    return platform::failure("Another run has just taken the folder " +
+                             inQuotes(path.parent_path()) + "; name another one.");
+  }
+  return platform::failure("The folder " + inQuotes(path.parent_path()) + " takes no file (" +
+                           error.message() + "): check its rights and disk.");
+}
+
 }  // namespace
 
 Expected<void> writeFile(const fs::path& path, const std::string& content) {
@@ -57,7 +71,7 @@ Expected<std::string> sha256(const fs::path& path) {
     file.read(buffer.data(), buffer.size());
     sum.add(buffer.data(), static_cast<std::size_t>(file.gcount()));
   }
-  if (file.bad()) return platform::failure("The file " + inQuotes(path) + " could not be read.");
+  if (file.bad()) return engine::unreadable(path, engine::lastError());
   return sum.hexadecimal();
 }
 
@@ -100,21 +114,17 @@ Expected<void> checkEmptyFolder(const fs::path& path) {
   return {};
 }
 
-Expected<void> makeEmptyFolder(const fs::path& path) {
-  if (auto checked = checkEmptyFolder(path); !checked) return checked;
+Expected<void> takeFolder(const fs::path& path, const char* first) {
   std::error_code error;
-  const bool stood = fs::exists(path, error);
-  const bool isNew = fs::create_directories(path, error);
-  if (error) {
+  fs::create_directories(path, error);
+  std::error_code ignored;  // What stands in its place is told below.
+  if (error && !fs::exists(path, ignored)) {
     return platform::failure("The folder " + inQuotes(path) + " can't be made: " + error.message() +
                              "; name another one.");
   }
-  if (!stood && !isNew) {
-    return platform::failure("Another run has just taken the folder " + inQuotes(path) +
-                             "; name another one.");
-  }
+  if (auto checked = checkEmptyFolder(path); !checked) return checked;
   fs::permissions(path, kOwnerFolder, error);
-  return checkEmptyFolder(path);
+  return makeNewFile(path / first);
 }
 
 Expected<void> putOnDisk(const fs::path& folder) {

@@ -12,6 +12,7 @@ namespace corvana::app {
 using engine::inQuotes;
 using engine::parseJson;
 using engine::readFile;
+using engine::readFileOrPipe;
 using platform::Expected;
 
 /// Replaces the file as a whole, or not at all; readable by its owner only.
@@ -29,8 +30,9 @@ Expected<std::string> sumOver(const std::vector<std::filesystem::path>& files);
 /// Refuses what can't become a run's folder: a file, a folder that is not empty or not writable.
 Expected<void> checkEmptyFolder(const std::filesystem::path& path);
 
-/// Makes the folder for its owner only, or takes an existing one that is empty and writable.
-Expected<void> makeEmptyFolder(const std::filesystem::path& path);
+/// Makes the folder for its owner only, or takes an existing one that is empty and writable, and
+/// makes an empty file `first` in it: of several that take a folder at the same time one gets it.
+Expected<void> takeFolder(const std::filesystem::path& path, const char* first);
 
 /// Blocks until the folder's names and what its files hold are on the disk, so that a power loss
 /// leaves them as they are.

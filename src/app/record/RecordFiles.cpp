@@ -23,6 +23,15 @@ std::optional<std::string> filmIn(const fs::path& folder) {
   return std::nullopt;
 }
 
+Expected<bool> hasFile(const fs::path& folder, const char* name) {
+  std::error_code error;
+  const bool isThere = fs::is_regular_file(folder / name, error);
+  if (error != std::errc::permission_denied) return isThere;
+  return platform::failure("The folder " + inQuotes(folder) +
+                           " can't be read, as you lack the right to enter it: run this as its "
+                           "owner, or have its rights changed.");
+}
+
 Expected<void> checkOutside(const fs::path& folder, const fs::path& output) {
   std::error_code ignored;  // What does not exist yet has no links in its name.
   const fs::path record = fs::weakly_canonical(folder, ignored);

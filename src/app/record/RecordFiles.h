@@ -25,6 +25,9 @@ std::string retriedFilmName(std::size_t attempt);
 /// The name of the film of the last attempt; absent where there is none.
 std::optional<std::string> filmIn(const std::filesystem::path& folder);
 
+/// Whether the folder has a file of that name; refuses a folder whose rights keep that hidden.
+platform::Expected<bool> hasFile(const std::filesystem::path& folder, const char* name);
+
 /// Refuses what would spoil the record in `folder` by standing within it.
 platform::Expected<void> checkOutside(const std::filesystem::path& folder,
                                       const std::filesystem::path& output);

@@ -109,7 +109,7 @@ class RecordRedactor {
   Expected<void> copyEvents() {
     std::error_code error;
     fs::copy_file(wishes_.folder / EventLog::kFileName, wishes_.output / EventLog::kFileName,
-                  error);
+                  fs::copy_options::overwrite_existing, error);
     if (!error) return {};
     return failure("The events could not be copied to " + inQuotes(wishes_.output) + ": " +
                    error.message() + ".");
@@ -119,8 +119,12 @@ class RecordRedactor {
     auto record = sha256(wishes_.folder / kResultFileName);
     if (!record) return tl::unexpected(record.error());
     ordered_json object = {{"record", *record}};
-    const auto seal = readFile(wishes_.folder / kResultSealName, kMostSealBytes);
-    object["seal"] = seal ? ordered_json(sha256Of(*seal)) : ordered_json();
+    object["seal"] = nullptr;
+    if (hasFile(wishes_.folder, kResultSealName).value_or(false)) {
+      const auto seal = readFile(wishes_.folder / kResultSealName, kMostSealBytes);
+      if (!seal) return tl::unexpected(seal.error());
+      object["seal"] = sha256Of(*seal);
+    }
     object["sealedBy"] = report_.sealer ? ordered_json(*report_.sealer) : ordered_json();
     object["sound"] = wishes_.isSilent ? "removed" : "kept";
     object["face"] = wishes_.coversFace ? "covered" : "shown";
@@ -191,7 +195,9 @@ tl::expected<RedactedPictures, Refusal> redactRecord(const RecordRedaction& wish
   if (const auto free = checkPlaces(wishes); !free) return wrongUse(free.error());
   auto heads = engine::HeadFinder::load(resources.faceDetector(), resources.textReader().boxes);
   if (!heads) return tl::unexpected(Refusal{ExitCode::machineLacks, heads.error().sentence});
-  if (const auto made = makeEmptyFolder(wishes.output); !made) return wrongUse(made.error());
+  if (const auto taken = takeFolder(wishes.output, EventLog::kFileName); !taken) {
+    return wrongUse(taken.error());
+  }
   auto pictures = RecordRedactor(wishes, *report, *heads).redact();
   if (pictures) return *pictures;
   std::error_code ignored;  // What it can't remove, its owner can.

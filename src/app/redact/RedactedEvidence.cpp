@@ -71,6 +71,9 @@ platform::Expected<void> redactEvidence(const EvidenceRedaction& wishes, engine:
     for (const char* words : {"text", "heard", "spoken"})
       copy[words] = memberIn(*evidence, words);
   }
+  // They name fields, and no value.
+  if (evidence->contains("referenceHints"))
+    copy["referenceHints"] = memberIn(*evidence, "referenceHints");
   if (face->is_string()) {
     copy["pictures"]["selfieFace"] = {{"shown", *face}, {"reference", nullptr}};
   }

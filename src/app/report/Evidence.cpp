@@ -32,9 +32,12 @@ constexpr const char* kReferenceBack = "evidence-reference-back.jpg";
 ordered_json fieldsToJson(const std::vector<corvana::DocumentField>& fields) {
   auto list = ordered_json::array();
   for (const corvana::DocumentField& field : fields) {
-    list.push_back({{"name", engine::nameOf(field.name)},
-                    {"source", engine::nameOf(field.source)},
-                    {"value", field.value}});
+    ordered_json object{{"name", engine::nameOf(field.name)},
+                        {"source", engine::nameOf(field.source)},
+                        {"value", field.value}};
+    if (field.source == corvana::FieldSource::print) object["knownBy"] = nullptr;
+    if (field.knownBy) object["knownBy"] = engine::nameOf(*field.knownBy);
+    list.push_back(std::move(object));
   }
   return list;
 }
@@ -138,6 +141,7 @@ platform::Expected<void> writeEvidence(const Evidence& evidence, const fs::path&
   if (evidence.back && reference.back) {
     object["back"] = sidesToJson(*evidence.back, *reference.back);
   }
+  if (!reference.hints.is_null()) object["referenceHints"] = reference.hints;
   PictureFolder pictures(folder);
   object["pictures"] = savePictures(evidence, pictures);
   return pictures.end().and_then([&] {

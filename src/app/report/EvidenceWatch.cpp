@@ -40,9 +40,7 @@ class ListenedRecognizer final : public corvana::SpeechRecognizer,
 
 }  // namespace
 
-EvidenceWatch::EvidenceWatch(engine::RecorderObserver& next, const Reference& reference,
-                             std::string text)
-    : next_(next) {
+EvidenceWatch::EvidenceWatch(const Reference& reference, std::string text) {
   evidence_.reference = reference;
   evidence_.text = std::move(text);
 }
@@ -61,17 +59,6 @@ void EvidenceWatch::happened(const engine::RecorderEvent& event) {
     selfie_.reset();
     side_.reset();
   }
-  next_.happened(event);
-}
-
-void EvidenceWatch::selfieTaken(const corvana::Selfie& selfie) {
-  selfie_ = selfie;
-  next_.selfieTaken(selfie);
-}
-
-void EvidenceWatch::cardRead(const corvana::DetectedData& side) {
-  side_ = side;
-  next_.cardRead(side);
 }
 
 void EvidenceWatch::decided(const corvana::Decision& decision) {

@@ -10,22 +10,21 @@
 
 namespace corvana::app {
 
-/// Keeps what each decision of the flow was about, and passes everything on. Main queue.
+/// Keeps what each decision of the flow was about. Main queue.
 class EvidenceWatch final : public engine::RecorderObserver {
  public:
-  EvidenceWatch(engine::RecorderObserver& next, const Reference& reference, std::string text);
+  EvidenceWatch(const Reference& reference, std::string text);
 
   /// Of the last run of the flow.
   const Evidence& evidence() const { return evidence_; }
 
   void happened(const engine::RecorderEvent& event) override;
-  void selfieTaken(const corvana::Selfie& selfie) override;
-  void cardRead(const corvana::DetectedData& side) override;
+  void selfieTaken(const corvana::Selfie& selfie) override { selfie_ = selfie; }
+  void cardRead(const corvana::DetectedData& side) override { side_ = side; }
   void decided(const corvana::Decision& decision);
   void heard(const platform::SFSpeechRecognitionResult& result);
 
  private:
-  engine::RecorderObserver& next_;
   Evidence evidence_;
   float bestShare_ = 0;  ///< of the text's words
   // What a decision that comes next is about.

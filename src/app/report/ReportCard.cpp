@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 
 #include "app/report/TextDifference.h"
 
@@ -53,18 +54,34 @@ json sideModel(const std::string& name, const std::vector<std::string>& shown,
 
 using FieldKey = std::pair<std::string, std::string>;  ///< its name and where it was read
 
-std::map<FieldKey, std::string> fieldValues(const json& evidence) {
-  std::map<FieldKey, std::string> values;
+/// The fields of both sides, "shown" or of the "reference"; of one that stands twice the first.
+std::map<FieldKey, json> fieldsOf(const json& evidence, const char* when) {
+  std::map<FieldKey, json> fields;
   for (const char* side : {"front", "back"}) {
-    const json& shown = memberIn(memberIn(evidence, side), "shown");
-    for (const json& field : memberIn(shown, "fields")) {
+    for (const json& field : memberIn(memberIn(memberIn(evidence, side), when), "fields")) {
       const auto name = textIn(field, "name");
       const auto source = textIn(field, "source");
-      if (name && source)
-        values.emplace(FieldKey{*name, *source}, textIn(field, "value").value_or(""));
+      if (name && source) fields.emplace(FieldKey{*name, *source}, field);
     }
   }
-  return values;
+  return fields;
+}
+
+/// How a field came to be known. Evidence of earlier versions does not tell it of print.
+std::string origin(const std::string& source, const json& field, const ReportWords& words) {
+  if (source != "print" || !field.contains("knownBy")) return words.name("source", source);
+  const auto record = textIn(field, "knownBy");
+  return record ? words.of("knownByRecord", {{"source", words.name("source", *record)}})
+                : words.of("knownByLabel");
+}
+
+std::string originsOf(const std::string& name, const std::map<FieldKey, json>& fields,
+                      const ReportWords& words) {
+  std::vector<std::string> all;
+  for (const auto& [key, field] : fields) {
+    if (key.first == name) all.push_back(origin(key.second, field, words));
+  }
+  return all.empty() ? "–" : joined(all, "; ");
 }
 
 }  // namespace
@@ -98,10 +115,10 @@ json sidesModel(const RunFolder& run, const ReportWords& words) {
 }
 
 json fieldsModel(const RunFolder& run, const RunCourse& course, const ReportWords& words) {
-  const auto values = fieldValues(run.evidence);
-  const auto valueOf = [&](const std::string& name, const std::string& source) {
-    const auto value = values.find({name, source});
-    return value == values.end() ? std::string("–") : value->second;
+  const auto fields = fieldsOf(run.evidence, "shown");
+  const auto memberOf = [&](const std::string& name, const std::string& source, const char* key) {
+    const auto field = fields.find({name, source});
+    return field == fields.end() ? std::nullopt : textIn(field->second, key);
   };
   std::map<FieldKey, std::size_t> rowOf;
   json rows = json::array();
@@ -110,16 +127,35 @@ json fieldsModel(const RunFolder& run, const RunCourse& course, const ReportWord
     const std::string name = textIn(event, "name").value_or("");
     const std::string source = textIn(event, "source").value_or("");
     const std::string agreement = textIn(event, "agreement").value_or("");
+    const bool isTold = agreement == "agrees" && memberOf(name, "print", "knownBy") == source;
     json row{{"name", words.name("field", name)},
-             {"print", valueOf(name, "print")},
-             {"record", valueOf(name, source)},
+             {"print", memberOf(name, "print", "value").value_or("–")},
+             {"record", memberOf(name, source, "value").value_or("–")},
              {"source", words.name("source", source)},
-             {"agreement", words.name("agreement", agreement)},
+             {"agreement", words.name("agreement", agreement) +
+                               (isTold ? ", " + words.of("couldNotConflict") : "")},
              {"tone", agreement == "conflicts" ? "bad" : ""}};
     // It is told again whenever a picture says otherwise; the last word counts.
     const auto [place, isNew] = rowOf.try_emplace({name, source}, rows.size());
     if (isNew) rows.push_back({});
     rows[place->second] = std::move(row);
+  }
+  return rows;
+}
+
+json originsModel(const RunFolder& run, const ReportWords& words) {
+  const auto shown = fieldsOf(run.evidence, "shown");
+  const auto reference = fieldsOf(run.evidence, "reference");
+  std::set<std::string> names;
+  for (const auto* fields : {&shown, &reference}) {
+    for (const auto& [key, field] : *fields)
+      names.insert(key.first);
+  }
+  json rows = json::array();
+  for (const std::string& name : names) {
+    rows.push_back({{"name", words.name("field", name)},
+                    {"shown", originsOf(name, shown, words)},
+                    {"reference", originsOf(name, reference, words)}});
   }
   return rows;
 }

@@ -15,5 +15,7 @@ nlohmann::json readingModel(const RunFolder& run, const ReportWords& words);
 nlohmann::json sidesModel(const RunFolder& run, const ReportWords& words);
 /// A list: how the print of each field stands to zone or code.
 nlohmann::json fieldsModel(const RunFolder& run, const RunCourse& course, const ReportWords& words);
+/// A list: where each field was known from, in the film and in what was captured earlier.
+nlohmann::json originsModel(const RunFolder& run, const ReportWords& words);
 
 }  // namespace corvana::app

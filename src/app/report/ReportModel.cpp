@@ -40,6 +40,8 @@ class ReportModel {
     model["reading"] = readingModel(run_, words_);
     addList(model, "sides", sidesModel(run_, words_));
     addList(model, "fields", fieldsModel(run_, course_, words_));
+    addList(model, "origins", originsModel(run_, words_));
+    model["enrolment"] = enrolment();
     model["liveness"] = liveness();
     addList(model, "signs", signs());
     addList(model, "attempts", attempts());
@@ -97,18 +99,38 @@ class ReportModel {
 
   std::string hintSentence(const json& hint) const {
     static const std::map<std::string, const char*> kSentences{
-        {"expired", "hintExpired"},
-        {"notYetValid", "hintNotYetValid"},
-        {"underAge", "hintUnderAge"},
-        {"voiceWithoutLips", "hintVoiceWithoutLips"},
-        {"conflict", "hintConflict"}};
+        {"expired", "hintExpired"},         {"notYetValid", "hintNotYetValid"},
+        {"underAge", "hintUnderAge"},       {"voiceWithoutLips", "hintVoiceWithoutLips"},
+        {"suspectCopy", "hintSuspectCopy"}, {"conflict", "hintConflict"}};
+    return hintSentence(hint, kSentences);
+  }
+
+  std::string hintSentence(const json& hint,
+                           const std::map<std::string, const char*>& sentences) const {
     const std::string name = textIn(hint, "name").value_or("");
-    const auto sentence = kSentences.find(name);
-    if (sentence == kSentences.end()) return words_.of("hint", {{"name", name}});
+    const auto sentence = sentences.find(name);
+    if (sentence == sentences.end()) return words_.of("hint", {{"name", name}});
     return words_.of(sentence->second,
                      {{"date", textIn(run_.result, "date").value_or("")},
                       {"source", words_.name("source", textIn(hint, "source").value_or(""))},
                       {"field", words_.name("field", textIn(hint, "field").value_or(""))}});
+  }
+
+  /// False where the reference or its run is of a version that did not keep it.
+  json enrolment() const {
+    static const std::map<std::string, const char*> kSentences{
+        {"expired", "earlierExpired"},   {"notYetValid", "earlierNotYetValid"},
+        {"underAge", "earlierUnderAge"}, {"suspectCopy", "hintSuspectCopy"},
+        {"conflict", "hintConflict"},    {"doubtful", "hintDoubtful"},
+        {"unread", "hintUnread"}};
+    const json& hints = memberIn(run_.evidence, "referenceHints");
+    if (!hints.is_array()) return false;
+    json sentences = json::array();
+    for (const json& hint : hints)
+      sentences.push_back(hintSentence(hint, kSentences));
+    json model = json::object();
+    addList(model, "warnings", std::move(sentences));
+    return model;
   }
 
   std::string sessionSuffix() const {

@@ -80,16 +80,16 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
           seal_ ? seal_->events() : nullptr),
       card_(events_, rules_),
       reporter_(loop_, [this](const FlowEvent& event) { report(event); }),
-      hostHints_(card_,
-                 [this](const std::string& words) {
-                   reporter_.hinted(words);
-                   screen_.hint(words);
-                 }),
-      debugFigures_(hostHints_, [this](const std::string& lines) { screen_.figures(lines); }),
-      attempts_(loop_, debugFigures_),
+      hostHints_([this](const std::string& words) {
+        reporter_.hinted(words);
+        screen_.hint(words);
+      }),
+      debugFigures_([this](const std::string& lines) { screen_.figures(lines); }),
+      attempts_(loop_),
       evidence_(arguments.keepsEvidence
-                    ? std::make_optional<EvidenceWatch>(attempts_, inputs_.reference, inputs_.text)
+                    ? std::make_optional<EvidenceWatch>(inputs_.reference, inputs_.text)
                     : std::nullopt),
+      observers_(observers()),
       person_(loop_, arguments.habits),
       console_(std::cerr),
       sourceDevices_(media_),
@@ -145,9 +145,15 @@ std::shared_ptr<corvana::SpeechRecognizer> CaptureFlow::makeRecognizer() {
   return listenIn(std::move(recognizer), [this](const auto& result) { evidence_->heard(result); });
 }
 
+/// What is told of an event is shown once it is in the log.
+std::vector<engine::RecorderObserver*> CaptureFlow::observers() {
+  std::vector<engine::RecorderObserver*> all{&attempts_, &card_, &events_, &hostHints_,
+                                             &debugFigures_};
+  if (evidence_) all.push_back(&*evidence_);
+  return all;
+}
+
 engine::EngineHost::Setup CaptureFlow::hostSetup() {
-  engine::RecorderObserver& observer =
-      evidence_ ? static_cast<engine::RecorderObserver&>(*evidence_) : attempts_;
   return {loop_,
           world_.notificationCenter(),
           mediaDevices_,
@@ -158,7 +164,7 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
           inputs_.folder,
           arguments_.keepFailedRuns,
           screen_.size(),
-          &observer,
+          &observers_,
           [this](const platform::Fault& fault) { end_.fail(fault); },
           arguments_.refusesVoiceWithoutLips,
           arguments_.places};

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "app/card/CardWatch.h"
 #include "app/record/AttemptLog.h"
@@ -14,6 +15,7 @@
 #include "app/run/FlowEnd.h"
 #include "app/run/FlowWorld.h"
 #include "app/run/HostHints.h"
+#include "app/run/ObserverList.h"
 #include "app/run/Preflight.h"
 #include "app/run/SourceMediaDevices.h"
 #include "app/seal/RunSeal.h"
@@ -44,6 +46,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   bool wasInterrupted() const { return signals_.arrived(); }
 
  private:
+  std::vector<engine::RecorderObserver*> observers();
   engine::EngineHost::Setup hostSetup();
   std::optional<RunSeal> makeSeal();
   void followedByCaller();
@@ -93,6 +96,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   DebugFigures debugFigures_;
   AttemptLog attempts_;
   std::optional<EvidenceWatch> evidence_;  ///< where it is kept
+  ObserverList observers_;
   devices::HeadlessPerson person_;
   devices::StreamConsole console_;
   devices::NoSettingsApplication application_;

@@ -35,7 +35,6 @@ std::string lineOf(const RecorderEvent& event) {
 }  // namespace
 
 void DebugFigures::happened(const RecorderEvent& event) {
-  next_.happened(event);
   if (!corvana::VideoCapture::options.isDebugMode) return;
   const bool isRetry = event.kind == Kind::call && event.name == "retry";
   const bool isFigure =

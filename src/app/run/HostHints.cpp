@@ -24,7 +24,6 @@ std::string wordsOf(const std::string& hint) {
 }  // namespace
 
 void HostHints::happened(const engine::RecorderEvent& event) {
-  next_.happened(event);
   if (event.kind == engine::RecorderEvent::Kind::hint) show_(wordsOf(event.name));
 }
 

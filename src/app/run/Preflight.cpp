@@ -5,6 +5,7 @@
 #include "app/card/DocumentFolders.h"
 #include "app/machine/MachineCheck.h"
 #include "app/privacy/Consent.h"
+#include "app/record/EventLog.h"
 #include "corvana/SelfieCapture.h"
 #include "devices/loudspeaker/EspeakSynthesizer.h"
 #include "engine/recorder/LateFrameAnalyzer.h"
@@ -193,10 +194,12 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   auto analyzer = startAnalyzer(prepared.resources, *tables, prepared.rules, loop);
   if (!analyzer) return refuse(ExitCode::machineLacks, analyzer.error().sentence);
   prepared.analyzer = *analyzer;
-  if (auto made = makeEmptyFolder(folder); !made) {
-    return refuse(ExitCode::wrongUse, made.error().sentence);
+  if (auto taken = takeFolder(folder, EventLog::kFileName); !taken) {
+    return refuse(ExitCode::wrongUse, taken.error().sentence);
   }
   if (auto kept = keepConsent(prepared.inputs); !kept) {
+    std::error_code ignored;  // Nothing has begun: the folder stays free.
+    std::filesystem::remove(folder / EventLog::kFileName, ignored);
     return refuse(ExitCode::machineLacks, kept.error().sentence);
   }
   return prepared;

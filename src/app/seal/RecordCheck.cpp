@@ -130,7 +130,8 @@ class RecordChecker {
     const auto request = readFile(folder_ / stamp.request, kMostStampBytes);
     const auto answer = readFile(folder_ / stamp.answer, kMostStampBytes);
     const auto seal = readFile(folder_ / kResultSealName, kMostSealBytes);
-    if (!request || !answer || !seal) return failure("can't be checked: a file of it is missing");
+    if (!request || !answer || !seal)
+      return failure("can't be checked: a file of it is missing or can't be read");
     return checkStamp(*answer, *request, *seal, authorities_);
   }
 
@@ -293,7 +294,7 @@ class RecordChecker {
   /// What somebody put beside a record could be taken for a part of it.
   void checkStrangers() {
     if (isThere(kReportFileName)) {
-      known_.push_back(kReportFileName);
+      known_.emplace_back(kReportFileName);
       add(kReportFileName,
           "made afterwards, and nothing vouches for it: make your own with `videoid report`");
     }
@@ -328,14 +329,10 @@ bool RecordReport::holds() const {
 
 Expected<RecordReport> checkRecord(const fs::path& folder, const TrustedKeys* keys,
                                    const StampAuthorities* authorities) {
-  std::error_code error;
-  if (fs::is_regular_file(folder / kResultFileName, error)) {
-    return RecordChecker(folder, keys, authorities).checkEnded();
-  }
-  if (error == std::errc::permission_denied) {
-    return failure("The folder " + inQuotes(folder) + " can't be read: check its rights.");
-  }
-  if (fs::is_regular_file(folder / SealLog::kFileName, error)) {
+  const auto hasEnded = hasFile(folder, kResultFileName);
+  if (!hasEnded) return tl::unexpected(hasEnded.error());
+  if (*hasEnded) return RecordChecker(folder, keys, authorities).checkEnded();
+  if (hasFile(folder, SealLog::kFileName).value_or(false)) {
     return RecordChecker(folder, keys, authorities).checkUnended();
   }
   return failure(inQuotes(folder) + " holds no " + kResultFileName + ". Name the folder of a run.");

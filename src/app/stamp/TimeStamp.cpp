@@ -114,7 +114,7 @@ Expected<void> checkSignature(TS_RESP* answer, TS_REQ* request, UtcTime time,
 }  // namespace
 
 Expected<StampAuthorities> StampAuthorities::load(const std::filesystem::path& file) {
-  const auto text = readFile(file, kMostCertificateBytes);
+  const auto text = readFileOrPipe(file, kMostCertificateBytes);
   if (!text) return tl::unexpected(text.error());
   StampAuthorities authorities;
   authorities.store_ = {X509_STORE_new(), X509_STORE_free};

@@ -37,7 +37,7 @@ platform::Expected<std::string> readFile(const std::filesystem::path& path) {
   std::string bytes(size, '\0');
   std::ifstream file(path, std::ios::binary);
   file.read(bytes.data(), static_cast<std::streamsize>(size));
-  if (!file) return platform::failure(name + " can't be read: check its rights.");
+  if (!file) return platform::failure(name + " can't be read: check its rights and disk.");
   return bytes;
 }
 

@@ -46,6 +46,7 @@ platform::Expected<std::string> demuxerOf(const std::filesystem::path& path) {
   if (!file) return platform::failure(name + " can't be read: check its rights.");
   std::vector<char> head(kHeadBytes);
   file.read(head.data(), static_cast<std::streamsize>(head.size()));
+  if (file.bad()) return platform::failure(name + " can't be read: check its disk.");
   const auto count = static_cast<gsize>(file.gcount());
   if (count == 0) return notAVideo(name, "it is empty");
   const GstPtr<GstCaps> caps(gst_type_find_helper_for_data(

@@ -4,8 +4,8 @@
 #include <map>
 #include <optional>
 #include <set>
-#include <sstream>
 #include <system_error>
+#include <vector>
 
 #include "engine/json/FileFault.h"
 
@@ -16,6 +16,24 @@ namespace fs = std::filesystem;
 using platform::Expected;
 
 constexpr int kDeepestJson = 64;
+constexpr std::size_t kChunkBytes = 1 << 16;
+
+Expected<std::string> readStream(const fs::path& path, std::uint64_t maxBytes) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return unreadable(path, lastError());
+  std::string content;
+  std::vector<char> chunk(kChunkBytes);
+  while (file) {
+    file.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+    if (file.bad()) return unreadable(path, lastError());
+    content.append(chunk.data(), static_cast<std::size_t>(file.gcount()));
+    if (content.size() > maxBytes) {
+      return platform::failure("The file " + inQuotes(path) + " is larger than " +
+                               std::to_string(maxBytes) + " bytes; give a smaller one.");
+    }
+  }
+  return content;
+}
 
 }  // namespace
 
@@ -27,16 +45,14 @@ Expected<std::string> readFile(const fs::path& path, std::uint64_t maxBytes) {
   std::error_code error;
   const fs::file_status status = fs::status(path, error);
   if (error) return unreadable(path, error);
-  if (!fs::is_regular_file(status)) return platform::failure(inQuotes(path) + " is not a file.");
-  if (fs::file_size(path, error) > maxBytes) {
-    return platform::failure("The file " + inQuotes(path) + " is larger than " +
-                             std::to_string(maxBytes) + " bytes; give a smaller one.");
-  }
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream content;
-  content << file.rdbuf();
-  if (!file) return unreadable(path, lastError());
-  return content.str();
+  if (fs::is_regular_file(status)) return readStream(path, maxBytes);
+  return platform::failure(inQuotes(path) + " is not a file but a folder, pipe or device: name " +
+                           "a file.");
+}
+
+Expected<std::string> readFileOrPipe(const fs::path& path, std::uint64_t maxBytes) {
+  std::error_code error;
+  return fs::is_fifo(path, error) ? readStream(path, maxBytes) : readFile(path, maxBytes);
 }
 
 Expected<nlohmann::json> parseJson(const std::string& text, const std::string& name) {

@@ -18,7 +18,7 @@ app::Reference withPhoto() {
   return reference;
 }
 
-TEST(Reference, KeepsFieldsAndScoresOfBothSides) {
+TEST(Reference, KeepsFieldsScoresAndWhatTheEnrolmentWarnedOf) {
   const ScratchFolder scratch;
   app::Reference reference = withPhoto();
   reference.front.fields = {
@@ -34,6 +34,8 @@ TEST(Reference, KeepsFieldsAndScoresOfBothSides) {
        std::nullopt}};
   reference.back->isReal = false;
   reference.back->realness = corvana::RealnessScores{0.75F, 0.25F, 0.5F};
+  reference.hints = {{{"name", "conflict"}, {"field", "surname"}, {"source", "zone"}},
+                     {{"name", "expired"}}};
   ASSERT_TRUE(app::saveReference(reference, scratch.path()));
   const auto loaded = app::loadReference(scratch.path());
   ASSERT_TRUE(loaded) << loaded.error().sentence;
@@ -43,6 +45,7 @@ TEST(Reference, KeepsFieldsAndScoresOfBothSides) {
   EXPECT_FLOAT_EQ(loaded->back->realness->screenScore, 0.5F);
   EXPECT_EQ(loaded->front.fields, reference.front.fields);
   EXPECT_EQ(loaded->back->fields, reference.back->fields);
+  EXPECT_EQ(loaded->hints, reference.hints);
 }
 
 TEST(Reference, RefusesFieldsOfAnotherShape) {
@@ -63,6 +66,12 @@ TEST(Reference, RefusesFieldsOfAnotherShape) {
     ASSERT_FALSE(loaded) << key;
     EXPECT_NE(loaded.error().sentence.find("\"" + std::string(key) + "\""), std::string::npos)
         << loaded.error().sentence;
+  }
+  for (const auto& hints : {R"(7)", R"([7])", R"([{"field": "sex"}])", R"([{"name": 7}])"}) {
+    auto spoilt = good;
+    spoilt["hints"] = nlohmann::json::parse(hints);
+    ASSERT_TRUE(app::writeFile(scratch / app::kReferenceFileName, spoilt.dump()));
+    EXPECT_FALSE(app::loadReference(scratch.path())) << hints;
   }
 }
 

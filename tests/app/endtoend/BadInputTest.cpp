@@ -96,6 +96,15 @@ TEST(Commands, BadInputGetsOneSentenceAndExitCodeTwo) {
   }
 }
 
+TEST(Commands, ATakenFolderIsToldBeforeTheCardIsRead) {
+  const ScratchFolder scratch;
+  writeBytes(scratch / "unreadable.png", "");
+  const ProgramRun run =
+      runVideoid({"enroll", "--front", scratch / "unreadable.png", "--output", scratch.path()});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_NE(run.errors.find("is not empty"), std::string::npos) << run.errors;
+}
+
 TEST(Commands, AMissingModelIsTheMachinesLack) {
   const ScratchFolder scratch;
   fs::create_directories(scratch / "capture");
@@ -143,6 +152,17 @@ TEST(Commands, WhatCannotBePrintedIsNoSuccess) {
   const ProgramRun run = runProgram("sh", {"-c", "\"$0\" options --print >/dev/full", VIDEOID});
   EXPECT_EQ(run.exitCode, 3);
   EXPECT_NE(run.errors.find("Standard output can't be written"), std::string::npos) << run.errors;
+}
+
+TEST(Commands, StandardInputThatBreaksOffIsNoShortAnswer) {
+  const ScratchFolder scratch;
+  writeBytes(scratch / "result.jws", "a seal");
+  writeBytes(scratch / "request", "a request");
+  const ProgramRun run =
+      runProgram("sh", {"-c", "\"$0\" timestamp \"$1\" --request \"$1/request\" --answer - <\"$1\"",
+                        VIDEOID, scratch.path()});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_NE(run.errors.find("Standard input can't be read"), std::string::npos) << run.errors;
 }
 
 TEST(Commands, WrongUseIsExitCodeTwo) {

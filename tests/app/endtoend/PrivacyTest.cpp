@@ -127,5 +127,21 @@ TEST_F(PrivacyTest, HandsARunOnToItsRecipientAlone) {
   EXPECT_FALSE(fs::exists(scratch / "x") || fs::exists(scratch / "x.new"));
 }
 
+TEST_F(PrivacyTest, SaysWhenItMayNotEnterARecord) {
+  fs::create_directories(scratch / "record");
+  writeBytes(scratch / "record/events.jsonl", "");
+  writeBytes(scratch / "record/result.json", "{}");
+  for (const Arguments& arguments :
+       {Arguments{"export", scratch / "record", "--to", "age1nobody", "--output", scratch / "x"},
+        Arguments{"verify", scratch / "record"}}) {
+    fs::permissions(scratch / "record", fs::perms::none);
+    const ProgramRun refused = runAsPlainOwner(arguments);
+    fs::permissions(scratch / "record", fs::perms::owner_all);
+    EXPECT_EQ(refused.exitCode, 2) << arguments.front();
+    EXPECT_NE(refused.errors.find("lack the right to enter it"), std::string::npos)
+        << refused.errors;
+  }
+}
+
 }  // namespace
 }  // namespace corvana::tests

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include "devices/scripted/HostContractValidator.h"
 
@@ -36,6 +37,13 @@ ProgramRun runProgram(const fs::path& program, const std::vector<std::string>& a
 
 ProgramRun runVideoid(const std::vector<std::string>& arguments) {
   return runProgram(VIDEOID, arguments);
+}
+
+ProgramRun runAsPlainOwner(const std::vector<std::string>& arguments) {
+  if (geteuid() != 0) return runVideoid(arguments);
+  std::vector<std::string> words{"--bounding-set", "-dac_override,-dac_read_search", VIDEOID};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  return runProgram("setpriv", words);
 }
 
 ProgramRun runDisturbed(const std::vector<std::string>& arguments, const fs::path& run,

@@ -20,6 +20,8 @@ struct ProgramRun {
 ProgramRun runProgram(const std::filesystem::path& program,
                       const std::vector<std::string>& arguments);
 ProgramRun runVideoid(const std::vector<std::string>& arguments);
+/// Runs `videoid` with no more rights on files than their owner, even if that is root.
+ProgramRun runAsPlainOwner(const std::vector<std::string>& arguments);
 
 /// Runs `videoid` into the folder `run` and, once so much film is on disk that it plays whatever
 /// happens, a shell command that finds it in $pid and the folder in $run.

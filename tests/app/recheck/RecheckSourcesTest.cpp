@@ -36,6 +36,17 @@ TEST_F(RecheckSourcesTest, TakesOfSeveralWhatTheRecordNames) {
   EXPECT_EQ(*text, "b");
 }
 
+TEST_F(RecheckSourcesTest, ATextIsTheSameWhateverAnEditorPutsAroundIt) {
+  for (const char* content : {"b", "b\r\n",
+                              "\xef\xbb\xbf"
+                              "b\n\n"}) {
+    writeBytes(scratch / "b.txt", content);
+    const auto text = app::textFor(run, {.textFiles = {scratch / "a.txt", scratch / "b.txt"}});
+    ASSERT_TRUE(text) << text.error().sentence;
+    EXPECT_EQ(*text, "b");
+  }
+}
+
 TEST_F(RecheckSourcesTest, TakesASingleOneWhateverTheRecordNamesAndNeverGuesses) {
   EXPECT_EQ(app::referenceFor(run, {.references = {scratch / "references/a"}}),
             scratch / "references/a");

@@ -114,6 +114,9 @@ TEST_F(ReportPageTest, LetsNothingOfARecordBecomeMarkup) {
   evidence["heard"] = {kScript};
   evidence["front"]["shown"]["lines"] = {kScript, "{{{style}}}"};
   evidence["front"]["reference"]["lines"] = {kAttribute};
+  evidence["front"]["shown"]["fields"] = json::array(
+      {{{"name", kScript}, {"source", "print"}, {"value", kScript}, {"knownBy", kScript}}});
+  evidence["referenceHints"] = {{{"name", kScript}}, {{"name", "unread"}, {"field", kScript}}};
   evidence["pictures"] = {{"selfieFace", {{"shown", kAttribute}, {"reference", "../film.mp4"}}}};
   write();
   const std::string shown = page();
@@ -131,7 +134,7 @@ TEST_F(ReportPageTest, AllowsItsOwnScriptAndStyleAndNothingElse) {
   const std::string shown = page();
   const std::string policy = between(shown, "Content-Security-Policy\" content=\"", "\"");
   EXPECT_TRUE(policy.starts_with("default-src &apos;none&apos;;")) << policy;
-  const auto quoted = [](std::string hash) {
+  const auto quoted = [](const std::string& hash) {
     return std::regex_replace(hash, std::regex("'"), "&apos;");
   };
   const std::string style = between(shown, "<style>", "</style>");
@@ -142,6 +145,47 @@ TEST_F(ReportPageTest, AllowsItsOwnScriptAndStyleAndNothingElse) {
   EXPECT_FALSE(std::regex_search(shown, std::regex(R"((src|href)="(https?:)?//)")));
   EXPECT_FALSE(std::regex_search(shown, std::regex(R"(<[^>]*\s(on\w+|style)=)")))
       << "the policy would refuse it";
+}
+
+TEST_F(ReportPageTest, SaysHowEachFieldWasKnownAndWhatTheEnrolmentWarnedOf) {
+  const auto field = [](const char* name, const char* source) {
+    return json{{"name", name}, {"source", source}, {"value", "X"}};
+  };
+  json told = field("surname", "print");
+  told["knownBy"] = "zone";
+  json labelled = field("birthDate", "print");
+  labelled["knownBy"] = nullptr;
+  const json fields =
+      json::array({field("surname", "zone"), field("birthDate", "zone"), labelled, told});
+  evidence["front"]["shown"]["fields"] = fields;
+  evidence["front"]["reference"]["fields"] = json::array({field("surname", "print")});
+  for (const char* name : {"surname", "birthDate"}) {
+    events.push_back({{"t", 5},
+                      {"event", "field"},
+                      {"name", name},
+                      {"source", "zone"},
+                      {"agreement", "agrees"}});
+  }
+  write();
+  EXPECT_FALSE(holds(page(), "Warnings when")) << "of an earlier version";
+  evidence["referenceHints"] = {{{"name", "unread"}, {"field", "expiryDate"}, {"source", "code"}},
+                                {{"name", "expired"}}};
+  write();
+  const std::string shown = page();
+  EXPECT_TRUE(holds(shown, "<td>agrees, but could not have conflicted (zone)</td>"));
+  EXPECT_TRUE(holds(shown, "<td>agrees (zone)</td>")) << "a label named it";
+  EXPECT_TRUE(holds(shown,
+                    "<th scope=\"row\">surname</th><td>print (told by the zone); zone</td>"
+                    "<td>print</td>"))
+      << "evidence of earlier versions does not tell it of print";
+  EXPECT_TRUE(holds(shown,
+                    "<th scope=\"row\">date of birth</th>"
+                    "<td>print (by its label or place); zone</td><td>–</td>"));
+  EXPECT_TRUE(holds(shown, "<li>The date of expiry in the barcode was not found in print.</li>"));
+  EXPECT_TRUE(holds(shown, "<li>The card had expired on that day.</li>"));
+  evidence["referenceHints"] = json::array();
+  write();
+  EXPECT_TRUE(holds(page(), "None was given."));
 }
 
 TEST_F(ReportPageTest, SaysWhatIsAmissWithARecord) {

@@ -11,14 +11,9 @@ using engine::CardFlaw;
 using engine::FaceFlaw;
 using engine::RecorderEvent;
 
-struct Nobody final : engine::RecorderObserver {
-  void happened(const RecorderEvent&) override {}
-};
-
 TEST(HostHints, HaveWordsForWhateverIsWrongWithCardOrFaceAndNoneWhenItIsOver) {
-  Nobody nobody;
   std::vector<std::string> shown;
-  app::HostHints hints(nobody, [&](const std::string& words) { shown.push_back(words); });
+  app::HostHints hints([&](const std::string& words) { shown.push_back(words); });
   for (const CardFlaw flaw :
        {CardFlaw::tooDark, CardFlaw::blurred, CardFlaw::covered, CardFlaw::copy}) {
     hints.happened(eventOf(engine::FlawFound{flaw}));

@@ -1,6 +1,7 @@
 #include <ostream>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "app/keys/Base64Url.h"
 #include "app/keys/Jws.h"
@@ -44,6 +45,44 @@ TEST(Keys, ANewKeyIsItsOwnersAloneAndReplacesNoFile) {
   const auto open = app::SigningKey::load(scratch / "key");
   ASSERT_FALSE(open);
   EXPECT_NE(open.error().sentence.find("chmod 600"), std::string::npos) << open.error().sentence;
+}
+
+/// A pipe as a shell's <(command) names it, with these bytes in it.
+class Pipe {
+ public:
+  explicit Pipe(const std::string& bytes) {
+    int ends[2] = {};
+    EXPECT_EQ(::pipe(ends), 0);
+    EXPECT_EQ(::write(ends[1], bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    ::close(ends[1]);
+    reader_ = ends[0];
+  }
+  ~Pipe() { ::close(reader_); }
+  Pipe(const Pipe&) = delete;
+  Pipe& operator=(const Pipe&) = delete;
+  fs::path path() const { return "/dev/fd/" + std::to_string(reader_); }
+
+ private:
+  int reader_ = -1;
+};
+
+TEST(Keys, ComeThroughAPipeAsWell) {
+  const ScratchFolder scratch;
+  const auto key = newKey(scratch / "key");
+  const std::string jwk = key.publicKey().jwk().dump();
+  const auto secret = app::SigningKey::load(Pipe(bytesOf(scratch / "key")).path());
+  ASSERT_TRUE(secret) << secret.error().sentence;
+  EXPECT_EQ(secret->publicKey().id(), key.publicKey().id());
+  EXPECT_TRUE(app::TrustedKeys::ofKey(Pipe(jwk).path()));
+  EXPECT_TRUE(app::TrustedKeys::ofSet(Pipe(R"({"keys": [)" + jwk + "]}").path()));
+}
+
+TEST(Keys, APrivateKeyThatIsNoFileIsSaidToBeThat) {
+  const ScratchFolder scratch;
+  EXPECT_NE(app::SigningKey::load(scratch / "none").error().sentence.find("videoid key new"),
+            std::string::npos);
+  EXPECT_NE(app::SigningKey::load(scratch.path()).error().sentence.find("is not a file"),
+            std::string::npos);
 }
 
 TEST(Keys, ThePublicHalfIsReadInBothFormsAndNamedByItsThumbprint) {

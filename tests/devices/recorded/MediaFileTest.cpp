@@ -135,6 +135,7 @@ TEST_F(MediaFileTest, saysInOneSentenceWhatIsWrongWithAFile) {
            {"none.mp4", "There is no file"},
            {".", "is not a file"},
            {"empty.mp4", "is empty"},
+           {"/proc/self/mem", "can't be read"},
            {"text.mp4", "is not a video"},
            {"picture.png", "is not a video"},
            {"list.m3u8", "is not a video"},
