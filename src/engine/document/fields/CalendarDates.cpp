@@ -86,6 +86,18 @@ struct Piece {
   std::size_t end = 0;
 };
 
+bool isCapital(char c) {
+  return c >= 'A' && c <= 'Z';
+}
+
+/// In print of letters as wide as one another, OCT is read as 0CT.
+void mendLetters(std::string& text) {
+  for (std::size_t i = 0; i + 1 < text.size(); ++i) {
+    const bool beginsWord = i == 0 || !(isDigit(text[i - 1]) || isCapital(text[i - 1]));
+    if (text[i] == '0' && beginsWord && isCapital(text[i + 1])) text[i] = 'O';
+  }
+}
+
 /// Capitals of ASCII, small ones too; Û and É and their like for what they are in a month's name.
 std::string capitals(std::string_view text) {
   static const std::map<std::string_view, char> kAccented{{"Û", 'U'}, {"û", 'U'}, {"É", 'E'},
@@ -102,6 +114,7 @@ std::string capitals(std::string_view text) {
       plain += c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
     }
   }
+  mendLetters(plain);
   return plain;
 }
 
@@ -113,7 +126,6 @@ std::vector<Piece> piecesOf(const std::string& text) {
       ++end;
     return end;
   };
-  const auto isCapital = [](char c) { return c >= 'A' && c <= 'Z'; };
   for (std::size_t at = 0; at < text.size();) {
     std::size_t end = at + 1;
     if (isDigit(text[at])) {
