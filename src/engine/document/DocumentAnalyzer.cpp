@@ -403,9 +403,9 @@ std::optional<Quad> DocumentAnalyzer::withZoneBelow(const platform::PixelBuffer&
   if (reading.data.mrz || reading.data.barcode) return std::nullopt;
   const bool isTurned = reading.data.image->pixels() != look.card;
   const Quad outline = isTurned ? upsideDown(look.outline) : look.outline;
-  ZoneBelow below(straightenedHeight(outline));
-  const auto around = straightened(picture, quadInPicture(below.around(), outline));
-  below.wasSeen(around->height());
+  const int height = straightenedHeight(outline);
+  const auto around = straightened(picture, quadInPicture(ZoneBelow::around(height), outline));
+  const ZoneBelow below(height, around->height());
   auto lines = text_.find(*around);
   std::erase_if(lines, [&](const TextLine& line) { return !below.mayBeOfZone(line); });
   lines = text_.readAgain(*around, lines);

@@ -19,13 +19,15 @@ constexpr double kMargin = 0.04;
 
 }  // namespace
 
-platform::CGRect ZoneBelow::around() const {
-  return {(1 - kAround) / 2 * kCardWidth, 0, kAround * kCardWidth, kAround * height_};
+platform::CGRect ZoneBelow::around(int height) {
+  return {(1 - kAround) / 2 * kCardWidth, 0, kAround * kCardWidth, kAround * height};
 }
 
 platform::CGRect ZoneBelow::onCard(const platform::CGRect& box) const {
-  const double down = kAround * height_ / seenHeight_;
-  return {around().x + kAround * box.x, down * box.y, kAround * box.width, down * box.height};
+  const platform::CGRect seen = around(height_);
+  const double across = seen.width / kCardWidth;
+  const double down = seen.height / seenHeight_;
+  return {seen.x + across * box.x, seen.y + down * box.y, across * box.width, down * box.height};
 }
 
 bool ZoneBelow::mayBeOfZone(const TextLine& line) const {

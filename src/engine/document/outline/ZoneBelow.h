@@ -16,13 +16,13 @@ class ZoneBelow {
   /// Zones beside a photo have two lines.
   static constexpr std::size_t kFewestLines = 2;
 
-  /// The height of the straightened card.
-  explicit ZoneBelow(int height) : height_(height) {}
+  /// Where to look, in pixels of a straightened card of that height: of its shape, and half as
+  /// large again.
+  static platform::CGRect around(int height);
 
-  /// Where to look, in pixels of the straightened card: of its shape, and half as large again.
-  platform::CGRect around() const;
-  /// The straightened picture of that is so high. Its lines are given below.
-  void wasSeen(int height) { seenHeight_ = height; }
+  /// The heights of the straightened card and of the straightened picture of what lies around it,
+  /// whose lines are given below.
+  ZoneBelow(int height, int seenHeight) : height_(height), seenHeight_(seenHeight) {}
 
   /// Whether a line stands where a zone does that was left out.
   bool mayBeOfZone(const TextLine& line) const;
@@ -33,7 +33,7 @@ class ZoneBelow {
   platform::CGRect onCard(const platform::CGRect& box) const;
 
   int height_;
-  int seenHeight_ = 1;
+  int seenHeight_;
 };
 
 }  // namespace corvana::engine
