@@ -189,6 +189,12 @@ class PrintCheck {
     };
     const auto isHeld = [&](const std::string& line) { return holds(line, field); };
     const auto isNear = [&](const std::string& line) {
+      // It may stand in one line with another value.
+      if (field.name == FieldName::documentNumber) {
+        return anyRun(line, false, [&](const std::string& run) {
+          return nearlyHolds(run, field) && !isTaken(run, field.name);
+        });
+      }
       return (nearlyHolds(line, field) || holdsOtherExpiry(line, field)) &&
              !isTaken(line, field.name);
     };

@@ -90,6 +90,12 @@ const AgreementCase kAgreementCases[] = {
     {"rare letters taken for others", FieldName::surname, "GUEMUESOGLU", "GÜMÜşOČLU", {}, kAgrees},
     {"the same without a label", FieldName::surname, "CAGLAYAN", {}, {"1 ÇAČLAYAN"}, kAgrees},
     {"a thorn taken for a P", FieldName::givenNames, "THORDIS", "PÓRDÍS", {"PÓRDÍS"}, kUnread},
+    {"another number beside a date that agrees",
+     FieldName::documentNumber,
+     "GX2685785",
+     {},
+     {"GX8685785 09/11/2028"},
+     kConflicts},
     {"letters with a dot below", FieldName::surname, "EZEANIMGBAFO", "EZEAN!MGBAFQ", {}, kUnread},
     {"a ligature taken for an E", FieldName::surname, "DUBOEUF", {}, {"DUBEUF"}, kUnread},
     {"a letter that is no thorn", FieldName::givenNames, "TORDIS", "PÓRDÍS", {}, kConflicts},
@@ -171,6 +177,8 @@ TEST(FieldAgreement, SetsPrintAgainstARecord) {
     std::vector<DocumentField> record{field(c.name, c.recorded, FieldSource::zone)};
     if (c.name == FieldName::surname)
       record.push_back(field(FieldName::givenNames, "ANNA MARIA", FieldSource::zone));
+    if (c.name == FieldName::documentNumber)
+      record.push_back(field(FieldName::expiryDate, "2028-11-09", FieldSource::zone));
     EXPECT_EQ(engine::checkPrint(print, record).front().agreement, c.agreement) << c.what;
   }
 }
