@@ -67,10 +67,6 @@ std::vector<std::string> doubtfulTexts(const std::vector<TextLine>& lines) {
   return texts;
 }
 
-bool hasText(const std::vector<TextLine>& lines, const std::string& text) {
-  return std::ranges::find(lines, text, &TextLine::text) != lines.end();
-}
-
 /// Whether the line would be read alike again.
 bool isSettled(const TextLine& line, const CardMemory& memory) {
   return line.leastConfidence >= kSureLetter ||
@@ -81,8 +77,10 @@ bool isSettled(const TextLine& line, const CardMemory& memory) {
 std::vector<std::string> readAlike(const std::vector<TextLine>& before,
                                    const std::vector<TextLine>& now) {
   std::vector<std::string> alike;
-  for (const TextLine& line : now)
-    if (hasText(before, line.text)) alike.push_back(line.text);
+  for (const TextLine& line : now) {
+    if (std::ranges::find(before, line.text, &TextLine::text) != before.end())
+      alike.push_back(line.text);
+  }
   return alike;
 }
 
@@ -200,12 +198,10 @@ std::vector<TextLine> DocumentAnalyzer::linesAgain(const platform::PixelBuffer& 
                                                    bool isAsRead, CardMemory& memory) {
   const bool mayRepeat = isAsRead && !memory.hasOpenZone && memory.repeats < kMostRepeats;
   memory.repeats = mayRepeat ? memory.repeats + 1 : 0;
-  std::vector<TextLine> lines;
-  if (mayRepeat) lines = memory.lines;
-  const auto open =
-      std::ranges::partition(lines, [&](const TextLine& line) { return isSettled(line, memory); });
-  auto read =
-      text_.readAgain(upright, mayRepeat ? std::vector(open.begin(), open.end()) : memory.lines);
+  std::vector<TextLine> lines = memory.lines;
+  const auto open = std::ranges::partition(
+      lines, [&](const TextLine& line) { return mayRepeat && isSettled(line, memory); });
+  auto read = text_.readAgain(upright, {open.begin(), open.end()});
   lines.erase(open.begin(), open.end());
   std::ranges::move(read, std::back_inserter(lines));
   sortFromTop(lines);

@@ -23,9 +23,12 @@ constexpr double kLumaGain = 255.0 / 219.0;
 constexpr double kLumaOffset = -16.0 * kLumaGain;
 
 /// OpenCV only reads; its matrix type has no const view.
+cv::Mat sharedRows(const PixelBuffer& picture, int rows, int type) {
+  return {rows, picture.width(), type, const_cast<std::uint8_t*>(picture.plane(0))};  // NOLINT
+}
+
 cv::Mat sharedPlane(const PixelBuffer& picture, int type) {
-  return {picture.height(), picture.width(), type,
-          const_cast<std::uint8_t*>(picture.plane(0))};  // NOLINT
+  return sharedRows(picture, picture.height(), type);
 }
 
 /// All planes below one another, as OpenCV wants them: of even width and height.
@@ -34,7 +37,7 @@ cv::Mat evenPlanes(const PixelBuffer& picture) {
   const int evenHeight = (picture.height() + 1) / 2 * 2;
   const int rows = evenHeight * 3 / 2;
   if (evenWidth == picture.width() && evenHeight == picture.height())
-    return {rows, evenWidth, CV_8UC1, const_cast<std::uint8_t*>(picture.plane(0))};  // NOLINT
+    return sharedRows(picture, rows, CV_8UC1);
   cv::Mat planes(rows, evenWidth, CV_8UC1);
   // The chroma planes are rounded up already: only the luma of an odd size has to grow.
   cv::copyMakeBorder(sharedPlane(picture, CV_8UC1), planes.rowRange(0, evenHeight), 0,
