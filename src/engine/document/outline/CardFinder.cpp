@@ -24,6 +24,7 @@ constexpr std::size_t kMostLines = 26;
 // A side counts as seen when this share of it lies on an edge. A hand covers one side in part.
 constexpr double kLeastSupport = 0.36;
 constexpr double kLeastSecondSupport = 0.55;
+constexpr double kFullSupport = 1;
 constexpr double kLeastScore = 0.66;
 /// Small outlines are common in any room; only a clear one counts.
 constexpr double kLeastSmallScore = 0.74;
@@ -90,12 +91,13 @@ class OutlineSearch {
     Candidate best;
     forEachOutline(across_, down_, [&](const Quad& quad) {
       if (!hasDocumentsShape(quad)) return;
+      const double preferred = preference(quad);
+      const double toBeat = best.score + best.preference;
+      // Support is what costs: it is not asked for where even full support would not do.
+      if (best.score > 0 && kFullSupport + preferred <= toBeat) return;
       const double support = supportOf(quad);
       if (support == 0) return;
-      const double preferred = preference(quad);
-      if (best.score == 0 || support + preferred > best.score + best.preference) {
-        best = {quad, support, preferred};
-      }
+      if (best.score == 0 || support + preferred > toBeat) best = {quad, support, preferred};
     });
     return best;
   }

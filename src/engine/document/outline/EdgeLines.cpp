@@ -79,7 +79,8 @@ cv::Mat accumulate(const cv::Mat& edges, const cv::Mat& along, const cv::Mat& at
   for (int y = 0; y < edges.rows; ++y) {
     for (int x = 0; x < edges.cols; ++x) {
       if (edges.at<std::uint8_t>(y, x) == 0) continue;
-      const double normal = std::atan2(-along.at<short>(y, x), athwart.at<short>(y, x));
+      const double normal = std::atan2(static_cast<float>(-along.at<short>(y, x)),
+                                       static_cast<float>(athwart.at<short>(y, x)));
       vote(across ? x : y, across ? y : x, normal);
     }
   }
@@ -93,6 +94,19 @@ EdgeLine lineAt(int angleStep, double offset, bool across) {
   // In (u along, v athwart): direction (c, s), foot of the normal at offset * (-s, c).
   if (across) return {{c, s}, {-s * offset, c * offset}, 0};
   return {{s, c}, {c * offset, -s * offset}, 0};
+}
+
+struct Peak {
+  double votes = 0;
+  int column = 0;
+};
+
+Peak peakOf(const cv::Mat& row) {
+  Peak peak;
+  cv::Point at;
+  cv::minMaxLoc(row, nullptr, &peak.votes, nullptr, &at);
+  peak.column = at.x;
+  return peak;
 }
 
 }  // namespace
@@ -118,14 +132,16 @@ std::vector<EdgeLine> EdgeMap::lines(Course course, std::size_t most) const {
   // Pixels of one line fall into two neighbouring offsets.
   cv::blur(votes, votes, cv::Size(3, 1));
   votes *= 3;
+  std::vector<Peak> peaks;  // of each angle: a line that is taken changes those of a few only
+  for (int a = 0; a < votes.rows; ++a)
+    peaks.push_back(peakOf(votes.row(a)));
   std::vector<EdgeLine> lines;
   while (lines.size() < most) {
-    double best = 0;
-    cv::Point at;
-    cv::minMaxLoc(votes, nullptr, &best, nullptr, &at);
-    if (best < kLeastVotes) break;
+    const auto peak = std::ranges::max_element(peaks, {}, &Peak::votes);
+    if (peak->votes < kLeastVotes) break;
+    const cv::Point at(peak->column, static_cast<int>(peak - peaks.begin()));
     lines.push_back(lineAt(at.y, at.x - margin, across));
-    lines.back().votes = best;
+    lines.back().votes = peak->votes;
     // Lines that pass within two pixels of this one over the picture's length are the same.
     for (int a = std::max(0, at.y - 4); a <= std::min(kAngles - 1, at.y + 4); ++a) {
       const double drift =
@@ -136,6 +152,7 @@ std::vector<EdgeLine> EdgeMap::lines(Course course, std::size_t most) const {
       const int from = std::clamp(static_cast<int>(centre) - reach, 0, votes.cols - 1);
       const int to = std::clamp(static_cast<int>(centre) + reach, 0, votes.cols - 1);
       votes(cv::Rect(from, a, to - from + 1, 1)).setTo(0);
+      peaks[static_cast<std::size_t>(a)] = peakOf(votes.row(a));
     }
   }
   return lines;
