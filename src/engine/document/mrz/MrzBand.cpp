@@ -75,6 +75,12 @@ double slopeOf(const cv::Mat& filled, int cardWidth) {
   return best;
 }
 
+/// Of what is not below zero. Rows are sought at so many places that a call of the library's costs
+/// more than all else.
+double rounded(double position) {
+  return static_cast<double>(static_cast<int>(position + 0.5));
+}
+
 /// Sums over stretches of a profile in constant time.
 class Sums {
  public:
@@ -83,13 +89,13 @@ class Sums {
   }
   double total(double from, double to) const { return at(to) - at(from); }
   double mean(double from, double to) const {
-    return total(from, to) / std::max(1.0, std::round(to) - std::round(from));
+    return total(from, to) / std::max(1.0, rounded(to) - rounded(from));
   }
 
  private:
   double at(double position) const {
     const double last = static_cast<double>(sums_.size() - 1);
-    return sums_[static_cast<std::size_t>(std::clamp(std::round(position), 0.0, last))];
+    return sums_[static_cast<std::size_t>(std::clamp(rounded(position), 0.0, last))];
   }
 
   std::vector<double> sums_;
