@@ -114,7 +114,15 @@ cv::Rect pixelRect(const CGRect& rect, cv::Size picture) {
 
 PixelBufferRef rgbPicture(const PixelBufferRef& picture) {
   if (picture->format() == PixelFormat::rgb24) return picture;
-  return pixelBufferFrom(rgbMat(*picture));
+  const int width = picture->width();
+  const int height = picture->height();
+  if (picture->format() != PixelFormat::i420 || width % 2 != 0 || height % 2 != 0)
+    return pixelBufferFrom(rgbMat(*picture));
+  // Each analysed frame comes through here: it is converted where it stays.
+  std::vector<std::uint8_t> bytes(PixelBuffer::byteCount(width, height, PixelFormat::rgb24));
+  cv::Mat rgb(height, width, CV_8UC3, bytes.data());
+  cv::cvtColor(evenPlanes(*picture), rgb, cv::COLOR_YUV2RGB_I420);
+  return std::make_shared<const PixelBuffer>(width, height, PixelFormat::rgb24, std::move(bytes));
 }
 
 PixelBufferRef grayPicture(const PixelBufferRef& picture) {
