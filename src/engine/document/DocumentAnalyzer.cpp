@@ -125,12 +125,16 @@ CardSighting DocumentAnalyzer::find(const platform::PixelBuffer& frame,
   return findCard(frame, guide, corvana::IDCapture::options);
 }
 
-CardView DocumentAnalyzer::view(const platform::PixelBuffer& frame, const Quad& outline) const {
-  const auto picture = straightened(frame, outline);
-  return {picture,
-          {.sharpness = printSharpness(*picture),
-           .glare = glareFraction(*picture),
-           .brightness = brightnessOf(*picture)}};
+/// Of most looks the card's colours are never asked for: they cost three times as much as its grey.
+CardView DocumentAnalyzer::view(const platform::PixelBufferRef& frame, const Quad& outline) const {
+  const auto gray = straightenedGray(*frame, outline);
+  const double glare = mayHaveGlare(*gray) ? glareFraction(*straightened(*frame, outline)) : 0;
+  return {
+      .frame = frame,
+      .outline = outline,
+      .gray = gray,
+      .quality = {
+          .sharpness = printSharpness(*gray), .glare = glare, .brightness = brightnessOf(*gray)}};
 }
 
 std::optional<Face> DocumentAnalyzer::portrait(const platform::PixelBuffer& card,
@@ -209,9 +213,10 @@ std::vector<TextLine> DocumentAnalyzer::linesAgain(const platform::PixelBuffer& 
   return lines;
 }
 
-CardReading DocumentAnalyzer::readAgain(const CardView& card, CardMemory& memory) {
-  const auto upright = memory.isUpsideDown ? onItsHead(*card.picture) : card.picture;
-  auto lines = linesAgain(*upright, card.isAsRead, memory);
+CardReading DocumentAnalyzer::readAgain(const platform::PixelBufferRef& card, bool isAsRead,
+                                        CardMemory& memory) {
+  const auto upright = memory.isUpsideDown ? onItsHead(*card) : card;
+  auto lines = linesAgain(*upright, isAsRead, memory);
   const bool isTheSame = static_cast<double>(lines.size()) >=
                          kLeastShareReadAgain * static_cast<double>(memory.lines.size());
   if (!isTheSame) {
@@ -223,12 +228,13 @@ CardReading DocumentAnalyzer::readAgain(const CardView& card, CardMemory& memory
 }
 
 CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
+  const auto picture = straightened(*card.frame, card.outline);
   CardReading reading =
-      memory.lines.empty() ? readFirst(card.picture, memory) : readAgain(card, memory);
+      memory.lines.empty() ? readFirst(picture, memory) : readAgain(picture, card.isAsRead, memory);
   reading.isUpsideDown = memory.isUpsideDown;
   if (memory.repeats == 0 || !memory.realness) {
     memory.realness =
-        realnessOf(copyFigures(*card.picture, card.quality.sharpness), reading.data.isPhotoPresent);
+        realnessOf(copyFigures(*picture, card.quality.sharpness), reading.data.isPhotoPresent);
   }
   judgeRealness(*memory.realness, reading.data);
   return reading;

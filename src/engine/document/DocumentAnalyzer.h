@@ -24,10 +24,12 @@
 
 namespace corvana::engine {
 
-/// A card taken out of a picture, straightened to its shape, with the measures of its quality.
+/// A card in a frame, with the measures of its quality.
 struct CardView {
-  platform::PixelBufferRef picture;
-  CardQuality quality;  ///< but for what covers print, which one picture can't tell
+  platform::PixelBufferRef frame;
+  Quad outline;
+  platform::PixelBufferRef gray;  ///< straightened to its shape
+  CardQuality quality;            ///< but for what covers print, which one picture can't tell
   /// Whether its print looks as it did when the lines in the card's memory were read.
   bool isAsRead = false;
 };
@@ -81,7 +83,7 @@ class DocumentAnalyzer {
 
   /// Looks for a card; the guide is where the user is asked to hold it, in pixels of the frame.
   CardSighting find(const platform::PixelBuffer& frame, const platform::CGRect& guide) const;
-  CardView view(const platform::PixelBuffer& frame, const Quad& outline) const;
+  CardView view(const platform::PixelBufferRef& frame, const Quad& outline) const;
   /// Reads a card. Where the print of the same card in the same place is known from an earlier
   /// picture, it is not looked for again, unless it can no longer be read there; a zone that no
   /// picture shows whole is put together from several. What is seen now goes into the memory. A
@@ -112,7 +114,7 @@ class DocumentAnalyzer {
   std::optional<CardTurn> turnOf(const platform::PixelBuffer& card,
                                  const std::vector<TextLine>& lines);
   CardReading readFirst(const platform::PixelBufferRef& card, CardMemory& memory);
-  CardReading readAgain(const CardView& card, CardMemory& memory);
+  CardReading readAgain(const platform::PixelBufferRef& card, bool isAsRead, CardMemory& memory);
   std::vector<TextLine> linesAgain(const platform::PixelBuffer& upright, bool isAsRead,
                                    CardMemory& memory);
   void askSecondReader(CardReading& reading) const;

@@ -16,7 +16,6 @@ class CardReads {
   /// What was seen of a card in one picture, and what earlier pictures told of it.
   struct Order {
     CardView card;
-    Quad outline;
     CardMemory memory;
   };
   struct Result {

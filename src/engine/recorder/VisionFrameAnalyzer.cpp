@@ -227,16 +227,16 @@ DocumentView VisionFrameAnalyzer::lookForDocument(const PixelBufferRef& picture,
     reads_.drop();
   }
   if (sighting.verdict != CardVerdict::found || !steady) return view;
-  CardView card = documents_->view(*picture, *sighting.outline);
+  CardView card = documents_->view(picture, *sighting.outline);
   view.quality = card.quality;
-  const PrintLook print = print_.look(*card.picture);
+  const PrintLook print = print_.look(*card.gray);
   view.quality->coveredPrint = print.covered;
   card.isAsRead = print.leastAlike >= kUnchangedPrint;
   showReading(view);
   const bool due = !lastReading_ || observation.frameTime - *lastReading_ >= kReadInterval;
   if (due && !reads_.isBusy() && !flawOf(*view.quality, corvana::IDCapture::options)) {
     lastReading_ = observation.frameTime;
-    reads_.start({card, *sighting.outline, memory_});
+    reads_.start({std::move(card), memory_});
   }
   return view;
 }
@@ -251,9 +251,10 @@ void VisionFrameAnalyzer::showReading(DocumentView& view) {
   if (reading.isUpsideDown) {
     print_.forget();
   } else if (memory_.repeats == 0) {
-    print_.remember(*order.card.picture, reading.lines);
+    print_.remember(*order.card.gray, reading.lines);
   }
-  const Quad upright = reading.isUpsideDown ? upsideDown(order.outline) : order.outline;
+  const Quad& outline = order.card.outline;
+  const Quad upright = reading.isUpsideDown ? upsideDown(outline) : outline;
   if (reading.faceBox) view.portrait = boundsInPicture(*reading.faceBox, upright);
   view.familyMatches = std::move(reading.familyMatches);
   view.reading = std::move(reading.data);

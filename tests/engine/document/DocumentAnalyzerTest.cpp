@@ -35,7 +35,7 @@ class DocumentAnalyzerTest : public testing::Test {
   /// As in a camera frame; the card must be found.
   engine::CardView view(const cv::Mat& side, const Held& held) {
     const auto shown = tests::hold(side, held);
-    return analyzer->view(*shown.picture, analyzer->find(*shown.picture, kGuide).outline.value());
+    return analyzer->view(shown.picture, analyzer->find(*shown.picture, kGuide).outline.value());
   }
   engine::CardReading read(const cv::Mat& side, const Held& held) {
     return analyzer->read(view(side, held));
@@ -206,18 +206,18 @@ TEST_F(DocumentAnalyzerTest, SeesFingersOverPrintThatItHasRead) {
   const auto card = tests::drawCard(0, tests::holder(0), "person_a.jpg");
   engine::PrintWatch watch;
   const auto seen = view(card.front, {.noise = 2});
-  EXPECT_EQ(watch.look(*seen.picture).covered, 0) << "nothing is known yet";
-  watch.remember(*seen.picture, analyzer->read(seen).lines);
+  EXPECT_EQ(watch.look(*seen.gray).covered, 0) << "nothing is known yet";
+  watch.remember(*seen.gray, analyzer->read(seen).lines);
   const Held moved{.x = 352, .y = 1006, .width = 590, .roll = 1.5, .noise = 5};
-  EXPECT_LT(watch.look(*view(card.front, moved).picture).covered, 0.02);
+  EXPECT_LT(watch.look(*view(card.front, moved).gray).covered, 0.02);
   cv::Mat touched = card.front.clone();
   cv::ellipse(touched, {1000, 420}, {150, 300}, 10, 0, 360, {205, 160, 135, 255}, cv::FILLED);
-  EXPECT_GT(watch.look(*view(touched, moved).picture).covered, 0.04);
+  EXPECT_GT(watch.look(*view(touched, moved).gray).covered, 0.04);
   cv::Mat other;  // as an outline that is a little wrong makes of shapes between card and page
-  cv::resize(engine::rgbMat(*view(card.front, moved).picture), other, {1000, 704});
+  cv::resize(engine::grayMat(*view(card.front, moved).gray), other, {1000, 704});
   EXPECT_LT(watch.look(*engine::pixelBufferFrom(other)).covered, 0.02);
-  EXPECT_EQ(watch.look(*view(card.back, moved).picture).covered, 0) << "another side";
-  EXPECT_EQ(watch.look(*view(touched, moved).picture).covered, 0) << "and so it is forgotten";
+  EXPECT_EQ(watch.look(*view(card.back, moved).gray).covered, 0) << "another side";
+  EXPECT_EQ(watch.look(*view(touched, moved).gray).covered, 0) << "and so it is forgotten";
 }
 
 TEST_F(DocumentAnalyzerTest, TakesWhatWasReadAsReadWhileItLooksTheSameFourTimesInARow) {
@@ -228,14 +228,14 @@ TEST_F(DocumentAnalyzerTest, TakesWhatWasReadAsReadWhileItLooksTheSameFourTimesI
   engine::CardView seen = view(card.front, {.roll = 1});
   engine::CardMemory memory;
   engine::PrintWatch watch;
-  watch.remember(*seen.picture, analyzer->read(seen, memory).lines);
-  EXPECT_GT(watch.look(*view(card.front, moved).picture).leastAlike, 0.96);
+  watch.remember(*seen.gray, analyzer->read(seen, memory).lines);
+  EXPECT_GT(watch.look(*view(card.front, moved).gray).leastAlike, 0.96);
   engine::CardView other = view(tests::drawCard(0, altered, "person_a.jpg").front, moved);
-  EXPECT_LT(watch.look(*other.picture).leastAlike, 0.96) << "one digit is another";
+  EXPECT_LT(watch.look(*other.gray).leastAlike, 0.96) << "one digit is another";
 
   // What is claimed here is wrong: only so can a reading be told from what was taken as read.
   other.isAsRead = true;
-  other.picture = engine::rgbPicture(engine::grayPicture(other.picture));
+  other.frame = engine::rgbPicture(engine::grayPicture(other.frame));
   for (int i = 0; i < 6; ++i) {
     const auto reading = analyzer->read(other, memory);
     const char* number = i < 4 ? "D23145890" : "D28145890";

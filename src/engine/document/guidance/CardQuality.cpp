@@ -71,11 +71,9 @@ double printSharpness(const platform::PixelBuffer& card) {
 }
 
 double brightnessOf(const platform::PixelBuffer& picture) {
-  constexpr int kEveryPixel = 8;  // brightness needs no detail
+  constexpr double kReduction = 1.0 / 8;  // brightness needs no detail
   cv::Mat small;
-  cv::resize(rgbMat(picture), small, cv::Size(), 1.0 / kEveryPixel, 1.0 / kEveryPixel,
-             cv::INTER_AREA);
-  cv::cvtColor(small, small, cv::COLOR_RGB2GRAY);
+  cv::resize(grayMat(picture), small, {}, kReduction, kReduction, cv::INTER_AREA);
   std::array<int, 256> counts{};
   for (int row = 0; row < small.rows; ++row) {
     const auto* values = small.ptr<std::uint8_t>(row);

@@ -34,9 +34,9 @@ cv::Mat square(int side) {
   return cv::Mat::ones(side, side, CV_8U);
 }
 
-cv::Mat saturatedPatches(const cv::Mat& rgb) {
+cv::Mat saturatedPatches(const cv::Mat& card) {
   cv::Mat smooth;
-  cv::blur(rgb, smooth, {5, 5});  // noise takes single pixels of a blot below the limit
+  cv::blur(card, smooth, {5, 5});  // noise takes single pixels of a blot below the limit
   cv::Mat mask;
   cv::inRange(smooth, cv::Scalar::all(kSaturated), cv::Scalar::all(255), mask);
   // Letters between white letters and specks are no patch.
@@ -91,6 +91,10 @@ cv::Mat withoutPaper(const cv::Mat& patches, const cv::Mat& rgb, const cv::Mat& 
 }
 
 }  // namespace
+
+bool mayHaveGlare(const platform::PixelBuffer& grayCard) {
+  return cv::countNonZero(saturatedPatches(grayMat(grayCard))) > 0;
+}
 
 double glareFraction(const platform::PixelBuffer& card) {
   const cv::Mat rgb = rgbMat(card);

@@ -10,4 +10,8 @@ namespace corvana::engine {
 /// told.
 double glareFraction(const platform::PixelBuffer& card);
 
+/// Whether a straightened card's grey picture has patches as bright as glare. Without any there is
+/// none, and its colours need not be asked.
+bool mayHaveGlare(const platform::PixelBuffer& grayCard);
+
 }  // namespace corvana::engine

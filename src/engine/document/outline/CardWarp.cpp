@@ -23,6 +23,18 @@ cv::Mat toCard(const Quad& outline) {
   return cv::getPerspectiveTransform(from, to);
 }
 
+platform::PixelBufferRef straightened(const cv::Mat& picture, const Quad& outline) {
+  const double shrink = outline.width() / kCardWidth;
+  cv::Mat source = picture;
+  // Interpolation looks at four pixels only: what shrinks must be smoothed first.
+  if (shrink > 1.3) cv::GaussianBlur(picture, source, cv::Size(), 0.4 * shrink);
+  cv::Mat card;
+  cv::warpPerspective(source, card, toCard(outline),
+                      cv::Size(kCardWidth, straightenedHeight(outline)), cv::INTER_CUBIC,
+                      cv::BORDER_REPLICATE);
+  return pixelBufferFrom(card);
+}
+
 }  // namespace
 
 int straightenedHeight(const Quad& outline) {
@@ -30,16 +42,12 @@ int straightenedHeight(const Quad& outline) {
 }
 
 platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, const Quad& outline) {
-  const cv::Mat rgb = rgbMat(picture);
-  const double shrink = outline.width() / kCardWidth;
-  cv::Mat source = rgb;
-  // Interpolation looks at four pixels only: what shrinks must be smoothed first.
-  if (shrink > 1.3) cv::GaussianBlur(rgb, source, cv::Size(), 0.4 * shrink);
-  cv::Mat card;
-  cv::warpPerspective(source, card, toCard(outline),
-                      cv::Size(kCardWidth, straightenedHeight(outline)), cv::INTER_CUBIC,
-                      cv::BORDER_REPLICATE);
-  return pixelBufferFrom(card);
+  return straightened(rgbMat(picture), outline);
+}
+
+platform::PixelBufferRef straightenedGray(const platform::PixelBuffer& picture,
+                                          const Quad& outline) {
+  return straightened(grayMat(picture), outline);
 }
 
 platform::PixelBufferRef onItsHead(const platform::PixelBuffer& card) {

@@ -18,6 +18,9 @@ int straightenedHeight(const Quad& outline);
 
 /// The card inside the outline as seen from straight above, rgb24; small cards are scaled up.
 platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, const Quad& outline);
+/// The same in grey, gray8.
+platform::PixelBufferRef straightenedGray(const platform::PixelBuffer& picture,
+                                          const Quad& outline);
 
 /// A straightened card turned by half a turn.
 platform::PixelBufferRef onItsHead(const platform::PixelBuffer& card);
