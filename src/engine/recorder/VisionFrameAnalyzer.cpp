@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <future>
 #include <utility>
 
 #include "corvana/SelfieCapture.h"
@@ -132,10 +133,15 @@ Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& fram
     observation.selfie = lookForSelfie(picture, observation);
     return observation;
   }
-  followLiveFace(*picture, observation);
-  if (task.mode == VideoCaptureMode::idCapture) {
-    observation.document = lookForDocument(picture, observation);
+  if (task.mode != VideoCaptureMode::idCapture) {
+    followLiveFace(*picture, observation);
+    return observation;
   }
+  const Observation asked = observation;  // following the face does not change it
+  const auto face = std::async(std::launch::async, [&] { followLiveFace(*picture, observation); });
+  auto document = lookForDocument(picture, asked);
+  face.wait();
+  observation.document = std::move(document);
   return observation;
 }
 
