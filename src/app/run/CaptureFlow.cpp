@@ -7,7 +7,6 @@
 #include "app/run/CountedFilms.h"
 #include "capture/ControllerFactories.h"
 #include "devices/system/SystemRandom.h"
-#include "engine/speech/PocketSphinxRecognizer.h"
 
 namespace corvana::app {
 namespace {
@@ -71,6 +70,7 @@ CaptureFlow::CaptureFlow(const CaptureArguments& arguments, PreparedCapture& pre
       screen_(*prepared.stage.screen),
       media_(prepared.media),
       analyzer_(prepared.analyzer),
+      recognizer_(prepared.recognizer),
       progress_(std::move(progress)),
       signals_([&loop = loop_] { loop.wake(); }),
       seal_(makeSeal()),
@@ -138,11 +138,9 @@ std::unique_ptr<platform::AssetWriterFactory> CaptureFlow::makeFilms() {
   return films;
 }
 
-std::shared_ptr<corvana::SpeechRecognizer> CaptureFlow::makeRecognizer() {
-  auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
-      loop_, engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder), inputs_.text);
-  if (!evidence_) return recognizer;
-  return listenIn(std::move(recognizer), [this](const auto& result) { evidence_->heard(result); });
+std::shared_ptr<corvana::SpeechRecognizer> CaptureFlow::recognizer() {
+  if (!evidence_) return recognizer_;
+  return listenIn(recognizer_, [this](const auto& result) { evidence_->heard(result); });
 }
 
 /// What is told of an event is shown once it is in the log.
@@ -160,7 +158,7 @@ engine::EngineHost::Setup CaptureFlow::hostSetup() {
           *films_,
           world_.environment().randomness,
           analyzer_,
-          makeRecognizer(),
+          recognizer(),
           inputs_.folder,
           arguments_.keepFailedRuns,
           screen_.size(),

@@ -51,7 +51,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   std::optional<RunSeal> makeSeal();
   void followedByCaller();
   std::unique_ptr<platform::AssetWriterFactory> makeFilms();
-  std::shared_ptr<corvana::SpeechRecognizer> makeRecognizer();
+  std::shared_ptr<corvana::SpeechRecognizer> recognizer();
   void start();
   void watchWorld();
   /// What has ended by itself or by a signal.
@@ -83,6 +83,7 @@ class CaptureFlow final : private corvana::DecisionObserver {
   FlowScreen& screen_;
   std::shared_ptr<devices::MediaSource> media_;
   std::shared_ptr<engine::FrameAnalyzer> analyzer_;
+  std::shared_ptr<corvana::SpeechRecognizer> recognizer_;
   Progress progress_;
   FlowEnd end_;
   devices::TerminationSignals signals_;

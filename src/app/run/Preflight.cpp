@@ -10,6 +10,7 @@
 #include "devices/loudspeaker/EspeakSynthesizer.h"
 #include "engine/recorder/LateFrameAnalyzer.h"
 #include "engine/recorder/VisionFrameAnalyzer.h"
+#include "engine/speech/PocketSphinxRecognizer.h"
 
 namespace corvana::app {
 namespace {
@@ -78,6 +79,15 @@ Expected<Analyzer> startAnalyzer(const Resources& resources, const Tables& docum
   if (loop.isVirtual()) return loadAnalyzer(resources, documents, rules, readQueue);
   const auto load = [=] { return loadAnalyzer(resources, documents, rules, readQueue); };
   return engine::LateFrameAnalyzer::start(loop, load);
+}
+
+std::shared_ptr<corvana::SpeechRecognizer> makeRecognizer(platform::RunLoop& loop,
+                                                          const std::string& text) {
+  auto recognizer = std::make_shared<engine::PocketSphinxRecognizer>(
+      loop, engine::SpeechModelPaths::inFolder(engine::kDebianSpeechModelFolder), text);
+  // A user wants to see their picture first; a replay's models are loaded side by side.
+  if (loop.isVirtual()) recognizer->prepare();
+  return recognizer;
 }
 
 /// Where the program's own kinds of documents are missing, its models mostly are too, which says
@@ -191,6 +201,7 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
   if (const auto lack = diskLack(arguments, folder, *prepared.media); !lack.empty()) {
     return refuse(ExitCode::machineLacks, lack);
   }
+  prepared.recognizer = makeRecognizer(loop, prepared.inputs.text);
   auto analyzer = startAnalyzer(prepared.resources, *tables, prepared.rules, loop);
   if (!analyzer) return refuse(ExitCode::machineLacks, analyzer.error().sentence);
   prepared.analyzer = *analyzer;

@@ -10,6 +10,7 @@
 #include "app/run/ExitCode.h"
 #include "app/run/FlowScreen.h"
 #include "app/run/Resources.h"
+#include "corvana/SpeechRecognizer.h"
 #include "devices/film/MediaSource.h"
 #include "engine/recorder/FrameAnalyzer.h"
 
@@ -23,6 +24,7 @@ struct PreparedCapture {
   RunIdentity identity;
   FlowStage stage;
   std::shared_ptr<devices::MediaSource> media;
+  std::shared_ptr<corvana::SpeechRecognizer> recognizer;
   std::shared_ptr<engine::FrameAnalyzer> analyzer;
 };
 

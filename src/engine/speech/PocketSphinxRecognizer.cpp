@@ -74,13 +74,24 @@ class PocketSphinxRecognizer::Worker {
   platform::Block begin(std::uint64_t run) {
     transcriber_.reset();
     if (run != run_) return {};
-    platform::Block complaint = build(run);
+    build();
     resampler_.reset();
     if (model_) transcriber_.emplace(*model_);
-    return complaint;
+    return complaint(run);
   }
 
   void end() { transcriber_.reset(); }
+
+  /// Once.
+  void build() {
+    if (std::exchange(built_, true)) return;
+    auto model = SpeechModel::load(paths_, text_);
+    if (model) {
+      model_ = std::move(*model);
+    } else {
+      fault_ = std::move(model.error());
+    }
+  }
 
   platform::Block hear(std::uint64_t run, const platform::CMSampleBuffer& buffer) {
     waiting_ -= soundLength(buffer).count();
@@ -96,15 +107,11 @@ class PocketSphinxRecognizer::Worker {
   }
 
  private:
-  /// Tells why the model cannot be built, once.
-  platform::Block build(std::uint64_t run) {
-    if (std::exchange(built_, true)) return {};
-    auto model = SpeechModel::load(paths_, text_);
-    if (model) {
-      model_ = std::move(*model);
-      return {};
-    }
-    return [listener = listener_, run, error = corvana::IDError(model.error())] {
+  /// Tells why the model could not be built, once.
+  platform::Block complaint(std::uint64_t run) {
+    const auto fault = std::exchange(fault_, std::nullopt);
+    if (!fault) return {};
+    return [listener = listener_, run, error = corvana::IDError(*fault)] {
       listener->deliver(run, error);
     };
   }
@@ -117,6 +124,7 @@ class PocketSphinxRecognizer::Worker {
 
   bool built_ = false;
   std::unique_ptr<SpeechModel> model_;
+  std::optional<platform::Fault> fault_;  ///< that was not told yet
   MonoResampler resampler_{SpeechModel::kSampleRate};
   std::optional<Transcriber> transcriber_;
 };
@@ -131,6 +139,13 @@ PocketSphinxRecognizer::PocketSphinxRecognizer(platform::RunLoop& loop, SpeechMo
 
 PocketSphinxRecognizer::~PocketSphinxRecognizer() {
   stop();
+}
+
+void PocketSphinxRecognizer::prepare() {
+  queue_->async([worker = worker_] {
+    worker->build();
+    return platform::Block();
+  });
 }
 
 bool PocketSphinxRecognizer::isAvailable() const {
