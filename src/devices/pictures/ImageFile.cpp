@@ -15,6 +15,7 @@
 
 #include "devices/gstreamer/GstPicture.h"
 #include "devices/pictures/ImageHeader.h"
+#include "devices/pictures/PngDecoder.h"
 #include "devices/recorded/StreamReader.h"
 #include "platform/foundation/Fault.h"
 
@@ -48,6 +49,10 @@ GstVideoOrientationMethod orientationIn(std::string_view exif) {
   const GstPtr<GstTagList> tags(gst_tag_list_from_exif_buffer_with_tiff_header(buffer.get()));
   if (tags) gst_video_orientation_from_tag(tags.get(), &method);
   return method;
+}
+
+tl::unexpected<platform::Fault> isDamaged(const std::string& name) {
+  return platform::failure(name + " is damaged: make or copy the picture again.");
 }
 
 /// Encodes a picture with the element named in `encoder`.
@@ -114,19 +119,26 @@ platform::Expected<platform::PixelBufferRef> readImage(const std::filesystem::pa
                              " pixels: use a picture of at most 64 million.");
   }
   const bool isPng = header->type == ImageHeader::Type::png;
+  const auto orientation = orientationIn(header->exif);
+  // A reference's pictures: a run waits for them before it shows anything.
+  if (isPng && orientation == GST_VIDEO_ORIENTATION_IDENTITY) {
+    auto image = decodePng(*bytes);
+    if (image) return image;
+    return isDamaged(name);
+  }
   auto stream = StreamReader::open(name, std::string("filesrc name=file ! ") +
                                              (isPng ? "pngdec" : "jpegdec") +
                                              " ! videoconvert ! videoflip name=turn ! "
                                              "videoconvert ! video/x-raw,format=RGB");
   if (!stream) return tl::unexpected(stream.error());
   g_object_set(stream->element("file"), "location", path.c_str(), nullptr);
-  g_object_set(stream->element("turn"), "video-direction", orientationIn(header->exif), nullptr);
+  g_object_set(stream->element("turn"), "video-direction", orientation, nullptr);
   stream->start();
   const auto sample = stream->pull();
   if (!sample) return tl::unexpected(sample.error());
   auto image = *sample ? copyPicture(sample->get(), platform::PixelFormat::rgb24) : nullptr;
-  if (!image) return platform::failure(name + " is damaged: make or copy the picture again.");
-  return image;
+  if (image) return image;
+  return isDamaged(name);
 }
 
 platform::Expected<void> writePng(const std::filesystem::path& path,

@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <tuple>
 
 #include <gtest/gtest.h>
+#include <png.h>
 
 #include "devices/MediaTestSupport.h"
 #include "devices/pictures/ImageFile.h"
@@ -78,6 +80,28 @@ TEST(ImageFileTest, writesLimitedRangeColoursAsTheyAre) {
   const auto red = readImage(folder / "red.png");
   ASSERT_TRUE(red) << red.error().sentence;
   expectRed((*red)->plane(0));
+}
+
+TEST(ImageFileTest, readsGreyAndTransparentPngPictures) {
+  ScratchFolder folder;
+  const std::vector<std::uint8_t> grayAlpha{40, 255, 200, 7};
+  const std::vector<std::uint8_t> rgba{10, 20, 30, 0, 40, 50, 60, 255};
+  const std::tuple<png_uint_32, std::vector<std::uint8_t>, std::vector<std::uint8_t>> cases[] = {
+      {PNG_FORMAT_GRAY, {40, 200}, {40, 40, 40, 200, 200, 200}},
+      {PNG_FORMAT_GA, grayAlpha, {40, 40, 40, 200, 200, 200}},
+      {PNG_FORMAT_RGBA, rgba, {10, 20, 30, 40, 50, 60}}};
+  for (const auto& [format, pixels, colors] : cases) {
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = 2;
+    image.height = 1;
+    image.format = format;
+    const std::string path = folder / "kind.png";
+    ASSERT_TRUE(png_image_write_to_file(&image, path.c_str(), 0, pixels.data(), 0, nullptr));
+    const auto read = readImage(path);
+    ASSERT_TRUE(read) << read.error().sentence;
+    EXPECT_EQ((*read)->bytes(), colors) << format;
+  }
 }
 
 TEST(ImageFileTest, turnsPicturesUpright) {
