@@ -98,6 +98,7 @@ void readLooks(const json& value, Design& design) {
   design.labelSize = value.at("labelSize").get<double>();
   design.valueSize = value.at("valueSize").get<double>();
   design.labels = value.at("labels") == "before" ? LabelPlace::before : LabelPlace::above;
+  design.labelRoom = value.value("labelRoom", 0.0);
   design.pattern = value.at("pattern").get<std::string>();
   design.emblem = value.value("emblem", design.emblem);
   const json& inks = value.at("colours");

@@ -8,8 +8,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "GroundLight.h"
-#include "IndoorGrounds.h"
-#include "OutdoorGrounds.h"
+#include "GroundPainters.h"
 #include "People.h"
 #include "Typeface.h"
 
@@ -295,11 +294,14 @@ using Painter = cv::Mat (*)(cv::Size, double, Random&);
 
 const std::map<std::string, Painter>& painters() {
   static const std::map<std::string, Painter> kAll = {
-      {"plain", plain},   {"wood", wood},         {"cloth", cloth},       {"stone", stone},
-      {"tiles", tiles},   {"carpet", carpet},     {"stripes", stripes},   {"leather", leather},
-      {"marble", marble}, {"terrazzo", terrazzo}, {"tartan", tartan},     {"cork", cork},
-      {"bamboo", bamboo}, {"bricks", bricks},     {"knit", knit},         {"grass", grass},
-      {"mosaic", mosaic}, {"denim", denim},       {"keyboard", keyboard}, {"cardboard", cardboard}};
+      {"plain", plain},       {"wood", wood},           {"cloth", cloth},
+      {"stone", stone},       {"tiles", tiles},         {"carpet", carpet},
+      {"stripes", stripes},   {"leather", leather},     {"marble", marble},
+      {"terrazzo", terrazzo}, {"tartan", tartan},       {"cork", cork},
+      {"bamboo", bamboo},     {"bricks", bricks},       {"knit", knit},
+      {"grass", grass},       {"mosaic", mosaic},       {"denim", denim},
+      {"keyboard", keyboard}, {"cardboard", cardboard}, {"notebook", notebook},
+      {"steel", steel},       {"wicker", wicker}};
   return kAll;
 }
 
@@ -307,9 +309,9 @@ const std::map<std::string, Painter>& painters() {
 
 const std::vector<std::string>& groundNames() {
   static const std::vector<std::string> kNames = {
-      "plain",   "wood",    "print",  "cloth",    "stone",  "tiles",    "carpet",
-      "stripes", "leather", "marble", "terrazzo", "tartan", "cork",     "bamboo",
-      "bricks",  "knit",    "grass",  "mosaic",   "denim",  "keyboard", "cardboard"};
+      "plain",   "wood",   "print",    "cloth",    "stone",     "tiles",    "carpet", "stripes",
+      "leather", "marble", "terrazzo", "tartan",   "cork",      "bamboo",   "bricks", "knit",
+      "grass",   "mosaic", "denim",    "keyboard", "cardboard", "notebook", "steel",  "wicker"};
   return kNames;
 }
 

@@ -1,5 +1,3 @@
-#include "IndoorGrounds.h"
-
 #include <algorithm>
 #include <cmath>
 #include <string>
@@ -8,16 +6,13 @@
 #include <opencv2/imgproc.hpp>
 
 #include "GroundLight.h"
+#include "GroundPainters.h"
 #include "People.h"
 
 namespace corvana::photos {
 namespace {
 
 using session::Random;
-
-int pixels(double length) {
-  return std::max(1, static_cast<int>(length));
-}
 
 /// Two rows of stitches beside a seam from top to bottom.
 void sew(cv::Mat& picture, double x, double scale, Random& random) {

@@ -1,5 +1,3 @@
-#include "OutdoorGrounds.h"
-
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -7,6 +5,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "GroundLight.h"
+#include "GroundPainters.h"
 #include "People.h"
 
 namespace corvana::photos {

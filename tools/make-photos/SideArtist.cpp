@@ -1,5 +1,6 @@
 #include "SideArtist.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -168,7 +169,8 @@ void SideArtist::field(cv::Mat& picture, const FieldPlace& place, const std::str
   const double labelSize = label_.fittingSize(place.label, px(design_.labelSize), room);
   label_.draw(picture, place.label, at, labelSize, design_.labelInk);
   if (design_.labels == LabelPlace::before) {
-    const double taken = label_.width(place.label, labelSize) + px(1.0);
+    const double taken =
+        std::max(label_.width(place.label, labelSize) + px(1.0), px(design_.labelRoom));
     at.x += taken;
     room -= taken;
   } else {

@@ -119,8 +119,8 @@ TEST(Documents, APageWhoseZoneStandsOnABandOfItsOwnIsTakenWithIt) {
   // The outline ends at that band. In the first photograph the zone can be read, in the other not.
   for (const auto& [seed, exitCode] : {std::pair("27", 0), {"16", 2}}) {
     const fs::path folder = scratch / seed;
-    const ProgramRun made = runProgram(MAKE_PHOTOS, {"--unseen", "--designs", "hornbeam", "--count",
-                                                     "1", "--seed", seed, "--output", folder});
+    const ProgramRun made = runProgram(
+        MAKE_PHOTOS, {"--designs", "hornbeam", "--count", "1", "--seed", seed, "--output", folder});
     ASSERT_EQ(made.exitCode, 0) << made.errors;
     const json pictures = json::parse(bytesOf(folder / "truth.json")).at("pictures");
     const ProgramRun run = enroll(folder, pictures, folder / "page", {});

@@ -83,6 +83,26 @@ TEST(Designs, WriteTheCardsNumberUpwardAtItsEdge) {
   EXPECT_NEAR(number.y, upward.y, 1.0);
 }
 
+TEST(Designs, BeginValuesInAColumnWhereLabelsHaveRoom) {
+  Design design = designNamed("linden");
+  design.labels = photos::LabelPlace::before;
+  design.labelRoom = 20.0;
+  const auto artist = photos::SideArtist::create(design);
+  ASSERT_TRUE(artist) << artist.error();
+  const auto startOfValue = [&](const std::string& label) {
+    SideDesign side;
+    side.fields = {{"documentNumber", label, {5.0, 20.0}, 70.0, 0.0}};
+    session::CardData none, card;
+    none.documentNumber = "";
+    card.documentNumber = "H1234";
+    return difference(artist->paint(side, none, none, {}), artist->paint(side, card, card, {})).x;
+  };
+  const double column = startOfValue("No.");
+  EXPECT_NEAR(column, 25.0, 0.5);
+  EXPECT_EQ(startOfValue("Number"), column);
+  EXPECT_GT(startOfValue("A label that is longer than its room"), column + 5.0);
+}
+
 TEST(Designs, ThatLackSomethingAreNamed) {
   const ScratchFolder scratch;
   writeBytes(scratch / "bare.json", R"({"kind": "passport"})");
