@@ -231,10 +231,10 @@ platform::Expected<std::vector<std::int16_t>> FilePlayer::sound(std::int64_t pos
 }
 
 platform::Expected<void> FilePlayer::rewindSound() {
-  auto reader = AudioReader::open(path_, soundOrigin_);
+  auto reader = AudioReader::open(path_);
   if (!reader) return tl::unexpected(reader.error());
   sound_ = std::move(*reader);
-  return {};
+  return sound_->begin(soundOrigin_);
 }
 
 }  // namespace

@@ -26,6 +26,13 @@ platform::Expected<std::shared_ptr<MediaFile>> MediaFile::open(platform::RunLoop
   if (!info) return tl::unexpected(info.error());
   auto video = VideoReader::open(path, *info);
   if (!video) return tl::unexpected(video.error());
+  // Sound is decoded while the first picture is waited for.
+  std::unique_ptr<AudioReader> audio;
+  if (info->hasAudio) {
+    auto opened = AudioReader::open(path);
+    if (!opened) return tl::unexpected(opened.error());
+    audio = std::move(*opened);
+  }
   auto first = (*video)->next();
   if (!first) return tl::unexpected(first.error());
   if (!*first) return platform::failure(path.string() + " holds no picture: record it again.");
@@ -47,11 +54,10 @@ platform::Expected<std::shared_ptr<MediaFile>> MediaFile::open(platform::RunLoop
   file->camera_ =
       std::make_shared<FileCamera>(loop, timeline, *info, std::move(*video), std::move(**first),
                                    codecChoice, FileCamera::Reports{end, error});
-  if (!info->hasAudio) return file;
-  auto audio = AudioReader::open(path, origin);
-  if (!audio) return tl::unexpected(audio.error());
+  if (!audio) return file;
+  if (const auto begun = audio->begin(origin); !begun) return tl::unexpected(begun.error());
   file->microphone_ =
-      std::make_shared<FileMicrophone>(loop, timeline, info->duration, std::move(*audio), error);
+      std::make_shared<FileMicrophone>(loop, timeline, info->duration, std::move(audio), error);
   return file;
 }
 

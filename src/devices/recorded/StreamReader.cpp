@@ -154,17 +154,19 @@ platform::Expected<std::optional<VideoReader::Picture>> VideoReader::next() {
   }
 }
 
-AudioReader::AudioReader(StreamReader reader, platform::Duration origin)
-    : reader_(std::move(reader)), origin_(origin) {}
+AudioReader::AudioReader(StreamReader reader) : reader_(std::move(reader)) {}
 
 platform::Expected<std::unique_ptr<AudioReader>> AudioReader::open(
-    const std::filesystem::path& path, platform::Duration origin) {
+    const std::filesystem::path& path) {
   auto reader = openStream(path, "audio_0", kSoundConversion);
   if (!reader) return tl::unexpected(reader.error());
   reader->start();
-  std::unique_ptr<AudioReader> audio(new AudioReader(std::move(*reader), origin));
-  if (const auto first = audio->readChunk(); !first) return tl::unexpected(first.error());
-  return audio;
+  return std::unique_ptr<AudioReader>(new AudioReader(std::move(*reader)));
+}
+
+platform::Expected<void> AudioReader::begin(platform::Duration origin) {
+  origin_ = origin;
+  return readChunk();
 }
 
 std::int64_t AudioReader::chunkEnd() const {

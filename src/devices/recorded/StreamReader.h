@@ -79,20 +79,21 @@ class AudioReader {
  public:
   static constexpr int kSampleRate = 48000;
 
-  /// Opens the file's sound; position 0 is the instant `origin` of the file's time line.
-  static platform::Expected<std::unique_ptr<AudioReader>> open(const std::filesystem::path& path,
-                                                               platform::Duration origin);
+  /// Opens the file's sound, which is decoded from now on.
+  static platform::Expected<std::unique_ptr<AudioReader>> open(const std::filesystem::path& path);
+  /// Lets position 0 be the instant `origin` of the file's time line. Once, before the first `read`.
+  platform::Expected<void> begin(platform::Duration origin);
   /// `count` samples from `position` on, which must not lie before the end of an earlier call.
   platform::Expected<std::vector<std::int16_t>> read(std::int64_t position, std::int64_t count);
   bool hasEnded() const { return ended_; }
 
  private:
-  AudioReader(StreamReader reader, platform::Duration origin);
+  explicit AudioReader(StreamReader reader);
   platform::Expected<void> readChunk();
   std::int64_t chunkEnd() const;
 
   StreamReader reader_;
-  platform::Duration origin_;
+  platform::Duration origin_{};
   std::vector<std::int16_t> chunk_;
   std::int64_t chunkStart_ = 0;
   bool started_ = false;
