@@ -81,7 +81,8 @@ class AudioReader {
 
   /// Opens the file's sound, which is decoded from now on.
   static platform::Expected<std::unique_ptr<AudioReader>> open(const std::filesystem::path& path);
-  /// Lets position 0 be the instant `origin` of the file's time line. Once, before the first `read`.
+  /// Lets position 0 be the instant `origin` of the file's time line. Once, before the first
+  /// `read`.
   platform::Expected<void> begin(platform::Duration origin);
   /// `count` samples from `position` on, which must not lie before the end of an earlier call.
   platform::Expected<std::vector<std::int16_t>> read(std::int64_t position, std::int64_t count);
