@@ -22,6 +22,17 @@ struct PurgeArguments {
   bool dryRun = false;
 };
 
+/// Whoever believes that all is removed whose time is over must hear of them.
+ExitCode tellUnclear(const std::vector<fs::path>& folders) {
+  ExitCode code = ExitCode::result;
+  for (const fs::path& folder : folders) {
+    code = complain(std::cerr, ExitCode::flowError,
+                    "It can't be told until when the run in " + inQuotes(folder) +
+                        " is to be kept, so it stays: look at its result.json, and at its rights.");
+  }
+  return code;
+}
+
 ExitCode tellOnly(const std::vector<OverdueRun>& runs) {
   for (const OverdueRun& run : runs)
     std::cout << run.folder.string() << '\n';
@@ -46,19 +57,21 @@ ExitCode runPurge(const PurgeArguments& arguments) {
   const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
   const PurgeRules rules{arguments.date.value_or(std::chrono::floor<std::chrono::days>(now)),
                          arguments.unendedDays};
-  auto runs = findOverdue(arguments.folder, rules);
-  if (!runs) return refuse(runs.error());
-  if (arguments.dryRun) return tellOnly(*runs);
+  auto found = findOverdue(arguments.folder, rules);
+  if (!found) return refuse(found.error());
+  std::vector<OverdueRun>& runs = found->runs;
+  const ExitCode unclear = tellUnclear(found->unclear);
+  if (arguments.dryRun) return std::max(unclear, tellOnly(runs));
   if (!arguments.key) return refuse("Give the key that signs the receipt with --key.");
   const auto key = SigningKey::load(*arguments.key);
   if (!key) return refuse(key.error());
-  if (runs->empty()) {
+  if (runs.empty()) {
     std::cout << "no run is over\n";
-    return ExitCode::result;
+    return unclear;
   }
-  const auto receipt = purge(arguments.folder, *runs, rules, *key, now);
+  const auto receipt = purge(arguments.folder, runs, rules, *key, now);
   if (!receipt) return refuse(receipt.error());
-  return tellDone(*runs, *receipt);
+  return std::max(unclear, tellDone(runs, *receipt));
 }
 
 }  // namespace

@@ -45,19 +45,30 @@ bool hasRested(const fs::path& folder, int days) {
   return !error;
 }
 
-std::optional<OverdueRun> overdue(const fs::path& folder, const PurgeRules& rules) {
+bool isReadable(const fs::path& folder) {
+  std::error_code error;
+  fs::directory_iterator(folder, error);
+  return !error;
+}
+
+/// Fails where it can't be told.
+platform::Expected<std::optional<OverdueRun>> overdue(const fs::path& folder,
+                                                      const PurgeRules& rules) {
+  if (!isReadable(folder)) return platform::failure(inQuotes(folder) + " can't be read.");
   if (isFile(folder / kResultFileName)) {
     const auto result = resultOf(folder);
-    const auto until = result ? keptUntil(*result) : std::nullopt;
+    if (!result) return tl::unexpected(result.error());
+    const auto until = keptUntil(*result);
     if (!until || *until >= rules.today) return std::nullopt;
-    const auto sum = sha256(folder / kResultFileName);
-    if (!sum) return std::nullopt;
-    return OverdueRun{folder, *sum, until};
+    return sha256(folder / kResultFileName).map([&](const std::string& sum) {
+      return std::optional(OverdueRun{folder, sum, until});
+    });
   }
   if (!rules.unendedDays || !isFile(folder / EventLog::kFileName)) return std::nullopt;
-  const auto sum = sha256(folder / EventLog::kFileName);
-  if (!sum || !hasRested(folder, *rules.unendedDays)) return std::nullopt;
-  return OverdueRun{folder, *sum, std::nullopt};
+  if (!hasRested(folder, *rules.unendedDays)) return std::nullopt;
+  return sha256(folder / EventLog::kFileName).map([&](const std::string& sum) {
+    return std::optional(OverdueRun{folder, sum, std::nullopt});
+  });
 }
 
 std::set<std::string> namesOfRecord(const fs::path& folder) {
@@ -119,21 +130,26 @@ platform::Expected<void> writeSigned(const fs::path& file, const ordered_json& r
 
 }  // namespace
 
-platform::Expected<std::vector<OverdueRun>> findOverdue(const fs::path& folder,
-                                                        const PurgeRules& rules) {
+platform::Expected<OverdueRuns> findOverdue(const fs::path& folder, const PurgeRules& rules) {
   std::error_code error;
-  std::vector<OverdueRun> runs;
+  OverdueRuns found;
   for (const auto& entry : fs::directory_iterator(folder, error)) {
     std::error_code ignored;
     if (entry.symlink_status(ignored).type() != fs::file_type::directory) continue;
-    if (auto run = overdue(entry.path(), rules)) runs.push_back(std::move(*run));
+    auto run = overdue(entry.path(), rules);
+    if (!run) {
+      found.unclear.push_back(entry.path());
+    } else if (*run) {
+      found.runs.push_back(std::move(**run));
+    }
   }
   if (error) {
     return platform::failure("The folder " + inQuotes(folder) +
                              " can't be read: " + error.message() + "; name a folder of runs.");
   }
-  std::ranges::sort(runs, {}, &OverdueRun::folder);
-  return runs;
+  std::ranges::sort(found.runs, {}, &OverdueRun::folder);
+  std::ranges::sort(found.unclear);
+  return found;
 }
 
 bool removeRecord(const fs::path& folder) {

@@ -27,9 +27,15 @@ struct PurgeRules {
   std::optional<int> unendedDays;
 };
 
+struct OverdueRuns {
+  std::vector<OverdueRun> runs;
+  /// Those of which it can't be told until when they are kept: they stay.
+  std::vector<std::filesystem::path> unclear;
+};
+
 /// The runs in a folder of runs that are over by these rules, by the names of their folders.
-platform::Expected<std::vector<OverdueRun>> findOverdue(const std::filesystem::path& folder,
-                                                        const PurgeRules& rules);
+platform::Expected<OverdueRuns> findOverdue(const std::filesystem::path& folder,
+                                            const PurgeRules& rules);
 
 /// Removes the files of a run's record, and its folder if nothing else is in it. False: something
 /// is left.

@@ -35,7 +35,8 @@ class PurgeTest : public testing::Test {
   std::vector<app::OverdueRun> overdue(const app::PurgeRules& rules) {
     auto found = app::findOverdue(runs.path(), rules);
     EXPECT_TRUE(found);
-    return found.value_or(std::vector<app::OverdueRun>());
+    unclear = found->unclear;
+    return found->runs;
   }
 
   json purgeAll(std::vector<app::OverdueRun>& found) {
@@ -55,6 +56,7 @@ class PurgeTest : public testing::Test {
 
   ScratchFolder keys;
   ScratchFolder runs;
+  std::vector<fs::path> unclear;  ///< of the last look
   const app::SigningKey key = *app::SigningKey::create(keys / "key");
 };
 
@@ -95,6 +97,15 @@ TEST_F(PurgeTest, LeavesWhatIsNoPartOfARecordAndSaysSo) {
   EXPECT_EQ(bytesOf(over / "notes.txt"), "mine");
   EXPECT_FALSE(fs::exists(over / "film.mp4")) << "the person's pictures are gone";
   EXPECT_TRUE(fs::exists(over / "result.json")) << "so that the next purge finds it again";
+}
+
+TEST_F(PurgeTest, NamesRunsThatItCannotJudge) {
+  writeBytes(addRun("run-broken", "2026-02-28") / "result.json", "{\"retention\": ");
+  const fs::path over = addRun("run-over", "2026-02-28");
+  const auto found = overdue({day("2026-03-01"), {}});
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found.front().folder, over);
+  EXPECT_EQ(unclear, std::vector<fs::path>{runs / "run-broken"});
 }
 
 TEST_F(PurgeTest, FollowsNoLinkOutOfTheFolder) {
