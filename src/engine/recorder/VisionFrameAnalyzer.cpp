@@ -138,9 +138,9 @@ Observation VisionFrameAnalyzer::analyze(const platform::CMSampleBufferRef& fram
     return observation;
   }
   const Observation asked = observation;  // following the face does not change it
-  const auto face = std::async(std::launch::async, [&] { followLiveFace(*picture, observation); });
+  auto face = std::async(std::launch::async, [&] { followLiveFace(*picture, observation); });
   auto document = lookForDocument(picture, asked);
-  face.wait();
+  face.get();
   observation.document = std::move(document);
   return observation;
 }
