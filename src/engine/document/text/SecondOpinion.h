@@ -8,8 +8,9 @@ namespace corvana::engine {
 
 /// The lines with those that hold a doubtful letter read again by another reader, which may know
 /// letters that the first does not. Its text is taken where it differs from the first's in accents
-/// or a few letters only.
+/// or a few letters only, and for print (`places`) of which the first made no line at all.
 std::vector<TextLine> withSecondOpinion(const platform::PixelBuffer& card,
-                                        std::vector<TextLine> lines, TextReader& second);
+                                        std::vector<TextLine> lines,
+                                        const std::vector<TextLine>& places, TextReader& second);
 
 }  // namespace corvana::engine
