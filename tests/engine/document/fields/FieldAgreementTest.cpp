@@ -96,7 +96,37 @@ const AgreementCase kAgreementCases[] = {
      {},
      {"GX8685785 09/11/2028"},
      kConflicts},
+    {"another birth in one line with an expiry that agrees",
+     FieldName::birthDate,
+     "1984-08-12",
+     {},
+     {"12.08.1994 09.11.2028"},
+     kConflicts},
+    {"an expiry that is near the birth",
+     FieldName::birthDate,
+     "2008-11-09",
+     {},
+     {"09.11.2028"},
+     kUnread},
+    {"another surname in one line with given names that agree",
+     FieldName::surname,
+     "ERIKSSON",
+     {},
+     {"ANNA MARIA ERIKSSUN"},
+     kConflicts},
+    {"given names that are near the surname",
+     FieldName::surname,
+     "MARIO ANA",
+     {},
+     {"ANNA MARIA"},
+     kUnread},
     {"letters with a dot below", FieldName::surname, "EZEANIMGBAFO", "EZEAN!MGBAFQ", {}, kUnread},
+    {"one at the end, which the line has lost",
+     FieldName::surname,
+     "EZEANI",
+     "EZEAN!",
+     {"EZEAN"},
+     kUnread},
     {"a ligature taken for an E", FieldName::surname, "DUBOEUF", {}, {"DUBEUF"}, kUnread},
     {"a letter that is no thorn", FieldName::givenNames, "TORDIS", "PÓRDÍS", {}, kConflicts},
     {"hyphens", FieldName::surname, "SMITH JONES", "Smith-Jones", {}, kAgrees},
@@ -190,7 +220,7 @@ TEST(FieldAgreement, SetsPrintAgainstARecord) {
     std::vector<DocumentField> record{field(c.name, c.recorded, FieldSource::zone)};
     if (c.name == FieldName::surname)
       record.push_back(field(FieldName::givenNames, "ANNA MARIA", FieldSource::zone));
-    if (c.name == FieldName::documentNumber)
+    if (c.name == FieldName::documentNumber || c.name == FieldName::birthDate)
       record.push_back(field(FieldName::expiryDate, "2028-11-09", FieldSource::zone));
     EXPECT_EQ(engine::checkPrint(print, record).front().agreement, c.agreement) << c.what;
   }
