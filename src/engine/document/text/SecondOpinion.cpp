@@ -14,6 +14,8 @@ namespace {
 
 constexpr double kDoubtful = 0.8;
 constexpr double kSure = 0.85;
+/// Of a line of which the first is this unsure hardly a letter need be right.
+constexpr double kHardlyRead = 0.8;
 /// Of so many letters one may differ by more than its accents.
 constexpr std::size_t kLettersPerDifference = 5;
 
@@ -31,7 +33,7 @@ bool mayHaveADotBelow(const std::string& text) {
 bool isBetter(const TextLine& second, const TextLine& first) {
   if (mayHaveADotBelow(first.text) && isLikeWhereMarked(second.text, first.text)) return true;
   return first.leastConfidence < kDoubtful && second.confidence >= kSure &&
-         isTheSameText(first.text, second.text);
+         (first.confidence < kHardlyRead || isTheSameText(first.text, second.text));
 }
 
 }  // namespace

@@ -137,6 +137,9 @@ TEST(SecondOpinion, IsTakenForDoubtfulLettersOnly) {
   EXPECT_EQ(settled("OČUZHAN", 0.5, "ANKARA", 0.95), "OČUZHAN") << "other text";
   EXPECT_EQ(settled("ADAQRA", 0.95, "ADAỌRA", 0.7), "ADAỌRA") << "a letter that it does not know";
   EXPECT_EQ(settled("OQTAY", 0.95, "ÖGTAY", 0.7), "OQTAY") << "other letters beside it";
+  const TextLine hardlyRead{"AGÜN ŞƏaA", {}, 0.78, 0, 0.04};
+  OtherReader other({"AYGÜN ŞƏBNƏM", {}, 0.96});
+  EXPECT_EQ(engine::withSecondOpinion(*card, {hardlyRead}, {}, other).front().text, "AYGÜN ŞƏBNƏM");
 }
 
 TEST(SecondOpinion, IsTakenWhereTheFirstMadeNothingOfThePrint) {
