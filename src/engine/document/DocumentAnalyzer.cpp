@@ -430,12 +430,12 @@ void DocumentAnalyzer::addSmallLabels(CardReading& reading) {
 }
 
 /// Its data take as much memory as all the rest, so they are only loaded for a still.
-void DocumentAnalyzer::askSecondReader(CardReading& reading) const {
+void DocumentAnalyzer::askSecondReader(CardReading& reading) {
   if (!TesseractReader::hasLatinData(tessdata_)) return;
   auto second = TesseractReader::load(tessdata_);
   if (!second) return;
-  reading.lines =
-      withSecondOpinion(*reading.data.image->pixels(), std::move(reading.lines), *second);
+  const platform::PixelBuffer& card = *reading.data.image->pixels();
+  reading.lines = withSecondOpinion(card, std::move(reading.lines), text_.find(card), *second);
   reading.data.fields = fieldsOf(reading);
 }
 

@@ -117,7 +117,7 @@ class DocumentAnalyzer {
   CardReading readAgain(const platform::PixelBufferRef& card, bool isAsRead, CardMemory& memory);
   std::vector<TextLine> linesAgain(const platform::PixelBuffer& upright, bool isAsRead,
                                    CardMemory& memory);
-  void askSecondReader(CardReading& reading) const;
+  void askSecondReader(CardReading& reading);
   void addSmallLabels(CardReading& reading);
   /// The outline of the whole document, where that of the look ends above a zone.
   std::optional<Quad> withZoneBelow(const platform::PixelBuffer& picture, const CardLook& look,

@@ -81,25 +81,21 @@ bool isNearDate(const std::string& date, const DocumentField& field) {
   return changedDigits(date, field.value) <= kMostChangedDigits;
 }
 
-/// Whether a line holds a value that is nearly, but not quite, this one.
-bool nearlyHolds(const std::string& line, const DocumentField& field) {
-  if (field.name == FieldName::birthDate) {
-    // Only births are unlike all other dates: a document expires on the day it was issued.
-    return std::ranges::any_of(datesNear(line, field.value),
-                               [&](const std::string& date) { return isNearDate(date, field); });
-  }
+std::string withDayAndMonthExchanged(const std::string& iso) {
+  return iso.size() == 10 ? iso.substr(0, 5) + iso.substr(8) + iso.substr(4, 3) : iso;
+}
+
+/// Whether words are nearly, but not quite, the number or name.
+bool isNear(const std::string& run, const DocumentField& field) {
   const std::string wanted = skeletonOf(field.name, field.value);
   if (field.name == FieldName::documentNumber) {
-    return wanted.size() >= kLeastNearNumber && anyRun(line, false, [&](const std::string& run) {
-             return changedDigits(skeletonOf(field.name, run), wanted) <= kMostChangedDigits;
-           });
+    return wanted.size() >= kLeastNearNumber &&
+           changedDigits(skeletonOf(field.name, run), wanted) <= kMostChangedDigits;
   }
   return isName(field.name) && !field.isTruncated && wanted.size() >= kLeastNearName &&
-         anyRun(line, true, [&](const std::string& run) {
-           return !isMisread(run, field.value) &&
-                  editDistance(letterSkeleton(run), wanted) <=
-                      std::max<std::size_t>(1, wanted.size() / kLettersPerChange);
-         });
+         !isMisread(run, field.value) &&
+         editDistance(letterSkeleton(run), wanted) <=
+             std::max<std::size_t>(1, wanted.size() / kLettersPerChange);
 }
 
 /// Sets one field of a record against the print.
@@ -114,10 +110,13 @@ class PrintCheck {
     for (const DocumentField& printed : print_.fields) {
       if (printed.name != field.name || isOthers(printed)) continue;
       const FieldAgreement agreement = agreementOf(printed.value, field);
+      // Of rare letters taken for signs its line has lost those at its ends.
+      if (agreement == FieldAgreement::unread) check.isDoubtful = isName(field.name);
       if (agreement == FieldAgreement::unread || check.agreement == FieldAgreement::agrees)
         continue;
       if (agreement == FieldAgreement::conflicts && printed.confidence < kClearPrint) continue;
       check.agreement = agreement;
+      check.isDoubtful = false;
       check.confidence = std::min(printed.confidence, field.confidence);
       check.place = printed.place;
     }
@@ -151,20 +150,21 @@ class PrintCheck {
     });
   }
 
+  bool isOthersDate(const std::string& date, FieldName name) const {
+    return std::ranges::any_of(record_, [&](const DocumentField& other) {
+      return other.name != name && isDate(other.name) &&
+             (other.value == date || other.value == withDayAndMonthExchanged(date));
+    });
+  }
+
   /// A document expires on the day of the year on which it was issued, so that a date near its
   /// expiry is another expiry only where it can't be the issue: after the expiry, or in another
-  /// year than the issue, which is the first such date where no label names it.
-  bool holdsOtherExpiry(const std::string& line, const DocumentField& field) const {
-    if (field.name != FieldName::expiryDate) return false;
-    const auto isNoIssue = [&](const std::string& date) {
-      if (date > field.value) return true;
-      const std::string issue = issueBefore(field);
-      // Exchanging day and month leaves the year.
-      return !issue.empty() && yearOf(date) != yearOf(issue);
-    };
-    return std::ranges::any_of(datesNear(line, field.value), [&](const std::string& date) {
-      return isNearDate(date, field) && isNoIssue(date);
-    });
+  /// year than the issue, which is the first such date where no label names it. Births are unlike
+  /// all other dates.
+  bool mayBeIssue(const std::string& date, const DocumentField& expiry) const {
+    if (date > expiry.value) return false;
+    const std::string issue = issueBefore(expiry);
+    return issue.empty() || yearOf(date) == yearOf(issue);
   }
 
   /// Empty where no print may be the issue of what expires then.
@@ -173,34 +173,42 @@ class PrintCheck {
     if (named != print_.fields.end()) return named->value;
     std::string first;
     for (const std::string& line : print_.lines) {
-      if (isTaken(line, expiry.name)) continue;
       for (const std::string& date : datesNear(line, expiry.value)) {
-        if (isNearDate(date, expiry) && (first.empty() || date < first)) first = date;
+        const bool mayBe = isNearDate(date, expiry) && !isOthersDate(date, expiry.name);
+        if (mayBe && (first.empty() || date < first)) first = date;
       }
     }
     return first;
   }
 
+  /// Whether a line holds a value that is nearly, but not quite, this one. It may stand in one line
+  /// with another field's value.
+  bool nearlyHolds(const std::string& line, const DocumentField& field) const {
+    const bool isExpiry = field.name == FieldName::expiryDate;
+    if (isExpiry || field.name == FieldName::birthDate) {
+      return std::ranges::any_of(datesNear(line, field.value), [&](const std::string& date) {
+        return isNearDate(date, field) && !isOthersDate(date, field.name) &&
+               !(isExpiry && mayBeIssue(date, field));
+      });
+    }
+    return anyRun(line, isName(field.name), [&](const std::string& run) {
+      return isNear(run, field) && !isTaken(run, field.name);
+    });
+  }
+
   void search(const DocumentField& field, FieldCheck& check) const {
     const auto found = [&](FieldAgreement agreement) {
       if (check.agreement != agreement) check.place = std::nullopt;
+      check.isDoubtful = false;
       check.agreement = agreement;
       check.confidence = std::min(kSureLine, field.confidence);
     };
     const auto isHeld = [&](const std::string& line) { return holds(line, field); };
-    const auto isNear = [&](const std::string& line) {
-      // It may stand in one line with another value.
-      if (field.name == FieldName::documentNumber) {
-        return anyRun(line, false, [&](const std::string& run) {
-          return nearlyHolds(run, field) && !isTaken(run, field.name);
-        });
-      }
-      return (nearlyHolds(line, field) || holdsOtherExpiry(line, field)) &&
-             !isTaken(line, field.name);
-    };
+    const auto isNearlyHeld = [&](const std::string& line) { return nearlyHolds(line, field); };
     if (std::ranges::any_of(print_.lines, isHeld))
       found(FieldAgreement::agrees);
-    else if (check.agreement == FieldAgreement::unread && std::ranges::any_of(print_.lines, isNear))
+    else if (check.agreement == FieldAgreement::unread && !check.isDoubtful &&
+             std::ranges::any_of(print_.lines, isNearlyHeld))
       found(FieldAgreement::conflicts);
   }
 

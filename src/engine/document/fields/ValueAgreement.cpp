@@ -15,12 +15,15 @@ using corvana::DocumentField;
 using corvana::FieldAgreement;
 using corvana::FieldName;
 
-/// A number without blanks and signs, its letters as the digits they are taken for.
+/// A number without blanks and signs, its letters as the digits they are taken for, but for G and
+/// L: no check digit tells them from 6 and 1, so that print has to.
 std::string numberSkeleton(std::string_view text) {
-  constexpr std::string_view kLetters = "OQILZSGB";
-  constexpr std::string_view kDigits = "00112568";
+  constexpr std::string_view kLetters = "OQIZSB";
+  constexpr std::string_view kDigits = "001258";
+  std::string capitals(text);
+  std::ranges::replace(capitals, 'l', '1');  // numbers have no small letters
   std::string skeleton;
-  for (const char c : plainLetters(text)) {
+  for (const char c : plainLetters(capitals)) {
     const auto at = kLetters.find(c);
     if (c != ' ') skeleton += at == std::string_view::npos ? c : kDigits[at];
   }

@@ -82,15 +82,6 @@ bool isCut(const platform::CGRect& line, const cv::Rect& part, cv::Size card) {
          (bottom < card.height && line.maxY() > bottom - kRim);
 }
 
-bool isAmong(const std::vector<TextLine>& lines, const platform::CGRect& box) {
-  return std::ranges::any_of(lines, [&box](const TextLine& line) {
-    const platform::CGRect& known = line.box;
-    const double across = std::min(known.maxX(), box.maxX()) - std::max(known.minX(), box.minX());
-    const double down = std::min(known.maxY(), box.maxY()) - std::max(known.minY(), box.minY());
-    return across > 0 && down > 0.5 * std::min(known.height, box.height);
-  });
-}
-
 }  // namespace
 
 NetworkTextReader::Models NetworkTextReader::Models::inFolder(

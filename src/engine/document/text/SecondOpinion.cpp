@@ -1,16 +1,21 @@
 #include "engine/document/text/SecondOpinion.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 
 #include "engine/document/fields/EditDistance.h"
 #include "engine/document/fields/Transliteration.h"
+#include "engine/document/fields/ValueAgreement.h"
+#include "engine/document/text/TextLines.h"
 
 namespace corvana::engine {
 namespace {
 
 constexpr double kDoubtful = 0.8;
 constexpr double kSure = 0.85;
+/// Of a line of which the first is this unsure hardly a letter need be right.
+constexpr double kHardlyRead = 0.8;
 /// Of so many letters one may differ by more than its accents.
 constexpr std::size_t kLettersPerDifference = 5;
 
@@ -20,21 +25,37 @@ bool isTheSameText(const std::string& first, const std::string& second) {
   return editDistance(a, b) <= std::max(a.size(), b.size()) / kLettersPerDifference;
 }
 
+/// An O with a dot below, which the first reader does not know, is a Q to it, and a sure one.
+bool mayHaveADotBelow(const std::string& text) {
+  return text.find('Q') != std::string::npos;
+}
+
+bool isBetter(const TextLine& second, const TextLine& first) {
+  if (mayHaveADotBelow(first.text) && isLikeWhereMarked(second.text, first.text)) return true;
+  return first.leastConfidence < kDoubtful && second.confidence >= kSure &&
+         (first.confidence < kHardlyRead || isTheSameText(first.text, second.text));
+}
+
 }  // namespace
 
 std::vector<TextLine> withSecondOpinion(const platform::PixelBuffer& card,
-                                        std::vector<TextLine> lines, TextReader& second) {
+                                        std::vector<TextLine> lines,
+                                        const std::vector<TextLine>& places, TextReader& second) {
+  std::vector<TextLine> unread;
+  std::ranges::copy_if(places, std::back_inserter(unread),
+                       [&](const TextLine& place) { return !isAmong(lines, place.box); });
   for (TextLine& line : lines) {
-    if (line.leastConfidence >= kDoubtful) continue;
+    if (line.leastConfidence >= kDoubtful && !mayHaveADotBelow(line.text)) continue;
     const auto again = second.readAgain(card, {line});
-    if (again.empty() || again.front().confidence < kSure) continue;
-    if (!isTheSameText(line.text, again.front().text)) continue;
+    if (again.empty() || !isBetter(again.front(), line)) continue;
     auto words = std::move(line.words);
     auto others = std::move(line.others);
     line = again.front();
     line.words = std::move(words);
     line.others = std::move(others);
   }
+  std::ranges::move(second.readAgain(card, unread), std::back_inserter(lines));
+  sortFromTop(lines);
   return lines;
 }
 

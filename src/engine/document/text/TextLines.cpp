@@ -142,6 +142,15 @@ void sortFromTop(std::vector<TextLine>& lines) {
   std::ranges::stable_sort(lines, {}, [](const TextLine& line) { return line.box.midY(); });
 }
 
+bool isAmong(const std::vector<TextLine>& lines, const platform::CGRect& box) {
+  return std::ranges::any_of(lines, [&box](const TextLine& line) {
+    const platform::CGRect& known = line.box;
+    const double across = std::min(known.maxX(), box.maxX()) - std::max(known.minX(), box.minX());
+    const double down = std::min(known.maxY(), box.maxY()) - std::max(known.minY(), box.minY());
+    return across > 0 && down > 0.5 * std::min(known.height, box.height);
+  });
+}
+
 std::vector<std::string> textLines(const std::vector<TextLine>& found,
                                    const std::vector<platform::CGRect>& blanks) {
   std::vector<const TextLine*> kept = worthKeeping(found, blanks);

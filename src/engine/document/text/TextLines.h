@@ -22,6 +22,9 @@ bool isSure(const TextLine& text);
 /// Puts lines in the order in which they stand below one another.
 void sortFromTop(std::vector<TextLine>& lines);
 
+/// Whether one of the lines stands where the box is. Pure.
+bool isAmong(const std::vector<TextLine>& lines, const platform::CGRect& box);
+
 /// The print worth keeping (what is sure and in the size of the holder's data), in lines from top
 /// to bottom and from left to right; without lone letters and the punctuation around lines, so that
 /// two pictures of one card agree. Nothing is kept of what lies inside the `blanks` (photo,

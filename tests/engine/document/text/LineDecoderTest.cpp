@@ -11,7 +11,7 @@ namespace corvana::tests {
 namespace {
 
 const std::vector<std::string> kLetters{"N", "G", "U", "Y", "P", "Þ", "þ", "Č",
-                                        "Ğ", "ğ", "Ê", "Ě", "e", "m", "O", " "};
+                                        "Ğ", "ğ", "Ê", "Ě", "e", "m", "O", "6", " "};
 
 /// Shares of letters; what is left is a pause's.
 using Answer = std::map<std::string, float>;
@@ -79,7 +79,9 @@ TEST(LineDecoder, PutsRareLettersRightByTheNetworksDoubt) {
       {"a thorn", {{{"P", 0.87F}, {"Þ", 0.015F}}, {}, {{"O", 1}}}, "ÞO"},
       {"a P", {{{"P", 0.993F}, {"O", 0.005F}}, {}, {{"O", 1}}}, "PO"},
       {"a G with a breve", {{{"O", 1}}, {}, {{"Č", 0.8F}, {"ğ", 0.02F}}}, "OĞ"},
-      {"a C with a caron", {{{"O", 1}}, {}, {{"Č", 0.8F}, {"G", 0.02F}}}, "OČ"}};
+      {"a C with a caron", {{{"O", 1}}, {}, {{"Č", 0.8F}, {"G", 0.02F}}}, "OČ"},
+      {"a zone's G", {{{"6", 0.92F}, {"G", 0.07F}}, {}, {{"6", 1}}}, "G6"},
+      {"a 6", {{{"6", 0.99F}, {"G", 0.001F}}, {}, {{"G", 1}}}, "6G"}};
   for (const auto& [what, answers, text] : cases)
     EXPECT_EQ(read(answers).text, text) << what;
   const auto guessed = read(cases[0].answers);

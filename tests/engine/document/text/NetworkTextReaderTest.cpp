@@ -113,8 +113,11 @@ class OtherReader final : public engine::TextReader {
   explicit OtherReader(TextLine line) : line_(std::move(line)) {}
   std::vector<TextLine> read(const platform::PixelBuffer&) override { return {line_}; }
   std::vector<TextLine> readAgain(const platform::PixelBuffer&,
-                                  const std::vector<TextLine>&) override {
-    return {line_};
+                                  const std::vector<TextLine>& known) override {
+    std::vector<TextLine> lines(known.size(), line_);
+    for (std::size_t i = 0; i < known.size(); ++i)
+      lines[i].box = known[i].box;
+    return lines;
   }
   std::string name() const override { return "other"; }
 
@@ -126,12 +129,29 @@ TEST(SecondOpinion, IsTakenForDoubtfulLettersOnly) {
   const auto card = front(0);
   const auto settled = [&](const char* first, double least, const char* second, double sure) {
     OtherReader other({second, {}, sure});
-    return engine::withSecondOpinion(*card, {{first, {}, 0.9, 0, least}}, other).front().text;
+    return engine::withSecondOpinion(*card, {{first, {}, 0.9, 0, least}}, {}, other).front().text;
   };
   EXPECT_EQ(settled("OČUZHAN", 0.5, "OĞUZHAN", 0.9), "OĞUZHAN");
   EXPECT_EQ(settled("OČUZHAN", 0.95, "OĞUZHAN", 0.9), "OČUZHAN") << "no doubt";
   EXPECT_EQ(settled("OČUZHAN", 0.5, "OĞUZHAN", 0.6), "OČUZHAN") << "the other doubts more";
   EXPECT_EQ(settled("OČUZHAN", 0.5, "ANKARA", 0.95), "OČUZHAN") << "other text";
+  EXPECT_EQ(settled("ADAQRA", 0.95, "ADAỌRA", 0.7), "ADAỌRA") << "a letter that it does not know";
+  EXPECT_EQ(settled("OQTAY", 0.95, "ÖGTAY", 0.7), "OQTAY") << "other letters beside it";
+  const TextLine hardlyRead{"AGÜN ŞƏaA", {}, 0.78, 0, 0.04};
+  OtherReader other({"AYGÜN ŞƏBNƏM", {}, 0.96});
+  EXPECT_EQ(engine::withSecondOpinion(*card, {hardlyRead}, {}, other).front().text, "AYGÜN ŞƏBNƏM");
+}
+
+TEST(SecondOpinion, IsTakenWhereTheFirstMadeNothingOfThePrint) {
+  const platform::CGRect surname{250, 195, 289, 29};
+  const platform::CGRect givenNames{250, 281, 147, 35};
+  OtherReader other({"MƏMMƏDOVA", {}, 0.95});
+  const auto lines = engine::withSecondOpinion(*front(0), {{"OKTAY", givenNames, 0.99}},
+                                               {{"", givenNames}, {"", surname}}, other);
+  ASSERT_EQ(lines.size(), 2U);
+  EXPECT_EQ(lines[0].text, "MƏMMƏDOVA") << "from top to bottom";
+  EXPECT_EQ(lines[0].box, surname);
+  EXPECT_EQ(lines[1].text, "OKTAY");
 }
 
 TEST(LetterRepair, MendsLettersThatTheirWordBetrays) {
