@@ -19,15 +19,22 @@ constexpr double kFaceInLines = 3;  ///< a sure face counts like lines of thrice
 constexpr double kZoneWidth = 0.7;
 /// A zone has three lines at most, and a title may be as wide: with more it is a page of print.
 constexpr int kMostWideLines = 4;
+/// How far from a side print along it may reach.
+constexpr double kSideStrip = 0.15 * kCardWidth;
 
 bool endsWithin(const TextLine& line, int height) {
   return std::abs(line.tilt) <= kMostTilt && line.box.minX() > kRim && line.box.minY() > kRim &&
          line.box.maxX() < kCardWidth - kRim && line.box.maxY() < height - kRim;
 }
 
-/// Cards bear their name or number along a side too.
 bool isUpward(const TextLine& line) {
   return line.box.width <= line.box.height;
+}
+
+/// Cards bear their name or number along a side too; more of it is a card that lies on its side.
+bool isAlongASide(const TextLine& line) {
+  return isUpward(line) &&
+         (line.box.maxX() < kSideStrip || line.box.minX() > kCardWidth - kSideStrip);
 }
 
 struct Print {
@@ -43,7 +50,7 @@ Print printOf(const std::vector<TextLine>& lines, int height) {
   Print print;
   for (const TextLine& line : lines) {
     const bool isWithin = endsWithin(line, height);
-    if (isUpward(line) && isWithin) continue;
+    if (isAlongASide(line) && isWithin) continue;
     const double length = std::max(line.box.width, line.box.height) / kCardWidth;
     print.all += length;
     if (!isWithin || isUpward(line)) continue;
