@@ -10,8 +10,8 @@
 namespace corvana::tests {
 namespace {
 
-const std::vector<std::string> kLetters{"N", "G", "U", "Y", "P", "Þ", "þ", "Č",
-                                        "Ğ", "ğ", "Ê", "Ě", "e", "m", "O", "6", " "};
+const std::vector<std::string> kLetters{"N", "G", "U", "Y", "P", "Þ", "þ", "Č", "Ğ",
+                                        "ğ", "Ê", "Ě", "e", "m", "O", "6", " "};
 
 /// Shares of letters; what is left is a pause's.
 using Answer = std::map<std::string, float>;
