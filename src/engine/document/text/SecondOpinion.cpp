@@ -36,14 +36,38 @@ bool isBetter(const TextLine& second, const TextLine& first) {
          (first.confidence < kHardlyRead || isTheSameText(first.text, second.text));
 }
 
+/// Names and numbers are among the larger print of a card; labels, which are smaller, would pass
+/// for values where they are misread.
+double heightOfValues(const std::vector<TextLine>& lines) {
+  constexpr double kSmaller = 0.75;  // of the lines
+  constexpr double kLeast = 0.8;
+  std::vector<double> heights;
+  for (const TextLine& line : lines)
+    heights.push_back(line.box.height);
+  if (heights.empty()) return 0;
+  const auto rank =
+      heights.begin() + static_cast<std::ptrdiff_t>(kSmaller * double(heights.size() - 1));
+  std::ranges::nth_element(heights, rank);
+  return kLeast * *rank;
+}
+
+/// The places of values of which the first reader made nothing.
+std::vector<TextLine> unreadValues(const std::vector<TextLine>& places,
+                                   const std::vector<TextLine>& lines) {
+  std::vector<TextLine> unread;
+  const double least = heightOfValues(lines);
+  std::ranges::copy_if(places, std::back_inserter(unread), [&](const TextLine& place) {
+    return place.box.height >= least && !isAmong(lines, place.box);
+  });
+  return unread;
+}
+
 }  // namespace
 
 std::vector<TextLine> withSecondOpinion(const platform::PixelBuffer& card,
                                         std::vector<TextLine> lines,
                                         const std::vector<TextLine>& places, TextReader& second) {
-  std::vector<TextLine> unread;
-  std::ranges::copy_if(places, std::back_inserter(unread),
-                       [&](const TextLine& place) { return !isAmong(lines, place.box); });
+  const std::vector<TextLine> unread = unreadValues(places, lines);
   for (TextLine& line : lines) {
     if (line.leastConfidence >= kDoubtful && !mayHaveADotBelow(line.text)) continue;
     const auto again = second.readAgain(card, {line});

@@ -152,6 +152,13 @@ TEST(SecondOpinion, IsTakenWhereTheFirstMadeNothingOfThePrint) {
   EXPECT_EQ(lines[0].text, "MƏMMƏDOVA") << "from top to bottom";
   EXPECT_EQ(lines[0].box, surname);
   EXPECT_EQ(lines[1].text, "OKTAY");
+
+  const platform::CGRect label{250, 170, 289, 18};
+  EXPECT_EQ(
+      engine::withSecondOpinion(*front(0), {{"OKTAY", givenNames, 0.99}}, {{"", label}}, other)
+          .size(),
+      1U)
+      << "smaller print is no value";
 }
 
 TEST(LetterRepair, MendsLettersThatTheirWordBetrays) {
