@@ -13,13 +13,11 @@
 #include "engine/document/mrz/MrzPrint.h"
 #include "engine/document/mrz/MrzRepair.h"
 #include "engine/document/outline/CardChoice.h"
-#include "engine/document/outline/CardRim.h"
 #include "engine/document/outline/CardWarp.h"
 #include "engine/document/outline/StillCards.h"
 #include "engine/document/outline/ZoneBelow.h"
 #include "engine/document/text/SecondOpinion.h"
 #include "engine/document/text/TextLines.h"
-#include "engine/vision/MatViews.h"
 
 namespace corvana::engine {
 namespace {
@@ -347,8 +345,7 @@ platform::Expected<CardLook> DocumentAnalyzer::cardIn(const StillPicture& still)
 }
 
 platform::Expected<CardLook> DocumentAnalyzer::cardAmongPrint(const StillPicture& still) {
-  constexpr double kMeasuredAlike = 0.004;  // of the width
-  constexpr int kMostRims = 2;
+  constexpr double kMeasuredAlike = 0.004;       // of the width
   std::vector<std::pair<Quad, CardLook>> looks;  // both searches may find the same outline
   const auto look = [&](const Quad& outline) {
     const auto known = std::ranges::find_if(
@@ -367,12 +364,6 @@ platform::Expected<CardLook> DocumentAnalyzer::cardAmongPrint(const StillPicture
       continue;
     }
     auto found = chooseCard(*outlines, look);
-    // A card that lacks two bands may get them one after the other.
-    for (int rims = 0; found && rims < kMostRims; ++rims) {
-      const auto whole = withRim(rgbMat(*still.picture), found->outline);
-      if (!whole || !look(*whole).hasAllOf(*found)) break;
-      found = look(*whole);
-    }
     if (found && found->isCertainlyACard()) return *std::move(found);
     if (found && (!best || found->content() > best->content())) best = std::move(found);
   }

@@ -3,12 +3,10 @@
 #include <numbers>
 
 #include <gtest/gtest.h>
-#include <opencv2/imgproc.hpp>
 
 #include "TestCards.h"
 #include "engine/document/outline/CardFinder.h"
 #include "engine/document/outline/CardLook.h"
-#include "engine/document/outline/CardRim.h"
 #include "engine/document/outline/CardWarp.h"
 
 namespace corvana::tests {
@@ -131,33 +129,6 @@ TEST(CardWarp, GivesACardAndAPageTheirOwnShape) {
   }
   const auto whole = engine::boundsInPicture({-0.5, -0.5, 1000, 704}, outlineOf(1000, 704));
   EXPECT_NEAR(whole.height, 704, 1e-3);
-}
-
-TEST(CardRim, IsFoundRoundACardThatWasCutOffAtItsDarkBands) {
-  const engine::Quad card{{{{300, 200}, {1156, 200}, {1156, 740}, {300, 740}}}};
-  const auto onCard = [&](double x, double y, double width, double height) {
-    return cv::Rect(300 + cvRound(x * 856), 200 + cvRound(y * 540), cvRound(width * 856),
-                    cvRound(height * 540));
-  };
-  cv::Mat picture(960, 1440, CV_8UC3, cv::Scalar(70, 66, 60));
-  cv::rectangle(picture, onCard(0, 0, 1, 1), cv::Scalar(222, 214, 230), cv::FILLED);
-  EXPECT_FALSE(engine::withRim(picture, card)) << "it has no bands and is whole";
-  cv::rectangle(picture, onCard(0, 0, 0.09, 1), cv::Scalar(44, 20, 54), cv::FILLED);
-  cv::rectangle(picture, onCard(0, 0, 1, 0.17), cv::Scalar(67, 34, 79), cv::FILLED);
-  EXPECT_FALSE(engine::withRim(picture, card));
-
-  const engine::Quad belowTheBand{{{{300, 292}, {1156, 292}, {1156, 740}, {300, 740}}}};
-  const auto whole = engine::withRim(picture, belowTheBand);
-  ASSERT_TRUE(whole);
-  EXPECT_LT(engine::apart(*whole, card), 0.01);
-  const engine::Quad besideBoth{{{{377, 292}, {1156, 292}, {1156, 740}, {377, 740}}}};
-  const auto first = engine::withRim(picture, besideBoth);
-  ASSERT_TRUE(first);
-  const auto second = engine::withRim(picture, *first);
-  EXPECT_LT(engine::apart(second ? *second : *first, card), 0.01);
-
-  cv::rectangle(picture, onCard(-0.2, -0.4, 1.4, 0.57), cv::Scalar(70, 66, 60), cv::FILLED);
-  EXPECT_FALSE(engine::withRim(picture, belowTheBand)) << "nothing ends above it";
 }
 
 TEST(CardLook, TakesTheWholeOfEachSizeForThatOfWhichAnOutlineHoldsAPart) {

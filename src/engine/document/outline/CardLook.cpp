@@ -19,22 +19,11 @@ constexpr double kFaceInLines = 3;  ///< a sure face counts like lines of thrice
 constexpr double kZoneWidth = 0.7;
 /// A zone has three lines at most, and a title may be as wide: with more it is a page of print.
 constexpr int kMostWideLines = 4;
-/// How far from a side print along it may reach.
-constexpr double kSideStrip = 0.15 * kCardWidth;
 
-bool endsWithin(const TextLine& line, int height) {
-  return std::abs(line.tilt) <= kMostTilt && line.box.minX() > kRim && line.box.minY() > kRim &&
-         line.box.maxX() < kCardWidth - kRim && line.box.maxY() < height - kRim;
-}
-
-bool isUpward(const TextLine& line) {
-  return line.box.width <= line.box.height;
-}
-
-/// Cards bear their name or number along a side too; more of it is a card that lies on its side.
-bool isAlongASide(const TextLine& line) {
-  return isUpward(line) &&
-         (line.box.maxX() < kSideStrip || line.box.minX() > kCardWidth - kSideStrip);
+bool isWithin(const TextLine& line, int height) {
+  return std::abs(line.tilt) <= kMostTilt && line.box.width > line.box.height &&
+         line.box.minX() > kRim && line.box.minY() > kRim && line.box.maxX() < kCardWidth - kRim &&
+         line.box.maxY() < height - kRim;
 }
 
 struct Print {
@@ -49,11 +38,9 @@ struct Print {
 Print printOf(const std::vector<TextLine>& lines, int height) {
   Print print;
   for (const TextLine& line : lines) {
-    const bool isWithin = endsWithin(line, height);
-    if (isAlongASide(line) && isWithin) continue;
     const double length = std::max(line.box.width, line.box.height) / kCardWidth;
     print.all += length;
-    if (!isWithin || isUpward(line)) continue;
+    if (!isWithin(line, height)) continue;
     print.within += length;
     ++print.lines;
     if (length > kZoneWidth) ++print.wideLines;
@@ -103,14 +90,6 @@ bool CardLook::isCertainlyACard() const {
     return false;
   const bool hasZone = print.wideLines > 0 && print.lines >= kEnoughLines;
   return hasZone || std::max(faceScore, faceScoreTurned) >= kSureFace;
-}
-
-bool CardLook::hasAllOf(const CardLook& part) const {
-  constexpr double kMeasuredAlike = 0.97;  // lines are found a little otherwise
-  const auto length = [](const CardLook& look) {
-    return printOf(look.lines, straightenedHeight(look.outline)).within * look.outline.width();
-  };
-  return isCertainlyACard() && length(*this) >= kMeasuredAlike * length(part);
 }
 
 }  // namespace corvana::engine

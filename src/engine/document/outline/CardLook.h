@@ -25,8 +25,6 @@ struct CardLook {
   double content() const;
   /// Whether there is no need to look inside another outline.
   bool isCertainlyACard() const;
-  /// Whether it is certainly a card with as much print in the picture as the other look shows.
-  bool hasAllOf(const CardLook& part) const;
 };
 
 /// Whether an outline may be that of the whole card of which another holds a part, since a dark

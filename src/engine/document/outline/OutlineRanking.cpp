@@ -131,11 +131,6 @@ double OutlineRanking::supportOf(const Quad& quad) const {
   return sum / seen;
 }
 
-double OutlineRanking::support(const Quad& quad, std::size_t side) const {
-  return sideSupport(pointOf(quad.corners[side]), pointOf(quad.corners[(side + 1) % 4]))
-      .value_or(0);
-}
-
 double OutlineRanking::textureBeside(cv::Point2d a, cv::Point2d b) const {
   if (!sideSupport(a, b)) return 0;
   const cv::Point2d along = (b - a) / cv::norm(b - a);

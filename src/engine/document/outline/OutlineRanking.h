@@ -25,11 +25,6 @@ class OutlineRanking {
   /// The clearest outlines, no two nearly the same, and few in about the same place.
   std::vector<Quad> best();
 
-  /// How clearly the outline's sides are seen, 0 to 1; 0 where they hardly are.
-  double support(const Quad& quad) const { return supportOf(quad); }
-  /// The same of one side; side n begins at corner n.
-  double support(const Quad& quad, std::size_t side) const;
-
  private:
   double printFit(const Quad& quad) const;
   double supportOf(const Quad& quad) const;
