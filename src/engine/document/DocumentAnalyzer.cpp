@@ -125,7 +125,7 @@ CardSighting DocumentAnalyzer::find(const platform::PixelBuffer& frame,
   return findCard(frame, guide, corvana::IDCapture::options);
 }
 
-/// Of most looks the card's colours are never asked for: they cost three times as much as its grey.
+/// Of most looks the card's colours are never asked for, which cost far more than its grey.
 CardView DocumentAnalyzer::view(const platform::PixelBufferRef& frame, const Quad& outline) const {
   const auto gray = straightenedGray(*frame, outline);
   const double glare = mayHaveGlare(*gray) ? glareFraction(*straightened(*frame, outline)) : 0;
