@@ -1,6 +1,7 @@
 #include "app/card/Reference.h"
 
 #include <array>
+#include <future>
 
 #include "devices/pictures/ImageFile.h"
 #include "engine/document/fields/DocumentFields.h"
@@ -275,13 +276,18 @@ Expected<Reference> loadReference(const fs::path& folder) {
                                "differently: enroll the card again.");
     }
     Reference reference;
+    // Their pictures take most of the time, which the user waits for.
+    std::future<Expected<DetectedData>> back;
+    if (object->contains("back")) {
+      back = std::async(std::launch::async, sideFromJson, (*object)["back"], folder);
+    }
     auto front = sideFromJson(get<json>(*object, "front"), folder);
     if (!front) return tl::unexpected(front.error());
     reference.front = std::move(*front);
-    if (object->contains("back")) {
-      auto back = sideFromJson((*object)["back"], folder);
-      if (!back) return tl::unexpected(back.error());
-      reference.back = std::move(*back);
+    if (back.valid()) {
+      auto side = back.get();
+      if (!side) return tl::unexpected(side.error());
+      reference.back = std::move(*side);
     }
     reference.hints = hintsFromJson(*object);
     checkSides(reference);

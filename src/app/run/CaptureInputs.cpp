@@ -1,6 +1,8 @@
 #include "app/run/CaptureInputs.h"
 
 #include <algorithm>
+#include <functional>
+#include <future>
 #include <vector>
 
 #include <unicode/uchar.h>
@@ -135,6 +137,8 @@ Expected<std::string> readText(const fs::path& file) {
 
 Expected<CaptureInputs> checkInputs(const CaptureArguments& arguments) {
   CaptureInputs inputs;
+  auto referenceRead =
+      std::async(std::launch::async, loadReference, std::cref(arguments.reference));
   // The media library looks into a recording while the rest is read. A live camera is asked last:
   // how much the machine has time for is measured for it.
   const bool isRecording = arguments.source.isRecording();
@@ -144,7 +148,7 @@ Expected<CaptureInputs> checkInputs(const CaptureArguments& arguments) {
   auto text = checkText(arguments);
   if (!text) return tl::unexpected(text.error());
   inputs.text = std::move(*text);
-  auto reference = loadReference(arguments.reference);
+  auto reference = referenceRead.get();
   if (!reference) return tl::unexpected(reference.error());
   inputs.reference = std::move(*reference);
   auto sums = sumsOfReference(arguments.reference);

@@ -105,6 +105,7 @@ platform::Expected<std::unique_ptr<MediaProbe>> MediaProbe::start(
   GstElement* demuxer = look->stream.element("demuxer");
   g_signal_connect(demuxer, "pad-added", G_CALLBACK(&Streams::onPad), &look->streams);
   g_signal_connect(demuxer, "no-more-pads", G_CALLBACK(&Streams::onAllPads), &look->streams);
+  look->stream.useOneDecodingThread();  // others would decode pictures that nobody asks for
   look->stream.start();
   return std::unique_ptr<MediaProbe>(new MediaProbe(path, std::move(look)));
 }

@@ -23,6 +23,8 @@ class StreamReader {
   static platform::Expected<StreamReader> open(std::string name, const std::string& line);
   /// An element of the line, to be set up before the start.
   GstElement* element(const char* elementName) { return child(pipeline_, elementName); }
+  /// Before the start.
+  void useOneDecodingThread();
   void start();
   /// The next piece; null at the end of the stream. The error is one sentence.
   platform::Expected<GstPtr<GstSample>> pull();

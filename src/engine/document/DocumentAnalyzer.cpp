@@ -22,13 +22,6 @@
 namespace corvana::engine {
 namespace {
 
-/// Of the lines known from an earlier picture so many are read again on the same card.
-constexpr double kLeastShareReadAgain = 0.8;
-/// So often in a row settled print that has not changed is taken as read.
-constexpr int kMostRepeats = 4;
-/// A line all of whose letters are this sure would be read alike again.
-constexpr double kSureLetter = 0.9;
-
 /// A place in millimetres on the picture of the straightened document.
 platform::CGRect inPixels(const platform::CGRect& place, const DocumentKind& kind,
                           const platform::PixelBuffer& card) {
@@ -65,23 +58,6 @@ std::vector<std::string> doubtfulTexts(const std::vector<TextLine>& lines) {
     if (!isZoneLine(line.text)) std::ranges::copy(line.others, std::back_inserter(texts));
   }
   return texts;
-}
-
-/// Whether the line would be read alike again.
-bool isSettled(const TextLine& line, const CardMemory& memory) {
-  return line.leastConfidence >= kSureLetter ||
-         std::ranges::find(memory.confirmed, line.text) != memory.confirmed.end();
-}
-
-/// Of the same print, read twice.
-std::vector<std::string> readAlike(const std::vector<TextLine>& before,
-                                   const std::vector<TextLine>& now) {
-  std::vector<std::string> alike;
-  for (const TextLine& line : now) {
-    if (std::ranges::find(before, line.text, &TextLine::text) != before.end())
-      alike.push_back(line.text);
-  }
-  return alike;
 }
 
 /// What was made of the print: sure letters count, doubtful ones less.
@@ -200,16 +176,15 @@ CardReading DocumentAnalyzer::readFirst(const platform::PixelBufferRef& card, Ca
 
 std::vector<TextLine> DocumentAnalyzer::linesAgain(const platform::PixelBuffer& upright,
                                                    bool isAsRead, CardMemory& memory) {
-  const bool mayRepeat = isAsRead && !memory.hasOpenZone && memory.repeats < kMostRepeats;
-  memory.repeats = mayRepeat ? memory.repeats + 1 : 0;
+  const bool mayRepeat = memory.repeatsFor(isAsRead);
   std::vector<TextLine> lines = memory.lines;
   const auto open = std::ranges::partition(
-      lines, [&](const TextLine& line) { return mayRepeat && isSettled(line, memory); });
+      lines, [&](const TextLine& line) { return mayRepeat && memory.isSettled(line); });
   auto read = text_.readAgain(upright, {open.begin(), open.end()});
   lines.erase(open.begin(), open.end());
   std::ranges::move(read, std::back_inserter(lines));
   sortFromTop(lines);
-  memory.confirmed = readAlike(memory.lines, lines);
+  memory.confirmBy(lines);
   return lines;
 }
 
@@ -217,11 +192,8 @@ CardReading DocumentAnalyzer::readAgain(const platform::PixelBufferRef& card, bo
                                         CardMemory& memory) {
   const auto upright = memory.isUpsideDown ? onItsHead(*card) : card;
   auto lines = linesAgain(*upright, isAsRead, memory);
-  const bool isTheSame = static_cast<double>(lines.size()) >=
-                         kLeastShareReadAgain * static_cast<double>(memory.lines.size());
-  if (!isTheSame) {
-    memory.repeats = 0;
-    memory.confirmed.clear();
+  if (!memory.isOf(lines)) {
+    memory.unsettle();
     lines = text_.read(*upright);
   }
   return understood(upright, std::move(lines), memory);

@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "corvana/DetectedData.h"
+#include "engine/document/CardMemory.h"
 #include "engine/document/CardTurn.h"
 #include "engine/document/DocumentClassifier.h"
 #include "engine/document/fields/CalendarDates.h"
 #include "engine/document/guidance/CardQuality.h"
 #include "engine/document/kinds/DocumentTables.h"
 #include "engine/document/mrz/MrzReader.h"
-#include "engine/document/mrz/MrzVotes.h"
 #include "engine/document/outline/CardFinder.h"
 #include "engine/document/outline/CardLook.h"
 #include "engine/document/outline/StillCards.h"
@@ -32,17 +32,6 @@ struct CardView {
   CardQuality quality;            ///< but for what covers print, which one picture can't tell
   /// Whether its print looks as it did when the lines in the card's memory were read.
   bool isAsRead = false;
-};
-
-/// What earlier pictures told of a card that has been held still since.
-struct CardMemory {
-  bool isUpsideDown = false;           ///< the outline's upper side is the card's lower one
-  std::vector<TextLine> lines;         ///< all print, as last read
-  MrzVotes votes;                      ///< of its machine-readable zone
-  bool hasOpenZone = false;            ///< one that was seen and not read yet
-  int repeats = 0;                     ///< how often in a row settled lines were taken as read
-  std::vector<std::string> confirmed;  ///< lines that two readings in a row had alike
-  std::optional<corvana::RealnessScores> realness;  ///< as last measured
 };
 
 struct CardReading {

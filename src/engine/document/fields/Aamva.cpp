@@ -7,6 +7,7 @@
 
 #include "engine/document/fields/AamvaIssuers.h"
 #include "engine/document/fields/CalendarDates.h"
+#include "engine/document/text/AsciiLetters.h"
 #include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
@@ -26,12 +27,6 @@ constexpr float kSure = 1.0F;
 /// Without separators a name that holds an identifier ends too early.
 constexpr float kUnparted = 0.5F;
 
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-bool isCapital(char c) {
-  return c >= 'A' && c <= 'Z';
-}
 bool isBreak(char c) {
   return c == '\n' || c == '\r' || c == '\x1c' || c == '\x1d' || c == '\x1e' || c == '\v';
 }

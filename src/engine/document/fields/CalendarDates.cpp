@@ -5,16 +5,14 @@
 #include <cstdio>
 #include <map>
 
+#include "engine/document/text/AsciiLetters.h"
+
 namespace corvana::engine {
 namespace {
 
 constexpr int kCentury = 100;
 constexpr int kFirstYear = 1900;
 constexpr int kLastYear = 2199;
-
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 std::optional<int> number(std::string_view digits) {
   if (digits.empty() || digits.size() > 4 || !std::ranges::all_of(digits, isDigit)) {
@@ -85,10 +83,6 @@ struct Piece {
   std::size_t start = 0;
   std::size_t end = 0;
 };
-
-bool isCapital(char c) {
-  return c >= 'A' && c <= 'Z';
-}
 
 /// In print of letters as wide as one another, OCT is read as 0CT.
 void mendLetters(std::string& text) {

@@ -9,6 +9,7 @@
 #include "engine/document/fields/Transliteration.h"
 #include "engine/document/kinds/DataFolder.h"
 #include "engine/document/kinds/LabelFile.h"
+#include "engine/document/text/AsciiLetters.h"
 #include "engine/json/JsonFile.h"
 #include "engine/json/JsonObject.h"
 
@@ -171,10 +172,6 @@ Match longestLabel(const Labels& labels, const std::vector<Word>& words, std::si
 Match wholeLabel(const Labels& labels, const std::string& text) {
   const std::string letters = lettersOf(text);
   return letters.empty() ? Match{} : labelIn(labels, letters, kLettersPerErrorInParts);
-}
-
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
 }
 
 /// Whether a stroke is at the place. Those of dates part nothing, nor does a digit in one.

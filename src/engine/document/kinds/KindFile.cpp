@@ -8,6 +8,7 @@
 #include "engine/document/fields/DocumentFields.h"
 #include "engine/document/fields/Transliteration.h"
 #include "engine/document/kinds/LanguageCode.h"
+#include "engine/document/text/AsciiLetters.h"
 #include "engine/json/JsonFile.h"
 #include "engine/json/JsonObject.h"
 
@@ -38,12 +39,8 @@ const std::map<std::string, ZoneFormat>& zoneFormats() {
   return kFormats;
 }
 
-bool isCapital(char c) {
-  return c >= 'A' && c <= 'Z';
-}
-
 bool isCapitalOrDigit(char c) {
-  return isCapital(c) || (c >= '0' && c <= '9');
+  return isCapital(c) || isDigit(c);
 }
 
 bool isStem(const std::string& text) {

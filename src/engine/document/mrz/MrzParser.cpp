@@ -7,17 +7,12 @@
 #include <utility>
 
 #include "engine/document/mrz/MrzLayout.h"
+#include "engine/document/text/AsciiLetters.h"
 #include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
 namespace {
 
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-bool isLetter(char c) {
-  return c >= 'A' && c <= 'Z';
-}
 bool isBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r';
 }
@@ -114,12 +109,12 @@ bool isBirthDate(std::string_view yymmdd) {
 
 bool isLettersAndFillers(std::string_view field) {
   return std::all_of(field.begin(), field.end(),
-                     [](char c) { return isLetter(c) || c == kMrzFiller; });
+                     [](char c) { return isCapital(c) || c == kMrzFiller; });
 }
 
 std::optional<std::string> fault(const Zone& zone, const DocumentNumber& documentNumber) {
   const MrzLayout& layout = zone.layout();
-  if (!isLetter(zone.at(kMrzDocumentCode).front())) return "the document code is not a letter";
+  if (!isCapital(zone.at(kMrzDocumentCode).front())) return "the document code is not a letter";
   if (!isLettersAndFillers(zone.at(kMrzIssuingState))) return "the issuing state holds a digit";
   if (!isLettersAndFillers(zone.at(layout.nationality))) return "the nationality holds a digit";
   if (!isLettersAndFillers(zone.at(layout.names))) return "the name holds a digit";
@@ -173,7 +168,7 @@ int mrzCheckDigit(std::string_view field) {
   int sum = 0;
   for (std::size_t i = 0; i < field.size(); ++i) {
     const char c = field[i];
-    const int value = isDigit(c) ? c - '0' : isLetter(c) ? c - 'A' + 10 : 0;
+    const int value = isDigit(c) ? c - '0' : isCapital(c) ? c - 'A' + 10 : 0;
     sum += kWeights[i % kWeights.size()] * value;
   }
   return sum % 10;
@@ -186,7 +181,7 @@ platform::Expected<corvana::MRZResult> parseMrz(const std::vector<std::string>& 
   }
   for (const std::string& line : lines) {
     if (!std::all_of(line.begin(), line.end(),
-                     [](char c) { return isDigit(c) || isLetter(c) || c == kMrzFiller; })) {
+                     [](char c) { return isDigit(c) || isCapital(c) || c == kMrzFiller; })) {
       return platform::failure("a character other than A to Z, 0 to 9 and <");
     }
   }

@@ -9,6 +9,7 @@
 
 #include "engine/document/mrz/MrzParser.h"
 #include "engine/document/mrz/StateCodes.h"
+#include "engine/document/text/AsciiLetters.h"
 #include "platform/foundation/Fault.h"
 
 namespace corvana::engine {
@@ -28,13 +29,6 @@ constexpr std::size_t kMostSurplus = 2;
 constexpr std::size_t kLeastLength = 22;
 constexpr std::ptrdiff_t kLeastDigits = 6;
 constexpr std::ptrdiff_t kMostLines = 3;
-
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-bool isLetter(char c) {
-  return c >= 'A' && c <= 'Z';
-}
 
 /// What a reader takes for one another, in either direction.
 constexpr std::array<std::pair<char, char>, 6> kTwins{
@@ -177,7 +171,7 @@ std::optional<char> twinAt(const std::string& line, std::size_t column) {
   const char c = line[column];
   const char before = column > 0 ? line[column - 1] : kMrzFiller;
   const char after = column + 1 < line.size() ? line[column + 1] : kMrzFiller;
-  if (c == '0' && (isLetter(before) || isLetter(after))) return 'O';
+  if (c == '0' && (isCapital(before) || isCapital(after))) return 'O';
   const char digit = digitFor(c);
   if (digit != c && isDigit(before) && isDigit(after)) return digit;
   return std::nullopt;
@@ -229,7 +223,7 @@ std::string mrzLetters(std::string_view print) {
   std::string letters;
   for (std::size_t i = 0; i < print.size();) {
     const char c = print[i];
-    if (isDigit(c) || isLetter(c) || c == kMrzFiller) {
+    if (isDigit(c) || isCapital(c) || c == kMrzFiller) {
       letters += c;
       ++i;
     } else if (c >= 'a' && c <= 'z') {

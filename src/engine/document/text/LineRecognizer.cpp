@@ -1,7 +1,11 @@
 #include "engine/document/text/LineRecognizer.h"
 
 #include <algorithm>
+#include <atomic>
 #include <fstream>
+#include <future>
+#include <numeric>
+#include <ranges>
 #include <string>
 #include <utility>
 
@@ -14,8 +18,9 @@ namespace {
 /// The network sees lines in steps of this many pixels, and none narrower than three of them.
 constexpr int kWidthStep = 32;
 constexpr int kLeastWidth = 3 * kWidthStep;
-/// So many widths are kept: fitting the network to one costs half as much as reading a line.
-constexpr std::size_t kNetworks = 4;
+/// So many widths each thread keeps: fitting the network to one costs half as much as reading a
+/// line.
+constexpr std::size_t kWidths = 2;
 
 int roundedUp(int width) {
   return std::max(kLeastWidth, (width + kWidthStep - 1) / kWidthStep * kWidthStep);
@@ -43,17 +48,18 @@ platform::Expected<LineRecognizer> LineRecognizer::load(const std::filesystem::p
   auto network = TfliteModel::load(model, {{1, kLineHeight, kLeastWidth, 3}, {values}, true},
                                    inference::Runtime::xnnpack);
   if (!network) return tl::unexpected(network.error());
-  std::vector<Fitted> networks;
-  networks.push_back({std::move(*network), kLeastWidth, 0});
-  while (networks.size() < kNetworks)
-    networks.push_back({networks.front().model.another(), kLeastWidth, 0});
-  return LineRecognizer(std::move(networks), std::move(decoder));
+  return LineRecognizer(*network, std::move(decoder));
 }
 
-TfliteModel& LineRecognizer::networkFor(int width) {
-  auto fitted = std::ranges::find(networks_, width, &Fitted::width);
-  if (fitted == networks_.end()) {
-    fitted = std::ranges::min_element(networks_, {}, &Fitted::lastUse);
+LineRecognizer::Networks::Networks(const TfliteModel& model) {
+  while (fitted_.size() < kWidths)
+    fitted_.push_back({model.another(), kLeastWidth, 0});
+}
+
+TfliteModel& LineRecognizer::Networks::fittedTo(int width) {
+  auto fitted = std::ranges::find(fitted_, width, &Fitted::width);
+  if (fitted == fitted_.end()) {
+    fitted = std::ranges::min_element(fitted_, {}, &Fitted::lastUse);
     fitted->model.resizeInput({1, kLineHeight, width, 3});
     fitted->width = width;
   }
@@ -61,13 +67,32 @@ TfliteModel& LineRecognizer::networkFor(int width) {
   return fitted->model;
 }
 
-LineReading LineRecognizer::read(const cv::Mat& line) {
+LineReading LineRecognizer::Networks::read(const cv::Mat& line, const LineDecoder& decoder) {
   const int width = roundedUp(line.cols);
-  TfliteModel& network = networkFor(width);
+  TfliteModel& network = fittedTo(width);
   fillInput(network, line, {width, kLineHeight});
   network.run();
   const auto answers = static_cast<std::size_t>(width / kPixelsPerAnswer);
-  return decoder_.read(network.output(0).subspan(0, answers * decoder_.classes()));
+  return decoder.read(network.output(0).subspan(0, answers * decoder.classes()));
+}
+
+/// One thread begins with the narrowest line, the other with the widest, until they meet. Who reads
+/// a line does not change what is read: networks of one file compute alike.
+std::vector<LineReading> LineRecognizer::read(std::span<const cv::Mat> lines) {
+  std::vector<std::size_t> byWidth(lines.size());
+  std::iota(byWidth.begin(), byWidth.end(), std::size_t{0});
+  std::ranges::stable_sort(byWidth, {}, [&](std::size_t line) { return lines[line].cols; });
+  std::vector<LineReading> readings(lines.size());
+  std::atomic<std::size_t> taken = 0;
+  const auto readInTurn = [&](auto order, Networks& networks) {
+    for (auto line = order.begin(); taken++ < lines.size(); ++line)
+      readings[*line] = networks.read(lines[*line], decoder_);
+  };
+  auto widest =
+      std::async(std::launch::async, [&] { readInTurn(std::views::reverse(byWidth), wide_); });
+  readInTurn(std::views::all(byWidth), narrow_);
+  widest.get();
+  return readings;
 }
 
 }  // namespace corvana::engine

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <span>
+#include <utility>
 #include <vector>
 
 #include <opencv2/core.hpp>
@@ -11,35 +13,47 @@
 
 namespace corvana::engine {
 
-/// Reads one line of Latin print. One thread at a time. Movable.
+/// Reads lines of Latin print, on two threads. One thread at a time uses it. Movable.
 class LineRecognizer {
  public:
   /// `alphabet` names the network's letters, one a line.
   static platform::Expected<LineRecognizer> load(const std::filesystem::path& model,
                                                  const std::filesystem::path& alphabet);
 
-  /// Reads an 8-bit RGB picture of a line, `kLineHeight` high. About 16 ms for 300 pixels. Lines of
-  /// like width in a row are quicker: the network is fitted to each width.
-  LineReading read(const cv::Mat& line);
+  /// Reads 8-bit RGB pictures of lines, `kLineHeight` high. About 16 ms of a core for 300 pixels;
+  /// lines of like width are quicker: the networks are fitted to each width.
+  std::vector<LineReading> read(std::span<const cv::Mat> lines);
 
   /// How far apart the answers stand along the line.
   static constexpr int kPixelsPerAnswer = 8;
 
  private:
-  /// A network fitted to lines of one width.
-  struct Fitted {
-    TfliteModel model;
-    int width = 0;
-    int lastUse = 0;
+  /// Networks that one thread uses.
+  class Networks {
+   public:
+    explicit Networks(const TfliteModel& model);
+    LineReading read(const cv::Mat& line, const LineDecoder& decoder);
+
+   private:
+    /// A network fitted to lines of one width.
+    struct Fitted {
+      TfliteModel model;
+      int width = 0;
+      int lastUse = 0;
+    };
+
+    TfliteModel& fittedTo(int width);
+
+    std::vector<Fitted> fitted_;
+    int uses_ = 0;
   };
 
-  LineRecognizer(std::vector<Fitted> networks, LineDecoder decoder)
-      : networks_(std::move(networks)), decoder_(std::move(decoder)) {}
-  TfliteModel& networkFor(int width);
+  LineRecognizer(const TfliteModel& model, LineDecoder decoder)
+      : narrow_(model), wide_(model), decoder_(std::move(decoder)) {}
 
-  std::vector<Fitted> networks_;
+  Networks narrow_;
+  Networks wide_;
   LineDecoder decoder_;
-  int uses_ = 0;
 };
 
 }  // namespace corvana::engine

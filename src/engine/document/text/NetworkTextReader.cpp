@@ -157,22 +157,22 @@ std::vector<TextLine> NetworkTextReader::read(const platform::PixelBuffer& card)
 std::vector<TextLine> NetworkTextReader::readAgain(const platform::PixelBuffer& card,
                                                    const std::vector<TextLine>& known) {
   const cv::Mat rgb = rgbMat(card);
-  std::vector<std::pair<cv::Mat, TextLine>> lines;
+  std::vector<cv::Mat> pictures;
   for (const TextLine& line : known)
-    lines.emplace_back(lineCrop(rgb, boxOf(line, kHalo)), line);
-  // Lines of like width one after the other.
-  std::ranges::stable_sort(lines, {}, [](const auto& line) { return line.first.cols; });
+    pictures.push_back(lineCrop(rgb, boxOf(line, kHalo)));
+  const std::vector<LineReading> readings = recognizer_.read(pictures);
   std::vector<TextLine> read;
-  for (auto& [picture, line] : lines) {
-    const LineReading reading = recognizer_.read(picture);
+  for (std::size_t i = 0; i < known.size(); ++i) {
+    const LineReading& reading = readings[i];
+    TextLine line = known[i];
     line.text = repairedLetters(trimmed(reading.text));
     line.others.clear();
     for (const std::string& other : reading.others)
       line.others.push_back(repairedLetters(trimmed(other)));
-    line.words = wordsOf(reading, line, picture);
+    line.words = wordsOf(reading, line, pictures[i]);
     line.confidence = reading.confidence;
     line.leastConfidence = reading.leastConfident;
-    if (!line.text.empty() && line.confidence >= kLeastConfidence) read.push_back(line);
+    if (!line.text.empty() && line.confidence >= kLeastConfidence) read.push_back(std::move(line));
   }
   sortFromTop(read);
   return read;
