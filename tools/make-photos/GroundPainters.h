@@ -1,6 +1,8 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
 
 #include <opencv2/core.hpp>
 
@@ -14,6 +16,9 @@ namespace corvana::photos {
 inline int pixels(double length) {
   return std::max(1, static_cast<int>(length));
 }
+
+/// Words that no language has.
+std::string words(std::size_t letters, session::Random& random);
 
 // Out of doors.
 cv::Mat bricks(cv::Size size, double scale, session::Random& random);
@@ -29,5 +34,10 @@ cv::Mat cardboard(cv::Size size, double scale, session::Random& random);
 cv::Mat notebook(cv::Size size, double scale, session::Random& random);
 cv::Mat steel(cv::Size size, double scale, session::Random& random);
 cv::Mat wicker(cv::Size size, double scale, session::Random& random);
+
+// Spread on tables and beds.
+cv::Mat atlas(cv::Size size, double scale, session::Random& random);
+cv::Mat oilcloth(cv::Size size, double scale, session::Random& random);
+cv::Mat quilt(cv::Size size, double scale, session::Random& random);
 
 }  // namespace corvana::photos

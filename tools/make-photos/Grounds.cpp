@@ -60,19 +60,6 @@ cv::Mat cloth(cv::Size size, double scale, Random& random) {
   return coloured(light, drawFrom(kColours, random));
 }
 
-/// Words that no language has.
-std::string words(std::size_t letters, Random& random) {
-  static const std::vector<std::string> kSyllables = {
-      "ba", "lor", "mi", "ten", "qua", "ri", "sol", "ve", "dun", "ka", "pel", "os", "ti", "gran"};
-  std::string text;
-  while (text.size() < letters) {
-    for (int left = static_cast<int>(random.uniform(1.0, 4.0)); left > 0; --left)
-      text += drawFrom(kSyllables, random);
-    text += random.uniform(0, 1) < 0.1 ? ", " : " ";
-  }
-  return text;
-}
-
 void drawColumn(cv::Mat& page, const cv::Rect& place, const Typeface& face, double letter,
                 Random& random) {
   const cv::Scalar ink = cv::Scalar::all(random.uniform(20, 70));
@@ -301,17 +288,31 @@ const std::map<std::string, Painter>& painters() {
       {"bamboo", bamboo},     {"bricks", bricks},       {"knit", knit},
       {"grass", grass},       {"mosaic", mosaic},       {"denim", denim},
       {"keyboard", keyboard}, {"cardboard", cardboard}, {"notebook", notebook},
-      {"steel", steel},       {"wicker", wicker}};
+      {"steel", steel},       {"wicker", wicker},       {"atlas", atlas},
+      {"oilcloth", oilcloth}, {"quilt", quilt}};
   return kAll;
 }
 
 }  // namespace
 
+std::string words(std::size_t letters, Random& random) {
+  static const std::vector<std::string> kSyllables = {
+      "ba", "lor", "mi", "ten", "qua", "ri", "sol", "ve", "dun", "ka", "pel", "os", "ti", "gran"};
+  std::string text;
+  while (text.size() < letters) {
+    for (int left = static_cast<int>(random.uniform(1.0, 4.0)); left > 0; --left)
+      text += drawFrom(kSyllables, random);
+    text += random.uniform(0, 1) < 0.1 ? ", " : " ";
+  }
+  return text;
+}
+
 const std::vector<std::string>& groundNames() {
   static const std::vector<std::string> kNames = {
-      "plain",   "wood",   "print",    "cloth",    "stone",     "tiles",    "carpet", "stripes",
-      "leather", "marble", "terrazzo", "tartan",   "cork",      "bamboo",   "bricks", "knit",
-      "grass",   "mosaic", "denim",    "keyboard", "cardboard", "notebook", "steel",  "wicker"};
+      "plain",    "wood",    "print",  "cloth",    "stone",    "tiles",    "carpet",
+      "stripes",  "leather", "marble", "terrazzo", "tartan",   "cork",     "bamboo",
+      "bricks",   "knit",    "grass",  "mosaic",   "denim",    "keyboard", "cardboard",
+      "notebook", "steel",   "wicker", "atlas",    "oilcloth", "quilt"};
   return kNames;
 }
 
