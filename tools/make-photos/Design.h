@@ -85,9 +85,10 @@ struct Design {
   FontName labelFont, valueFont, titleFont;
   double labelSize = 2.0, valueSize = 3.3;
   LabelPlace labels = LabelPlace::above;
-  double labelRoom = 0.0;       ///< at least, of a label before its value: values begin in a column
-  std::string pattern;          ///< waves, rosettes, mesh, scales, rays, honeycomb, ripples, braid
-  std::string emblem = "star";  ///< or shield, ring, sprig
+  double labelRoom = 0.0;  ///< at least, of a label before its value: values begin in a column
+  /// waves, rosettes, mesh, scales, rays, honeycomb, ripples, braid or links
+  std::string pattern;
+  std::string emblem = "star";  ///< or shield, ring, sprig, sun
   std::vector<cv::Scalar> groundColours, patternColours;
   cv::Scalar ink, labelInk;
   SideDesign front;

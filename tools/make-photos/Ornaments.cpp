@@ -70,6 +70,18 @@ void drawSprig(cv::Mat& picture, const cv::Rect2d& place, const cv::Scalar& colo
   drawLeaf({x, place.y + 0.4 * place.height}, -0.5 * CV_PI);
 }
 
+/// A disc, and rays around it.
+void drawSun(cv::Mat& picture, const cv::Rect2d& place, const cv::Scalar& colour) {
+  const cv::Point2d middle = middleOf(place);
+  cv::circle(picture, middle, stroke(place, 0.22), colour, cv::FILLED, cv::LINE_AA);
+  for (int ray = 0; ray < 16; ++ray) {
+    const double angle = CV_PI * ray / 8.0;
+    const double reach = place.width * (ray % 2 == 0 ? 0.5 : 0.4);
+    cv::line(picture, middle + towards(angle, 0.27 * place.width), middle + towards(angle, reach),
+             colour, stroke(place, 0.045), cv::LINE_AA);
+  }
+}
+
 }  // namespace
 
 void drawShape(cv::Mat& picture, const cv::Rect2d& place, const std::string& shape,
@@ -77,6 +89,7 @@ void drawShape(cv::Mat& picture, const cv::Rect2d& place, const std::string& sha
   if (shape == "shield") drawShield(picture, place, colour);
   if (shape == "ring") drawRing(picture, place, colour);
   if (shape == "sprig") drawSprig(picture, place, colour);
+  if (shape == "sun") drawSun(picture, place, colour);
 }
 
 void drawChip(cv::Mat& picture, const cv::Rect2d& place) {

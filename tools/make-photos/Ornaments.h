@@ -7,7 +7,7 @@
 /// What a card bears besides words and pictures. Places are pixels of an RGB picture.
 namespace corvana::photos {
 
-/// A state's emblem. shape: shield, ring (of stars) or sprig.
+/// A state's emblem. shape: shield, ring (of stars), sprig or sun.
 void drawShape(cv::Mat& picture, const cv::Rect2d& place, const std::string& shape,
                const cv::Scalar& colour);
 

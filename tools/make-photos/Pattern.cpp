@@ -151,6 +151,20 @@ void drawBraid(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
   }
 }
 
+/// Rings in rows, each linked with its neighbours.
+void drawLinks(cv::Mat& picture, Random& random, const cv::Scalar& colour) {
+  const double radius = picture.rows * random.uniform(0.035, 0.055);
+  for (double y = -radius; y < picture.rows + radius; y += 1.5 * radius)
+    for (double x = -radius; x < picture.cols + radius; x += 1.5 * radius) {
+      std::vector<cv::Point2d> points;
+      for (int i = 0; i <= 36; ++i) {
+        const double angle = kFullTurn * i / 36.0;
+        points.emplace_back(x + radius * std::cos(angle), y + radius * std::sin(angle));
+      }
+      session::drawCurve(picture, points, colour);
+    }
+}
+
 }  // namespace
 
 cv::Mat printedGround(const Design& design, cv::Size size, std::uint64_t seed) {
@@ -165,6 +179,7 @@ cv::Mat printedGround(const Design& design, cv::Size size, std::uint64_t seed) {
     if (design.pattern == "honeycomb") drawHoneycomb(picture, random, colour);
     if (design.pattern == "ripples") drawRipples(picture, random, colour);
     if (design.pattern == "braid") drawBraid(picture, random, colour);
+    if (design.pattern == "links") drawLinks(picture, random, colour);
   }
   return picture;
 }
