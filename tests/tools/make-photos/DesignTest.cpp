@@ -29,7 +29,7 @@ const Design& designNamed(const std::string& name) {
 TEST(Designs, KeepTheirFieldsOnTheCardAndApart) {
   EXPECT_EQ(std::count_if(designs().begin(), designs().end(),
                           [](const Design& design) { return design.unseen; }),
-            0);
+            4);
   for (const Design& design : designs()) {
     const cv::Rect2d card({0.0, 0.0}, design.size());
     for (const SideDesign* side : {&design.front, design.back ? &*design.back : nullptr}) {
