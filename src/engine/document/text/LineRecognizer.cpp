@@ -48,12 +48,13 @@ platform::Expected<LineRecognizer> LineRecognizer::load(const std::filesystem::p
   auto network = TfliteModel::load(model, {{1, kLineHeight, kLeastWidth, 3}, {values}, true},
                                    inference::Runtime::xnnpack);
   if (!network) return tl::unexpected(network.error());
-  return LineRecognizer(*network, std::move(decoder));
+  return LineRecognizer(std::move(*network), std::move(decoder));
 }
 
-LineRecognizer::Networks::Networks(const TfliteModel& model) {
+LineRecognizer::Networks::Networks(TfliteModel model) {
+  fitted_.push_back({std::move(model), kLeastWidth, 0});
   while (fitted_.size() < kWidths)
-    fitted_.push_back({model.another(), kLeastWidth, 0});
+    fitted_.push_back({fitted_.front().model.another(), kLeastWidth, 0});
 }
 
 TfliteModel& LineRecognizer::Networks::fittedTo(int width) {

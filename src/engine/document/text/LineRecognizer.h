@@ -31,7 +31,7 @@ class LineRecognizer {
   /// Networks that one thread uses.
   class Networks {
    public:
-    explicit Networks(const TfliteModel& model);
+    explicit Networks(TfliteModel model);
     LineReading read(const cv::Mat& line, const LineDecoder& decoder);
 
    private:
@@ -48,8 +48,8 @@ class LineRecognizer {
     int uses_ = 0;
   };
 
-  LineRecognizer(const TfliteModel& model, LineDecoder decoder)
-      : narrow_(model), wide_(model), decoder_(std::move(decoder)) {}
+  LineRecognizer(TfliteModel model, LineDecoder decoder)
+      : narrow_(model.another()), wide_(std::move(model)), decoder_(std::move(decoder)) {}
 
   Networks narrow_;
   Networks wide_;
