@@ -39,6 +39,14 @@ platform::Expected<void> checkHoldsRecord(const fs::path& folder) {
   return platform::failure(inQuotes(folder) + " holds no record. Name the folder of a run.");
 }
 
+/// Why a program that was started and has ended failed, by what it said first; empty when it did
+/// not fail.
+std::string faultOf(QProcess& program) {
+  if (program.exitStatus() == QProcess::NormalExit && program.exitCode() == 0) return {};
+  const std::string said = firstLine(program.readAllStandardError());
+  return said.empty() ? "`" + program.program().toStdString() + "` broke off" : said;
+}
+
 /// Why the archive could not be made; empty when it was.
 std::string pack(const fs::path& folder, const QStringList& recipients, const fs::path& archive) {
   QProcess tar, age;
@@ -51,11 +59,8 @@ std::string pack(const fs::path& folder, const QStringList& recipients, const fs
   age.start("age", QStringList{"--encrypt", "--output", toQt(archive.string())} + recipients);
   tar.waitForFinished(-1);
   age.waitForFinished(-1);
-  if (age.exitStatus() != QProcess::NormalExit || age.exitCode() != 0) {
-    return firstLine(age.readAllStandardError());
-  }
-  if (tar.exitStatus() == QProcess::NormalExit && tar.exitCode() == 0) return {};
-  return firstLine(tar.readAllStandardError());
+  const std::string fault = faultOf(age);
+  return fault.empty() ? faultOf(tar) : fault;
 }
 
 }  // namespace

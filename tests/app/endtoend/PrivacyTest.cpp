@@ -127,6 +127,24 @@ TEST_F(PrivacyTest, HandsARunOnToItsRecipientAlone) {
   EXPECT_FALSE(fs::exists(scratch / "x") || fs::exists(scratch / "x.new"));
 }
 
+TEST_F(PrivacyTest, TakesNoArchiveForWholeWhosePackerBrokeOff) {
+  fs::create_directories(scratch / "programs");
+  fs::create_directories(run);
+  writeBytes(run / "result.json", "{}");
+  writeBytes(scratch / "programs/tar", "#!/bin/sh\nkill -9 $$\n");
+  fs::permissions(scratch / "programs/tar", fs::perms::owner_all);
+  ASSERT_EQ(runProgram("age-keygen", {"--output", scratch / "identity"}).exitCode, 0);
+  const std::string recipient = runProgram("age-keygen", {"-y", scratch / "identity"}).output;
+  const ProgramRun packed =
+      runProgram("sh", {"-c", "PATH=\"$1:$PATH\"; shift; exec \"$0\" \"$@\"", VIDEOID,
+                        scratch / "programs", "export", run, "--to",
+                        recipient.substr(0, recipient.find('\n')), "--output", scratch / "x"});
+  EXPECT_EQ(packed.exitCode, 2);
+  EXPECT_NE(packed.errors.find("could not be made (`tar` broke off)"), std::string::npos)
+      << packed.errors;
+  EXPECT_FALSE(fs::exists(scratch / "x") || fs::exists(scratch / "x.new"));
+}
+
 TEST_F(PrivacyTest, SaysWhenItMayNotEnterARecord) {
   fs::create_directories(scratch / "record");
   writeBytes(scratch / "record/events.jsonl", "");
