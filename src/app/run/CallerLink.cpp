@@ -6,6 +6,7 @@
 #include <utility>
 
 #include <nlohmann/json.hpp>
+#include <poll.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -23,6 +24,16 @@ bool writeWhole(int file, const unsigned char* bytes, std::size_t size) {
     size -= static_cast<std::size_t>(written);
   }
   return true;
+}
+
+bool isFull() {
+  return errno == EAGAIN || errno == EWOULDBLOCK;
+}
+
+/// By a socket that the caller set not to wait, too.
+void waitForRoom(int socket) {
+  pollfd room{socket, POLLOUT, 0};
+  poll(&room, 1, -1);
 }
 
 /// A message with a descriptor beside it, where there is one. Points into itself.
@@ -93,12 +104,15 @@ void CallerLink::showScreen() {
 void CallerLink::send(const std::string& message, int attached, bool mayWait) {
   if (!onGone_) return;
   const Message whole(message, attached);
-  ssize_t sent = -1;
-  do {
-    sent = sendmsg(socket_, &whole.header, MSG_NOSIGNAL | (mayWait ? 0 : MSG_DONTWAIT));
-  } while (sent < 0 && errno == EINTR);
-  const bool isFull = sent < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
-  if (sent < 0 && !isFull) std::exchange(onGone_, nullptr)();
+  const auto isSent = [&] {
+    return sendmsg(socket_, &whole.header, MSG_NOSIGNAL | MSG_DONTWAIT) >= 0;
+  };
+  bool sent = isSent();
+  while (!sent && (errno == EINTR || (mayWait && isFull()))) {
+    if (isFull()) waitForRoom(socket_);
+    sent = isSent();
+  }
+  if (!sent && !isFull()) std::exchange(onGone_, nullptr)();
 }
 
 }  // namespace corvana::app
