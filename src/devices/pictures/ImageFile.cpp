@@ -95,10 +95,12 @@ platform::Expected<void> writePicture(const std::filesystem::path& path,
   if (!bytes) return tl::unexpected(bytes.error());
   std::string part = name + ".XXXXXX";
   const int file = ::mkstemp(part.data());
-  const bool written = file >= 0 && writeAll(file, *bytes) && ::close(file) == 0 &&
-                       ::rename(part.c_str(), path.c_str()) == 0;
-  if (written) return {};
-  const std::string reason = std::strerror(errno);
+  const bool isWhole = file >= 0 && writeAll(file, *bytes);
+  int error = errno;
+  const bool isClosed = file >= 0 && ::close(file) == 0;
+  if (isWhole && isClosed && ::rename(part.c_str(), path.c_str()) == 0) return {};
+  if (isWhole) error = errno;
+  const std::string reason = std::strerror(error);
   if (file >= 0) ::unlink(part.c_str());
   return platform::failure("The picture " + name + " can't be written (" + reason +
                            "): check its folder and disk.");

@@ -1,8 +1,12 @@
 #include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <iterator>
 #include <tuple>
 
 #include <gtest/gtest.h>
 #include <png.h>
+#include <sys/resource.h>
 
 #include "devices/MediaTestSupport.h"
 #include "devices/pictures/ImageFile.h"
@@ -143,6 +147,30 @@ TEST(ImageFileTest, saysInOneSentenceWhatIsWrong) {
     EXPECT_NE(image.error().sentence.find(part), std::string::npos) << image.error().sentence;
   }
   EXPECT_FALSE(writePng(folder / "none/flag.png", flag()));
+}
+
+TEST(ImageFileTest, leavesNothingOpenWhenTheDiskIsFull) {
+  const auto openFiles = [] {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  };
+  const ScratchFolder folder;
+  ASSERT_TRUE(writePng(folder / "flag.png", flag()));
+  // A limit on the size of files is the full disk that any user can make.
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit limit{50, before.rlim_max};
+  const auto open = openFiles();
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+  const auto written = writePng(folder / "flag.png", flag());
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  std::signal(SIGXFSZ, handler);
+  ASSERT_FALSE(written);
+  EXPECT_NE(written.error().sentence.find("File too large"), std::string::npos)
+      << written.error().sentence;
+  EXPECT_EQ(openFiles(), open);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
+  EXPECT_TRUE(readImage(folder / "flag.png")) << "the one that was there before";
 }
 
 }  // namespace
