@@ -20,6 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 using corvana::DetectedData;
 using corvana::DocumentSide;
+using nlohmann::ordered_json;
 using Checks = std::vector<corvana::FieldCheck>;
 
 struct EnrollArguments {
@@ -180,8 +181,9 @@ ExitCode runEnroll(const EnrollArguments& arguments) {
     return saveReference(*reference, arguments.output);
   });
   if (!saved) return refuse(saved.error());
-  std::cout << nlohmann::ordered_json{{"reference", fs::absolute(arguments.output).string()}}.dump()
-            << '\n';
+  const ordered_json result{{"reference", fs::absolute(arguments.output).string()}};
+  // A folder may have any bytes for a name.
+  std::cout << result.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
   return ExitCode::result;
 }
 

@@ -175,8 +175,11 @@ WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources
           .and_then([&] { return writeEvidenceOf(record, folder); })
           .and_then([&] { return addHashes("models", resources.models(), result.content); })
           .and_then([&] { return addHashes("sha256", filesOf(record, folder), result.content); })
-          .and_then(
-              [&] { return writeSealedResult(result.content.dump(2) + "\n", record.key, folder); })
+          .and_then([&] {
+            const std::string content =
+                result.content.dump(2, ' ', false, ordered_json::error_handler_t::replace);
+            return writeSealedResult(content + "\n", record.key, folder);
+          })
           .and_then([&] { return putOnDisk(folder); });
   if (!written) result.fault = written.error();
   return result;

@@ -30,10 +30,10 @@ fs::path plainReference(const ScratchFolder& scratch) {
   return scratch / "reference";
 }
 
-fs::path shortVideo(const ScratchFolder& scratch) {
+fs::path shortVideo(const ScratchFolder& scratch,
+                    const std::string& source = "testsrc=duration=1:size=64x64") {
   fs::path file = scratch / "video.mp4";
-  const ProgramRun made = runProgram(
-      "ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "testsrc=duration=1:size=64x64", file});
+  const ProgramRun made = runProgram("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", source, file});
   EXPECT_EQ(made.exitCode, 0) << made.errors;
   return file;
 }
@@ -163,6 +163,31 @@ TEST(Commands, StandardInputThatBreaksOffIsNoShortAnswer) {
                         VIDEOID, scratch.path()});
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_NE(run.errors.find("Standard input can't be read"), std::string::npos) << run.errors;
+}
+
+TEST(Commands, AFolderMayHaveAnyBytesForAName) {
+  const ScratchFolder scratch;
+  const fs::path folder = scratch / "run-\xff";
+  const std::vector<std::string> capture{"capture",
+                                         "--reference",
+                                         plainReference(scratch),
+                                         "--text",
+                                         "a",
+                                         "--camera",
+                                         shortVideo(scratch, "testsrc2=duration=5:size=320x240"),
+                                         "--output",
+                                         folder};
+  const ProgramRun ended = runVideoid(capture);
+  EXPECT_EQ(ended.exitCode, 1) << ended.errors;
+  EXPECT_NE(json::parse(ended.output)["folder"].get<std::string>().find("/run-"),
+            std::string::npos);
+  fs::remove_all(folder);
+  // A film that outgrows its limit is told with its name, which comes into the result.
+  std::vector<std::string> limited{"-c", "ulimit -f 8; trap '' XFSZ; exec \"$0\" \"$@\"", VIDEOID};
+  limited.insert(limited.end(), capture.begin(), capture.end());
+  const ProgramRun full = runProgram("bash", limited);
+  EXPECT_EQ(full.exitCode, 1) << full.errors;
+  EXPECT_EQ(json::parse(bytesOf(folder / "result.json"))["error"]["cause"], "folderLost");
 }
 
 TEST(Commands, WrongUseIsExitCodeTwo) {
