@@ -1,6 +1,5 @@
 #include <cstdio>
 #include <iostream>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,7 +36,9 @@ platform::Expected<std::string> readSeal(const fs::path& folder) {
 
 platform::Expected<std::string> readAnswer(const std::string& source) {
   if (source != "-") return readFile(source, kMostStampBytes);
-  std::string answer(std::istreambuf_iterator<char>(std::cin), {});
+  std::string answer(kMostStampBytes + 1, '\0');
+  std::cin.read(answer.data(), static_cast<std::streamsize>(answer.size()));
+  answer.resize(static_cast<std::size_t>(std::cin.gcount()));
   if (std::ferror(stdin) != 0)
     return platform::failure("Standard input can't be read: name the answer's file.");
   if (answer.size() <= kMostStampBytes) return answer;

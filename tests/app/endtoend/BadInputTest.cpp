@@ -165,6 +165,20 @@ TEST(Commands, StandardInputThatBreaksOffIsNoShortAnswer) {
   EXPECT_NE(run.errors.find("Standard input can't be read"), std::string::npos) << run.errors;
 }
 
+TEST(Commands, AnAnswerWithoutEndIsRefusedAtOnce) {
+  const ScratchFolder scratch;
+  writeBytes(scratch / "result.jws", "a seal");
+  writeBytes(scratch / "request", "a request");
+  const ProgramRun run = runProgram(
+      "bash", {"-c",
+               "head -c 100000000 /dev/zero | \"$0\" timestamp \"$1\" --request \"$1/request\" "
+               "--answer -; echo ${PIPESTATUS[*]}",
+               VIDEOID, scratch.path()});
+  EXPECT_TRUE(run.output.ends_with(" 2\n")) << run.output;
+  EXPECT_FALSE(run.output.starts_with("0 ")) << "what sends it is not waited for";
+  EXPECT_NE(run.errors.find("too long for a time stamp"), std::string::npos) << run.errors;
+}
+
 TEST(Commands, AFolderMayHaveAnyBytesForAName) {
   const ScratchFolder scratch;
   const fs::path folder = scratch / "run-\xff";
