@@ -25,7 +25,13 @@ struct ReportArguments {
 
 ExitCode runReport(const ReportArguments& arguments) {
   const fs::path resources = findResources().report;
-  const auto words = ReportWords::load(resources / "languages", arguments.language);
+  const fs::path languages = resources / "languages";
+  if (ReportWords::languagesIn(languages).empty()) {
+    return complain(std::cerr, ExitCode::machineLacks,
+                    "The words of reports are missing in " + inQuotes(languages) +
+                        ": install the program's resources again.");
+  }
+  const auto words = ReportWords::load(languages, arguments.language);
   if (!words) return refuse(words.error());
   const auto trust = loadTrust(arguments.trust);
   if (!trust) return refuse(trust.error());

@@ -77,6 +77,12 @@ struct Gallery {
 }  // namespace
 
 ExitCode runScreens(const ScreensOptions& options, std::ostream& out, std::ostream& err) {
+  const auto flows = flowsIn(options.resources);
+  if (flows.empty()) {
+    return complain(err, ExitCode::machineLacks,
+                    "The flows that the pictures are taken of are missing: install the program's "
+                    "resources again.");
+  }
   std::error_code error;
   fs::create_directories(options.folder, error);
   std::vector<fs::path> themes = options.themes;
@@ -86,7 +92,7 @@ ExitCode runScreens(const ScreensOptions& options, std::ostream& out, std::ostre
   }
   for (const fs::path& theme : themes) {
     for (const platform::CGSize& size : options.sizes) {
-      for (const fs::path& flow : flowsIn(options.resources)) {
+      for (const fs::path& flow : flows) {
         const auto played = Gallery{options, theme, size, out}.play(flow);
         if (!played) return complain(err, ExitCode::wrongUse, played.error().sentence);
       }

@@ -129,6 +129,20 @@ TEST(Commands, AMissingModelIsTheMachinesLack) {
   }
 }
 
+TEST(Commands, MissingResourcesAreTheMachinesLack) {
+  const ScratchFolder scratch;
+  setenv("CORVANA_RESOURCES", scratch.path().c_str(), 1);
+  const ProgramRun screens = runVideoid({"screens", "--out", scratch / "pictures"});
+  const ProgramRun report = runVideoid({"report", fs::path(SESSIONS) / "sealed"});
+  unsetenv("CORVANA_RESOURCES");
+  for (const ProgramRun& run : {screens, report}) {
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_NE(run.errors.find("install the program's resources again"), std::string::npos)
+        << run.errors;
+  }
+  EXPECT_FALSE(fs::exists(scratch / "pictures"));
+}
+
 TEST(Commands, DoctorNamesEachFigureAndWhatItIsHeldAgainst) {
   const ProgramRun run = runVideoid({"doctor", "--measure"});
   for (const char* measured : {"a film of 720x1280: ", "a search for faces: ", "reading a card"}) {
