@@ -50,8 +50,8 @@ struct CardReading {
 
 /// Finds and reads identity cards, one picture at a time, in stages of rising cost: `find` for
 /// every frame that there is time for, `view` for those with a card, `read` (some tenths of a
-/// second) once or twice a second. It remembers nothing between calls but what it is handed. One
-/// thread at a time. Movable.
+/// second) once or twice a second. It remembers nothing between calls but what it is handed. `find`
+/// and `view` on any thread, also while another one reads; all else one thread at a time. Movable.
 class DocumentAnalyzer {
  public:
   struct Setup {
