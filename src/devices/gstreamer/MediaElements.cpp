@@ -35,7 +35,6 @@ const NeededElement kNeeded[] = {
     {"mp4mux", kGood, "writing the film"},
     {"jpegdec", kGood, "reading JPEG pictures"},
     {"jpegenc", kGood, "writing JPEG pictures"},
-    {"pngdec", kGood, "reading PNG pictures"},
     {"pngenc", kGood, "writing PNG pictures"},
     {"avdec_h264", kLibav, "reading H.264 video"},
     {"avdec_aac", kLibav, "reading AAC sound"},

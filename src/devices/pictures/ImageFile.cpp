@@ -120,21 +120,18 @@ platform::Expected<platform::PixelBufferRef> readImage(const std::filesystem::pa
                              std::to_string(header->height) +
                              " pixels: use a picture of at most 64 million.");
   }
-  const bool isPng = header->type == ImageHeader::Type::png;
-  const auto orientation = orientationIn(header->exif);
   // A reference's pictures: a run waits for them before it shows anything.
-  if (isPng && orientation == GST_VIDEO_ORIENTATION_IDENTITY) {
+  if (header->type == ImageHeader::Type::png) {
     auto image = decodePng(*bytes);
     if (image) return image;
     return isDamaged(name);
   }
-  auto stream = StreamReader::open(name, std::string("filesrc name=file ! ") +
-                                             (isPng ? "pngdec" : "jpegdec") +
-                                             " ! videoconvert ! videoflip name=turn ! "
-                                             "videoconvert ! video/x-raw,format=RGB");
+  auto stream = StreamReader::open(name,
+                                   "filesrc name=file ! jpegdec ! videoconvert ! videoflip "
+                                   "name=turn ! videoconvert ! video/x-raw,format=RGB");
   if (!stream) return tl::unexpected(stream.error());
   g_object_set(stream->element("file"), "location", path.c_str(), nullptr);
-  g_object_set(stream->element("turn"), "video-direction", orientation, nullptr);
+  g_object_set(stream->element("turn"), "video-direction", orientationIn(header->exif), nullptr);
   stream->start();
   const auto sample = stream->pull();
   if (!sample) return tl::unexpected(sample.error());
