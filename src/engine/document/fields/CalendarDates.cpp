@@ -235,4 +235,11 @@ std::vector<std::string> datesInPrint(std::string_view text, const CalendarDate&
   return dates;
 }
 
+std::vector<std::string> datesEitherWay(std::string_view text, const CalendarDate& around) {
+  std::vector<std::string> dates = datesInPrint(text, around, {});
+  const auto monthFirst = datesInPrint(text, around, {.isBirth = false, .isMonthFirst = true});
+  dates.insert(dates.end(), monthFirst.begin(), monthFirst.end());
+  return dates;
+}
+
 }  // namespace corvana::engine

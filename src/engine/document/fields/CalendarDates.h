@@ -38,4 +38,8 @@ struct PrintedDateRules {
 std::vector<std::string> datesInPrint(std::string_view text, const CalendarDate& today,
                                       const PrintedDateRules& rules);
 
+/// The same, each date read either way where day and month could be exchanged, of years next to a
+/// day's.
+std::vector<std::string> datesEitherWay(std::string_view text, const CalendarDate& around);
+
 }  // namespace corvana::engine

@@ -34,11 +34,7 @@ constexpr std::size_t kMostChangedDigits = 2;
 /// The dates of a line, read either way where day and month could be exchanged.
 std::vector<std::string> datesNear(const std::string& line, const std::string& iso) {
   const auto around = calendarDate(iso);
-  if (!around) return {};
-  std::vector<std::string> dates = datesInPrint(line, *around, {});
-  const auto monthFirst = datesInPrint(line, *around, {.isBirth = false, .isMonthFirst = true});
-  dates.insert(dates.end(), monthFirst.begin(), monthFirst.end());
-  return dates;
+  return around ? datesEitherWay(line, *around) : std::vector<std::string>();
 }
 
 /// Calls back with each run of a line's words until one pleases.

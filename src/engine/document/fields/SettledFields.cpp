@@ -1,7 +1,10 @@
 #include "engine/document/fields/SettledFields.h"
 
 #include <algorithm>
+#include <array>
+#include <chrono>
 #include <cmath>
+#include <map>
 #include <optional>
 #include <utility>
 
@@ -55,12 +58,14 @@ bool isWhole(const std::string& printed, const DocumentField& recorded) {
          (recorded.isTruncated && !wanted.empty() && letters.starts_with(wanted));
 }
 
+enum class Reach { wholeLine, lineEnd };
+
 /// The record's value in a line: all of it, or what it ends with behind a label that is not known.
 /// A short value may end a line by chance.
 std::optional<std::string> valueIn(const std::string& line, const DocumentField& recorded,
-                                   const ValueReader& read) {
+                                   const ValueReader& read, Reach reach) {
   constexpr std::size_t kLeastLettersAtEnd = 4;
-  const bool mayEndIt = recorded.value.size() >= kLeastLettersAtEnd;
+  const bool mayEndIt = reach == Reach::lineEnd && recorded.value.size() >= kLeastLettersAtEnd;
   for (std::size_t at = 0; at != std::string::npos; at = line.find(' ', at)) {
     at = line.find_first_not_of(' ', at);
     if (at == std::string::npos || (at > 0 && !mayEndIt)) break;
@@ -79,10 +84,10 @@ bool isTaken(const TextLine& line, const Fields& fields) {
 /// The record's value as the print has it.
 std::optional<DocumentField> inPrint(const DocumentField& recorded,
                                      const std::vector<TextLine>& lines, const ValueReader& read,
-                                     const Fields& fields) {
+                                     const Fields& fields, Reach reach) {
   for (const TextLine& line : lines) {
     if (isZoneLine(line.text) || isTaken(line, fields)) continue;
-    if (auto value = valueIn(line.text, recorded, read)) {
+    if (auto value = valueIn(line.text, recorded, read, reach)) {
       return DocumentField{recorded.name,
                            *std::move(value),
                            corvana::FieldSource::print,
@@ -121,6 +126,22 @@ const TextLine* wordsAbove(const TextLine& value, const std::vector<const TextLi
     if (!next || line->box.maxY() > next->box.maxY()) next = line;
   }
   return next;
+}
+
+/// Whether print is a label's beside a value: altered values have the print of values.
+bool isSmallBeside(const DocumentField& field, const DocumentField& value) {
+  constexpr double kMostOfValue = 0.8;
+  return field.place && value.place && field.place->height < kMostOfValue * value.place->height;
+}
+
+/// Documents expire on the day of the year on which they were issued, or on the day before.
+bool mayBeIssueOf(const CalendarDate& expiry, const CalendarDate& date) {
+  constexpr std::chrono::years kLongestValidity{15};
+  const CalendarDate dayAfter(std::chrono::sys_days(expiry) + std::chrono::days(1));
+  return std::ranges::any_of(std::array{expiry, dayAfter}, [&](const CalendarDate& day) {
+    return date.month() == day.month() && date.day() == day.day() && date.year() < day.year() &&
+           day.year() - date.year() <= kLongestValidity;
+  });
 }
 
 /// Lines that no label begins and that may be a name as a whole.
@@ -187,11 +208,43 @@ void addSurnameAbove(const std::vector<TextLine>& lines, const FieldLabels& labe
                     static_cast<float>(surname->confidence), false, surname->box});
 }
 
+void leaveLabelsOut(const std::vector<TextLine>& lines, const ValueReader& read,
+                    const Fields& record, Fields& fields) {
+  for (DocumentField& field : fields) {
+    if (!isName(field.name) || entryOf(record, field.name, field.value)) continue;
+    const auto recorded = std::ranges::find(record, field.name, &DocumentField::name);
+    if (recorded == record.end()) continue;
+    auto value = inPrint(*recorded, lines, read, fields, Reach::wholeLine);
+    if (value && isSmallBeside(field, *value)) field = *std::move(value);
+  }
+}
+
+void addIssueDate(const std::vector<TextLine>& lines, const Fields& record, Fields& fields) {
+  if (isPrinted(fields, FieldName::issueDate) || isPrinted(record, FieldName::issueDate)) return;
+  const auto expiry = std::ranges::find(record, FieldName::expiryDate, &DocumentField::name);
+  const auto lastDay = expiry == record.end() ? std::nullopt : calendarDate(expiry->value);
+  if (!lastDay) return;
+  std::map<std::string, const TextLine*> found;
+  for (const TextLine& line : lines) {
+    for (std::string& iso : datesEitherWay(line.text, *lastDay)) {
+      const auto date = calendarDate(iso);
+      const bool isOthers = std::ranges::find(record, iso, &DocumentField::value) != record.end();
+      if (date && !isOthers && mayBeIssueOf(*lastDay, *date)) found.emplace(std::move(iso), &line);
+    }
+  }
+  // Of several one may be another expiry, or a category's first day.
+  if (found.size() != 1) return;
+  const auto& [iso, line] = *found.begin();
+  fields.push_back({FieldName::issueDate, iso, corvana::FieldSource::print,
+                    static_cast<float>(line->confidence), false, line->box, expiry->source});
+}
+
 void addUnlabelled(const std::vector<TextLine>& lines, const ValueReader& read,
                    const Fields& record, Fields& fields) {
   for (const DocumentField& recorded : record) {
     if (!isSearched(recorded.name) || isPrinted(fields, recorded.name)) continue;
-    if (auto field = inPrint(recorded, lines, read, fields)) fields.push_back(*std::move(field));
+    if (auto field = inPrint(recorded, lines, read, fields, Reach::lineEnd))
+      fields.push_back(*std::move(field));
   }
 }
 

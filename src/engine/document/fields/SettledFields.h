@@ -27,6 +27,19 @@ void addUnlabelled(const std::vector<TextLine>& lines, const ValueReader& read,
                    const std::vector<corvana::DocumentField>& record,
                    std::vector<corvana::DocumentField>& fields);
 
+/// Puts the record's name where it stands alone in a line into the place of what was taken for this
+/// name and is another, in smaller print: a misread label's part. What is printed otherwise in
+/// print as large stays.
+void leaveLabelsOut(const std::vector<TextLine>& lines, const ValueReader& read,
+                    const std::vector<corvana::DocumentField>& record,
+                    std::vector<corvana::DocumentField>& fields);
+
+/// Adds the date of issue under a label that could not be read, in whatever line: the only date on
+/// the day of the year on which the record's expiry lets documents have been issued.
+void addIssueDate(const std::vector<TextLine>& lines,
+                  const std::vector<corvana::DocumentField>& record,
+                  std::vector<corvana::DocumentField>& fields);
+
 /// Adds the surname that the record has otherwise, under a label that could not be read: the words
 /// next above the given names that the record has too, of the same print. Every document has the
 /// surname before the given names. Nothing is added where two such values stand above each other.

@@ -322,7 +322,22 @@ TEST(PrintedFields, WithoutALabelThatIsReadAreKnownByZoneOrCode) {
        {}},
       {"what a label names stays",
        {at(300, 40, "Surname", 14), at(300, 58, "SCHULZ"), at(300, 140, "MÜLLER ØE")},
-       {{FieldName::surname, "SCHULZ"}}}};
+       {{FieldName::surname, "SCHULZ"}}},
+      {"but for a misread label, which is smaller",
+       {at(300, 40, "Surname", 14), at(300, 58, "Civen pames", 14), at(300, 140, "MÜLLER ØE")},
+       {{FieldName::surname, "MÜLLER ØE"}}},
+      {"an issue in one line with the expiry, ten years before it",
+       {at(300, 40, "26.03.2020 26.03.2030")},
+       {{FieldName::issueDate, "2020-03-26"}, {FieldName::expiryDate, "2030-03-26"}}},
+      {"an issue on the day after, behind other print, with its month first",
+       {at(300, 40, "ZENITH 03/27/2025")},
+       {{FieldName::issueDate, "2025-03-27"}}},
+      {"of two that may be the issue neither is",
+       {at(300, 40, "26.03.2020"), at(300, 80, "26.03.2027")},
+       {}},
+      {"nor is what lies too long before the expiry, after it, or on another day",
+       {at(300, 40, "26.03.2014"), at(300, 80, "26.03.2031"), at(300, 120, "25.03.2020")},
+       {}}};
   for (const PrintedCard& c : cases) {
     Values values;
     for (const auto& field : engine::printedFields(c.lines, *labels, kToday, {}, record)) {
