@@ -35,6 +35,22 @@ std::string joined(const Lines& lines) {
   return text;
 }
 
+TEST(MrzRepair, ReadsANumberByThePrintElsewhere) {
+  // The Z was read as a 2, with which the check digits do not hold.
+  const Lines zone{"P<UTODIOP<SARR<<BUBAKAR<<<<<<<<<<<<<<<<<<<<<",
+                   "Z8728170J3UTO0603191M3103186<<<<<<<<<<<<<<06"};
+  const Lines print{zone[0], "28728170J3UT00603191M3103186<<<<<<<<<<<<<<06"};
+  EXPECT_FALSE(engine::readMrz(print));
+  const auto mrz = engine::readMrzByPrint(print, {"PASAPORTE", "Z8728170J", "19.03.2006"});
+  ASSERT_TRUE(mrz);
+  EXPECT_EQ(mrz->lines, zone);
+  EXPECT_EQ(mrz->documentNumber, "Z8728170J");
+  EXPECT_FALSE(engine::readMrzByPrint(print, {"Z8728171J"})) << "another number";
+  EXPECT_FALSE(engine::readMrzByPrint(print, {"2872817OJ"})) << "check digits do not hold";
+  EXPECT_FALSE(engine::readMrzByPrint(print, {"Z8728"})) << "a part of it";
+  EXPECT_FALSE(engine::readMrzByPrint(print, {"Z8728L70J"})) << "a letter that counts as its digit";
+}
+
 TEST(MrzRepair, ReadsAZoneAsReadersOfPrintSeeIt) {
   struct Case {
     const char* what;
@@ -68,6 +84,9 @@ TEST(MrzRepair, ReadsAZoneAsReadersOfPrintSeeIt) {
        kTd3},
       {"a state of one letter, one of its fillers lost",
        {"IDD<T220001293<<<<<<<<<<<<<<<", kGerman[1], kGerman[2]},
+       kGerman},
+      {"a state's D that looks like a nought",
+       {"ID0<<T220001293<<<<<<<<<<<<<<<", "6408125<20103150<<<<<<<<<<<<<4", kGerman[2]},
        kGerman},
   };
   for (const Case& c : cases)

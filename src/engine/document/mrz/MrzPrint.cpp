@@ -1,6 +1,8 @@
 #include "engine/document/mrz/MrzPrint.h"
 
 #include <algorithm>
+#include <iterator>
+#include <sstream>
 #include <string>
 
 #include "engine/document/mrz/MrzRepair.h"
@@ -14,6 +16,17 @@ platform::CGRect unionOf(const platform::CGRect& a, const platform::CGRect& b) {
   return {x, y, std::max(a.maxX(), b.maxX()) - x, std::max(a.maxY(), b.maxY()) - y};
 }
 
+/// Of the print that is no zone's.
+std::vector<std::string> wordsBeside(const std::vector<TextLine>& print) {
+  std::vector<std::string> words;
+  for (const TextLine& line : print) {
+    if (!mrzLinesAmong({line.text}).empty()) continue;
+    std::istringstream stream(line.text);
+    words.insert(words.end(), std::istream_iterator<std::string>(stream), {});
+  }
+  return words;
+}
+
 }  // namespace
 
 MrzReading mrzInPrint(const std::vector<TextLine>& print) {
@@ -25,7 +38,11 @@ MrzReading mrzInPrint(const std::vector<TextLine>& print) {
     reading.band = reading.band ? unionOf(*reading.band, line.box) : line.box;
   }
   reading.lines = mrzLinesAmong(texts);
-  if (auto mrz = readMrz(reading.lines)) reading.mrz = *std::move(mrz);
+  if (auto mrz = readMrz(reading.lines)) {
+    reading.mrz = *std::move(mrz);
+  } else {
+    reading.mrz = readMrzByPrint(reading.lines, wordsBeside(print));
+  }
   return reading;
 }
 

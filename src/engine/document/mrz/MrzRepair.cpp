@@ -25,6 +25,8 @@ constexpr std::size_t kMostToChange = 64;
 /// How many letters the longest line may lack or have too many.
 constexpr std::size_t kMostMissing = 4;
 constexpr std::size_t kMostSurplus = 2;
+/// Shorter numbers stand in print by chance.
+constexpr std::size_t kLeastPrintedNumber = 6;
 /// What tells a zone's line from print: fillers, or digits in a long line where they do not show.
 constexpr std::size_t kLeastLength = 22;
 constexpr std::ptrdiff_t kLeastDigits = 6;
@@ -54,6 +56,23 @@ char put(char c, MrzAlphabet alphabet) {
   if (alphabet == MrzAlphabet::letters) return letterFor(c);
   if (alphabet == MrzAlphabet::digits) return digitFor(c);
   return c;
+}
+
+/// With every letter that a reader takes for a digit, or a digit for it, as that digit.
+std::string inDigits(std::string text) {
+  std::ranges::transform(text, text.begin(), digitFor);
+  return text;
+}
+
+/// Whether another number differs only where letters and digits look alike, and a check digit tells
+/// each of them: G counts as 6 does, so that print must not decide which it is.
+bool isToldByCheckDigits(const std::string& other, const std::string& number) {
+  const auto value = [](char c) {
+    return isDigit(c) ? c - '0' : c == kMrzFiller ? 0 : c - 'A' + 10;
+  };
+  if (other == number || inDigits(other) != inDigits(number)) return false;
+  return std::ranges::equal(
+      other, number, [&](char a, char b) { return a == b || (value(a) - value(b)) % 10 != 0; });
 }
 
 std::string withFillers(const std::string& line, std::size_t at, std::size_t count) {
@@ -112,13 +131,26 @@ bool isSizeOf(const MrzLayout& layout, const Lines& lines) {
   return longest + kMostMissing >= layout.lineLength && longest <= layout.lineLength + kMostSurplus;
 }
 
+/// A nought in a state's code is an O, or a D where no state has that one.
+void putStateRight(const MrzSpan& span, const Lines& print, Lines& lines) {
+  if (isMrzStateCode(mrzField(lines, span))) return;
+  Lines changed = lines;
+  for (std::size_t i = span.start; i < span.start + span.length; ++i) {
+    if (print[span.line][i] == '0') changed[span.line][i] = 'D';
+  }
+  if (isMrzStateCode(mrzField(changed, span))) lines = std::move(changed);
+}
+
 void putRight(const MrzLayout& layout, Lines& lines) {
+  const Lines print = lines;
   for (std::size_t line = 0; line < lines.size(); ++line) {
     for (std::size_t column = 0; column < layout.lineLength; ++column) {
       char& c = lines[line][column];
       c = put(c, mrzAlphabetAt(layout, line, column));
     }
   }
+  putStateRight(kMrzIssuingState, print, lines);
+  putStateRight(layout.nationality, print, lines);
 }
 
 /// All ways to take one of each line's choices.
@@ -285,6 +317,26 @@ platform::Expected<corvana::MRZResult> readMrz(const std::vector<std::string>& l
     zones = changedOnce(zones);
   }
   return platform::failure(std::move(reason));
+}
+
+std::optional<corvana::MRZResult> readMrzByPrint(const std::vector<std::string>& lines,
+                                                 const std::vector<std::string>& words) {
+  std::vector<MrzCandidate> zones;
+  for (const MrzCandidate& zone : mrzCandidates(lines)) {
+    const MrzSpan& place = zone.layout->number;
+    const std::string read(mrzField(zone.lines, place));
+    for (const std::string& word : words) {
+      std::string number = mrzLetters(word);
+      if (number.size() < kLeastPrintedNumber || number.size() > place.length) continue;
+      number.resize(place.length, kMrzFiller);
+      if (!isToldByCheckDigits(number, read)) continue;
+      zones.push_back(zone);
+      zones.back().lines[place.line].replace(place.start, place.length, number);
+    }
+  }
+  Outcome outcome = judged(zones);
+  if (outcome.accepted.size() != 1) return std::nullopt;
+  return std::move(outcome.accepted.begin()->second);
 }
 
 std::optional<corvana::MRZResult> glimpsedMrz(const std::vector<std::string>& lines) {

@@ -35,6 +35,12 @@ std::vector<MrzCandidate> mrzCandidates(const std::vector<std::string>& lines);
 /// a zone. The error is a reason in a few words.
 platform::Expected<corvana::MRZResult> readMrz(const std::vector<std::string>& lines);
 
+/// Reads a zone in whose document number letters were taken for digits, or digits for letters (Z
+/// for 2, in letters of one width), by the number as it stands in print elsewhere on the card: the
+/// words are of that print. All check digits must hold, and one number only may make them hold.
+std::optional<corvana::MRZResult> readMrzByPrint(const std::vector<std::string>& lines,
+                                                 const std::vector<std::string>& words);
+
 /// What lines that can't be read as a zone show of one: those of a format's lengths, with known
 /// states in both their places. Only lines and document code are filled, and either may be misread.
 std::optional<corvana::MRZResult> glimpsedMrz(const std::vector<std::string>& lines);
