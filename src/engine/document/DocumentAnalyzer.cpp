@@ -12,11 +12,7 @@
 #include "engine/document/mrz/MrzLayout.h"
 #include "engine/document/mrz/MrzPrint.h"
 #include "engine/document/mrz/MrzRepair.h"
-#include "engine/document/outline/CardChoice.h"
 #include "engine/document/outline/CardWarp.h"
-#include "engine/document/outline/StillCards.h"
-#include "engine/document/outline/ZoneBelow.h"
-#include "engine/document/text/SecondOpinion.h"
 #include "engine/document/text/TextLines.h"
 
 namespace corvana::engine {
@@ -29,26 +25,6 @@ platform::CGRect inPixels(const platform::CGRect& place, const DocumentKind& kin
   const double across = card.width() / size.width;
   const double down = card.height() / size.height;
   return {place.x * across, place.y * down, place.width * across, place.height * down};
-}
-
-/// The lines of a card as they lie once it is turned by half a turn.
-std::vector<TextLine> onTheirHead(std::vector<TextLine> lines, const platform::PixelBuffer& card) {
-  for (TextLine& line : lines) {
-    line.box.x = card.width() - 1 - line.box.maxX();
-    line.box.y = card.height() - 1 - line.box.maxY();
-  }
-  return lines;
-}
-
-/// Where a card has print other than its machine-readable zone, which stands at the bottom.
-platform::CGRect outsideZone(const CardReading& reading) {
-  constexpr double kHighestZone = 0.35;  // of the card; more is a title that was taken for a line
-  const platform::PixelBuffer& card = *reading.data.image->pixels();
-  platform::CGRect area{0, 0, double(card.width()), double(card.height())};
-  const bool isZone = reading.data.mrz && reading.mrzBand &&
-                      reading.mrzBand->minY() > (1 - kHighestZone) * area.height;
-  if (isZone) area.height = reading.mrzBand->minY();
-  return area;
 }
 
 /// What lines of print may say as well.
@@ -66,14 +42,6 @@ double senseOf(const CardReading& reading) {
   for (const TextLine& line : reading.lines)
     sense += line.confidence * static_cast<double>(characterCount(line.text));
   return sense;
-}
-
-/// Which way up a card lies that was read both ways.
-std::optional<CardTurn> turnByReading(const CardReading& asItLies, const CardReading& turned) {
-  if (asItLies.data.mrz.has_value() != turned.data.mrz.has_value()) {
-    return asItLies.data.mrz ? CardTurn::upright : CardTurn::upsideDown;
-  }
-  return cardTurnByReading(senseOf(asItLies), senseOf(turned));
 }
 
 }  // namespace
@@ -155,16 +123,24 @@ std::optional<CardTurn> DocumentAnalyzer::turnOf(const platform::PixelBuffer& ca
   return cardTurn(signs);
 }
 
+std::optional<CardTurn> DocumentAnalyzer::turnByReading(const CardReading& asItLies,
+                                                        const CardReading& turned) {
+  if (asItLies.data.mrz.has_value() != turned.data.mrz.has_value()) {
+    return asItLies.data.mrz ? CardTurn::upright : CardTurn::upsideDown;
+  }
+  return cardTurnByReading(senseOf(asItLies), senseOf(turned));
+}
+
 CardReading DocumentAnalyzer::readFirst(const platform::PixelBufferRef& card, CardMemory& memory) {
   const auto places = text_.find(*card);
   const auto readTurned = [&](CardMemory& as) {
     as.isUpsideDown = true;
     const auto turned = onItsHead(*card);
-    return understood(turned, text_.read(*turned), as);
+    return understood(turned, text_.read(*turned), as, readBarcode);
   };
   const auto turn = turnOf(*card, places);
   if (turn == CardTurn::upsideDown) return readTurned(memory);
-  CardReading asItLies = understood(card, text_.readAgain(*card, places), memory);
+  CardReading asItLies = understood(card, text_.readAgain(*card, places), memory, readBarcode);
   const bool isSure = turn && !isZoneOnItsHead(asItLies.lines);
   if (isSure || asItLies.data.mrz) return asItLies;
   CardMemory otherMemory;
@@ -196,7 +172,7 @@ CardReading DocumentAnalyzer::readAgain(const platform::PixelBufferRef& card, bo
     memory.unsettle();
     lines = text_.read(*upright);
   }
-  return understood(upright, std::move(lines), memory);
+  return understood(upright, std::move(lines), memory, readBarcode);
 }
 
 CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
@@ -218,7 +194,8 @@ CardReading DocumentAnalyzer::read(const CardView& card) {
 }
 
 CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
-                                         std::vector<TextLine> lines, CardMemory& memory) {
+                                         std::vector<TextLine> lines, CardMemory& memory,
+                                         const BarcodeSource& barcodeOf) {
   memory.lines = std::move(lines);
   if (memory.repeats == 0) memory.votes.add(mrzVotesOf(memory.lines));
   const platform::PixelBuffer& picture = *card;
@@ -245,7 +222,7 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
   features.mrz = mrz.mrz;
   // A face takes a side for a front, few of which have a barcode.
   const bool mayHaveCode = !face || documentKind(features, tables_->kinds).front.code;
-  if (!mrz.mrz && mayHaveCode) features.barcode = readBarcode(picture);
+  if (!mrz.mrz && mayHaveCode) features.barcode = barcodeOf(picture);
   // A barcode's bars look like a zone's lines.
   if (features.barcode) mrz.band.reset();
   features.hasMrzBand = mrz.band.has_value();
@@ -270,145 +247,6 @@ double DocumentAnalyzer::faceScore(const platform::PixelBuffer& card) {
   const auto faces = faces_->detect(card);
   const auto surest = std::ranges::max_element(faces, {}, &Face::score);
   return surest == faces.end() ? 0.0 : static_cast<double>(surest->score);
-}
-
-CardLook DocumentAnalyzer::lookAt(const platform::PixelBuffer& picture, const Quad& outline) {
-  CardLook look;
-  look.outline = outline;
-  look.card = straightened(picture, outline);
-  look.turned = straightened(picture, upsideDown(outline));
-  look.faceScore = faceScore(*look.card);
-  look.faceScoreTurned = faceScore(*look.turned);
-  // Lines found in a card that lies upright need not be found again when it is read.
-  if (look.faceScore < look.faceScoreTurned) look.turn();
-  look.lines = text_.find(*look.card);
-  if (!look.isCertainlyACard()) look.hasBarcode = readBarcode(*look.card).has_value();
-  return look;
-}
-
-std::optional<CardReading> DocumentAnalyzer::readUpright(const CardLook& look) {
-  const auto readAs = [&](CardTurn turn) {
-    CardMemory nothing;
-    const bool isUpright = turn == CardTurn::upright;
-    const auto& card = isUpright ? look.card : look.turned;
-    const auto lines = isUpright ? look.lines : onTheirHead(look.lines, *card);
-    return understood(card, text_.readAgain(*card, lines), nothing);
-  };
-  const TurnSigns signs{.lines = text_.turnSign(*look.card, look.lines),
-                        .face = faceSign(look.faceScore, look.faceScoreTurned)};
-  if (const auto turn = cardTurn(signs)) {
-    CardReading reading = readAs(*turn);
-    if (reading.data.mrz || !isZoneOnItsHead(reading.lines)) return reading;
-  }
-  CardReading asItLies = readAs(CardTurn::upright);
-  CardReading turned = readAs(CardTurn::upsideDown);
-  const auto turn = turnByReading(asItLies, turned);
-  if (!turn) return std::nullopt;
-  return *turn == CardTurn::upright ? std::move(asItLies) : std::move(turned);
-}
-
-platform::Expected<CardLook> DocumentAnalyzer::cardIn(const StillPicture& still) {
-  auto card = cardAmongPrint(still);
-  if (card && card->isCertainlyACard()) return card;
-  auto closer = cardAmongPrint(lookedAtInParts(still, text_.boxes()));
-  const bool isBetter =
-      closer && (!card || closer->isCertainlyACard() || closer->content() > card->content());
-  return isBetter ? closer : card;
-}
-
-platform::Expected<CardLook> DocumentAnalyzer::cardAmongPrint(const StillPicture& still) {
-  constexpr double kMeasuredAlike = 0.004;       // of the width
-  std::vector<std::pair<Quad, CardLook>> looks;  // both searches may find the same outline
-  const auto look = [&](const Quad& outline) {
-    const auto known = std::ranges::find_if(
-        looks, [&](const auto& earlier) { return apart(earlier.first, outline) < kMeasuredAlike; });
-    if (known != looks.end()) return known->second;
-    CardLook seen;
-    if (mayHavePrint(still, outline)) seen = lookAt(*still.picture, outline);
-    return looks.emplace_back(outline, std::move(seen)).second;
-  };
-  std::optional<CardLook> best;
-  platform::Fault fault = noCardSeen();
-  for (const Search search : {Search::coarse, Search::fine}) {
-    const auto outlines = cardsInStill(still, search);
-    if (!outlines) {
-      fault = outlines.error();
-      continue;
-    }
-    auto found = chooseCard(*outlines, look);
-    if (found && found->isCertainlyACard()) return *std::move(found);
-    if (found && (!best || found->content() > best->content())) best = std::move(found);
-  }
-  if (!best) return tl::unexpected(fault);
-  return *std::move(best);
-}
-
-platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
-    const platform::PixelBufferRef& picture) {
-  const StillPicture still = stillPicture(picture, text_.boxes());
-  const auto look = cardIn(still);
-  if (!look) return tl::unexpected(look.error());
-  auto reading = readUpright(*look);
-  if (!reading) {
-    return platform::failure(
-        "It can't be told which way up the card in the picture lies: take a sharper photo, from "
-        "nearer and without glare.");
-  }
-  if (const auto whole = withZoneBelow(*still.picture, *look, *reading)) {
-    reading = readUpright(lookAt(*still.picture, *whole));
-    // It must not be taken for a document that has none.
-    if (!reading || !(reading->data.mrz || reading->data.shouldHaveMrz)) {
-      return platform::failure(
-          "The machine-readable zone of the document in the picture could not be read: take a "
-          "sharper photo, from nearer, on a plain ground of another colour.");
-    }
-  }
-  addSmallLabels(*reading);
-  askSecondReader(*reading);
-  const platform::PixelBuffer& card = *reading->data.image->pixels();
-  judgeRealness(realnessOf(copyFigures(card, printSharpness(card)), reading->data.isPhotoPresent),
-                reading->data);
-  return *std::move(reading);
-}
-
-std::optional<Quad> DocumentAnalyzer::withZoneBelow(const platform::PixelBuffer& picture,
-                                                    const CardLook& look,
-                                                    const CardReading& reading) {
-  if (reading.data.mrz || reading.data.barcode) return std::nullopt;
-  const bool isTurned = reading.data.image->pixels() != look.card;
-  const Quad outline = isTurned ? upsideDown(look.outline) : look.outline;
-  const int height = straightenedHeight(outline);
-  const auto around = straightened(picture, quadInPicture(ZoneBelow::around(height), outline));
-  const ZoneBelow below(height, around->height());
-  auto lines = text_.find(*around);
-  std::erase_if(lines, [&](const TextLine& line) { return !below.mayBeOfZone(line); });
-  lines = text_.readAgain(*around, lines);
-  std::erase_if(lines, [](const TextLine& line) { return !isZoneLine(line.text); });
-  if (lines.size() < ZoneBelow::kFewestLines) return std::nullopt;
-  return quadInPicture(below.document(lines), outline);
-}
-
-/// Only labels: what else is small must not get into the text that pictures are compared by.
-void DocumentAnalyzer::addSmallLabels(CardReading& reading) {
-  const platform::PixelBuffer& card = *reading.data.image->pixels();
-  auto small = text_.readSmall(card, outsideZone(reading), reading.lines);
-  std::erase_if(small, [this](const TextLine& line) {
-    const auto label = tables_->labels.labelledText(line.text);
-    return !label || !label->hasWords;
-  });
-  if (small.empty()) return;
-  std::ranges::move(small, std::back_inserter(reading.lines));
-  reading.data.fields = fieldsOf(reading);
-}
-
-/// Its data take as much memory as all the rest, so they are only loaded for a still.
-void DocumentAnalyzer::askSecondReader(CardReading& reading) {
-  if (!TesseractReader::hasLatinData(tessdata_)) return;
-  auto second = TesseractReader::load(tessdata_);
-  if (!second) return;
-  const platform::PixelBuffer& card = *reading.data.image->pixels();
-  reading.lines = withSecondOpinion(card, std::move(reading.lines), text_.find(card), *second);
-  reading.data.fields = fieldsOf(reading);
 }
 
 }  // namespace corvana::engine

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "corvana/DetectedData.h"
@@ -93,6 +96,11 @@ class DocumentAnalyzer {
   void settleByOtherSide(CardReading& side, const corvana::DetectedData& other) const;
 
  private:
+  struct StillReading {
+    CardReading card;
+    std::vector<TextLine> places;  ///< of all its print, read or not
+  };
+
   DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkTextReader text, MrzReader mrz,
                    const Setup& setup);
   /// The face in the photo, which is looked for where the kind of document has it.
@@ -102,23 +110,33 @@ class DocumentAnalyzer {
       const std::vector<corvana::DocumentField>& otherRecord = {}) const;
   std::optional<CardTurn> turnOf(const platform::PixelBuffer& card,
                                  const std::vector<TextLine>& lines);
+  /// Which way up a card lies that was read both ways.
+  static std::optional<CardTurn> turnByReading(const CardReading& asItLies,
+                                               const CardReading& turned);
   CardReading readFirst(const platform::PixelBufferRef& card, CardMemory& memory);
   CardReading readAgain(const platform::PixelBufferRef& card, bool isAsRead, CardMemory& memory);
   std::vector<TextLine> linesAgain(const platform::PixelBuffer& upright, bool isAsRead,
                                    CardMemory& memory);
-  void askSecondReader(CardReading& reading);
+  void askSecondReader(CardReading& reading, const std::vector<TextLine>& places);
   void addSmallLabels(CardReading& reading);
   /// The outline of the whole document, where that of the look ends above a zone.
   std::optional<Quad> withZoneBelow(const platform::PixelBuffer& picture, const CardLook& look,
                                     const CardReading& reading);
-  /// What an upright card tells whose lines were read; they go into the memory.
+  using BarcodeSource = std::function<std::optional<std::map<std::string, std::string>>(
+      const platform::PixelBuffer&)>;
+  /// What an upright card tells whose lines were read; they go into the memory. The barcode is only
+  /// asked for where the card may have one and no zone was read.
   CardReading understood(const platform::PixelBufferRef& card, std::vector<TextLine> lines,
-                         CardMemory& memory);
+                         CardMemory& memory, const BarcodeSource& barcodeOf);
   double faceScore(const platform::PixelBuffer& card);
   platform::Expected<CardLook> cardIn(const StillPicture& still);
-  platform::Expected<CardLook> cardAmongPrint(const StillPicture& still);
+  using LookAt = std::function<CardLook(const platform::PixelBuffer&, const Quad&)>;
+  platform::Expected<CardLook> cardAmongPrint(const StillPicture& still, const LookAt& lookAt);
+  /// The card in the picture that has a barcode, where what was taken for it has no mark of a side.
+  std::optional<CardLook> cardWithBarcode(const StillPicture& still);
   CardLook lookAt(const platform::PixelBuffer& picture, const Quad& outline);
-  std::optional<CardReading> readUpright(const CardLook& look);
+  CardLook lookAtBarcode(const platform::PixelBuffer& picture, const Quad& outline);
+  std::optional<StillReading> readUpright(const CardLook& look);
 
   std::shared_ptr<FaceDetector> faces_;
   NetworkTextReader text_;

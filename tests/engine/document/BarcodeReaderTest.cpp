@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
+#include <opencv2/imgproc.hpp>
 
 #include "engine/document/BarcodeReader.h"
+#include "engine/vision/MatViews.h"
 
 #define ZX_USE_UTF8
 #include <ZXing/BitMatrix.h>
@@ -38,6 +40,27 @@ TEST(BarcodeReader, ReadsTheElementsOfALicenceAndTheWholeTextOfOthers) {
       EXPECT_EQ(elements->at(name), value);
   }
   EXPECT_FALSE(readBarcode(
+      {1000, 630, platform::PixelFormat::gray8, std::vector<std::uint8_t>(630000, 200)}));
+}
+
+TEST(BarcodeReader, SearchesBarsThatAreBlurredOrThin) {
+  const auto blurred = [](const platform::PixelBuffer& card, double shrink, double blur) {
+    const cv::Mat whole = grayMat(card);
+    cv::Mat part;
+    cv::resize(whole, part, {}, shrink, shrink, cv::INTER_AREA);
+    cv::Mat picture(whole.size(), CV_8U, cv::Scalar(255));
+    part.copyTo(picture({{}, part.size()}));
+    cv::GaussianBlur(picture, picture, {}, blur);
+    return pixelBufferFrom(picture);
+  };
+  const std::string text = "ANSI 636000090002DL00410278ZV03190008DLDAQT64235789\nDCSSAMPLE\n";
+  const auto card = cardWithBarcode(text);
+  for (const auto& [shrink, blur] : {std::pair{1.0, 2.3}, {0.7, 1.9}, {0.6, 1.3}}) {
+    const auto elements = searchBarcode(*blurred(card, shrink, blur));
+    ASSERT_TRUE(elements) << shrink;
+    EXPECT_EQ(elements->at("DAQ"), "T64235789");
+  }
+  EXPECT_FALSE(searchBarcode(
       {1000, 630, platform::PixelFormat::gray8, std::vector<std::uint8_t>(630000, 200)}));
 }
 

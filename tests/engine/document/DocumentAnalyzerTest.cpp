@@ -6,6 +6,10 @@
 #include <gtest/gtest.h>
 #include <opencv2/imgproc.hpp>
 
+#define ZX_USE_UTF8
+#include <ZXing/BitMatrix.h>
+#include <ZXing/MultiFormatWriter.h>
+
 #include "Mrz.h"
 #include "TestCards.h"
 #include "capture/TextMatching.h"
@@ -129,6 +133,49 @@ TEST_F(DocumentAnalyzerTest, TakesStillsThatLieAskewOnATable) {
     ASSERT_TRUE(reading->data.mrz) << degrees;
     EXPECT_EQ(reading->data.mrz->lines, std::vector<std::string>(lines.begin(), lines.end()));
     EXPECT_EQ(reading->data.type, "IDENTITY_CARD_BACK");
+  }
+}
+
+/// A licence's back: a magnetic stripe above a barcode above print.
+cv::Mat backWithStripe() {
+  const cv::Scalar ink(20, 20, 30, 255);
+  cv::Mat side(638, 1011, CV_8UC4, cv::Scalar(235, 225, 205, 255));
+  cv::rectangle(side, {0, 50, side.cols, 130}, ink, cv::FILLED);
+  const std::string record =
+      "@\n\x1e\rANSI 636000090002DL00410278ZV03190008DLDAQT64235789\nDCSSAMPLE\nDACMICHAEL\n"
+      "DADBAO\nDBB06061986\nDBA06062030\nDBD06062022\nDAG1234 SOME LONG STREET\nDAIZENITH\n"
+      "DCF83D9BN217QO983B1\nDCGUSA\r";
+  const ZXing::BitMatrix code =
+      ZXing::MultiFormatWriter(ZXing::BarcodeFormat::PDF417).setMargin(2).encode(record, 900, 190);
+  cv::rectangle(side, {50, 215, code.width() + 10, code.height() + 10}, {255, 255, 255, 255},
+                cv::FILLED);
+  for (int y = 0; y < code.height(); ++y) {
+    for (int x = 0; x < code.width(); ++x) {
+      if (code.get(x, y)) side.at<cv::Vec4b>(220 + y, 55 + x) = cv::Vec4b(0, 0, 0, 255);
+    }
+  }
+  int y = 470;
+  for (const char* line : {"9a ENDORSEMENTS: NONE     12 RESTRICTIONS: B", "B - CORRECTIVE LENSES",
+                           "ISSUED BY DMV ZENITH"}) {
+    cv::putText(side, line, {60, y}, cv::FONT_HERSHEY_DUPLEX, 0.9, ink, 2, cv::LINE_AA);
+    y += 55;
+  }
+  return side;
+}
+
+TEST_F(DocumentAnalyzerTest, FindsACardByItsBarcode) {
+  for (const double degrees : {60.0, 180.0, 235.0}) {
+    const auto still =
+        tests::hold(backWithStripe(), {.y = 640, .width = 590, .background = 2, .blur = 0.4});
+    const cv::Mat turn = cv::getRotationMatrix2D({360, 640}, degrees, 1);
+    cv::Mat turned;
+    cv::warpAffine(engine::rgbMat(*still.picture), turned, turn, {720, 1280}, cv::INTER_LINEAR,
+                   cv::BORDER_REFLECT);
+    const auto reading = analyzer->analyzeStill(engine::pixelBufferFrom(turned));
+    ASSERT_TRUE(reading) << degrees << ": " << reading.error().sentence;
+    ASSERT_TRUE(reading->data.barcode) << degrees;
+    EXPECT_EQ(reading->data.barcode->at("DAQ"), "T64235789") << degrees;
+    EXPECT_EQ(reading->data.type, "DRIVING_LICENCE_BACK") << degrees;
   }
 }
 

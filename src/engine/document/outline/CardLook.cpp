@@ -81,7 +81,7 @@ double CardLook::content() const {
 }
 
 bool CardLook::isCertainlyACard() const {
-  if (hasBarcode) return true;
+  if (barcode) return true;
   constexpr double kMostOfPrint = 0.92;
   constexpr double kEnoughPrint = 0.8;
   constexpr int kEnoughLines = 4;

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <map>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "engine/document/outline/Quad.h"
@@ -16,7 +19,8 @@ struct CardLook {
   std::vector<TextLine> lines;      ///< places only, in pixels of `card`
   double faceScore = 0;
   double faceScoreTurned = 0;
-  bool hasBarcode = false;  ///< which was read; not looked for where there is other evidence
+  /// As readBarcode() gives it; not looked for where there is other evidence.
+  std::optional<std::map<std::string, std::string>> barcode;
 
   /// Takes the card for lying the other way up. Only before anything but its face is known.
   void turn();
