@@ -16,8 +16,14 @@ constexpr int kLongerSide = 64;
 constexpr std::size_t kStretch = 6;
 constexpr platform::Duration kShortestLoop = platform::seconds(0.9);
 constexpr std::size_t kMostPictures = 150;
-/// Where less than this moves, mean square of 255 steps, everything is like everything else.
+/// Where less than this moves, everything is like everything else: mean square of 255 steps, and of
+/// the picture's own contrast, since in dim light the same head moves fewer steps.
 constexpr double kLeastMovement = 0.6;
+constexpr double kLeastMovementOfContrast = 1.4e-4;
+
+double leastMovement(double contrast) {
+  return std::min(kLeastMovement, kLeastMovementOfContrast * contrast * contrast);
+}
 
 std::vector<float> valuesOf(const platform::PixelBuffer& picture) {
   const double scale =
@@ -61,7 +67,7 @@ double RepetitionWatch::movement() const {
 double RepetitionWatch::movementAt(std::size_t index) const {
   const double before = pictures_[index].differences.front();
   const double after = index == 0 ? before : pictures_[index - 1].differences.front();
-  return std::max(0.5 * (before + after), kLeastMovement);
+  return std::max(0.5 * (before + after), leastMovement(pictures_[index].contrast));
 }
 
 /// A loop seldom begins again just when it is looked at: the newest pictures are laid between those
@@ -104,7 +110,7 @@ void RepetitionWatch::add(platform::TimePoint time, const platform::PixelBuffer&
 
   difference_.reset();
   if (pictures_.size() <= kStretch) return;
-  if (movement() < kLeastMovement) return;
+  if (movement() < leastMovement(pictures_.front().contrast)) return;
   for (std::size_t lag = 2; lag + kStretch < pictures_.size(); ++lag) {
     if (time - pictures_[lag].time < kShortestLoop) continue;
     const double found = unlikeness(lag);
