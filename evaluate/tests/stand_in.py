@@ -20,7 +20,7 @@ if sys.argv[1] == "embed":
 
 arguments = dict(zip(sys.argv[2::1], sys.argv[3::1]))
 film = json.loads(pathlib.Path(arguments["--camera"]).read_text())
-with open(os.environ["SHOWN"], "a", encoding="utf-8") as shown:
+with open(os.environ["SHOWN"], "a", encoding="utf-8", errors="backslashreplace") as shown:
     shown.write(arguments["--camera"] + "\n")
 if film.get("dies"):
     print("videoid: the film is broken", file=sys.stderr)

@@ -1,12 +1,13 @@
 """Whole evaluations with a program that does as its films say."""
 import csv
 import json
+import os
 import pathlib
 import sqlite3
 
 import pytest
 
-from videoid_evaluate import workers
+from videoid_evaluate import manifest, workers
 from videoid_evaluate.command import main
 from videoid_evaluate.complaint import Complaint
 
@@ -166,6 +167,83 @@ def test_a_table_of_sqlite_is_read_as_one_of_csv(folder: Folder) -> None:
         base.executemany(f"INSERT INTO sessions VALUES ({', '.join('?' * len(HEAD))})", folder.rows)
     assert main([str(folder.path / "sessions.db"), "--output", str(folder.out), "--program", STAND_IN, "--workers", "1"]) == 0
     assert folder.summary == before
+
+
+def test_a_cell_without_a_value_is_empty_and_numbers_stay_what_they_are(folder: Folder) -> None:
+    folder.film("genuine", "1", "1", [0.2])
+    with sqlite3.connect(folder.path / "sessions #1.db") as base:
+        base.execute("CREATE TABLE sessions (film, reference, text, label, person INTEGER, owner INTEGER, differs, expected)")
+        rows = [("genuine ", 1, None, None), ("genuine", 2, 2, None), ("stranger", 1, 2, "person")]
+        base.executemany(
+            "INSERT INTO sessions VALUES ('film0.json', 'reference', 'text.txt', ?, ?, ?, ?, NULL)", rows
+        )
+    sessions = manifest.read(folder.path / "sessions #1.db")
+    assert [(one.label, one.person, one.owner) for one in sessions] == [
+        ("genuine", "1", "1"), ("genuine", "2", "2"), ("stranger", "1", "2")
+    ]  # fmt: skip
+    (folder.path / "m.csv").write_text("film,reference,text,label,person,owner,differs\nfilm0.json,reference,text.txt,genuine,ann\n")
+    assert manifest.read(folder.path / "m.csv")[0].owner == "ann"
+    with sqlite3.connect(folder.path / "sessions #1.db") as base:
+        base.execute("UPDATE sessions SET person = NULL, owner = NULL")
+    with pytest.raises(Complaint, match="has no person"):
+        manifest.read(folder.path / "sessions #1.db")
+
+
+def test_names_that_are_no_unicode_lose_no_figures(folder: Folder, tmp_path: pathlib.Path) -> None:
+    folder.path = tmp_path / os.fsdecode(b"caf\xe9")
+    folder.path.mkdir()
+    (folder.path / "reference").mkdir()
+    (folder.path / "reference" / os.fsdecode(b"\xe9.png")).write_text("a card")
+    (folder.path / "text.txt").write_text("Good day")
+    folder.film("genuine", "ann", "ann", [0.2])
+    folder.film("genuine", "bob", "bob", [0.2], dies=True)
+    assert folder.evaluate() == 1
+    assert "caf\udce9" in folder.summary["notRun"][0]
+    assert (folder.out / "scores.csv").read_text().count("film0.json") == 1
+    assert (folder.out / "report.html").exists()
+
+
+@pytest.mark.parametrize(
+    "more, sentence",
+    [
+        (["--output", "FOLDER/text.txt"], "text.txt/done can not be read or written"),
+        (["--options", "FOLDER/list.json"], "it is no object"),
+        (["--options", "FOLDER/words.json"], "give a number"),
+        (["--program", "/bin/echo"], "does not answer as videoid does"),
+        (["--scheduler", "tcp://127.0.0.1:first"], "no address of a scheduler"),
+        (["--scheduler", "tcp://[::1"], "no address of a scheduler"),
+    ],
+)
+def test_what_can_not_be_done_is_one_sentence(
+    folder: Folder, capsys: pytest.CaptureFixture[str], more: list[str], sentence: str
+) -> None:
+    folder.film("genuine", "ann", "ann", [0.1])
+    (folder.path / "list.json").write_text("[]")
+    (folder.path / "words.json").write_text('{"videoCapture.idToSelfieMatchThreshold": "low"}')
+    for person in ("ann", "bob"):
+        (folder.path / "photos" / person).mkdir(parents=True)
+        (folder.path / "photos" / person / "1.jpg").write_text("[1]")
+    more = [one.replace("FOLDER", str(folder.path)) for one in more]
+    if "words.json" in more[1] or more[0] == "--program":
+        ended = main([str(folder.path / "photos"), "--output", str(folder.out), "--program", STAND_IN, *more])
+    else:
+        ended = folder.evaluate(*more)
+    said = capsys.readouterr().err
+    assert ended == 2 and sentence in said and len(said.splitlines()) == 1
+
+
+def test_a_store_that_can_not_be_looked_at_is_one_sentence(folder: Folder, capsys: pytest.CaptureFixture[str]) -> None:
+    folder.film("genuine", "ann", "ann", [0.1])
+    folder.rows[0][0] = "nothing://films/1.mp4"
+    assert folder.evaluate() == 2
+    assert "nothing://films/1.mp4 can not be looked at" in capsys.readouterr().err
+
+
+@pytest.mark.parametrize("count", ["0", "-3", "many"])
+def test_nobody_is_no_number_of_workers(folder: Folder, capsys: pytest.CaptureFixture[str], count: str) -> None:
+    with pytest.raises(SystemExit):
+        main([str(folder.path), "--output", str(folder.out), "--workers", count])
+    assert "give a whole number from 1" in capsys.readouterr().err
 
 
 def test_photographs_are_compared_each_with_every_other_one(tmp_path: pathlib.Path, capsys: pytest.CaptureFixture[str]) -> None:

@@ -2,12 +2,14 @@
 from __future__ import annotations
 
 import argparse
+import io
 import json
 import pathlib
 import sys
 
 from videoid_evaluate import __version__, evaluation, faces, figures, manifest, page, program, suggest, summary, workers
 from videoid_evaluate.complaint import Complaint
+from videoid_evaluate.page import ANY_NAME
 from videoid_evaluate.store import Store
 
 
@@ -22,13 +24,20 @@ def _arguments(argv: list[str] | None) -> argparse.Namespace:
     parser.add_argument("--program", default="videoid", help="the program under evaluation (default: videoid)")
     parser.add_argument("--options", type=pathlib.Path, help="its options, a JSON file")
     parser.add_argument("--date", default="", help="the day by which documents are judged, as 2026-03-01")
-    parser.add_argument("--workers", type=int, help="programs at a time on this machine (default: its cores)")
+    parser.add_argument("--workers", type=_count, help="programs at a time on this machine (default: its cores)")
     parser.add_argument("--scheduler", help="a Dask scheduler that exists, as tls://HOST:PORT")
     for name in ("ca", "cert", "key"):
         parser.add_argument(f"--tls-{name}", help=f"PEM file of the scheduler's connection: {name}")
     parser.add_argument("--suggest", metavar="far=SHARE", help="choose the threshold that keeps false acceptances under this")
     parser.add_argument("--move", default="selfieFace", help="the decision whose threshold --suggest moves")
     return parser.parse_args(argv)
+
+
+def _count(text: str) -> int:
+    """Of what there has to be one at least: nobody would work, and the evaluation would wait for ever."""
+    if not text.isdecimal() or int(text) < 1:
+        raise argparse.ArgumentTypeError(f"{text!r} is no count: give a whole number from 1.")
+    return int(text)
 
 
 def _certificates(arguments: argparse.Namespace) -> workers.Certificates | None:
@@ -63,7 +72,7 @@ def _evaluate_faces(arguments: argparse.Namespace) -> int:
     found = faces.compare(photographs, faces.threshold_of(used))
     arguments.output.mkdir(parents=True, exist_ok=True)
     text = json.dumps(summary.of_faces(photographs, found, used), indent=2, sort_keys=True, ensure_ascii=False)
-    (arguments.output / "summary.json").write_text(text + "\n", encoding="utf-8")
+    (arguments.output / "summary.json").write_text(text + "\n", encoding="utf-8", errors=ANY_NAME)
     page.write_faces(arguments.output / "report.html", photographs, found)
     print(f"{len(photographs.persons)} photographs, {len(photographs.refused)} more without one face")
     print(f"one person taken for two (FNMR): {page.with_limits(found.false_non_match)}")
@@ -89,9 +98,17 @@ def _say(shown: evaluation.Shown, suggestion: suggest.Suggestion | None, folder:
 
 
 def main(argv: list[str] | None = None) -> int:
+    if isinstance(sys.stdout, io.TextIOWrapper):
+        sys.stdout.reconfigure(errors=ANY_NAME)
     try:
         arguments = _arguments(argv)
         return _evaluate_faces(arguments) if arguments.manifest.is_dir() else _evaluate(arguments)
     except Complaint as complaint:
-        print(f"videoid-evaluate: {complaint}", file=sys.stderr)
-        return 2
+        return _complain(str(complaint))
+    except OSError as fault:  # of a file or folder, wherever it is met
+        return _complain(f"{fault.filename or 'a file'} can not be read or written ({fault.strerror or fault}): check it and the disk.")
+
+
+def _complain(sentence: str) -> int:
+    print(f"videoid-evaluate: {sentence}", file=sys.stderr)
+    return 2

@@ -43,13 +43,13 @@ def report(
     if told is not None:
         figures_of_all["suggestion"] = told
     text = json.dumps(figures_of_all, indent=2, sort_keys=True, ensure_ascii=False)
-    (folder / "summary.json").write_text(text + "\n", encoding="utf-8")
+    (folder / "summary.json").write_text(text + "\n", encoding="utf-8", errors=page.ANY_NAME)
     _write_scores(folder / "scores.csv", shown.ended)
     page.write(folder / "report.html", shown.ended, figures_of_all, suggestion)
 
 
 def _write_scores(path: pathlib.Path, ended: Ended) -> None:
-    with path.open("w", newline="", encoding="utf-8") as file:
+    with path.open("w", newline="", encoding="utf-8", errors=page.ANY_NAME) as file:
         table = csv.writer(file)
         table.writerow(["film", "label", "person", "owner", "accepted", "decision", "t", "value", "threshold", "passed"])
         for session, outcome in ended:

@@ -54,14 +54,19 @@ def _embed(folder: pathlib.Path, program: Program) -> list[dict[str, object]]:
     if ended.returncode not in JUDGED:
         said = (ended.stderr.strip() or "nothing").splitlines()[-1]
         raise Complaint(f"{folder}: the program ended with {ended.returncode} and said: {said}")
-    return [json.loads(line) for line in ended.stdout.splitlines()]
+    try:
+        return [json.loads(line) for line in ended.stdout.split("\n") if line]
+    except ValueError as fault:
+        raise Complaint(f"{program.path} does not answer as videoid does ({fault}): name the program with --program.") from fault
 
 
 def threshold_of(program: Program) -> float:
     """The limit in use: that of the options, else the program's own."""
-    options = json.loads(program.options or "{}")
-    if KIND.option in options:
-        return float(options[KIND.option])
+    chosen = json.loads(program.options or "{}").get(KIND.option)
+    if isinstance(chosen, (int, float)):
+        return float(chosen)
+    if chosen is not None:
+        raise Complaint(f"the options have {chosen!r} as {KIND.option}: give a number.")
     listed = subprocess.run([program.path, "options", "--print"], capture_output=True, text=True, check=False)
     if listed.returncode == 0:
         for option in json.loads(listed.stdout):

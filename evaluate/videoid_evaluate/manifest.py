@@ -57,16 +57,23 @@ def _table(path: pathlib.Path) -> pandas.DataFrame:
         raise Complaint(f"{path} is no file: name a manifest in CSV, SQLite or Parquet.")
     try:
         if path.suffix == ".parquet":
-            return pandas.read_parquet(path).astype(str)
+            return _texts(pandas.read_parquet(path))
         if path.suffix in (".sqlite", ".db"):
-            with sqlite3.connect(f"file:{path}?mode=ro", uri=True) as base:
-                return pandas.read_sql_query("SELECT * FROM sessions", base).astype(str)
-        return pandas.read_csv(path, dtype=str, keep_default_na=False)
+            with sqlite3.connect(f"{path.absolute().as_uri()}?mode=ro", uri=True) as base:
+                return _texts(pandas.read_sql_query("SELECT * FROM sessions", base))
+        return _texts(pandas.read_csv(path, dtype=str, keep_default_na=False))
     except ImportError as fault:
         raise Complaint(f"{path} is Parquet, for which pyarrow is needed: install it, or write CSV.") from fault
     except Exception as fault:
         reason = str(fault).splitlines()[0] if str(fault) else type(fault).__name__
         raise Complaint(f"{path} can not be read as a table ({reason}): write CSV with a line of column names.") from fault
+
+
+def _texts(table: pandas.DataFrame) -> pandas.DataFrame:
+    """Cells without a value are empty, not texts as `None` and `nan` that would count as a person's name; a number is
+    written as it was, though a gap in its column made it a broken one; and a blank beside a name makes no other person."""
+    cells = table.convert_dtypes().astype(object)
+    return cells.where(cells.notna(), "").astype(str).apply(lambda column: column.str.strip())
 
 
 def _session(manifest: pathlib.Path, number: int, row: dict[str, str], cohorts: list[str]) -> Session:

@@ -12,6 +12,8 @@ from videoid_evaluate.rates import Rate
 from videoid_evaluate.suggest import Suggestion
 from videoid_evaluate.summary import Json
 
+ANY_NAME = "backslashreplace"
+"""How names of files that are no Unicode are written: readable, and in JSON the same name again."""
 TEMPLATES = pathlib.Path(__file__).parent / "templates"
 
 
@@ -45,7 +47,7 @@ def write_faces(path: pathlib.Path, photographs: faces.Photographs, found: figur
     template = _environment().get_template("faces.html")
     part = _plotted(found)
     page = template.render(photographs=photographs, failures=faces.failures(photographs), part=part)
-    path.write_text(page, encoding="utf-8")
+    path.write_text(page, encoding="utf-8", errors=ANY_NAME)
 
 
 def write(path: pathlib.Path, ended: Ended, summary: Json, suggestion: Suggestion | None = None) -> None:
@@ -65,6 +67,7 @@ def write(path: pathlib.Path, ended: Ended, summary: Json, suggestion: Suggestio
             suggestion=suggestion,
         ),
         encoding="utf-8",
+        errors=ANY_NAME,
     )
 
 

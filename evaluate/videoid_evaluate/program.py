@@ -41,14 +41,22 @@ def _options(path: pathlib.Path | None) -> str:
     if path is None:
         return ""
     try:
-        return json.dumps(json.loads(path.read_text(encoding="utf-8")), sort_keys=True)
+        options = json.loads(path.read_text(encoding="utf-8"))
+        if not isinstance(options, dict):
+            raise ValueError("it is no object")
+        return json.dumps(options, sort_keys=True)
     except (OSError, ValueError) as fault:
-        raise Complaint(f"{path} holds no options ({fault}): write JSON as `videoid options --print` lists it.") from fault
+        raise Complaint(f"{path} holds no options ({fault}): write a JSON object of keys and values.") from fault
 
 
 def _sha256_of(path: pathlib.Path) -> str:
     with path.open("rb") as file:
         return hashlib.file_digest(file, "sha256").hexdigest()
+
+
+def _sha256_of_list(folder: pathlib.Path, files: list[pathlib.Path]) -> str:
+    lines = "".join(f"{one.relative_to(folder)} {_sha256_of(one)}\n" for one in files)
+    return hashlib.sha256(lines.encode(errors="surrogateescape")).hexdigest()
 
 
 def key_of(session: Session, program: Program) -> str:
@@ -67,14 +75,17 @@ def key_of(session: Session, program: Program) -> str:
 def identity_of(place: str) -> str:
     """The digest of a local file or of a folder's files; of an object store's file what the store itself says."""
     if "://" in place:
-        system, name = fsspec.core.url_to_fs(place)
-        return str(system.ukey(name))
+        try:
+            system, name = fsspec.core.url_to_fs(place)
+            return str(system.ukey(name))
+        except Exception as fault:  # each kind of store has its own
+            raise Complaint(f"{place} can not be looked at ({fault}): correct the manifest, or give access to the store.") from fault
     path = pathlib.Path(place)
     if path.is_file():
         return _sha256_of(path)
     if path.is_dir():
         files = sorted(one for one in path.rglob("*") if one.is_file())
-        return hashlib.sha256("".join(f"{one.relative_to(path)} {_sha256_of(one)}\n" for one in files).encode()).hexdigest()
+        return _sha256_of_list(path, files)
     raise Complaint(f"{place} is not there: correct the manifest.")
 
 

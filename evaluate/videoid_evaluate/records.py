@@ -51,8 +51,8 @@ def read(run: pathlib.Path) -> Outcome:
     """Reads result.json and events.jsonl of the folder of a run."""
     try:
         result = json.loads((run / "result.json").read_text(encoding="utf-8"))
-        lines = (run / "events.jsonl").read_text(encoding="utf-8").splitlines()
-        events = [json.loads(line) for line in lines]
+        lines = (run / "events.jsonl").read_text(encoding="utf-8").split("\n")
+        events = [json.loads(line) for line in lines if line]
         return _outcome(result, events)
     except (OSError, ValueError, KeyError, TypeError) as fault:
         raise Complaint(f"{run} holds no whole record of a run ({fault}): run the session again.") from fault

@@ -26,7 +26,13 @@ class Certificates:
 
 def check_address(address: str, certificates: Certificates | None) -> None:
     """Films of people leave the machine encrypted, or not at all."""
-    parts = urllib.parse.urlsplit(address)
+    try:
+        parts = urllib.parse.urlsplit(address)
+        has_port = parts.port is not None
+    except ValueError:
+        has_port = False
+    if not has_port:
+        raise Complaint(f"'{address}' is no address of a scheduler: write tls://HOST:PORT.")
     if parts.scheme == "tls":
         if certificates is None:
             raise Complaint(f"{address} needs --tls-ca, --tls-cert and --tls-key.")
