@@ -72,7 +72,7 @@ typedef struct corvana_videoid_follower {
   void (*on_event)(void* context, const char* json);
   /* Only where there is a window ("screen": "window"). */
   void (*on_picture)(void* context, const corvana_videoid_picture* picture);
-  double pictures_per_second; /* at most 30; 0: none */
+  double pictures_per_second; /* from 0.01 to 30; 0: none */
 } corvana_videoid_follower;
 
 /* Makes a handle. `setup` may be null. */

@@ -58,7 +58,7 @@ def test_what_is_no_event_is_told_as_such() -> None:
 
 def test_a_picture_is_an_array_of_its_own() -> None:
     run = begin("result", [3, 2], pictures_per_second=5)
-    assert "--caller-pictures=5.000000" in run.result.record["words"]
+    assert "--caller-pictures=5.0" in run.result.record["words"]
     (picture,) = run
     assert isinstance(picture, videoid.PictureEvent)
     assert (picture.time, picture.pixels.shape, picture.pixels.dtype) == (0.5, (2, 3, 4), numpy.uint8)

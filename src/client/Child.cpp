@@ -274,7 +274,8 @@ ChildEnd Child::run(const std::string& program, std::vector<std::string> argumen
   ChildEnd end;
   Streams streams;
   if (!streams.open(isFollowed)) {
-    end.errors = std::string("no pipe to a process could be opened: ") + std::strerror(errno);
+    end.startFault = errno;
+    end.errors = std::string("No pipe to a process could be opened: ") + std::strerror(errno);
     return end;
   }
   if (isFollowed) arguments.push_back("--caller=" + std::to_string(kCallerSocket));
@@ -291,6 +292,7 @@ ChildEnd Child::run(const std::string& program, std::vector<std::string> argumen
       posix_spawnp(&child, program.c_str(), actions.get(), attributes.get(), words.data(), environ);
   streams.closeTheirs();
   if (fault != 0) {
+    end.startFault = fault;
     end.errors = "\"" + program + "\" could not be started: " + std::strerror(fault);
     return end;
   }

@@ -12,7 +12,8 @@ namespace corvana::client {
 /// What a process left behind.
 struct ChildEnd {
   bool started = false;
-  int exitCode = -1;  ///< negative: a signal ended it, or nobody knows what did
+  int startFault = 0;  ///< `errno` of what kept it from starting
+  int exitCode = -1;   ///< negative: a signal ended it, or nobody knows what did
   int signal = 0;
   bool wasTerminated = false;  ///< by `terminate`, whatever came of it
   std::string output;

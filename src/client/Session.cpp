@@ -1,5 +1,6 @@
 #include "client/Session.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <sstream>
@@ -56,10 +57,17 @@ Answer endedWithoutWord(const ChildEnd& end) {
 }
 
 /// The loader names a library that is missing; a shell, the program.
-std::string notStarted(const ChildEnd& end) {
+Answer notStarted(const ChildEnd& end) {
   const auto lines = linesOf(end.errors);
-  return (lines.empty() ? "The program could not be started" : lines.back()) +
-         ": install the package corvana-videoid with all that it depends on.";
+  const std::string what = lines.empty() ? "The program could not be started" : lines.back();
+  if (end.startFault == E2BIG)
+    return failed(CORVANA_VIDEOID_WRONG_USE, what + ": give a long text as \"text-file\".");
+  const bool isBusy = end.startFault == EMFILE || end.startFault == ENFILE ||
+                      end.startFault == EAGAIN || end.startFault == ENOMEM;
+  return failed(CORVANA_VIDEOID_MACHINE_LACKS,
+                what + (isBusy ? ": let this process and others close what they have open."
+                               : ": install the package corvana-videoid with all that it depends "
+                                 "on."));
 }
 
 corvana_videoid_status statusOf(const ChildEnd& end) {
@@ -69,7 +77,7 @@ corvana_videoid_status statusOf(const ChildEnd& end) {
 
 Answer answerOf(const Command& command, const ChildEnd& end) {
   if (!end.started || end.exitCode == kNoSuchProgram) {
-    return failed(CORVANA_VIDEOID_MACHINE_LACKS, notStarted(end));
+    return notStarted(end);
   }
   // It did not listen yet, or was told twice.
   if (end.wasTerminated && end.signal == SIGTERM)
@@ -140,7 +148,8 @@ Answer Session::call(const Command& command, const char* request,
   if (command.always) arguments->insert(arguments->begin() + 1, command.always);
   const ChildEvents events = eventsOf(follower);
   if (events.onPicture) {
-    arguments->push_back("--caller-pictures=" + std::to_string(follower->pictures_per_second));
+    // As JSON has it: the caller's locale may have another sign for decimals than the program.
+    arguments->push_back("--caller-pictures=" + ordered_json(follower->pictures_per_second).dump());
   }
   const auto child = begin();
   if (!child) return failed(CORVANA_VIDEOID_BUSY, "A call on this handle has not ended yet.");

@@ -1,9 +1,11 @@
 #include <atomic>
 #include <chrono>
+#include <clocale>
 #include <thread>
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include "client/Caller.h"
@@ -46,6 +48,32 @@ TEST(Calls, NameAProgramThatIsNotThere) {
   Caller caller("/nowhere/videoid");
   EXPECT_EQ(caller.capture("result"), CORVANA_VIDEOID_MACHINE_LACKS);
   EXPECT_NE(caller.answer["error"].get<std::string>().find("/nowhere/videoid"), std::string::npos);
+}
+
+TEST(Calls, TellWhatIsTooMuchFromAProgramThatIsMissing) {
+  Caller caller;
+  EXPECT_EQ(caller.capture(std::string(200'000, 'x')), CORVANA_VIDEOID_WRONG_USE);
+  EXPECT_NE(caller.answer["error"].get<std::string>().find("text-file"), std::string::npos);
+  rlimit before{};
+  getrlimit(RLIMIT_NOFILE, &before);
+  const rlimit none{3, before.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &none);
+  EXPECT_EQ(caller.capture("result"), CORVANA_VIDEOID_MACHINE_LACKS);
+  setrlimit(RLIMIT_NOFILE, &before);
+  const auto error = caller.answer["error"].get<std::string>();
+  EXPECT_EQ(error.find("install"), std::string::npos) << error;
+}
+
+TEST(Calls, WriteNumbersAsTheProgramReadsThemWhateverTheLocale) {
+  if (!std::setlocale(LC_NUMERIC, "tr_TR.UTF-8")) GTEST_SKIP() << "no decimals with a comma here";
+  Caller caller;
+  corvana_videoid_follower follower = {};
+  follower.size = sizeof follower;
+  follower.on_picture = [](void*, const corvana_videoid_picture*) {};
+  follower.pictures_per_second = 12.5;
+  caller.capture("result", &follower);
+  std::setlocale(LC_NUMERIC, "C");
+  EXPECT_EQ(caller.answer["arguments"][2], "--caller-pictures=12.5") << caller.answer;
 }
 
 TEST(Calls, TakeMuchOutputAndDoNotWaitForWhatTheProgramStarted) {

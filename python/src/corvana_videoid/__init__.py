@@ -146,7 +146,7 @@ def capture(
         text: what is to be read aloud; this or `text_file` is needed
         text_file: file that holds it
         output: new or empty folder for the run; without it one named videoid-run-1 and so on is made
-        pictures_per_second: of the window (`screen="window"`), at most 30, as `PictureEvent` among the events; while
+        pictures_per_second: of the window (`screen="window"`), 0.01 to 30, as `PictureEvent` among the events; while
             they are not taken, all but the newest are left out
         program: as in `enroll`
         options: further ones of `videoid capture`, as `camera="session.mp4"`

@@ -172,7 +172,15 @@ void addCaller(CLI::App& command, CaptureArguments& arguments) {
   command
       .add_option("--caller-pictures", arguments.caller.picturesPerSecond,
                   "pictures of the window a second that the caller gets (default 0)")
-      ->check(within(0, 30));
+      ->check([](const std::string& text) {
+        // Of a lower rate the time to the first picture is beyond any clock.
+        constexpr double kLeast = 0.01;
+        constexpr double kMost = 30;
+        double rate = -1;
+        const bool isWithin = CLI::detail::lexical_cast(text, rate) &&
+                              (rate == 0 || (rate >= kLeast && rate <= kMost));
+        return std::string(isWithin ? "" : "give 0, or a number from 0.01 to 30");
+      });
 }
 
 void addPrivacy(CLI::App& command, CaptureArguments& arguments) {

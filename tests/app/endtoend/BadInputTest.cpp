@@ -229,8 +229,12 @@ TEST(Commands, WrongUseIsExitCodeTwo) {
                                                     {"enroll", "--front", "none.png"}}) {
     EXPECT_EQ(runVideoid(arguments).exitCode, 2);
   }
-  for (const std::string option : {"--done", "--max-duration", "--caller-pictures"}) {
-    const ProgramRun run = runVideoid({"capture", "--reference", "here", option, "nan"});
+  const std::pair<std::string, std::string> numbers[] = {{"--done", "nan"},
+                                                         {"--max-duration", "nan"},
+                                                         {"--caller-pictures", "nan"},
+                                                         {"--caller-pictures", "1e-300"}};
+  for (const auto& [option, number] : numbers) {
+    const ProgramRun run = runVideoid({"capture", "--reference", "here", option, number});
     EXPECT_EQ(run.exitCode, 2);
     EXPECT_NE(run.errors.find(option + ": give "), std::string::npos) << run.errors;
   }
