@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
+#include <charconv>
 #include <variant>
 
 #include "corvana/VideoCapture.h"
@@ -18,8 +18,9 @@ std::string wordOf(const RecorderEvent::Detail& detail) {
   const auto& [name, value] = detail;
   if (const auto* number = std::get_if<double>(&value)) {
     std::array<char, 32> digits{};
-    std::snprintf(digits.data(), digits.size(), "%.3g", *number);
-    return name + " " + digits.data();
+    const auto end =
+        std::to_chars(digits.begin(), digits.end(), *number, std::chars_format::general, 3).ptr;
+    return name + " " + std::string(digits.begin(), end);
   }
   if (const auto* flag = std::get_if<bool>(&value)) return (*flag ? "" : "not ") + name;
   return std::get<std::string>(value);

@@ -51,7 +51,10 @@ json toJson(Value value) {
   if constexpr (std::is_same_v<Value, float>) {
     std::array<char, 32> digits{};
     const auto end = std::to_chars(digits.begin(), digits.end(), value).ptr;
-    return std::stod(std::string(digits.begin(), end));
+    // Not by the C library, for which "0.44" is 0 where decimals have a comma.
+    double shortest = 0;
+    std::from_chars(digits.begin(), end, shortest);
+    return shortest;
   }
   return value;
 }

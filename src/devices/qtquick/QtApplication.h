@@ -8,7 +8,7 @@ namespace corvana::devices {
 
 /// The one application object of a program with windows; made first, destroyed last, on the thread
 /// that is to be the main queue. Draws without graphics hardware unless QT_QUICK_BACKEND or
-/// QSG_RHI_BACKEND says otherwise.
+/// QSG_RHI_BACKEND says otherwise, and leaves the process the C locale that it has.
 class QtApplication {
  public:
   /// Whether a window can be shown: there is a display, or QT_QPA_PLATFORM names a platform.
