@@ -166,7 +166,8 @@ class ReportModel {
 
   json signs() const {
     json list = json::array();
-    for (const char* name : {"blink", "relief", "repetition", "edges", "samePerson"}) {
+    for (const char* name :
+         {"blink", "relief", "repetition", "edges", "samePerson", "lipsAtRest"}) {
       const json* sign = course_.last("sign", name);
       if (!sign) continue;
       const auto numberOr = [&](const char* key) {

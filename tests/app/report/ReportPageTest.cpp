@@ -102,6 +102,17 @@ TEST_F(ReportPageTest, SaysTheVerdictFirstAndShowsWhatItRestsOn) {
   EXPECT_EQ(shown, page()) << "the same record gives the same page";
 }
 
+TEST_F(ReportPageTest, ShowsTheFigureOfAVoiceWithoutLips) {
+  events.push_back({{"t", 9.5},
+                    {"event", "sign"},
+                    {"name", "lipsAtRest"},
+                    {"value", 0.8125},
+                    {"threshold", 0.5},
+                    {"seen", true}});
+  write();
+  EXPECT_TRUE(holds(page(), "voice while the lips rest") && holds(page(), "0.8125"));
+}
+
 TEST_F(ReportPageTest, LetsNothingOfARecordBecomeMarkup) {
   result["session"] = {{"id", kScript}, {"subject", kAttribute}};
   result["camera"]["name"] = kScript;

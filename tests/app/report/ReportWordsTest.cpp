@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "app/report/ReportWords.h"
+#include "engine/document/guidance/CardQuality.h"
+#include "engine/selfie/PersonCompare.h"
 
 namespace corvana::tests {
 namespace {
@@ -33,6 +35,24 @@ TEST(ReportWords, EachLanguageSaysAllThatEnglishSays) {
       EXPECT_EQ(placesIn(words->all()[key]), placesIn(value)) << code << ": " << key;
     }
   }
+}
+
+TEST(ReportWords, HasWordsForWhateverARunTells) {
+  using engine::CardFlaw;
+  using engine::FaceFlaw;
+  const auto words = ReportWords::load(kLanguages, "de");
+  ASSERT_TRUE(words);
+  std::vector<std::string> hints;
+  for (const auto flaw : {CardFlaw::tooDark, CardFlaw::blurred, CardFlaw::covered, CardFlaw::copy})
+    hints.emplace_back(nameOf(flaw));
+  for (const auto flaw : {FaceFlaw::tooFar, FaceFlaw::tooDark, FaceFlaw::hidden,
+                          FaceFlaw::turnedAway, FaceFlaw::blurred, FaceFlaw::outOfSight})
+    hints.emplace_back(nameOf(flaw));
+  for (const std::string& hint : hints)
+    EXPECT_NE(words->name("hint", hint), hint);
+  for (const std::string sign :
+       {"blink", "relief", "repetition", "edges", "samePerson", "lipsAtRest"})
+    EXPECT_NE(words->name("sign", sign), sign);
 }
 
 TEST(ReportWords, FillsPlacesOnceAndLeavesStrangeNamesAsTheyAre) {
