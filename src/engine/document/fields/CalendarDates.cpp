@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 #include <map>
+#include <regex>
 
 #include "engine/document/text/AsciiLetters.h"
 
@@ -233,6 +234,12 @@ std::vector<std::string> datesInPrint(std::string_view text, const CalendarDate&
     i += 2;
   }
   return dates;
+}
+
+std::string withDateBlanks(const std::string& text) {
+  static const std::regex kTight(
+      "(^|[^0-9A-Za-z./,-])([0-9]{2}) ?([0-9]{2}) ?([0-9]{4})($|[^0-9A-Za-z./,-])");
+  return std::regex_replace(text, kTight, "$1$2 $3 $4$5");
 }
 
 std::vector<std::string> datesEitherWay(std::string_view text, const CalendarDate& around) {

@@ -38,7 +38,12 @@ struct PrintedDateRules {
 std::vector<std::string> datesInPrint(std::string_view text, const CalendarDate& today,
                                       const PrintedDateRules& rules);
 
-/// The same, each date read either way where day and month could be exchanged, of years next to a
+/// The text with the blanks of a date put back that a reader lost ("28 122028", "07121986"): eight
+/// digits that stand by themselves, parted nowhere but where numbers of day, month and year meet.
+/// For values of which it is known that they are dates.
+std::string withDateBlanks(const std::string& text);
+
+/// Dates in print, each read either way where day and month could be exchanged, of years next to a
 /// day's.
 std::vector<std::string> datesEitherWay(std::string_view text, const CalendarDate& around);
 

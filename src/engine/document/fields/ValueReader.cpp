@@ -78,10 +78,10 @@ std::optional<std::string> ValueReader::operator()(FieldName name, const std::st
     case FieldName::documentNumber:
       return dateIn(text, false) ? std::nullopt : numberIn(text);
     case FieldName::birthDate:
-      return dateIn(text, true);
+      return dateIn(withDateBlanks(text), true);
     case FieldName::issueDate:
     case FieldName::expiryDate:
-      return dateIn(text, false);
+      return dateIn(withDateBlanks(text), false);
     case FieldName::sex:
       return sexIn(text);
     case FieldName::authority:
