@@ -60,16 +60,10 @@ std::optional<std::map<std::string, std::string>> readBarcode(const platform::Pi
 }
 
 std::optional<std::map<std::string, std::string>> searchBarcode(const platform::PixelBuffer& card) {
+  if (auto elements = readBarcode(card)) return elements;
   const cv::Mat gray = grayMat(card);
-  const cv::Mat sharp = sharpened(gray);
-  const cv::Mat large = enlarged(gray);
-  const std::pair<const cv::Mat&, Binarizer> tries[] = {{gray, Binarizer::LocalAverage},
-                                                        {sharp, Binarizer::LocalAverage},
-                                                        {large, Binarizer::GlobalHistogram}};
-  for (const auto& [picture, binarizer] : tries) {
-    if (auto elements = decoded(picture, binarizer)) return elements;
-  }
-  return std::nullopt;
+  if (auto elements = decoded(sharpened(gray), Binarizer::LocalAverage)) return elements;
+  return decoded(enlarged(gray), Binarizer::GlobalHistogram);
 }
 
 }  // namespace corvana::engine

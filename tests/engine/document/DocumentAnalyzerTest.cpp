@@ -119,16 +119,20 @@ TEST_F(DocumentAnalyzerTest, TakesStillsAtAnyTurn) {
   EXPECT_FALSE(analyzer->analyzeStill(engine::pixelBufferFrom(noPrint))) << "no card";
 }
 
+/// A still of 720 by 1,280 pixels, turned about its middle.
+platform::PixelBufferRef turned(const platform::PixelBuffer& still, double degrees) {
+  cv::Mat picture;
+  cv::warpAffine(engine::rgbMat(still), picture, cv::getRotationMatrix2D({360, 640}, degrees, 1),
+                 {720, 1280}, cv::INTER_LINEAR, cv::BORDER_REFLECT);
+  return engine::pixelBufferFrom(picture);
+}
+
 TEST_F(DocumentAnalyzerTest, TakesStillsThatLieAskewOnATable) {
   const auto card = tests::drawCard(1, tests::holder(0), "person_a.jpg");
   const auto lines = session::mrzLines(tests::holder(0));
   for (const double degrees : {37.0, 118.0, 200.0, 285.0}) {
     const auto still = tests::hold(card.back, {.y = 640, .width = 560, .background = 1});
-    const cv::Mat turn = cv::getRotationMatrix2D({360, 640}, degrees, 1);
-    cv::Mat turned;
-    cv::warpAffine(engine::rgbMat(*still.picture), turned, turn, {720, 1280}, cv::INTER_LINEAR,
-                   cv::BORDER_REFLECT);
-    const auto reading = analyzer->analyzeStill(engine::pixelBufferFrom(turned));
+    const auto reading = analyzer->analyzeStill(turned(*still.picture, degrees));
     ASSERT_TRUE(reading) << degrees << ": " << reading.error().sentence;
     ASSERT_TRUE(reading->data.mrz) << degrees;
     EXPECT_EQ(reading->data.mrz->lines, std::vector<std::string>(lines.begin(), lines.end()));
@@ -167,11 +171,7 @@ TEST_F(DocumentAnalyzerTest, FindsACardByItsBarcode) {
   for (const double degrees : {60.0, 180.0, 235.0}) {
     const auto still =
         tests::hold(backWithStripe(), {.y = 640, .width = 590, .background = 2, .blur = 0.4});
-    const cv::Mat turn = cv::getRotationMatrix2D({360, 640}, degrees, 1);
-    cv::Mat turned;
-    cv::warpAffine(engine::rgbMat(*still.picture), turned, turn, {720, 1280}, cv::INTER_LINEAR,
-                   cv::BORDER_REFLECT);
-    const auto reading = analyzer->analyzeStill(engine::pixelBufferFrom(turned));
+    const auto reading = analyzer->analyzeStill(turned(*still.picture, degrees));
     ASSERT_TRUE(reading) << degrees << ": " << reading.error().sentence;
     ASSERT_TRUE(reading->data.barcode) << degrees;
     EXPECT_EQ(reading->data.barcode->at("DAQ"), "T64235789") << degrees;
