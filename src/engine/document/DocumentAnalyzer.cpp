@@ -1,6 +1,7 @@
 #include "engine/document/DocumentAnalyzer.h"
 
 #include <algorithm>
+#include <future>
 #include <iterator>
 #include <utility>
 
@@ -177,12 +178,15 @@ CardReading DocumentAnalyzer::readAgain(const platform::PixelBufferRef& card, bo
 
 CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
   const auto picture = straightened(*card.frame, card.outline);
+  // Measured beside the reading where they are sure to be asked for.
+  const bool mayDo = memory.realness && card.isAsRead;
+  auto figures = std::async(mayDo ? std::launch::deferred : std::launch::async,
+                            [&] { return copyFigures(*picture, card.quality.sharpness); });
   CardReading reading =
       memory.lines.empty() ? readFirst(picture, memory) : readAgain(picture, card.isAsRead, memory);
   reading.isUpsideDown = memory.isUpsideDown;
   if (memory.repeats == 0 || !memory.realness) {
-    memory.realness =
-        realnessOf(copyFigures(*picture, card.quality.sharpness), reading.data.isPhotoPresent);
+    memory.realness = realnessOf(figures.get(), reading.data.isPhotoPresent);
   }
   judgeRealness(*memory.realness, reading.data);
   return reading;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include <opencv2/imgproc.hpp>
 
@@ -28,6 +29,20 @@ cv::Mat faceToPicture(const FaceMesh& mesh) {
                                               static_cast<float>(mesh[index].y));
                          });
   return cv::getAffineTransform(kFoot, points);
+}
+
+/// The part of a picture that the patches are cut from.
+cv::Rect faceIn(const cv::Mat& faceToPicture, cv::Size picture) {
+  constexpr double kMargin = 2;  // interpolation looks beside its place
+  const cv::Rect2d place = kLipsPlace | kSkinPlace;
+  std::vector<cv::Point2d> corners{
+      place.tl(), {place.br().x, place.y}, place.br(), {place.x, place.br().y}};
+  cv::transform(corners, corners, faceToPicture);
+  const auto [left, right] = std::ranges::minmax(corners, {}, &cv::Point2d::x);
+  const auto [top, bottom] = std::ranges::minmax(corners, {}, &cv::Point2d::y);
+  return pixelRect({left.x - kMargin, top.y - kMargin, right.x - left.x + 2 * kMargin,
+                    bottom.y - top.y + 2 * kMargin},
+                   picture);
 }
 
 template <std::size_t Count>
@@ -57,9 +72,13 @@ double meanDifference(const std::array<float, Count>& a, const std::array<float,
 }  // namespace
 
 MouthLook mouthLook(const platform::PixelBuffer& picture, const FaceMesh& mesh) {
-  const cv::Mat grey = grayMat(picture);
-  const cv::Mat transform = faceToPicture(mesh);
+  cv::Mat transform = faceToPicture(mesh);
+  const cv::Rect face = faceIn(transform, {picture.width(), picture.height()});
   MouthLook look;
+  if (face.empty()) return look;
+  const cv::Mat grey = grayMat(picture, face);
+  transform.at<double>(0, 2) -= face.x;
+  transform.at<double>(1, 2) -= face.y;
   cut(grey, transform, kLipsPlace, MouthLook::kLipsWidth, look.lips);
   cut(grey, transform, kSkinPlace, MouthLook::kSkinWidth, look.skin);
   return look;

@@ -78,10 +78,8 @@ class Looker {
 
   std::vector<Face> look(const cv::Rect& window) {
     if (window.width < kHalvedWindow) return blazeface::look(model_, rgb_, window);
-    if (half_.empty()) {
-      cv::resize(rgb_, half_, {(rgb_.cols + 1) / 2, (rgb_.rows + 1) / 2}, 0, 0, cv::INTER_AREA);
-    }
     const cv::Rect halved(window.x / 2, window.y / 2, window.width / 2, window.height / 2);
+    halve(halved);
     std::vector<Face> faces = blazeface::look(model_, half_, halved);
     for (Face& face : faces)
       face = scaled(face, 2);
@@ -91,9 +89,23 @@ class Looker {
  private:
   static constexpr int kHalvedWindow = 4 * blazeface::kInputSide;
 
+  /// Makes what of the half lies within the window.
+  void halve(const cv::Rect& window) {
+    if (half_.empty()) half_.create((rgb_.rows + 1) / 2, (rgb_.cols + 1) / 2, rgb_.type());
+    const bool isEven = rgb_.rows % 2 == 0 && rgb_.cols % 2 == 0;
+    const cv::Rect whole({}, half_.size());
+    const cv::Rect part = isEven ? window & whole : whole;
+    if (part.empty() || (part & halved_) == part) return;
+    const cv::Mat from = isEven ? rgb_(cv::Rect(part.tl() * 2, part.size() * 2)) : rgb_;
+    cv::Mat to = half_(part);
+    cv::resize(from, to, part.size(), 0, 0, cv::INTER_AREA);
+    halved_ = part;
+  }
+
   TfliteModel& model_;
   cv::Mat rgb_;
   cv::Mat half_;
+  cv::Rect halved_;  ///< the part of the half that is made
 };
 
 /// The faces again, each seen through a crop around it. The crop that all were seen through, if

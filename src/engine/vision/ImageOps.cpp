@@ -72,12 +72,16 @@ cv::Mat rgbMat(const PixelBuffer& picture) {
 }
 
 cv::Mat grayMat(const PixelBuffer& picture) {
-  if (picture.format() == PixelFormat::gray8) return sharedPlane(picture, CV_8UC1);
+  return grayMat(picture, {0, 0, picture.width(), picture.height()});
+}
+
+cv::Mat grayMat(const PixelBuffer& picture, const cv::Rect& part) {
+  if (picture.format() == PixelFormat::gray8) return sharedPlane(picture, CV_8UC1)(part);
   cv::Mat gray;
   if (picture.format() == PixelFormat::i420) {
-    sharedPlane(picture, CV_8UC1).convertTo(gray, CV_8UC1, kLumaGain, kLumaOffset);
+    sharedPlane(picture, CV_8UC1)(part).convertTo(gray, CV_8UC1, kLumaGain, kLumaOffset);
   } else {
-    cv::cvtColor(sharedPlane(picture, CV_8UC3), gray, cv::COLOR_RGB2GRAY);
+    cv::cvtColor(sharedPlane(picture, CV_8UC3)(part), gray, cv::COLOR_RGB2GRAY);
   }
   return gray;
 }
@@ -143,7 +147,7 @@ PixelBufferRef resized(const PixelBuffer& picture, int width, int height) {
 double sharpness(const PixelBuffer& picture, const CGRect& rect) {
   const cv::Rect inside = pixelRect(rect, {picture.width(), picture.height()});
   if (inside.empty()) return 0;
-  cv::Mat region = grayMat(picture)(inside);
+  cv::Mat region = grayMat(picture, inside);
   const int longer = std::max(inside.width, inside.height);
   if (longer > kSharpnessSide) {
     const auto side = [&](int length) { return std::max(1, length * kSharpnessSide / longer); };
@@ -162,7 +166,7 @@ Luma luma(const PixelBuffer& picture, const CGRect& rect) {
   if (inside.empty()) return {};
   cv::Scalar mean;
   cv::Scalar deviation;
-  cv::meanStdDev(grayMat(picture)(inside), mean, deviation);
+  cv::meanStdDev(grayMat(picture, inside), mean, deviation);
   return {mean[0], deviation[0]};
 }
 

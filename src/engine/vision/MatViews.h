@@ -17,6 +17,9 @@ cv::Mat rgbMat(const platform::PixelBuffer& picture);
 /// write it, and keep the picture alive.
 cv::Mat grayMat(const platform::PixelBuffer& picture);
 
+/// The luma of a part that lies inside the picture.
+cv::Mat grayMat(const platform::PixelBuffer& picture, const cv::Rect& part);
+
 /// A copy of an 8-bit matrix of three (RGB) or one channel (grey) as an rgb24 or gray8 picture.
 platform::PixelBufferRef pixelBufferFrom(const cv::Mat& mat);
 
