@@ -23,14 +23,15 @@ cv::Mat toCard(const Quad& outline) {
   return cv::getPerspectiveTransform(from, to);
 }
 
-platform::PixelBufferRef straightened(const cv::Mat& picture, const Quad& outline) {
+platform::PixelBufferRef straightened(const cv::Mat& picture, const Quad& outline,
+                                      cv::InterpolationFlags interpolation) {
   const double shrink = outline.width() / kCardWidth;
   cv::Mat source = picture;
   // Interpolation looks at four pixels only: what shrinks must be smoothed first.
   if (shrink > 1.3) cv::GaussianBlur(picture, source, cv::Size(), 0.4 * shrink);
   cv::Mat card;
   cv::warpPerspective(source, card, toCard(outline),
-                      cv::Size(kCardWidth, straightenedHeight(outline)), cv::INTER_CUBIC,
+                      cv::Size(kCardWidth, straightenedHeight(outline)), interpolation,
                       cv::BORDER_REPLICATE);
   return pixelBufferFrom(card);
 }
@@ -42,12 +43,14 @@ int straightenedHeight(const Quad& outline) {
 }
 
 platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, const Quad& outline) {
-  return straightened(rgbMat(picture), outline);
+  return straightened(rgbMat(picture), outline, cv::INTER_CUBIC);
 }
 
 platform::PixelBufferRef straightenedGray(const platform::PixelBuffer& picture,
                                           const Quad& outline) {
-  return straightened(grayMat(picture), outline);
+  // Measured at half this size, print seems one to four per cent less sharp than by the better
+  // interpolation, which takes four times as long.
+  return straightened(grayMat(picture), outline, cv::INTER_LINEAR);
 }
 
 platform::PixelBufferRef onItsHead(const platform::PixelBuffer& card) {

@@ -18,7 +18,7 @@ int straightenedHeight(const Quad& outline);
 
 /// The card inside the outline as seen from straight above, rgb24; small cards are scaled up.
 platform::PixelBufferRef straightened(const platform::PixelBuffer& picture, const Quad& outline);
-/// The same in grey, gray8.
+/// The same in grey, gray8, made quickly: to be measured on each picture, not to be read.
 platform::PixelBufferRef straightenedGray(const platform::PixelBuffer& picture,
                                           const Quad& outline);
 
