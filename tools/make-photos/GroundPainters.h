@@ -40,4 +40,9 @@ cv::Mat atlas(cv::Size size, double scale, session::Random& random);
 cv::Mat oilcloth(cv::Size size, double scale, session::Random& random);
 cv::Mat quilt(cv::Size size, double scale, session::Random& random);
 
+// In halls and waiting rooms.
+cv::Mat letters(cv::Size size, double scale, session::Random& random);
+cv::Mat parquet(cv::Size size, double scale, session::Random& random);
+cv::Mat grille(cv::Size size, double scale, session::Random& random);
+
 }  // namespace corvana::photos

@@ -289,7 +289,8 @@ const std::map<std::string, Painter>& painters() {
       {"grass", grass},       {"mosaic", mosaic},       {"denim", denim},
       {"keyboard", keyboard}, {"cardboard", cardboard}, {"notebook", notebook},
       {"steel", steel},       {"wicker", wicker},       {"atlas", atlas},
-      {"oilcloth", oilcloth}, {"quilt", quilt}};
+      {"oilcloth", oilcloth}, {"quilt", quilt},         {"letters", letters},
+      {"parquet", parquet},   {"grille", grille}};
   return kAll;
 }
 
@@ -309,10 +310,10 @@ std::string words(std::size_t letters, Random& random) {
 
 const std::vector<std::string>& groundNames() {
   static const std::vector<std::string> kNames = {
-      "plain",    "wood",    "print",  "cloth",    "stone",    "tiles",    "carpet",
-      "stripes",  "leather", "marble", "terrazzo", "tartan",   "cork",     "bamboo",
-      "bricks",   "knit",    "grass",  "mosaic",   "denim",    "keyboard", "cardboard",
-      "notebook", "steel",   "wicker", "atlas",    "oilcloth", "quilt"};
+      "plain",   "wood",     "print",    "cloth",    "stone",     "tiles",    "carpet", "stripes",
+      "leather", "marble",   "terrazzo", "tartan",   "cork",      "bamboo",   "bricks", "knit",
+      "grass",   "mosaic",   "denim",    "keyboard", "cardboard", "notebook", "steel",  "wicker",
+      "atlas",   "oilcloth", "quilt",    "letters",  "parquet",   "grille"};
   return kNames;
 }
 
