@@ -25,6 +25,15 @@ std::vector<TextLine> onTheirHead(std::vector<TextLine> lines, const platform::P
   return lines;
 }
 
+/// What is inside the outline, before anything of it is known.
+CardLook straightenedBy(const platform::PixelBuffer& picture, const Quad& outline) {
+  CardLook look;
+  look.outline = outline;
+  look.card = straightened(picture, outline);
+  look.turned = straightened(picture, upsideDown(outline));
+  return look;
+}
+
 /// Where a card has print other than its machine-readable zone, which stands at the bottom.
 platform::CGRect outsideZone(const CardReading& reading) {
   constexpr double kHighestZone = 0.35;  // of the card; more is a title that was taken for a line
@@ -44,10 +53,10 @@ bool hasMark(const corvana::DetectedData& side) {
 }  // namespace
 
 CardLook DocumentAnalyzer::lookAt(const platform::PixelBuffer& picture, const Quad& outline) {
-  CardLook look;
-  look.outline = outline;
-  look.card = straightened(picture, outline);
-  look.turned = straightened(picture, upsideDown(outline));
+  return lookInto(straightenedBy(picture, outline));
+}
+
+CardLook DocumentAnalyzer::lookInto(CardLook look) {
   look.faceScore = faceScore(*look.card);
   look.faceScoreTurned = faceScore(*look.turned);
   // Lines found in a card that lies upright need not be found again when it is read.
@@ -59,11 +68,9 @@ CardLook DocumentAnalyzer::lookAt(const platform::PixelBuffer& picture, const Qu
 
 CardLook DocumentAnalyzer::lookAtBarcode(const platform::PixelBuffer& picture,
                                          const Quad& outline) {
-  auto barcode = searchBarcode(*straightened(picture, outline));
-  if (!barcode) return {};
-  CardLook look = lookAt(picture, outline);
-  look.barcode = std::move(barcode);
-  return look;
+  CardLook look = straightenedBy(picture, outline);
+  look.barcode = searchBarcode(*look.card);
+  return look.barcode ? lookInto(std::move(look)) : CardLook();
 }
 
 std::optional<DocumentAnalyzer::StillReading> DocumentAnalyzer::readUpright(const CardLook& look) {

@@ -135,6 +135,8 @@ class DocumentAnalyzer {
   /// The card in the picture that has a barcode, where what was taken for it has no mark of a side.
   std::optional<CardLook> cardWithBarcode(const StillPicture& still);
   CardLook lookAt(const platform::PixelBuffer& picture, const Quad& outline);
+  /// Finds the face and print of what was straightened, and a barcode unless one is known.
+  CardLook lookInto(CardLook look);
   CardLook lookAtBarcode(const platform::PixelBuffer& picture, const Quad& outline);
   std::optional<StillReading> readUpright(const CardLook& look);
 

@@ -257,8 +257,8 @@ std::vector<DocumentField> printedFields(const std::vector<TextLine>& lines,
     const auto named = std::ranges::find(fields, placed.name, &DocumentField::name);
     if (named == fields.end()) fields.push_back(std::move(placed));
   }
-  leaveLabelsOut(parted, read, record, fields);
   addUnlabelled(parted, read, record, fields);
+  leaveLabelsOut(parted, read, record, fields);
   addIssueDate(parted, record, fields);
   addSurnameAbove(parted, labels, read, record, fields);
   return fields;

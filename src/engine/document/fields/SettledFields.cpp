@@ -105,24 +105,29 @@ bool hasSmallLetters(const std::string& text) {
 }
 
 /// Values of one column are of one print and begin at one edge; labels between them are smaller.
-bool areInOneColumn(const TextLine& a, const TextLine& b) {
+bool areInOneColumn(const platform::CGRect& a, const platform::CGRect& b) {
   constexpr double kSameHeight = 0.7;  // marks make a line higher
   constexpr double kSameEdge = 0.5;    // of the height
-  const auto [low, high] = std::minmax(a.box.height, b.box.height);
-  return low > kSameHeight * high && std::abs(a.box.minX() - b.box.minX()) < kSameEdge * high &&
-         hasSmallLetters(a.text) == hasSmallLetters(b.text);
+  const auto [low, high] = std::minmax(a.height, b.height);
+  return low > kSameHeight * high && std::abs(a.minX() - b.minX()) < kSameEdge * high;
+}
+
+/// Whether no other value can stand between two of one column.
+bool isNextAbove(const platform::CGRect& above, const platform::CGRect& value) {
+  constexpr double kMostAbove = 2.0;   // of the height, with a label between
+  constexpr double kMostShared = 0.5;  // of the height
+  const double gap = value.minY() - above.maxY();
+  return gap > -kMostShared * value.height && gap < kMostAbove * value.height &&
+         areInOneColumn(above, value);
 }
 
 /// The words that stand next above a value, in its column; null where none do.
 const TextLine* wordsAbove(const TextLine& value, const std::vector<const TextLine*>& words) {
-  constexpr double kMostAbove = 2.0;   // of the height, with a label between
-  constexpr double kMostShared = 0.5;  // of the height
   const TextLine* next = nullptr;
   for (const TextLine* line : words) {
-    const double gap = value.box.minY() - line->box.maxY();
-    const bool isNear =
-        gap > -kMostShared * value.box.height && gap < kMostAbove * value.box.height;
-    if (line == &value || !isNear || !areInOneColumn(*line, value)) continue;
+    const bool isAbove = line != &value && isNextAbove(line->box, value.box) &&
+                         hasSmallLetters(line->text) == hasSmallLetters(value.text);
+    if (!isAbove) continue;
     if (!next || line->box.maxY() > next->box.maxY()) next = line;
   }
   return next;
@@ -132,6 +137,19 @@ const TextLine* wordsAbove(const TextLine& value, const std::vector<const TextLi
 bool isSmallBeside(const DocumentField& field, const DocumentField& value) {
   constexpr double kMostOfValue = 0.8;
   return field.place && value.place && field.place->height < kMostOfValue * value.place->height;
+}
+
+/// Whether a name stands with the holder's other one as on every document, and what was taken for
+/// it stands below both, under a label of something else. An altered name stands in its own place.
+bool standsWithOtherName(const DocumentField& name, const DocumentField& taken,
+                         const Fields& fields) {
+  const bool isSurname = name.name == FieldName::surname;
+  const auto other = std::ranges::find(
+      fields, isSurname ? FieldName::givenNames : FieldName::surname, &DocumentField::name);
+  if (other == fields.end() || !other->place || !name.place || !taken.place) return false;
+  const auto& [upper, lower] =
+      isSurname ? std::pair(*name.place, *other->place) : std::pair(*other->place, *name.place);
+  return isNextAbove(upper, lower) && taken.place->minY() > lower.midY();
 }
 
 /// Documents expire on the day of the year on which they were issued, or on the day before.
@@ -215,7 +233,9 @@ void leaveLabelsOut(const std::vector<TextLine>& lines, const ValueReader& read,
     const auto recorded = std::ranges::find(record, field.name, &DocumentField::name);
     if (recorded == record.end()) continue;
     auto value = inPrint(*recorded, lines, read, fields, Reach::wholeLine);
-    if (value && isSmallBeside(field, *value)) field = *std::move(value);
+    const bool isOther =
+        value && (isSmallBeside(field, *value) || standsWithOtherName(*value, field, fields));
+    if (isOther) field = *std::move(value);
   }
 }
 

@@ -28,8 +28,8 @@ void addUnlabelled(const std::vector<TextLine>& lines, const ValueReader& read,
                    std::vector<corvana::DocumentField>& fields);
 
 /// Puts the record's name where it stands alone in a line into the place of what was taken for this
-/// name and is another, in smaller print: a misread label's part. What is printed otherwise in
-/// print as large stays.
+/// name and is another, in smaller print or below both names: a misread label's part, or what
+/// stands under one. What is printed otherwise in its place, in print as large, stays.
 void leaveLabelsOut(const std::vector<TextLine>& lines, const ValueReader& read,
                     const std::vector<corvana::DocumentField>& record,
                     std::vector<corvana::DocumentField>& fields);
