@@ -3,6 +3,7 @@
 #include <numbers>
 
 #include <gtest/gtest.h>
+#include <opencv2/imgproc.hpp>
 
 #include "TestCards.h"
 #include "engine/document/outline/CardFinder.h"
@@ -57,6 +58,22 @@ TEST(CardFinder, SaysWhatIsWrongWithTheCardsPlace) {
            {{.y = 1150, .width = 600}, CardVerdict::alignRectangle}}) {
     EXPECT_EQ(engine::findCard(*tests::hold(card.front, held).picture, kGuide).verdict, verdict)
         << "x " << held.x << ", width " << held.width << ", roll " << held.roll;
+  }
+}
+
+TEST(CardFinder, TakesNothingPrintedOnACardThatIsTooNearForTheCard) {
+  auto card = tests::drawCard(0, tests::holder(1), "person_a.jpg");
+  // A frame of a card's shape, not as clear as a card.
+  const cv::Size size = card.front.size();
+  const cv::Rect frame(size.width / 5, size.height / 5, size.width * 3 / 5, size.height * 3 / 5);
+  cv::rectangle(card.front, frame, cv::Scalar(40, 60, 90, 255), 3);
+  const cv::Rect gap(frame.x + frame.width / 4, frame.y - 12, frame.width / 3, frame.height + 24);
+  cv::Mat(card.front, gap).setTo(cv::Scalar(205, 215, 225, 255));
+  for (const auto& [width, verdict] : {std::pair(600.0, CardVerdict::found),
+                                       {850.0, CardVerdict::moveAway},
+                                       {950.0, CardVerdict::moveAway}}) {
+    const auto shown = tests::hold(card.front, {.width = width});
+    EXPECT_EQ(engine::findCard(*shown.picture, kGuide).verdict, verdict) << width;
   }
 }
 

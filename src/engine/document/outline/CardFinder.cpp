@@ -38,6 +38,12 @@ constexpr double kLeastCutOffSupport = 0.7;
 constexpr double kEndPart = 0.15;
 constexpr double kLeastEndSupport = 0.5;
 constexpr double kMostCutOffTaper = 1.25;
+/// What is printed on a card that comes too near may pass for a card (up to 0.88). One that is held
+/// well is clearer mostly (0.80 and more, half of 1,369 looks above 0.93) and clearer than what may
+/// be made of its picture's edges: an outline less clear than this gives way to a cut card that is
+/// so much clearer.
+constexpr double kSureScore = 0.85;
+constexpr double kClearer = 0.05;
 constexpr double kSmallestOfGuide = 0.25;
 
 double squared(double value) {
@@ -65,8 +71,16 @@ cv::Point2d pointOf(platform::CGPoint point) {
 /// What can be said of a card that reaches out of the picture.
 struct CutCard {
   CardVerdict verdict = CardVerdict::none;
-  double area = 0;  ///< of what is seen of it
+  double area = 0;     ///< of what is seen of it
+  double support = 0;  ///< of its least clear side
 };
+
+/// Whether the outline is of something printed on the card that reaches out of the picture.
+bool isPrintedOn(const CutCard& card, const Candidate& outline, bool isSmall) {
+  if (card.verdict == CardVerdict::none) return false;
+  if (card.area < outline.quad.width() * outline.quad.height()) return false;
+  return isSmall || card.support > outline.score + kClearer;
+}
 
 Quad scaled(const Quad& quad, double factor, cv::Point2d offset) {
   Quad result;
@@ -119,7 +133,8 @@ class OutlineSearch {
       const CutEdges cut = cutsOf(quad, picture);
       if (cut.count() == 0 || quad.taper() > kMostCutOffTaper) return;
       const CardVerdict place = cutCardPlace(quad, cut, guide_, limits);
-      if (place != CardVerdict::none && isClear(quad, cut)) best = {place, area};
+      if (place == CardVerdict::none) return;
+      if (const double support = cutSupport(quad, cut)) best = {place, area, support};
     });
     return best;
   }
@@ -188,16 +203,19 @@ class OutlineSearch {
             picture.bottom && c[2].y >= bottom && c[3].y >= bottom};
   }
 
-  /// Whether all sides within the picture are clear, and go on to the edges that cut them.
-  bool isClear(const Quad& quad, const CutEdges& cut) const {
+  /// Support of the least clear side within the picture; 0 where one is not clear or does not go on
+  /// to the edge that cuts it.
+  double cutSupport(const Quad& quad, const CutEdges& cut) const {
     const std::array<bool, 4> hidden{false, cut.right, cut.bottom, cut.left};
+    double least = kFullSupport;
     for (std::size_t side = 0; side < hidden.size(); ++side) {
       if (hidden[side]) continue;
-      if (sideSupport(quad, side) < kLeastCutOffSupport) return false;
-      if (hidden[(side + 1) % 4] && endSupport(quad, side, true) < kLeastEndSupport) return false;
-      if (hidden[(side + 3) % 4] && endSupport(quad, side, false) < kLeastEndSupport) return false;
+      least = std::min(least, sideSupport(quad, side));
+      if (least < kLeastCutOffSupport) return 0;
+      if (hidden[(side + 1) % 4] && endSupport(quad, side, true) < kLeastEndSupport) return 0;
+      if (hidden[(side + 3) % 4] && endSupport(quad, side, false) < kLeastEndSupport) return 0;
     }
-    return true;
+    return least;
   }
 
   /// As `sideSupport`, of the last or the first part of a side.
@@ -278,15 +296,10 @@ CardSighting findCard(const platform::PixelBuffer& picture, const platform::CGRe
   const Candidate best = search.best();
   const bool isSmall = best.quad.width() < limits.leastCardWidth * smallGuide.width;
   const bool isSeen = best.score >= (isSmall ? kLeastSmallScore : kLeastScore);
-  CardSighting sighting;
-  if (!isSeen || isSmall) {
+  if (!isSeen || isSmall || best.score < kSureScore) {
     const CutEdges edges{window.x == 0, window.br().x == rgb.cols, window.br().y == rgb.rows};
     const CutCard cut = search.cutOff(edges, limits);
-    const bool isPartOfIt = isSeen && cut.area < best.quad.width() * best.quad.height();
-    if (!isSeen || (cut.verdict != CardVerdict::none && !isPartOfIt)) {
-      sighting.verdict = cut.verdict;
-      return sighting;
-    }
+    if (!isSeen || isPrintedOn(cut, best, isSmall)) return {cut.verdict, {}};
   }
   // A pixel of the small picture stands for the middle of those it was made from.
   const cv::Point2d offset(window.x + (factor - 1) / 2, window.y + (factor - 1) / 2);
