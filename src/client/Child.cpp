@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstring>
 #include <utility>
@@ -9,7 +10,6 @@
 #include <fcntl.h>
 #include <nlohmann/json.hpp>
 #include <poll.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
