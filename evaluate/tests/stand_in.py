@@ -1,7 +1,7 @@
 #!/usr/bin/python3 -IS
 """Stands in for videoid: the film's text says what comes of it, with a value for each comparison of faces.
 
-A film is JSON: {"faces": [0.3, 0.5], "dies": false}. Each showing leaves a line in the file that SHOWN names.
+A film is JSON: {"faces": [0.3, 0.5], "dies": ""}; it may die "always" or "with options". Each showing leaves a line in the file that SHOWN names.
 A photograph is a JSON list of the numbers that the network would make of it, or empty for one without a face.
 """
 import json
@@ -22,7 +22,7 @@ arguments = dict(zip(sys.argv[2::1], sys.argv[3::1]))
 film = json.loads(pathlib.Path(arguments["--camera"]).read_text())
 with open(os.environ["SHOWN"], "a", encoding="utf-8", errors="backslashreplace") as shown:
     shown.write(arguments["--camera"] + "\n")
-if film.get("dies"):
+if film.get("dies") == "always" or (film.get("dies") == "with options" and "--options" in arguments):
     print("videoid: the film is broken", file=sys.stderr)
     sys.exit(2)
 options = json.loads(pathlib.Path(arguments["--options"]).read_text()) if "--options" in arguments else {}

@@ -25,7 +25,7 @@ class Folder:
         (path / "reference" / "reference.json").write_text("{}")
         (path / "text.txt").write_text("Good day")
 
-    def film(self, label: str, person: str, owner: str, faces: list[float], light: str = "day", dies: bool = False) -> None:
+    def film(self, label: str, person: str, owner: str, faces: list[float], light: str = "day", dies: str = "") -> None:
         name = f"film{len(self.rows)}.json"
         (self.path / name).write_text(json.dumps({"faces": faces, "dies": dies, "nr": len(self.rows)}))
         differs = "person" if person != owner else ""
@@ -102,7 +102,7 @@ def test_what_the_manifest_says_is_no_code_in_the_page(folder: Folder) -> None:
 
 def test_a_session_that_can_not_be_run_is_told_and_tried_again(folder: Folder, capsys: pytest.CaptureFixture[str]) -> None:
     folder.film("genuine", "ann", "ann", [0.1])
-    folder.film("genuine", "bob", "bob", [0.1], dies=True)
+    folder.film("genuine", "bob", "bob", [0.1], dies="always")
     assert folder.evaluate() == 1
     assert "the film is broken" in capsys.readouterr().err
     assert folder.summary["session"]["falseRejection"]["trials"] == 1
@@ -136,6 +136,15 @@ def test_a_suggestion_is_chosen_on_one_half_and_tried_on_the_other(folder: Folde
     assert told["option"] == "videoCapture.idToSelfieMatchThreshold"
     assert told["falseAcceptance"]["upper"] <= 0.3
     assert len(folder.shown) > 120  # the second half once more, with the new threshold
+
+
+def test_what_could_not_be_run_with_a_suggestion_is_told(folder: Folder, capsys: pytest.CaptureFixture[str]) -> None:
+    for n in range(60):
+        folder.film("genuine", f"g{n}", f"g{n}", [0.2], dies="with options" if n < 10 else "")
+        folder.film("stranger", f"a{n}", f"a{n}'s twin", [0.7])
+    assert folder.evaluate("--suggest", "far=0.3") == 1
+    assert "the film is broken (with videoCapture.idToSelfieMatchThreshold = " in capsys.readouterr().err
+    assert 0 < len(folder.summary["notRun"]) < 10
 
 
 @pytest.mark.parametrize(
@@ -196,7 +205,7 @@ def test_names_that_are_no_unicode_lose_no_figures(folder: Folder, tmp_path: pat
     (folder.path / "reference" / os.fsdecode(b"\xe9.png")).write_text("a card")
     (folder.path / "text.txt").write_text("Good day")
     folder.film("genuine", "ann", "ann", [0.2])
-    folder.film("genuine", "bob", "bob", [0.2], dies=True)
+    folder.film("genuine", "bob", "bob", [0.2], dies="always")
     assert folder.evaluate() == 1
     assert "caf\udce9" in folder.summary["notRun"][0]
     assert (folder.out / "scores.csv").read_text().count("film0.json") == 1

@@ -58,7 +58,8 @@ def _evaluate(arguments: argparse.Namespace) -> int:
     with workers.connected(arguments.scheduler, _certificates(arguments), arguments.workers) as client:
         shown = evaluation.show(client, sessions, used, store)
         if wish is not None:
-            suggestion, told = evaluation.suggested(client, shown, used, store, wish)
+            suggestion, told, faults = evaluation.suggested(client, shown, used, store, wish)
+            shown.faults.extend(faults)
     evaluation.report(arguments.output, shown, used, suggestion, told)
     _say(shown, suggestion, arguments.output)
     return 1 if shown.faults or figures.surprises(shown.ended) else 0

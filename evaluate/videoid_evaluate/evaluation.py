@@ -60,16 +60,18 @@ def _write_scores(path: pathlib.Path, ended: Ended) -> None:
 
 def suggested(
     client: distributed.Client, shown: Shown, program: Program, store: Store, wish: Wish
-) -> tuple[Suggestion, dict[str, object]]:
-    """Chooses on one half of the persons, runs the other half again with what was chosen, and says what it costs."""
+) -> tuple[Suggestion, dict[str, object], list[str]]:
+    """Chooses on one half of the persons, runs the other half again with what was chosen, and says what it costs, and
+    which of it could not be run."""
     first, second = suggest.halves(shown.ended)
     suggestion = suggest.choose(first, wish)
     told: dict[str, object] = {"option": wish.kind.option, "target": wish.target, "chosenOn": suggestion.chosen_on.as_json()}
     if suggestion.threshold is None:
-        return suggestion, {**told, "declined": suggestion.why_not}
+        return suggestion, {**told, "declined": suggestion.why_not}, []
     options = json.dumps({**json.loads(program.options or "{}"), wish.kind.option: suggestion.threshold}, sort_keys=True)
     moved = dataclasses.replace(program, options=options)
     again = show(client, [session for session, _ in second], moved, store)
+    faults = [f"{fault} (with {wish.kind.option} = {suggestion.threshold})" for fault in again.faults]
     accepted = figures.of_sessions(
         suggest.impostors(again.ended, wish.kind), lambda _, outcome: outcome.accepted, suggest.ONE_SIDED
     )
@@ -84,8 +86,8 @@ def suggested(
             f"on the other half of the persons the upper limit is {accepted.upper:.2g} with {accepted.persons} independent "
             f"impostors: {wish.target:g} takes about {suggest.needed(wish.target)} without an error."
         )
-        return dataclasses.replace(suggestion, threshold=None, why_not=why), {**told, "declined": why}
-    return suggestion, told
+        return dataclasses.replace(suggestion, threshold=None, why_not=why), {**told, "declined": why}, faults
+    return suggestion, told, faults
 
 
 def _refused(_: Session, outcome: Outcome) -> bool:

@@ -74,6 +74,34 @@ def test_a_program_that_is_not_there_is_named() -> None:
         videoid.compare("a.png", "b.png", program="/nowhere/videoid")
 
 
+def test_python_ends_though_a_call_got_no_thread() -> None:
+    code = """
+def refuse(thread): raise RuntimeError("can't start new thread")
+threading.Thread.start = refuse
+videoid.compare("a.png", "b.png", program=STAND_IN)
+"""
+    caller = python("import threading\n" + code)
+    assert "MachineLacksError: No thread can be started" in caller.communicate()[1]
+    assert caller.returncode == 1
+
+
+@pytest.mark.parametrize(
+    ("content", "sentence"),
+    [
+        (None, "can't be read .*name a folder that enroll made"),
+        ("{", "is no reference: enroll the card again"),
+        ("[]", "is no reference"),
+        ('{"front": {"fields": [{"name": "surname"}]}}', "is no reference"),
+        ('{"front": 7}', "is no reference"),
+    ],
+)
+def test_what_is_no_reference_is_named(tmp_path: pathlib.Path, content: str | None, sentence: str) -> None:
+    if content is not None:
+        (tmp_path / "reference.json").write_text(content, encoding="utf-8")
+    with pytest.raises(videoid.WrongUseError, match=f"reference.json.*{sentence}"):
+        videoid.Reference.of(tmp_path)
+
+
 def test_a_difference_is_an_exception_of_verify() -> None:
     with pytest.raises(videoid.DifferenceError) as caught:
         videoid.verify("run", program=STAND_IN, **{"as": "changed"})

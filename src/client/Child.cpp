@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstring>
 #include <utility>
@@ -9,7 +10,6 @@
 #include <fcntl.h>
 #include <nlohmann/json.hpp>
 #include <poll.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
@@ -212,10 +212,10 @@ struct Streams {
       pair->theirs.reset();
   }
 
-  /// Takes what comes until the process has ended and nothing is left, or all ends were closed.
+  /// Takes what comes until the process has ended and nothing is left; a negative one has.
   void follow(int process, ChildEnd& end, const ChildEvents& events) {
     std::string buffer;
-    for (bool hasEnded = false;;) {
+    for (bool hasEnded = process < 0;;) {
       std::array<pollfd, 4> watched = {{{output.ours.get(), POLLIN, 0},
                                         {errors.ours.get(), POLLIN, 0},
                                         {socket.ours.get(), POLLIN, 0},
@@ -244,6 +244,17 @@ void readExit(pid_t child, ChildEnd& end) {
   if (waited != child) return;
   if (WIFEXITED(status)) end.exitCode = WEXITSTATUS(status);
   if (WIFSIGNALED(status)) end.signal = WTERMSIG(status);
+}
+
+/// Without a descriptor of the process nobody would learn that it has ended.
+void giveUp(pid_t child, int fault, ChildEnd& end) {
+  kill(child, SIGKILL);
+  readExit(child, end);
+  end.started = false;
+  end.startFault = fault;
+  end.isWatchable = false;
+  end.errors = std::string("The program's process can't be watched (pidfd_open: ") +
+               std::strerror(fault) + ")";
 }
 
 }  // namespace
@@ -298,6 +309,11 @@ ChildEnd Child::run(const std::string& program, std::vector<std::string> argumen
   }
   end.started = true;
   const Descriptor process(pidfd_open(child, 0));
+  // Where the caller ignores its children it may be gone already.
+  if (!process.isOpen() && errno != ESRCH) {
+    giveUp(child, errno, end);
+    return end;
+  }
   {
     const RunningChild running(*this, process.get());
     streams.follow(process.get(), end, events);

@@ -12,8 +12,9 @@ namespace corvana::client {
 /// What a process left behind.
 struct ChildEnd {
   bool started = false;
-  int startFault = 0;  ///< `errno` of what kept it from starting
-  int exitCode = -1;   ///< negative: a signal ended it, or nobody knows what did
+  int startFault = 0;       ///< `errno` of what kept it from starting or from being watched
+  bool isWatchable = true;  ///< false: nobody could have told that it ended, so that it was ended
+  int exitCode = -1;        ///< negative: a signal ended it, or nobody knows what did
   int signal = 0;
   bool wasTerminated = false;  ///< by `terminate`, whatever came of it
   std::string output;

@@ -64,10 +64,12 @@ Answer notStarted(const ChildEnd& end) {
     return failed(CORVANA_VIDEOID_WRONG_USE, what + ": give a long text as \"text-file\".");
   const bool isBusy = end.startFault == EMFILE || end.startFault == ENFILE ||
                       end.startFault == EAGAIN || end.startFault == ENOMEM;
-  return failed(CORVANA_VIDEOID_MACHINE_LACKS,
-                what + (isBusy ? ": let this process and others close what they have open."
-                               : ": install the package corvana-videoid with all that it depends "
-                                 "on."));
+  const std::string remedy =
+      isBusy             ? "let this process and others close what they have open."
+      : !end.isWatchable ? "it takes Linux 5.3 or newer, and in a container a filter of system "
+                           "calls that lets pidfd_open and pidfd_send_signal through."
+                         : "install the package corvana-videoid with all that it depends on.";
+  return failed(CORVANA_VIDEOID_MACHINE_LACKS, what + ": " + remedy);
 }
 
 corvana_videoid_status statusOf(const ChildEnd& end) {

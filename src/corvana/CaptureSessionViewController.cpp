@@ -10,14 +10,15 @@ using platform::QualityOfService;
 
 CaptureSessionViewController::CaptureSessionViewController(platform::Environment& environment,
                                                            HostFactories& host)
-    : UIViewController(environment), host_(host) {}
+    : UIViewController(environment),
+      host_(host),
+      cameraQueue_(
+          environment.runLoop.makeSerialQueue("CameraQueue", QualityOfService::userInitiated)) {}
 
 CaptureSessionViewController::~CaptureSessionViewController() {
   // The queue owns the session from here: stopping a camera may take time.
   if (!captureSession_) return;
-  environment()
-      .runLoop.globalQueue(QualityOfService::userInitiated)
-      .async([session = captureSession_] { session->stopRunning(); });
+  cameraQueue_->async([session = captureSession_] { session->stopRunning(); });
 }
 
 CaptureSession& CaptureSessionViewController::captureSession() {
@@ -32,20 +33,16 @@ void CaptureSessionViewController::setVideoPreviewLayer(std::shared_ptr<platform
 void CaptureSessionViewController::viewWillAppear(bool) {
   captureSession();
   std::weak_ptr<UIViewController> weak = weak_from_this();
-  environment()
-      .runLoop.globalQueue(QualityOfService::userInitiated)
-      .async([session = captureSession_, weak, &loop = environment().runLoop] {
-        session->startRunning();
-        platform::callDelegate(loop, weak, [](UIViewController& self) {
-          static_cast<CaptureSessionViewController&>(self).captureSessionDidStartRunning();
-        });
-      });
+  cameraQueue_->async([session = captureSession_, weak, &loop = environment().runLoop] {
+    session->startRunning();
+    platform::callDelegate(loop, weak, [](UIViewController& self) {
+      static_cast<CaptureSessionViewController&>(self).captureSessionDidStartRunning();
+    });
+  });
 }
 
 void CaptureSessionViewController::viewDidDisappear(bool) {
-  environment()
-      .runLoop.globalQueue(QualityOfService::userInitiated)
-      .async([session = captureSession_] { session->stopRunning(); });
+  cameraQueue_->async([session = captureSession_] { session->stopRunning(); });
 }
 
 }  // namespace corvana

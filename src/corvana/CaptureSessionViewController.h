@@ -39,6 +39,8 @@ class CaptureSessionViewController : public platform::UIViewController {
 
  private:
   HostFactories& host_;
+  /// A camera may take long to start: what was asked of it last has to be done last.
+  std::shared_ptr<platform::DispatchQueue> cameraQueue_;
   std::shared_ptr<CaptureSession> captureSession_;
   std::shared_ptr<platform::CALayer> previewLayer_;
 };

@@ -1,11 +1,18 @@
+#include <array>
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <clocale>
+#include <cstddef>
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include "client/Caller.h"
@@ -64,6 +71,36 @@ TEST(Calls, TellWhatIsTooMuchFromAProgramThatIsMissing) {
   EXPECT_EQ(error.find("install"), std::string::npos) << error;
 }
 
+/// From now on this thread and what it starts are refused a system call, as by the filter of a
+/// container.
+bool refuseForThisThread(unsigned int call, unsigned int fault) {
+  std::array<sock_filter, 4> steps = {
+      {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+       BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 1),
+       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | fault),
+       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)}};
+  const sock_fprog filter = {steps.size(), steps.data()};
+  return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+         prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
+}
+
+TEST(Calls, DoNotWaitForAProcessThatNobodyCanWatch) {
+  for (const unsigned int fault : {ENOSYS, EPERM}) {
+    Caller caller;
+    corvana_videoid_status status = CORVANA_VIDEOID_RESULT;
+    bool isRefused = false;
+    std::thread([&] {
+      isRefused = refuseForThisThread(SYS_pidfd_open, fault);
+      if (isRefused) status = caller.capture("wait");
+    }).join();
+    if (!isRefused) GTEST_SKIP() << "no filters of system calls here";
+    EXPECT_EQ(status, CORVANA_VIDEOID_MACHINE_LACKS);
+    const auto error = caller.answer["error"].get<std::string>();
+    EXPECT_NE(error.find("lets pidfd_open"), std::string::npos) << error;
+    EXPECT_EQ(error.find("install"), std::string::npos) << error;
+  }
+}
+
 TEST(Calls, WriteNumbersAsTheProgramReadsThemWhateverTheLocale) {
   if (!std::setlocale(LC_NUMERIC, "tr_TR.UTF-8")) GTEST_SKIP() << "no decimals with a comma here";
   Caller caller;
@@ -81,6 +118,18 @@ TEST(Calls, TakeMuchOutputAndDoNotWaitForWhatTheProgramStarted) {
   EXPECT_EQ(caller.capture("much"), CORVANA_VIDEOID_RESULT);
   ASSERT_EQ(caller.capture("orphan"), CORVANA_VIDEOID_RESULT);
   kill(caller.answer["orphan"].get<int>(), SIGKILL);
+}
+
+TEST(Calls, EndAlsoWhereTheCallerIgnoresItsChildren) {
+  Caller caller;
+  const auto before = signal(SIGCHLD, SIG_IGN);
+  // The program may have gone before anybody could watch it, or after.
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_EQ(caller.capture("result"), CORVANA_VIDEOID_CRASHED);
+    const auto error = caller.answer["error"].get<std::string>();
+    EXPECT_NE(error.find("let nothing else wait"), std::string::npos) << error;
+  }
+  signal(SIGCHLD, before);
 }
 
 TEST(Calls, HandOnNoDescriptorOfTheCaller) {

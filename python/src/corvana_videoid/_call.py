@@ -61,10 +61,15 @@ class Call:
         self._answer: _library.Answer | None = None
         self._on_end = on_end
         self._ended = threading.Event()
-        _calls.add(self)
-        threading.Thread(
+        thread = threading.Thread(
             target=self._run, args=(function, request, follower), name=f"videoid {function}", daemon=True
-        ).start()
+        )
+        try:
+            thread.start()
+        except RuntimeError as fault:
+            self._handle.destroy()
+            raise MachineLacksError(f"No thread can be started ({fault}): let this process and others end some.") from fault
+        _calls.add(self)
 
     def _run(self, function: str, request: bytes, follower: _library.Follower | None) -> None:
         try:

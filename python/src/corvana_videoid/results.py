@@ -5,8 +5,10 @@ import dataclasses
 import json
 import os
 import pathlib
-from collections.abc import Mapping
+from collections.abc import Iterator, Mapping
 from typing import Any
+
+from corvana_videoid.errors import WrongUseError
 
 
 @dataclasses.dataclass(frozen=True)
@@ -72,15 +74,25 @@ class Reference(os.PathLike[str]):
 
     @classmethod
     def of(cls, folder: pathlib.Path) -> Reference:
-        """Reads a card that was enrolled before."""
-        record = json.loads((folder / "reference.json").read_text(encoding="utf-8"))
-        sides = [(side, record[side]) for side in ("front", "back") if side in record]
-        fields = [
-            Field(side, field["name"], field["value"], field["source"], field["confidence"])
-            for side, content in sides
-            for field in content.get("fields", [])
-        ]
-        return cls(folder, tuple(fields), record)
+        """Reads a card that was enrolled before.
+
+        Raises:
+            WrongUseError: the folder holds none, or one that was changed
+        """
+        file = folder / "reference.json"
+        try:
+            record = json.loads(file.read_text(encoding="utf-8"))
+            return cls(folder, tuple(_fields_of(record)), record)
+        except OSError as fault:
+            raise WrongUseError(f"{str(file)!r} can't be read ({fault.strerror}): name a folder that enroll made.") from fault
+        except (ValueError, KeyError, TypeError, AttributeError) as fault:
+            raise WrongUseError(f"{str(file)!r} is no reference: enroll the card again.") from fault
+
+
+def _fields_of(record: Mapping[str, Any]) -> Iterator[Field]:
+    for side in ("front", "back"):
+        for field in record.get(side, {}).get("fields", []):
+            yield Field(side, field["name"], field["value"], field["source"], field["confidence"])
 
 
 @dataclasses.dataclass(frozen=True)

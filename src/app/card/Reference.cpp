@@ -6,6 +6,7 @@
 #include "devices/pictures/ImageFile.h"
 #include "engine/document/fields/DocumentFields.h"
 #include "engine/document/text/NetworkTextReader.h"
+#include "engine/json/JsonText.h"
 
 namespace corvana::app {
 namespace {
@@ -257,7 +258,7 @@ Expected<void> saveReference(const Reference& reference, const fs::path& folder)
     object["back"] = std::move(*back);
   }
   if (!reference.hints.is_null()) object["hints"] = reference.hints;
-  return writeFile(folder / kReferenceFileName, object.dump(2) + "\n");
+  return writeFile(folder / kReferenceFileName, engine::indentedJson(object) + "\n");
 }
 
 Expected<Reference> loadReference(const fs::path& folder) {

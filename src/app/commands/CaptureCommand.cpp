@@ -8,6 +8,7 @@
 #include "app/record/RunRecord.h"
 #include "app/run/CaptureFlow.h"
 #include "app/run/Preflight.h"
+#include "engine/json/JsonText.h"
 
 namespace corvana::app {
 namespace {
@@ -57,9 +58,7 @@ ExitCode finish(const RunRecord& record, const CaptureArguments& arguments,
   if (auto session = written.content.find("session"); session != written.content.end()) {
     session->erase("subject");
   }
-  // A folder may have any bytes for a name.
-  std::cout << written.content.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
-            << std::endl;
+  std::cout << engine::indentedJson(written.content) << std::endl;
   if (record.outcome) return ExitCode::result;
   const corvana::IDError& fault = record.outcome.error();
   // What keeps result.json away has often ended the run as well: a full disk, a chip that no longer

@@ -10,6 +10,7 @@
 
 #include "app/commands/Commands.h"
 #include "devices/live/DeviceCatalog.h"
+#include "engine/json/JsonText.h"
 
 namespace corvana::app {
 namespace {
@@ -101,7 +102,7 @@ void printDevices(bool asJson) {
   if (asJson) {
     const ordered_json all{{"cameras", toJson(cameras, true)},
                            {"microphones", toJson(microphones, false)}};
-    std::cout << all.dump(2, ' ', false, ordered_json::error_handler_t::replace) << std::endl;
+    std::cout << engine::indentedJson(all) << std::endl;
     return;
   }
   print("Cameras", cameras,

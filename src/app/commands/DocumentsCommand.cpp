@@ -6,6 +6,7 @@
 #include "app/commands/Commands.h"
 #include "app/commands/DocumentOptions.h"
 #include "engine/document/fields/DocumentFields.h"
+#include "engine/json/JsonText.h"
 
 namespace corvana::app {
 namespace {
@@ -93,7 +94,7 @@ void print(const engine::DocumentTables& tables, bool asJson) {
   ordered_json all{{"kinds", ordered_json::array()}, {"labels", tables.labels.languages()}};
   for (const DocumentKind& kind : tables.kinds.all())
     all["kinds"].push_back(toJson(kind));
-  std::cout << all.dump(2, ' ', false, ordered_json::error_handler_t::replace) << std::endl;
+  std::cout << engine::indentedJson(all) << std::endl;
 }
 
 ExitCode runDocuments(const DocumentsArguments& arguments) {

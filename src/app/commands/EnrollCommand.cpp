@@ -13,6 +13,7 @@
 #include "engine/document/DocumentAnalyzer.h"
 #include "engine/document/copies/CopyFigures.h"
 #include "engine/document/fields/FieldAgreement.h"
+#include "engine/json/JsonText.h"
 
 namespace corvana::app {
 namespace {
@@ -182,8 +183,7 @@ ExitCode runEnroll(const EnrollArguments& arguments) {
   });
   if (!saved) return refuse(saved.error());
   const ordered_json result{{"reference", fs::absolute(arguments.output).string()}};
-  // A folder may have any bytes for a name.
-  std::cout << result.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+  std::cout << engine::compactJson(result) << '\n';
   return ExitCode::result;
 }
 

@@ -14,6 +14,7 @@
 #include "corvana/VideoCapture.h"
 #include "devices/screen/DirectoryBundle.h"
 #include "devices/system/TerminalSystem.h"
+#include "engine/json/JsonText.h"
 #include "engine/vision/FaceEmbedder.h"
 
 namespace corvana::app {
@@ -115,7 +116,7 @@ ExitCode runEmbed(const fs::path& folder) {
   bool all = true;
   for (const fs::path& photograph : *photographs) {
     const ordered_json line = embedOne(photograph, *faces, *embedder);
-    std::cout << line.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << std::endl;
+    std::cout << engine::compactJson(line) << std::endl;
     all = all && !line.contains("error");
   }
   return all ? ExitCode::result : ExitCode::flowError;

@@ -9,6 +9,7 @@
 #include "app/recheck/RecheckOutput.h"
 #include "app/record/RunRecord.h"
 #include "app/seal/SealLog.h"
+#include "engine/json/JsonText.h"
 
 namespace corvana::app {
 namespace {
@@ -51,9 +52,7 @@ tl::expected<RecheckReport, Refusal> recheckOne(const fs::path& folder, const Tr
 
 void print(const RecheckReport& report, bool asJson, bool isAlone) {
   if (asJson) {
-    std::cout << reportToJson(report).dump(-1, ' ', false,
-                                           nlohmann::ordered_json::error_handler_t::replace)
-              << std::endl;
+    std::cout << engine::compactJson(reportToJson(report)) << std::endl;
   } else if (isAlone) {
     printReport(std::cout, report);
   } else {

@@ -38,9 +38,10 @@ Expected<fs::path> referenceFor(const RecordedRun& run, const RecheckSources& so
   const auto all = referencesAmong(sources.references);
   // Whatever is amiss with a single folder, its reading says.
   if (all.empty() && sources.references.size() == 1) return sources.references.front();
+  const auto recorded = run.result.value("reference", nlohmann::json());
   for (const fs::path& reference : all) {
     const auto sums = sumsOfReference(reference);
-    if (sums && *sums == run.result.value("reference", nlohmann::json())) return reference;
+    if (sums && nlohmann::json(*sums) == recorded) return reference;
   }
   if (all.size() == 1) return all.front();
   return failure("None of the references is the one that " + inQuotes(run.folder) +

@@ -8,6 +8,7 @@
 
 #include "app/record/Files.h"
 #include "devices/film/FilmFault.h"
+#include "engine/json/JsonText.h"
 
 namespace corvana::app {
 namespace {
@@ -82,7 +83,7 @@ void EventLog::add(const std::string& event, const ordered_json& fields) {
   ordered_json line = {{"t", eventNumber(platform::inSeconds(loop_.now() - start_))},
                        {"event", event}};
   line.update(fields);
-  const std::string text = line.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + "\n";
+  const std::string text = engine::compactJson(line) + "\n";
   errno = 0;
   file_ << text << std::flush;
   if (!file_) return breakOff(writeFault(path_, errno == 0 ? EIO : errno));

@@ -8,6 +8,7 @@
 #include "app/seal/SealLog.h"
 #include "app/settings/OptionTable.h"
 #include "devices/pictures/ImageFile.h"
+#include "engine/json/JsonText.h"
 
 namespace corvana::app {
 namespace {
@@ -176,8 +177,7 @@ WrittenRecord writeRunRecord(const RunRecord& record, const Resources& resources
           .and_then([&] { return addHashes("models", resources.models(), result.content); })
           .and_then([&] { return addHashes("sha256", filesOf(record, folder), result.content); })
           .and_then([&] {
-            const std::string content =
-                result.content.dump(2, ' ', false, ordered_json::error_handler_t::replace);
+            const std::string content = engine::indentedJson(result.content);
             return writeSealedResult(content + "\n", record.key, folder);
           })
           .and_then([&] { return putOnDisk(folder); });

@@ -6,6 +6,7 @@
 
 #include "app/keys/Base64Url.h"
 #include "app/keys/Sha256.h"
+#include "engine/json/JsonText.h"
 #include "platform/foundation/Require.h"
 
 namespace corvana::app {
@@ -26,8 +27,7 @@ void Disclosures::add(const std::string& name, const std::string& text) {
   for (int number = 2; digests_.contains(key); ++number)
     key = name + " " + std::to_string(number);
   const ordered_json parts = {makeSalt(), key, text};
-  const std::string disclosure =
-      toBase64Url(parts.dump(-1, ' ', false, ordered_json::error_handler_t::replace));
+  const std::string disclosure = toBase64Url(engine::compactJson(parts));
   digests_[key] = toBase64Url(sha256BytesOf(disclosure));
   disclosures_[key] = disclosure;
 }

@@ -19,6 +19,7 @@
 #include "app/report/Evidence.h"
 #include "app/seal/RecordCheck.h"
 #include "devices/pictures/ImageFile.h"
+#include "engine/json/JsonText.h"
 
 namespace corvana::app {
 namespace {
@@ -163,9 +164,7 @@ class RecordRedactor {
     auto sums = sumsOf(files);
     if (!sums) return tl::unexpected(sums.error());
     result["sha256"] = std::move(*sums);
-    return writeSealedResult(
-        result.dump(2, ' ', false, ordered_json::error_handler_t::replace) + "\n", wishes_.key,
-        wishes_.output);
+    return writeSealedResult(engine::indentedJson(result) + "\n", wishes_.key, wishes_.output);
   }
 
   Expected<void> writeDisclosures() const {

@@ -9,6 +9,7 @@
 #include "app/record/Files.h"
 #include "devices/pictures/ImageFile.h"
 #include "engine/document/fields/DocumentFields.h"
+#include "engine/json/JsonText.h"
 
 namespace corvana::app {
 namespace {
@@ -144,10 +145,8 @@ platform::Expected<void> writeEvidence(const Evidence& evidence, const fs::path&
   if (!reference.hints.is_null()) object["referenceHints"] = reference.hints;
   PictureFolder pictures(folder);
   object["pictures"] = savePictures(evidence, pictures);
-  return pictures.end().and_then([&] {
-    return writeFile(folder / kEvidenceFileName,
-                     object.dump(2, ' ', false, ordered_json::error_handler_t::replace) + "\n");
-  });
+  return pictures.end().and_then(
+      [&] { return writeFile(folder / kEvidenceFileName, engine::indentedJson(object) + "\n"); });
 }
 
 }  // namespace corvana::app

@@ -10,6 +10,7 @@
 #include "app/record/Files.h"
 #include "devices/film/FilmFault.h"
 #include "devices/system/DiskSync.h"
+#include "engine/json/JsonText.h"
 
 namespace corvana::app {
 
@@ -36,7 +37,7 @@ void SealLog::add(const ordered_json& content) {
   ordered_json line = {
       {"previous", last_.empty() ? ordered_json() : ordered_json(sha256Of(last_))}};
   line.update(content);
-  const std::string text = line.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+  const std::string text = engine::compactJson(line);
   const auto seal = sealDetached(key_, text);
   if (!seal) return fail(seal.error());
   last_ = ordered_json{{"signature", *seal}}.dump();

@@ -12,6 +12,8 @@ namespace corvana::devices {
 namespace {
 
 constexpr const char* kElement = "espeak";
+/// How often it is looked whether the voice has failed.
+constexpr GstClockTime kPullSlice = 200 * GST_MSECOND;
 
 std::string format() {
   return "audio/x-raw,format=S16LE,layout=interleaved,channels=1,rate=" +
@@ -24,6 +26,11 @@ void append(const GstSample& sample, std::vector<std::int16_t>& samples) {
   const std::size_t bytes = gst_buffer_get_size(buffer);
   samples.resize(before + bytes / sizeof(std::int16_t));
   gst_buffer_extract(buffer, 0, &samples[before], bytes);
+}
+
+bool hasFailed(const GstPtr<GstElement>& pipeline) {
+  const GstPtr<GstBus> bus(gst_element_get_bus(pipeline.get()));
+  return GstPtr<GstMessage>(gst_bus_pop_filtered(bus.get(), GST_MESSAGE_ERROR)) != nullptr;
 }
 
 }  // namespace
@@ -68,8 +75,14 @@ std::vector<std::int16_t> EspeakSynthesizer::samples(const std::string& utteranc
   gst_element_set_state(pipeline.get(), GST_STATE_PLAYING);
   std::vector<std::int16_t> samples;
   GstAppSink* sink = GST_APP_SINK(child(pipeline, "sink"));
-  while (const GstPtr<GstSample> sample{gst_app_sink_pull_sample(sink)})
-    append(*sample, samples);
+  while (!gst_app_sink_is_eos(sink)) {
+    const GstPtr<GstSample> sample(gst_app_sink_try_pull_sample(sink, kPullSlice));
+    if (sample) {
+      append(*sample, samples);
+    } else if (hasFailed(pipeline)) {
+      return {};
+    }
+  }
   return samples;
 }
 

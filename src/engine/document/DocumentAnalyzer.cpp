@@ -155,10 +155,11 @@ std::vector<TextLine> DocumentAnalyzer::linesAgain(const platform::PixelBuffer& 
                                                    bool isAsRead, CardMemory& memory) {
   const bool mayRepeat = memory.repeatsFor(isAsRead);
   std::vector<TextLine> lines = memory.lines;
-  const auto open = std::ranges::partition(
-      lines, [&](const TextLine& line) { return mayRepeat && memory.isSettled(line); });
-  auto read = text_.readAgain(upright, {open.begin(), open.end()});
-  lines.erase(open.begin(), open.end());
+  const auto open = std::partition(lines.begin(), lines.end(), [&](const TextLine& line) {
+    return mayRepeat && memory.isSettled(line);
+  });
+  auto read = text_.readAgain(upright, {open, lines.end()});
+  lines.erase(open, lines.end());
   std::ranges::move(read, std::back_inserter(lines));
   sortFromTop(lines);
   memory.confirmBy(lines);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/json/FileFault.h"
+#include "engine/json/JsonText.h"
 
 namespace corvana::engine {
 namespace {
@@ -38,7 +39,7 @@ Expected<std::string> readStream(const fs::path& path, std::uint64_t maxBytes) {
 }  // namespace
 
 std::string inQuotes(const std::string& name) {
-  return nlohmann::json(name).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  return compactJson(nlohmann::json(name));
 }
 
 Expected<std::string> readFile(const fs::path& path, std::uint64_t maxBytes) {

@@ -48,6 +48,19 @@ TEST(Reference, KeepsFieldsScoresAndWhatTheEnrolmentWarnedOf) {
   EXPECT_EQ(loaded->hints, reference.hints);
 }
 
+// What a card's barcode holds is for whoever printed it to say.
+TEST(Reference, KeepsABarcodeThatIsNoUtf8) {
+  const ScratchFolder scratch;
+  app::Reference reference = withPhoto();
+  reference.back.emplace();
+  reference.back->barcode.emplace()["text"] = "A\xed\xa0\x80Z";
+  ASSERT_TRUE(app::saveReference(reference, scratch.path()));
+  const auto loaded = app::loadReference(scratch.path());
+  ASSERT_TRUE(loaded) << loaded.error().sentence;
+  const std::string text = loaded->back->barcode->at("text");
+  EXPECT_TRUE(text.starts_with("A") && text.ends_with("Z")) << text;
+}
+
 TEST(Reference, RefusesFieldsOfAnotherShape) {
   const ScratchFolder scratch;
   app::Reference reference = withPhoto();

@@ -177,8 +177,8 @@ std::vector<double> labelsAbove(const platform::CGRect& text, const std::vector<
   }
   std::ranges::sort(beginnings);
   const auto isOneColumn = [&](double a, double b) { return b - a <= kAligned * text.height; };
-  const auto [from, to] = std::ranges::unique(beginnings, isOneColumn);
-  beginnings.erase(from, to);
+  beginnings.erase(std::unique(beginnings.begin(), beginnings.end(), isOneColumn),
+                   beginnings.end());
   return beginnings;
 }
 

@@ -5,7 +5,6 @@
 #include <fstream>
 #include <future>
 #include <numeric>
-#include <ranges>
 #include <string>
 #include <utility>
 
@@ -85,13 +84,12 @@ std::vector<LineReading> LineRecognizer::read(std::span<const cv::Mat> lines) {
   std::ranges::stable_sort(byWidth, {}, [&](std::size_t line) { return lines[line].cols; });
   std::vector<LineReading> readings(lines.size());
   std::atomic<std::size_t> taken = 0;
-  const auto readInTurn = [&](auto order, Networks& networks) {
-    for (auto line = order.begin(); taken++ < lines.size(); ++line)
+  const auto readInTurn = [&](auto line, Networks& networks) {
+    for (; taken++ < lines.size(); ++line)
       readings[*line] = networks.read(lines[*line], decoder_);
   };
-  auto widest =
-      std::async(std::launch::async, [&] { readInTurn(std::views::reverse(byWidth), wide_); });
-  readInTurn(std::views::all(byWidth), narrow_);
+  auto widest = std::async(std::launch::async, [&] { readInTurn(byWidth.rbegin(), wide_); });
+  readInTurn(byWidth.begin(), narrow_);
   widest.get();
   return readings;
 }
