@@ -52,6 +52,13 @@ std::optional<std::string> numberIn(const std::string& text) {
   return isNumber ? std::optional(number) : std::nullopt;
 }
 
+/// No number has a colon: what stands before one is its label's.
+std::optional<std::string> numberBehindLabel(const std::string& text) {
+  const auto colon = text.rfind(':');
+  auto number = colon == std::string::npos ? std::nullopt : numberIn(text.substr(colon + 1));
+  return number ? number : numberIn(text);
+}
+
 std::optional<std::string> wordsIn(const std::string& text) {
   const std::string plain = plainLetters(text);
   if (plain.size() < 2 || digitCount(plain) > 0) return std::nullopt;
@@ -76,7 +83,7 @@ std::optional<std::string> ValueReader::operator()(FieldName name, const std::st
     case FieldName::nationality:
       return wordsIn(text);
     case FieldName::documentNumber:
-      return dateIn(text, false) ? std::nullopt : numberIn(text);
+      return dateIn(text, false) ? std::nullopt : numberBehindLabel(text);
     case FieldName::birthDate:
       return dateIn(withDateBlanks(text), true);
     case FieldName::issueDate:

@@ -395,10 +395,13 @@ TEST(PrintedFields, OfTheSurnameStandAboveTheGivenNamesWhereNoLabelNamesThem) {
 TEST(PrintedFields, AreTakenFromTheirPlacesWhereNoLabelNamesThem) {
   const auto labels = engine::FieldLabels::load({ENGINE_RESOURCES "/documents/labels"});
   ASSERT_TRUE(labels) << labels.error().sentence;
-  const std::vector<engine::TextLine> lines{
-      at(300, 100, "MARIA"),     at(300, 60, "ANNA"),        at(300, 200, "Surname", 14),
-      at(300, 218, "OKONKWO"),   at(600, 100, "AB 1234567"), at(300, 300, "no date at all"),
-      at(300, 400, "Sex: F", 14)};
+  const std::vector<engine::TextLine> lines{at(300, 100, "MARIA"),
+                                            at(300, 60, "ANNA"),
+                                            at(300, 200, "Surname", 14),
+                                            at(300, 218, "OKONKWO"),
+                                            at(600, 100, "Zv/No:AB 1234567"),
+                                            at(300, 300, "no date at all"),
+                                            at(300, 400, "Sex: F", 14)};
   Values values;
   for (const auto& field : engine::printedFields(lines, *labels, kToday,
                                                  {{FieldName::givenNames, {290, 40, 200, 120}},
