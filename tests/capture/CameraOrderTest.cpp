@@ -3,6 +3,7 @@
 
 #include "FlowTest.h"
 #include "corvana/CaptureSessionViewController.h"
+#include "support/LoopAround.h"
 
 namespace corvana::tests {
 namespace {
@@ -26,28 +27,12 @@ class NewestFirstQueue final : public platform::DispatchQueue {
   std::vector<platform::Block> waiting_;
 };
 
-class NewestFirstLoop final : public platform::RunLoop {
+class NewestFirstLoop final : public LoopAround {
  public:
-  explicit NewestFirstLoop(platform::RunLoop& inner) : inner_(inner), global_(inner) {}
-  platform::TimePoint now() const override { return inner_.now(); }
-  platform::DispatchQueue& mainQueue() override { return inner_.mainQueue(); }
+  explicit NewestFirstLoop(platform::RunLoop& inner) : LoopAround(inner), global_(inner) {}
   platform::DispatchQueue& globalQueue(platform::QualityOfService) override { return global_; }
-  std::shared_ptr<platform::DispatchQueue> makeSerialQueue(
-      const std::string& label, platform::QualityOfService qos) override {
-    return inner_.makeSerialQueue(label, qos);
-  }
-  std::shared_ptr<platform::Timer> scheduledTimer(platform::Duration interval, bool repeats,
-                                                  platform::Block block) override {
-    return inner_.scheduledTimer(interval, repeats, std::move(block));
-  }
-  void scheduleDevice(platform::TimePoint time, platform::EventClass eventClass,
-                      platform::Block block) override {
-    inner_.scheduleDevice(time, eventClass, std::move(block));
-  }
-  bool isVirtual() const override { return inner_.isVirtual(); }
 
  private:
-  platform::RunLoop& inner_;
   NewestFirstQueue global_;
 };
 

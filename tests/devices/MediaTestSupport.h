@@ -12,6 +12,7 @@
 #include "devices/film/FilmWriter.h"
 #include "devices/recorded/MediaFile.h"
 #include "platform/foundation/VirtualRunLoop.h"
+#include "support/LoopAround.h"
 #include "support/Scratch.h"
 
 /// Made pictures and sound for films, and what films hold.
@@ -69,21 +70,10 @@ inline tl::expected<std::shared_ptr<platform::AssetWriter>, platform::Fault> ope
 }
 
 /// Real time as far as devices can tell, on a machine that stalls when told to.
-class StallingLoop final : public platform::RunLoop {
+class StallingLoop final : public tests::LoopAround {
  public:
+  StallingLoop() : LoopAround(inner) {}
   platform::TimePoint now() const override { return inner.now() + stall; }
-  platform::DispatchQueue& mainQueue() override { return inner.mainQueue(); }
-  platform::DispatchQueue& globalQueue(platform::QualityOfService qos) override {
-    return inner.globalQueue(qos);
-  }
-  std::shared_ptr<platform::DispatchQueue> makeSerialQueue(
-      const std::string& label, platform::QualityOfService qos) override {
-    return inner.makeSerialQueue(label, qos);
-  }
-  std::shared_ptr<platform::Timer> scheduledTimer(platform::Duration interval, bool repeats,
-                                                  platform::Block block) override {
-    return inner.scheduledTimer(interval, repeats, std::move(block));
-  }
   void scheduleDevice(platform::TimePoint time, platform::EventClass eventClass,
                       platform::Block block) override {
     inner.scheduleDevice(time - stall, eventClass, std::move(block));

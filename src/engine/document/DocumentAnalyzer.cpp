@@ -179,9 +179,9 @@ CardReading DocumentAnalyzer::readAgain(const platform::PixelBufferRef& card, bo
 
 CardReading DocumentAnalyzer::read(const CardView& card, CardMemory& memory) {
   const auto picture = straightened(*card.frame, card.outline);
-  // Measured beside the reading where they are sure to be asked for.
-  const bool mayDo = memory.realness && card.isAsRead;
-  auto figures = std::async(mayDo ? std::launch::deferred : std::launch::async,
+  // Measured beside the reading, but only when asked for where the last ones may stand.
+  const bool mayStand = memory.realness && card.isAsRead;
+  auto figures = std::async(mayStand ? std::launch::deferred : std::launch::async,
                             [&] { return copyFigures(*picture, card.quality.sharpness); });
   CardReading reading =
       memory.lines.empty() ? readFirst(picture, memory) : readAgain(picture, card.isAsRead, memory);
