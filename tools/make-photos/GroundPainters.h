@@ -45,4 +45,9 @@ cv::Mat letters(cv::Size size, double scale, session::Random& random);
 cv::Mat parquet(cv::Size size, double scale, session::Random& random);
 cv::Mat grille(cv::Size size, double scale, session::Random& random);
 
+// What covers desks, sideboards and trestles.
+cv::Mat calendar(cv::Size size, double scale, session::Random& random);
+cv::Mat lace(cv::Size size, double scale, session::Random& random);
+cv::Mat strandboard(cv::Size size, double scale, session::Random& random);
+
 }  // namespace corvana::photos

@@ -281,16 +281,22 @@ using Painter = cv::Mat (*)(cv::Size, double, Random&);
 
 const std::map<std::string, Painter>& painters() {
   static const std::map<std::string, Painter> kAll = {
-      {"plain", plain},       {"wood", wood},           {"cloth", cloth},
-      {"stone", stone},       {"tiles", tiles},         {"carpet", carpet},
-      {"stripes", stripes},   {"leather", leather},     {"marble", marble},
-      {"terrazzo", terrazzo}, {"tartan", tartan},       {"cork", cork},
-      {"bamboo", bamboo},     {"bricks", bricks},       {"knit", knit},
-      {"grass", grass},       {"mosaic", mosaic},       {"denim", denim},
-      {"keyboard", keyboard}, {"cardboard", cardboard}, {"notebook", notebook},
-      {"steel", steel},       {"wicker", wicker},       {"atlas", atlas},
-      {"oilcloth", oilcloth}, {"quilt", quilt},         {"letters", letters},
-      {"parquet", parquet},   {"grille", grille}};
+      {"plain", plain},       {"wood", wood},
+      {"cloth", cloth},       {"stone", stone},
+      {"tiles", tiles},       {"carpet", carpet},
+      {"stripes", stripes},   {"leather", leather},
+      {"marble", marble},     {"terrazzo", terrazzo},
+      {"tartan", tartan},     {"cork", cork},
+      {"bamboo", bamboo},     {"bricks", bricks},
+      {"knit", knit},         {"grass", grass},
+      {"mosaic", mosaic},     {"denim", denim},
+      {"keyboard", keyboard}, {"cardboard", cardboard},
+      {"notebook", notebook}, {"steel", steel},
+      {"wicker", wicker},     {"atlas", atlas},
+      {"oilcloth", oilcloth}, {"quilt", quilt},
+      {"letters", letters},   {"parquet", parquet},
+      {"grille", grille},     {"calendar", calendar},
+      {"lace", lace},         {"strandboard", strandboard}};
   return kAll;
 }
 
@@ -310,10 +316,11 @@ std::string words(std::size_t letters, Random& random) {
 
 const std::vector<std::string>& groundNames() {
   static const std::vector<std::string> kNames = {
-      "plain",   "wood",     "print",    "cloth",    "stone",     "tiles",    "carpet", "stripes",
-      "leather", "marble",   "terrazzo", "tartan",   "cork",      "bamboo",   "bricks", "knit",
-      "grass",   "mosaic",   "denim",    "keyboard", "cardboard", "notebook", "steel",  "wicker",
-      "atlas",   "oilcloth", "quilt",    "letters",  "parquet",   "grille"};
+      "plain",    "wood",    "print",    "cloth",    "stone",      "tiles",    "carpet",
+      "stripes",  "leather", "marble",   "terrazzo", "tartan",     "cork",     "bamboo",
+      "bricks",   "knit",    "grass",    "mosaic",   "denim",      "keyboard", "cardboard",
+      "notebook", "steel",   "wicker",   "atlas",    "oilcloth",   "quilt",    "letters",
+      "parquet",  "grille",  "calendar", "lace",     "strandboard"};
   return kNames;
 }
 
