@@ -17,8 +17,8 @@ namespace {
 
 /// Three seconds at the usual rate.
 constexpr int kFramesWaitingRealTime = 90;
-/// The caller waits anyway: enough to keep the encoder busy while a card is looked at, and fewer than
-/// make a film's pictures come more slowly.
+/// The caller waits anyway: enough to keep the encoder busy while a card is looked at, and fewer
+/// than make a film's pictures come more slowly.
 constexpr int kFramesWaitingVirtual = 12;
 constexpr std::int64_t kSamplesPerAacFrame = 1024;
 /// The muxer writes a fragment every half second: what it has written waits no longer for the disk.
