@@ -148,6 +148,19 @@ TEST(CardWarp, GivesACardAndAPageTheirOwnShape) {
   EXPECT_NEAR(whole.height, 704, 1e-3);
 }
 
+TEST(CardWarp, LeavesThePictureAsItIs) {
+  constexpr int kWide = 2200;
+  constexpr int kHigh = 1400;
+  std::vector<std::uint8_t> stripes(std::size_t{kWide} * kHigh * 3);
+  for (std::size_t i = 0; i < stripes.size(); ++i)
+    stripes[i] = i / 12 % 2 == 0 ? 40 : 220;
+  const platform::PixelBuffer picture(kWide, kHigh, platform::PixelFormat::rgb24, stripes);
+  for (const double width : {900.0, 2000.0}) {
+    engine::straightened(picture, outlineOf(width, width / engine::kCardAspect));
+    EXPECT_TRUE(std::ranges::equal(picture.bytes(), stripes)) << width;
+  }
+}
+
 TEST(CardLook, TakesTheWholeOfEachSizeForThatOfWhichAnOutlineHoldsAPart) {
   for (const double aspect : {1.586, 1.42}) {
     const auto whole = outlineOf(900, 900 / aspect);

@@ -26,9 +26,13 @@ cv::Mat toCard(const Quad& outline) {
 platform::PixelBufferRef straightened(const cv::Mat& picture, const Quad& outline,
                                       cv::InterpolationFlags interpolation) {
   const double shrink = outline.width() / kCardWidth;
-  cv::Mat source = picture;
-  // Interpolation looks at four pixels only: what shrinks must be smoothed first.
-  if (shrink > 1.3) cv::GaussianBlur(picture, source, cv::Size(), 0.4 * shrink);
+  cv::Mat source;
+  // Interpolation looks at four pixels only: what shrinks must be smoothed first, in a picture of
+  // its own, since the given one is looked at again.
+  if (shrink > 1.3)
+    cv::GaussianBlur(picture, source, cv::Size(), 0.4 * shrink);
+  else
+    source = picture;
   cv::Mat card;
   cv::warpPerspective(source, card, toCard(outline),
                       cv::Size(kCardWidth, straightenedHeight(outline)), interpolation,
