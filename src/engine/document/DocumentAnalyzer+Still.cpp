@@ -163,14 +163,20 @@ platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
         "It can't be told which way up the card in the picture lies: take a sharper photo, from "
         "nearer and without glare.");
   }
-  if (const auto whole = withZoneBelow(*still.picture, *look, reading->card)) {
-    reading = readUpright(lookAt(*still.picture, *whole));
+  bool isZoneMissing = false;
+  // What was found may be so small a part that the first look below it shows half of the zone.
+  for (int looks = 0; looks < 2 && reading; ++looks) {
+    const auto whole = withZoneBelow(*still.picture, *look, reading->card);
+    if (!whole) break;
+    look = lookAt(*still.picture, *whole);
+    reading = readUpright(*look);
     // It must not be taken for a document that has none.
-    if (!reading || !(reading->card.data.mrz || reading->card.data.shouldHaveMrz)) {
-      return platform::failure(
-          "The machine-readable zone of the document in the picture could not be read: take a "
-          "sharper photo, from nearer, on a plain ground of another colour.");
-    }
+    isZoneMissing = !reading || !(reading->card.data.mrz || reading->card.data.shouldHaveMrz);
+  }
+  if (isZoneMissing) {
+    return platform::failure(
+        "The machine-readable zone of the document in the picture could not be read: take a "
+        "sharper photo, from nearer, on a plain ground of another colour.");
   }
   auto& [card, places] = *reading;
   addSmallLabels(card);

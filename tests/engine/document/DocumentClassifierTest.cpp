@@ -154,6 +154,15 @@ TEST(TextLines, KeepsWhatIsSureInReadingOrder) {
   EXPECT_EQ(engine::textLines(found, {{0, 450, 1000, 180}}),
             (std::vector<std::string>{"ANNA MARIA", "OF ZENITH"}));
   EXPECT_TRUE(engine::textLines({}, {}).empty());
+  const std::vector<engine::TextLine> behindLabels{
+      {"ANNA MARIA ERIKSSON OF ZENITH", {200, 100, 450, 30}, 0.95},
+      {"Given, as spelled", {200, 150, 300, 25}, 0.95},
+      {"Valid, by day: 28/03/2037", {200, 200, 300, 25}, 0.95},
+      {"Valid, by day: 28/03/2038", {200, 250, 300, 22}, 0.95}};
+  EXPECT_EQ(
+      engine::textLines(behindLabels, {}),
+      (std::vector<std::string>{"ANNA MARIA ERIKSSON OF ZENITH", "Valid, by day: 28/03/2037"}))
+      << "the tails of a small label reach no lower than the number behind it";
   EXPECT_EQ(engine::characterCount("ZO\xC3\x8B"), 3u);
 }
 

@@ -261,6 +261,7 @@ std::vector<DocumentField> printedFields(const std::vector<TextLine>& lines,
   leaveLabelsOut(parted, read, record, fields);
   addIssueDate(parted, record, fields);
   addSurnameAbove(parted, labels, read, record, fields);
+  correctMarkedLetters(record, fields);
   return fields;
 }
 

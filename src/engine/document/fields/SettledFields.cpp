@@ -239,6 +239,20 @@ void leaveLabelsOut(const std::vector<TextLine>& lines, const ValueReader& read,
   }
 }
 
+void correctMarkedLetters(const Fields& record, Fields& fields) {
+  for (DocumentField& field : fields) {
+    const auto alike = std::ranges::find_if(record, [&](const DocumentField& recorded) {
+      return isName(field.name) && recorded.name == field.name &&
+             isLikeWhereMarked(field.value, recorded.value);
+    });
+    if (alike == record.end()) continue;
+    std::string corrected = withMarkedLettersAs(field.value, letterSkeleton(alike->value));
+    if (corrected == field.value) continue;
+    field.value = std::move(corrected);
+    field.knownBy = alike->source;
+  }
+}
+
 void addIssueDate(const std::vector<TextLine>& lines, const Fields& record, Fields& fields) {
   if (isPrinted(fields, FieldName::issueDate) || isPrinted(record, FieldName::issueDate)) return;
   const auto expiry = std::ranges::find(record, FieldName::expiryDate, &DocumentField::name);

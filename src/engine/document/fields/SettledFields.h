@@ -34,6 +34,11 @@ void leaveLabelsOut(const std::vector<TextLine>& lines, const ValueReader& read,
                     const std::vector<corvana::DocumentField>& record,
                     std::vector<corvana::DocumentField>& fields);
 
+/// Puts the record's letters into names that are its own but for letters with marks, which readers
+/// take for others (Č for Ǧ): what the print has there was not read.
+void correctMarkedLetters(const std::vector<corvana::DocumentField>& record,
+                          std::vector<corvana::DocumentField>& fields);
+
 /// Adds the date of issue under a label that could not be read, in whatever line: the only date on
 /// the day of the year on which the record's expiry lets documents have been issued.
 void addIssueDate(const std::vector<TextLine>& lines,

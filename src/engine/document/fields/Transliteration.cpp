@@ -46,12 +46,17 @@ bool isSilent(UChar32 c) {
   return c == '\'' || c == 0x2019 || c == '`' || c == '.' || u_charType(c) == U_NON_SPACING_MARK;
 }
 
-std::string lettersOf(std::string_view text, Style style) {
-  icu::UnicodeString unicode = icu::UnicodeString::fromUTF8(
+/// With a letter and its marks in one where there is such a letter.
+icu::UnicodeString composed(std::string_view text) {
+  const auto unicode = icu::UnicodeString::fromUTF8(
       icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
   UErrorCode status = U_ZERO_ERROR;
   const icu::Normalizer2* normalizer = icu::Normalizer2::getNFCInstance(status);
-  if (U_SUCCESS(status)) unicode = normalizer->normalize(unicode, status);
+  return U_SUCCESS(status) ? normalizer->normalize(unicode, status) : unicode;
+}
+
+std::string lettersOf(std::string_view text, Style style) {
+  const icu::UnicodeString unicode = composed(text);
   std::string letters;
   for (std::int32_t i = 0; i < unicode.length(); i = unicode.moveIndex32(i, 1)) {
     const UChar32 c = u_toupper(unicode.char32At(i));
@@ -85,6 +90,26 @@ std::string withoutMarkedLetters(std::string_view text) {
   std::string letters = lettersOf(text, Style::marked);
   std::erase(letters, ' ');
   return letters;
+}
+
+std::string withMarkedLettersAs(std::string_view text, std::string_view letters) {
+  const icu::UnicodeString unicode = composed(text);
+  icu::UnicodeString corrected;
+  auto wanted = letters.begin();
+  for (std::int32_t i = 0; i < unicode.length(); i = unicode.moveIndex32(i, 1)) {
+    UChar32 c = unicode.char32At(i);
+    std::string own;
+    icu::UnicodeString(c).toUTF8String(own);
+    const std::string plain = plainLetters(own);
+    if (!plain.empty() && wanted != letters.end()) {
+      if (!plain.starts_with(*wanted)) c = u_islower(c) ? u_tolower(*wanted) : UChar32(*wanted);
+      ++wanted;
+    }
+    corrected += c;
+  }
+  std::string result;
+  corrected.toUTF8String(result);
+  return result;
 }
 
 std::string letterSkeleton(std::string_view text) {

@@ -18,6 +18,10 @@ inline constexpr char kMarkedLetter = '?';
 /// The letters of plainLetters without blanks, those with a mark as `kMarkedLetter`.
 std::string withoutMarkedLetters(std::string_view text);
 
+/// The text with those of its letters with a mark that are not of these letters, one for each of
+/// `withoutMarkedLetters`, as these.
+std::string withMarkedLettersAs(std::string_view text, std::string_view letters);
+
 /// What is left when neither marks nor the ways to write them out count: MÜLLER, MULLER and
 /// MUELLER are one. Without blanks.
 std::string letterSkeleton(std::string_view text);

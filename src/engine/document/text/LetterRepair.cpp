@@ -1,5 +1,8 @@
 #include "engine/document/text/LetterRepair.h"
 
+#include <initializer_list>
+#include <string_view>
+
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
@@ -43,6 +46,24 @@ void repairWord(icu::UnicodeString& text, int from, int to) {
   }
 }
 
+bool isDigitAt(const icu::UnicodeString& text, int at) {
+  return at >= 0 && at < text.length() && u_isdigit(text.char32At(at)) != 0;
+}
+
+/// Sets the points of a date of this form that begins there, behind which a blank may stand.
+void repairDate(icu::UnicodeString& text, int from, std::string_view form) {
+  icu::UnicodeString date = text;
+  int at = from;
+  for (const char wanted : form) {
+    const UChar32 letter = at < text.length() ? text.char32At(at) : 0;
+    if (wanted == '0' ? !isDigitAt(text, at) : letter != '.' && letter != ',') return;
+    if (wanted == '.') date.replace(at, 1, UChar32('.'));
+    ++at;
+    if (wanted == '.' && at < text.length() && text.char32At(at) == ' ') ++at;
+  }
+  if (!isDigitAt(text, at)) text = date;
+}
+
 }  // namespace
 
 // All letters of the alphabet lie in the basic plane: one unit each.
@@ -53,6 +74,11 @@ std::string repairedLetters(const std::string& text) {
     if (i < letters.length() && u_isalnum(letters.char32At(i)) != 0) continue;
     repairWord(letters, from, i);
     from = i + 1;
+  }
+  for (int i = 0; i < letters.length(); ++i) {
+    if (isDigitAt(letters, i - 1) || !isDigitAt(letters, i)) continue;
+    for (const std::string_view form : {"00.00.0000", "0000.00.00"})
+      repairDate(letters, i, form);
   }
   std::string repaired;
   letters.toUTF8String(repaired);

@@ -14,10 +14,17 @@ constexpr double kLeastHeight = 0.78;
 constexpr double kMostHeight = 1.8;
 /// Of all letters, not more than this share are the names of fields.
 constexpr double kSmallPrintShare = 0.75;
+constexpr const char* kTails = "gjpqy,;";
+/// Of a number behind a label, or a date's year.
+constexpr std::ptrdiff_t kLeastDigits = 4;
 /// Letters of Latin and other scripts begin with a byte from here on; punctuation beyond ASCII
 /// (dashes, quotes, bullets) lies in the blocks of which the first byte is E2.
 constexpr unsigned char kFirstByteBeyondAscii = 0xC3;
 constexpr unsigned char kPunctuationByte = 0xE2;
+
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
 bool isAsciiLetterOrDigit(unsigned char c) {
   return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
@@ -55,8 +62,16 @@ bool hasAny(const std::string& text, const char* letters) {
 /// quarter below the line.
 double capHeight(const TextLine& word) {
   const bool isTall = hasAny(word.text, "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZbdfhiklt");
-  const bool hasTail = hasAny(word.text, "gjpqy,;");
+  const bool hasTail = hasAny(word.text, kTails);
   return word.box.height / ((isTall ? 1.0 : 0.75) + (hasTail ? 0.26 : 0.0));
+}
+
+/// The same at most: a label before a number may be smaller, so that its tails reach no lower than
+/// the number.
+double mostCapHeight(const TextLine& word) {
+  const std::string last = word.text.substr(word.text.rfind(' ') + 1);
+  const bool isNumber = std::ranges::count_if(last, isDigit) >= kLeastDigits;
+  return isNumber && !hasAny(last, kTails) ? word.box.height : capHeight(word);
 }
 
 /// The height of the holder's data: that of the letter above the small print, by height.
@@ -89,8 +104,7 @@ std::vector<const TextLine*> worthKeeping(const std::vector<TextLine>& found,
   }
   const double usual = usualHeight(kept);
   std::erase_if(kept, [&](const TextLine* text) {
-    const double height = capHeight(*text);
-    return height < kLeastHeight * usual || height > kMostHeight * usual;
+    return mostCapHeight(*text) < kLeastHeight * usual || capHeight(*text) > kMostHeight * usual;
   });
   return kept;
 }

@@ -392,6 +392,32 @@ TEST(PrintedFields, OfTheSurnameStandAboveTheGivenNamesWhereNoLabelNamesThem) {
   }
 }
 
+TEST(PrintedFields, HaveTheLettersOfZoneOrCodeWhereAnotherWithAMarkWasRead) {
+  const auto labels = engine::FieldLabels::load({ENGINE_RESOURCES "/documents/labels"});
+  ASSERT_TRUE(labels) << labels.error().sentence;
+  struct Case {
+    const char* read;
+    const char* recorded;
+    const char* value;
+    bool isCorrected;
+  };
+  const Case cases[] = {{"ÖTEČENOVA", "OETEGENOVA", "ÖTEGENOVA", true},
+                        {"Įărnoleanu", "TARNOLEANU", "Tărnoleanu", true},
+                        {"DAÎITI O'ŃEILL", "DAWITI ONEILL", "DAWITI O'ŃEILL", true},
+                        {"ÆRØSKØBING", "AEROESKOEBING", "ÆRØSKØBING", false},
+                        {"MÜLLER", "MUELLER", "MÜLLER", false},
+                        {"OTECENOVA", "OTEGENOVA", "OTECENOVA", false},
+                        {"ŠČULZ", "SCHULZ", "ŠČULZ", false}};
+  for (const Case& c : cases) {
+    const auto fields = engine::printedFields(
+        {at(300, 100, "Surname", 14), at(300, 118, c.read)}, *labels, kToday, {},
+        {{FieldName::surname, c.recorded, corvana::FieldSource::zone, 1, false, std::nullopt}});
+    ASSERT_EQ(fields.size(), 1U) << c.read;
+    EXPECT_EQ(fields[0].value, c.value);
+    EXPECT_EQ(fields[0].knownBy.has_value(), c.isCorrected) << c.read;
+  }
+}
+
 TEST(PrintedFields, AreTakenFromTheirPlacesWhereNoLabelNamesThem) {
   const auto labels = engine::FieldLabels::load({ENGINE_RESOURCES "/documents/labels"});
   ASSERT_TRUE(labels) << labels.error().sentence;
