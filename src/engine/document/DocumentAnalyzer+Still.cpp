@@ -126,24 +126,35 @@ platform::Expected<CardLook> DocumentAnalyzer::cardAmongPrint(const StillPicture
     const auto known = std::ranges::find_if(
         looks, [&](const auto& earlier) { return apart(earlier.first, outline) < kMeasuredAlike; });
     if (known != looks.end()) return known->second;
-    CardLook seen;
-    if (mayHavePrint(still, outline)) seen = lookAt(*still.picture, outline);
-    return looks.emplace_back(outline, std::move(seen)).second;
+    return looks.emplace_back(outline, lookAt(*still.picture, outline)).second;
+  };
+  const auto lookAtPrint = [&](const Quad& outline) {
+    return mayHavePrint(still, outline) ? look(outline) : CardLook();
+  };
+  std::vector<Quad> all;
+  const auto search = [&](Search how) {
+    auto outlines = cardsInStill(still, how);
+    if (outlines) all.insert(all.end(), outlines->begin(), outlines->end());
+    return outlines;
   };
   std::optional<CardLook> best;
   platform::Fault fault = noCardSeen();
-  for (const Search search : {Search::coarse, Search::fine}) {
-    const auto outlines = cardsInStill(still, search);
+  for (const Search how : {Search::coarse, Search::fine}) {
+    const auto outlines = search(how);
     if (!outlines) {
       fault = outlines.error();
       continue;
     }
-    auto found = chooseCard(*outlines, look);
-    if (found && found->isCertainlyACard()) return *std::move(found);
+    auto found = chooseCard(*outlines, lookAtPrint);
+    if (found && found->isCertainlyACard()) {
+      if (how == Search::coarse && !hasDocumentsShape(found->outline)) search(Search::fine);
+      // There is print in its place, even if the still did not show it.
+      return inDocumentsShape(*std::move(found), all, look);
+    }
     if (found && (!best || found->content() > best->content())) best = std::move(found);
   }
   if (!best) return tl::unexpected(fault);
-  return *std::move(best);
+  return inDocumentsShape(*std::move(best), all, look);
 }
 
 platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(

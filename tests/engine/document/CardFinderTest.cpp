@@ -6,6 +6,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "TestCards.h"
+#include "engine/document/outline/CardChoice.h"
 #include "engine/document/outline/CardFinder.h"
 #include "engine/document/outline/CardLook.h"
 #include "engine/document/outline/CardWarp.h"
@@ -173,6 +174,53 @@ TEST(CardLook, TakesTheWholeOfEachSizeForThatOfWhichAnOutlineHoldsAPart) {
     EXPECT_FALSE(engine::completes(outlineOf(900, 1.2 * 900 / aspect), whole)) << aspect;
     EXPECT_FALSE(engine::completes(outlineOf(920, 920 / aspect), whole)) << "the same, " << aspect;
     EXPECT_FALSE(engine::completes(outlineOf(910, 910 / 1.49), whole)) << "half a page, " << aspect;
+  }
+}
+
+/// A look at what certainly is a card unless it has no face, with so many lines of print, of 300
+/// pixels of the picture each.
+engine::CardLook lookOf(const engine::Quad& outline, int lines, double face = 0.9) {
+  engine::CardLook look;
+  look.outline = outline;
+  look.faceScore = face;
+  const double length = 300 * engine::kCardWidth / outline.width();
+  for (int i = 0; i < lines; ++i) {
+    look.lines.emplace_back();
+    look.lines.back().box = {20, 20.0 + 30 * i, length, 20};
+  }
+  return look;
+}
+
+TEST(CardChoice, TakesACardInItsShapeForWhatIsPartOfItOrMore) {
+  const auto card = outlineOf(900, 900 / engine::kCardAspect);
+  const auto part = outlineOf(700, 900 / engine::kCardAspect);
+  const auto more = outlineOf(900, 900 / 1.35);
+  const auto tilted = outlineOf(900, 900 / 1.61);
+  const engine::Quad beside{{{{1200, 100}, {2100, 100}, {2100, 667}, {1200, 667}}}};
+  struct Case {
+    const char* what;
+    engine::CardLook seen;
+    engine::CardLook other;
+    bool isTaken;
+  };
+  const Case cases[] = {
+      {"a part", lookOf(part, 8), lookOf(card, 8), true},
+      {"ground beside it", lookOf(more, 8), lookOf(card, 8), true},
+      {"a line not found again", lookOf(part, 11), lookOf(card, 10), true},
+      {"less print", lookOf(part, 8), lookOf(card, 6), false},
+      {"no card for certain", lookOf(part, 8), lookOf(card, 8, 0), false},
+      {"neither certain", lookOf(part, 8, 0), lookOf(card, 8, 0), true},
+      {"another card", lookOf(part, 8), lookOf(beside, 8), false},
+      {"no better shape", lookOf(part, 8), lookOf(outlineOf(900, 900 / 1.75), 8), false},
+      {"in its shape already", lookOf(tilted, 8), lookOf(card, 8), false},
+  };
+  for (const Case& each : cases) {
+    const auto chosen = engine::inDocumentsShape(
+        each.seen, {each.seen.outline, each.other.outline}, [&](const engine::Quad& outline) {
+          const bool isOther = engine::apart(outline, each.other.outline) == 0;
+          return isOther ? each.other : each.seen;
+        });
+    EXPECT_EQ(engine::apart(chosen.outline, each.other.outline) == 0, each.isTaken) << each.what;
   }
 }
 

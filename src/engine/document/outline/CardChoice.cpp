@@ -1,5 +1,6 @@
 #include "engine/document/outline/CardChoice.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace corvana::engine {
@@ -8,7 +9,7 @@ namespace {
 /// What was seen inside the outlines so far.
 class Looks {
  public:
-  Looks(const std::vector<Quad>& outlines, const std::function<CardLook(const Quad&)>& lookAt)
+  Looks(const std::vector<Quad>& outlines, const LookInside& lookAt)
       : outlines_(outlines), lookAt_(lookAt), looks_(outlines.size()) {}
 
   std::size_t count() const { return outlines_.size(); }
@@ -20,7 +21,7 @@ class Looks {
 
  private:
   const std::vector<Quad>& outlines_;
-  const std::function<CardLook(const Quad&)>& lookAt_;
+  const LookInside& lookAt_;
   std::vector<std::optional<CardLook>> looks_;
 };
 
@@ -35,10 +36,18 @@ std::size_t wholeCard(Looks& looks, std::size_t part) {
   return whole;
 }
 
+bool isOfSamePlace(const Quad& a, const Quad& b) {
+  return a.contains(b.center()) && b.contains(a.center());
+}
+
 }  // namespace
 
-std::optional<CardLook> chooseCard(const std::vector<Quad>& outlines,
-                                   const std::function<CardLook(const Quad&)>& lookAt) {
+bool hasDocumentsShape(const Quad& outline) {
+  constexpr double kMostShapeError = 0.045;  // a tilt of seventeen degrees
+  return outline.aspectError() <= kMostShapeError;
+}
+
+std::optional<CardLook> chooseCard(const std::vector<Quad>& outlines, const LookInside& lookAt) {
   Looks looks(outlines, lookAt);
   std::optional<std::size_t> best;
   for (std::size_t i = 0; i < looks.count(); ++i) {
@@ -48,6 +57,21 @@ std::optional<CardLook> chooseCard(const std::vector<Quad>& outlines,
   }
   if (!best) return std::nullopt;
   return looks.at(*best);
+}
+
+CardLook inDocumentsShape(CardLook seen, std::vector<Quad> outlines, const LookInside& lookAt) {
+  constexpr double kAsMuchPrint = 0.9;  // it is not found alike in each straightened picture
+  if (hasDocumentsShape(seen.outline)) return seen;
+  std::erase_if(outlines, [&](const Quad& outline) {
+    return !hasDocumentsShape(outline) || !isOfSamePlace(outline, seen.outline);
+  });
+  std::ranges::stable_sort(outlines, {}, &Quad::aspectError);
+  for (const Quad& outline : outlines) {
+    CardLook look = lookAt(outline);
+    const bool isAsSure = look.isCertainlyACard() || !seen.isCertainlyACard();
+    if (isAsSure && look.printLength() >= kAsMuchPrint * seen.printLength()) return look;
+  }
+  return seen;
 }
 
 }  // namespace corvana::engine

@@ -80,6 +80,10 @@ double CardLook::content() const {
   return print.share() * (print.within + kFaceInLines * std::clamp(face, 0.0, 1.0));
 }
 
+double CardLook::printLength() const {
+  return printOf(lines, straightenedHeight(outline)).within * outline.width();
+}
+
 bool CardLook::isCertainlyACard() const {
   if (barcode) return true;
   constexpr double kMostOfPrint = 0.92;

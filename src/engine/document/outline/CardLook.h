@@ -27,6 +27,9 @@ struct CardLook {
   /// How much speaks for a card: level lines that end within it, and a face; 0 without lines, and
   /// for what is filled with lines like a page.
   double content() const;
+  /// How long the level lines that end within it are together, in pixels of the picture: comparable
+  /// between outlines, while the lines of a part of a card seem longer in its own width.
+  double printLength() const;
   /// Whether there is no need to look inside another outline.
   bool isCertainlyACard() const;
 };
