@@ -28,6 +28,13 @@ platform::CGRect inPixels(const platform::CGRect& place, const DocumentKind& kin
   return {place.x * across, place.y * down, place.width * across, place.height * down};
 }
 
+/// Holders' faces are wider beside a zone: photos are 26 mm wide at the least (ICAO 9303), heads
+/// half of that, and the cards with zones of two lines 105 mm. Ghost images are half as wide.
+bool isGhost(const Face& face, const platform::PixelBuffer& card) {
+  constexpr double kLeastShare = 0.12;
+  return face.box.width < kLeastShare * card.width();
+}
+
 /// What lines of print may say as well.
 std::vector<std::string> doubtfulTexts(const std::vector<TextLine>& lines) {
   std::vector<std::string> texts;
@@ -225,6 +232,8 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
     mrz = mrz_.read(picture);
   }
   features.mrz = mrz.mrz;
+  // Backs bear a ghost image beside their zone.
+  if (features.mrz && face && isGhost(*face, picture)) features.hasFace = false;
   // A face takes a side for a front, few of which have a barcode.
   const bool mayHaveCode = !face || documentKind(features, tables_->kinds).front.code;
   if (!mrz.mrz && mayHaveCode) features.barcode = barcodeOf(picture);

@@ -153,6 +153,20 @@ TEST(Documents, AZoneThatReachesFurtherThanWhatWasFoundAboveItIsReadWhole) {
   EXPECT_EQ(front.at("mrz").at("lines"), pictures.at(0).at("zone"));
 }
 
+TEST(Documents, ABackWithAGhostImageBesideAZoneOfTwoLinesIsNoFront) {
+  const ScratchFolder scratch;
+  const ProgramRun made =
+      runProgram(MAKE_PHOTOS, {"--designs", "garnet", "--grounds", "plain", "--count", "1",
+                               "--seed", "2", "--output", scratch / "photos"});
+  ASSERT_EQ(made.exitCode, 0) << made.errors;
+  const std::string back = scratch / "photos/0000-garnet-back.jpg";
+  const ProgramRun run =
+      runVideoid({"enroll", "--front", back, "--date", "2026-01-01", "--output", scratch / "card"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_NE(run.errors.find("shows the other side of a card, not its front"), std::string::npos)
+      << run.errors;
+}
+
 TEST(Documents, APassportsPageIsAFrontAndNoBack) {
   const ScratchFolder scratch;
   const ProgramRun made =
