@@ -156,8 +156,8 @@ TEST(Documents, AZoneThatReachesFurtherThanWhatWasFoundAboveItIsReadWhole) {
 TEST(Documents, ABackWithAGhostImageBesideAZoneOfTwoLinesIsNoFront) {
   const ScratchFolder scratch;
   const ProgramRun made =
-      runProgram(MAKE_PHOTOS, {"--designs", "garnet", "--grounds", "plain", "--count", "1",
-                               "--seed", "2", "--output", scratch / "photos"});
+      runProgram(MAKE_PHOTOS, {"--designs", "garnet", "--unseen", "--grounds", "plain", "--count",
+                               "1", "--seed", "2", "--output", scratch / "photos"});
   ASSERT_EQ(made.exitCode, 0) << made.errors;
   const std::string back = scratch / "photos/0000-garnet-back.jpg";
   const ProgramRun run =
