@@ -12,15 +12,20 @@ using nlohmann::json;
 
 const fs::path kStudent = STUDENT;
 
-/// Photographs of a card of the one design in a folder, and truth.json about them.
+/// Photographs of a card, and truth.json about them.
+json photographs(const fs::path& folder, std::vector<std::string> options) {
+  options.insert(options.end(), {"--count", "1", "--output", folder});
+  const ProgramRun made = runProgram(MAKE_PHOTOS, options);
+  EXPECT_EQ(made.exitCode, 0) << made.errors;
+  return json::parse(bytesOf(folder / "truth.json")).at("pictures");
+}
+
+/// The same of the one design in a folder.
 json photographs(const fs::path& folder, const fs::path& designs) {
   const ScratchFolder data;
   fs::copy(designs, data / "designs");
   fs::copy(fs::path(PHOTO_DATA) / "people.json", data / "people.json");
-  const ProgramRun made =
-      runProgram(MAKE_PHOTOS, {"--data", data.path(), "--count", "1", "--output", folder});
-  EXPECT_EQ(made.exitCode, 0) << made.errors;
-  return json::parse(bytesOf(folder / "truth.json")).at("pictures");
+  return photographs(folder, std::vector<std::string>{"--data", data.path()});
 }
 
 ProgramRun enroll(const fs::path& photos, const json& pictures, const fs::path& output,
@@ -119,10 +124,7 @@ TEST(Documents, APageWhoseZoneStandsOnABandOfItsOwnIsTakenWithIt) {
   // The outline ends at that band. In the first photograph the zone can be read, in the other not.
   for (const auto& [seed, exitCode] : {std::pair("27", 0), {"16", 2}}) {
     const fs::path folder = scratch / seed;
-    const ProgramRun made = runProgram(
-        MAKE_PHOTOS, {"--designs", "hornbeam", "--count", "1", "--seed", seed, "--output", folder});
-    ASSERT_EQ(made.exitCode, 0) << made.errors;
-    const json pictures = json::parse(bytesOf(folder / "truth.json")).at("pictures");
+    const json pictures = photographs(folder, {"--designs", "hornbeam", "--seed", seed});
     const ProgramRun run = enroll(folder, pictures, folder / "page", {});
     ASSERT_EQ(run.exitCode, exitCode) << run.errors;
     if (exitCode != 0) {
@@ -140,11 +142,8 @@ TEST(Documents, APageWhoseZoneStandsOnABandOfItsOwnIsTakenWithIt) {
 TEST(Documents, AZoneThatReachesFurtherThanWhatWasFoundAboveItIsReadWhole) {
   const ScratchFolder scratch;
   // The photo's dark edge is a side of what is found: half of the zone lies beyond it.
-  const ProgramRun made =
-      runProgram(MAKE_PHOTOS, {"--designs", "sycamore", "--grounds", "grille,letters", "--count",
-                               "1", "--seed", "2", "--output", scratch / "photos"});
-  ASSERT_EQ(made.exitCode, 0) << made.errors;
-  json pictures = json::parse(bytesOf(scratch / "photos/truth.json")).at("pictures");
+  json pictures = photographs(
+      scratch / "photos", {"--designs", "sycamore", "--grounds", "grille,letters", "--seed", "2"});
   pictures.erase(1);  // its back
   const ProgramRun run = enroll(scratch / "photos", pictures, scratch / "card", {});
   ASSERT_EQ(run.exitCode, 0) << run.errors;
@@ -155,10 +154,8 @@ TEST(Documents, AZoneThatReachesFurtherThanWhatWasFoundAboveItIsReadWhole) {
 
 TEST(Documents, ABackWithAGhostImageBesideAZoneOfTwoLinesIsNoFront) {
   const ScratchFolder scratch;
-  const ProgramRun made =
-      runProgram(MAKE_PHOTOS, {"--designs", "garnet", "--unseen", "--grounds", "plain", "--count",
-                               "1", "--seed", "2", "--output", scratch / "photos"});
-  ASSERT_EQ(made.exitCode, 0) << made.errors;
+  photographs(scratch / "photos",
+              {"--designs", "garnet", "--unseen", "--grounds", "plain", "--seed", "2"});
   const std::string back = scratch / "photos/0000-garnet-back.jpg";
   const ProgramRun run =
       runVideoid({"enroll", "--front", back, "--date", "2026-01-01", "--output", scratch / "card"});
@@ -169,11 +166,8 @@ TEST(Documents, ABackWithAGhostImageBesideAZoneOfTwoLinesIsNoFront) {
 
 TEST(Documents, APassportsPageIsAFrontAndNoBack) {
   const ScratchFolder scratch;
-  const ProgramRun made =
-      runProgram(MAKE_PHOTOS, {"--designs", "passport", "--grounds", "plain", "--count", "1",
-                               "--seed", "3", "--output", scratch / "photos"});
-  ASSERT_EQ(made.exitCode, 0) << made.errors;
-  const json pictures = json::parse(bytesOf(scratch / "photos/truth.json")).at("pictures");
+  const json pictures = photographs(scratch / "photos",
+                                    {"--designs", "passport", "--grounds", "plain", "--seed", "3"});
   ASSERT_EQ(pictures.size(), 1U);
   const ProgramRun run = enroll(scratch / "photos", pictures, scratch / "page", {});
   ASSERT_EQ(run.exitCode, 0) << run.errors;

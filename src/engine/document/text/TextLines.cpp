@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "engine/document/text/AsciiLetters.h"
+
 namespace corvana::engine {
 namespace {
 
@@ -21,10 +23,6 @@ constexpr std::ptrdiff_t kLeastDigits = 4;
 /// (dashes, quotes, bullets) lies in the blocks of which the first byte is E2.
 constexpr unsigned char kFirstByteBeyondAscii = 0xC3;
 constexpr unsigned char kPunctuationByte = 0xE2;
-
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 bool isAsciiLetterOrDigit(unsigned char c) {
   return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
