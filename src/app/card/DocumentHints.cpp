@@ -65,6 +65,10 @@ nlohmann::ordered_json hintsToJson(const std::vector<DocumentHint>& hints) {
   return list;
 }
 
+bool hasHint(const nlohmann::ordered_json& hints, const std::string& name) {
+  return std::ranges::any_of(hints, [&name](const auto& hint) { return hint.at("name") == name; });
+}
+
 std::string describe(const DocumentHint& hint, const DocumentRules& rules) {
   if (hint.check) {
     const std::string name = std::string("the ") + engine::nameOf(hint.check->name);
@@ -76,6 +80,9 @@ std::string describe(const DocumentHint& hint, const DocumentRules& rules) {
     return name + " in print conflicts with the one in " + against;
   }
   if (hint.name == kSuspectCopy) return "the card looks like a copy";
+  if (hint.name == kUntitled) {
+    return "no name of such a document was read on the front; its kind is what the back tells";
+  }
   if (hint.name == kVoiceWithoutLips) return "a voice was heard while the lips rested";
   const std::string day = " on " + engine::isoDate(rules.today);
   if (hint.name == engine::nameOf(engine::DateFinding::expired))

@@ -19,6 +19,8 @@ inline constexpr const char* kSuspectCopy = "suspectCopy";
 inline constexpr const char* kDoubtful = "doubtful";
 /// The hint that a value of zone or code was looked for in print and not found.
 inline constexpr const char* kUnread = "unread";
+/// The hint that the front has no title that was read: of what kind the card is its back told.
+inline constexpr const char* kUntitled = "untitled";
 
 /// Something about a document that a reviewer should know: never a value.
 struct DocumentHint {
@@ -43,6 +45,8 @@ std::vector<DocumentHint> unreadHintsOf(const std::vector<corvana::FieldCheck>& 
 
 /// {"name": "conflict", "field": "surname", "source": "zone"}, {"name": "expired"}
 nlohmann::ordered_json hintsToJson(const std::vector<DocumentHint>& hints);
+/// Whether one of these hints, as `hintsToJson` gives them, has the name; null has none.
+bool hasHint(const nlohmann::ordered_json& hints, const std::string& name);
 
 /// The hint in words, as the beginning or the whole of a sentence: "the birthDate in print
 /// conflicts with the zone".

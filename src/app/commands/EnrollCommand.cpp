@@ -122,8 +122,14 @@ tl::expected<engine::CardReading, Refusal> readBack(engine::DocumentAnalyzer& do
   return readSide(documents, *arguments.back, DocumentSide::back);
 }
 
-tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
-                                               const DocumentRules& rules) {
+/// A card, and whether it is of its kind by its back alone.
+struct ReadCard {
+  Reference reference;
+  bool isUntitled = false;
+};
+
+tl::expected<ReadCard, Refusal> readCard(const EnrollArguments& arguments,
+                                         const DocumentRules& rules) {
   const Resources resources = findResources();
   const auto tables = loadDocuments(resources, arguments.documents);
   if (!tables) return tl::unexpected(tables.error());
@@ -138,24 +144,32 @@ tl::expected<Reference, Refusal> readReference(const EnrollArguments& arguments,
   auto front = readSide(*documents, arguments.front, DocumentSide::front);
   if (!front) return tl::unexpected(front.error());
   describe("front", front->data);
-  if (!arguments.back) return Reference{std::move(front->data), std::nullopt};
+  if (!arguments.back) return ReadCard{{std::move(front->data), std::nullopt}};
   const auto& kinds = (*tables)->kinds;
   auto back = readBack(*documents, arguments, kinds.ofType(front->data.type.value_or("")));
   if (!back) return tl::unexpected(back.error());
   describe("back", back->data);
   documents->settleByOtherSide(*front, back->data);
   documents->settleByOtherSide(*back, front->data);
-  Reference reference{std::move(front->data), std::move(back->data)};
+  Reference reference{front->data, std::move(back->data)};
+  const bool isUntitled = takeKindOfBack(reference, kinds);
+  if (isUntitled) {
+    // Labels and places of fields are the kind's.
+    front->data.type = reference.front.type;
+    documents->settleByOtherSide(*front, *reference.back);
+    reference.front = std::move(front->data);
+  }
   const auto fault = sidesFault(reference, kinds, arguments.front, *arguments.back);
   if (!fault.empty()) return wrongUse(fault);
-  return reference;
+  return ReadCard{std::move(reference), isUntitled};
 }
 
 ExitCode runEnroll(const EnrollArguments& arguments) {
   if (const auto free = checkEmptyFolder(arguments.output); !free) return refuse(free.error());
   const DocumentRules rules = documentRules(arguments.documents);
-  auto reference = readReference(arguments, rules);
-  if (!reference) return complain(std::cerr, reference.error());
+  auto card = readCard(arguments, rules);
+  if (!card) return complain(std::cerr, card.error());
+  Reference* const reference = &card->reference;
   const std::string sureCopy = copyFault(*reference, engine::kSureCopy);
   if (!sureCopy.empty() && !arguments.allowCopy) {
     return refuse("The card was not enrolled: " + sureCopy +
@@ -173,7 +187,9 @@ ExitCode runEnroll(const EnrollArguments& arguments) {
     std::cerr << "WARNING: " << fault << ".\n";
   }
   auto hints = hintsOf(sidesOf(*reference), checks, rules);
-  for (DocumentHint& hint : unreadHintsOf(checks)) {
+  auto warnings = unreadHintsOf(checks);
+  if (card->isUntitled) warnings.insert(warnings.begin(), {kUntitled, std::nullopt});
+  for (DocumentHint& hint : warnings) {
     std::cerr << "WARNING: " << describe(hint, rules) << ".\n";
     hints.push_back(std::move(hint));
   }

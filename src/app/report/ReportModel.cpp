@@ -122,7 +122,7 @@ class ReportModel {
         {"expired", "earlierExpired"},   {"notYetValid", "earlierNotYetValid"},
         {"underAge", "earlierUnderAge"}, {"suspectCopy", "hintSuspectCopy"},
         {"conflict", "hintConflict"},    {"doubtful", "hintDoubtful"},
-        {"unread", "hintUnread"}};
+        {"unread", "hintUnread"},        {"untitled", "hintUntitled"}};
     const json& hints = memberIn(run_.evidence, "referenceHints");
     if (!hints.is_array()) return false;
     json sentences = json::array();

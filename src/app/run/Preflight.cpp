@@ -3,6 +3,7 @@
 #include <string>
 
 #include "app/card/DocumentFolders.h"
+#include "app/card/DocumentHints.h"
 #include "app/machine/MachineCheck.h"
 #include "app/privacy/Consent.h"
 #include "app/record/EventLog.h"
@@ -59,26 +60,39 @@ using Analyzer = std::shared_ptr<engine::FrameAnalyzer>;
 
 using Tables = std::shared_ptr<const engine::DocumentTables>;
 
-Expected<Analyzer> loadAnalyzer(const Resources& resources, const Tables& documents,
-                                const DocumentRules& rules,
-                                const std::shared_ptr<platform::WorkQueue>& readQueue) {
+using Models = engine::VisionFrameAnalyzer::Models;
+
+/// Of a card with a title only fronts are accepted on which it is read too.
+std::optional<std::string> kindWithoutTitle(const Reference& reference) {
+  return hasHint(reference.hints, kUntitled) ? reference.front.type : std::nullopt;
+}
+
+Models modelsFor(const PreparedCapture& prepared, const Tables& documents) {
+  const Resources& resources = prepared.resources;
+  return {.faceDetector = resources.faceDetector(),
+          .faceLandmarks = resources.faceLandmarks(),
+          .faceEmbedding = resources.faceModel(),
+          .text = resources.textReader(),
+          .documents = documents,
+          .today = prepared.rules.today,
+          .knownType = kindWithoutTitle(prepared.inputs.reference),
+          .readQueue = engine::VisionFrameAnalyzer::makeReadQueue(*prepared.stage.loop)};
+}
+
+Expected<Analyzer> loadAnalyzer(const Resources& resources, const Models& models) {
   if (const auto lack = lacks({examineFaceModel(resources)}); !lack.empty()) {
     return platform::failure(lack);
   }
-  auto loaded = engine::VisionFrameAnalyzer::load(
-      {resources.faceDetector(), resources.faceLandmarks(), resources.faceModel(),
-       resources.textReader(), documents, rules.today, readQueue});
+  auto loaded = engine::VisionFrameAnalyzer::load(models);
   if (!loaded) return tl::unexpected(loaded.error());
   return *loaded;
 }
 
 /// A user does not wait for the models to see their picture; a replay has all the time it wants.
-Expected<Analyzer> startAnalyzer(const Resources& resources, const Tables& documents,
-                                 const DocumentRules& rules, platform::RunLoop& loop) {
-  const auto readQueue = engine::VisionFrameAnalyzer::makeReadQueue(loop);
-  if (loop.isVirtual()) return loadAnalyzer(resources, documents, rules, readQueue);
-  const auto load = [=] { return loadAnalyzer(resources, documents, rules, readQueue); };
-  return engine::LateFrameAnalyzer::start(loop, load);
+Expected<Analyzer> startAnalyzer(const Resources& resources, const Models& models,
+                                 platform::RunLoop& loop) {
+  if (loop.isVirtual()) return loadAnalyzer(resources, models);
+  return engine::LateFrameAnalyzer::start(loop, [=] { return loadAnalyzer(resources, models); });
 }
 
 std::shared_ptr<corvana::SpeechRecognizer> makeRecognizer(platform::RunLoop& loop,
@@ -202,7 +216,7 @@ tl::expected<PreparedCapture, Refusal> prepareCapture(const CaptureArguments& ar
     return refuse(ExitCode::machineLacks, lack);
   }
   prepared.recognizer = makeRecognizer(loop, prepared.inputs.text);
-  auto analyzer = startAnalyzer(prepared.resources, *tables, prepared.rules, loop);
+  auto analyzer = startAnalyzer(prepared.resources, modelsFor(prepared, *tables), loop);
   if (!analyzer) return refuse(ExitCode::machineLacks, analyzer.error().sentence);
   prepared.analyzer = *analyzer;
   if (auto taken = takeFolder(folder, EventLog::kFileName); !taken) {

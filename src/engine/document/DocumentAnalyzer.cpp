@@ -61,7 +61,8 @@ DocumentAnalyzer::DocumentAnalyzer(std::shared_ptr<FaceDetector> faces, NetworkT
       tessdata_(setup.tessdata),
       mrz_(std::move(mrz)),
       tables_(setup.documents),
-      today_(setup.today) {}
+      today_(setup.today),
+      known_(setup.knownType ? tables_->kinds.ofType(*setup.knownType) : nullptr) {}
 
 platform::Expected<DocumentAnalyzer> DocumentAnalyzer::load(std::shared_ptr<FaceDetector> faces,
                                                             const Setup& setup) {
@@ -213,6 +214,7 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
   const platform::PixelBuffer& picture = *card;
   CardReading reading;
   DocumentFeatures features;
+  features.known = known_;
   std::vector<platform::CGRect> blanks;
 
   reading.lines = memory.lines;

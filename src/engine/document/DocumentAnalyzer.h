@@ -63,6 +63,9 @@ class DocumentAnalyzer {
     std::shared_ptr<const DocumentTables> documents{};
     /// Settles two-digit years.
     CalendarDate today{};
+    /// The type of a side as which the card was captured earlier, of one of these kinds; absent
+    /// where it was not. A front without a title that can be read is taken for one of that kind.
+    std::optional<std::string> knownType{};
     /// Where a second reader's data of the Latin script is looked for; it does without.
     std::filesystem::path tessdata = kDebianTessdataFolder;
     std::vector<std::filesystem::path> ocrBFonts = defaultOcrBFonts();
@@ -146,6 +149,7 @@ class DocumentAnalyzer {
   MrzReader mrz_;
   std::shared_ptr<const DocumentTables> tables_;
   CalendarDate today_;
+  const DocumentKind* known_;  ///< one of the tables', or null
 };
 
 }  // namespace corvana::engine

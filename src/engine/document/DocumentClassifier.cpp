@@ -140,11 +140,18 @@ std::optional<corvana::DocumentSide> sideOf(const DocumentFeatures& features,
   return std::nullopt;
 }
 
+/// Nothing but a title tells such a front, which may be covered or in no list.
+bool mayBeUntitled(const DocumentFeatures& front, const DocumentKind& kind) {
+  const bool hasRecord = front.mrz || front.glimpsedMrz || front.barcode;
+  return front.hasFace && !hasRecord && kind.back && !kind.front.zone && !kind.front.code;
+}
+
 }  // namespace
 
 const DocumentKind& documentKind(const DocumentFeatures& features, const DocumentKinds& kinds) {
   if (const auto* kind = kindByRecord(features, kinds)) return *kind;
   if (const auto* kind = kindByName(features.lines, kinds)) return *kind;
+  if (features.known && mayBeUntitled(features, *features.known)) return *features.known;
   return kinds.remainder();
 }
 

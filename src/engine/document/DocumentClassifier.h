@@ -21,6 +21,8 @@ struct DocumentFeatures {
   bool hasMrzBand = false;
   std::optional<std::map<std::string, std::string>> barcode{};
   bool hasFace = false;
+  /// The kind as which a front without a title was captured earlier, if one was.
+  const DocumentKind* known = nullptr;
 };
 
 /// Names the document and the side, and what such a side should carry: fills `type`, `side` and the
@@ -29,7 +31,7 @@ struct DocumentFeatures {
 /// back, unless the kind has it beside the photo; a face marks a front. With neither, only the
 /// backs of kinds that have no mark are known, by the kind's name; else side and type stay absent.
 /// Front and back of one card come into the same kind: what names none is the remainder, an
-/// identity card. Pure.
+/// identity card, or a front of the kind that is known. Pure.
 void classify(const DocumentFeatures& features, const DocumentKinds& kinds,
               corvana::DetectedData& data);
 

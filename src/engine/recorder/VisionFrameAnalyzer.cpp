@@ -99,8 +99,10 @@ platform::Expected<std::shared_ptr<VisionFrameAnalyzer>> VisionFrameAnalyzer::lo
   // Who reads on another thread needs a detector of its own.
   const auto readersFaces = loadFaces(models.faceDetector);
   if (!readersFaces) return tl::unexpected(readersFaces.error());
-  auto documents = DocumentAnalyzer::load(
-      *readersFaces, {.text = models.text, .documents = models.documents, .today = models.today});
+  auto documents = DocumentAnalyzer::load(*readersFaces, {.text = models.text,
+                                                          .documents = models.documents,
+                                                          .today = models.today,
+                                                          .knownType = models.knownType});
   if (!documents) return tl::unexpected(documents.error());
   return std::shared_ptr<VisionFrameAnalyzer>(new VisionFrameAnalyzer(
       *std::move(faces), std::make_shared<FaceLandmarks>(std::move(*landmarks)),

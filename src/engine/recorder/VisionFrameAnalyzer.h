@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "engine/document/DocumentAnalyzer.h"
@@ -31,6 +32,7 @@ class VisionFrameAnalyzer final : public FrameAnalyzer {
     std::shared_ptr<const DocumentTables> documents{};
     /// Settles two-digit years.
     CalendarDate today{};
+    std::optional<std::string> knownType{};
     /// Of `makeReadQueue`.
     std::shared_ptr<platform::WorkQueue> readQueue{};
   };

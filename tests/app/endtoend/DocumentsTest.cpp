@@ -107,11 +107,22 @@ TEST(Documents, TheZoneOfTheBackTellsNamesOnTheFrontThatNoKnownLabelNames) {
   }
   EXPECT_FALSE(fieldOf(front, "birthDate").contains("knownBy")) << "it has a label";
 
-  // The same card without its title: the back is a permit's still, by its zone.
+  // The same card without its title: its expiry is the zone's, and so it is of the back's kind.
   permit["front"]["writings"] = json::array();
   writeBytes(scratch / "designs/permit.json", permit.dump());
   const json untitled = photographs(scratch / "untitled", scratch / "designs");
-  const ProgramRun refused = enroll(scratch / "untitled", untitled, scratch / "none", {});
+  const ProgramRun taken = enroll(scratch / "untitled", untitled, scratch / "taken", {});
+  ASSERT_EQ(taken.exitCode, 0) << taken.errors;
+  const json known = json::parse(bytesOf(scratch / "taken/reference.json"));
+  EXPECT_EQ(known.at("front").at("type"), "RESIDENCE_PERMIT_FRONT");
+  EXPECT_EQ(known.at("hints"), json::array({{{"name", "untitled"}}, hint}));
+
+  // Without what tells this document from others of its holder it may be another one.
+  fields.erase(std::ranges::find_if(
+      fields, [](const json& field) { return field["field"] == "dateOfExpiry"; }));
+  writeBytes(scratch / "designs/permit.json", permit.dump());
+  const json unmarked = photographs(scratch / "unmarked", scratch / "designs");
+  const ProgramRun refused = enroll(scratch / "unmarked", unmarked, scratch / "none", {});
   EXPECT_EQ(refused.exitCode, 2);
   EXPECT_NE(refused.errors.find("By its back the card is a RESIDENCE_PERMIT, but no name of such a "
                                 "document was read on"),

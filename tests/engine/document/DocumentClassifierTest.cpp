@@ -38,6 +38,8 @@ TEST(DocumentClassifier, NamesFamilyAndSide) {
       {{.lines = {"POVOLEN\xC3\x8D K POBYTU"}, .hasFace = true}, "RESIDENCE_PERMIT_FRONT"},
       {{.lines = {"\xC5\x98IDI\xC4\x8CSK\xC3\x9D PR\xC5\xAEKAZ"}, .hasFace = true},
        "DRIVING_LICENCE_FRONT"},
+      {{.lines = {"T\xC3\x8DTULO DE RESID\xC3\x8ANCIA"}, .hasFace = true},
+       "RESIDENCE_PERMIT_FRONT"},
       {{.mrz = mrz("AR"), .hasMrzBand = true}, "RESIDENCE_PERMIT_BACK"},
       {{.lines = {"PASSPORT CARD"}, .hasFace = true}, "PASSPORT_CARD_FRONT"},
       {{.mrz = mrz("IP"), .hasMrzBand = true}, "PASSPORT_CARD_BACK"},
@@ -52,6 +54,23 @@ TEST(DocumentClassifier, NamesFamilyAndSide) {
     EXPECT_EQ(data.shouldHaveBarcode, features.barcode.has_value());
     EXPECT_EQ(data.shouldHavePhoto, data.side == DocumentSide::front);
   }
+}
+
+TEST(DocumentClassifier, TakesAFrontWithoutATitleForTheKindThatIsKnown) {
+  const auto typeOf = [](DocumentFeatures features, const char* known) {
+    features.known = kinds().ofType(known);
+    corvana::DetectedData data;
+    engine::classify(features, kinds(), data);
+    return data.type.value_or("none");
+  };
+  const DocumentFeatures front{.lines = {"ERIKSSON"}, .hasFace = true};
+  EXPECT_EQ(typeOf(front, "RESIDENCE_PERMIT_FRONT"), "RESIDENCE_PERMIT_FRONT");
+  EXPECT_EQ(typeOf(front, "TD2_CARD_FRONT"), "IDENTITY_CARD_FRONT") << "its zone would be there";
+  const DocumentFeatures titled{.lines = {"Driving licence"}, .hasFace = true};
+  EXPECT_EQ(typeOf(titled, "RESIDENCE_PERMIT_FRONT"), "DRIVING_LICENCE_FRONT");
+  // A back's record says what it is.
+  EXPECT_EQ(typeOf({.mrz = mrz("I"), .hasMrzBand = true}, "RESIDENCE_PERMIT_FRONT"),
+            "IDENTITY_CARD_BACK");
 }
 
 /// A zone of so many lines of so many characters.

@@ -10,7 +10,8 @@ namespace {
 /// Looks at a card, ten times a second, as the recorder does.
 class CardReadingTest : public testing::Test {
  protected:
-  void SetUp() override {
+  void SetUp() override { load({}); }
+  void load(const std::optional<std::string>& knownType) {
     const std::filesystem::path models = ENGINE_RESOURCES;
     analyzer = engine::VisionFrameAnalyzer::load(
                    {.faceDetector = models / "face_detection_short_range.tflite",
@@ -19,6 +20,7 @@ class CardReadingTest : public testing::Test {
                     .text = engine::NetworkTextReader::Models::inFolder(models),
                     .documents = std::make_shared<engine::DocumentTables>(
                         *engine::loadDocumentTables({models / "documents"})),
+                    .knownType = knownType,
                     .readQueue = engine::VisionFrameAnalyzer::makeReadQueue(loop)})
                    .value();
   }
@@ -53,6 +55,14 @@ TEST_F(CardReadingTest, LetsLooksGoOnMeanwhile) {
   EXPECT_EQ(view.reading->type, "IDENTITY_CARD_FRONT");
   EXPECT_TRUE(view.portrait);
   EXPECT_FALSE(look(360).reading) << "it is told once";
+}
+
+TEST_F(CardReadingTest, TakesAnUntitledFrontForTheKindThatTheCardWasCapturedAs) {
+  load("RESIDENCE_PERMIT_FRONT");
+  look(360);
+  look(360);
+  finishReading();
+  EXPECT_EQ(look(360).reading.value().type, "RESIDENCE_PERMIT_FRONT");
 }
 
 TEST_F(CardReadingTest, TellsNothingOfACardThatHasMovedMeanwhile) {
