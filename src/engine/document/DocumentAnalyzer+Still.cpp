@@ -11,6 +11,7 @@
 #include "engine/document/outline/CardWarp.h"
 #include "engine/document/outline/ZoneBelow.h"
 #include "engine/document/text/SecondOpinion.h"
+#include "engine/document/text/TextLines.h"
 
 /// What the analyzer does with a photo or scan, for which there is more time than for a frame.
 namespace corvana::engine {
@@ -102,11 +103,23 @@ platform::Expected<CardLook> DocumentAnalyzer::cardIn(const StillPicture& still)
     return lookAt(picture, outline);
   };
   auto card = cardAmongPrint(still, look);
-  if (card && card->isCertainlyACard()) return card;
+  if (card && card->isCertainlyACard()) return lookCloser(still, *card, look);
   auto closer = cardAmongPrint(lookedAtInParts(still, text_.boxes()), look);
   const bool isBetter =
       closer && (!card || closer->isCertainlyACard() || closer->content() > card->content());
-  return isBetter ? closer : card;
+  if (isBetter) card = std::move(closer);
+  if (!card) return card;
+  return lookCloser(still, *card, look);
+}
+
+CardLook DocumentAnalyzer::lookCloser(const StillPicture& still, const CardLook& seen,
+                                      const LookAt& lookAt) {
+  const auto part = partAround(still, seen.outline, text_.boxes());
+  if (!part) return seen;
+  auto closer = cardAmongPrint(part->still, lookAt);
+  if (!closer) return seen;
+  closer->outline = shifted(closer->outline, part->origin);
+  return clearer(seen, *std::move(closer));
 }
 
 std::optional<CardLook> DocumentAnalyzer::cardWithBarcode(const StillPicture& still) {
@@ -134,7 +147,10 @@ platform::Expected<CardLook> DocumentAnalyzer::cardAmongPrint(const StillPicture
   std::vector<Quad> all;
   const auto search = [&](Search how) {
     auto outlines = cardsInStill(still, how);
-    if (outlines) all.insert(all.end(), outlines->begin(), outlines->end());
+    if (outlines) {
+      std::ranges::copy(outlines->seen, std::back_inserter(all));
+      std::ranges::copy(outlines->wholes, std::back_inserter(all));
+    }
     return outlines;
   };
   std::optional<CardLook> best;
@@ -147,7 +163,7 @@ platform::Expected<CardLook> DocumentAnalyzer::cardAmongPrint(const StillPicture
     }
     auto found = chooseCard(*outlines, lookAtPrint);
     if (found && found->isCertainlyACard()) {
-      if (how == Search::coarse && !hasDocumentsShape(found->outline)) search(Search::fine);
+      if (how == Search::coarse && !found->outline.hasDocumentsShape()) search(Search::fine);
       // There is print in its place, even if the still did not show it.
       return inDocumentsShape(*std::move(found), all, look);
     }
@@ -220,6 +236,7 @@ void DocumentAnalyzer::addSmallLabels(CardReading& reading) {
   const platform::PixelBuffer& card = *reading.data.image->pixels();
   auto small = text_.readSmall(card, outsideZone(reading), reading.lines);
   std::erase_if(small, [this](const TextLine& line) {
+    if (runsUpOrDown(line)) return true;
     const auto label = tables_->labels.labelledText(line.text);
     return !label || !label->hasWords;
   });

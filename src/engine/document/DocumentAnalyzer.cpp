@@ -220,6 +220,8 @@ CardReading DocumentAnalyzer::understood(const platform::PixelBufferRef& card,
   reading.lines = memory.lines;
   for (const TextLine& line : reading.lines)
     features.lines.push_back(line.text);
+  // A title may run upward; the holder's data and their labels are level.
+  std::erase_if(reading.lines, runsUpOrDown);
   const auto face = portrait(picture, documentKind(features, tables_->kinds));
   features.hasFace = face.has_value();
   if (face) {

@@ -63,8 +63,8 @@ class DocumentAnalyzer {
     std::shared_ptr<const DocumentTables> documents{};
     /// Settles two-digit years.
     CalendarDate today{};
-    /// The type of a side as which the card was captured earlier, of one of these kinds; absent
-    /// where it was not. A front without a title that can be read is taken for one of that kind.
+    /// The type as which a front without a title that could be read was captured earlier, of one of
+    /// these kinds; absent where it was not. Such fronts are taken for one of that kind.
     std::optional<std::string> knownType{};
     /// Where a second reader's data of the Latin script is looked for; it does without.
     std::filesystem::path tessdata = kDebianTessdataFolder;
@@ -134,6 +134,9 @@ class DocumentAnalyzer {
   double faceScore(const platform::PixelBuffer& card);
   platform::Expected<CardLook> cardIn(const StillPicture& still);
   using LookAt = std::function<CardLook(const platform::PixelBuffer&, const Quad&)>;
+  /// Print on a card that is a small part of the still is found in part only, or as if it ran
+  /// across the card, which misleads the search.
+  CardLook lookCloser(const StillPicture& still, const CardLook& seen, const LookAt& lookAt);
   platform::Expected<CardLook> cardAmongPrint(const StillPicture& still, const LookAt& lookAt);
   /// The card in the picture that has a barcode, where what was taken for it has no mark of a side.
   std::optional<CardLook> cardWithBarcode(const StillPicture& still);

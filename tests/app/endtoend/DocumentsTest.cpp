@@ -165,14 +165,37 @@ TEST(Documents, AZoneThatReachesFurtherThanWhatWasFoundAboveItIsReadWhole) {
 
 TEST(Documents, ABackWithAGhostImageBesideAZoneOfTwoLinesIsNoFront) {
   const ScratchFolder scratch;
-  photographs(scratch / "photos",
-              {"--designs", "garnet", "--unseen", "--grounds", "plain", "--seed", "2"});
+  const json pictures = photographs(
+      scratch / "photos", {"--designs", "garnet", "--unseen", "--grounds", "plain", "--seed", "2"});
   const std::string back = scratch / "photos/0000-garnet-back.jpg";
   const ProgramRun run =
       runVideoid({"enroll", "--front", back, "--date", "2026-01-01", "--output", scratch / "card"});
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_NE(run.errors.find("shows the other side of a card, not its front"), std::string::npos)
       << run.errors;
+
+  // Its front's title runs upward, in a dark band.
+  const ProgramRun both = enroll(scratch / "photos", pictures, scratch / "permit", {});
+  ASSERT_EQ(both.exitCode, 0) << both.errors;
+  const json permit = json::parse(bytesOf(scratch / "permit/reference.json"));
+  EXPECT_EQ(permit.at("front").at("type"), "RESIDENCE_PERMIT_FRONT");
+  EXPECT_EQ(permit.at("back").at("type"), "RESIDENCE_PERMIT_BACK");
+  for (const json& hint : permit.at("hints"))
+    EXPECT_NE(hint.at("name"), "untitled");
+  for (const json& line : permit.at("front").at("ocrStrings"))
+    EXPECT_EQ(line.get<std::string>().find("PERMIS DE"), std::string::npos) << "it is not level";
+}
+
+TEST(Documents, ABandAlongOneSideBelongsToTheCard) {
+  const ScratchFolder scratch;
+  photographs(scratch / "photos",
+              {"--designs", "aspen", "--unseen", "--grounds", "lace", "--seed", "2"});
+  const std::string front = scratch / "photos/0000-aspen-front.jpg";
+  const ProgramRun run = runVideoid(
+      {"enroll", "--front", front, "--date", "2026-01-01", "--output", scratch / "card"});
+  ASSERT_EQ(run.exitCode, 0) << run.errors;
+  const json card = json::parse(bytesOf(scratch / "card/reference.json"));
+  EXPECT_EQ(card.at("front").at("type"), "DRIVING_LICENCE_FRONT") << "its title is in the band";
 }
 
 TEST(Documents, APassportsPageIsAFrontAndNoBack) {

@@ -191,6 +191,13 @@ engine::CardLook lookOf(const engine::Quad& outline, int lines, double face = 0.
   return look;
 }
 
+/// With a line as wide as a zone's.
+engine::CardLook withZone(engine::CardLook look) {
+  look.lines.emplace_back();
+  look.lines.back().box = {50, 500, 800, 20};
+  return look;
+}
+
 TEST(CardChoice, TakesACardInItsShapeForWhatIsPartOfItOrMore) {
   const auto card = outlineOf(900, 900 / engine::kCardAspect);
   const auto part = outlineOf(700, 900 / engine::kCardAspect);
@@ -209,6 +216,7 @@ TEST(CardChoice, TakesACardInItsShapeForWhatIsPartOfItOrMore) {
       {"a line not found again", lookOf(part, 11), lookOf(card, 10), true},
       {"less print", lookOf(part, 8), lookOf(card, 6), false},
       {"no card for certain", lookOf(part, 8), lookOf(card, 8, 0), false},
+      {"a card by its zone without the face", lookOf(part, 8), withZone(lookOf(card, 8, 0)), false},
       {"neither certain", lookOf(part, 8, 0), lookOf(card, 8, 0), true},
       {"another card", lookOf(part, 8), lookOf(beside, 8), false},
       {"no better shape", lookOf(part, 8), lookOf(outlineOf(900, 900 / 1.75), 8), false},
@@ -222,6 +230,47 @@ TEST(CardChoice, TakesACardInItsShapeForWhatIsPartOfItOrMore) {
         });
     EXPECT_EQ(engine::apart(chosen.outline, each.other.outline) == 0, each.isTaken) << each.what;
   }
+}
+
+TEST(CardChoice, TakesALookFromNearerForWhatItShowsMoreOf) {
+  const auto card = outlineOf(900, 900 / engine::kCardAspect);
+  const auto page = outlineOf(800, 800 / engine::kPageAspect);
+  const auto part = outlineOf(700, 900 / engine::kCardAspect);
+  struct Case {
+    const char* what;
+    engine::CardLook seen;
+    engine::CardLook closer;
+    bool isTaken;
+  };
+  const Case cases[] = {
+      {"more print", lookOf(page, 8), lookOf(card, 11), true},
+      {"the same print", lookOf(page, 8), lookOf(card, 8), false},
+      {"less print", lookOf(card, 8), lookOf(page, 6), false},
+      {"without the face", lookOf(part, 8), withZone(lookOf(card, 8, 0)), false},
+      {"a document's shape", lookOf(part, 8), lookOf(card, 8), true},
+      {"no document's shape", lookOf(card, 8), lookOf(part, 8), false},
+      {"less sure", lookOf(part, 8, 0.86), lookOf(card, 8, 0.8), false},
+      {"less sure, with much more print", lookOf(part, 8, 0.86), lookOf(card, 10, 0.8), true},
+  };
+  for (const Case& each : cases) {
+    const auto chosen = engine::clearer(each.seen, each.closer);
+    EXPECT_EQ(engine::apart(chosen.outline, each.closer.outline) == 0, each.isTaken) << each.what;
+  }
+}
+
+TEST(CardLook, TakesLinesAcrossACardForATitleWhileTheyAreFew) {
+  const auto card = outlineOf(900, 900 / engine::kCardAspect);
+  const auto withUpright = [&](int lines) {
+    engine::CardLook look = lookOf(card, 8);
+    for (int i = 0; i < lines; ++i) {
+      look.lines.emplace_back();
+      look.lines.back().box = {850.0 + 40 * i, 60, 25, 400};
+    }
+    return look;
+  };
+  EXPECT_TRUE(withUpright(2).isCertainlyACard());
+  EXPECT_EQ(withUpright(2).content(), lookOf(card, 8).content());
+  EXPECT_FALSE(withUpright(3).isCertainlyACard()) << "print that the outline lies across";
 }
 
 }  // namespace

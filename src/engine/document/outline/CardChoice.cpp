@@ -6,6 +6,13 @@
 namespace corvana::engine {
 namespace {
 
+/// Whether a look shows all that another one does.
+bool holdsAllOf(const CardLook& look, const CardLook& other) {
+  constexpr double kAsMuchPrint = 0.9;  // it is not found alike in each straightened picture
+  return look.printLength() >= kAsMuchPrint * other.printLength() &&
+         (look.mayHaveFace() || !other.hasSureFace());
+}
+
 /// What was seen inside the outlines so far.
 class Looks {
  public:
@@ -36,18 +43,7 @@ std::size_t wholeCard(Looks& looks, std::size_t part) {
   return whole;
 }
 
-bool isOfSamePlace(const Quad& a, const Quad& b) {
-  return a.contains(b.center()) && b.contains(a.center());
-}
-
-}  // namespace
-
-bool hasDocumentsShape(const Quad& outline) {
-  constexpr double kMostShapeError = 0.045;  // a tilt of seventeen degrees
-  return outline.aspectError() <= kMostShapeError;
-}
-
-std::optional<CardLook> chooseCard(const std::vector<Quad>& outlines, const LookInside& lookAt) {
+std::optional<CardLook> likestACard(const std::vector<Quad>& outlines, const LookInside& lookAt) {
   Looks looks(outlines, lookAt);
   std::optional<std::size_t> best;
   for (std::size_t i = 0; i < looks.count(); ++i) {
@@ -59,19 +55,49 @@ std::optional<CardLook> chooseCard(const std::vector<Quad>& outlines, const Look
   return looks.at(*best);
 }
 
+bool isOfSamePlace(const Quad& a, const Quad& b) {
+  return a.contains(b.center()) && b.contains(a.center());
+}
+
+}  // namespace
+
+std::optional<CardLook> chooseCard(const CardOutlines& outlines, const LookInside& lookAt) {
+  constexpr double kFarMore = 1.5;
+  auto seen = likestACard(outlines.seen, lookAt);
+  if (seen && seen->isCertainlyACard()) return seen;
+  auto whole = likestACard(outlines.wholes, lookAt);
+  const bool isWhole = whole && (!seen || whole->isCertainlyACard() ||
+                                 whole->content() > kFarMore * seen->content());
+  return isWhole ? whole : seen;
+}
+
 CardLook inDocumentsShape(CardLook seen, std::vector<Quad> outlines, const LookInside& lookAt) {
-  constexpr double kAsMuchPrint = 0.9;  // it is not found alike in each straightened picture
-  if (hasDocumentsShape(seen.outline)) return seen;
+  if (seen.outline.hasDocumentsShape()) return seen;
   std::erase_if(outlines, [&](const Quad& outline) {
-    return !hasDocumentsShape(outline) || !isOfSamePlace(outline, seen.outline);
+    return !outline.hasDocumentsShape() || !isOfSamePlace(outline, seen.outline);
   });
   std::ranges::stable_sort(outlines, {}, &Quad::aspectError);
   for (const Quad& outline : outlines) {
     CardLook look = lookAt(outline);
     const bool isAsSure = look.isCertainlyACard() || !seen.isCertainlyACard();
-    if (isAsSure && look.printLength() >= kAsMuchPrint * seen.printLength()) return look;
+    if (isAsSure && holdsAllOf(look, seen)) return look;
   }
   return seen;
+}
+
+CardLook clearer(CardLook seen, CardLook closer) {
+  constexpr double kMore = 1.05;  // print is not found alike in each straightened picture
+  constexpr double kMuchMore = 1.15;
+  const auto hasMoreBy = [&](double factor) {
+    return closer.fittingPrint() > factor * seen.fittingPrint();
+  };
+  if (!holdsAllOf(closer, seen)) return seen;
+  if (seen.isCertainlyACard() && !closer.isCertainlyACard()) {
+    if (seen.barcode || !hasMoreBy(kMuchMore)) return seen;
+  }
+  const bool isShaped = closer.outline.hasDocumentsShape();
+  if (isShaped != seen.outline.hasDocumentsShape()) return isShaped ? closer : seen;
+  return hasMoreBy(kMore) ? closer : seen;
 }
 
 }  // namespace corvana::engine

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "engine/document/outline/CardWarp.h"
+#include "engine/document/text/TextLines.h"
 
 namespace corvana::engine {
 namespace {
@@ -20,10 +21,13 @@ constexpr double kZoneWidth = 0.7;
 /// A zone has three lines at most, and a title may be as wide: with more it is a page of print.
 constexpr int kMostWideLines = 4;
 
+/// Titles run up or down on some cards: so much, of the level lines' length, speaks for nothing,
+/// and more for print that a wrong outline lies across.
+constexpr double kMostUpward = 0.3;
+
 bool isWithin(const TextLine& line, int height) {
-  return std::abs(line.tilt) <= kMostTilt && line.box.width > line.box.height &&
-         line.box.minX() > kRim && line.box.minY() > kRim && line.box.maxX() < kCardWidth - kRim &&
-         line.box.maxY() < height - kRim;
+  return std::abs(line.tilt) <= kMostTilt && line.box.minX() > kRim && line.box.minY() > kRim &&
+         line.box.maxX() < kCardWidth - kRim && line.box.maxY() < height - kRim;
 }
 
 struct Print {
@@ -37,14 +41,20 @@ struct Print {
 
 Print printOf(const std::vector<TextLine>& lines, int height) {
   Print print;
+  double upward = 0;
   for (const TextLine& line : lines) {
     const double length = std::max(line.box.width, line.box.height) / kCardWidth;
+    if (runsUpOrDown(line) && isWithin(line, height)) {
+      upward += length;
+      continue;
+    }
     print.all += length;
-    if (!isWithin(line, height)) continue;
+    if (line.box.height >= line.box.width || !isWithin(line, height)) continue;
     print.within += length;
     ++print.lines;
     if (length > kZoneWidth) ++print.wideLines;
   }
+  print.all += std::max(0.0, upward - kMostUpward * print.within);
   return print;
 }
 
@@ -84,6 +94,18 @@ double CardLook::printLength() const {
   return printOf(lines, straightenedHeight(outline)).within * outline.width();
 }
 
+double CardLook::fittingPrint() const {
+  return printOf(lines, straightenedHeight(outline)).share() * printLength();
+}
+
+bool CardLook::hasSureFace() const {
+  return std::max(faceScore, faceScoreTurned) >= kSureFace;
+}
+
+bool CardLook::mayHaveFace() const {
+  return std::max(faceScore, faceScoreTurned) >= kLikeAFace;
+}
+
 bool CardLook::isCertainlyACard() const {
   if (barcode) return true;
   constexpr double kMostOfPrint = 0.92;
@@ -93,7 +115,7 @@ bool CardLook::isCertainlyACard() const {
   if (print.isOfAPage() || print.share() < kMostOfPrint || print.within < kEnoughPrint)
     return false;
   const bool hasZone = print.wideLines > 0 && print.lines >= kEnoughLines;
-  return hasZone || std::max(faceScore, faceScoreTurned) >= kSureFace;
+  return hasZone || hasSureFace();
 }
 
 }  // namespace corvana::engine

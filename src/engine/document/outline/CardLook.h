@@ -30,6 +30,10 @@ struct CardLook {
   /// How long the level lines that end within it are together, in pixels of the picture: comparable
   /// between outlines, while the lines of a part of a card seem longer in its own width.
   double printLength() const;
+  /// The same, times the share of all print that these lines are.
+  double fittingPrint() const;
+  bool hasSureFace() const;
+  bool mayHaveFace() const;
   /// Whether there is no need to look inside another outline.
   bool isCertainlyACard() const;
 };

@@ -46,22 +46,25 @@ std::vector<Segment> middles(const std::vector<cv::RotatedRect>& print, double f
 
 }  // namespace
 
-std::vector<Quad> cardOutlines(const cv::Mat& rgb, const std::vector<cv::RotatedRect>& print,
-                               double searchSide) {
+CardOutlines cardOutlines(const cv::Mat& rgb, const std::vector<cv::RotatedRect>& print,
+                          double searchSide) {
   const double factor = std::max(1.0, std::max(rgb.cols, rgb.rows) / searchSide);
   cv::Mat small;
   cv::resize(rgb, small, {}, 1 / factor, 1 / factor, cv::INTER_AREA);
   OutlineRanking ranking(small, middles(print, factor));
   proposeOutlines(small, [&](const Quad& outline) { ranking.add(outline); });
-  std::vector<Quad> outlines;
-  for (const Quad& quad : ranking.best()) {
-    outlines.push_back(lying(fitSides(rgb, scaled(quad, factor), 2.5 * factor + 2)));
-  }
+  const auto fitted = [&](std::vector<Quad> quads) {
+    for (Quad& quad : quads)
+      quad = lying(fitSides(rgb, scaled(quad, factor), 2.5 * factor + 2));
+    return quads;
+  };
+  CardOutlines outlines{fitted(ranking.best()), fitted(ranking.wholes())};
   const double width = rgb.cols;
   const double height = rgb.rows;
   const Quad whole = lying(Quad{
       {{{-0.5, -0.5}, {width - 0.5, -0.5}, {width - 0.5, height - 0.5}, {-0.5, height - 0.5}}}});
-  if (whole.aspect() >= kLeastAspect && whole.aspect() <= kMostAspect) outlines.push_back(whole);
+  if (whole.aspect() >= kLeastAspect && whole.aspect() <= kMostAspect)
+    outlines.seen.push_back(whole);
   return outlines;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 
 #include <opencv2/imgproc.hpp>
 
@@ -22,6 +23,16 @@ constexpr int kMostAlike = 4;
 constexpr std::size_t kMostOutlines = 12;
 constexpr double kMostPrintTilt = 0.12;  ///< sine of the angle between print and outline
 constexpr double kPrintWeight = 0.3;     ///< against the share of the sides that is seen
+/// Of the length of the lines along it, so much may run right across it, as titles do on some
+/// cards.
+constexpr double kMostUpward = 0.3;
+
+/// Of the card's length across it; on a wider band the print would stand that tells a card.
+constexpr double kLeastBand = 0.04;
+constexpr double kMostBand = 0.4;
+constexpr double kLeastBandSupport = 0.6;  ///< of its outer side
+constexpr std::size_t kMostWholes = 6;
+constexpr std::size_t kMostParts = 6;
 
 constexpr int kSamples = 60;  ///< of a side
 constexpr double kBeside = 5;
@@ -32,9 +43,8 @@ cv::Point2d pointOf(platform::CGPoint point) {
   return {point.x, point.y};
 }
 
-bool hasCardsShape(const Quad& quad) {
-  return quad.isConvex() && quad.taper() <= kMostTaper && quad.aspect() >= kLeastAspect &&
-         quad.aspect() <= kMostAspect;
+bool mayBeSeenAtATilt(const Quad& quad) {
+  return quad.isConvex() && quad.taper() <= kMostTaper && quad.aspect() <= kMostAspect;
 }
 
 /// At each pixel the derivatives of the channel that changes most, as two channels.
@@ -60,6 +70,22 @@ cv::Mat derivatives(const cv::Mat& rgb) {
   return result;
 }
 
+/// No two nearly the same, and few in about the same place.
+std::vector<Quad> clearest(RankedOutlines found, std::size_t most) {
+  std::ranges::stable_sort(found, std::ranges::greater{}, &std::pair<double, Quad>::first);
+  std::vector<Quad> best;
+  for (const auto& each : found) {
+    if (best.size() == most) break;
+    const auto countNearer = [&](double reach) {
+      return std::ranges::count_if(
+          best, [&](const Quad& other) { return apart(each.second, other) < reach; });
+    };
+    if (countNearer(kSameOutline) == 0 && countNearer(kLikeOutline) < kMostAlike)
+      best.push_back(each.second);
+  }
+  return best;
+}
+
 }  // namespace
 
 Quad lying(Quad quad) {
@@ -73,43 +99,86 @@ OutlineRanking::OutlineRanking(const cv::Mat& rgb, std::vector<Segment> print)
 
 void OutlineRanking::add(const Quad& outline) {
   const Quad quad = lying(outline);
-  if (!hasCardsShape(quad)) return;
+  if (!mayBeSeenAtATilt(quad)) return;
   const double share = quad.width() * quad.height() / size_.area();
   if (share < kLeastShareOfPicture) return;
   const double support = supportOf(quad);
   if (support < kLeastSupport) return;
-  found_.emplace_back(support + printFit(quad) + 0.05 * std::log(share), quad);
+  auto& found = quad.aspect() < kLeastAspect ? parts_ : found_;
+  found.emplace_back(support + printFit(quad) + 0.05 * std::log(share), quad);
 }
 
-std::vector<Quad> OutlineRanking::best() {
-  std::ranges::stable_sort(found_, std::ranges::greater{}, &std::pair<double, Quad>::first);
-  std::vector<Quad> best;
-  for (const auto& found : found_) {
-    if (best.size() == kMostOutlines) break;
-    const auto countNearer = [&](double reach) {
-      return std::ranges::count_if(
-          best, [&](const Quad& other) { return apart(found.second, other) < reach; });
-    };
-    if (countNearer(kSameOutline) == 0 && countNearer(kLikeOutline) < kMostAlike)
-      best.push_back(found.second);
+std::vector<Quad> OutlineRanking::best() const {
+  return clearest(found_, kMostOutlines);
+}
+
+std::vector<Quad> OutlineRanking::wholes() const {
+  const std::vector<Quad> known = best();
+  std::vector<Quad> parts = known;
+  std::ranges::move(clearest(parts_, kMostParts), std::back_inserter(parts));
+  std::vector<Quad> wholes;
+  for (const Quad& part : parts) {
+    for (std::size_t side = 0; side < 4 && wholes.size() < kMostWholes; ++side) {
+      const auto whole = wholeBeyond(part, side);
+      if (!whole) continue;
+      const auto isThere = [&](const Quad& other) { return apart(*whole, other) < kSameOutline; };
+      if (std::ranges::any_of(known, isThere) || std::ranges::any_of(wholes, isThere)) continue;
+      wholes.push_back(*whole);
+    }
   }
-  return best;
+  return wholes;
+}
+
+/// The outline with its side moved outward onto the clearest edge that gives it a document's shape.
+std::optional<Quad> OutlineRanking::wholeBeyond(const Quad& part, std::size_t side) const {
+  const std::size_t next = (side + 1) % 4;
+  const cv::Point2d first = pointOf(part.corners[side]);
+  const cv::Point2d second = pointOf(part.corners[next]);
+  const cv::Point2d alongFirst = first - pointOf(part.corners[(side + 3) % 4]);
+  const cv::Point2d alongSecond = second - pointOf(part.corners[(side + 2) % 4]);
+  const double length = (cv::norm(alongFirst) + cv::norm(alongSecond)) / 2;
+  std::optional<Quad> whole;
+  double clearest = kLeastBandSupport;
+  for (double band = kLeastBand * length; band < kMostBand * length; band += 1) {
+    Quad quad = part;
+    const cv::Point2d movedFirst = first + band / length * alongFirst;
+    const cv::Point2d movedSecond = second + band / length * alongSecond;
+    quad.corners[side] = {movedFirst.x, movedFirst.y};
+    quad.corners[next] = {movedSecond.x, movedSecond.y};
+    if (!lying(quad).hasDocumentsShape()) continue;
+    const double support =
+        sideSupport(movedFirst, movedSecond).value_or(0) - textureBeside(movedFirst, movedSecond);
+    if (support <= clearest || supportOf(quad) < kLeastSupport) continue;
+    clearest = support;
+    whole = lying(quad);
+  }
+  return whole;
 }
 
 /// How well the lines of print that touch the outline fit it: those along it within it speak for
-/// a card, those that it cuts or that run another way against one.
+/// a card, those that it cuts or that run another way against one, and a few right across it for
+/// nothing.
 double OutlineRanking::printFit(const Quad& quad) const {
-  const cv::Point2d along = pointOf(quad.corners[1]) - pointOf(quad.corners[0]) +
+  const cv::Point2d width = pointOf(quad.corners[1]) - pointOf(quad.corners[0]) +
                             pointOf(quad.corners[2]) - pointOf(quad.corners[3]);
+  const cv::Point2d along = width / cv::norm(width);
   double fitting = 0;
+  double upward = 0;
   double others = 0;
   for (const Segment& line : print_) {
     const bool from = quad.contains({line.from.x, line.from.y});
     const bool to = quad.contains({line.to.x, line.to.y});
     if (!from && !to) continue;
-    const double sine = std::abs(cross(along / cv::norm(along), line.direction()));
-    (from && to && sine < kMostPrintTilt ? fitting : others) += line.length();
+    const bool isWithin = from && to;
+    if (isWithin && std::abs(cross(along, line.direction())) < kMostPrintTilt) {
+      fitting += line.length();
+    } else if (isWithin && std::abs(along.dot(line.direction())) < kMostPrintTilt) {
+      upward += line.length();
+    } else {
+      others += line.length();
+    }
   }
+  others += std::max(0.0, upward - kMostUpward * fitting);
   return fitting + others == 0 ? 0 : kPrintWeight * (fitting - 2 * others) / (fitting + others);
 }
 

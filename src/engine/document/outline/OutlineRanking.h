@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -14,6 +15,9 @@ namespace corvana::engine {
 /// The outline with its long sides as width.
 Quad lying(Quad quad);
 
+/// Outlines with how much they look like a card's.
+using RankedOutlines = std::vector<std::pair<double, Quad>>;
+
 /// Ranks outlines of one picture by how much they look like a card's: its shape, sides that are
 /// seen, and lines of print that lie along it and are not cut by it. Pure.
 class OutlineRanking {
@@ -23,9 +27,13 @@ class OutlineRanking {
 
   void add(const Quad& outline);
   /// The clearest outlines, no two nearly the same, and few in about the same place.
-  std::vector<Quad> best();
+  std::vector<Quad> best() const;
+  /// Outlines of a document's shape around the clearest, which a band along one side may end: none
+  /// nearly the same as one of these.
+  std::vector<Quad> wholes() const;
 
  private:
+  std::optional<Quad> wholeBeyond(const Quad& part, std::size_t side) const;
   double printFit(const Quad& quad) const;
   double supportOf(const Quad& quad) const;
   double textureBeside(cv::Point2d a, cv::Point2d b) const;
@@ -34,7 +42,8 @@ class OutlineRanking {
   cv::Mat derivatives_;
   cv::Size size_;
   std::vector<Segment> print_;
-  std::vector<std::pair<double, Quad>> found_;
+  RankedOutlines found_;
+  RankedOutlines parts_;  ///< too short for cards
 };
 
 }  // namespace corvana::engine

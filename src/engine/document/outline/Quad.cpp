@@ -83,6 +83,19 @@ double Quad::aspectErrorFrom(double aspect) const {
   return std::abs(std::log(this->aspect() / aspect));
 }
 
+bool Quad::hasDocumentsShape() const {
+  constexpr double kMostShapeError = 0.045;  // a tilt of seventeen degrees
+  return aspectError() <= kMostShapeError;
+}
+
+Quad shifted(Quad quad, const platform::CGPoint& by) {
+  for (auto& corner : quad.corners) {
+    corner.x += by.x;
+    corner.y += by.y;
+  }
+  return quad;
+}
+
 double apart(const Quad& a, const Quad& b) {
   const auto farthest = [&](std::size_t turn) {
     double most = 0;

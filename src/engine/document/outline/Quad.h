@@ -39,11 +39,16 @@ struct Quad {
   double aspectErrorFrom(double aspect) const;
   /// How far they are from those of the documents that it is nearest to.
   double aspectError() const { return aspectErrorFrom(documentAspect()); }
+  /// Whether its proportions are those of a card or a page, seen at a tilt.
+  bool hasDocumentsShape() const;
 };
 
 /// How far the corners of two outlines are apart at most, in the width of the first; the second may
 /// lie either way up.
 double apart(const Quad& a, const Quad& b);
+
+/// The outline moved by so many pixels: from a part of a picture to where it lies in the whole.
+Quad shifted(Quad quad, const platform::CGPoint& by);
 
 /// The same outline with the card in it turned by 180°.
 Quad upsideDown(const Quad& quad);

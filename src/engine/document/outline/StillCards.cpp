@@ -5,7 +5,6 @@
 
 #include <opencv2/core.hpp>
 
-#include "engine/document/outline/CardOutlines.h"
 #include "engine/vision/ImageOps.h"
 #include "engine/vision/MatViews.h"
 
@@ -60,6 +59,21 @@ StillPicture lookedAtInParts(const StillPicture& still, TextBoxes& print) {
   return result;
 }
 
+std::optional<StillPart> partAround(const StillPicture& still, const Quad& outline,
+                                    TextBoxes& print) {
+  constexpr double kRoom = 0.3;  // of the outline's width, on each side
+  constexpr double kMostOfStill = 0.7;
+  const cv::Mat rgb = rgbMat(*still.picture);
+  const double room = kRoom * outline.width();
+  const auto bounds = outline.bounds();
+  const cv::Rect place = pixelRect(
+      {bounds.x - room, bounds.y - room, bounds.width + 2 * room, bounds.height + 2 * room},
+      rgb.size());
+  if (std::max(place.width, place.height) > kMostOfStill * std::max(rgb.cols, rgb.rows)) return {};
+  const auto picture = pixelBufferFrom(rgb(place));
+  return StillPart{{picture, print.find(rgbMat(*picture))}, {double(place.x), double(place.y)}};
+}
+
 bool mayHavePrint(const StillPicture& still, const Quad& outline) {
   // On cards of 0.31 no line was seen at times, from 0.4 on most lines were.
   constexpr double kLeastShareOfStill = 0.42;
@@ -70,12 +84,14 @@ bool mayHavePrint(const StillPicture& still, const Quad& outline) {
   });
 }
 
-platform::Expected<std::vector<Quad>> cardsInStill(const StillPicture& still, Search search) {
+platform::Expected<CardOutlines> cardsInStill(const StillPicture& still, Search search) {
   const double side = search == Search::coarse ? kCoarseSide : kFineSide;
-  std::vector<Quad> outlines = cardOutlines(rgbMat(*still.picture), still.print, side);
-  if (outlines.empty()) return tl::unexpected(noCardSeen());
-  std::erase_if(outlines, [](const Quad& quad) { return quad.width() < kLeastCardWidth; });
-  if (outlines.empty()) {
+  CardOutlines outlines = cardOutlines(rgbMat(*still.picture), still.print, side);
+  if (outlines.seen.empty()) return tl::unexpected(noCardSeen());
+  const auto isTooSmall = [](const Quad& quad) { return quad.width() < kLeastCardWidth; };
+  std::erase_if(outlines.seen, isTooSmall);
+  std::erase_if(outlines.wholes, isTooSmall);
+  if (outlines.seen.empty()) {
     return platform::failure(
         "The card in the picture is less than 320 pixels wide: take the photo from nearer.");
   }

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <vector>
 
+#include "engine/document/outline/CardOutlines.h"
 #include "engine/document/outline/Quad.h"
 #include "engine/document/text/TextBoxes.h"
 #include "platform/foundation/Fault.h"
@@ -22,6 +24,17 @@ StillPicture stillPicture(const platform::PixelBufferRef& picture, TextBoxes& pr
 /// or lies across it, shows only then. Costs as much as a dozen looks inside outlines.
 StillPicture lookedAtInParts(const StillPicture& still, TextBoxes& print);
 
+/// A part of a still, and where in it its first pixel lies.
+struct StillPart {
+  StillPicture still;
+  platform::CGPoint origin;
+};
+
+/// What lies around an outline that is a small part of the still, with its print looked for anew:
+/// more of it is found. Absent where it would show hardly more.
+std::optional<StillPart> partAround(const StillPicture& still, const Quad& outline,
+                                    TextBoxes& print);
+
 /// Whether there is any print inside the outline, as far as the still shows it: true where the
 /// outline is so small a part of it that print in it may not have been seen.
 bool mayHavePrint(const StillPicture& still, const Quad& outline);
@@ -34,8 +47,8 @@ enum class Search { coarse, fine };
 platform::Fault noCardSeen();
 
 /// Where the card may lie in a photo or scan: outlines of its shape, or the whole picture where
-/// that has a card's shape; the likeliest first, at any turn, at least one. Error: there is
-/// neither, or all are less than 320 pixels wide.
-platform::Expected<std::vector<Quad>> cardsInStill(const StillPicture& still, Search search);
+/// that has a card's shape; at any turn, at least one is seen. Error: there is neither, or all are
+/// less than 320 pixels wide.
+platform::Expected<CardOutlines> cardsInStill(const StillPicture& still, Search search);
 
 }  // namespace corvana::engine

@@ -143,6 +143,7 @@ double NetworkTextReader::turnSign(const platform::PixelBuffer& card,
   double sum = 0;
   double length = 0;
   for (const TextLine& line : lines) {
+    if (runsUpOrDown(line)) continue;
     const double upsideDown = turn_.upsideDown(lineCrop(rgbMat(card), boxOf(line, kHalo)));
     sum += (1 - 2 * upsideDown) * line.box.width;
     length += line.box.width;
@@ -154,12 +155,23 @@ std::vector<TextLine> NetworkTextReader::read(const platform::PixelBuffer& card)
   return readAgain(card, find(card));
 }
 
+cv::Mat NetworkTextReader::pictureOf(const cv::Mat& card, const TextLine& line) {
+  cv::RotatedRect box = boxOf(line, kHalo);
+  if (!runsUpOrDown(line)) return lineCrop(card, box);
+  box.angle -= 90;
+  std::swap(box.size.width, box.size.height);
+  cv::Mat upward = lineCrop(card, box);
+  if (turn_.upsideDown(upward) > 0.5) cv::rotate(upward, upward, cv::ROTATE_180);
+  return upward;
+}
+
 std::vector<TextLine> NetworkTextReader::readAgain(const platform::PixelBuffer& card,
                                                    const std::vector<TextLine>& known) {
   const cv::Mat rgb = rgbMat(card);
   std::vector<cv::Mat> pictures;
+  pictures.reserve(known.size());
   for (const TextLine& line : known)
-    pictures.push_back(lineCrop(rgb, boxOf(line, kHalo)));
+    pictures.push_back(pictureOf(rgb, line));
   const std::vector<LineReading> readings = recognizer_.read(pictures);
   std::vector<TextLine> read;
   for (std::size_t i = 0; i < known.size(); ++i) {
@@ -169,7 +181,8 @@ std::vector<TextLine> NetworkTextReader::readAgain(const platform::PixelBuffer& 
     line.others.clear();
     for (const std::string& other : reading.others)
       line.others.push_back(repairedLetters(trimmed(other)));
-    line.words = wordsOf(reading, line, pictures[i]);
+    line.words.clear();
+    if (!runsUpOrDown(line)) line.words = wordsOf(reading, line, pictures[i]);
     line.confidence = reading.confidence;
     line.leastConfidence = reading.leastConfident;
     if (!line.text.empty() && line.confidence >= kLeastConfidence) read.push_back(std::move(line));

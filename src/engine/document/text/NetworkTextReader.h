@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include <opencv2/core.hpp>
+
 #include "engine/document/text/LineRecognizer.h"
 #include "engine/document/text/LineTurn.h"
 #include "engine/document/text/TextBoxes.h"
@@ -13,7 +15,8 @@
 namespace corvana::engine {
 
 /// Reads with neural networks: one finds the lines, one reads them, one tells whether they stand on
-/// their head. Knows the letters of all Latin alphabets, rare capitals less well. Movable.
+/// their head. Lines that run up or down are read too, and have no words' places. Knows the letters
+/// of all Latin alphabets, rare capitals less well. Movable.
 class NetworkTextReader final : public TextReader {
  public:
   static constexpr const char* kName = "PP-OCRv6 small Latin, 2";
@@ -50,6 +53,9 @@ class NetworkTextReader final : public TextReader {
   std::string name() const override { return kName; }
 
  private:
+  /// The line as the recogniser wants it: level, and the right way up.
+  cv::Mat pictureOf(const cv::Mat& card, const TextLine& line);
+
   NetworkTextReader(TextBoxes boxes, LineRecognizer recognizer, LineTurn turn);
 
   TextBoxes boxes_;

@@ -57,7 +57,7 @@ std::vector<TextLine> unreadValues(const std::vector<TextLine>& places,
   std::vector<TextLine> unread;
   const double least = heightOfValues(lines);
   std::ranges::copy_if(places, std::back_inserter(unread), [&](const TextLine& place) {
-    return place.box.height >= least && !isAmong(lines, place.box);
+    return place.box.height >= least && !runsUpOrDown(place) && !isAmong(lines, place.box);
   });
   return unread;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "engine/document/outline/CardWarp.h"
 #include "engine/document/text/AsciiLetters.h"
 
 namespace corvana::engine {
@@ -148,6 +149,12 @@ bool isSure(const TextLine& word) {
   const std::size_t letters = characterCount(cleaned(word.text));
   return letters > 0 &&
          word.confidence >= (letters <= 2 ? kLeastConfidenceOfPairs : kLeastConfidence);
+}
+
+bool runsUpOrDown(const TextLine& line) {
+  constexpr double kLeastLength = 0.1 * kCardWidth;
+  constexpr double kLeastSlenderness = 2.5;
+  return line.box.height >= kLeastLength && line.box.height >= kLeastSlenderness * line.box.width;
 }
 
 void sortFromTop(std::vector<TextLine>& lines) {

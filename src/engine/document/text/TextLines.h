@@ -19,6 +19,10 @@ std::size_t characterCount(const std::string& text);
 /// Whether the text would be read again: other text differs from picture to picture. Pure.
 bool isSure(const TextLine& text);
 
+/// Whether the line runs along the card's short sides, as the titles of some cards do. What is
+/// short is a letter that stands by itself. Pure.
+bool runsUpOrDown(const TextLine& line);
+
 /// Puts lines in the order in which they stand below one another.
 void sortFromTop(std::vector<TextLine>& lines);
 

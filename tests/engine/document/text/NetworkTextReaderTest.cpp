@@ -11,6 +11,7 @@
 #include "engine/document/text/NetworkTextReader.h"
 #include "engine/document/text/SecondOpinion.h"
 #include "engine/document/text/TesseractReader.h"
+#include "engine/document/text/TextLines.h"
 #include "engine/vision/MatViews.h"
 
 namespace corvana::tests {
@@ -74,6 +75,36 @@ TEST(NetworkTextReader, ReadsWhatAndWhereAndAgain) {
   cv::rotate(engine::rgbMat(*card), turned, cv::ROTATE_180);
   const auto onItsHead = engine::pixelBufferFrom(turned);
   EXPECT_LT(reader.turnSign(*onItsHead, reader.find(*onItsHead)), -0.5);
+}
+
+/// A front with a band along its right side, on which a title runs upward or downward.
+platform::PixelBufferRef frontWithBand(bool isUpward) {
+  const auto card = front(2);
+  cv::Mat band(150, engine::kCardHeight, CV_8UC3, cv::Scalar(120, 20, 50));
+  cv::putText(band, "RESIDENCE PERMIT", {40, 95}, cv::FONT_HERSHEY_DUPLEX, 1.6, {250, 240, 230}, 3,
+              cv::LINE_AA);
+  cv::rotate(band, band, isUpward ? cv::ROTATE_90_COUNTERCLOCKWISE : cv::ROTATE_90_CLOCKWISE);
+  cv::Mat picture = engine::rgbMat(*card).clone();
+  band.copyTo(picture.colRange(engine::kCardWidth - 150, engine::kCardWidth));
+  return engine::pixelBufferFrom(picture);
+}
+
+TEST(NetworkTextReader, ReadsTitlesThatRunUpOrDown) {
+  auto reader =
+      engine::NetworkTextReader::load(engine::NetworkTextReader::Models::inFolder(ENGINE_RESOURCES))
+          .value();
+  for (const bool isUpward : {true, false}) {
+    const auto card = frontWithBand(isUpward);
+    const auto lines = reader.read(*card);
+    const TextLine* title = lineWith(lines, "RESIDENCE PERMIT");
+    ASSERT_NE(title, nullptr) << isUpward;
+    EXPECT_TRUE(engine::runsUpOrDown(*title));
+    EXPECT_GT(title->box.minX(), 850);
+    EXPECT_NE(lineWith(lines, "OKONKWO"), nullptr);
+    EXPECT_TRUE(std::ranges::none_of(
+        lines, [&](const TextLine& line) { return &line != title && engine::runsUpOrDown(line); }));
+    EXPECT_NE(lineWith(reader.readAgain(*card, {*title}), "RESIDENCE PERMIT"), nullptr);
+  }
 }
 
 TEST(NetworkTextReader, ReadsPaleSmallPrintOnASecondLook) {
