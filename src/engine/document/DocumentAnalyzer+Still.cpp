@@ -9,6 +9,7 @@
 #include "engine/document/mrz/MrzPrint.h"
 #include "engine/document/outline/CardChoice.h"
 #include "engine/document/outline/CardWarp.h"
+#include "engine/document/outline/FacesInStill.h"
 #include "engine/document/outline/ZoneBelow.h"
 #include "engine/document/text/SecondOpinion.h"
 #include "engine/document/text/TextLines.h"
@@ -112,6 +113,21 @@ platform::Expected<CardLook> DocumentAnalyzer::cardIn(const StillPicture& still)
   return lookCloser(still, *card, look);
 }
 
+std::optional<CardLook> DocumentAnalyzer::cardAroundFace(const StillPicture& still) {
+  const LookAt look = [this](const auto& picture, const Quad& outline) {
+    return lookAt(picture, outline);
+  };
+  for (const platform::CGRect& face : facesInStill(*still.picture, *faces_)) {
+    const auto part = partAroundFace(still, face, text_.boxes());
+    if (!part) continue;
+    auto card = cardAmongPrint(part->still, look);
+    if (!card || !card->isCertainlyACard() || !card->hasSureFace()) continue;
+    card->outline = shifted(card->outline, part->origin);
+    return *std::move(card);
+  }
+  return std::nullopt;
+}
+
 CardLook DocumentAnalyzer::lookCloser(const StillPicture& still, const CardLook& seen,
                                       const LookAt& lookAt) {
   const auto part = partAround(still, seen.outline, text_.boxes());
@@ -180,7 +196,9 @@ platform::Expected<CardReading> DocumentAnalyzer::analyzeStill(
   if (!look) return tl::unexpected(look.error());
   auto reading = readUpright(*look);
   if (!reading || !hasMark(reading->card.data)) {
-    if (auto other = cardWithBarcode(still)) {
+    auto other = cardWithBarcode(still);
+    if (!other) other = cardAroundFace(still);
+    if (other) {
       look = *std::move(other);
       reading = readUpright(*look);
     }

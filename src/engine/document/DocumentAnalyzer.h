@@ -137,6 +137,9 @@ class DocumentAnalyzer {
   /// Print on a card that is a small part of the still is found in part only, or as if it ran
   /// across the card, which misleads the search.
   CardLook lookCloser(const StillPicture& still, const CardLook& seen, const LookAt& lookAt);
+  /// On a busy ground many outlines look more like a card than its own does, until they are sought
+  /// around its holder's face alone.
+  std::optional<CardLook> cardAroundFace(const StillPicture& still);
   platform::Expected<CardLook> cardAmongPrint(const StillPicture& still, const LookAt& lookAt);
   /// The card in the picture that has a barcode, where what was taken for it has no mark of a side.
   std::optional<CardLook> cardWithBarcode(const StillPicture& still);

@@ -10,6 +10,7 @@
 #include "engine/document/outline/CardFinder.h"
 #include "engine/document/outline/CardLook.h"
 #include "engine/document/outline/CardWarp.h"
+#include "engine/document/outline/FacesInStill.h"
 
 namespace corvana::tests {
 namespace {
@@ -196,6 +197,29 @@ engine::CardLook withZone(engine::CardLook look) {
   look.lines.emplace_back();
   look.lines.back().box = {50, 500, 800, 20};
   return look;
+}
+
+TEST(FacesInStill, FindsTheHolderOfASmallCardAtAnyTurn) {
+  auto faces = engine::FaceDetector::load(ENGINE_RESOURCES "/face_detection_short_range.tflite");
+  ASSERT_TRUE(faces) << faces.error().sentence;
+  const cv::Rect place(900, 300, 480, 303);
+  cv::Mat card;
+  cv::cvtColor(drawCard(0, tests::holder(0), "person_a.jpg").front, card, cv::COLOR_RGBA2RGB);
+  cv::Mat still(1200, 1600, CV_8UC3, cv::Scalar(150, 130, 100));
+  cv::resize(card, still(place), place.size(), 0, 0, cv::INTER_AREA);
+  const auto holder = faces->detect(*engine::pixelBufferFrom(still(place)));
+  ASSERT_FALSE(holder.empty());
+  cv::Point2d expected(place.x + holder[0].box.midX(), place.y + holder[0].box.midY());
+  for (int turns = 0; turns < 4; ++turns) {
+    const auto found = engine::facesInStill(*engine::pixelBufferFrom(still), *faces);
+    ASSERT_FALSE(found.empty()) << turns;
+    EXPECT_NEAR(found[0].midX(), expected.x, 12) << turns;
+    EXPECT_NEAR(found[0].midY(), expected.y, 12) << turns;
+    expected = {still.rows - expected.y, expected.x};
+    cv::Mat turned;
+    cv::rotate(still, turned, cv::ROTATE_90_CLOCKWISE);
+    still = turned;
+  }
 }
 
 TEST(CardChoice, TakesACardInItsShapeForWhatIsPartOfItOrMore) {

@@ -25,6 +25,21 @@ platform::PixelBufferRef reduced(const platform::PixelBufferRef& picture) {
                  static_cast<int>(std::lround(picture->height() / factor)));
 }
 
+platform::CGRect grown(const platform::CGRect& rect, double by) {
+  return {rect.x - by, rect.y - by, rect.width + 2 * by, rect.height + 2 * by};
+}
+
+/// Absent where it would show hardly more than the still does.
+std::optional<StillPart> partOf(const StillPicture& still, const platform::CGRect& area,
+                                TextBoxes& print) {
+  constexpr double kMostOfStill = 0.7;
+  const cv::Mat rgb = rgbMat(*still.picture);
+  const cv::Rect place = pixelRect(area, rgb.size());
+  if (std::max(place.width, place.height) > kMostOfStill * std::max(rgb.cols, rgb.rows)) return {};
+  const auto picture = pixelBufferFrom(rgb(place));
+  return StillPart{{picture, print.find(rgbMat(*picture))}, {double(place.x), double(place.y)}};
+}
+
 }  // namespace
 
 platform::Fault noCardSeen() {
@@ -62,16 +77,13 @@ StillPicture lookedAtInParts(const StillPicture& still, TextBoxes& print) {
 std::optional<StillPart> partAround(const StillPicture& still, const Quad& outline,
                                     TextBoxes& print) {
   constexpr double kRoom = 0.3;  // of the outline's width, on each side
-  constexpr double kMostOfStill = 0.7;
-  const cv::Mat rgb = rgbMat(*still.picture);
-  const double room = kRoom * outline.width();
-  const auto bounds = outline.bounds();
-  const cv::Rect place = pixelRect(
-      {bounds.x - room, bounds.y - room, bounds.width + 2 * room, bounds.height + 2 * room},
-      rgb.size());
-  if (std::max(place.width, place.height) > kMostOfStill * std::max(rgb.cols, rgb.rows)) return {};
-  const auto picture = pixelBufferFrom(rgb(place));
-  return StillPart{{picture, print.find(rgbMat(*picture))}, {double(place.x), double(place.y)}};
+  return partOf(still, grown(outline.bounds(), kRoom * outline.width()), print);
+}
+
+std::optional<StillPart> partAroundFace(const StillPicture& still, const platform::CGRect& face,
+                                        TextBoxes& print) {
+  constexpr double kFacesInCard = 7;  // on a card a face has a seventh of its width, or more
+  return partOf(still, grown(face, kFacesInCard * face.width), print);
 }
 
 bool mayHavePrint(const StillPicture& still, const Quad& outline) {

@@ -35,6 +35,10 @@ struct StillPart {
 std::optional<StillPart> partAround(const StillPicture& still, const Quad& outline,
                                     TextBoxes& print);
 
+/// What lies around a face that is on a card, as `partAround` gives it.
+std::optional<StillPart> partAroundFace(const StillPicture& still, const platform::CGRect& face,
+                                        TextBoxes& print);
+
 /// Whether there is any print inside the outline, as far as the still shows it: true where the
 /// outline is so small a part of it that print in it may not have been seen.
 bool mayHavePrint(const StillPicture& still, const Quad& outline);
